@@ -1,0 +1,228 @@
+#include "base/Text.h"
+
+#include <algorithm>
+
+namespace voxmate {
+
+namespace {
+
+struct Decoded {
+    char32_t point;
+    std::size_t bytes;
+    bool valid;
+};
+
+// One character at `at`: RFC 3629, no overlong forms, no surrogates. An invalid byte stands for itself.
+Decoded DecodeAt(std::string_view text, std::size_t at)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80)
+        return {lead, 1, true};
+    std::size_t more = 0;
+    char32_t point = 0;
+    char32_t least = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        more = 1;
+        point = lead & 0x1Fu;
+        least = 0x80;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        more = 2;
+        point = lead & 0x0Fu;
+        least = 0x800;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        more = 3;
+        point = lead & 0x07u;
+        least = 0x10000;
+    } else {
+        return {0xFFFD, 1, false};
+    }
+    if (at + more >= text.size())
+        return {0xFFFD, 1, false};
+    for (std::size_t i = 1; i <= more; ++i) {
+        if ((byte(i) & 0xC0u) != 0x80u)
+            return {0xFFFD, 1, false};
+        point = (point << 6) | (byte(i) & 0x3Fu);
+    }
+    if (point < least || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
+        return {0xFFFD, 1, false};
+    return {point, more + 1, true};
+}
+
+// Byte position of the character with this 0-based number, or the text's size.
+std::size_t ByteOf(std::string_view text, std::size_t characters)
+{
+    std::size_t at = 0;
+    while (characters > 0 && at < text.size()) {
+        at += DecodeAt(text, at).bytes;
+        --characters;
+    }
+    return at;
+}
+
+char32_t UpperOf(char32_t c)
+{
+    if ((c >= U'a' && c <= U'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7) || (c >= 0x3B1 && c <= 0x3C9 && c != 0x3C2) ||
+        (c >= 0x430 && c <= 0x44F))
+        return c - 32;
+    if (c >= 0x450 && c <= 0x45F)
+        return c - 80;
+    const bool pairedOdd = (c >= 0x100 && c <= 0x137 && c != 0x131) || (c >= 0x14A && c <= 0x177);
+    const bool pairedEven = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E);
+    if ((pairedOdd && c % 2 == 1) || (pairedEven && c % 2 == 0))
+        return c - 1;
+    return c == 0xFF ? char32_t{0x178} : c;
+}
+
+} // namespace
+
+std::size_t Len(std::string_view text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size(); at += DecodeAt(text, at).bytes)
+        ++count;
+    return count;
+}
+
+std::string Mid(std::string_view text, std::size_t start, std::size_t count)
+{
+    if (start == 0)
+        return {};
+    const std::size_t from = ByteOf(text, start - 1);
+    const std::string_view rest = text.substr(from);
+    return std::string(rest.substr(0, ByteOf(rest, count)));
+}
+
+std::string Left(std::string_view text, std::size_t count)
+{
+    return Mid(text, 1, count);
+}
+
+std::string Right(std::string_view text, std::size_t count)
+{
+    const std::size_t length = Len(text);
+    return count >= length ? std::string(text) : Mid(text, length - count + 1);
+}
+
+std::string Trim(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::string UCase(std::string_view text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const Decoded c = DecodeAt(text, at);
+        if (c.valid)
+            AppendUtf8(out, UpperOf(c.point));
+        else
+            out.append(text.substr(at, 1));
+        at += c.bytes;
+    }
+    return out;
+}
+
+std::size_t InStr(std::string_view text, std::string_view part)
+{
+    const std::size_t at = text.find(part);
+    return at == std::string_view::npos ? 0 : at + 1;
+}
+
+bool ContainsNoCase(std::string_view text, std::string_view part)
+{
+    return InStr(UCase(text), UCase(part)) != 0;
+}
+
+bool EqualNoCase(std::string_view a, std::string_view b)
+{
+    return UCase(a) == UCase(b);
+}
+
+std::vector<char32_t> DecodeUtf8(std::string_view text)
+{
+    std::vector<char32_t> points;
+    points.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const Decoded c = DecodeAt(text, at);
+        points.push_back(c.point);
+        at += c.bytes;
+    }
+    return points;
+}
+
+void AppendUtf8(std::string& out, char32_t point)
+{
+    const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+    if (point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
+        point = 0xFFFD;
+    if (point < 0x80) {
+        put(point);
+    } else if (point < 0x800) {
+        put(0xC0 | (point >> 6));
+        put(0x80 | (point & 0x3F));
+    } else if (point < 0x10000) {
+        put(0xE0 | (point >> 12));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    } else {
+        put(0xF0 | (point >> 18));
+        put(0x80 | ((point >> 12) & 0x3F));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    }
+}
+
+std::string EncodeUtf8(std::u32string_view points)
+{
+    std::string out;
+    for (const char32_t point : points)
+        AppendUtf8(out, point);
+    return out;
+}
+
+std::string Utf16ToUtf8(std::u16string_view text)
+{
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char32_t unit = text[i];
+        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+            AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (char32_t{text[i + 1]} - 0xDC00));
+            ++i;
+        } else {
+            AppendUtf8(out, unit);
+        }
+    }
+    return out;
+}
+
+std::u16string Utf8ToUtf16(std::string_view text)
+{
+    std::u16string out;
+    for (const char32_t point : DecodeUtf8(text)) {
+        if (point < 0x10000) {
+            out.push_back(static_cast<char16_t>(point));
+        } else {
+            out.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+        }
+    }
+    return out;
+}
+
+bool IsValidUtf8(std::string_view text)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        const Decoded c = DecodeAt(text, at);
+        if (!c.valid)
+            return false;
+        at += c.bytes;
+    }
+    return true;
+}
+
+} // namespace voxmate

@@ -1,0 +1,42 @@
+// Text helpers. Text is UTF-8; positions and lengths count characters (Unicode code points) and start at 1.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace voxmate {
+
+inline constexpr const char* CrLf = "\r\n";
+
+/// Number of characters in a UTF-8 text. A byte that is not valid UTF-8 counts as one character.
+std::size_t Len(std::string_view text);
+
+/// The text from character `start` (1-based) on, `count` characters at most; empty when start is past the end.
+std::string Mid(std::string_view text, std::size_t start, std::size_t count = std::string::npos);
+std::string Left(std::string_view text, std::size_t count);
+std::string Right(std::string_view text, std::size_t count);
+
+/// Removes blanks (U+0020) from both ends; tabs and line ends stay.
+std::string Trim(std::string_view text);
+
+/// Upper case; ASCII letters and the Latin-1, Latin Extended-A, Greek and Cyrillic letters with a simple counterpart.
+std::string UCase(std::string_view text);
+
+/// Position (1-based, in bytes of the UTF-8 text) of the first occurrence, 0 if none.
+std::size_t InStr(std::string_view text, std::string_view part);
+/// The same without regard to case (as UCase sees it), answered as yes or no.
+bool ContainsNoCase(std::string_view text, std::string_view part);
+bool EqualNoCase(std::string_view a, std::string_view b);
+
+/// UTF-8 to code points and back; an invalid byte decodes as U+FFFD, a surrogate or a value past U+10FFFF encodes as it.
+std::vector<char32_t> DecodeUtf8(std::string_view text);
+std::string EncodeUtf8(std::u32string_view points);
+void AppendUtf8(std::string& out, char32_t point);
+std::string Utf16ToUtf8(std::u16string_view text);
+std::u16string Utf8ToUtf16(std::string_view text);
+bool IsValidUtf8(std::string_view text);
+
+} // namespace voxmate

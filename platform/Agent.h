@@ -1,0 +1,121 @@
+// The Agent control: loads characters, queues their requests and reports what happens to them. All calls and all
+// events belong to the user-interface thread.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace voxmate {
+
+enum class RequestStatus { Complete = 0, Failed = 1, Pending = 2, Interrupted = 3, InProgress = 4 };
+
+/// What Show, Hide, Play and Speak return. The object lives as long as somebody holds it.
+class AgentRequest {
+public:
+    virtual ~AgentRequest() = default;
+    virtual RequestStatus Status() const = 0;
+};
+using AgentRequestPtr = std::shared_ptr<AgentRequest>;
+
+/// Bits and fields of the balloon's 32-bit style.
+inline constexpr std::uint32_t BalloonOn = 1;
+inline constexpr std::uint32_t BalloonSizeToText = 2;
+inline constexpr std::uint32_t BalloonAutoHide = 4;
+inline constexpr std::uint32_t BalloonAutoPace = 8;
+inline constexpr std::uint32_t BalloonCharactersMask = 0x00FF0000;
+inline constexpr std::uint32_t BalloonLinesMask = 0xFF000000;
+
+class AgentBalloon {
+public:
+    virtual ~AgentBalloon() = default;
+    virtual std::uint32_t Style() const = 0;
+    virtual void SetStyle(std::uint32_t style) = 0;
+    virtual std::string FontName() const = 0;
+    virtual void SetFontName(const std::string& name) = 0;
+    /// Size in points.
+    virtual int FontSize() const = 0;
+    virtual void SetFontSize(int points) = 0;
+};
+
+class AgentCommands {
+public:
+    virtual ~AgentCommands() = default;
+    /// Adds one command to the character's right-click menu; an ampersand in the caption marks its access key.
+    virtual void Add(const std::string& name, const std::string& caption, const std::string& voice, bool enabled,
+                     bool visible) = 0;
+};
+
+class AgentCharacter {
+public:
+    virtual ~AgentCharacter() = default;
+
+    virtual AgentRequestPtr Show(bool fast) = 0;
+    virtual AgentRequestPtr Hide(bool fast) = 0;
+    virtual AgentRequestPtr Play(const std::string& animation) = 0;
+    /// Speaks text with output tags, or, with a path in `url`, plays that wave file with the mouth following it.
+    virtual AgentRequestPtr Speak(const std::string& text, const std::string& url) = 0;
+    virtual void Stop(const AgentRequestPtr& request) = 0;
+    /// `types`: a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all.
+    virtual void StopAll(const std::string& types) = 0;
+
+    virtual AgentBalloon& Balloon() = 0;
+    virtual AgentCommands& Commands() = 0;
+
+    /// Size on the screen in device-independent pixels; setting it scales the character.
+    virtual int Width() const = 0;
+    virtual int Height() const = 0;
+    virtual void SetWidth(int width) = 0;
+    virtual void SetHeight(int height) = 0;
+    virtual int OriginalWidth() const = 0;
+    virtual int OriginalHeight() const = 0;
+    /// Mode identifier of the voice, in braces.
+    virtual std::string TTSModeID() const = 0;
+    virtual void SetTTSModeID(const std::string& id) = 0;
+    virtual std::vector<std::string> AnimationNames() const = 0;
+    virtual bool Visible() const = 0;
+};
+
+/// What AudioOutput.Status answers.
+enum class AudioStatus {
+    Available = 0,
+    NoSupport = 1,
+    CannotOpen = 2,
+    UserSpeaking = 3,
+    CharacterSpeaking = 4,
+    Waiting = 5,
+    Unknown = 6
+};
+
+/// Why a character was shown or hidden.
+enum class VisibilityCause { UserHid = 1, UserShowed = 2, ProgramHid = 3, ProgramShowed = 4 };
+
+class AgentControl {
+public:
+    virtual ~AgentControl() = default;
+
+    /// Loads a character file under a name; raises a run-time error that names the file when it cannot be read.
+    virtual void Load(const std::string& name, const std::string& path) = 0;
+    virtual void Unload(const std::string& name) = 0;
+    /// The loaded character of that name; raises a run-time error when there is none.
+    virtual AgentCharacter& Characters(const std::string& name) = 0;
+    virtual AudioStatus AudioOutputStatus() = 0;
+    virtual void SetSoundEffectsOn(bool on) = 0;
+
+    // Events. Buttons: 1 left, 2 right; shift: 1 shift, 2 control, 4 alt; x and y in pixels within the character.
+    std::function<void(const std::string& character, int button, int shift, int x, int y)> Click;
+    std::function<void(const std::string& character, int button, int shift, int x, int y)> DblClick;
+    std::function<void(const std::string& character, int button, int shift, int x, int y)> DragStart;
+    std::function<void(const std::string& character, int button, int shift, int x, int y)> DragComplete;
+    std::function<void(const std::string& character, VisibilityCause cause)> Shown;
+    std::function<void(const std::string& character, VisibilityCause cause)> Hidden;
+    /// A command of the right-click menu was chosen; `name` is the command's name.
+    std::function<void(const std::string& name)> Command;
+    std::function<void(const AgentRequestPtr& request)> RequestStart;
+    std::function<void(const AgentRequestPtr& request)> RequestComplete;
+    std::function<void(int number)> Bookmark;
+};
+
+} // namespace voxmate

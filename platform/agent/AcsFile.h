@@ -1,0 +1,195 @@
+// The character file (.acs, version 2): its content in memory, and the reader. Every number in a file is untrusted.
+#pragma once
+
+#include "base/Geometry.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace voxmate::agent {
+
+/// A file that cannot be read as a character; the message names the file and says what is wrong with it.
+class AcsError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+using Guid = std::array<std::uint8_t, 16>;
+
+enum CharacterFlag : std::uint32_t {
+    FlagVoice = 1u << 5,
+    FlagBalloonDisabled = 1u << 8,
+    FlagBalloon = 1u << 9,
+    FlagSizeToText = 1u << 16,
+    FlagAutoHideOff = 1u << 17,
+    FlagAutoPaceOff = 1u << 18,
+    FlagStandardSet = 1u << 20
+};
+
+struct Colour {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    bool operator==(const Colour&) const = default;
+};
+
+struct LocalName {
+    std::uint16_t language = 0; ///< Windows language identifier, 0x0409 American English
+    std::string name;
+    std::string description;
+    std::string extra;
+};
+
+struct VoiceInfo {
+    Guid engine{};
+    Guid mode{};
+    std::uint32_t speed = 0;
+    std::uint16_t pitch = 0;
+    bool hasDetails = false;
+    std::uint16_t language = 0;
+    std::string dialect;
+    std::uint16_t gender = 0;
+    std::uint16_t age = 0;
+    std::string style;
+};
+
+struct BalloonInfo {
+    std::uint8_t lines = 0;
+    std::uint8_t charactersPerLine = 0;
+    Colour text;
+    Colour background;
+    Colour border;
+    std::string fontName;
+    std::int32_t fontHeight = 0;
+    std::int32_t fontWeight = 0;
+    bool italic = false;
+    std::uint8_t unused = 0;
+};
+
+struct FrameImage {
+    std::uint32_t image = 0;
+    std::int16_t x = 0;
+    std::int16_t y = 0;
+};
+
+struct Branch {
+    std::uint16_t frame = 0;
+    std::uint16_t percent = 0;
+};
+
+enum Mouth : std::uint8_t {
+    MouthClosed = 0,
+    MouthWide1 = 1,
+    MouthWide2 = 2,
+    MouthWide3 = 3,
+    MouthWide4 = 4,
+    MouthMedium = 5,
+    MouthNarrow = 6
+};
+inline constexpr int MouthCount = 7;
+
+struct Overlay {
+    std::uint8_t mouth = MouthClosed;
+    bool replaceFront = false; ///< in place of the frame's front-most image, otherwise over it
+    std::uint16_t image = 0;
+    std::int16_t x = 0;
+    std::int16_t y = 0;
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+    std::vector<std::uint8_t> region; ///< as in the file; empty when there is none
+};
+
+struct Frame {
+    std::vector<FrameImage> images; ///< the first is the front-most
+    std::int32_t sound = -1;        ///< -1: none
+    std::uint16_t duration = 0;     ///< 1/100 s; 0: never drawn, only its branches are taken
+    std::int16_t exitFrame = -1;    ///< negative: none
+    std::vector<Branch> branches;
+    std::vector<Overlay> overlays;
+    bool HasMouths() const { return !overlays.empty(); }
+};
+
+enum class Transition : std::uint8_t { ReturnAnimation = 0, ExitBranches = 1, None = 2 };
+
+struct Animation {
+    std::string name;
+    Transition transition = Transition::None;
+    std::string returnAnimation;
+    std::vector<Frame> frames;
+};
+
+/// An image as stored: palette indices bottom-up, rows padded to 4 bytes, decoded only when asked for.
+struct IndexedImage {
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+    std::vector<std::uint8_t> pixels; ///< rows top-down, not padded: `width * height` palette indices
+};
+
+/// A whole character. Immutable once read; images are decoded on demand from the file's bytes, which it keeps.
+class AcsFile {
+public:
+    /// Reads and checks a file's structure; raises AcsError, naming `path`, for anything that is not as it must be.
+    static std::shared_ptr<const AcsFile> Open(const std::string& path);
+    /// The same from bytes in memory; `name` stands for the path in messages.
+    static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
+
+    std::string path;
+    std::uint16_t minorVersion = 0;
+    std::uint16_t majorVersion = 0;
+    Guid guid{};
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+    std::uint8_t transparentIndex = 0;
+    std::uint32_t flags = 0;
+    std::uint16_t animationSetMajor = 0;
+    std::uint16_t animationSetMinor = 0;
+    std::vector<LocalName> names;
+    std::optional<VoiceInfo> voice;
+    std::optional<BalloonInfo> balloon;
+    std::vector<Colour> palette;
+    std::optional<std::pair<std::vector<std::uint8_t>, std::vector<std::uint8_t>>> trayIcon; ///< mask, colour image
+    std::vector<std::pair<std::string, std::vector<std::string>>> states; ///< name, animations, in file order
+    std::vector<Animation> animations;                                    ///< in file order
+
+    std::size_t ImageCount() const { return images_.size(); }
+    std::size_t SoundCount() const { return sounds_.size(); }
+    /// Decodes one image; raises AcsError when its data does not decode to exactly its size.
+    IndexedImage DecodeImage(std::size_t index) const;
+    /// The bytes of one sound: a whole RIFF wave file.
+    std::span<const std::uint8_t> Sound(std::size_t index) const;
+
+    /// Finds an animation or a state's animations by name without regard to case; nullptr when there is none.
+    const Animation* FindAnimation(const std::string& name) const;
+    const std::vector<std::string>* FindState(const std::string& name) const;
+
+private:
+    friend class AcsReader;
+    struct StoredImage {
+        std::uint16_t width = 0;
+        std::uint16_t height = 0;
+        bool compressed = false;
+        std::uint32_t offset = 0; ///< of the pixel bytes
+        std::uint32_t size = 0;
+    };
+    struct StoredSound {
+        std::uint32_t offset = 0;
+        std::uint32_t size = 0;
+    };
+    std::vector<std::uint8_t> bytes_;
+    std::vector<StoredImage> images_;
+    std::vector<StoredSound> sounds_;
+};
+
+/// Composes frame `index` of an animation as it stands on the screen, `mouth` >= 0 with that mouth's overlay: a bitmap
+/// of the character's size, transparent where nothing is drawn.
+Bitmap ComposeFrame(const AcsFile& file, const Frame& frame, int mouth);
+
+} // namespace voxmate::agent

@@ -1,0 +1,108 @@
+// What the character server needs of the front end: windows without a frame, timers, text measures, a menu.
+// Everything happens on the user-interface thread. Lengths are device-independent pixels, screen origin top left.
+#pragma once
+
+#include "base/Geometry.h"
+#include "platform/agent/AcsFile.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace voxmate::agent {
+
+enum class MouseAction { Press, Move, Release, DoubleClick };
+
+struct MouseEvent {
+    MouseAction action = MouseAction::Move;
+    int button = 0; ///< 1 left, 2 right; 0 for Move
+    int shift = 0;  ///< 1 shift, 2 control, 4 alt
+    Point at;       ///< within the window
+    Point screen;   ///< on the screen
+};
+
+/// The character's window: shows a bitmap, transparent where the bitmap is, never takes the keyboard, stays on top.
+/// Clicks on transparent pixels go to what lies beneath.
+class CharacterWindow {
+public:
+    virtual ~CharacterWindow() = default;
+    /// Shows `frame` scaled smoothly to `size` (the character's size on the screen).
+    virtual void SetFrame(const Bitmap& frame, Size size) = 0;
+    virtual void MoveTo(Point topLeft) = 0;
+    virtual void SetVisible(bool visible) = 0;
+    std::function<void(const MouseEvent&)> Mouse;
+};
+
+struct BalloonFont {
+    std::string name;
+    int points = 10;
+    bool bold = false;
+    bool italic = false;
+};
+
+/// What a balloon looks like at one moment.
+struct BalloonView {
+    std::vector<std::string> lines; ///< the lines on show, from the top; words not yet spoken are left out
+    int lineHeight = 0;
+    Rect bubble;                    ///< on the screen, without the tail
+    Point tailTip;                  ///< on the screen; the tail leaves the bubble's edge nearest to it
+    BalloonFont font;
+    Colour text;
+    Colour background;
+    Colour border;
+};
+
+class BalloonWindow {
+public:
+    virtual ~BalloonWindow() = default;
+    virtual void Show(const BalloonView& view) = 0;
+    virtual void Hide() = 0;
+    std::function<void(const MouseEvent&)> Mouse;
+};
+
+/// Room between the bubble's edge and its text, and the size of the tail.
+inline constexpr int BalloonPadding = 10;
+inline constexpr int BalloonTailLength = 16;
+
+struct MenuEntry {
+    std::string name;
+    std::string caption; ///< "-" is a rule
+    bool enabled = true;
+};
+
+/// A running timer; destroying it stops it.
+class StageTimer {
+public:
+    virtual ~StageTimer() = default;
+};
+
+class Stage {
+public:
+    virtual ~Stage() = default;
+    virtual std::unique_ptr<CharacterWindow> CreateCharacterWindow() = 0;
+    virtual std::unique_ptr<BalloonWindow> CreateBalloonWindow() = 0;
+    /// The work area (without panels) of the screen that holds a point, or of the nearest one.
+    virtual Rect WorkArea(Point point) = 0;
+    /// The work area of the primary screen.
+    virtual Rect PrimaryWorkArea() = 0;
+    /// Runs `action` once after `milliseconds`, unless the timer is destroyed before. Precise to a few milliseconds.
+    virtual std::unique_ptr<StageTimer> After(int milliseconds, std::function<void()> action) = 0;
+    /// Milliseconds of a steady clock.
+    virtual std::int64_t Now() = 0;
+    /// A whole number from 0 to `bound` - 1, at random.
+    virtual int Random(int bound) = 0;
+    virtual int TextWidth(const BalloonFont& font, const std::string& text) = 0;
+    virtual int LineHeight(const BalloonFont& font) = 0;
+    virtual int AverageCharWidth(const BalloonFont& font) = 0;
+    /// Shows a menu at a point of the screen; `chosen` gets the entry's name. Returns at once.
+    virtual void PopupMenu(const std::vector<MenuEntry>& entries, Point at,
+                           std::function<void(const std::string& name)> chosen) = 0;
+    /// Plays a short RIFF wave file beside any speech; stops with StopSound.
+    virtual void PlaySound(std::span<const std::uint8_t> wave) = 0;
+    virtual void StopSound() = 0;
+};
+
+} // namespace voxmate::agent

@@ -1,0 +1,368 @@
+// What forms are made of: controls as plain state and events. While its form is shown a control has a peer, the
+// toolkit's widget: setting a property tells the peer; the user's action comes back through the control's User...
+// method, which stores the value and raises the event. A test needs no peer.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace voxmate {
+
+class Control;
+class Form;
+
+/// Names a property whose change a peer is told of.
+enum class Property {
+    Caption,
+    Enabled,
+    Visible,
+    ToolTipText,
+    Text,
+    Value,
+    Items,
+    ListIndex,
+    Checked,
+    Interval,
+    Panels,
+    Default
+};
+
+/// The toolkit's side of a control.
+class Peer {
+public:
+    virtual ~Peer() = default;
+    /// The property has a new value: show it. Must not raise the control's events.
+    virtual void Update(Property property) = 0;
+    virtual void SetFocus() {}
+};
+
+/// A property of a control: reads like a value; setting it to something new tells the control.
+template <class T>
+class Prop {
+public:
+    Prop(Control& owner, Property id, T initial = T{}) : owner_(owner), id_(id), value_(std::move(initial)) {}
+    Prop(const Prop&) = delete;
+    Prop& operator=(const Prop&) = delete;
+
+    operator const T&() const { return value_; }
+    const T& get() const { return value_; }
+    inline Prop& operator=(T value);
+    /// Sets the value without telling anybody: for the owner, when the user has changed it.
+    void Store(T value) { value_ = std::move(value); }
+
+private:
+    Control& owner_;
+    Property id_;
+    T value_;
+};
+
+class Control {
+public:
+    /// A control belongs to the form it is a member of and registers itself there, in the order of declaration, which
+    /// is the keyboard's order too.
+    Control(Form* form, std::string name);
+    virtual ~Control() = default;
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    const std::string Name;
+
+    Prop<bool> Enabled{*this, Property::Enabled, true};
+    Prop<bool> Visible{*this, Property::Visible, true};
+    Prop<std::string> ToolTipText{*this, Property::ToolTipText};
+    /// What a screen reader says where neither caption nor tool tip will do.
+    std::string AccessibleName;
+
+    void SetPeer(Peer* peer) { peer_ = peer; }
+    Peer* GetPeer() const { return peer_; }
+    void SetFocus()
+    {
+        if (peer_)
+            peer_->SetFocus();
+    }
+
+protected:
+    template <class T>
+    friend class Prop;
+    /// A property was set from code. Controls whose events fire on this, too, override it.
+    virtual void Changed(Property property)
+    {
+        if (peer_)
+            peer_->Update(property);
+    }
+
+private:
+    Peer* peer_ = nullptr;
+};
+
+template <class T>
+Prop<T>& Prop<T>::operator=(T value)
+{
+    if (!(value == value_)) {
+        value_ = std::move(value);
+        owner_.Changed(id_);
+    }
+    return *this;
+}
+
+using Event = std::function<void()>;
+
+inline void Raise(const Event& event)
+{
+    if (event)
+        event();
+}
+
+class Label : public Control {
+public:
+    Label(Form* form, std::string name, std::string caption = {})
+        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
+    {
+    }
+    Prop<std::string> Caption; ///< an ampersand marks the access key of `Buddy`
+    Control* Buddy = nullptr;  ///< the control this label names
+    bool Heading = false;      ///< shown large (a product's name)
+};
+
+class CommandButton : public Control {
+public:
+    CommandButton(Form* form, std::string name, std::string caption = {})
+        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
+    {
+    }
+    Prop<std::string> Caption; ///< empty for a picture button
+    std::string Picture;       ///< name of the icon, without folder and extension
+    bool IsDefault = false;    ///< pressed by Enter
+
+    Event Click;
+    /// A mouse button was released over it (1 left, 2 right).
+    std::function<void(int button)> MouseUp;
+
+    void UserClick()
+    {
+        if (Enabled)
+            Raise(Click);
+    }
+    void UserMouseUp(int button)
+    {
+        if (Enabled && MouseUp)
+            MouseUp(button);
+    }
+};
+
+/// Value is 1 (checked) or 0; Click is raised by the user and by setting Value from code.
+class CheckBox : public Control {
+public:
+    CheckBox(Form* form, std::string name, std::string caption)
+        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
+    {
+    }
+    Prop<std::string> Caption;
+    Prop<int> Value{*this, Property::Value, 0};
+    Event Click;
+
+    void UserClick(bool checked)
+    {
+        Value.Store(checked ? 1 : 0);
+        Raise(Click);
+    }
+
+protected:
+    void Changed(Property property) override
+    {
+        Control::Changed(property);
+        if (property == Property::Value)
+            Raise(Click);
+    }
+};
+
+/// A drop-down list. Click is raised when the user chooses an entry, not when ListIndex is set from code.
+class ComboBox : public Control {
+public:
+    using Control::Control;
+    const std::vector<std::string>& Items() const { return items_; }
+    void AddItem(std::string item)
+    {
+        items_.push_back(std::move(item));
+        Changed(Property::Items);
+    }
+    void Clear()
+    {
+        items_.clear();
+        ListIndex = -1;
+        Changed(Property::Items);
+    }
+    Prop<int> ListIndex{*this, Property::ListIndex, -1}; ///< 0-based; -1: nothing chosen
+    Event Click;
+
+    void UserSelect(int index)
+    {
+        ListIndex.Store(index);
+        Raise(Click);
+    }
+
+private:
+    std::vector<std::string> items_;
+};
+
+/// A horizontal scroll bar. Change is raised by every new value, the user's (while dragging, too) and the code's.
+class HScrollBar : public Control {
+public:
+    HScrollBar(Form* form, std::string name, int min, int max)
+        : Control(form, std::move(name)), Min(min), Max(max), Value(*this, Property::Value, min)
+    {
+    }
+    const int Min;
+    const int Max;
+    int SmallChange = 1;
+    int LargeChange = 10;
+    Prop<int> Value;
+    Event Change;
+
+    void UserScroll(int value)
+    {
+        if (value == Value)
+            return;
+        Value.Store(value);
+        Raise(Change);
+    }
+
+protected:
+    void Changed(Property property) override
+    {
+        Control::Changed(property);
+        if (property == Property::Value)
+            Raise(Change);
+    }
+};
+
+/// An edit field. Change is raised by the user's typing and by setting Text from code.
+class TextBox : public Control {
+public:
+    using Control::Control;
+    Prop<std::string> Text{*this, Property::Text};
+    bool MultiLine = false;
+    std::string PlaceholderText;
+    Event Change;
+
+    void UserEdit(std::string text)
+    {
+        Text.Store(std::move(text));
+        Raise(Change);
+    }
+
+protected:
+    void Changed(Property property) override
+    {
+        Control::Changed(property);
+        if (property == Property::Text)
+            Raise(Change);
+    }
+};
+
+/// A frame with a caption round other controls (the arrangement says which).
+class Frame : public Control {
+public:
+    Frame(Form* form, std::string name, std::string caption)
+        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
+    {
+    }
+    Prop<std::string> Caption;
+};
+
+/// A picture from the shared data (an icon's name).
+class Image : public Control {
+public:
+    Image(Form* form, std::string name, std::string picture, int size)
+        : Control(form, std::move(name)), Picture(std::move(picture)), SizePx(size)
+    {
+    }
+    std::string Picture;
+    int SizePx; ///< width and height in device-independent pixels
+};
+
+/// A bar of text panels at the foot of a form; panels are counted from 1.
+class StatusBar : public Control {
+public:
+    struct Panel {
+        std::string text;
+        int minChars = 0; ///< width in average characters; 0: takes what is left
+        std::string accessibleName;
+    };
+    StatusBar(Form* form, std::string name, std::vector<Panel> panels)
+        : Control(form, std::move(name)), panels_(std::move(panels))
+    {
+    }
+    const std::vector<Panel>& Panels() const { return panels_; }
+    void SetPanel(std::size_t number, const std::string& text)
+    {
+        if (number < 1 || number > panels_.size() || panels_[number - 1].text == text)
+            return;
+        panels_[number - 1].text = text;
+        Changed(Property::Panels);
+    }
+
+private:
+    std::vector<Panel> panels_;
+};
+
+/// Ticks every `Interval` milliseconds while enabled (10 ms at the fastest). A tick that comes while its own handler
+/// still runs is dropped; other timers go on.
+class Timer : public Control {
+public:
+    Timer(Form* form, std::string name, int interval, bool enabled)
+        : Control(form, std::move(name)), Interval(*this, Property::Interval, interval)
+    {
+        Enabled.Store(enabled);
+    }
+    Prop<int> Interval;
+    Event Tick;
+
+    void Fire()
+    {
+        if (!Enabled || running_)
+            return;
+        struct Running {
+            bool& flag;
+            explicit Running(bool& f) : flag(f) { flag = true; }
+            ~Running() { flag = false; }
+        } running(running_);
+        Raise(Tick);
+    }
+
+private:
+    bool running_ = false;
+};
+
+/// A menu or a menu item. A caption of "-" is a rule. Items belong to their parent menu, top menus to their form.
+class Menu : public Control {
+public:
+    Menu(Form* form, Menu* parent, std::string name, std::string caption);
+    Prop<std::string> Caption;
+    Prop<bool> Checked{*this, Property::Checked, false};
+    Event Click;
+
+    const std::vector<Menu*>& Items() const { return items_; }
+    Menu* Parent() const { return parent_; }
+    /// A control array: makes an item named `name` that this menu owns, or removes all of those.
+    Menu& Load(const std::string& name, const std::string& caption);
+    void UnloadAll();
+
+    void UserClick()
+    {
+        if (Enabled)
+            Raise(Click);
+    }
+
+private:
+    Form* form_;
+    Menu* parent_;
+    std::vector<Menu*> items_;
+    std::vector<std::unique_ptr<Menu>> owned_;
+};
+
+} // namespace voxmate

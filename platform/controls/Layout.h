@@ -1,0 +1,53 @@
+// How a form's controls are arranged: a small tree of rows, columns and grids with stretch and minimum sizes, so that
+// each front end lays out with its own fonts, scale and theme.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+namespace voxmate {
+
+class Control;
+
+struct Layout {
+    enum class Kind { Item, Row, Column, Grid, Space };
+
+    Kind kind = Kind::Space;
+    Control* control = nullptr;     ///< Item: the control; a Frame's item holds its content as the only child
+    std::vector<Layout> children;   ///< Grid: row by row, `columns` cells each
+    int columns = 0;
+    int stretch = 0;                ///< share of the spare room in the parent's direction
+    int minWidth = 0;               ///< device-independent pixels; 0: what the control needs
+    int minHeight = 0;
+    int spacing = -1;               ///< between the children; -1: the platform's own
+
+    Layout Stretch(int share) &&
+    {
+        stretch = share;
+        return std::move(*this);
+    }
+    Layout Min(int width, int height) &&
+    {
+        minWidth = width;
+        minHeight = height;
+        return std::move(*this);
+    }
+    Layout Spacing(int pixels) &&
+    {
+        spacing = pixels;
+        return std::move(*this);
+    }
+};
+
+inline Layout Item(Control& control) { return {Layout::Kind::Item, &control, {}}; }
+inline Layout Framed(Control& frame, Layout content) { return {Layout::Kind::Item, &frame, {std::move(content)}}; }
+inline Layout Row(std::vector<Layout> children) { return {Layout::Kind::Row, nullptr, std::move(children)}; }
+inline Layout Column(std::vector<Layout> children) { return {Layout::Kind::Column, nullptr, std::move(children)}; }
+inline Layout Grid(int columns, std::vector<Layout> children)
+{
+    return {Layout::Kind::Grid, nullptr, std::move(children), columns};
+}
+/// Empty room that takes its share of what is spare.
+inline Layout Space(int share = 1) { return Layout{}.Stretch(share); }
+
+} // namespace voxmate
