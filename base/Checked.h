@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <limits>
 
-namespace voxmate {
+namespace voxmate
+{
 
 /// True and False as they are held in 16-bit booleans.
 using Boolean = std::int16_t;
@@ -30,8 +31,14 @@ inline std::int32_t ToInt32(std::int64_t value)
     return static_cast<std::int32_t>(value);
 }
 
-inline std::int16_t MultiplyInt16(std::int16_t a, std::int16_t b) { return ToInt16(std::int64_t{a} * b); }
-inline std::int32_t AddInt32(std::int32_t a, std::int32_t b) { return ToInt32(std::int64_t{a} + b); }
+inline std::int16_t MultiplyInt16(std::int16_t a, std::int16_t b)
+{
+    return ToInt16(std::int64_t{a} * b);
+}
+inline std::int32_t AddInt32(std::int32_t a, std::int32_t b)
+{
+    return ToInt32(std::int64_t{a} + b);
+}
 
 /// Rounds to the nearest whole number, halves to the even neighbour (IEEE 754 roundTiesToEven).
 inline std::int64_t RoundHalfEven(double value)

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 struct Point {
     int x = 0;

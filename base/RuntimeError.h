@@ -6,11 +6,13 @@
 #include <string>
 #include <utility>
 
-namespace voxmate {
+namespace voxmate
+{
 
 /// A run-time error. A numbered routine catches it and reports it; one that nobody catches ends in the event loop,
 /// which shows its number and description and ends the program.
-class RuntimeError : public std::exception {
+class RuntimeError : public std::exception
+{
 public:
     RuntimeError(std::int32_t number, std::string description) : Number(number), Description(std::move(description)) {}
 
@@ -21,9 +23,21 @@ public:
 };
 
 // The numbers are those of the classic Basic run-time, so that a report reads the same on every platform.
-inline RuntimeError Overflow() { return {6, "Overflow"}; }
-inline RuntimeError SubscriptOutOfRange() { return {9, "Subscript out of range"}; }
-inline RuntimeError FileNotFound() { return {53, "File not found"}; }
-inline RuntimeError ObjectNotSet() { return {91, "Object variable or With block variable not set"}; }
+inline RuntimeError Overflow()
+{
+    return {6, "Overflow"};
+}
+inline RuntimeError SubscriptOutOfRange()
+{
+    return {9, "Subscript out of range"};
+}
+inline RuntimeError FileNotFound()
+{
+    return {53, "File not found"};
+}
+inline RuntimeError ObjectNotSet()
+{
+    return {91, "Object variable or With block variable not set"};
+}
 
 } // namespace voxmate

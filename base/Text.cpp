@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-namespace voxmate {
+namespace voxmate
+{
 
-namespace {
+namespace
+{
 
 struct Decoded {
     char32_t point;
@@ -141,6 +143,17 @@ bool ContainsNoCase(std::string_view text, std::string_view part)
 bool EqualNoCase(std::string_view a, std::string_view b)
 {
     return UCase(a) == UCase(b);
+}
+
+std::string JoinLines(std::span<const std::string> lines)
+{
+    std::string text;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i > 0)
+            text += CrLf;
+        text += lines[i];
+    }
+    return text;
 }
 
 std::vector<char32_t> DecodeUtf8(std::string_view text)

@@ -3,11 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 inline constexpr const char* CrLf = "\r\n";
 
@@ -31,7 +33,11 @@ std::size_t InStr(std::string_view text, std::string_view part);
 bool ContainsNoCase(std::string_view text, std::string_view part);
 bool EqualNoCase(std::string_view a, std::string_view b);
 
-/// UTF-8 to code points and back; an invalid byte decodes as U+FFFD, a surrogate or a value past U+10FFFF encodes as it.
+/// The lines with CR LF between them.
+std::string JoinLines(std::span<const std::string> lines);
+
+/// UTF-8 to code points and back; an invalid byte decodes as U+FFFD, a surrogate or a value past U+10FFFF encodes as
+/// it.
 std::vector<char32_t> DecodeUtf8(std::string_view text);
 std::string EncodeUtf8(std::u32string_view points);
 void AppendUtf8(std::string& out, char32_t point);

@@ -8,12 +8,14 @@
 #include <string>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 enum class RequestStatus { Complete = 0, Failed = 1, Pending = 2, Interrupted = 3, InProgress = 4 };
 
 /// What Show, Hide, Play and Speak return. The object lives as long as somebody holds it.
-class AgentRequest {
+class AgentRequest
+{
 public:
     virtual ~AgentRequest() = default;
     virtual RequestStatus Status() const = 0;
@@ -28,7 +30,8 @@ inline constexpr std::uint32_t BalloonAutoPace = 8;
 inline constexpr std::uint32_t BalloonCharactersMask = 0x00FF0000;
 inline constexpr std::uint32_t BalloonLinesMask = 0xFF000000;
 
-class AgentBalloon {
+class AgentBalloon
+{
 public:
     virtual ~AgentBalloon() = default;
     virtual std::uint32_t Style() const = 0;
@@ -40,7 +43,8 @@ public:
     virtual void SetFontSize(int points) = 0;
 };
 
-class AgentCommands {
+class AgentCommands
+{
 public:
     virtual ~AgentCommands() = default;
     /// Adds one command to the character's right-click menu; an ampersand in the caption marks its access key.
@@ -48,7 +52,8 @@ public:
                      bool visible) = 0;
 };
 
-class AgentCharacter {
+class AgentCharacter
+{
 public:
     virtual ~AgentCharacter() = default;
 
@@ -92,7 +97,8 @@ enum class AudioStatus {
 /// Why a character was shown or hidden.
 enum class VisibilityCause { UserHid = 1, UserShowed = 2, ProgramHid = 3, ProgramShowed = 4 };
 
-class AgentControl {
+class AgentControl
+{
 public:
     virtual ~AgentControl() = default;
 

@@ -1,7 +1,8 @@
 // The local date and time.
 #pragma once
 
-namespace voxmate {
+namespace voxmate
+{
 
 struct DateTime {
     int year = 1970;
@@ -13,7 +14,8 @@ struct DateTime {
     bool operator==(const DateTime&) const = default;
 };
 
-class Clock {
+class Clock
+{
 public:
     virtual ~Clock() = default;
     virtual DateTime Now() = 0;

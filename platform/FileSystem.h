@@ -4,9 +4,11 @@
 #include <string>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
-class FileSystem {
+class FileSystem
+{
 public:
     virtual ~FileSystem() = default;
     /// The separator between the parts of a path: "\" or "/".

@@ -10,7 +10,8 @@
 #include "platform/SpeechControl.h"
 #include "platform/WindowSystem.h"
 
-namespace voxmate {
+namespace voxmate
+{
 
 struct Platform {
     SettingsStore& Settings;

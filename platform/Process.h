@@ -2,11 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
-namespace voxmate {
+namespace voxmate
+{
 
-class Process {
+class Process
+{
 public:
     virtual ~Process() = default;
     /// Folder of the program's own data, without a separator at its end.
@@ -20,7 +23,15 @@ public:
     /// Window style 3 is maximised with focus.
     virtual double Shell(const std::string& command, int windowStyle) = 0;
     /// Ends the process at once: nothing is unloaded or saved. In a test it throws what only the test catches.
-    [[noreturn]] virtual void EndProgram() = 0;
+    [[noreturn]] void EndProgram()
+    {
+        EndProcess();
+        std::abort();
+    }
+
+protected:
+    /// Does not return.
+    virtual void EndProcess() = 0;
 };
 
 } // namespace voxmate

@@ -5,7 +5,8 @@
 #include <span>
 #include <string>
 
-namespace voxmate {
+namespace voxmate
+{
 
 // Result codes (winerror.h) and value types (winnt.h) with their documented numbers.
 inline constexpr std::int32_t ERROR_SUCCESS = 0;
@@ -18,7 +19,8 @@ inline constexpr std::uint32_t REG_DWORD = 4;
 inline constexpr std::uint32_t KEY_READ = 0x20019;
 inline constexpr std::uint32_t KEY_WRITE = 0x20006;
 
-class SettingsStore {
+class SettingsStore
+{
 public:
     virtual ~SettingsStore() = default;
 

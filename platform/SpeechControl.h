@@ -3,9 +3,11 @@
 
 #include <string>
 
-namespace voxmate {
+namespace voxmate
+{
 
-class SpeechControl {
+class SpeechControl
+{
 public:
     virtual ~SpeechControl() = default;
     virtual int CountEngines() = 0;

@@ -5,7 +5,8 @@
 
 #include <string>
 
-namespace voxmate {
+namespace voxmate
+{
 
 // Message box styles and answers, with the numbers of the classic message box (winuser.h).
 inline constexpr int vbOKOnly = 0;
@@ -16,7 +17,8 @@ inline constexpr int vbOK = 1;
 inline constexpr int vbYes = 6;
 inline constexpr int vbNo = 7;
 
-class WindowSystem : public FormHost {
+class WindowSystem : public FormHost
+{
 public:
     /// Shows a modal message box and returns the button pressed (vbOK, vbYes, vbNo). Closing a Yes/No box means No.
     /// Timers and speech go on while it is up.

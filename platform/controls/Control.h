@@ -10,7 +10,8 @@
 #include <utility>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 class Control;
 class Form;
@@ -32,7 +33,8 @@ enum class Property {
 };
 
 /// The toolkit's side of a control.
-class Peer {
+class Peer
+{
 public:
     virtual ~Peer() = default;
     /// The property has a new value: show it. Must not raise the control's events.
@@ -42,7 +44,8 @@ public:
 
 /// A property of a control: reads like a value; setting it to something new tells the control.
 template <class T>
-class Prop {
+class Prop
+{
 public:
     Prop(Control& owner, Property id, T initial = T{}) : owner_(owner), id_(id), value_(std::move(initial)) {}
     Prop(const Prop&) = delete;
@@ -60,7 +63,8 @@ private:
     T value_;
 };
 
-class Control {
+class Control
+{
 public:
     /// A control belongs to the form it is a member of and registers itself there, in the order of declaration, which
     /// is the keyboard's order too.
@@ -117,7 +121,8 @@ inline void Raise(const Event& event)
         event();
 }
 
-class Label : public Control {
+class Label : public Control
+{
 public:
     Label(Form* form, std::string name, std::string caption = {})
         : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
@@ -128,7 +133,8 @@ public:
     bool Heading = false;      ///< shown large (a product's name)
 };
 
-class CommandButton : public Control {
+class CommandButton : public Control
+{
 public:
     CommandButton(Form* form, std::string name, std::string caption = {})
         : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
@@ -155,7 +161,8 @@ public:
 };
 
 /// Value is 1 (checked) or 0; Click is raised by the user and by setting Value from code.
-class CheckBox : public Control {
+class CheckBox : public Control
+{
 public:
     CheckBox(Form* form, std::string name, std::string caption)
         : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
@@ -181,7 +188,8 @@ protected:
 };
 
 /// A drop-down list. Click is raised when the user chooses an entry, not when ListIndex is set from code.
-class ComboBox : public Control {
+class ComboBox : public Control
+{
 public:
     using Control::Control;
     const std::vector<std::string>& Items() const { return items_; }
@@ -210,7 +218,8 @@ private:
 };
 
 /// A horizontal scroll bar. Change is raised by every new value, the user's (while dragging, too) and the code's.
-class HScrollBar : public Control {
+class HScrollBar : public Control
+{
 public:
     HScrollBar(Form* form, std::string name, int min, int max)
         : Control(form, std::move(name)), Min(min), Max(max), Value(*this, Property::Value, min)
@@ -241,7 +250,8 @@ protected:
 };
 
 /// An edit field. Change is raised by the user's typing and by setting Text from code.
-class TextBox : public Control {
+class TextBox : public Control
+{
 public:
     using Control::Control;
     Prop<std::string> Text{*this, Property::Text};
@@ -265,7 +275,8 @@ protected:
 };
 
 /// A frame with a caption round other controls (the arrangement says which).
-class Frame : public Control {
+class Frame : public Control
+{
 public:
     Frame(Form* form, std::string name, std::string caption)
         : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
@@ -275,7 +286,8 @@ public:
 };
 
 /// A picture from the shared data (an icon's name).
-class Image : public Control {
+class Image : public Control
+{
 public:
     Image(Form* form, std::string name, std::string picture, int size)
         : Control(form, std::move(name)), Picture(std::move(picture)), SizePx(size)
@@ -286,7 +298,8 @@ public:
 };
 
 /// A bar of text panels at the foot of a form; panels are counted from 1.
-class StatusBar : public Control {
+class StatusBar : public Control
+{
 public:
     struct Panel {
         std::string text;
@@ -312,7 +325,8 @@ private:
 
 /// Ticks every `Interval` milliseconds while enabled (10 ms at the fastest). A tick that comes while its own handler
 /// still runs is dropped; other timers go on.
-class Timer : public Control {
+class Timer : public Control
+{
 public:
     Timer(Form* form, std::string name, int interval, bool enabled)
         : Control(form, std::move(name)), Interval(*this, Property::Interval, interval)
@@ -339,7 +353,8 @@ private:
 };
 
 /// A menu or a menu item. A caption of "-" is a rule. Items belong to their parent menu, top menus to their form.
-class Menu : public Control {
+class Menu : public Control
+{
 public:
     Menu(Form* form, Menu* parent, std::string name, std::string caption);
     Prop<std::string> Caption;

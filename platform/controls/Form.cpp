@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-namespace voxmate {
+namespace voxmate
+{
 
 Control::Control(Form* form, std::string name) : Name(std::move(name))
 {
@@ -82,8 +83,8 @@ void Form::PopupMenu(Menu& menu, Control* at)
 
 Control* Form::Find(const std::string& name) const
 {
-    const auto found =
-        std::find_if(controls_.begin(), controls_.end(), [&name](const Control* control) { return control->Name == name; });
+    const auto found = std::find_if(controls_.begin(), controls_.end(),
+                                    [&name](const Control* control) { return control->Name == name; });
     return found == controls_.end() ? nullptr : *found;
 }
 

@@ -9,12 +9,14 @@
 #include <string>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 class Form;
 
 /// The toolkit's side of a form: a window with a peer for each control. Made by FormHost when the form is first shown.
-class FormPeer {
+class FormPeer
+{
 public:
     virtual ~FormPeer() = default;
     virtual void Show() = 0;
@@ -25,7 +27,8 @@ public:
 };
 
 /// Makes windows of forms.
-class FormHost {
+class FormHost
+{
 public:
     virtual ~FormHost() = default;
     virtual std::unique_ptr<FormPeer> CreateFormPeer(Form& form) = 0;
@@ -33,7 +36,8 @@ public:
 
 enum class BorderStyle { Splash, FixedSingle, Sizable };
 
-class Form {
+class Form
+{
 public:
     /// `name` is the form's own name ("frmMain").
     Form(FormHost& host, std::string name);
@@ -45,8 +49,8 @@ public:
     std::string Caption;
     BorderStyle Border = BorderStyle::FixedSingle;
     Layout Arrangement;
-    StatusBar* Status = nullptr;      ///< shown at the foot, outside the arrangement
-    std::vector<Menu*> MenuBar;       ///< the menus on the menu bar, in order
+    StatusBar* Status = nullptr; ///< shown at the foot, outside the arrangement
+    std::vector<Menu*> MenuBar;  ///< the menus on the menu bar, in order
 
     /// Shows the form; the first time its Form_Load runs before its window is made.
     void Show();

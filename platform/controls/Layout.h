@@ -5,7 +5,8 @@
 #include <utility>
 #include <vector>
 
-namespace voxmate {
+namespace voxmate
+{
 
 class Control;
 
@@ -13,13 +14,13 @@ struct Layout {
     enum class Kind { Item, Row, Column, Grid, Space };
 
     Kind kind = Kind::Space;
-    Control* control = nullptr;     ///< Item: the control; a Frame's item holds its content as the only child
-    std::vector<Layout> children;   ///< Grid: row by row, `columns` cells each
+    Control* control = nullptr;   ///< Item: the control; a Frame's item holds its content as the only child
+    std::vector<Layout> children; ///< Grid: row by row, `columns` cells each
     int columns = 0;
-    int stretch = 0;                ///< share of the spare room in the parent's direction
-    int minWidth = 0;               ///< device-independent pixels; 0: what the control needs
+    int stretch = 0;  ///< share of the spare room in the parent's direction
+    int minWidth = 0; ///< device-independent pixels; 0: what the control needs
     int minHeight = 0;
-    int spacing = -1;               ///< between the children; -1: the platform's own
+    int spacing = -1; ///< between the children; -1: the platform's own
 
     Layout Stretch(int share) &&
     {
@@ -39,15 +40,30 @@ struct Layout {
     }
 };
 
-inline Layout Item(Control& control) { return {Layout::Kind::Item, &control, {}}; }
-inline Layout Framed(Control& frame, Layout content) { return {Layout::Kind::Item, &frame, {std::move(content)}}; }
-inline Layout Row(std::vector<Layout> children) { return {Layout::Kind::Row, nullptr, std::move(children)}; }
-inline Layout Column(std::vector<Layout> children) { return {Layout::Kind::Column, nullptr, std::move(children)}; }
+inline Layout Item(Control& control)
+{
+    return {Layout::Kind::Item, &control, {}};
+}
+inline Layout Framed(Control& frame, Layout content)
+{
+    return {Layout::Kind::Item, &frame, {std::move(content)}};
+}
+inline Layout Row(std::vector<Layout> children)
+{
+    return {Layout::Kind::Row, nullptr, std::move(children)};
+}
+inline Layout Column(std::vector<Layout> children)
+{
+    return {Layout::Kind::Column, nullptr, std::move(children)};
+}
 inline Layout Grid(int columns, std::vector<Layout> children)
 {
     return {Layout::Kind::Grid, nullptr, std::move(children), columns};
 }
 /// Empty room that takes its share of what is spare.
-inline Layout Space(int share = 1) { return Layout{}.Stretch(share); }
+inline Layout Space(int share = 1)
+{
+    return Layout{}.Stretch(share);
+}
 
 } // namespace voxmate

@@ -1,0 +1,247 @@
+#include "forms/frmMain.h"
+
+#include "base/Text.h"
+#include "modules/Declarations.h"
+#include "modules/Format.h"
+#include "modules/Functions.h"
+#include "modules/Messages.h"
+#include "modules/Registry.h"
+
+namespace voxmate
+{
+
+namespace
+{
+
+constexpr const char* everything = "Move, Play, Speak";
+
+// A name as a menu caption, in which a single ampersand would mark an access key.
+std::string MenuCaption(const std::string& name)
+{
+    std::string caption;
+    for (const char c : name)
+        caption += c == '&' ? "&&" : std::string(1, c);
+    return caption;
+}
+
+} // namespace
+
+frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platform_(platform)
+{
+    Caption = "Voxmate";
+    Border = BorderStyle::FixedSingle;
+    Status = &stsBar;
+    MenuBar = {&mnuFile};
+
+    txtText.MultiLine = true;
+    txtText.AccessibleName = "Text to read";
+    txtText.PlaceholderText = "Type something for me to read";
+    cmdSpeak.Picture = "speak";
+    cmdSpeak.ToolTipText = "Speak the textbox text";
+    cmdStop.Picture = "stop";
+    cmdStop.ToolTipText = "Stop Everything !!!";
+    cmdCharacter.Picture = "character";
+    cmdCharacter.ToolTipText = "Choose Character by Right Click. Show Character on Left Click";
+    lblVoice.Buddy = &comSpEng;
+    lblSpeedName.Buddy = &scrSpeed;
+    lblPitchName.Buddy = &scrPitch;
+    comSpEng.AccessibleName = "Voice Types";
+    scrSpeed.AccessibleName = "Speed";
+    scrPitch.AccessibleName = "Pitch";
+    // The item that exists before any character is found.
+    mnuMainChar.Load("mnuChar", "Character1");
+    Arrange();
+
+    SysTime.Tick = [this] { SysTime_Timer(); };
+    cmdSpeak.Click = [this] { cmdSpeak_Click(); };
+    cmdStop.Click = [this] { cmdStop_Click(); };
+    cmdCharacter.Click = [this] { cmdCharacter_Click(); };
+    cmdCharacter.MouseUp = [this](int button) { cmdCharacter_MouseUp(button); };
+    comSpEng.Click = [this] { comSpEng_Click(); };
+    scrPitch.Change = [this] { scrPitch_Change(); };
+    scrSpeed.Change = [this] { scrSpeed_Change(); };
+    chkWhisper.Click = [this] { chkWhisper_Click(); };
+    mnuExit.Click = [this] { mnuExit_Click(); };
+    ConnectAgent();
+}
+
+void frmMain::Arrange()
+{
+    Layout voice = Column({
+        Grid(3, {Item(lblVoice), Item(comSpEng).Stretch(1), Item(chkWhisper), Item(lblSpeedName),
+                 Item(scrSpeed).Min(220, 0), Item(lblSpeed).Min(56, 0), Item(lblPitchName), Item(scrPitch).Min(220, 0),
+                 Item(lblPitch).Min(56, 0)}),
+    });
+    Arrangement = Column({
+        Row({Item(txtText).Stretch(1).Min(360, 120),
+             Column({Item(cmdSpeak), Item(cmdStop), Item(cmdCharacter), Space()})}),
+        Framed(Frame2, std::move(voice)),
+    });
+}
+
+void frmMain::ConnectAgent()
+{
+    AgentControl& agent = platform_.Agent;
+    agent.Click = [this](const std::string&, int button, int, int, int) { AgentX_Click(button); };
+    agent.Command = [this](const std::string& name) { AgentX_Command(name); };
+    agent.RequestStart = [this](const AgentRequestPtr&) { SetStatus(StatusBusy); };
+    agent.RequestComplete = [this](const AgentRequestPtr&) { SetStatus(StatusIdle); };
+    agent.Hidden = [](const std::string&, VisibilityCause) {
+        if (Character)
+            Character->StopAll(everything);
+    };
+}
+
+void frmMain::Form_Load()
+{
+    if (platform_.System.PreviousInstance()) {
+        platform_.Windows.MsgBox("Another copy of Voxmate is already running.", vbCritical, "Voxmate - Running");
+        platform_.System.EndProgram();
+    }
+}
+
+void frmMain::Form_QueryUnload(bool& /*cancel*/)
+{
+    mnuExit_Click();
+}
+
+void frmMain::ListCharacters(const std::vector<std::string>& names)
+{
+    mnuMainChar.UnloadAll();
+    for (const std::string& name : names) {
+        Menu& item = mnuMainChar.Load("mnuChar", MenuCaption(name));
+        item.Click = [this, name] { mnuChar_Click(name); };
+    }
+}
+
+void frmMain::CheckCharacter(const std::string& name)
+{
+    for (Menu* item : mnuMainChar.Items())
+        item->Checked = item->Caption.get() == MenuCaption(name);
+}
+
+void frmMain::SetVoiceControls(int pitch, int speed, int whisper)
+{
+    scrPitch.Value = pitch;
+    scrSpeed.Value = speed;
+    chkWhisper.Value = whisper;
+}
+
+void frmMain::cmdSpeak_Click()
+{
+    const std::string text = Trim(txtText.Text.get());
+    if (text.empty()) {
+        ShowMessage("There is nothing to read from the textbox.", "Confused");
+        IsBusy = False;
+        return;
+    }
+    SpeakText(text, "");
+}
+
+void frmMain::cmdStop_Click()
+{
+    StopRequested = True;
+    if (Character) {
+        Character->StopAll(everything);
+        Character->Play("RestPose");
+    }
+    SetStatus(StatusIdle);
+}
+
+void frmMain::cmdTime_Click()
+{
+    SpeakText(FormatSpokenTime(Settings.TimeIn24Hour, false), "Announce");
+}
+
+void frmMain::cmdDate_Click()
+{
+    SpeakText("Today is " + FormatSpokenDate(Settings.DateFormat, platform_.Time.Now()), "Announce");
+}
+
+void frmMain::cmdCharIntro_Click()
+{
+    GreetAndIntroduce(false);
+}
+
+void frmMain::cmdCharacter_Click()
+{
+    if (Character)
+        Character->Show(false);
+}
+
+void frmMain::cmdCharacter_MouseUp(int button)
+{
+    constexpr int rightButton = 2;
+    if (button == rightButton && CharacterCount > 0)
+        PopupMenu(mnuMainChar, &cmdCharacter);
+}
+
+void frmMain::comSpEng_Click()
+{
+    ChooseSpeechEngine(comSpEng.ListIndex + 1);
+}
+
+void frmMain::scrPitch_Change()
+{
+    Settings.Pitch = ToInt16(scrPitch.Value);
+    lblPitch.Caption = "= " + std::to_string(Settings.Pitch);
+    WriteRegDword(SettingsKey, "Pitch", Settings.Pitch);
+}
+
+void frmMain::scrSpeed_Change()
+{
+    Settings.Speed = ToInt16(scrSpeed.Value);
+    lblSpeed.Caption = "= " + std::to_string(Settings.Speed);
+    WriteRegDword(SettingsKey, "Speed", Settings.Speed);
+}
+
+void frmMain::chkWhisper_Click()
+{
+    Settings.Whisper = chkWhisper.Value == 1 ? True : False;
+    WriteRegDword(SettingsKey, "Whisper", chkWhisper.Value);
+}
+
+void frmMain::mnuChar_Click(const std::string& caption)
+{
+    LoadCharacter(caption, false);
+}
+
+void frmMain::mnuExit_Click()
+{
+    platform_.System.EndProgram();
+}
+
+void frmMain::SysTime_Timer()
+{
+    stsBar.SetPanel(3, Format(platform_.Time.Now(), "h:nn:ss AM/PM"));
+    if (Settings.SpeakTimeInterval == 0)
+        return;
+    const std::int32_t counter = AddInt32(SpeakTimeCounter, 1);
+    const std::int16_t limit = MultiplyInt16(Settings.SpeakTimeInterval, 60);
+    SpeakTimeCounter = counter;
+    if (SpeakTimeCounter >= limit) {
+        SpeakTimeCounter = 0;
+        cmdTime_Click();
+    }
+}
+
+void frmMain::AgentX_Click(int button)
+{
+    constexpr int leftButton = 1;
+    if (button == leftButton && Settings.ReadTextBoxTextAtLeftClick == 1)
+        cmdSpeak_Click();
+}
+
+void frmMain::AgentX_Command(const std::string& name)
+{
+    if (name == "mnuStop")
+        cmdStop_Click();
+    else if (name == "mnuTime")
+        cmdTime_Click();
+    else if (name == "mnuDate")
+        cmdDate_Click();
+    else if (name == "mnuIntro")
+        cmdCharIntro_Click();
+}
+
+} // namespace voxmate

@@ -1,0 +1,78 @@
+// The main window: what the character says, its voice, and the menus.
+#pragma once
+
+#include "modules/MainWindow.h"
+#include "platform/Platform.h"
+
+#include <string>
+#include <vector>
+
+namespace voxmate
+{
+
+class frmMain : public Form, public MainWindow
+{
+public:
+    explicit frmMain(Platform& platform);
+
+    Timer SysTime{this, "SysTime", 1000, true};
+    TextBox txtText{this, "txtText"};
+    CommandButton cmdSpeak{this, "cmdSpeak"};
+    CommandButton cmdStop{this, "cmdStop"};
+    CommandButton cmdCharacter{this, "cmdCharacter"};
+    Frame Frame2{this, "Frame2", "Voice Settings"};
+    Label lblVoice{this, "lblVoice", "Voice &Types"};
+    ComboBox comSpEng{this, "comSpEng"};
+    Label lblSpeedName{this, "lblSpeedName", "Spee&d"};
+    HScrollBar scrSpeed{this, "scrSpeed", 40, 400};
+    Label lblSpeed{this, "lblSpeed", "= 40"};
+    Label lblPitchName{this, "lblPitchName", "&Pitch"};
+    HScrollBar scrPitch{this, "scrPitch", 40, 400};
+    Label lblPitch{this, "lblPitch", "= 40"};
+    CheckBox chkWhisper{this, "chkWhisper", "&Whisper"};
+    StatusBar stsBar{this, "stsBar", {{"", 0, "Activity"}, {"", 16, "Character"}, {"", 12, "Clock"}}};
+
+    Menu mnuFile{this, nullptr, "mnuFile", "&File"};
+    Menu mnuMainChar{this, &mnuFile, "mnuMainChar", "&Characters"};
+    Menu mnuSep1{this, &mnuFile, "mnuSep1", "-"};
+    Menu mnuExit{this, &mnuFile, "mnuExit", "&Exit"};
+
+    // MainWindow.
+    void Show() override { Form::Show(); }
+    void SetStatus(const std::string& text) override { stsBar.SetPanel(1, text); }
+    void SetCharacterPanel(const std::string& text) override { stsBar.SetPanel(2, text); }
+    void ListCharacters(const std::vector<std::string>& names) override;
+    void CheckCharacter(const std::string& name) override;
+    void AddSpeechEngine(const std::string& name) override { comSpEng.AddItem(name); }
+    void SelectSpeechEngine(int index) override { comSpEng.ListIndex = index; }
+    int SelectedSpeechEngine() const override { return comSpEng.ListIndex; }
+    void SetVoiceControls(int pitch, int speed, int whisper) override;
+
+protected:
+    void Form_Load() override;
+    void Form_QueryUnload(bool& cancel) override;
+
+private:
+    Platform& platform_;
+
+    void ConnectAgent();
+    void Arrange();
+    void cmdSpeak_Click();
+    void cmdStop_Click();
+    void cmdTime_Click();
+    void cmdDate_Click();
+    void cmdCharIntro_Click();
+    void cmdCharacter_Click();
+    void cmdCharacter_MouseUp(int button);
+    void comSpEng_Click();
+    void scrPitch_Change();
+    void scrSpeed_Change();
+    void chkWhisper_Click();
+    void mnuChar_Click(const std::string& caption);
+    void mnuExit_Click();
+    void SysTime_Timer();
+    void AgentX_Click(int button);
+    void AgentX_Command(const std::string& name);
+};
+
+} // namespace voxmate

@@ -1,0 +1,37 @@
+#include "forms/frmSplash.h"
+
+#include "modules/Declarations.h"
+#include "modules/Functions.h"
+
+namespace voxmate
+{
+
+frmSplash::frmSplash(Platform& platform) : Form(platform.Windows, "frmSplash")
+{
+    Caption = "Voxmate";
+    Border = BorderStyle::Splash;
+    lblProduct.Heading = true;
+    Arrangement =
+        Row({Item(imgIcon),
+             Column({Item(lblProduct), Item(lblDesc), Space(), Item(lblVersion), Item(lblOS), Item(lblAuthor)})
+                 .Stretch(1)})
+            .Min(420, 190);
+    splashTimer.Tick = [this] { splashTimer_Timer(); };
+}
+
+void frmSplash::Form_Load()
+{
+    lblVersion.Caption = "Version " + VersionText();
+    lblOS.Caption = "Windows 98/NT and above";
+    lblDesc.Caption = "A desktop assistant that talks";
+    lblAuthor.Caption = "By the makers of Voxmate";
+}
+
+void frmSplash::splashTimer_Timer()
+{
+    StartMain();
+    splashTimer.Enabled = false;
+    Unload();
+}
+
+} // namespace voxmate

@@ -1,0 +1,74 @@
+// The program's shared state, and its version numbers.
+#pragma once
+
+#include "base/Checked.h"
+#include "modules/MainWindow.h"
+#include "modules/Settings.h"
+#include "platform/Platform.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace voxmate
+{
+
+inline constexpr int VersionMajor = 1;
+inline constexpr int VersionMinor = 1;
+inline constexpr int VersionBuild = 5;
+/// "1.1 - Build 5", as the splash form and the error report show it.
+std::string VersionText();
+
+inline constexpr const char* SupportName = "Voxmate Support";
+inline constexpr const char* SupportAddress = "support@voxmate.example";
+
+inline constexpr const char* StatusIdle = "I am Idle now !";
+inline constexpr const char* StatusBusy = "Busy...";
+
+extern SettingsRecord Settings;
+
+/// The one shared message text: what ShowMessage reads and the caller's message box shows.
+extern std::string MessageText;
+/// True while an announcement or a problem box is up.
+extern Boolean IsBusy;
+/// Number of the numbered routine that runs or ran last.
+extern std::int16_t CurrentRoutineId;
+/// Set by "Stop Everything !!!", polled by long reading jobs.
+extern Boolean StopRequested;
+
+extern std::string WindowsDir;
+extern std::string SearchPath;
+extern std::string ReminderFilePath;
+extern std::string ReminderTempPath;
+
+/// The one loaded character; nullptr before the first load.
+extern AgentCharacter* Character;
+inline constexpr std::size_t AnimationNameCount = 1001;
+/// Names of the loaded character's animations, the first empty entry ends them.
+extern std::array<std::string, AnimationNameCount> AnimationNames;
+extern std::int16_t CharacterCount;
+
+inline constexpr int EngineLimit = 100;
+/// Name and mode identifier in braces of each speech engine, counted from 1.
+extern std::array<std::string, EngineLimit + 1> EngineNames;
+extern std::array<std::string, EngineLimit + 1> EngineIds;
+
+extern AgentRequestPtr LastSpeakRequest;
+extern AgentRequestPtr LastPlayRequest;
+
+/// Ticks of the clock timer since the last time announcement.
+extern std::int32_t SpeakTimeCounter;
+/// Task id of the last program started by OpenUrl.
+extern double ShellTaskId;
+
+/// The platform and the main window in use.
+Platform& Host();
+MainWindow& Main();
+std::string PathSeparator();
+/// Path of a file or folder in the program's directory.
+std::string ProgramPath(const std::string& name);
+
+/// Puts all shared state to its initial values and works on this platform and main window from now on.
+void BeginProgram(Platform& platform, MainWindow& mainWindow);
+
+} // namespace voxmate

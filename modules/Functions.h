@@ -1,0 +1,58 @@
+// What the program does: start-up, the character, the voice, its phrases.
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <string>
+
+namespace voxmate
+{
+
+// Start-up.
+
+/// Shows the main window and runs the start-up sequence.
+void StartMain();
+/// Brings the system up in its fixed order, reporting each step in the status bar.
+void RunStartUp();
+/// Opens a page in the browser; when that fails the address goes to the clipboard and a box says so.
+void OpenUrl(const std::string& url);
+/// Address of a help page that ships with the program ("characters", "voices").
+std::string HelpPage(const std::string& name);
+
+// The character.
+
+/// Looks for character files in SearchPath and, if the user agrees, in the folder of the shipped ones; fills the
+/// character menu and CharacterCount and settles CharacterPath. Without any character it explains and ends the program.
+void FindCharacters(bool fromOptions);
+/// Loads one character, unloading the one before unless `atStartUp`, and applies the settings to it.
+void LoadCharacter(const std::string& name, bool atStartUp);
+/// Pushes the balloon, size and sound settings to the loaded character.
+void ApplyCharacterSettings();
+
+// The voice.
+
+/// Lists the installed engines and selects the one used last. Without any engine it explains and ends the program.
+void LoadSpeechEngines();
+/// Selects engine `number` (counted from 1) and keeps its name as LastSpeechEngine in the registry.
+void ChooseSpeechEngine(int number);
+/// Has the character speak: shows it, plays `animation` unless empty, speaks the text with the voice markup, rests.
+void SpeakText(const std::string& text, const std::string& animation);
+/// Doubles the backslashes of a text so that the voice reads none of them as markup. The walk ends at the length before
+/// escaping, so in a text with many backslashes the last ones stay single.
+std::string EscapeMarkup(const std::string& text);
+/// The tags that put the voice's pitch, speed and whisper in front of a text.
+std::string VoicePrefix(int pitch, int speed, bool whisper);
+
+// Phrases.
+
+/// "st", "nd", "rd" or "th" for a day of the month.
+std::string OrdinalSuffix(int day);
+/// The date as a phrase in one of the formats 1 to 6; empty for any other format.
+std::string FormatSpokenDate(std::int16_t format, const DateTime& date);
+/// The current time as a phrase, with a salutation in front unless it is to be omitted.
+std::string FormatSpokenTime(std::int16_t in24Hour, bool omitSalutation);
+/// Introduces the character; at start-up only as far as the settings say, and greets.
+void GreetAndIntroduce(bool atStartUp);
+
+} // namespace voxmate

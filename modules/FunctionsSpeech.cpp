@@ -1,0 +1,135 @@
+// The voice: engines, and the one routine through which everything is spoken.
+#include "base/Text.h"
+#include "modules/Declarations.h"
+#include "modules/Functions.h"
+#include "modules/Messages.h"
+#include "modules/Registry.h"
+
+#include <algorithm>
+
+namespace voxmate
+{
+
+namespace
+{
+
+std::string EngineName(int number)
+{
+    return EngineNames.at(static_cast<std::size_t>(number));
+}
+
+void GiveCharacterEngine(int number)
+{
+    if (Character)
+        Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(number)));
+}
+
+[[noreturn]] void EndWithoutEngine()
+{
+    const std::string page = HelpPage("voices");
+    const std::string lines[] = {
+        "No speech engine is loaded on this machine. Please load a speech engine and then try again.",
+        "Voxmate will end now.",
+        "Please goto following MS Agents' download page and install atleast one Speech Engine.",
+        page,
+        "Do you want to goto download site now ?",
+    };
+    if (Host().Windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Unhandled Error") == vbYes)
+        OpenUrl(page);
+    Host().System.EndProgram();
+}
+
+void AudioProblem(const char* text)
+{
+    IsBusy = True;
+    Host().Windows.MsgBox(text, vbCritical, "Voxmate - Audio Output Problem");
+    IsBusy = False;
+}
+
+} // namespace
+
+void LoadSpeechEngines()
+{
+    NumberedRoutine(1, [] {
+        const int count = std::min(Host().Speech.CountEngines(), EngineLimit);
+        if (count == 0)
+            EndWithoutEngine();
+        int selected = 0;
+        for (int i = 1; i <= count; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            EngineNames.at(at) = Host().Speech.ModeName(i);
+            EngineIds.at(at) = "{" + Host().Speech.ModeID(i) + "}";
+            Main().AddSpeechEngine(EngineNames.at(at));
+            if (EngineNames.at(at) == Settings.LastSpeechEngine)
+                selected = i;
+        }
+        if (selected == 0) {
+            static constexpr const char* displayName = "Voice Type Last Used";
+            selected = 1;
+            WriteRegString(SettingsKey, "LastSpeechEngine", EngineName(1));
+            if (!ContainsNoCase(Settings.SettingsErrorList, displayName))
+                Settings.SettingsErrorList += std::string(displayName) + CrLf;
+        }
+        Main().SelectSpeechEngine(selected - 1);
+        GiveCharacterEngine(selected);
+    });
+}
+
+void ChooseSpeechEngine(int number)
+{
+    GiveCharacterEngine(number);
+    WriteRegString(SettingsKey, "LastSpeechEngine", EngineName(number));
+}
+
+std::string EscapeMarkup(const std::string& text)
+{
+    const std::size_t end = Len(text);
+    std::string escaped;
+    escaped.reserve(text.size() + 16);
+    std::size_t position = 1; // of the next character within the escaped text
+    for (const char c : text) {
+        escaped += c;
+        if (c == '\\' && position <= end) {
+            escaped += '\\';
+            ++position;
+        }
+        // Only a character's first byte counts as one.
+        if ((static_cast<unsigned char>(c) & 0xC0u) != 0x80u)
+            ++position;
+    }
+    return escaped;
+}
+
+std::string VoicePrefix(int pitch, int speed, bool whisper)
+{
+    return (whisper ? "\\Chr=\"WHISPER\"\\ " : "") + ("\\Pit=" + std::to_string(pitch)) +
+           "\\ \\Spd=" + std::to_string(speed) + "\\";
+}
+
+void SpeakText(const std::string& text, const std::string& animation)
+{
+    switch (Host().Agent.AudioOutputStatus()) {
+    case AudioStatus::NoSupport:
+        AudioProblem("There is no support for audio output.");
+        return;
+    case AudioStatus::Unknown:
+        AudioProblem("There was some other (unknown) problem in attempting to access the audio output channel.");
+        return;
+    default:
+        break;
+    }
+    const std::string trimmed = Trim(text);
+    if (trimmed.empty() || !Character)
+        return;
+    const std::string spoken =
+        VoicePrefix(Settings.Pitch, Settings.Speed, Settings.Whisper == True) + EscapeMarkup(trimmed);
+    Character->Show(false);
+    Host().Windows.DoEvents();
+    const std::string gesture = Trim(animation);
+    if (!gesture.empty())
+        LastPlayRequest = Character->Play(gesture);
+    LastSpeakRequest = Character->Speak(spoken, "");
+    Character->Play("RestPose");
+}
+
+} // namespace voxmate

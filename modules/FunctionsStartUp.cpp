@@ -1,0 +1,80 @@
+// Start-up, and opening pages in the browser.
+#include "base/Text.h"
+#include "modules/Declarations.h"
+#include "modules/Functions.h"
+
+#include <algorithm>
+
+namespace voxmate
+{
+
+namespace
+{
+
+constexpr std::uint32_t WindowsDirLength = 200;
+
+std::string FindWindowsDir()
+{
+    std::string buffer(WindowsDirLength, '\0');
+    std::uint32_t length = Host().System.GetWindowsDirectoryA(buffer, WindowsDirLength);
+    if (length > WindowsDirLength) {
+        buffer.assign(length, '\0');
+        length = Host().System.GetWindowsDirectoryA(buffer, length);
+    }
+    return buffer.substr(0, length);
+}
+
+} // namespace
+
+void StartMain()
+{
+    Main().Show();
+    Host().Windows.DoEvents();
+    RunStartUp();
+}
+
+void RunStartUp()
+{
+    Main().SetStatus("Loading your personal settings. Please wait...");
+    WindowsDir = FindWindowsDir();
+    ReminderFilePath = ProgramPath("VoxmateReminders.txt");
+    ReminderTempPath = ProgramPath("VoxmateReminders.tmp");
+    LoadSettings();
+    Main().SetStatus("Searching for characters. Please wait...");
+    SearchPath = Settings.CharacterPath;
+    FindCharacters(false);
+    Main().SetStatus("Loading character. Please wait...");
+    LoadCharacter(Settings.LastCharacter, true);
+    Main().SetStatus("Loading installed speech engines. Please wait...");
+    Host().Windows.DoEvents();
+    LoadSpeechEngines();
+    Host().Windows.DoEvents();
+    Main().SetStatus(StatusIdle);
+    Main().SetVoiceControls(Settings.Pitch, Settings.Speed, Settings.Whisper);
+    ReportSettingsInError();
+    if (Settings.ShowCharacterAtStart == 1)
+        GreetAndIntroduce(true);
+}
+
+void OpenUrl(const std::string& url)
+{
+    try {
+        ShellTaskId = Host().System.Shell("explorer.exe " + url, 3);
+    } catch (const RuntimeError&) {
+        Host().Windows.ClipboardClear();
+        Host().Windows.ClipboardSetText(url);
+        const std::string lines[] = {
+            "Voxmate is unable to open the following URL:", url, "", "This URL has been copied to your Clipboard.",
+            "Open Internet Explorer and paste in the Address Bar and click 'GO' or press 'Enter'"};
+        Host().Windows.MsgBox(JoinLines(lines), vbExclamation, "Voxmate - URL Open Error");
+    }
+}
+
+std::string HelpPage(const std::string& name)
+{
+    std::string folder = WindowsDir;
+    std::replace(folder.begin(), folder.end(), '\\', '/');
+    return (folder.starts_with('/') ? "file://" : "file:///") + folder + "/web/" + name + ".html";
+}
+
+} // namespace voxmate

@@ -1,0 +1,30 @@
+// What the modules need of the main window; frmMain implements it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace voxmate
+{
+
+class MainWindow
+{
+public:
+    virtual ~MainWindow() = default;
+    virtual void Show() = 0;
+    /// Text of the status bar's first panel (activity) and of its second (the character's name).
+    virtual void SetStatus(const std::string& text) = 0;
+    virtual void SetCharacterPanel(const std::string& text) = 0;
+    /// Replaces the items of the character menu by these names, none checked.
+    virtual void ListCharacters(const std::vector<std::string>& names) = 0;
+    /// Puts the check mark on the item of this name and clears all others.
+    virtual void CheckCharacter(const std::string& name) = 0;
+    /// The list of voices: adds an entry, chooses one (0-based, raises no event), tells the chosen one (-1: none).
+    virtual void AddSpeechEngine(const std::string& name) = 0;
+    virtual void SelectSpeechEngine(int index) = 0;
+    virtual int SelectedSpeechEngine() const = 0;
+    /// Sets the two bars and the check box, in this order; each change runs that control's handler.
+    virtual void SetVoiceControls(int pitch, int speed, int whisper) = 0;
+};
+
+} // namespace voxmate

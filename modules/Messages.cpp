@@ -1,0 +1,48 @@
+#include "modules/Messages.h"
+
+#include "base/Text.h"
+#include "modules/Functions.h"
+
+namespace voxmate
+{
+
+void ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2,
+                 const std::string& animation3, const std::string& animation4)
+{
+    IsBusy = True;
+    if (Settings.ReadMessages == 0)
+        return;
+    if (!animation1.empty()) {
+        Main().SetStatus(StatusBusy);
+        for (const std::string* animation : {&animation1, &animation2, &animation3, &animation4}) {
+            if (animation->empty())
+                break;
+            if (Character)
+                LastPlayRequest = Character->Play(*animation);
+        }
+    }
+    const bool byName = Settings.ReadNameWithMessages == 1 && !Settings.UserName.empty();
+    SpeakText(byName ? "Dear " + Settings.UserName + ", " + CrLf + message : message, "");
+}
+
+void ReportError(std::int32_t errorNumber, const std::string& errorDescription, std::int16_t routineId)
+{
+    IsBusy = True;
+    const std::string lines[] = {
+        "Following error has occurred:",
+        "Error No. - " + std::to_string(errorNumber),
+        "Error Description - " + errorDescription,
+        "Function/Module ID - " + std::to_string(routineId),
+        "Application Version - " + VersionText(),
+        "",
+        std::string("Please report it to ") + SupportName + " at " + SupportAddress,
+        "While reporting please provide all the details you can.",
+        "The error will be fixed at no cost to you.",
+        "",
+        "Voxmate will end now.",
+    };
+    Host().Windows.MsgBox(JoinLines(lines), vbCritical, "Voxmate - Unhandled Error");
+    Host().System.EndProgram();
+}
+
+} // namespace voxmate

@@ -1,0 +1,197 @@
+#include "modules/Registry.h"
+
+#include "base/Text.h"
+#include "modules/Declarations.h"
+#include "platform/SettingsStore.h"
+
+#include <array>
+#include <cstring>
+#include <span>
+#include <utility>
+
+namespace voxmate
+{
+
+Boolean RegFailed = False;
+Boolean BadKeyName = False;
+std::int32_t LastRegResult = 0;
+
+namespace
+{
+
+constexpr std::uint32_t BufferLength = 255;
+
+std::uint32_t rootKey = 0;
+std::uint32_t openKey = 0;
+std::array<std::uint8_t, 4> dwordBuffer{};
+
+// Splits a copy of the path into rootKey and the sub-key; true when an operation may go on.
+bool Locate(const std::string& path, std::string& subKey)
+{
+    subKey = path;
+    ParseKeyPath(subKey, rootKey);
+    return BadKeyName == False && rootKey != 0;
+}
+
+// For reads: a bad name fails with the integer 0, an unknown hive gives the empty variant.
+bool LocateForReading(const std::string& path, std::string& subKey, Variant& result)
+{
+    if (Locate(path, subKey))
+        return true;
+    if (BadKeyName != False) {
+        RegFailed = True;
+        result = std::int32_t{0};
+    }
+    return false;
+}
+
+bool Succeeded(std::int32_t code)
+{
+    LastRegResult = code;
+    if (code != ERROR_SUCCESS)
+        RegFailed = True;
+    return code == ERROR_SUCCESS;
+}
+
+bool Open(const std::string& subKey, std::uint32_t access)
+{
+    return Succeeded(Host().Settings.RegOpenKeyExA(rootKey, subKey, 0, access, openKey));
+}
+
+void Close()
+{
+    LastRegResult = Host().Settings.RegCloseKey(openKey);
+}
+
+void WriteValue(const std::string& path, const std::string& name, std::uint32_t type,
+                std::span<const std::uint8_t> data)
+{
+    CreateRegKey(path);
+    std::string subKey;
+    if (!Locate(path, subKey) || !Open(subKey, KEY_WRITE))
+        return;
+    Succeeded(Host().Settings.RegSetValueExA(openKey, name, 0, type, data));
+    Close();
+}
+
+} // namespace
+
+std::uint32_t GetRootKey(const std::string& name)
+{
+    static constexpr std::array<std::pair<const char*, std::uint32_t>, 7> roots{{
+        {"HKEY_CLASSES_ROOT", 0x80000000},
+        {"HKEY_CURRENT_USER", 0x80000001},
+        {"HKEY_LOCAL_MACHINE", 0x80000002},
+        {"HKEY_USERS", 0x80000003},
+        {"HKEY_PERFORMANCE_DATA", 0x80000004},
+        {"HKEY_CURRENT_CONFIG", 0x80000005},
+        {"HKEY_DYN_DATA", 0x80000006},
+    }};
+    for (const auto& [rootName, handle] : roots) {
+        if (name == rootName)
+            return handle;
+    }
+    return 0;
+}
+
+void ParseKeyPath(std::string& path, std::uint32_t& root)
+{
+    BadKeyName = False;
+    const std::size_t backslash = InStr(path, "\\");
+    LastRegResult = static_cast<std::int32_t>(backslash);
+    if (!path.starts_with("HKEY_") || path.ends_with('\\')) {
+        BadKeyName = True;
+        return;
+    }
+    if (backslash == 0) {
+        root = GetRootKey(path);
+        path.clear();
+    } else {
+        root = GetRootKey(path.substr(0, backslash - 1));
+        path.erase(0, backslash);
+    }
+}
+
+void CreateRegKey(const std::string& path)
+{
+    std::string subKey;
+    if (!Locate(path, subKey))
+        return;
+    if (Succeeded(Host().Settings.RegCreateKeyA(rootKey, subKey, openKey)))
+        Close();
+}
+
+void WriteRegDword(const std::string& path, const std::string& name, std::int32_t value)
+{
+    const auto bits = static_cast<std::uint32_t>(value);
+    const std::array<std::uint8_t, 4> data{static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+                                           static_cast<std::uint8_t>(bits >> 16),
+                                           static_cast<std::uint8_t>(bits >> 24)};
+    WriteValue(path, name, REG_DWORD, data);
+}
+
+void WriteRegString(const std::string& path, const std::string& name, const std::string& text)
+{
+    // The count leaves out the terminating NUL: the data is the text's own characters in the ANSI code page.
+    WriteValue(path, name, REG_SZ, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
+
+Variant ReadRegDword(const std::string& path, const std::string& name)
+{
+    Variant result;
+    std::string subKey;
+    if (!LocateForReading(path, subKey, result))
+        return result;
+    if (!Open(subKey, KEY_READ))
+        return std::int32_t{0};
+    std::uint32_t type = REG_DWORD;
+    std::uint32_t size = 4;
+    if (!Succeeded(Host().Settings.RegQueryValueExA(openKey, name, type, dwordBuffer, size)))
+        return std::int32_t{0};
+    Close();
+    const std::uint32_t bits = dwordBuffer[0] | std::uint32_t{dwordBuffer[1]} << 8 |
+                               std::uint32_t{dwordBuffer[2]} << 16 | std::uint32_t{dwordBuffer[3]} << 24;
+    return static_cast<std::int32_t>(bits);
+}
+
+Variant ReadRegString(const std::string& path, const std::string& name)
+{
+    RegFailed = False;
+    Variant result;
+    std::string subKey;
+    if (!LocateForReading(path, subKey, result))
+        return result;
+    if (!Open(subKey, KEY_READ))
+        return std::int32_t{0};
+    std::string buffer(BufferLength, ' ');
+    std::uint32_t type = REG_SZ;
+    std::uint32_t length = BufferLength;
+    std::int32_t code = Host().Settings.RegQueryValueExA(
+        openKey, name, type, {reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size()}, length);
+    // A text that fills the buffer leaves no room for its terminator and counts as too long.
+    if (code == ERROR_SUCCESS && length >= BufferLength)
+        code = ERROR_MORE_DATA;
+    if (!Succeeded(code))
+        return std::int32_t{0};
+    buffer = Trim(buffer);
+    if (buffer.empty()) {
+        RegFailed = True;
+        result = std::int32_t{0};
+    } else {
+        result = buffer.substr(0, buffer.find('\0'));
+    }
+    Close();
+    return result;
+}
+
+void ResetRegistry()
+{
+    RegFailed = False;
+    BadKeyName = False;
+    LastRegResult = 0;
+    rootKey = 0;
+    openKey = 0;
+    dwordBuffer.fill(0);
+}
+
+} // namespace voxmate

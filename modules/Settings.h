@@ -1,0 +1,94 @@
+// The settings: one record, filled once from the registry, and the catalogue of names, ranges and defaults.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <variant>
+
+namespace voxmate
+{
+
+/// The registry key that holds all settings.
+inline constexpr const char* SettingsKey = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate";
+
+/// One field a setting, named as its registry value. Switches hold 0 or 1 and are on only when equal to 1.
+struct SettingsRecord {
+    std::string BalloonFontName;
+    std::int16_t BalloonFontSize = 0;
+    std::string CharacterPath;
+    std::int16_t CharacterSize = 0;
+    std::int16_t CloseToTray = 0;
+    std::int16_t DateFormat = 0;
+    std::int16_t GreetingEnabled = 0;
+    std::int16_t GreetingType = 0;
+    std::int16_t IntroAtStart = 0;
+    std::string LastCharacter;
+    std::string OtherGreeting;
+    std::int16_t Pitch = 0;
+    std::int16_t ReadMessages = 0;
+    std::int16_t ReadNameWithMessages = 0;
+    std::int16_t ReadTextBoxTextAtLeftClick = 0;
+    std::int16_t ShowBalloon = 0;
+    std::int16_t ShowCharacterAtStart = 0;
+    std::int16_t SizeBallonToText = 0;
+    std::int16_t Speed = 0;
+    std::int16_t TimeIn24Hour = 0;
+    std::string UserName;
+    std::string LastSpeechEngine;
+    std::int16_t Whisper = 0; ///< on only when it holds True (-1); the registry keeps 0 or 1
+    std::int16_t EnableSoundEffects = 0;
+    std::int16_t SpeakTimeInterval = 0;
+    std::int16_t BalloonAutoHide = 0;
+    std::int16_t BalloonAutoPace = 0;
+    std::int16_t BalloonCharactersPerLine = 0;
+    std::int16_t BalloonTotalLines = 0;
+    std::int16_t ShowTipAtStartUp = 0;
+    std::int16_t AutoReadTip = 0;
+    std::int16_t ReminderOnTop = 0;
+    std::int16_t ReminderSentenceSpeak = 0;
+    std::string ReminderSentence;
+    std::int16_t ReminderTitleSpeak = 0;
+    std::int16_t ReminderDateSpeak = 0;
+    std::int16_t ReminderTimeSpeak = 0;
+    std::int16_t ReminderDescSpeak = 0;
+    std::int16_t ReminderNextSchSpeak = 0;
+    std::int16_t ReminderType = 0;
+    std::int16_t RemAlertAction = 0;
+    std::int16_t RemAlertGradient = 0;
+    std::int16_t RemAlertShape = 0;
+    std::int16_t RemAlertColor = 0;
+    std::int16_t RemAlertClose = 0;
+    std::int16_t RemAlertCloseTime = 0;
+
+    /// Display name and CR LF of each setting found missing or invalid, in catalogue order.
+    std::string SettingsErrorList;
+};
+
+/// One row of the catalogue.
+struct SettingRow {
+    const char* name;
+    const char* displayName;
+    std::variant<std::int16_t SettingsRecord::*, std::string SettingsRecord::*> field;
+    std::int16_t min = 0; ///< integer settings only
+    std::int16_t max = 0;
+    std::int16_t defaultNumber = 0;
+    const char* defaultText = ""; ///< text settings only
+    bool writeBack = true;        ///< the default is written when the value is missing or invalid
+};
+
+/// All settings in the order in which they are read.
+std::span<const SettingRow> SettingsCatalogue();
+
+/// Reads an integer setting. A value that is missing or outside min..max is replaced by the default, which is written
+/// back, and displayName is added to SettingsErrorList unless it is empty.
+std::int16_t ReadIntSetting(const std::string& valueName, const std::string& displayName, std::int32_t min,
+                            std::int32_t max, std::int16_t defaultValue);
+
+/// Fills Settings and SettingsErrorList from the registry.
+void LoadSettings();
+
+/// Shows and speaks the "Options in Error" report when SettingsErrorList is not empty, then empties it.
+void ReportSettingsInError();
+
+} // namespace voxmate

@@ -1,0 +1,237 @@
+#include "platform/linux/FileSettingsStore.h"
+
+#include "platform/linux/Folders.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace voxmate::linux_platform
+{
+
+namespace
+{
+
+// Access rights of a value write and a value read (winnt.h: KEY_SET_VALUE, KEY_QUERY_VALUE).
+constexpr std::uint32_t CanSetValue = 0x0002;
+constexpr std::uint32_t CanQueryValue = 0x0001;
+// Handles of our own stay clear of the predefined roots.
+constexpr std::uint32_t FirstPredefinedRoot = 0x80000000;
+
+constexpr std::array<const char*, 7> rootNames{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",     "HKEY_LOCAL_MACHINE",
+                                               "HKEY_USERS",        "HKEY_PERFORMANCE_DATA", "HKEY_CURRENT_CONFIG",
+                                               "HKEY_DYN_DATA"};
+
+std::string KeyPath(std::uint32_t root, const std::string& subKey)
+{
+    if (root < FirstPredefinedRoot || root - FirstPredefinedRoot >= rootNames.size())
+        return {};
+    const std::string name = rootNames.at(root - FirstPredefinedRoot);
+    return subKey.empty() ? name : name + "\\" + subKey;
+}
+
+std::string ReadWhole(const std::string& path)
+{
+    std::string text;
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return text;
+    std::array<char, 16384> block{};
+    for (;;) {
+        const ssize_t got = ::read(file, block.data(), block.size());
+        if (got > 0)
+            text.append(block.data(), static_cast<std::size_t>(got));
+        else if (got == 0 || errno != EINTR)
+            break;
+    }
+    ::close(file);
+    return text;
+}
+
+bool WriteWhole(int file, const std::string& text)
+{
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t written = ::write(file, text.data() + done, text.size() - done);
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        done += static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+} // namespace
+
+FileSettingsStore::FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles)
+    : userFile_(std::move(userFile))
+{
+    for (const std::string& path : systemFiles)
+        system_.push_back(RegistryFile::Parse(ReadWhole(path)));
+}
+
+FileSettingsStore::Stamp FileSettingsStore::StampOf(const std::string& path)
+{
+    struct stat info {
+    };
+    if (::stat(path.c_str(), &info) != 0)
+        return {};
+    return {info.st_mtim.tv_sec, info.st_mtim.tv_nsec, info.st_ino, info.st_size};
+}
+
+// A person may edit the file while the program runs: what they wrote must not be lost by the next save.
+void FileSettingsStore::Refresh()
+{
+    const Stamp stamp = StampOf(userFile_);
+    if (stamp == userStamp_)
+        return;
+    user_ = RegistryFile::Parse(ReadWhole(userFile_));
+    unreadable_ = stamp != Stamp{} && ::access(userFile_.c_str(), R_OK) != 0;
+    userStamp_ = stamp;
+}
+
+bool FileSettingsStore::KeyExists(const std::string& path) const
+{
+    return user_.HasKey(path) ||
+           std::any_of(system_.begin(), system_.end(), [&path](const RegistryFile& file) { return file.HasKey(path); });
+}
+
+// The new content goes to a file beside the old one, to the disk, and then takes its name in one step, so that a cut at
+// any point leaves the old file or the new one.
+std::int32_t FileSettingsStore::Save(const RegistryFile& content)
+{
+    if (unreadable_)
+        return ERROR_ACCESS_DENIED;
+    std::error_code error;
+    std::string target = userFile_;
+    if (const auto resolved = std::filesystem::canonical(userFile_, error); !error)
+        target = resolved.string(); // the user may keep the file elsewhere, behind a link
+    const std::filesystem::path folder = std::filesystem::path(target).parent_path();
+    std::filesystem::create_directories(folder, error);
+    // A file made read-only is meant to stay as it is.
+    if (::access(target.c_str(), F_OK) == 0 && ::access(target.c_str(), W_OK) != 0)
+        return ERROR_ACCESS_DENIED;
+    const std::string fresh = target + ".new";
+    struct stat old {
+    };
+    const mode_t mode = ::stat(target.c_str(), &old) == 0 ? old.st_mode & 0777u : 0600u;
+    ::unlink(fresh.c_str());
+    const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
+    if (file < 0)
+        return ERROR_ACCESS_DENIED;
+    bool good = WriteWhole(file, content.Text()) && ::fdatasync(file) == 0;
+    good = ::close(file) == 0 && good;
+    if (!good || ::rename(fresh.c_str(), target.c_str()) != 0) {
+        ::unlink(fresh.c_str());
+        return ERROR_ACCESS_DENIED;
+    }
+    return ERROR_SUCCESS;
+}
+
+std::int32_t FileSettingsStore::RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key)
+{
+    const std::string path = KeyPath(root, subKey);
+    if (path.empty())
+        return ERROR_INVALID_HANDLE;
+    Refresh();
+    if (!KeyExists(path)) {
+        RegistryFile changed = user_;
+        changed.AddKey(path);
+        if (const std::int32_t code = Save(changed); code != ERROR_SUCCESS)
+            return code;
+        user_ = std::move(changed);
+        userStamp_ = StampOf(userFile_);
+    }
+    return RegOpenKeyExA(root, subKey, 0, KEY_READ | KEY_WRITE, key);
+}
+
+std::int32_t FileSettingsStore::RegOpenKeyExA(std::uint32_t root, const std::string& subKey, std::uint32_t /*options*/,
+                                              std::uint32_t access, std::uint32_t& key)
+{
+    const std::string path = KeyPath(root, subKey);
+    if (path.empty())
+        return ERROR_INVALID_HANDLE;
+    Refresh();
+    if (!KeyExists(path) && !Lookup)
+        return ERROR_FILE_NOT_FOUND;
+    // Failed reads leave their key open; each handle is small, and a path that is open already is given out again.
+    for (const auto& [handle, opened] : open_) {
+        if (opened.path == path && opened.access == access) {
+            key = handle;
+            return ERROR_SUCCESS;
+        }
+    }
+    key = nextHandle_++;
+    open_[key] = {path, access};
+    return ERROR_SUCCESS;
+}
+
+std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::string& name, std::uint32_t& type,
+                                                 std::span<std::uint8_t> data, std::uint32_t& size)
+{
+    const auto opened = open_.find(key);
+    if (opened == open_.end())
+        return ERROR_INVALID_HANDLE;
+    if ((opened->second.access & CanQueryValue) == 0)
+        return ERROR_ACCESS_DENIED;
+    Refresh();
+    const std::string& path = opened->second.path;
+    std::optional<RawValue> value = Lookup ? Lookup(path, name) : std::nullopt;
+    if (!value)
+        value = user_.Value(path, name);
+    for (std::size_t i = 0; !value && i < system_.size(); ++i)
+        value = system_[i].Value(path, name);
+    if (!value)
+        return ERROR_FILE_NOT_FOUND;
+    type = value->type;
+    const auto room = std::min<std::size_t>(size, data.size());
+    size = static_cast<std::uint32_t>(value->data.size());
+    if (value->data.size() > room)
+        return ERROR_MORE_DATA;
+    std::copy(value->data.begin(), value->data.end(), data.begin());
+    return ERROR_SUCCESS;
+}
+
+std::int32_t FileSettingsStore::RegSetValueExA(std::uint32_t key, const std::string& name, std::uint32_t /*reserved*/,
+                                               std::uint32_t type, std::span<const std::uint8_t> data)
+{
+    const auto opened = open_.find(key);
+    if (opened == open_.end())
+        return ERROR_INVALID_HANDLE;
+    if ((opened->second.access & CanSetValue) == 0)
+        return ERROR_ACCESS_DENIED;
+    Refresh();
+    const RawValue value{type, {data.begin(), data.end()}};
+    if (user_.Value(opened->second.path, name) == value)
+        return ERROR_SUCCESS;
+    RegistryFile changed = user_;
+    changed.SetValue(opened->second.path, name, value);
+    if (const std::int32_t code = Save(changed); code != ERROR_SUCCESS)
+        return code;
+    user_ = std::move(changed);
+    userStamp_ = StampOf(userFile_);
+    return ERROR_SUCCESS;
+}
+
+std::int32_t FileSettingsStore::RegCloseKey(std::uint32_t key)
+{
+    return open_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+}
+
+FileSettingsStore MakeSettingsStore()
+{
+    std::vector<std::string> systemFiles;
+    for (const std::string& folder : SystemConfigFolders())
+        systemFiles.push_back(folder + "/voxmate/registry.reg");
+    return {ConfigFolder() + "/voxmate/registry.reg", std::move(systemFiles)};
+}
+
+} // namespace voxmate::linux_platform

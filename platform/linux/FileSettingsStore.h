@@ -1,0 +1,65 @@
+// The settings store of a system without a registry: a text file of the user's, and behind it those of the system.
+#pragma once
+
+#include "platform/SettingsStore.h"
+#include "platform/linux/RegistryFile.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace voxmate::linux_platform
+{
+
+class FileSettingsStore : public SettingsStore
+{
+public:
+    /// `userFile` is read and written, `systemFiles` are only read, the first that has a value counts. A file that is
+    /// missing or cannot be read counts as empty.
+    FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles);
+
+    /// Answers a value before any file does, or nothing: look-ups that the desktop itself knows.
+    std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
+
+    std::int32_t RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key) override;
+    std::int32_t RegOpenKeyExA(std::uint32_t root, const std::string& subKey, std::uint32_t options,
+                               std::uint32_t access, std::uint32_t& key) override;
+    std::int32_t RegQueryValueExA(std::uint32_t key, const std::string& name, std::uint32_t& type,
+                                  std::span<std::uint8_t> data, std::uint32_t& size) override;
+    std::int32_t RegSetValueExA(std::uint32_t key, const std::string& name, std::uint32_t reserved, std::uint32_t type,
+                                std::span<const std::uint8_t> data) override;
+    std::int32_t RegCloseKey(std::uint32_t key) override;
+
+private:
+    struct OpenKey {
+        std::string path;
+        std::uint32_t access;
+    };
+    struct Stamp {
+        std::int64_t seconds = -1;
+        std::int64_t nanoseconds = 0;
+        std::uint64_t inode = 0;
+        std::int64_t size = -1;
+        bool operator==(const Stamp&) const = default;
+    };
+
+    std::string userFile_;
+    RegistryFile user_;
+    Stamp userStamp_;
+    bool unreadable_ = false; ///< the user's file is there and cannot be read: it counts as empty and stays as it is
+    std::vector<RegistryFile> system_;
+    std::map<std::uint32_t, OpenKey> open_;
+    std::uint32_t nextHandle_ = 1;
+
+    static Stamp StampOf(const std::string& path);
+    void Refresh();
+    std::int32_t Save(const RegistryFile& content);
+    bool KeyExists(const std::string& path) const;
+};
+
+/// The user's settings file and the system's, in the places of the XDG base directory specification:
+/// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS.
+FileSettingsStore MakeSettingsStore();
+
+} // namespace voxmate::linux_platform

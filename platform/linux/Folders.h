@@ -1,0 +1,21 @@
+// Where things are: the folders of the XDG base directory specification, the program's own and the shared data.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace voxmate::linux_platform
+{
+
+/// $XDG_CONFIG_HOME, or ~/.config. A relative path in a variable does not count, as the specification asks.
+std::string ConfigFolder();
+/// $XDG_CONFIG_DIRS, or /etc/xdg.
+std::vector<std::string> SystemConfigFolders();
+/// $VOXMATE_HOME, or voxmate below $XDG_DATA_HOME (~/.local/share); made if it is missing.
+std::string ProgramFolder();
+/// The shared data: share/voxmate beside the program (a build tree) or one level above its folder (an installation).
+std::string SharedDataFolder();
+/// Where this user's lock file stands: $XDG_RUNTIME_DIR, or the system's folder for temporary files.
+std::string LockFilePath();
+
+} // namespace voxmate::linux_platform

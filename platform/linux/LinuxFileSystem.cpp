@@ -1,0 +1,49 @@
+#include "platform/linux/LinuxFileSystem.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fnmatch.h>
+#include <system_error>
+
+namespace voxmate::linux_platform
+{
+
+bool LinuxFileSystem::FolderExists(const std::string& path)
+{
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
+
+bool LinuxFileSystem::FileExists(const std::string& path)
+{
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
+std::string LinuxFileSystem::GetBaseName(const std::string& path)
+{
+    return std::filesystem::path(path).stem().string();
+}
+
+std::vector<std::string> LinuxFileSystem::ListFiles(const std::string& folder, const std::string& pattern)
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::string name = entry->path().filename().string();
+        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) == 0 && FileExists(entry->path().string()))
+            names.push_back(std::move(name));
+    }
+    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+        const std::string upperA = UCase(a);
+        const std::string upperB = UCase(b);
+        return upperA != upperB ? upperA < upperB : a < b;
+    });
+    return names;
+}
+
+} // namespace voxmate::linux_platform

@@ -1,0 +1,19 @@
+// Files and folders on Linux.
+#pragma once
+
+#include "platform/FileSystem.h"
+
+namespace voxmate::linux_platform
+{
+
+class LinuxFileSystem : public FileSystem
+{
+public:
+    std::string PathSeparator() override { return "/"; }
+    bool FolderExists(const std::string& path) override;
+    bool FileExists(const std::string& path) override;
+    std::string GetBaseName(const std::string& path) override;
+    std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override;
+};
+
+} // namespace voxmate::linux_platform
