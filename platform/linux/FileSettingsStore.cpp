@@ -69,6 +69,52 @@ bool WriteWhole(int file, const std::string& text)
     return true;
 }
 
+// Where a save goes: the user may keep the file elsewhere, behind a link.
+std::string SaveTarget(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    return error ? path : resolved.string();
+}
+
+std::string FolderOf(const std::string& path)
+{
+    return std::filesystem::path(path).parent_path().string();
+}
+
+// Whether a save has a chance. A file made read-only is meant to stay as it is.
+bool CanSave(const std::string& path)
+{
+    const std::string target = SaveTarget(path);
+    const std::string folder = FolderOf(target);
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    const bool fileAllows = ::access(target.c_str(), F_OK) != 0 ||
+                            (::access(target.c_str(), W_OK) == 0 && !std::filesystem::is_directory(target, error));
+    return fileAllows && ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+// The new content goes to a file beside the old one, to the disk, and then takes its name in one step, so that a cut at
+// any point leaves the old file or the new one.
+bool Save(const std::string& path, const std::string& text)
+{
+    const std::string target = SaveTarget(path);
+    const std::string fresh = target + ".new";
+    struct stat old {
+    };
+    const mode_t mode = ::stat(target.c_str(), &old) == 0 ? old.st_mode & 0777u : 0600u;
+    ::unlink(fresh.c_str());
+    const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
+    if (file < 0)
+        return false;
+    bool good = WriteWhole(file, text) && ::fdatasync(file) == 0;
+    good = ::close(file) == 0 && good;
+    if (good && ::rename(fresh.c_str(), target.c_str()) == 0)
+        return true;
+    ::unlink(fresh.c_str());
+    return false;
+}
+
 } // namespace
 
 FileSettingsStore::FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles)
@@ -87,9 +133,16 @@ FileSettingsStore::Stamp FileSettingsStore::StampOf(const std::string& path)
     return {info.st_mtim.tv_sec, info.st_mtim.tv_nsec, info.st_ino, info.st_size};
 }
 
+FileSettingsStore::~FileSettingsStore()
+{
+    StopSaver();
+}
+
 // A person may edit the file while the program runs: what they wrote must not be lost by the next save.
 void FileSettingsStore::Refresh()
 {
+    if (toSave_ || saving_)
+        return;
     const Stamp stamp = StampOf(userFile_);
     if (stamp == userStamp_)
         return;
@@ -104,64 +157,68 @@ bool FileSettingsStore::KeyExists(const std::string& path) const
            std::any_of(system_.begin(), system_.end(), [&path](const RegistryFile& file) { return file.HasKey(path); });
 }
 
-// The new content goes to a file beside the old one, to the disk, and then takes its name in one step, so that a cut at
-// any point leaves the old file or the new one.
-std::int32_t FileSettingsStore::Save(const RegistryFile& content)
+std::int32_t FileSettingsStore::Change(RegistryFile content)
 {
-    if (unreadable_)
+    if (unreadable_ || !CanSave(userFile_))
         return ERROR_ACCESS_DENIED;
-    std::error_code error;
-    std::string target = userFile_;
-    if (const auto resolved = std::filesystem::canonical(userFile_, error); !error)
-        target = resolved.string(); // the user may keep the file elsewhere, behind a link
-    const std::filesystem::path folder = std::filesystem::path(target).parent_path();
-    std::filesystem::create_directories(folder, error);
-    // A file made read-only is meant to stay as it is.
-    if (::access(target.c_str(), F_OK) == 0 && ::access(target.c_str(), W_OK) != 0)
-        return ERROR_ACCESS_DENIED;
-    const std::string fresh = target + ".new";
-    struct stat old {
-    };
-    const mode_t mode = ::stat(target.c_str(), &old) == 0 ? old.st_mode & 0777u : 0600u;
-    ::unlink(fresh.c_str());
-    const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
-    if (file < 0)
-        return ERROR_ACCESS_DENIED;
-    bool good = WriteWhole(file, content.Text()) && ::fdatasync(file) == 0;
-    good = ::close(file) == 0 && good;
-    if (!good || ::rename(fresh.c_str(), target.c_str()) != 0) {
-        ::unlink(fresh.c_str());
-        return ERROR_ACCESS_DENIED;
+    // Where the last save failed, the caller waits for this one and is told.
+    if (saveFailed_ && !toSave_ && !saving_) {
+        saveFailed_ = !Save(userFile_, content.Text());
+        if (saveFailed_)
+            return ERROR_ACCESS_DENIED;
+        user_ = std::move(content);
+        userStamp_ = StampOf(userFile_);
+        return ERROR_SUCCESS;
     }
+    user_ = std::move(content);
+    toSave_ = user_.Text();
+    if (!saver_.joinable())
+        saver_ = std::thread([this] { RunSaver(); });
+    changed_.notify_all();
     return ERROR_SUCCESS;
 }
 
-std::int32_t FileSettingsStore::RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key)
+void FileSettingsStore::RunSaver()
 {
-    const std::string path = KeyPath(root, subKey);
-    if (path.empty())
-        return ERROR_INVALID_HANDLE;
-    Refresh();
-    if (!KeyExists(path)) {
-        RegistryFile changed = user_;
-        changed.AddKey(path);
-        if (const std::int32_t code = Save(changed); code != ERROR_SUCCESS)
-            return code;
-        user_ = std::move(changed);
-        userStamp_ = StampOf(userFile_);
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        changed_.wait(lock, [this] { return toSave_ || quit_; });
+        if (!toSave_)
+            return;
+        const std::string text = std::move(*toSave_);
+        toSave_.reset();
+        saving_ = true;
+        lock.unlock();
+        const bool good = Save(userFile_, text);
+        const Stamp stamp = StampOf(userFile_);
+        lock.lock();
+        saving_ = false;
+        saveFailed_ = !good;
+        // After a failure the file counts again, as it is.
+        userStamp_ = good ? stamp : Stamp{-2, 0, 0, 0};
+        changed_.notify_all();
     }
-    return RegOpenKeyExA(root, subKey, 0, KEY_READ | KEY_WRITE, key);
 }
 
-std::int32_t FileSettingsStore::RegOpenKeyExA(std::uint32_t root, const std::string& subKey, std::uint32_t /*options*/,
-                                              std::uint32_t access, std::uint32_t& key)
+void FileSettingsStore::Flush()
 {
-    const std::string path = KeyPath(root, subKey);
-    if (path.empty())
-        return ERROR_INVALID_HANDLE;
-    Refresh();
-    if (!KeyExists(path) && !Lookup)
-        return ERROR_FILE_NOT_FOUND;
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return !toSave_ && !saving_; });
+}
+
+void FileSettingsStore::StopSaver()
+{
+    {
+        const std::lock_guard lock(mutex_);
+        quit_ = true;
+        changed_.notify_all();
+    }
+    if (saver_.joinable())
+        saver_.join();
+}
+
+std::int32_t FileSettingsStore::GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key)
+{
     // Failed reads leave their key open; each handle is small, and a path that is open already is given out again.
     for (const auto& [handle, opened] : open_) {
         if (opened.path == path && opened.access == access) {
@@ -174,6 +231,35 @@ std::int32_t FileSettingsStore::RegOpenKeyExA(std::uint32_t root, const std::str
     return ERROR_SUCCESS;
 }
 
+std::int32_t FileSettingsStore::RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key)
+{
+    const std::string path = KeyPath(root, subKey);
+    if (path.empty())
+        return ERROR_INVALID_HANDLE;
+    const std::lock_guard lock(mutex_);
+    Refresh();
+    if (!KeyExists(path)) {
+        RegistryFile changed = user_;
+        changed.AddKey(path);
+        if (const std::int32_t code = Change(std::move(changed)); code != ERROR_SUCCESS)
+            return code;
+    }
+    return GiveHandle(path, KEY_READ | KEY_WRITE, key);
+}
+
+std::int32_t FileSettingsStore::RegOpenKeyExA(std::uint32_t root, const std::string& subKey, std::uint32_t /*options*/,
+                                              std::uint32_t access, std::uint32_t& key)
+{
+    const std::string path = KeyPath(root, subKey);
+    if (path.empty())
+        return ERROR_INVALID_HANDLE;
+    const std::lock_guard lock(mutex_);
+    Refresh();
+    if (!KeyExists(path) && !Lookup)
+        return ERROR_FILE_NOT_FOUND;
+    return GiveHandle(path, access, key);
+}
+
 std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::string& name, std::uint32_t& type,
                                                  std::span<std::uint8_t> data, std::uint32_t& size)
 {
@@ -182,6 +268,7 @@ std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::s
         return ERROR_INVALID_HANDLE;
     if ((opened->second.access & CanQueryValue) == 0)
         return ERROR_ACCESS_DENIED;
+    const std::lock_guard lock(mutex_);
     Refresh();
     const std::string& path = opened->second.path;
     std::optional<RawValue> value = Lookup ? Lookup(path, name) : std::nullopt;
@@ -208,17 +295,14 @@ std::int32_t FileSettingsStore::RegSetValueExA(std::uint32_t key, const std::str
         return ERROR_INVALID_HANDLE;
     if ((opened->second.access & CanSetValue) == 0)
         return ERROR_ACCESS_DENIED;
+    const std::lock_guard lock(mutex_);
     Refresh();
     const RawValue value{type, {data.begin(), data.end()}};
-    if (user_.Value(opened->second.path, name) == value)
+    if (!saveFailed_ && user_.Value(opened->second.path, name) == value)
         return ERROR_SUCCESS;
     RegistryFile changed = user_;
     changed.SetValue(opened->second.path, name, value);
-    if (const std::int32_t code = Save(changed); code != ERROR_SUCCESS)
-        return code;
-    user_ = std::move(changed);
-    userStamp_ = StampOf(userFile_);
-    return ERROR_SUCCESS;
+    return Change(std::move(changed));
 }
 
 std::int32_t FileSettingsStore::RegCloseKey(std::uint32_t key)
@@ -226,12 +310,12 @@ std::int32_t FileSettingsStore::RegCloseKey(std::uint32_t key)
     return open_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
-FileSettingsStore MakeSettingsStore()
+std::unique_ptr<FileSettingsStore> MakeSettingsStore()
 {
     std::vector<std::string> systemFiles;
     for (const std::string& folder : SystemConfigFolders())
         systemFiles.push_back(folder + "/voxmate/registry.reg");
-    return {ConfigFolder() + "/voxmate/registry.reg", std::move(systemFiles)};
+    return std::make_unique<FileSettingsStore>(ConfigFolder() + "/voxmate/registry.reg", std::move(systemFiles));
 }
 
 } // namespace voxmate::linux_platform

@@ -1,12 +1,20 @@
 // The settings store of a system without a registry: a text file of the user's, and behind it those of the system.
+//
+// A value is set in memory and handed to a thread that saves it, so that dragging a bar never waits for the disk. What
+// is set while a save runs is saved by the next one, all of it at once.
 #pragma once
 
 #include "platform/SettingsStore.h"
 #include "platform/linux/RegistryFile.h"
 
+#include <condition_variable>
 #include <functional>
 #include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace voxmate::linux_platform
@@ -18,6 +26,13 @@ public:
     /// `userFile` is read and written, `systemFiles` are only read, the first that has a value counts. A file that is
     /// missing or cannot be read counts as empty.
     FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles);
+    /// Waits until all is saved.
+    ~FileSettingsStore() override;
+    FileSettingsStore(const FileSettingsStore&) = delete;
+    FileSettingsStore& operator=(const FileSettingsStore&) = delete;
+
+    /// Waits until everything set so far is in the file, or has failed to get there.
+    void Flush();
 
     /// Answers a value before any file does, or nothing: look-ups that the desktop itself knows.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
@@ -45,21 +60,34 @@ private:
     };
 
     std::string userFile_;
-    RegistryFile user_;
-    Stamp userStamp_;
-    bool unreadable_ = false; ///< the user's file is there and cannot be read: it counts as empty and stays as it is
     std::vector<RegistryFile> system_;
     std::map<std::uint32_t, OpenKey> open_;
     std::uint32_t nextHandle_ = 1;
 
+    std::mutex mutex_; // guards all below
+    std::condition_variable changed_;
+    RegistryFile user_;
+    Stamp userStamp_;
+    bool unreadable_ = false; ///< the user's file is there and cannot be read: it counts as empty and stays as it is
+    std::optional<std::string> toSave_;
+    bool saving_ = false;
+    bool saveFailed_ = false; ///< the last save did not get to the file
+    bool quit_ = false;
+    std::thread saver_;
+
     static Stamp StampOf(const std::string& path);
+    // With the mutex held:
     void Refresh();
-    std::int32_t Save(const RegistryFile& content);
+    std::int32_t Change(RegistryFile content);
     bool KeyExists(const std::string& path) const;
+    std::int32_t GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key);
+
+    void RunSaver();
+    void StopSaver();
 };
 
 /// The user's settings file and the system's, in the places of the XDG base directory specification:
 /// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS.
-FileSettingsStore MakeSettingsStore();
+std::unique_ptr<FileSettingsStore> MakeSettingsStore();
 
 } // namespace voxmate::linux_platform

@@ -157,6 +157,8 @@ double LinuxProcess::Shell(const std::string& command, int /*windowStyle*/)
 
 void LinuxProcess::EndProcess()
 {
+    if (BeforeEnd)
+        BeforeEnd();
     ::_exit(EXIT_SUCCESS);
 }
 

@@ -4,6 +4,7 @@
 #include "platform/Clock.h"
 #include "platform/Process.h"
 
+#include <functional>
 #include <string>
 
 namespace voxmate::linux_platform
@@ -24,6 +25,9 @@ public:
     /// "explorer.exe ADDRESS" opens the address with the desktop's own opener; any other command is a program and its
     /// arguments, with double quotes round those that hold blanks.
     double Shell(const std::string& command, int windowStyle) override;
+
+    /// What must still be done before the process ends: settings on their way to the disk.
+    std::function<void()> BeforeEnd;
 
 protected:
     void EndProcess() override;

@@ -58,7 +58,9 @@ protected:
     }
     FileSettingsStore Store() { return {file.string(), {}}; }
 
-    static std::int32_t Set(SettingsStore& store, const std::string& name, std::uint32_t type, const std::string& data)
+    // Sets a value and waits until it is in the file, so that the file can be looked at.
+    static std::int32_t Set(FileSettingsStore& store, const std::string& name, std::uint32_t type,
+                            const std::string& data)
     {
         std::uint32_t handle = 0;
         if (const std::int32_t code = store.RegCreateKeyA(machine, key, handle); code != ERROR_SUCCESS)
@@ -69,6 +71,7 @@ protected:
         const std::int32_t code = store.RegSetValueExA(
             handle, name, 0, type, {reinterpret_cast<const std::uint8_t*>(data.data()), data.size()});
         store.RegCloseKey(handle);
+        store.Flush();
         return code;
     }
     struct Answer {
@@ -260,13 +263,48 @@ TEST_F(SettingsFileTest, AnUnwritablePlaceRefusesAndKeepsTheOldFile)
     FileSettingsStore store = Store();
     Set(store, "A", REG_SZ, "old");
     fs::create_directories(file.string() + ".new/x");
+    EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_SUCCESS); // the save fails behind the caller's back
+    EXPECT_EQ(Get(store, "A").data, "old");
     EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(Get(store, "A").data, "old");
     EXPECT_NE(Read(file).find("\"old\""), std::string::npos);
+    fs::remove_all(file.string() + ".new");
+    EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_SUCCESS);
+    EXPECT_NE(Read(file).find("\"new\""), std::string::npos);
 
     Write(folder / "plain", "");
     FileSettingsStore nowhere((folder / "plain" / "registry.reg").string(), {});
     EXPECT_EQ(Set(nowhere, "A", REG_SZ, "x"), ERROR_ACCESS_DENIED);
+}
+
+TEST_F(SettingsFileTest, ManyChangesAreSetAtOnceAndTheLastIsInTheFile)
+{
+    FileSettingsStore store = Store();
+    std::uint32_t handle = 0;
+    store.RegCreateKeyA(machine, key, handle);
+    for (std::uint8_t i = 0; i < 200; ++i) {
+        const std::vector<std::uint8_t> data{i, 0, 0, 0};
+        ASSERT_EQ(store.RegSetValueExA(handle, "Pitch", 0, REG_DWORD, data), 0);
+        std::uint32_t type = 0;
+        std::uint32_t size = 4;
+        std::vector<std::uint8_t> back(4);
+        ASSERT_EQ(store.RegQueryValueExA(handle, "Pitch", type, back, size), 0);
+        ASSERT_EQ(back, data);
+    }
+    store.Flush();
+    EXPECT_EQ(Read(file), header + "\"Pitch\"=dword:000000c7\n");
+}
+
+TEST_F(SettingsFileTest, AStoreThatGoesAwaySavesFirst)
+{
+    {
+        FileSettingsStore store = Store();
+        std::uint32_t handle = 0;
+        store.RegCreateKeyA(machine, key, handle);
+        const std::string text = "Ada";
+        store.RegSetValueExA(handle, "UserName", 0, REG_SZ, {reinterpret_cast<const std::uint8_t*>(text.data()), 3});
+    }
+    EXPECT_EQ(Read(file), header + "\"UserName\"=\"Ada\"\n");
 }
 
 TEST_F(SettingsFileTest, AFileThatIsAFolderCountsAsEmptyAndIsLeftAlone)

@@ -1,0 +1,48 @@
+# Sourced by ./run and ./test: installs the Debian packages that are missing, and builds a preset.
+# shellcheck shell=bash
+
+# Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
+build_packages=(
+  g++ cmake ninja-build pkg-config
+  qt6-base-dev libqt6svg6-dev qt6-multimedia-dev libxcb1-dev libxcb-shape0-dev
+  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libgl-dev
+)
+run_packages=(
+  espeak-ng-data fonts-dejavu-core xdg-utils libpulse0 qt6-qpa-plugins
+)
+# A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
+desktop_packages=(
+  xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
+  dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0
+)
+test_packages=(libgtest-dev libgmock-dev picom)
+
+say() { printf '== %s\n' "$*"; }
+
+install_packages() {
+  local missing=() name
+  for name in "$@"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null)" = installed ] || missing+=("$name")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then
+    say "All packages are installed"
+    return
+  fi
+  say "Installing ${missing[*]}"
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+      say "These Debian packages are missing and can only be installed as root: ${missing[*]}"
+      return 1
+    }
+    as_root=(sudo)
+  fi
+  "${as_root[@]}" apt-get update -q
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+build_preset() {
+  say "Building the $1 preset"
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1"
+}

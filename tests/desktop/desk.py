@@ -1,0 +1,317 @@
+"""A desktop of its own for the running program: an X display with a window manager, an accessibility bus and a sound
+server whose only sink is recorded. Real input events go in, pictures and sound come out."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+
+import numpy
+from PIL import ImageGrab
+
+RATE = 44100  # samples per second of the recording
+SCREEN = (1600, 1100)
+
+
+def wait_for(condition, timeout=10.0, step=0.02, what="condition"):
+    """Polls until condition() is true and returns its value; fails after timeout seconds."""
+    end = time.monotonic() + timeout
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise AssertionError(f"timed out after {timeout} s: {what}")
+        time.sleep(step)
+
+
+class Recorder:
+    """Records what the sink plays, with the time at which each block arrived."""
+
+    def __init__(self, env):
+        self.process = subprocess.Popen(
+            ["parec", "-d", "rec.monitor", "--raw", "--format=s16le", f"--rate={RATE}", "--channels=1",
+             "--latency-msec=10"],
+            env=env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0)
+        self.blocks = []
+        self.times = []
+        self.lock = threading.Lock()
+        self.thread = threading.Thread(target=self._read, daemon=True)
+        self.thread.start()
+        wait_for(lambda: self.blocks, what="the first recorded block")
+
+    def _read(self):
+        rest = b""
+        while True:
+            data = self.process.stdout.read(4096)
+            now = time.monotonic()
+            if not data:
+                return
+            data = rest + data
+            rest = data[len(data) // 2 * 2:]
+            with self.lock:
+                self.blocks.append(numpy.frombuffer(data[:len(data) // 2 * 2], dtype=numpy.int16))
+                self.times.append(now)
+
+    def snapshot(self):
+        """All samples so far, as floats from -1 to 1, and the arrival time of each block's end with its sample number."""
+        with self.lock:
+            blocks = list(self.blocks)
+            times = list(self.times)
+        ends = numpy.cumsum([len(block) for block in blocks])
+        return numpy.concatenate(blocks).astype(numpy.float64) / 32768, ends, numpy.array(times)
+
+    def time_of(self, sample, ends, times):
+        """When a sample was recorded: what arrived later was recorded earlier by its distance to the block's end. The
+        earliest of the estimates of nearby blocks is nearest to the truth, as blocks only ever arrive late."""
+        index = int(numpy.searchsorted(ends, sample + 1))
+        near = slice(max(0, index - 50), min(len(ends), index + 50))
+        return float(numpy.min(times[near] - (ends[near] - sample) / RATE))
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
+        self.thread.join()
+        self.process.stdout.close()
+
+
+def loud_windows(samples, threshold=0.01, window=0.005):
+    """True for each window of `window` seconds whose peak is above the threshold (0.01: -40 dB of full scale)."""
+    size = int(RATE * window)
+    count = len(samples) // size
+    return numpy.abs(samples[:count * size]).reshape(count, size).max(axis=1) > threshold
+
+
+def loud_span(samples, threshold=0.01, window=0.005):
+    """First and last loud sample, or None in silence."""
+    loud = numpy.flatnonzero(loud_windows(samples, threshold, window))
+    if len(loud) == 0:
+        return None
+    size = int(RATE * window)
+    return loud[0] * size, (loud[-1] + 1) * size
+
+
+class Desk:
+    def __init__(self, build, compositor=False, screen=SCREEN):
+        self.build = os.path.abspath(build)
+        self.home = tempfile.mkdtemp(prefix="voxmate-desk-")
+        self.children = []
+        self.screen = screen
+        runtime = os.path.join(self.home, "runtime")
+        os.mkdir(runtime, 0o700)
+        self.env = {key: value for key, value in os.environ.items()
+                    if not key.startswith(("XDG_", "QT_", "PULSE_", "DBUS_", "WAYLAND_", "VOXMATE_"))}
+        self.env.update(HOME=self.home, XDG_RUNTIME_DIR=runtime, LANG="C.UTF-8", LC_ALL="C.UTF-8", NO_AT_BRIDGE="0",
+                        QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        for name in ("CONFIG_HOME", "DATA_HOME", "CACHE_HOME", "STATE_HOME"):
+            self.env["XDG_" + name] = os.path.join(self.home, name.lower())
+        self.env["XDG_CONFIG_DIRS"] = os.path.join(self.home, "etc")
+        self.bus_pid = 0
+        try:
+            self._start_display(compositor)
+            self._start_buses()
+            self._start_sound()
+        except BaseException:
+            self.close()
+            raise
+
+    # Set-up.
+
+    def spawn(self, *command, env=None, **options):
+        child = subprocess.Popen(command, env=env or self.env, stdin=subprocess.DEVNULL,
+                                 stderr=options.pop("stderr", subprocess.DEVNULL),
+                                 stdout=options.pop("stdout", subprocess.DEVNULL), start_new_session=True, **options)
+        self.children.append(child)
+        return child
+
+    def _start_display(self, compositor):
+        read, write = os.pipe()
+        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{self.screen[0]}x{self.screen[1]}x24",
+                   "-nolisten", "tcp", "-noreset", "-dpi", "96", pass_fds=(write,))
+        os.close(write)
+        with os.fdopen(read) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("the display did not start")
+        self.env["DISPLAY"] = ":" + number
+        self.run("xsetroot", "-solid", "#3b6e8f")
+        self.spawn("openbox")
+        wait_for(lambda: b"window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False),
+                 what="the window manager")
+        if compositor:
+            self.compositor = self.start_compositor()
+
+    def start_compositor(self):
+        return self.spawn("picom", "--backend", "xrender", "--no-fading-openclose", "--config", "/dev/null")
+
+    def _start_buses(self):
+        answer = self.run("dbus-daemon", "--session", "--fork", "--print-address=1", "--print-pid=1").decode().split()
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = answer[0]
+        self.bus_pid = int(answer[1])
+        launcher = next(path for path in ("/usr/libexec/at-spi-bus-launcher", "/usr/lib/at-spi2-core/at-spi-bus-launcher")
+                        if os.path.exists(path))
+        self.spawn(launcher, "--launch-immediately")
+
+    def _start_sound(self):
+        socket = os.path.join(self.env["XDG_RUNTIME_DIR"], "sound")
+        self.sound = self.spawn("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
+                                f"--load=module-native-protocol-unix auth-anonymous=1 socket={socket}",
+                                f"--load=module-null-sink sink_name=rec rate={RATE}")
+        self.env["PULSE_SERVER"] = "unix:" + socket
+        wait_for(lambda: self.run("pactl", "info", check=False), what="the sound server")
+
+    def run(self, *command, check=True):
+        result = subprocess.run(command, env=self.env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
+        if check and result.returncode != 0:
+            raise AssertionError(f"{' '.join(command)} ended with {result.returncode}")
+        return result.stdout if result.returncode == 0 else b""
+
+    def close(self):
+        for child in reversed(self.children):
+            if child.poll() is None:
+                child.terminate()
+        for child in reversed(self.children):
+            try:
+                child.wait(5)
+            except subprocess.TimeoutExpired:
+                child.kill()
+                child.wait()
+        if self.bus_pid:
+            try:
+                os.kill(self.bus_pid, signal.SIGTERM)
+            except ProcessLookupError:
+                pass
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    # The program.
+
+    @property
+    def settings_file(self):
+        return os.path.join(self.env["XDG_CONFIG_HOME"], "voxmate", "registry.reg")
+
+    def install_defaults(self, **values):
+        """Puts the defaults file in place; values replace single settings (numbers or texts)."""
+        here = os.path.dirname(os.path.abspath(__file__))
+        if os.path.exists(self.settings_file):
+            os.remove(self.settings_file)
+        self.run(os.path.join(here, "..", "..", "packaging", "install-defaults"), os.path.join(self.build, "share", "voxmate"))
+        with open(self.settings_file, encoding="utf-8") as file:
+            lines = file.read().split("\n")
+        for name, value in values.items():
+            text = f'"{name}"=' + (f"dword:{value:08x}" if isinstance(value, int) else f'"{value}"')
+            matches = [i for i, line in enumerate(lines) if line.startswith(f'"{name}"=')]
+            assert len(matches) == 1, name
+            lines[matches[0]] = text
+        with open(self.settings_file, "w", encoding="utf-8") as file:
+            file.write("\n".join(lines))
+
+    def remove_settings(self):
+        shutil.rmtree(os.path.dirname(self.settings_file), ignore_errors=True)
+
+    def read_settings(self):
+        with open(self.settings_file, encoding="utf-8") as file:
+            pairs = [line.split("=", 1) for line in file.read().split("\n") if line.startswith('"')]
+        return {name.strip('"'): value for name, value in pairs}
+
+    def start(self, **environment):
+        """Starts the program; its messages go to a log file."""
+        env = dict(self.env, **environment)
+        self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
+        return self.spawn(os.path.join(self.build, "voxmate"), env=env, stderr=self.log, stdout=self.log)
+
+    def end(self, program):
+        if program.poll() is None:
+            program.terminate()
+            program.wait(10)
+        self.log.close()
+
+    # Eyes.
+
+    def screenshot(self, path=None, box=None):
+        picture = ImageGrab.grab(bbox=box, xdisplay=self.env["DISPLAY"])
+        if path:
+            os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
+            picture.save(path)
+        return picture
+
+    def accessible(self):
+        """The accessibility library, connected to this desktop's bus. One desktop a process."""
+        os.environ.update({key: self.env[key] for key in ("DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "XDG_RUNTIME_DIR")})
+        import pyatspi  # pylint: disable=import-outside-toplevel
+        return pyatspi
+
+    def widgets(self):
+        """Every accessible of the program that is showing, as (name, role name, accessible)."""
+        pyatspi = self.accessible()
+        found = []
+
+        def visit(node):
+            try:
+                if node.getRole() != pyatspi.ROLE_APPLICATION and not node.getState().contains(pyatspi.STATE_SHOWING):
+                    return
+                found.append((node.name, node.getRoleName(), node))
+                for child in node:
+                    if child is not None:
+                        visit(child)
+            except Exception:  # the widget went while it was looked at
+                return
+
+        for application in pyatspi.Registry.getDesktop(0):
+            if application is not None and application.name.lower() == "voxmate":
+                visit(application)
+        return found
+
+    def find(self, name, role=None, timeout=10.0):
+        """The first showing widget whose accessible name is or begins with `name`."""
+
+        def look():
+            widgets = [w for w in self.widgets() if role is None or w[1] == role]
+            return next((w[2] for w in widgets if w[0] == name), None) or next(
+                (w[2] for w in widgets if w[0].startswith(name)), None)
+
+        return wait_for(look, timeout, what=f"the widget {name!r}")
+
+    def gone(self, name, timeout=10.0):
+        wait_for(lambda: not any(w[0].startswith(name) for w in self.widgets()), timeout, what=f"{name!r} going away")
+
+    def texts(self):
+        """The names of all showing widgets, which include the texts of labels."""
+        return [w[0] for w in self.widgets()]
+
+    def rect(self, widget):
+        pyatspi = self.accessible()
+        box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        return box.x, box.y, box.width, box.height
+
+    def windows(self, title):
+        """Ids of the visible windows with this title."""
+        return self.run("xdotool", "search", "--onlyvisible", "--name", title, check=False).decode().split()
+
+    def window_rect(self, window):
+        lines = self.run("xdotool", "getwindowgeometry", "--shell", window).decode().split()
+        values = dict(line.split("=") for line in lines)
+        return int(values["X"]), int(values["Y"]), int(values["WIDTH"]), int(values["HEIGHT"])
+
+    # Hands.
+
+    def click(self, widget, button=1):
+        x, y, width, height = self.rect(widget)
+        self.click_at(x + width // 2, y + height // 2, button)
+
+    def click_at(self, x, y, button=1):
+        self.run("xdotool", "mousemove", "--sync", str(x), str(y))
+        self.run("xdotool", "click", str(button))
+
+    def type(self, text):
+        self.run("xdotool", "type", "--delay", "8", text)
+
+    def key(self, *keys):
+        self.run("xdotool", "key", *keys)
+
+    # Ears.
+
+    def recorder(self):
+        return Recorder(self.env)

@@ -1,0 +1,152 @@
+"""What the tests of the running program share: one desktop for all of them, and the program started anew for each."""
+
+import atexit
+import os
+import subprocess
+import threading
+import time
+import unittest
+
+import desk as desktop
+
+ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", ".."))
+BUILD = os.environ.get("VOXMATE_BUILD", os.path.join(ROOT, "build", "release"))
+IDLE = "I am Idle now !"
+
+_desk = None
+
+
+def the_desk():
+    global _desk  # pylint: disable=global-statement
+    if _desk is None:
+        _desk = desktop.Desk(BUILD)
+        atexit.register(_desk.close)
+    return _desk
+
+
+class StatusWatch:
+    """Notes every text that the status line's first panel shows, with its time."""
+
+    def __init__(self, panel):
+        self.panel = panel
+        self.seen = []
+        self.running = True
+        self.thread = threading.Thread(target=self._watch, daemon=True)
+        self.thread.start()
+
+    def _watch(self):
+        while self.running:
+            try:
+                text = self.panel.name
+            except Exception:  # the program has ended
+                return
+            if not self.seen or self.seen[-1][1] != text:
+                self.seen.append((time.monotonic(), text))
+            time.sleep(0.005)
+
+    def texts(self):
+        return [text for _, text in self.seen]
+
+    def stop(self):
+        self.running = False
+        self.thread.join()
+
+
+class FrameWatch:
+    """Takes pictures of a part of the screen as fast as it can and keeps those that differ from the one before."""
+
+    def __init__(self, desk, box):
+        self.desk = desk
+        self.box = box
+        self.frames = []
+        self.running = True
+        self.thread = threading.Thread(target=self._watch, daemon=True)
+        self.thread.start()
+
+    def _watch(self):
+        while self.running:
+            picture = self.desk.screenshot(box=self.box).tobytes()
+            if not self.frames or self.frames[-1][1] != picture:
+                self.frames.append((time.monotonic(), picture))
+            time.sleep(0.01)
+
+    def stop(self):
+        self.running = False
+        self.thread.join()
+
+
+class ProgramCase(unittest.TestCase):
+    defaults = {}  # settings that differ from the defaults file
+
+    def setUp(self):
+        self.desk = the_desk()
+        self.program = None
+        self.desk.install_defaults(**self.defaults)
+
+    def tearDown(self):
+        if self.program:
+            self.desk.end(self.program)
+
+    def start(self, **environment):
+        self.program = self.desk.start(**environment)
+        return self.program
+
+    def start_and_settle(self, **environment):
+        """Starts the program and waits until its window is there and it has been idle for half a second."""
+        self.start(**environment)
+        self.desk.find("Text to read", timeout=20)
+        self.settle()
+
+    def settle(self, timeout=40, quiet=0.5):
+        since = [None]
+
+        def quiet_long_enough():
+            if IDLE not in self.desk.texts():
+                since[0] = None
+                return False
+            since[0] = since[0] or time.monotonic()
+            return time.monotonic() - since[0] >= quiet
+
+        desktop.wait_for(quiet_long_enough, timeout, what="the program falling idle")
+
+    def status_panel(self):
+        """The status line's first panel."""
+        return next(w[2] for w in self.desk.widgets() if w[0] in (IDLE, "Busy..."))
+
+    def box_text(self, title, timeout=20):
+        """Waits for a message box and returns its text."""
+        box = self.desk.find(title, timeout=timeout)
+        labels = [node.name for node in self._descendants(box) if node.getRoleName() == "label" and node.name]
+        self.assertEqual(len(labels), 1, labels)
+        return labels[0]
+
+    def press(self, name):
+        self.desk.click(self.desk.find(name, role="push button"))
+
+    def has_ended(self, timeout=5, status=0):
+        self.assertEqual(self.program.wait(timeout), status)
+
+    def boxes(self):
+        return [w[0] for w in self.desk.widgets() if w[0].startswith("Voxmate - ")]
+
+    def _descendants(self, node):
+        for child in node:
+            if child is not None:
+                yield child
+                yield from self._descendants(child)
+
+    def character_window(self):
+        """The character's window: id and place."""
+        windows = self.desk.windows("^Voxmate character$")
+        self.assertEqual(len(windows), 1, windows)
+        return windows[0], self.desk.window_rect(windows[0])
+
+    def render(self, text, voice=None):
+        """The engine's own rendering of a text with the settings in the file: samples and rate."""
+        settings = self.desk.read_settings()
+        path = os.path.join(self.desk.home, "rendered.wav")
+        voice = voice or settings["LastSpeechEngine"].strip('"')
+        numbers = {name: int(settings[name].removeprefix("dword:"), 16) for name in ("Pitch", "Speed", "Whisper")}
+        subprocess.run([os.path.join(BUILD, "speech_render"), voice, str(numbers["Pitch"]), str(numbers["Speed"]),
+                        str(numbers["Whisper"]), text, path], check=True)
+        return path

@@ -1,0 +1,152 @@
+"""The main job for real: a sentence is typed, read aloud by the character, and stopped."""
+
+import time
+import unittest
+import wave
+
+import numpy
+
+import desk as desktop
+from program import IDLE, FrameWatch, ProgramCase, StatusWatch
+
+SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all."
+QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+
+
+def read_wave(path):
+    with wave.open(path) as file:
+        samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        return samples, file.getframerate()
+
+
+class Speech(ProgramCase):
+    defaults = QUIET
+
+    def setUp(self):
+        super().setUp()
+        self.recorder = self.desk.recorder()
+
+    def tearDown(self):
+        self.recorder.stop()
+        super().tearDown()
+
+    def type_sentence(self):
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(SENTENCE)
+        # The pointer rests on the button, so that what is measured from the press on is the program alone.
+        x, y, width, height = self.desk.rect(self.desk.find("Speak the textbox text"))
+        self.desk.run("xdotool", "mousemove", "--sync", str(x + width // 2), str(y + height // 2))
+        time.sleep(0.2)
+
+    def press_pointer(self):
+        pressed = time.monotonic()
+        self.desk.run("xdotool", "click", "1")
+        return pressed
+
+    def sound_since(self, start):
+        """The samples recorded since a sample number, and what tells their times."""
+        samples, ends, times = self.recorder.snapshot()
+        return samples[start:], lambda sample: self.recorder.time_of(start + sample, ends, times)
+
+    def samples_now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def test_a_typed_sentence_is_heard_at_once_and_as_long_as_the_engine_makes_it(self):
+        self.start_and_settle()
+        self.type_sentence()
+        _, (x, y, width, height) = self.character_window()
+        begin = self.samples_now()
+        status = StatusWatch(self.status_panel())
+        pressed = self.press_pointer()
+        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
+        frames = FrameWatch(self.desk, (x, y, x + width, y + height))
+        self.settle(quiet=0.8)
+        frames.stop()
+        status.stop()
+
+        samples, time_of = self.sound_since(begin)
+        first, last = desktop.loud_span(samples)
+        delay = time_of(first) - pressed
+        heard = (last - first) / desktop.RATE
+        rendered, rate = read_wave(self.render(SENTENCE))
+        size = int(rate * 0.005)
+        blocks = numpy.abs(rendered[:len(rendered) // size * size]).reshape(-1, size).max(axis=1)
+        loud = numpy.flatnonzero(blocks > 0.01)
+        expected = (loud[-1] + 1 - loud[0]) * 0.005
+        print(f"\n  press to sound {delay * 1000:.0f} ms; heard {heard:.3f} s, rendered {expected:.3f} s; "
+              f"{len(frames.frames)} pictures", flush=True)
+        self.assertLess(delay, 0.300)
+        self.assertAlmostEqual(heard / expected, 1.0, delta=0.03)
+
+        # The mouth moves while there is sound: far more pictures a second than a character at rest shows.
+        start, end = time_of(first), time_of(last)
+        speaking = {picture for when, picture in frames.frames if start <= when <= end}
+        self.assertGreaterEqual(len(speaking), 6)
+        self.assertGreater(len(frames.frames) / heard, 4)
+        texts = [text for text in status.texts() if text in (IDLE, "Busy...")]
+        self.assertIn("Busy...", texts)
+        self.assertEqual(texts[-1], IDLE)
+
+    def test_stop_in_mid_sentence_is_silence_at_once(self):
+        self.start_and_settle()
+        self.type_sentence()
+        stop = self.desk.rect(self.desk.find("Stop Everything !!!"))
+        begin = self.samples_now()
+        self.press_pointer()
+        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
+        time.sleep(1.0)
+        self.desk.run("xdotool", "mousemove", "--sync", str(stop[0] + stop[2] // 2), str(stop[1] + stop[3] // 2))
+        pressed = self.press_pointer()
+        time.sleep(1.5)
+        samples, time_of = self.sound_since(begin)
+        _, last = desktop.loud_span(samples)
+        print(f"\n  stop to silence {(time_of(last) - pressed) * 1000:.0f} ms", flush=True)
+        self.assertLess(time_of(last) - pressed, 0.150)
+        self.assertIn(IDLE, self.desk.texts())
+        self.assertIsNone(self.program.poll())
+
+    def test_a_second_sentence_waits_for_the_first(self):
+        self.start_and_settle()
+        self.type_sentence()
+        begin = self.samples_now()
+        self.press_pointer()
+        time.sleep(0.5)
+        self.press_pointer()
+        self.settle(quiet=0.8)
+        samples, _ = self.sound_since(begin)
+        first, last = desktop.loud_span(samples)
+        rendered, rate = read_wave(self.render(SENTENCE))
+        self.assertGreater((last - first) / desktop.RATE, 1.9 * len(rendered) / rate)
+
+    def test_nothing_to_read_is_complained_about_aloud(self):
+        self.start_and_settle()
+        begin = self.samples_now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 10, what="the complaint")
+        self.assertEqual(self.boxes(), [])
+
+    def test_a_left_click_on_the_character_reads_the_text_box(self):
+        self.start_and_settle()
+        self.type_sentence()
+        _, (x, y, width, height) = self.character_window()
+        begin = self.samples_now()
+        self.desk.click_at(x + width // 2, y + height // 2)
+        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
+
+
+class Greeting(ProgramCase):
+    def test_the_start_up_greeting_is_heard(self):
+        recorder = self.desk.recorder()
+        try:
+            self.start()
+            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 20, what="the greeting")
+            self.settle(quiet=1.0)
+            samples = recorder.snapshot()[0]
+            first, last = desktop.loud_span(samples)
+            self.assertGreater((last - first) / desktop.RATE, 3)
+        finally:
+            recorder.stop()
+
+
+if __name__ == "__main__":
+    unittest.main()
