@@ -7,6 +7,9 @@
 #include "modules/Messages.h"
 #include "modules/Registry.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace voxmate
 {
 
@@ -62,6 +65,8 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     scrSpeed.Change = [this] { scrSpeed_Change(); };
     chkWhisper.Click = [this] { chkWhisper_Click(); };
     mnuExit.Click = [this] { mnuExit_Click(); };
+    mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
+    TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
     ConnectAgent();
 }
 
@@ -73,7 +78,7 @@ void frmMain::Arrange()
                  Item(lblPitch).Min(56, 0)}),
     });
     Arrangement = Column({
-        Row({Item(txtText).Stretch(1).Min(360, 120),
+        Row({Item(txtText).Stretch(1).Min(420, 120),
              Column({Item(cmdSpeak), Item(cmdStop), Item(cmdCharacter), Space()})}),
         Framed(Frame2, std::move(voice)),
     });
@@ -100,9 +105,46 @@ void frmMain::Form_Load()
     }
 }
 
-void frmMain::Form_QueryUnload(bool& /*cancel*/)
+void frmMain::Form_QueryUnload(bool& cancel)
 {
-    mnuExit_Click();
+    if (Settings.CloseToTray == 1) {
+        AddTrayIcon();
+        cancel = true;
+    } else {
+        mnuTrayExit_Click();
+    }
+}
+
+void frmMain::AddTrayIcon()
+{
+    trayIconData_ = {};
+    trayIconData_.window = platform_.Windows.WindowHandle(TrayPict);
+    trayIconData_.iconId = 1;
+    trayIconData_.flags = NIF_MESSAGE_ICON_TIP;
+    trayIconData_.callbackMessage = WM_MOUSEMOVE;
+    trayIconData_.icon = platform_.Windows.PictureHandle(TrayPict);
+    constexpr std::string_view tip = "Voxmate";
+    std::copy(tip.begin(), tip.end(), trayIconData_.tip.begin());
+    platform_.Windows.Shell_NotifyIconA(NIM_ADD, trayIconData_);
+    Hide();
+}
+
+// The icon's mouse messages arrive as moves over the picture box, the message in place of x.
+void frmMain::TrayPict_MouseMove(double x)
+{
+    const auto message = RoundHalfEven(x / platform_.Windows.TwipsPerPixelX());
+    if (message == WM_LBUTTONDBLCLK) {
+        Form::Show();
+    } else if (message == WM_RBUTTONUP) {
+        Activate();
+        PopupMenu(mnuTray);
+    }
+}
+
+void frmMain::mnuTrayExit_Click()
+{
+    platform_.Windows.Shell_NotifyIconA(NIM_DELETE, trayIconData_);
+    platform_.System.EndProgram();
 }
 
 void frmMain::ListCharacters(const std::vector<std::string>& names)
@@ -208,7 +250,7 @@ void frmMain::mnuChar_Click(const std::string& caption)
 
 void frmMain::mnuExit_Click()
 {
-    platform_.System.EndProgram();
+    mnuTrayExit_Click();
 }
 
 void frmMain::SysTime_Timer()

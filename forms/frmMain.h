@@ -16,6 +16,7 @@ public:
     explicit frmMain(Platform& platform);
 
     Timer SysTime{this, "SysTime", 1000, true};
+    PictureBox TrayPict{this, "TrayPict", "voxmate"};
     TextBox txtText{this, "txtText"};
     CommandButton cmdSpeak{this, "cmdSpeak"};
     CommandButton cmdStop{this, "cmdStop"};
@@ -30,12 +31,15 @@ public:
     HScrollBar scrPitch{this, "scrPitch", 40, 400};
     Label lblPitch{this, "lblPitch", "= 40"};
     CheckBox chkWhisper{this, "chkWhisper", "&Whisper"};
-    StatusBar stsBar{this, "stsBar", {{"", 0, "Activity"}, {"", 16, "Character"}, {"", 12, "Clock"}}};
+    StatusBar stsBar{this, "stsBar", {{"", 0, "Activity"}, {"", 10, "Character"}, {"", 12, "Clock"}}};
 
     Menu mnuFile{this, nullptr, "mnuFile", "&File"};
     Menu mnuMainChar{this, &mnuFile, "mnuMainChar", "&Characters"};
     Menu mnuSep1{this, &mnuFile, "mnuSep1", "-"};
     Menu mnuExit{this, &mnuFile, "mnuExit", "&Exit"};
+
+    Menu mnuTray{this, nullptr, "mnuTray", "Tray"};
+    Menu mnuTrayExit{this, &mnuTray, "mnuTrayExit", "&Exit"};
 
     // MainWindow.
     void Show() override { Form::Show(); }
@@ -55,6 +59,11 @@ protected:
 private:
     Platform& platform_;
 
+    TrayIconData trayIconData_;
+
+    void AddTrayIcon();
+    void TrayPict_MouseMove(double x);
+    void mnuTrayExit_Click();
     void ConnectAgent();
     void Arrange();
     void cmdSpeak_Click();

@@ -4,8 +4,8 @@
 # Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev libqt6svg6-dev qt6-multimedia-dev libxcb1-dev libxcb-shape0-dev
-  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libgl-dev
+  qt6-base-dev qt6-svg-dev qt6-multimedia-dev libxcb1-dev libxcb-shape0-dev libxcb-xfixes0-dev
+  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev
 )
 run_packages=(
   espeak-ng-data fonts-dejavu-core xdg-utils libpulse0 qt6-qpa-plugins

@@ -3,6 +3,8 @@
 
 #include "platform/controls/Form.h"
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 namespace voxmate
@@ -17,6 +19,26 @@ inline constexpr int vbOK = 1;
 inline constexpr int vbYes = 6;
 inline constexpr int vbNo = 7;
 
+// Messages of Shell_NotifyIconA (shellapi.h) and mouse messages (winuser.h).
+inline constexpr std::uint32_t NIM_ADD = 0;
+inline constexpr std::uint32_t NIM_DELETE = 2;
+inline constexpr std::uint32_t NIF_MESSAGE_ICON_TIP = 7;
+inline constexpr std::uint32_t WM_MOUSEMOVE = 512;
+inline constexpr int WM_LBUTTONDBLCLK = 515;
+inline constexpr int WM_RBUTTONUP = 517;
+
+/// The notify-icon record in its fixed layout of 88 bytes.
+struct TrayIconData {
+    std::uint32_t recordSize = 88;
+    std::uint32_t window = 0;
+    std::uint32_t iconId = 0;
+    std::uint32_t flags = 0;
+    std::uint32_t callbackMessage = 0;
+    std::uint32_t icon = 0;
+    std::array<char, 64> tip{}; ///< ends in a NUL
+};
+static_assert(sizeof(TrayIconData) == 88);
+
 class WindowSystem : public FormHost
 {
 public:
@@ -27,6 +49,15 @@ public:
     virtual void DoEvents() = 0;
     virtual void ClipboardClear() = 0;
     virtual void ClipboardSetText(const std::string& text) = 0;
+
+    /// Adds or deletes the notification-area icon; false when there is no such area or it refuses. The icon's mouse
+    /// messages go to the picture box `window` stands for, as mouse moves whose x is the message in twips.
+    virtual bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) = 0;
+    /// Handles for the record: of the window behind a picture box, and of its picture.
+    virtual std::uint32_t WindowHandle(PictureBox& box) = 0;
+    virtual std::uint32_t PictureHandle(PictureBox& box) = 0;
+    /// Twips a pixel of the screen: 15 at 96 dots an inch.
+    virtual double TwipsPerPixelX() = 0;
 };
 
 } // namespace voxmate

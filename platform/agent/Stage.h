@@ -12,7 +12,8 @@
 #include <string>
 #include <vector>
 
-namespace voxmate::agent {
+namespace voxmate::agent
+{
 
 enum class MouseAction { Press, Move, Release, DoubleClick };
 
@@ -26,7 +27,8 @@ struct MouseEvent {
 
 /// The character's window: shows a bitmap, transparent where the bitmap is, never takes the keyboard, stays on top.
 /// Clicks on transparent pixels go to what lies beneath.
-class CharacterWindow {
+class CharacterWindow
+{
 public:
     virtual ~CharacterWindow() = default;
     /// Shows `frame` scaled smoothly to `size` (the character's size on the screen).
@@ -41,21 +43,24 @@ struct BalloonFont {
     int points = 10;
     bool bold = false;
     bool italic = false;
+    bool operator==(const BalloonFont&) const = default;
 };
 
 /// What a balloon looks like at one moment.
 struct BalloonView {
     std::vector<std::string> lines; ///< the lines on show, from the top; words not yet spoken are left out
     int lineHeight = 0;
-    Rect bubble;                    ///< on the screen, without the tail
-    Point tailTip;                  ///< on the screen; the tail leaves the bubble's edge nearest to it
+    Rect bubble;   ///< on the screen, without the tail
+    Point tailTip; ///< on the screen; the tail leaves the bubble's edge nearest to it
     BalloonFont font;
     Colour text;
     Colour background;
     Colour border;
+    bool operator==(const BalloonView&) const = default;
 };
 
-class BalloonWindow {
+class BalloonWindow
+{
 public:
     virtual ~BalloonWindow() = default;
     virtual void Show(const BalloonView& view) = 0;
@@ -73,13 +78,15 @@ struct MenuEntry {
     bool enabled = true;
 };
 
-/// A running timer; destroying it stops it.
-class StageTimer {
+/// A running timer; destroying it stops it, and its own action may do so.
+class StageTimer
+{
 public:
     virtual ~StageTimer() = default;
 };
 
-class Stage {
+class Stage
+{
 public:
     virtual ~Stage() = default;
     virtual std::unique_ptr<CharacterWindow> CreateCharacterWindow() = 0;

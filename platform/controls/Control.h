@@ -115,10 +115,11 @@ Prop<T>& Prop<T>::operator=(T value)
 
 using Event = std::function<void()>;
 
+/// Runs a copy of the handler: it may do away with the control it belongs to.
 inline void Raise(const Event& event)
 {
-    if (event)
-        event();
+    if (const Event handler = event)
+        handler();
 }
 
 class Label : public Control
@@ -295,6 +296,24 @@ public:
     }
     std::string Picture;
     int SizePx; ///< width and height in device-independent pixels
+};
+
+/// A picture box that is never shown and receives a window's mouse messages: x is in twips (1/1440 inch).
+class PictureBox : public Control {
+public:
+    PictureBox(Form* form, std::string name, std::string picture)
+        : Control(form, std::move(name)), Picture(std::move(picture))
+    {
+        Visible.Store(false);
+    }
+    std::string Picture;
+    std::function<void(double x)> MouseMove;
+
+    void UserMouseMove(double x)
+    {
+        if (MouseMove)
+            MouseMove(x);
+    }
 };
 
 /// A bar of text panels at the foot of a form; panels are counted from 1.

@@ -75,6 +75,12 @@ void Form::Unload()
     peer_.reset();
 }
 
+void Form::Activate()
+{
+    if (peer_)
+        peer_->Activate();
+}
+
 void Form::PopupMenu(Menu& menu, Control* at)
 {
     if (peer_)

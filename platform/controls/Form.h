@@ -22,6 +22,8 @@ public:
     virtual void Show() = 0;
     virtual void Hide() = 0;
     virtual void Update(Property property) = 0;
+    /// Brings the window to the foreground.
+    virtual void Activate() = 0;
     /// Shows a menu of the form as a pop-up at the pointer (or beside `at`) and returns when it has closed.
     virtual void PopupMenu(Menu& menu, Control* at) = 0;
 };
@@ -58,6 +60,7 @@ public:
     /// Destroys the window. The form can be shown again, which loads it anew.
     void Unload();
     bool IsShown() const { return shown_; }
+    void Activate();
     void PopupMenu(Menu& menu, Control* at = nullptr);
 
     const std::vector<Control*>& Controls() const { return controls_; }

@@ -324,6 +324,17 @@ public:
     }
     void ClipboardClear() override { clipboard.clear(); }
     void ClipboardSetText(const std::string& text) override { clipboard = text; }
+    std::vector<std::pair<std::uint32_t, TrayIconData>> trayCalls;
+    bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override
+    {
+        log_.push_back("Shell_NotifyIconA " + std::to_string(message));
+        trayCalls.emplace_back(message, data);
+        return false;
+    }
+    std::uint32_t WindowHandle(PictureBox&) override { return 0x1234; }
+    std::uint32_t PictureHandle(PictureBox&) override { return 0x5678; }
+    double TwipsPerPixelX() override { return twipsPerPixel; }
+    double twipsPerPixel = 15;
 
     std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override
     {
@@ -338,6 +349,7 @@ private:
         void Show() override { log_.push_back("Window " + name_ + " shown"); }
         void Hide() override { log_.push_back("Window " + name_ + " hidden"); }
         void Update(Property) override {}
+        void Activate() override { log_.push_back("Window " + name_ + " activated"); }
         void PopupMenu(Menu& menu, Control*) override { log_.push_back("PopupMenu " + menu.Name); }
 
     private:

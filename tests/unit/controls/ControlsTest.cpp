@@ -21,6 +21,7 @@ public:
     void Show() override {}
     void Hide() override {}
     void Update(Property) override {}
+    void Activate() override {}
     void PopupMenu(Menu&, Control*) override {}
 };
 

@@ -4,6 +4,8 @@
 #include "modules/Registry.h"
 #include "tests/fakes/FakePlatform.h"
 
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 namespace voxmate
@@ -261,11 +263,52 @@ TEST_F(MainFormTest, AnAmpersandInACharactersNameIsNoAccessKey)
     EXPECT_TRUE(item.Checked.get());
 }
 
-TEST_F(MainFormTest, ExitAndTheCloseBoxEndTheProgramAtOnce)
+TEST_F(MainFormTest, ExitAndTheCloseBoxRemoveTheTrayIconAndEndTheProgramAtOnce)
 {
     Start();
     EXPECT_TRUE(fake.Ends([this] { form.mnuExit.UserClick(); }));
+    EXPECT_EQ(fake.log, (Lines{"Shell_NotifyIconA 2", "EndProgram"}));
+    fake.log.clear();
     EXPECT_TRUE(fake.Ends([this] { form.UserClose(); }));
+    EXPECT_EQ(fake.log, (Lines{"Shell_NotifyIconA 2", "EndProgram"}));
+}
+
+TEST_F(MainFormTest, ClosingToTheTrayHidesTheWindowAndKeepsTheProgramRunning)
+{
+    Start();
+    Settings.CloseToTray = 1;
+    form.UserClose();
+    EXPECT_EQ(fake.log, (Lines{"Shell_NotifyIconA 0", "Window frmMain hidden"}));
+    ASSERT_EQ(fake.windows.trayCalls.size(), 1u);
+    const TrayIconData data = fake.windows.trayCalls[0].second;
+    EXPECT_EQ(data.recordSize, 88u);
+    EXPECT_EQ(data.window, 0x1234u);
+    EXPECT_EQ(data.iconId, 1u);
+    EXPECT_EQ(data.flags, 7u);
+    EXPECT_EQ(data.callbackMessage, 512u);
+    EXPECT_EQ(data.icon, 0x5678u);
+    EXPECT_EQ(std::string(data.tip.data()), "Voxmate");
+    // Exit ends it even then, with the same record.
+    EXPECT_TRUE(fake.Ends([this] { form.mnuTrayExit.UserClick(); }));
+    EXPECT_EQ(fake.windows.trayCalls[1].first, 2u);
+    EXPECT_EQ(std::memcmp(&fake.windows.trayCalls[1].second, &data, 88), 0);
+}
+
+TEST_F(MainFormTest, TheTrayIconsMouseMessagesShowTheWindowOrOfferExit)
+{
+    Start();
+    Settings.CloseToTray = 1;
+    form.UserClose();
+    fake.log.clear();
+    for (const double message : {512.0, 513.0, 514.0, 516.0})
+        form.TrayPict.UserMouseMove(message * 15);
+    EXPECT_TRUE(fake.log.empty());
+    form.TrayPict.UserMouseMove(515 * 15 + 3);
+    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown"}));
+    fake.log.clear();
+    fake.windows.twipsPerPixel = 7.5;
+    form.TrayPict.UserMouseMove(517 * 7.5);
+    EXPECT_EQ(fake.log, (Lines{"Window frmMain activated", "PopupMenu mnuTray"}));
 }
 
 TEST_F(MainFormTest, TheClockRunsAndTimeIsAnnouncedEverySoManyTicks)

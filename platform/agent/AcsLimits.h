@@ -1,0 +1,26 @@
+// Numbers of the character file that its reader and its writer share, and the bounds that keep a hostile one small.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace voxmate::agent
+{
+
+inline constexpr std::uint32_t Signature = 0xABCDABC3;
+inline constexpr std::uint32_t HeaderSize = 36;
+/// Largest file that is read, in bytes. Characters take a few megabytes; a hostile file takes some eight times its
+/// size.
+inline constexpr std::uint64_t MaxFileSize = 64u << 20;
+/// Most pixels of a character's frame, of one image and of all the images of one frame together.
+inline constexpr std::uint64_t MaxPixels = 1u << 24;
+/// Bytes of animations that may be read more than once because entries of the list share them.
+inline constexpr std::uint64_t SharedAnimationBytes = 1u << 20;
+
+/// Bytes of one stored row of an image `width` pixels wide: rows are padded to 4 bytes.
+constexpr std::size_t RowSize(std::uint16_t width)
+{
+    return (std::size_t{width} + 3) / 4 * 4;
+}
+
+} // namespace voxmate::agent

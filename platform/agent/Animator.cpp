@@ -1,0 +1,184 @@
+#include "platform/agent/Animator.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+namespace
+{
+
+// Behind the plan by more than this (a suspended machine, a stalled desktop) no frames are hurried to catch up.
+constexpr std::int64_t kMaxLateness = 500;
+
+} // namespace
+
+Animator::Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show)
+    : stage_(stage), file_(file), show_(std::move(show))
+{
+}
+
+void Animator::Play(const Animation& animation, std::function<void()> done)
+{
+    done_ = std::move(done);
+    left_ = false;
+    Begin(animation, Way::Along);
+}
+
+void Animator::Begin(const Animation& animation, Way way)
+{
+    timer_.reset();
+    animation_ = &animation;
+    way_ = way;
+    onWayOut_ = false;
+    drawn_ = 0;
+    moving_ = true;
+    at_ = 0;
+    due_ = stage_.Now();
+    wayEnd_ = due_ + LongestWayOut;
+    Enter(0);
+}
+
+void Animator::Leave(const Animation* next, std::function<void()> done)
+{
+    done_ = std::move(done);
+    if (!left_ && way_ != Way::Along && moving_)
+        return;
+    if (left_ || !animation_) {
+        timer_.reset();
+        End();
+        return;
+    }
+    const Animation& leaving = *animation_;
+    if (leaving.transition == Transition::ReturnAnimation) {
+        const Animation* back = file_.FindAnimation(leaving.returnAnimation);
+        if (back && back != next && !back->frames.empty()) {
+            Begin(*back, Way::Return);
+            return;
+        }
+    } else if (leaving.transition == Transition::ExitBranches) {
+        way_ = Way::Exit;
+        onWayOut_ = false;
+        leftFrom_ = at_;
+        drawn_ = 0;
+        moving_ = true;
+        timer_.reset();
+        due_ = stage_.Now();
+        wayEnd_ = due_ + LongestWayOut;
+        Enter(AfterOnExit(at_));
+        return;
+    }
+    timer_.reset();
+    left_ = true;
+    End();
+}
+
+void Animator::Stand(const Frame& frame)
+{
+    Clear();
+    shown_ = &frame;
+    show_(frame);
+}
+
+void Animator::Clear()
+{
+    timer_.reset();
+    done_ = nullptr;
+    animation_ = nullptr;
+    shown_ = nullptr;
+    moving_ = false;
+    left_ = true;
+}
+
+/// Shows the first frame from `index` on that has a duration; the end when there is none.
+void Animator::Enter(int index)
+{
+    const auto count = static_cast<int>(animation_->frames.size());
+    for (int step = 0; step < MaxUndrawn && index >= 0 && index < count; ++step) {
+        const Frame& frame = animation_->frames[static_cast<std::size_t>(index)];
+        if (frame.duration == 0) {
+            index = After(index);
+            continue;
+        }
+        // A way out has an end: a file may lead it in circles or have it stand still for minutes.
+        if (way_ != Way::Along && (++drawn_ > 2 * animation_->frames.size() || stage_.Now() >= wayEnd_))
+            break;
+        at_ = index;
+        shown_ = &frame;
+        due_ += std::int64_t{frame.duration} * 10;
+        if (way_ != Way::Along)
+            due_ = std::min(due_, wayEnd_);
+        if (!StandsStill(frame, index))
+            timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, due_ - stage_.Now())), [this] { Tick(); });
+        show_(frame);
+        return;
+    }
+    End();
+}
+
+/// The frame after `index`, by branches or exit branches; behind the last one: the end.
+int Animator::After(int index)
+{
+    if (way_ == Way::Exit)
+        return AfterOnExit(index);
+    const Frame& frame = animation_->frames[static_cast<std::size_t>(index)];
+    if (!frame.branches.empty()) {
+        int chance = stage_.Random(100);
+        for (const Branch& branch : frame.branches) {
+            if (chance < branch.percent)
+                return branch.frame;
+            chance -= branch.percent;
+        }
+    }
+    return index + 1;
+}
+
+int Animator::AfterOnExit(int index)
+{
+    constexpr int end = -1;
+    const auto& frames = animation_->frames;
+    const auto count = static_cast<int>(frames.size());
+    if (index < 0 || index >= count)
+        return end;
+    const auto hasExit = [](const Frame& frame) { return frame.exitFrame >= 0; };
+    const Frame& frame = frames[static_cast<std::size_t>(index)];
+    if (hasExit(frame) && frame.exitFrame < count && frame.exitFrame != index) {
+        onWayOut_ = true;
+        return frame.exitFrame;
+    }
+    const auto behind = frames.begin() + index + 1;
+    if (onWayOut_) {
+        const bool leadsOn = index > leftFrom_ && behind != frames.end() && !hasExit(*behind);
+        return leadsOn ? index + 1 : end;
+    }
+    return std::any_of(behind, frames.end(), hasExit) ? index + 1 : end;
+}
+
+/// A frame that always branches to itself changes nothing any more: no timer is needed, unless its sound is repeated.
+bool Animator::StandsStill(const Frame& frame, int index) const
+{
+    return way_ == Way::Along && frame.sound < 0 && !frame.branches.empty() && frame.branches.front().frame == index &&
+           frame.branches.front().percent >= 100;
+}
+
+void Animator::Tick()
+{
+    timer_.reset();
+    if (stage_.Now() - due_ > kMaxLateness)
+        due_ = stage_.Now();
+    Enter(After(at_));
+}
+
+void Animator::End()
+{
+    moving_ = false;
+    if (way_ != Way::Along)
+        left_ = true;
+    const std::function<void()> done = std::move(done_);
+    done_ = nullptr;
+    if (done)
+        done();
+}
+
+} // namespace voxmate::agent

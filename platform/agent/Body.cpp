@@ -1,0 +1,199 @@
+#include "platform/agent/Body.h"
+
+#include "platform/agent/BalloonPlace.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+namespace
+{
+
+// Where a character stands until the user moves it: this far from the lower right corner of the work area, in pixels.
+constexpr int kRightMargin = 40;
+constexpr int kLowerMargin = 16;
+
+const Frame* FirstDrawn(const Animation* animation)
+{
+    if (!animation)
+        return nullptr;
+    const auto found = std::find_if(animation->frames.begin(), animation->frames.end(),
+                                    [](const Frame& frame) { return frame.duration > 0; });
+    return found == animation->frames.end() ? nullptr : &*found;
+}
+
+/// The neutral pose: the first frame of RestPose.
+const Frame* NeutralFrame(const AcsFile& file)
+{
+    return FirstDrawn(file.FindAnimation("RestPose"));
+}
+
+Rect United(const Rect& a, const Rect& b)
+{
+    if (a.width == 0)
+        return b;
+    if (b.width == 0)
+        return a;
+    const int x = std::min(a.x, b.x);
+    const int y = std::min(a.y, b.y);
+    return {x, y, std::max(a.Right(), b.Right()) - x, std::max(a.Bottom(), b.Bottom()) - y};
+}
+
+} // namespace
+
+Body::Body(Stage& stage, const AcsFile& file)
+    : stage_(stage), file_(file), window_(stage.CreateCharacterWindow()), painter_(file, *window_),
+      animator_(stage, file, [this](const Frame& frame) { ShowFrame(frame); }),
+      neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)}
+{
+    window_->Mouse = [this](const MouseEvent& event) {
+        if (Mouse)
+            Mouse(event);
+    };
+    Settle();
+}
+
+Body::~Body()
+{
+    StopSound();
+}
+
+void Body::Appear()
+{
+    if (!animator_.Shown()) {
+        // A character that is just there, without a showing animation.
+        const Frame* frame = neutral_;
+        for (auto animation = file_.animations.begin(); !frame && animation != file_.animations.end(); ++animation)
+            frame = FirstDrawn(&*animation);
+        if (frame)
+            animator_.Stand(*frame);
+    }
+    Settle();
+    visible_ = true;
+    window_->SetVisible(true);
+}
+
+void Body::Vanish()
+{
+    animator_.Clear();
+    StopSound();
+    visible_ = false;
+    window_->SetVisible(false);
+}
+
+/// Puts the window where it belongs while nobody holds it: wholly on a work area.
+void Body::Settle()
+{
+    Rect area;
+    Rect wanted = OnScreen();
+    if (placedByUser_) {
+        area = stage_.WorkArea({place_.x + size_.width / 2, place_.y + size_.height / 2});
+    } else {
+        area = stage_.PrimaryWorkArea();
+        wanted.x = area.Right() - size_.width - kRightMargin;
+        wanted.y = area.Bottom() - size_.height - kLowerMargin;
+    }
+    const Rect inside = MovedInside(wanted, area);
+    place_ = {inside.x, inside.y};
+    window_->MoveTo(place_);
+}
+
+void Body::SetScreenSize(Size size)
+{
+    size = {std::max(1, size.width), std::max(1, size.height)};
+    if (size == size_)
+        return;
+    place_.x += (size_.width - size.width) / 2;
+    place_.y += size_.height - size.height;
+    size_ = size;
+    Redraw();
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::DragTo(Point topLeft, Point pointer)
+{
+    const Rect area = stage_.WorkArea(pointer);
+    const int halfWidth = size_.width / 2;
+    const int halfHeight = size_.height / 2;
+    const Point place{std::clamp(topLeft.x, area.x - halfWidth, std::max(area.x, area.Right() - 1) - halfWidth),
+                      std::clamp(topLeft.y, area.y - halfHeight, std::max(area.y, area.Bottom() - 1) - halfHeight)};
+    placedByUser_ = true;
+    if (place == place_)
+        return;
+    place_ = place;
+    window_->MoveTo(place_);
+    if (Moved)
+        Moved();
+}
+
+Rect Body::Outline() const
+{
+    if (outline_.width == 0 || file_.width == 0 || file_.height == 0)
+        return OnScreen();
+    const auto scaledX = [this](int x) { return static_cast<int>(std::int64_t{x} * size_.width / file_.width); };
+    const auto scaledY = [this](int y) { return static_cast<int>(std::int64_t{y} * size_.height / file_.height); };
+    const int left = scaledX(outline_.x);
+    const int top = scaledY(outline_.y);
+    return {place_.x + left, place_.y + top, scaledX(outline_.Right()) - left, scaledY(outline_.Bottom()) - top};
+}
+
+void Body::TakeOutline()
+{
+    outline_ = neutral_ ? painter_.Outline(*neutral_) : Rect{};
+    if (animator_.Shown() && !animator_.Moving())
+        outline_ = United(outline_, painter_.Outline(*animator_.Shown()));
+}
+
+void Body::Forget()
+{
+    animator_.Forget();
+    StopSound();
+}
+
+void Body::StandNeutral()
+{
+    if (neutral_)
+        animator_.Stand(*neutral_);
+}
+
+void Body::SetMouth(int mouth)
+{
+    if (mouth == mouth_)
+        return;
+    mouth_ = mouth;
+    Redraw();
+}
+
+void Body::SetSoundEffectsOn(bool on)
+{
+    soundsOn_ = on;
+    if (!on)
+        StopSound();
+}
+
+void Body::ShowFrame(const Frame& frame)
+{
+    Redraw();
+    if (!soundsOn_ || frame.sound < 0 || static_cast<std::size_t>(frame.sound) >= file_.SoundCount())
+        return;
+    soundStarted_ = true;
+    stage_.PlaySound(file_.Sound(static_cast<std::size_t>(frame.sound)));
+}
+
+void Body::Redraw()
+{
+    if (animator_.Shown())
+        painter_.Show(*animator_.Shown(), mouth_, size_);
+}
+
+void Body::StopSound()
+{
+    if (std::exchange(soundStarted_, false))
+        stage_.StopSound();
+}
+
+} // namespace voxmate::agent

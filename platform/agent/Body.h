@@ -1,0 +1,84 @@
+// The character as it stands on the desktop: its window, its place and size, the frame on show with its mouth, and the
+// sounds of its frames. Knows nothing of requests.
+#pragma once
+
+#include "platform/agent/Animator.h"
+#include "platform/agent/Painter.h"
+#include "platform/agent/Stage.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace voxmate::agent
+{
+
+class Body
+{
+public:
+    /// Both references outlive the body.
+    Body(Stage& stage, const AcsFile& file);
+    ~Body();
+    Body(const Body&) = delete;
+    Body& operator=(const Body&) = delete;
+
+    /// The user's mouse over the character.
+    std::function<void(const MouseEvent&)> Mouse;
+    /// The body has moved or changed its size.
+    std::function<void()> Moved;
+
+    bool Visible() const { return visible_; }
+    /// Puts the window on the screen, with the picture it has by then: at its place, wholly on the work area.
+    void Appear();
+    /// Takes it away; nothing plays any more.
+    void Vanish();
+
+    Size ScreenSize() const { return size_; }
+    /// Scales the picture; below 1 means 1. The middle of the lower edge stays where it is, if there is room.
+    void SetScreenSize(Size size);
+    /// Moves the window's upper left corner to a point; the character's middle stays on the work area of the screen
+    /// that holds `pointer`, so that it can always be taken hold of again.
+    void DragTo(Point topLeft, Point pointer);
+    Point Place() const { return place_; }
+    /// The drawn part of the character on the screen: of its neutral pose and of the one it stood in at TakeOutline.
+    Rect Outline() const;
+    void TakeOutline();
+
+    /// Plays, leaves and forgets animations as Animator does.
+    void Play(const Animation& animation, std::function<void()> done) { animator_.Play(animation, std::move(done)); }
+    void Leave(const Animation* next, std::function<void()> done) { animator_.Leave(next, std::move(done)); }
+    void Forget();
+    /// Stands in the neutral pose; stays as it is when the character has no pose of that kind.
+    void StandNeutral();
+    bool Moving() const { return animator_.Moving(); }
+    /// Whether the frame on show has mouths.
+    bool HasMouths() const { return animator_.Shown() && animator_.Shown()->HasMouths(); }
+
+    /// 0 to 6: the mouth of a character that speaks; negative: it does not speak.
+    void SetMouth(int mouth);
+    void SetSoundEffectsOn(bool on);
+
+private:
+    void ShowFrame(const Frame& frame);
+    void Redraw();
+    void StopSound();
+    void Settle();
+    Rect OnScreen() const { return {place_.x, place_.y, size_.width, size_.height}; }
+
+    Stage& stage_;
+    const AcsFile& file_;
+    std::unique_ptr<CharacterWindow> window_;
+    Painter painter_;
+    Animator animator_;
+    const Frame* neutral_ = nullptr;
+    int mouth_ = -1;
+    bool soundsOn_ = true;
+    bool soundStarted_ = false;
+    bool visible_ = false;
+    bool placedByUser_ = false;
+    Size size_;
+    Point place_;
+    Rect outline_; ///< in the file's pixels
+};
+
+} // namespace voxmate::agent

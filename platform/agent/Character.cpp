@@ -1,0 +1,188 @@
+#include "platform/agent/Character.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+namespace
+{
+
+/// A mode identifier in its text form, with braces: the first three fields are stored lowest byte first.
+std::string GuidText(const Guid& guid)
+{
+    constexpr std::array<int, 16> order{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    constexpr const char* digits = "0123456789ABCDEF";
+    std::string text = "{";
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += '-';
+        const std::uint8_t byte = guid[static_cast<std::size_t>(order[i])];
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text + "}";
+}
+
+} // namespace
+
+Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsFile> file)
+    : shared_(shared), name_(std::move(name)), file_(std::move(file)), body_(shared.stage, *file_),
+      balloon_(shared.stage, *file_, [this] { return body_.Outline(); }), idling_(shared.stage, *file_)
+{
+    if (file_->voice)
+        modeId_ = GuidText(file_->voice->mode);
+    body_.Moved = [this] { balloon_.Follow(); };
+    body_.Mouse = [this](const MouseEvent& event) {
+        if (event.action == MouseAction::Press)
+            aloneSince_ = shared_.stage.Now();
+        gestures_.Handle(event);
+    };
+    ConnectGestures();
+}
+
+Character::~Character()
+{
+    StopAll("");
+}
+
+AgentRequestPtr Character::Show(bool fast)
+{
+    auto request = std::make_shared<Request>(RequestKind::Show);
+    request->fast = fast;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Hide(bool fast)
+{
+    auto request = std::make_shared<Request>(RequestKind::Hide);
+    request->fast = fast;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Play(const std::string& animation)
+{
+    auto request = std::make_shared<Request>(RequestKind::Play);
+    request->animation = animation;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Speak(const std::string& text, const std::string& url)
+{
+    auto request = std::make_shared<Request>(RequestKind::Speak);
+    request->text = text;
+    request->url = url;
+    return Enqueue(std::move(request));
+}
+
+std::vector<std::string> Character::AnimationNames() const
+{
+    std::vector<std::string> names;
+    names.reserve(file_->animations.size());
+    for (const Animation& animation : file_->animations)
+        names.push_back(animation.name);
+    return names;
+}
+
+void Character::Stop(const AgentRequestPtr& request)
+{
+    if (!request)
+        return;
+    if (request == current_) {
+        Interrupt();
+        return;
+    }
+    const auto queued = std::find(queue_.begin(), queue_.end(), request);
+    if (queued == queue_.end())
+        return;
+    const RequestPtr dropped = *queued;
+    queue_.erase(queued);
+    Conclude(dropped, RequestStatus::Interrupted);
+}
+
+void Character::StopAll(const std::string& types)
+{
+    const StopTypes wanted = ParseStopTypes(types);
+    if (current_ && wanted.Includes(current_->kind))
+        Interrupt();
+    std::deque<RequestPtr> kept;
+    for (const RequestPtr& request : queue_) {
+        if (wanted.Includes(request->kind))
+            Conclude(request, RequestStatus::Interrupted);
+        else
+            kept.push_back(request);
+    }
+    queue_ = std::move(kept);
+}
+
+void Character::HideByUser()
+{
+    StopAll("");
+    auto request = std::make_shared<Request>(RequestKind::Hide);
+    request->byUser = true;
+    Enqueue(std::move(request));
+}
+
+void Character::ConnectGestures()
+{
+    const auto raise = [this](auto event) {
+        return
+            [this, event](int button, int shift, Point at) { shared_.Raise(event, name_, button, shift, at.x, at.y); };
+    };
+    gestures_.Click = raise(&AgentControl::Click);
+    gestures_.DblClick = raise(&AgentControl::DblClick);
+    gestures_.DragStart = raise(&AgentControl::DragStart);
+    gestures_.DragComplete = raise(&AgentControl::DragComplete);
+    gestures_.Drag = [this](Point topLeft, Point pointer) { body_.DragTo(topLeft, pointer); };
+    gestures_.Menu = [this](Point screen) {
+        shared_.stage.PopupMenu(commands_.Menu(), screen,
+                                [this, alive = std::weak_ptr<int>(alive_)](const std::string& name) {
+                                    if (alive.expired())
+                                        return;
+                                    if (name == CommandList::HideName)
+                                        HideByUser();
+                                    else
+                                        shared_.Raise(&AgentControl::Command, name);
+                                });
+    };
+}
+
+/// Nothing to do: goes home from a pose nobody asked for, then idles now and then.
+void Character::Rest()
+{
+    if (!body_.Visible() || current_ || !queue_.empty())
+        return;
+    if (unsettled_) {
+        GoHome();
+        return;
+    }
+    if (body_.Moving())
+        return;
+    const int delay = idling_.Delay(aloneSince_);
+    idleTimer_.reset();
+    if (delay >= 0)
+        idleTimer_ = shared_.stage.After(delay, [this] { Idle(); });
+}
+
+void Character::GoHome()
+{
+    unsettled_ = false;
+    body_.Leave(nullptr, [this] {
+        body_.StandNeutral();
+        Rest();
+    });
+}
+
+void Character::Idle()
+{
+    idleTimer_.reset();
+    const Animation* animation = idling_.Choose(aloneSince_);
+    if (!animation) {
+        Rest();
+        return;
+    }
+    body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
+}
+
+} // namespace voxmate::agent

@@ -1,0 +1,265 @@
+// The character's requests, from their turn to their end.
+#include "platform/agent/Character.h"
+#include "platform/agent/Markup.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+RequestPtr Character::Enqueue(RequestPtr request)
+{
+    queue_.push_back(request);
+    Wake();
+    return request;
+}
+
+void Character::Wake()
+{
+    if (!wakeTimer_ && !running_)
+        wakeTimer_ = shared_.stage.After(0, [this] { RunQueue(); });
+}
+
+void Character::RunQueue()
+{
+    wakeTimer_.reset();
+    running_ = true;
+    while (!current_ && !queue_.empty()) {
+        const RequestPtr& next = queue_.front();
+        if (next->kind == RequestKind::Speak && body_.Visible() && !shared_.turn.Take(this))
+            break; // another character is speaking; VoiceTurn::Freed wakes this one
+        current_ = next;
+        queue_.pop_front();
+        Begin();
+    }
+    running_ = false;
+    if (!current_)
+        Rest();
+}
+
+void Character::Begin()
+{
+    const RequestPtr request = current_;
+    const Animation* animation =
+        request->kind == RequestKind::Play ? file_->FindAnimation(request->animation) : nullptr;
+    const bool visible = body_.Visible();
+    if ((request->kind == RequestKind::Play && (!visible || !animation)) ||
+        (request->kind == RequestKind::Speak && !visible)) {
+        current_.reset();
+        Conclude(request, RequestStatus::Failed);
+        return;
+    }
+    request->status = RequestStatus::InProgress;
+    if (!request->byUser)
+        shared_.Raise(&AgentControl::RequestStart, AgentRequestPtr(request));
+    switch (request->kind) {
+    case RequestKind::Show:
+        if (visible)
+            End(RequestStatus::Complete);
+        else
+            BeginShow();
+        break;
+    case RequestKind::Hide:
+        if (visible)
+            BeginHide();
+        else
+            End(RequestStatus::Complete);
+        break;
+    case RequestKind::Play:
+        BeginPlay(*animation);
+        break;
+    case RequestKind::Speak:
+        BeginSpeak();
+        break;
+    }
+}
+
+void Character::BeginShow()
+{
+    const auto shown = [this] {
+        shared_.Raise(&AgentControl::Shown, name_, VisibilityCause::ProgramShowed);
+        End(RequestStatus::Complete);
+    };
+    const Animation* showing =
+        current_->fast ? nullptr : PickAnimation(shared_.stage, StateAnimations(*file_, "Showing"));
+    unsettled_ = false;
+    if (!showing) {
+        body_.Appear();
+        shown();
+        return;
+    }
+    // The first frame is drawn before the window appears, so that no older picture flashes up.
+    body_.Play(*showing, shown);
+    body_.Appear();
+}
+
+void Character::BeginHide()
+{
+    idleTimer_.reset();
+    balloon_.Hide();
+    const Animation* hiding =
+        current_->fast ? nullptr : PickAnimation(shared_.stage, StateAnimations(*file_, "Hiding"));
+    if (!hiding) {
+        Gone();
+        return;
+    }
+    unsettled_ = false;
+    body_.Leave(hiding, [this, hiding] { body_.Play(*hiding, [this] { Gone(); }); });
+}
+
+/// The hiding is done.
+void Character::Gone()
+{
+    idleTimer_.reset();
+    balloon_.Hide();
+    gestures_.Reset();
+    unsettled_ = false;
+    body_.Vanish();
+    shared_.Raise(&AgentControl::Hidden, name_,
+                  current_->byUser ? VisibilityCause::UserHid : VisibilityCause::ProgramHid);
+    End(RequestStatus::Complete);
+}
+
+void Character::BeginPlay(const Animation& animation)
+{
+    idleTimer_.reset();
+    unsettled_ = false;
+    body_.Leave(&animation, [this, &animation] { body_.Play(animation, [this] { End(RequestStatus::Complete); }); });
+}
+
+void Character::BeginSpeak()
+{
+    MarkedText marked = ParseMarkup(current_->text);
+    std::string url = current_->url;
+    if (marked.sayLastAgain && url.empty()) {
+        marked = ParseMarkup(lastText_);
+        url = lastUrl_;
+    } else {
+        lastText_ = current_->text;
+        lastUrl_ = url;
+    }
+    if (marked.segments.empty() && url.empty()) {
+        End(RequestStatus::Complete);
+        return;
+    }
+    speech::Utterance utterance;
+    utterance.modeId = modeId_;
+    if (utterance.modeId.size() >= 2 && utterance.modeId.front() == '{' && utterance.modeId.back() == '}')
+        utterance.modeId = utterance.modeId.substr(1, utterance.modeId.size() - 2);
+    utterance.waveFile = url;
+    if (url.empty())
+        utterance.segments = std::move(marked.segments);
+    StartSpeech(marked.shown, utterance);
+}
+
+/// The voice comes first: what the body has to do before it can be seen speaking must not be heard as a delay.
+void Character::StartSpeech(const std::string& shown, const speech::Utterance& utterance)
+{
+    idleTimer_.reset();
+    const auto speech = std::make_shared<Speech>();
+    speech_ = speech;
+    body_.TakeOutline();
+    shared_.voice.Start(utterance, SpeechEvents());
+    if (speech_ != speech)
+        return;
+    balloon_.Begin(shown, utterance.waveFile.empty());
+    TakeSpeakingPose();
+}
+
+speech::VoiceEvents Character::SpeechEvents()
+{
+    const auto guarded = [this](auto action) {
+        return [action, speech = std::weak_ptr<Speech>(speech_)](auto... arguments) {
+            if (!speech.expired())
+                action(arguments...);
+        };
+    };
+    speech::VoiceEvents events;
+    events.Started = guarded([this] {
+        body_.SetMouth(MouthClosed);
+        balloon_.Started();
+    });
+    events.Word = guarded([this](int word) { balloon_.Word(word); });
+    events.Mouth = guarded([this](int mouth) { body_.SetMouth(std::clamp<int>(mouth, 0, MouthCount - 1)); });
+    events.Bookmark = guarded([this](int number) { shared_.Raise(&AgentControl::Bookmark, number); });
+    events.Ended = guarded([this](bool ok) { SpeechEnded(ok); });
+    return events;
+}
+
+void Character::SpeechEnded(bool ok)
+{
+    EndSpeech();
+    if (ok)
+        balloon_.Ended();
+    else
+        balloon_.Hide();
+    End(ok ? RequestStatus::Complete : RequestStatus::Failed);
+}
+
+void Character::EndSpeech()
+{
+    speech_.reset();
+    body_.SetMouth(-1);
+    shared_.turn.GiveBack(this);
+}
+
+/// A character speaks in the frame it stands in when that has mouths, else in its neutral pose, else in an animation of
+/// the state Speaking; the voice may be heard already while it gets there.
+void Character::TakeSpeakingPose()
+{
+    if (!body_.Moving() && body_.HasMouths())
+        return;
+    unsettled_ = false;
+    body_.Leave(nullptr, [this] {
+        body_.StandNeutral();
+        if (!speech_) {
+            Rest(); // silent again before it got there
+            return;
+        }
+        if (body_.HasMouths())
+            return;
+        if (const Animation* speaking = PickAnimation(shared_.stage, StateAnimations(*file_, "Speaking"))) {
+            unsettled_ = true;
+            body_.Play(*speaking, nullptr);
+        }
+    });
+}
+
+/// The running request has come to its end.
+void Character::End(RequestStatus status)
+{
+    const RequestPtr request = std::move(current_);
+    current_.reset();
+    // A Speak that ended without the voice gives it back for others.
+    if (request->kind == RequestKind::Speak)
+        shared_.turn.GiveBack(this);
+    aloneSince_ = shared_.stage.Now();
+    Conclude(request, status);
+    Wake();
+}
+
+/// Takes leave of a request that is in the queue no more.
+void Character::Conclude(const RequestPtr& request, RequestStatus status)
+{
+    request->status = status;
+    if (!request->byUser)
+        shared_.Raise(&AgentControl::RequestComplete, AgentRequestPtr(request));
+}
+
+void Character::Interrupt()
+{
+    if (current_->kind == RequestKind::Speak) {
+        EndSpeech();
+        shared_.voice.Stop();
+        balloon_.Hide();
+    } else {
+        body_.Forget();
+        unsettled_ = true;
+        if (current_->kind == RequestKind::Show)
+            shared_.Raise(&AgentControl::Shown, name_, VisibilityCause::ProgramShowed);
+    }
+    End(RequestStatus::Interrupted);
+}
+
+} // namespace voxmate::agent

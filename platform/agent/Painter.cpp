@@ -1,0 +1,89 @@
+#include "platform/agent/Painter.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
+{
+    const auto overlay = std::find_if(frame.overlays.begin(), frame.overlays.end(),
+                                      [&](const Overlay& candidate) { return candidate.mouth == mouth; });
+    const std::size_t front = overlay != frame.overlays.end() && overlay->replaceFront ? 1 : 0;
+    Key key;
+    key.reserve(frame.images.size() * 3 + 5);
+    for (std::size_t i = front; i < frame.images.size(); ++i) {
+        const FrameImage& image = frame.images[i];
+        key.push_back(static_cast<std::int32_t>(image.image));
+        key.push_back(image.x);
+        key.push_back(image.y);
+    }
+    if (overlay != frame.overlays.end()) {
+        // An overlay's key ends with a number no image's vertical position has, so that the two cannot be mistaken.
+        constexpr std::int32_t overlayMark = 1 << 20;
+        key.insert(key.end(), {overlay->image, overlay->x, overlay->y, overlayMark});
+    }
+    return key;
+}
+
+const Bitmap* Painter::Compose(const Frame& frame, int mouth, const Key& key)
+{
+    const auto known = index_.find(key);
+    if (known != index_.end()) {
+        pictures_.splice(pictures_.begin(), pictures_, known->second);
+        return &pictures_.front().bitmap;
+    }
+    try {
+        pictures_.push_front({key, ComposeFrame(file_, frame, mouth)});
+    } catch (const AcsError&) {
+        return nullptr;
+    }
+    index_[key] = pictures_.begin();
+    used_ += pictures_.front().bitmap.pixels.size() * sizeof(std::uint32_t);
+    while (used_ > MemoryBound && pictures_.size() > 1) {
+        used_ -= pictures_.back().bitmap.pixels.size() * sizeof(std::uint32_t);
+        index_.erase(pictures_.back().key);
+        pictures_.pop_back();
+    }
+    return &pictures_.front().bitmap;
+}
+
+void Painter::Show(const Frame& frame, int mouth, Size size)
+{
+    Key key = KeyOf(frame, mouth);
+    if (anyShown_ && key == shown_ && size == shownSize_)
+        return;
+    const Bitmap* bitmap = Compose(frame, mouth, key);
+    if (!bitmap)
+        return;
+    window_.SetFrame(*bitmap, size);
+    shown_ = std::move(key);
+    shownSize_ = size;
+    anyShown_ = true;
+}
+
+Rect Painter::Outline(const Frame& frame)
+{
+    const Bitmap* bitmap = Compose(frame, -1, KeyOf(frame, -1));
+    if (!bitmap)
+        return {};
+    int left = bitmap->width;
+    int top = bitmap->height;
+    int right = 0;
+    int bottom = 0;
+    const std::uint32_t* pixel = bitmap->pixels.data();
+    for (int y = 0; y < bitmap->height; ++y)
+        for (int x = 0; x < bitmap->width; ++x)
+            if (*pixel++ >> 24) {
+                left = std::min(left, x);
+                right = std::max(right, x + 1);
+                top = std::min(top, y);
+                bottom = y + 1;
+            }
+    if (right <= left)
+        return {};
+    return {left, top, right - left, bottom - top};
+}
+
+} // namespace voxmate::agent

@@ -1,0 +1,54 @@
+// Draws frames into the character's window: only when the picture changes, and composing each picture once while it is
+// remembered.
+#pragma once
+
+#include "platform/agent/Stage.h"
+
+#include <compare>
+#include <cstddef>
+#include <list>
+#include <map>
+#include <vector>
+
+namespace voxmate::agent
+{
+
+class Painter
+{
+public:
+    /// Both references outlive the painter.
+    Painter(const AcsFile& file, CharacterWindow& window) : file_(file), window_(window) {}
+
+    /// Shows a frame with one of its mouths; negative, or a mouth the frame does not have: without. A frame whose
+    /// images cannot be decoded leaves the picture as it was.
+    void Show(const Frame& frame, int mouth, Size size);
+
+    /// The rectangle that holds all that is drawn of a frame, in the character's own pixels; empty when nothing is.
+    Rect Outline(const Frame& frame);
+
+    /// Bytes of composed pictures that are remembered, besides the one on show: some 60 frames of 180 by 180 pixels.
+    static constexpr std::size_t MemoryBound = 8u << 20;
+    std::size_t MemoryUsed() const { return used_; }
+
+private:
+    /// What a picture is made of: two frames of the same images are the same picture.
+    using Key = std::vector<std::int32_t>;
+    struct Picture {
+        Key key;
+        Bitmap bitmap;
+    };
+
+    static Key KeyOf(const Frame& frame, int mouth);
+    const Bitmap* Compose(const Frame& frame, int mouth, const Key& key);
+
+    const AcsFile& file_;
+    CharacterWindow& window_;
+    Key shown_;
+    Size shownSize_;
+    bool anyShown_ = false;
+    std::list<Picture> pictures_; ///< the last used in front
+    std::map<Key, std::list<Picture>::iterator> index_;
+    std::size_t used_ = 0; ///< bytes
+};
+
+} // namespace voxmate::agent

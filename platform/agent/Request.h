@@ -1,0 +1,49 @@
+// One entry of a character's request queue.
+#pragma once
+
+#include "platform/Agent.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace voxmate::agent
+{
+
+enum class RequestKind { Show, Hide, Play, Speak };
+
+class Request : public AgentRequest
+{
+public:
+    explicit Request(RequestKind requestKind) : kind(requestKind) {}
+    RequestStatus Status() const override { return status; }
+
+    const RequestKind kind;
+    RequestStatus status = RequestStatus::Pending;
+    bool fast = false;     ///< Show, Hide: without an animation
+    bool byUser = false;   ///< Hide: from the menu; no request of the program, so no request events
+    std::string animation; ///< Play
+    std::string text;      ///< Speak
+    std::string url;       ///< Speak: a wave file to be played instead, or empty
+};
+using RequestPtr = std::shared_ptr<Request>;
+
+/// Which kinds StopAll is to stop.
+struct StopTypes {
+    bool play = false;
+    bool speak = false;
+    bool visibility = false;
+
+    bool Includes(RequestKind kind) const
+    {
+        if (kind == RequestKind::Play)
+            return play;
+        return kind == RequestKind::Speak ? speak : visibility;
+    }
+};
+
+/// Reads a comma-separated list of "Move", "Play", "Speak", "Visibility" and "Get", without regard to case and blanks;
+/// an empty list means all. No request of the types Move and Get exists here; unknown words mean nothing.
+StopTypes ParseStopTypes(std::string_view types);
+
+} // namespace voxmate::agent

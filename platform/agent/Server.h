@@ -1,0 +1,53 @@
+// The character server: loads characters and carries their requests and events.
+#pragma once
+
+#include "platform/Agent.h"
+#include "platform/agent/Character.h"
+#include "platform/agent/EventQueue.h"
+#include "platform/agent/Stage.h"
+#include "platform/agent/VoiceTurn.h"
+#include "platform/speech/VoiceOutput.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace voxmate::agent
+{
+
+class Server : public AgentControl
+{
+public:
+    /// Where a character comes from; raises AcsError when it cannot be read.
+    using Reader = std::function<std::shared_ptr<const AcsFile>(const std::string& path)>;
+
+    /// Stage and voice outlive the server; all calls and events belong to the user-interface thread.
+    Server(Stage& stage, speech::VoiceOutput& voice, Reader reader = AcsFile::Open);
+    ~Server() override;
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    /// Raises run-time error 321 when the file cannot be used as a character (the description says why and names it),
+    /// and 457 when a character of that name is loaded already. Names are told apart by case, as files are.
+    void Load(const std::string& name, const std::string& path) override;
+    /// Ends all that the character does: its requests are interrupted, each with its completion event, and it goes from
+    /// the screen at once. Does nothing when there is no such character.
+    void Unload(const std::string& name) override;
+    /// Raises run-time error 9 when there is no such character.
+    AgentCharacter& Characters(const std::string& name) override;
+    AudioStatus AudioOutputStatus() override;
+    /// On at first; concerns the sounds of frames, not the voice.
+    void SetSoundEffectsOn(bool on) override;
+
+private:
+    Stage& stage_;
+    speech::VoiceOutput& voice_;
+    Reader reader_;
+    EventQueue events_;
+    VoiceTurn turn_;
+    bool soundEffectsOn_ = true;
+    std::map<std::string, std::unique_ptr<Character>> characters_;
+};
+
+} // namespace voxmate::agent

@@ -1,0 +1,418 @@
+#include "platform/qt/ControlPeers.h"
+
+#include "platform/qt/QtText.h"
+#include "platform/qt/Widgets.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSignalBlocker>
+#include <QStatusBar>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// Text for a tool tip: plain, even where it looks like markup.
+QString PlainToolTip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+}
+
+/// What all widgets have in common. `C` is the control, `W` its widget, which the form's window owns: it outlives the
+/// peer when the form goes in the middle of one of the widget's own events.
+template <class C, class W>
+class Common : public WidgetPeer
+{
+public:
+    Common(C& control, W* widget) : control_(control), widget_(widget)
+    {
+        control_.SetPeer(this);
+        widget_->setObjectName(ToQt(control_.Name));
+        UpdateCommon(Property::Enabled);
+        UpdateCommon(Property::Visible);
+        UpdateCommon(Property::ToolTipText);
+        UpdateAccessibleName();
+    }
+
+    QWidget* Widget() const override { return widget_; }
+
+    void Update(Property property) override { UpdateCommon(property); }
+
+protected:
+    void UpdateCommon(Property property)
+    {
+        switch (property) {
+        case Property::Enabled:
+            widget_->setEnabled(control_.Enabled);
+            break;
+        case Property::Visible:
+            widget_->setVisible(control_.Visible);
+            break;
+        case Property::ToolTipText:
+            widget_->setToolTip(PlainToolTip(ToQt(control_.ToolTipText)));
+            UpdateAccessibleName();
+            break;
+        case Property::Caption:
+            UpdateAccessibleName();
+            break;
+        default:
+            break;
+        }
+    }
+
+    C& control_;
+    W* widget_;
+    /// Receiver of the widget's signals: they end with the peer.
+    QObject context_;
+
+private:
+    void UpdateAccessibleName()
+    {
+        QString name = ToQt(control_.AccessibleName);
+        if constexpr (requires { control_.Caption; }) {
+            if (!control_.Caption.get().empty())
+                name = WithoutAccessKey(ToQt(control_.Caption));
+        }
+        if (name.isEmpty())
+            name = ToQt(control_.ToolTipText);
+        widget_->setAccessibleName(name);
+    }
+};
+
+class LabelPeer : public Common<Label, QLabel>
+{
+public:
+    LabelPeer(Label& label, QWidget* parent) : Common(label, new QLabel(parent))
+    {
+        widget_->setTextFormat(Qt::PlainText);
+        widget_->setTextInteractionFlags(Qt::NoTextInteraction);
+        if (control_.Heading) {
+            QFont font = widget_->font();
+            font.setPointSizeF(font.pointSizeF() * 2.2);
+            font.setWeight(QFont::DemiBold);
+            widget_->setFont(font);
+            widget_->setForegroundRole(QPalette::Text);
+        }
+        Update(Property::Caption);
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Caption)
+            return;
+        widget_->setText(ToQt(control_.Caption));
+        // A label that tells a changing value keeps the room it once needed, so that nothing beside it moves.
+        if (!widget_->wordWrap())
+            widget_->setMinimumWidth(std::max(widget_->minimumWidth(), widget_->sizeHint().width()));
+    }
+};
+
+class ButtonPeer : public Common<CommandButton, Button>
+{
+public:
+    ButtonPeer(CommandButton& button, const IconSet& icons, QWidget* parent)
+        : Common(button, new Button(icons, ToQt(button.Picture), parent))
+    {
+        Update(Property::Caption);
+        widget_->setDefault(control_.IsDefault);
+        QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });
+        widget_->OnMouseUp = [this](int button) { control_.UserMouseUp(button); };
+    }
+    ~ButtonPeer() override { widget_->OnMouseUp = nullptr; }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Caption)
+            return;
+        if (control_.Picture.empty())
+            widget_->setText(ToQt(control_.Caption));
+        else
+            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.Caption)));
+    }
+};
+
+class CheckBoxPeer : public Common<CheckBox, QCheckBox>
+{
+public:
+    CheckBoxPeer(CheckBox& box, QWidget* parent) : Common(box, new QCheckBox(parent))
+    {
+        Update(Property::Caption);
+        Update(Property::Value);
+        QObject::connect(widget_, &QCheckBox::clicked, &context_,
+                         [this](bool checked) { control_.UserClick(checked); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Caption)
+            widget_->setText(ToQt(control_.Caption));
+        else if (property == Property::Value)
+            widget_->setChecked(control_.Value != 0);
+    }
+};
+
+/// A combo box that the wheel changes only while it has the keyboard, so that scrolling past it chooses nothing.
+class QuietComboBox : public QComboBox
+{
+public:
+    using QComboBox::QComboBox;
+
+protected:
+    void wheelEvent(QWheelEvent* event) override
+    {
+        if (hasFocus())
+            QComboBox::wheelEvent(event);
+        else
+            event->ignore();
+    }
+};
+
+class ComboBoxPeer : public Common<ComboBox, QComboBox>
+{
+public:
+    ComboBoxPeer(ComboBox& box, QWidget* parent) : Common(box, new QuietComboBox(parent))
+    {
+        widget_->setFocusPolicy(Qt::StrongFocus);
+        // Long names are cut in the field and whole in the list.
+        widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        widget_->setMinimumContentsLength(16);
+        widget_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        Update(Property::Items);
+        QObject::connect(widget_, &QComboBox::activated, &context_, [this](int index) { control_.UserSelect(index); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Items && property != Property::ListIndex)
+            return;
+        const QSignalBlocker quiet(widget_);
+        const std::vector<std::string>& items = control_.Items();
+        if (property == Property::Items) {
+            // A list grows by one at its end or is emptied.
+            if (items.size() < static_cast<std::size_t>(widget_->count()))
+                widget_->clear();
+            for (auto i = static_cast<std::size_t>(widget_->count()); i < items.size(); ++i)
+                widget_->addItem(ToQt(items[i]));
+        }
+        widget_->setCurrentIndex(control_.ListIndex);
+    }
+};
+
+class ScrollBarPeer : public Common<HScrollBar, ValueBar>
+{
+public:
+    ScrollBarPeer(HScrollBar& bar, QWidget* parent) : Common(bar, new ValueBar(parent))
+    {
+        widget_->setRange(control_.Min, control_.Max);
+        widget_->setSingleStep(control_.SmallChange);
+        widget_->setPageStep(control_.LargeChange);
+        Update(Property::Value);
+        QObject::connect(widget_, &ValueBar::valueChanged, &context_,
+                         [this](int value) { control_.UserScroll(value); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Value) {
+            const QSignalBlocker quiet(widget_);
+            widget_->setValue(control_.Value);
+        }
+    }
+};
+
+class LineEditPeer : public Common<TextBox, QLineEdit>
+{
+public:
+    LineEditPeer(TextBox& box, QWidget* parent) : Common(box, new QLineEdit(parent))
+    {
+        widget_->setPlaceholderText(ToQt(control_.PlaceholderText));
+        Update(Property::Text);
+        QObject::connect(widget_, &QLineEdit::textEdited, &context_,
+                         [this](const QString& text) { control_.UserEdit(FromQt(text)); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Text)
+            widget_->setText(ToQt(control_.Text));
+    }
+};
+
+/// A text field of several lines that asks for no more room than a few of them; the form's arrangement gives it more.
+class MultiLineEdit : public QPlainTextEdit
+{
+public:
+    using QPlainTextEdit::QPlainTextEdit;
+    QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
+class TextEditPeer : public Common<TextBox, QPlainTextEdit>
+{
+public:
+    TextEditPeer(TextBox& box, QWidget* parent) : Common(box, new MultiLineEdit(parent))
+    {
+        widget_->setTabChangesFocus(true);
+        widget_->setPlaceholderText(ToQt(control_.PlaceholderText));
+        Update(Property::Text);
+        QObject::connect(widget_, &QPlainTextEdit::textChanged, &context_,
+                         [this] { control_.UserEdit(FromQt(widget_->toPlainText())); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Text) {
+            const QSignalBlocker quiet(widget_);
+            widget_->setPlainText(ToQt(control_.Text));
+        }
+    }
+};
+
+class FramePeer : public Common<Frame, GroupFrame>
+{
+public:
+    FramePeer(Frame& frame, QWidget* parent) : Common(frame, new GroupFrame(parent)) { Update(Property::Caption); }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Caption)
+            widget_->setTitle(ToQt(control_.Caption));
+    }
+};
+
+class ImagePeer : public Common<Image, Picture>
+{
+public:
+    ImagePeer(Image& image, const IconSet& icons, QWidget* parent)
+        : Common(image, new Picture(icons, ToQt(image.Picture), image.SizePx, parent))
+    {
+    }
+};
+
+class StatusBarPeer : public Common<StatusBar, QStatusBar>
+{
+public:
+    StatusBarPeer(StatusBar& bar, QWidget* parent) : Common(bar, new QStatusBar(parent))
+    {
+        int number = 0;
+        for (const StatusBar::Panel& panel : control_.Panels()) {
+            auto* label = new StatusPanel(panel.minChars, widget_);
+            label->setObjectName(ToQt(control_.Name) + QString::number(++number));
+            label->setAccessibleDescription(ToQt(panel.accessibleName));
+            label->setAlignment((panel.minChars > 0 ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
+            // Permanent: a menu's passing help text must not cover the panels.
+            widget_->addPermanentWidget(label, panel.minChars > 0 ? 0 : 1);
+            panels_.push_back(label);
+        }
+        Update(Property::Panels);
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Panels)
+            return;
+        for (std::size_t i = 0; i < panels_.size(); ++i) {
+            const StatusBar::Panel& panel = control_.Panels()[i];
+            const QString text = ToQt(panel.text);
+            if (panels_[i]->text() == text && !text.isEmpty())
+                continue;
+            panels_[i]->setText(text);
+            // What a screen reader says is the text; an empty panel says at least what it is for.
+            panels_[i]->setAccessibleName(text.isEmpty() ? ToQt(panel.accessibleName) : text);
+        }
+    }
+
+private:
+    std::vector<StatusPanel*> panels_;
+};
+
+class TimerPeer : public Peer
+{
+public:
+    explicit TimerPeer(Timer& timer) : control_(timer), clock_(new QTimer)
+    {
+        control_.SetPeer(this);
+        clock_->setTimerType(Qt::PreciseTimer);
+        QObject::connect(clock_, &QTimer::timeout, clock_, [this] { control_.Fire(); });
+        Start();
+    }
+    ~TimerPeer() override
+    {
+        // Maybe within its own tick.
+        clock_->stop();
+        clock_->disconnect();
+        clock_->deleteLater();
+    }
+
+    void Update(Property property) override
+    {
+        if (property == Property::Enabled || property == Property::Interval)
+            Start();
+    }
+
+private:
+    void Start()
+    {
+        // The system's own granularity; a timer without an interval does not tick.
+        constexpr int LeastInterval = 10;
+        if (control_.Enabled && control_.Interval > 0)
+            clock_->start(std::max(control_.Interval.get(), LeastInterval));
+        else
+            clock_->stop();
+    }
+
+    Timer& control_;
+    QTimer* clock_;
+};
+
+} // namespace
+
+std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent)
+{
+    if (auto* label = dynamic_cast<Label*>(&control))
+        return std::make_unique<LabelPeer>(*label, parent);
+    if (auto* button = dynamic_cast<CommandButton*>(&control))
+        return std::make_unique<ButtonPeer>(*button, icons, parent);
+    if (auto* box = dynamic_cast<CheckBox*>(&control))
+        return std::make_unique<CheckBoxPeer>(*box, parent);
+    if (auto* box = dynamic_cast<ComboBox*>(&control))
+        return std::make_unique<ComboBoxPeer>(*box, parent);
+    if (auto* bar = dynamic_cast<HScrollBar*>(&control))
+        return std::make_unique<ScrollBarPeer>(*bar, parent);
+    if (auto* box = dynamic_cast<TextBox*>(&control)) {
+        if (box->MultiLine)
+            return std::make_unique<TextEditPeer>(*box, parent);
+        return std::make_unique<LineEditPeer>(*box, parent);
+    }
+    if (auto* frame = dynamic_cast<Frame*>(&control))
+        return std::make_unique<FramePeer>(*frame, parent);
+    if (auto* image = dynamic_cast<Image*>(&control))
+        return std::make_unique<ImagePeer>(*image, icons, parent);
+    if (auto* bar = dynamic_cast<StatusBar*>(&control))
+        return std::make_unique<StatusBarPeer>(*bar, parent);
+    return nullptr;
+}
+
+std::unique_ptr<Peer> CreateTimerPeer(Timer& timer)
+{
+    return std::make_unique<TimerPeer>(timer);
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,56 @@
+// The toolkit's side of a form's controls: a widget, a timer or a menu for each.
+#pragma once
+
+#include "platform/controls/Control.h"
+#include "platform/qt/IconSet.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+namespace voxmate::qt
+{
+
+/// A peer that is a widget. It registers itself with its control; the form takes it off.
+class WidgetPeer : public Peer
+{
+public:
+    virtual QWidget* Widget() const = 0;
+    void SetFocus() override { Widget()->setFocus(Qt::OtherFocusReason); }
+};
+
+/// Makes the widget of a control, as a child of `parent`, and connects the two; nullptr for a control that is none
+/// (a timer, a menu).
+std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent);
+
+/// Makes the clock of a timer and starts it if it is enabled.
+std::unique_ptr<Peer> CreateTimerPeer(Timer& timer);
+
+/// A menu or a menu item, with all that is below it.
+class MenuPeer : public Peer
+{
+public:
+    /// `parent` owns the menu's window and lives as long as the form's.
+    MenuPeer(Menu& menu, QWidget* parent);
+    ~MenuPeer() override;
+
+    void Update(Property property) override;
+    QAction* Action() const { return action_; }
+    /// The menu itself; nullptr for an item without items of its own.
+    QMenu* Submenu() const { return submenu_; }
+
+private:
+    void UpdateItems();
+
+    Menu& menu_;
+    QWidget* parent_;
+    QPointer<QMenu> submenu_;
+    QPointer<QAction> action_;
+    std::vector<std::unique_ptr<MenuPeer>> items_;
+};
+
+} // namespace voxmate::qt

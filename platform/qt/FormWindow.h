@@ -1,0 +1,55 @@
+// The windows that forms become: an ordinary one with menu bar and status bar, and the splash.
+#pragma once
+
+#include "platform/controls/Form.h"
+
+#include <QMainWindow>
+
+#include <functional>
+
+namespace voxmate::qt
+{
+
+/// Moves a window that knows its size to the middle of `over`, or of the primary screen where that is not to be seen,
+/// and wholly onto the screen.
+void Centre(QWidget& window, const QWidget* over);
+
+/// An ordinary window. The user's wish to close it goes to `OnClose`; it never closes by itself.
+class FormWindow : public QMainWindow
+{
+public:
+    explicit FormWindow(BorderStyle border);
+
+    std::function<void()> OnClose;
+    /// Enter was pressed where nothing else takes it.
+    std::function<void()> OnEnter;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+/// A card without a frame, above all other windows. Its corners are translucent with a compositor, else cut out.
+class SplashWindow : public QWidget
+{
+public:
+    SplashWindow();
+
+    /// Room between the card's edge and the window's.
+    static constexpr int ShadowMargin = 14;
+
+    /// Whether a splash is on the screen.
+    static bool AnyShown();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void UpdateShape();
+    QRectF Card() const;
+};
+
+} // namespace voxmate::qt

@@ -1,0 +1,70 @@
+#include "platform/qt/QtApplication.h"
+
+#include "platform/WindowSystem.h"
+#include "platform/qt/MessageBox.h"
+
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
+/// X11 first, Wayland where the X server does not answer.
+constexpr const char* PreferX11 = "xcb;wayland";
+
+int& PreparePlatform(int& argc)
+{
+    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && qEnvironmentVariableIsSet("DISPLAY") &&
+        !qEnvironmentVariableIsSet(PlatformVariable))
+        qputenv(PlatformVariable, PreferX11);
+    return argc;
+}
+
+} // namespace
+
+QtApplication::QtApplication(int& argc, char** argv)
+    : QApplication((PreparePlatform(argc)), argv), EndProgram([] { std::_Exit(EXIT_FAILURE); })
+{
+    // The choice is this program's alone, not that of programs it starts.
+    if (qgetenv(PlatformVariable) == PreferX11)
+        qunsetenv(PlatformVariable);
+    setApplicationName(QStringLiteral("Voxmate"));
+    setDesktopFileName(QStringLiteral("voxmate"));
+    // Hidden in the tray the program goes on; it ends by its own exit.
+    setQuitOnLastWindowClosed(false);
+}
+
+bool QtApplication::notify(QObject* receiver, QEvent* event)
+{
+    // The classic Basic run-time's numbers for what is not an error of the program's own making.
+    constexpr std::int32_t OutOfMemory = 7;
+    constexpr std::int32_t InternalError = 51;
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const RuntimeError& error) {
+        Report(error);
+    } catch (const std::bad_alloc&) {
+        Report({OutOfMemory, "Out of memory"});
+    } catch (const std::exception& error) {
+        Report({InternalError, error.what()});
+    }
+    return true;
+}
+
+void QtApplication::Report(const RuntimeError& error)
+{
+    // While the box is up timers go on and may fail, too: the first error is the one to tell.
+    if (std::exchange(reporting_, true))
+        return;
+    ShowMessageBox(activeWindow(), nullptr,
+                   "Run-time error '" + std::to_string(error.Number) + "':\n\n" + error.Description, vbCritical,
+                   "Voxmate");
+    EndProgram();
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,33 @@
+// The application object: the event loop's last resort for errors, and what Qt must know before it starts.
+#pragma once
+
+#include "base/RuntimeError.h"
+
+#include <QApplication>
+
+#include <functional>
+
+namespace voxmate::qt
+{
+
+class QtApplication : public QApplication
+{
+public:
+    /// Prefers X11 where a Wayland session offers both, because only there a program can say where its windows stand:
+    /// the character moves by itself.
+    QtApplication(int& argc, char** argv);
+
+    /// Ends the program after an error that nobody caught has been shown. By default the process ends with status 1.
+    std::function<void()> EndProgram;
+
+    /// Catches what an event handler throws and reports it.
+    bool notify(QObject* receiver, QEvent* event) override;
+
+    /// Shows "Run-time error 'N':", an empty line and the description, then ends the program.
+    void Report(const RuntimeError& error);
+
+private:
+    bool reporting_ = false;
+};
+
+} // namespace voxmate::qt

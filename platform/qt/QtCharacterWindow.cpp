@@ -1,0 +1,44 @@
+#include "platform/qt/QtCharacterWindow.h"
+
+namespace voxmate::qt
+{
+
+QtCharacterWindow::QtCharacterWindow()
+{
+    window_->Draw = [this](qreal ratio) { return Draw(ratio); };
+    window_->OnMouse = [this](const agent::MouseEvent& event) {
+        if (const auto mouse = Mouse)
+            mouse(event);
+    };
+}
+
+void QtCharacterWindow::SetFrame(const Bitmap& frame, Size size)
+{
+    const QSize newSize(size.width, size.height);
+    if (frame == frame_ && newSize == window_->size())
+        return;
+    frame_ = frame;
+    if (newSize != window_->size())
+        window_->setFixedSize(newSize);
+    window_->Refresh();
+}
+
+void QtCharacterWindow::MoveTo(Point topLeft)
+{
+    window_->move(topLeft.x, topLeft.y);
+}
+
+QImage QtCharacterWindow::Draw(qreal ratio) const
+{
+    if (frame_.width <= 0 || frame_.height <= 0)
+        return {};
+    const QImage source(reinterpret_cast<const uchar*>(frame_.pixels.data()), frame_.width, frame_.height,
+                        frame_.width * static_cast<int>(sizeof(std::uint32_t)), QImage::Format_ARGB32);
+    const QImage premultiplied = source.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QSize pixels = (QSizeF(window_->size()) * ratio).toSize();
+    if (pixels == premultiplied.size())
+        return premultiplied;
+    return premultiplied.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,38 @@
+// The window system on a Qt desktop.
+#pragma once
+
+#include "platform/WindowSystem.h"
+#include "platform/qt/IconSet.h"
+#include "platform/qt/QtTray.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <string>
+
+namespace voxmate::qt
+{
+
+class QtWindowSystem : public WindowSystem
+{
+public:
+    /// `shareDirectory` is the folder of the shared data, which holds icons/.
+    explicit QtWindowSystem(const std::string& shareDirectory);
+
+    std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
+    int MsgBox(const std::string& text, int style, const std::string& title) override;
+    void DoEvents() override;
+    void ClipboardClear() override;
+    void ClipboardSetText(const std::string& text) override;
+    bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override;
+    std::uint32_t WindowHandle(PictureBox& box) override { return tray_.HandleOf(box); }
+    std::uint32_t PictureHandle(PictureBox& box) override { return tray_.HandleOf(box); }
+    double TwipsPerPixelX() override { return TwipsPerPixel(); }
+
+private:
+    IconSet icons_;
+    QtTray tray_{icons_};
+    QPointer<QWidget> main_; ///< the main window: the form with a menu bar
+};
+
+} // namespace voxmate::qt

@@ -1,0 +1,188 @@
+#include "platform/qt/ShapedWindow.h"
+
+#include "platform/qt/X11.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <vector>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// Pixels at least half opaque take the mouse and, without a compositor, are drawn.
+constexpr int AlphaThreshold = 128;
+
+/// Makes what the cut-out shows fully opaque, lest the smooth edges come out black.
+void MakeOpaque(QImage& image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            pixels[x] = qAlpha(pixels[x]) < AlphaThreshold ? 0 : qUnpremultiply(pixels[x]) | 0xFF000000;
+    }
+}
+
+} // namespace
+
+QRegion ShapeOf(const QImage& image)
+{
+    std::vector<QRect> rects;
+    std::size_t band = 0; // first rectangle of the row above
+    std::vector<QRect> row;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* pixels = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        row.clear();
+        for (int x = 0; x < image.width();) {
+            if (qAlpha(pixels[x]) < AlphaThreshold) {
+                ++x;
+                continue;
+            }
+            const int from = x;
+            while (x < image.width() && qAlpha(pixels[x]) >= AlphaThreshold)
+                ++x;
+            row.emplace_back(from, y, x - from, 1);
+        }
+        bool sameAsAbove = !row.empty() && row.size() == rects.size() - band && rects[band].bottom() == y - 1;
+        for (std::size_t i = 0; sameAsAbove && i < row.size(); ++i)
+            sameAsAbove = rects[band + i].left() == row[i].left() && rects[band + i].right() == row[i].right();
+        if (sameAsAbove) {
+            for (std::size_t i = band; i < rects.size(); ++i)
+                rects[i].setBottom(y);
+        } else if (!row.empty()) {
+            band = rects.size();
+            rects.insert(rects.end(), row.begin(), row.end());
+        }
+    }
+    QRegion region;
+    region.setRects(rects.data(), static_cast<int>(rects.size()));
+    return region;
+}
+
+ShapedWindow::ShapedWindow(const QString& name)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
+                           Qt::NoDropShadowWindowHint)
+{
+    setObjectName(name);
+    setWindowTitle(name);
+    setAccessibleName(name);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setFocusPolicy(Qt::NoFocus);
+    connect(&Compositor::Instance(), &Compositor::Changed, this, [this] { Refresh(); });
+}
+
+void ShapedWindow::LiveBeside(QWindow* modal)
+{
+    // Qt lets the transient windows of a modal window live.
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (dynamic_cast<ShapedWindow*>(window) && window->windowHandle())
+            window->windowHandle()->setTransientParent(modal);
+    }
+}
+
+void ShapedWindow::Display(bool visible)
+{
+    if (visible == isVisible())
+        return;
+    if (!visible) {
+        hide();
+        return;
+    }
+    if (!created_) {
+        winId();
+        created_ = true;
+        MakeDesktopCompanion(*windowHandle());
+        // Another screen may have another pixel ratio.
+        connect(windowHandle(), &QWindow::screenChanged, this, [this] { Refresh(); });
+    }
+    const QWidget* modal = QApplication::activeModalWidget();
+    windowHandle()->setTransientParent(modal ? modal->windowHandle() : nullptr);
+    const QPoint place = pos();
+    Refresh();
+    show();
+    // A window manager may have placed the window itself.
+    move(place);
+}
+
+void ShapedWindow::Refresh()
+{
+    if (!created_ || !Draw)
+        return;
+    const qreal ratio = devicePixelRatioF();
+    image_ = Draw(ratio);
+    const bool cutOut = !Compositor::Instance().Running();
+    if (cutOut)
+        MakeOpaque(image_);
+    image_.setDevicePixelRatio(ratio);
+    QRegion shape = ShapeOf(image_);
+    if (shape != shape_ || cutOut != cutOut_) {
+        shape_ = std::move(shape);
+        SetInputShape(*windowHandle(), shape_);
+        if (cutOut)
+            SetBoundingShape(*windowHandle(), shape_);
+        else if (cutOut_)
+            ClearBoundingShape(*windowHandle());
+        cutOut_ = cutOut;
+    }
+    update();
+}
+
+void ShapedWindow::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    painter.setClipRegion(event->region());
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(0, 0, image_);
+}
+
+void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
+{
+    agent::MouseEvent told;
+    told.action = action;
+    if (action != agent::MouseAction::Move) {
+        told.button = event.button() == Qt::LeftButton ? 1 : event.button() == Qt::RightButton ? 2 : 0;
+        if (told.button == 0)
+            return;
+    }
+    const auto modifiers = event.modifiers();
+    told.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
+                 (modifiers & Qt::AltModifier ? 4 : 0);
+    const QPoint at = event.position().toPoint();
+    const QPoint screen = event.globalPosition().toPoint();
+    told.at = {at.x(), at.y()};
+    told.screen = {screen.x(), screen.y()};
+    // A copy: the owner may let the window go from within.
+    if (const auto tell = OnMouse)
+        tell(told);
+}
+
+void ShapedWindow::mousePressEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Press, *event);
+}
+void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Move, *event);
+}
+void ShapedWindow::mouseReleaseEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Release, *event);
+}
+void ShapedWindow::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::DoubleClick, *event);
+}
+
+// Only the program puts the character away.
+void ShapedWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,68 @@
+// A window without a frame that is exactly as large as what is drawn on it: the character, its balloon. It stays on
+// top, never takes the keyboard, and clicks on what is not drawn go to what lies beneath. With a compositor it is truly
+// translucent; without one its outline is cut out of the screen.
+#pragma once
+
+#include "platform/agent/Stage.h"
+
+#include <QImage>
+#include <QRegion>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace voxmate::qt
+{
+
+/// Where a premultiplied image is drawn: its pixels that are at least half opaque.
+QRegion ShapeOf(const QImage& image);
+
+class ShapedWindow : public QWidget
+{
+public:
+    explicit ShapedWindow(const QString& name);
+
+    /// Draws what the window shows: premultiplied, the window's size times `ratio`. A null image shows nothing.
+    std::function<QImage(qreal ratio)> Draw;
+    std::function<void(const agent::MouseEvent&)> OnMouse;
+
+    /// Lets these windows take the mouse beside the modal window `modal`: the character is nobody's dialog to block, it
+    /// may be moved aside or silenced while a message stands there. nullptr when the last modal window goes.
+    static void LiveBeside(QWindow* modal);
+
+    /// Shows or hides the window without activating it.
+    void Display(bool visible);
+    /// Draws anew and brings the window's shape in line. Does nothing before the window is first shown.
+    void Refresh();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Tell(agent::MouseAction action, const QMouseEvent& event);
+
+    QImage image_;
+    QRegion shape_;
+    bool created_ = false;
+    bool cutOut_ = false;
+};
+
+/// Destroys a window when that is safe: its owner may let it go in the middle of one of its own events.
+struct DestroyLater {
+    void operator()(ShapedWindow* window) const
+    {
+        window->hide();
+        window->Draw = nullptr;
+        window->OnMouse = nullptr;
+        window->deleteLater();
+    }
+};
+using ShapedWindowPtr = std::unique_ptr<ShapedWindow, DestroyLater>;
+
+} // namespace voxmate::qt

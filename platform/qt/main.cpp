@@ -1,0 +1,53 @@
+// The one place that knows which implementation is used: fills one Platform and starts the splash form.
+#include "forms/frmMain.h"
+#include "forms/frmSplash.h"
+#include "modules/Declarations.h"
+#include "platform/agent/Server.h"
+#include "platform/linux/FileSettingsStore.h"
+#include "platform/linux/Folders.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxProcess.h"
+#include "platform/qt/QtApplication.h"
+#include "platform/qt/QtAudioOutput.h"
+#include "platform/qt/QtStage.h"
+#include "platform/qt/QtWindowSystem.h"
+#include "platform/speech/VoiceCatalog.h"
+#include "platform/speech/VoicePlayer.h"
+
+#include <QLocale>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+using namespace voxmate;
+
+int main(int argc, char** argv)
+{
+    qt::QtApplication application(argc, argv);
+
+    const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
+    linux_platform::LinuxFileSystem files;
+    linux_platform::LinuxProcess process;
+    linux_platform::LinuxClock clock;
+    process.BeforeEnd = [&settings] { settings->Flush(); };
+    application.EndProgram = [&process] { process.EndProgram(); };
+
+    std::vector<std::unique_ptr<speech::Engine>> engines;
+    engines.push_back(speech::CreateEspeakEngine());
+    engines.push_back(speech::CreateFliteEngine());
+    speech::VoiceCatalog voices(std::move(engines), QLocale::system().bcp47Name().toStdString());
+
+    qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
+    qt::QtAudioOutput sound;
+    speech::VoicePlayer voice(voices, sound);
+    qt::QtStage stage(sound);
+    agent::Server server(stage, voice);
+
+    Platform platform{*settings, server, voices, windows, files, process, clock};
+    frmMain mainForm(platform);
+    frmSplash splash(platform);
+    BeginProgram(platform, mainForm);
+    splash.Show();
+    return application.exec();
+}

@@ -1,0 +1,309 @@
+// Files that lie: refused with one sentence that names the file, never a crash, never more than a moment or some
+// memory.
+#include "acs_samples.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+
+using namespace voxmate::agent;
+using namespace voxmate::agent::test;
+
+namespace
+{
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr const char* Start = "The character file \"lie.acs\" cannot be used: ";
+
+std::string ErrorOf(const Bytes& bytes)
+{
+    try {
+        AcsFile::Parse(bytes, "lie.acs");
+    } catch (const AcsError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+std::string ErrorOf(const std::function<void(AcsDescription&)>& lie)
+{
+    AcsDescription d = SmallCharacter();
+    lie(d);
+    return ErrorOf(WriteAcs(d));
+}
+
+std::string Says(const std::string& what)
+{
+    return Start + what + ".";
+}
+
+std::uint32_t Get32(const Bytes& bytes, std::size_t at)
+{
+    return bytes[at] | std::uint32_t{bytes[at + 1]} << 8 | std::uint32_t{bytes[at + 2]} << 16 |
+           std::uint32_t{bytes[at + 3]} << 24;
+}
+
+void Put(Bytes& bytes, std::size_t at, std::uint32_t value, std::size_t size)
+{
+    for (std::size_t i = 0; i < size && at + i < bytes.size(); ++i)
+        bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+// Reads a file and uses all of it; true when it was refused at any point.
+bool Refused(const Bytes& bytes)
+{
+    try {
+        const auto file = AcsFile::Parse(bytes, "lie.acs");
+        for (std::size_t i = 0; i < file->ImageCount(); ++i)
+            file->DecodeImage(i);
+        for (std::size_t i = 0; i < file->SoundCount(); ++i)
+            file->Sound(i);
+        // A frame of many megapixels is lawful, but drawing hundreds of them proves nothing more.
+        const bool large = std::size_t{file->width} * file->height > 100000;
+        for (const Animation& animation : file->animations)
+            for (const Frame& frame : animation.frames)
+                for (int mouth = -1; mouth < (large ? 0 : MouthCount); ++mouth)
+                    ComposeFrame(*file, frame, mouth);
+    } catch (const AcsError& error) {
+        EXPECT_EQ(std::string(error.what()).rfind(Start, 0), 0u) << error.what();
+        EXPECT_EQ(std::string(error.what()).back(), '.');
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(AcsLies, AFileCutOffAnywhereIsRefused)
+{
+    const Bytes whole = WriteAcs(SmallCharacter());
+    ASSERT_FALSE(Refused(whole));
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_NE(ErrorOf(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))), "no error") << size;
+}
+
+TEST(AcsLies, AnyFieldAtAnyExtremeIsRefusedOrHarmless)
+{
+    const Bytes whole = WriteAcs(SmallCharacter());
+    const auto size = static_cast<std::uint32_t>(whole.size());
+    const auto start = std::chrono::steady_clock::now();
+    int refused = 0;
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        for (const std::uint32_t value : {0u, 1u, 0x7Fu, 0x80u, 0xFFu, 0x7FFFu, 0x8000u, 0xFFFFu, size - 1, size,
+                                          size + 1, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu})
+            for (const std::size_t width : {1u, 2u, 4u}) {
+                Bytes bytes = whole;
+                Put(bytes, at, value, width);
+                refused += Refused(bytes) ? 1 : 0;
+            }
+    }
+    EXPECT_GT(refused, 1000);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+}
+
+TEST(AcsLies, AnEmptyOrAnotherFileIsRefused)
+{
+    EXPECT_EQ(ErrorOf(Bytes{}), Says("it is too short for a character file"));
+    EXPECT_EQ(ErrorOf(Bytes(35, 0)), Says("it is too short for a character file"));
+    EXPECT_EQ(ErrorOf(Bytes(36, 0)), Says("it is not a character file of version 2"));
+}
+
+TEST(AcsLies, AHeaderWithoutACharacterIsRefused)
+{
+    Bytes bytes = WriteAcs(SmallCharacter());
+    Put(bytes, 4, 0, 4);
+    Put(bytes, 8, 0, 4);
+    EXPECT_EQ(ErrorOf(bytes), Says("it describes no character"));
+}
+
+TEST(AcsLies, ALocatorOutsideTheFileIsRefused)
+{
+    const char* sections[] = {"the character's description", "the animation list", "the image list", "the sound list"};
+    for (std::size_t i = 0; i < 4; ++i) {
+        const Bytes whole = WriteAcs(SmallCharacter());
+        const auto size = static_cast<std::uint32_t>(whole.size());
+        const std::size_t at = 4 + 8 * i;
+        for (const auto& [offset, length] : std::initializer_list<std::pair<std::uint32_t, std::uint32_t>>{
+                 {size, 1},
+                 {size + 1, 0},
+                 {0xFFFFFFFF, 2},
+                 {1, 0xFFFFFFFF},
+                 {0xFFFFFFFF, 0xFFFFFFFF},
+                 {Get32(whole, at), size - Get32(whole, at) + 1}}) {
+            Bytes bytes = whole;
+            Put(bytes, at, offset, 4);
+            Put(bytes, at + 4, length, 4);
+            EXPECT_EQ(ErrorOf(bytes), Says(std::string(sections[i]) + " lies outside the file")) << offset << length;
+        }
+    }
+}
+
+TEST(AcsLies, ASectionShorterThanItsContentIsRefused)
+{
+    Bytes bytes = WriteAcs(SmallCharacter());
+    Put(bytes, 8, 20, 4);
+    EXPECT_EQ(ErrorOf(bytes), Says("the character's description is cut off"));
+}
+
+TEST(AcsLies, CountsLargerThanTheirListAreRefused)
+{
+    for (const auto& [locator, text] : std::initializer_list<std::pair<std::size_t, const char*>>{
+             {12, "the animation list claims 4294967295 animations, more than it holds"},
+             {20, "the image list claims 4294967295 images, more than it holds"},
+             {28, "the sound list claims 4294967295 sounds, more than it holds"}}) {
+        Bytes bytes = WriteAcs(SmallCharacter());
+        Put(bytes, Get32(bytes, locator), 0xFFFFFFFF, 4);
+        EXPECT_EQ(ErrorOf(bytes), Says(text));
+    }
+}
+
+TEST(AcsLies, ATextLongerThanItsSectionIsRefused)
+{
+    Bytes bytes = WriteAcs(SmallCharacter());
+    const std::size_t firstName = Get32(bytes, 12) + 4;
+    Put(bytes, firstName, 0xFFFFFFFF, 4);
+    EXPECT_EQ(ErrorOf(bytes), Says("the animation list holds a text of 4294967295 characters, longer than itself"));
+    Put(bytes, firstName, 0x80000000, 4);
+    EXPECT_EQ(ErrorOf(bytes), Says("the animation list holds a text of 2147483648 characters, longer than itself"));
+}
+
+TEST(AcsLies, FramesOfNoSizeOrTooLargeAreRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.width = 0; }),
+              Says("the character's description claims frames of 0 by 5 pixels"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.height = 0; }),
+              Says("the character's description claims frames of 6 by 0 pixels"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.width = d.height = 0xFFFF; }),
+              Says("the character's description claims frames of 65535 by 65535 pixels"));
+}
+
+TEST(AcsLies, APaletteOfMoreThan256ColoursIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.palette.resize(257); }),
+              Says("the character's description claims a palette of 257 colours, more than 256"));
+}
+
+TEST(AcsLies, AnImageThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].images[0].image = 4; }),
+              Says("the animation \"Wave\" shows image 4, which does not exist"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].images[0].image = 0xFFFFFFFF; }),
+              Says("the animation \"Wave\" shows image 4294967295, which does not exist"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].overlays[0].image = 0xFFFF; }),
+              Says("the animation \"Wave\" shows image 65535, which does not exist"));
+}
+
+TEST(AcsLies, ASoundThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].sound = 1; }),
+              Says("the animation \"Wave\" plays sound 1, which does not exist"));
+}
+
+TEST(AcsLies, AFrameThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].exitFrame = 2; }),
+              Says("frame 0 of the animation \"Wave\" exits to frame 2, which does not exist"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].branches[1].frame = 0xFFFF; }),
+              Says("frame 0 of the animation \"Wave\" branches to frame 65535, which does not exist"));
+}
+
+TEST(AcsLies, BranchesOfMoreThanAHundredPercentAreRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].branches[1].percent = 61; }),
+              Says("the animation \"Wave\" has a frame whose branches add up to 101 percent"));
+}
+
+TEST(AcsLies, AMouthThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].overlays[0].mouth = 7; }),
+              Says("the animation \"Wave\" has mouth 7, which does not exist"));
+}
+
+TEST(AcsLies, ATransitionThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].transition = static_cast<Transition>(3); }),
+              Says("the animation \"Wave\" has transition type 3, which does not exist"));
+}
+
+TEST(AcsLies, AnImageOfAnotherSizeThanItsBytesIsRefused)
+{
+    const Bytes whole = WriteAcs(SmallCharacter());
+    const std::size_t list = Get32(whole, 20);
+    const std::size_t stored = Get32(whole, list + 4 + 12); // 3 by 2 in rows of 4
+    Bytes bytes = whole;
+    ASSERT_EQ(bytes[stored + 5], 0);
+    Put(bytes, stored + 1, 5, 2);
+    EXPECT_EQ(ErrorOf(bytes), Says("image 1 claims 5 by 2 pixels, which is not what it holds"));
+    const std::size_t packed = Get32(whole, list + 4 + 3 * 12);
+    bytes = whole;
+    ASSERT_EQ(bytes[packed + 5], 1);
+    Put(bytes, packed + 1, 0xFFFFFFFF, 4);
+    EXPECT_EQ(ErrorOf(bytes), Says("image 3 claims 65535 by 65535 pixels, which is not what it holds"));
+    bytes = whole;
+    Put(bytes, packed + 3, 31, 2);
+    const auto file = AcsFile::Parse(bytes, "lie.acs");
+    try {
+        file->DecodeImage(3);
+        FAIL();
+    } catch (const AcsError& error) {
+        EXPECT_EQ(error.what(), Says("image 3 is damaged, its packed data is shorter than its size"));
+    }
+    try {
+        file->DecodeImage(4);
+        FAIL();
+    } catch (const AcsError& error) {
+        EXPECT_EQ(error.what(), Says("image 4 does not exist"));
+    }
+}
+
+TEST(AcsLies, AnImageOrARegionPastTheEndOfItsSectionIsRefused)
+{
+    const Bytes whole = WriteAcs(SmallCharacter());
+    const std::size_t image = Get32(whole, Get32(whole, 20) + 4 + 12); // 8 bytes, stored
+    for (const std::size_t field : {image + 6, image + 10 + 8, image + 14 + 8}) {
+        Bytes bytes = whole;
+        Put(bytes, field, 0xFFFFFFFF, 4);
+        EXPECT_EQ(ErrorOf(bytes), Says("image 1 is cut off")) << field;
+    }
+}
+
+TEST(AcsLies, APixelOutsideThePaletteIsRefusedWhenTheImageIsDecoded)
+{
+    AcsDescription d = SmallCharacter();
+    d.images[0].pixels[7] = 4;
+    const auto file = AcsFile::Parse(WriteAcs(d), "lie.acs");
+    try {
+        ComposeFrame(*file, file->animations[0].frames[0], -1);
+        FAIL();
+    } catch (const AcsError& error) {
+        EXPECT_EQ(error.what(), Says("image 0 shows colour 4, which does not exist"));
+    }
+}
+
+TEST(AcsLies, AFrameOfMoreImagesThanCanBeDrawnIsRefused)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) {
+                  d.images[0] = Filled(2000, 2000, 1);
+                  d.animations[0].frames[0].images.assign(5, {0, 0, 0});
+              }),
+              Says("the animation \"Wave\" has a frame of too many images to draw"));
+}
+
+TEST(AcsLies, AnimationsThatShareTheirBytesTooOftenAreRefusedQuickly)
+{
+    AcsDescription d = SmallCharacter();
+    d.animations.assign(20000, {"A", Transition::None, "", {}});
+    d.animations[0].frames.resize(60000);
+    Bytes bytes = WriteAcs(d);
+    const std::size_t list = Get32(bytes, 12) + 4;
+    const std::size_t entry = 4 + 4 + 8; // a name of one letter and its closing zero, and the locator
+    for (std::size_t i = 1; i < d.animations.size(); ++i) {
+        Put(bytes, list + i * entry + 8, Get32(bytes, list + 8), 4);
+        Put(bytes, list + i * entry + 12, Get32(bytes, list + 12), 4);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(ErrorOf(bytes), Says("its animations overlap one another too often"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}

@@ -1,0 +1,306 @@
+#include "platform/agent/Animator.h"
+
+#include "tests/fakes/FakeStage.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace voxmate::agent
+{
+namespace
+{
+
+/// A frame that is known by its first image's number.
+Frame Shows(std::uint32_t image, std::uint16_t duration, std::int16_t exitFrame = -1, std::vector<Branch> branches = {})
+{
+    Frame frame;
+    frame.images = {{image, 0, 0}};
+    frame.duration = duration;
+    frame.exitFrame = exitFrame;
+    frame.branches = std::move(branches);
+    return frame;
+}
+
+class AnimatorTest : public testing::Test
+{
+protected:
+    const Animation& Add(const std::string& name, Transition transition, std::vector<Frame> frames,
+                         const std::string& back = "")
+    {
+        file.animations.reserve(20);
+        file.animations.push_back({name, transition, back, std::move(frames)});
+        return file.animations.back();
+    }
+    void Play(const Animation& animation)
+    {
+        animator.Play(animation, [this] { log += "done@" + At(); });
+    }
+    void Leave(const Animation* next = nullptr)
+    {
+        animator.Leave(next, [this] { log += "left@" + At(); });
+    }
+    std::string At() const { return std::to_string(stage.now - 1000) + " "; }
+
+    AcsFile file;
+    fakes::FakeStage stage;
+    std::string log;
+    Animator animator{stage, file,
+                      [this](const Frame& frame) { log += std::to_string(frame.images[0].image) + "@" + At(); }};
+};
+
+TEST_F(AnimatorTest, ShowsEachFrameForItsTimeAndIsDoneAfterTheLast)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 5), Shows(3, 20)}));
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@100 3@150 done@350 ");
+    EXPECT_FALSE(animator.Moving());
+    EXPECT_EQ(animator.Shown()->images[0].image, 3u);
+    EXPECT_EQ(stage.Waiting(), 0u);
+}
+
+TEST_F(AnimatorTest, WakesUpOnlyWhenAFrameIsDue)
+{
+    Play(Add("A", Transition::None, {Shows(1, 300), Shows(2, 500)}));
+    stage.Run(20000);
+    EXPECT_EQ(stage.timersRun, 2);
+}
+
+TEST_F(AnimatorTest, AnAnimationWithoutFramesIsDoneAtOnce)
+{
+    Play(Add("A", Transition::None, {}));
+    EXPECT_EQ(log, "done@0 ");
+}
+
+TEST_F(AnimatorTest, TimesDoNotDriftWhenTimersComeLate)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10)}));
+    stage.Stall(107);
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@107 3@200 4@300 done@400 ");
+}
+
+TEST_F(AnimatorTest, AfterALongStandstillNothingIsHurried)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10)}));
+    stage.Stall(60000);
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@60000 3@60100 done@60200 ");
+}
+
+TEST_F(AnimatorTest, BranchesAreTakenByChanceAndWhatIsLeftOverGoesOn)
+{
+    const Animation& animation =
+        Add("A", Transition::None, {Shows(1, 10, -1, {{2, 30}, {3, 20}}), Shows(2, 10), Shows(3, 10), Shows(4, 10)});
+    const auto shownWith = [&](int chance) {
+        log.clear();
+        stage.random = [chance](int bound) {
+            EXPECT_EQ(bound, 100);
+            return chance;
+        };
+        Play(animation);
+        stage.Run(100);
+        return animator.Shown()->images[0].image;
+    };
+    EXPECT_EQ(shownWith(0), 3u);
+    EXPECT_EQ(shownWith(29), 3u);
+    EXPECT_EQ(shownWith(30), 4u);
+    EXPECT_EQ(shownWith(49), 4u);
+    EXPECT_EQ(shownWith(50), 2u);
+    EXPECT_EQ(shownWith(99), 2u);
+}
+
+TEST_F(AnimatorTest, NoChanceIsDrawnWhereThereIsNoBranch)
+{
+    stage.random = [](int) {
+        ADD_FAILURE();
+        return 0;
+    };
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10)}));
+    stage.Run(1000);
+}
+
+TEST_F(AnimatorTest, ALoopGoesOnForever)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{0, 100}})}));
+    stage.Run(450);
+    EXPECT_EQ(log, "1@0 2@100 1@200 2@300 1@400 ");
+    EXPECT_TRUE(animator.Moving());
+}
+
+TEST_F(AnimatorTest, AFrameThatAlwaysBranchesToItselfNeedsNoTimer)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{1, 100}})}));
+    stage.Run(5000);
+    EXPECT_EQ(log, "1@0 2@100 ");
+    EXPECT_TRUE(animator.Moving());
+    EXPECT_EQ(stage.Waiting(), 0u);
+}
+
+TEST_F(AnimatorTest, FramesOfNoDurationAreNotDrawnButTheirBranchesAreTaken)
+{
+    Play(Add("A", Transition::None,
+             {Shows(1, 0, -1, {{2, 100}}), Shows(2, 10), Shows(3, 0), Shows(4, 10), Shows(5, 0)}));
+    stage.Run(1000);
+    EXPECT_EQ(log, "4@0 done@100 ");
+}
+
+TEST_F(AnimatorTest, ALoopThroughFramesOfNoDurationEndsTheAnimation)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 0), Shows(3, 0, -1, {{1, 100}})}));
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 done@100 ");
+    Play(Add("B", Transition::None, {Shows(1, 0, -1, {{0, 100}})}));
+    EXPECT_EQ(log, "1@0 done@100 done@1000 ");
+}
+
+TEST_F(AnimatorTest, ABranchToAFrameThatDoesNotExistEndsTheAnimation)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10, -1, {{7, 100}}), Shows(2, 10)}));
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 done@100 ");
+}
+
+TEST_F(AnimatorTest, LeavingByExitBranchesGoesAtOnceAndOnToTheEnd)
+{
+    Play(
+        Add("A", Transition::ExitBranches, {Shows(1, 10), Shows(2, 500, 3), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    stage.Run(150);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@100 4@150 5@250 left@350 ");
+}
+
+TEST_F(AnimatorTest, ExitBranchesThatLeadBackEndWhereTheyEnd)
+{
+    Play(Add("A", Transition::ExitBranches, {Shows(1, 10), Shows(2, 10, 0), Shows(3, 10, 1)}));
+    stage.Run(300);
+    log.clear();
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "2@300 1@400 left@500 ");
+}
+
+TEST_F(AnimatorTest, ExitBranchesEndBeforeAHeldFrameBehindThem)
+{
+    // The animation ends in its last frame, which it reaches by a branch past the frames of the way out.
+    const Animation& held =
+        Add("A", Transition::ExitBranches,
+            {Shows(1, 10, 2), Shows(2, 10, 2, {{4, 100}}), Shows(3, 10, 3), Shows(4, 10), Shows(5, 10, 2)});
+    Play(held);
+    stage.Run(300);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@100 5@200 done@300 3@300 4@400 left@500 ");
+    log.clear();
+    Play(held);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@1300 3@1300 4@1400 left@1500 ");
+}
+
+TEST_F(AnimatorTest, AFrameWithoutExitIsFollowedByTheNextWhenThatHasOne)
+{
+    Play(
+        Add("A", Transition::ExitBranches, {Shows(1, 100), Shows(2, 10, 4), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    stage.Run(50);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@50 5@150 left@250 ");
+}
+
+TEST_F(AnimatorTest, AnAnimationWithoutExitBranchesIsBrokenOff)
+{
+    Play(Add("A", Transition::ExitBranches, {Shows(1, 100), Shows(2, 100)}));
+    stage.Run(50);
+    Leave();
+    EXPECT_EQ(log, "1@0 left@50 ");
+    EXPECT_EQ(stage.Waiting(), 0u);
+}
+
+TEST_F(AnimatorTest, ExitBranchesInACircleEndAfterTwiceTheFrames)
+{
+    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 10, 0)}));
+    Leave();
+    stage.Run(10000);
+    EXPECT_EQ(log, "1@0 2@0 1@100 2@200 1@300 left@400 ");
+}
+
+TEST_F(AnimatorTest, AWayOutThatTakesTooLongIsGivenUp)
+{
+    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 65535), Shows(3, 10)}));
+    Leave();
+    stage.Run(60000);
+    EXPECT_EQ(log, "1@0 2@0 left@10000 ");
+}
+
+TEST_F(AnimatorTest, LeavingByReturnAnimationPlaysIt)
+{
+    Add("AReturn", Transition::None, {Shows(8, 10), Shows(9, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "areturn"));
+    stage.Run(100);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 done@100 8@100 9@200 left@300 ");
+}
+
+TEST_F(AnimatorTest, TheReturnAnimationIsNotPlayedTwiceWhenItIsAskedForItself)
+{
+    const Animation& back = Add("AReturn", Transition::None, {Shows(8, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "AReturn"));
+    stage.Run(100);
+    Leave(&back);
+    EXPECT_EQ(log, "1@0 done@100 left@100 ");
+}
+
+TEST_F(AnimatorTest, AMissingReturnAnimationIsNone)
+{
+    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Nowhere"));
+    stage.Run(100);
+    Leave();
+    EXPECT_EQ(log, "1@0 done@100 left@100 ");
+}
+
+TEST_F(AnimatorTest, AReturnAnimationThatLoopsEndsAfterTwiceItsFrames)
+{
+    Add("Back", Transition::None, {Shows(8, 10), Shows(9, 10, -1, {{0, 100}})});
+    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Back"));
+    Leave();
+    stage.Run(10000);
+    EXPECT_EQ(log, "1@0 8@0 9@100 8@200 9@300 left@400 ");
+}
+
+TEST_F(AnimatorTest, StraightOnLeavesAtOnceWhateverIsOnShow)
+{
+    Play(Add("A", Transition::None, {Shows(1, 100, 1), Shows(2, 100)}));
+    stage.Run(50);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 left@50 ");
+}
+
+TEST_F(AnimatorTest, AWayOutIsGoneOnlyOnce)
+{
+    Add("Back", Transition::None, {Shows(8, 10), Shows(9, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Back"));
+    Leave();
+    stage.Run(50);
+    log += "again ";
+    Leave();
+    stage.Run(1000);
+    Leave();
+    EXPECT_EQ(log, "1@0 8@0 again 9@100 left@200 left@1050 ");
+}
+
+TEST_F(AnimatorTest, ForgettingLetsTheAnimationGoOnUnattended)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10)}));
+    animator.Forget();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 2@100 ");
+}
+
+} // namespace
+} // namespace voxmate::agent

@@ -1,0 +1,262 @@
+#include "tests/unit/agent/server_house.h"
+
+namespace voxmate::agent::test
+{
+namespace
+{
+
+class ServerDesktop : public House
+{
+protected:
+    void Drag(Point from, Point to)
+    {
+        stage.Mouse(MouseAction::Press, 1, from);
+        (*stage.Window().mouse)({MouseAction::Move, 0, 0, from, to});
+        (*stage.Window().mouse)({MouseAction::Release, 1, 0, from, to});
+        stage.Settle();
+    }
+    Point Place() { return stage.Window().place; }
+};
+
+TEST_F(ServerDesktop, StandsFirstNearTheLowerRightOfThePrimaryWorkArea)
+{
+    stage.workAreas = {{100, 50, 1000, 600}, {1100, 0, 1920, 1080}};
+    LoadShown();
+    EXPECT_EQ(Place(), (Point{1100 - 40 - 40, 650 - 60 - 16}));
+}
+
+TEST_F(ServerDesktop, StandsWhollyOnAWorkAreaWithHardlyAnyRoom)
+{
+    stage.workAreas = {{10, 20, 50, 65}};
+    LoadShown();
+    EXPECT_EQ(Place(), (Point{10, 20}));
+}
+
+TEST_F(ServerDesktop, KeepsItsPlaceAfterADragAndAfterHiding)
+{
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {310, 210});
+    EXPECT_EQ(Place(), (Point{300, 200}));
+    bo.Hide(true);
+    bo.Show(true);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{300, 200}));
+}
+
+TEST_F(ServerDesktop, CannotBeDraggedOffTheScreen)
+{
+    stage.workAreas = {{0, 30, 1000, 600}};
+    LoadShown();
+    Drag({10, 10}, {-5000, -5000});
+    EXPECT_EQ(Place(), (Point{-20, 30 - 30}));
+    Drag({10, 10}, {5000, 5000});
+    EXPECT_EQ(Place(), (Point{999 - 20, 629 - 30}));
+}
+
+TEST_F(ServerDesktop, MayBeDraggedToAnotherScreen)
+{
+    stage.workAreas = {{0, 0, 1000, 600}, {1000, 0, 800, 600}};
+    LoadShown();
+    Drag({10, 10}, {1310, 210});
+    EXPECT_EQ(Place(), (Point{1300, 200}));
+}
+
+TEST_F(ServerDesktop, ComesBackWhenItsScreenHasGone)
+{
+    stage.workAreas = {{0, 0, 1000, 600}, {1000, 0, 800, 600}};
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {1310, 210});
+    bo.Hide(true);
+    stage.workAreas.pop_back();
+    bo.Show(true);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{960, 200}));
+}
+
+TEST_F(ServerDesktop, AMovedCharacterIsNotDrawnAgain)
+{
+    LoadShown();
+    Pictures();
+    Drag({10, 10}, {310, 210});
+    EXPECT_EQ(Pictures(), Numbers{});
+}
+
+TEST_F(ServerDesktop, WidthAndHeightScaleSeparately)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.SetWidth(80);
+    EXPECT_EQ(stage.Window().size, (Size{80, 60}));
+    bo.SetHeight(30);
+    EXPECT_EQ(stage.Window().size, (Size{80, 30}));
+    EXPECT_EQ(bo.Width(), 80);
+    EXPECT_EQ(bo.Height(), 30);
+    EXPECT_EQ(bo.OriginalWidth(), 40);
+    EXPECT_EQ(Place(), (Point{1280 - 80 - 40, 720 - 30 - 16}));
+}
+
+TEST_F(ServerDesktop, ASizeBelowOneMeansOne)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.SetWidth(0);
+    bo.SetHeight(-5);
+    EXPECT_EQ(bo.Width(), 1);
+    EXPECT_EQ(bo.Height(), 1);
+}
+
+TEST_F(ServerDesktop, ASizeSetWhileHiddenHoldsWhenShown)
+{
+    AgentCharacter& bo = Load();
+    bo.SetWidth(20);
+    bo.SetHeight(30);
+    bo.Show(false);
+    stage.Settle();
+    EXPECT_EQ(stage.Window().size, (Size{20, 30}));
+}
+
+TEST_F(ServerDesktop, ADraggedCharacterGrowsOnItsFeetAndStaysOnTheScreen)
+{
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {310, 210});
+    bo.SetWidth(80);
+    bo.SetHeight(120);
+    EXPECT_EQ(Place(), (Point{280, 140}));
+    Drag({10, 10}, {5, 10});
+    bo.SetWidth(160);
+    EXPECT_EQ(Place().x, 0);
+}
+
+TEST_F(ServerDesktop, TheSameSizeAgainChangesNothing)
+{
+    AgentCharacter& bo = LoadShown();
+    Pictures();
+    const int moves = stage.Window().moves;
+    bo.SetWidth(40);
+    bo.SetHeight(60);
+    EXPECT_EQ(Pictures(), Numbers{});
+    EXPECT_EQ(stage.Window().moves, moves);
+}
+
+TEST_F(ServerDesktop, ClicksAndDragsAreToldWithTheCharactersName)
+{
+    LoadShown();
+    stage.Mouse(MouseAction::Press, 1, {10, 20});
+    stage.Mouse(MouseAction::Release, 1, {10, 20}, 1);
+    EXPECT_EQ(Log(), Lines{});
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"click Bo 1/1 10,20"}));
+    stage.Mouse(MouseAction::DoubleClick, 1, {11, 20});
+    stage.Mouse(MouseAction::Release, 1, {11, 20});
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"dblclick Bo 1/0 11,20"}));
+    Drag({10, 10}, {310, 210});
+    EXPECT_EQ(Log(), (Lines{"dragstart Bo 1/0 10,10", "dragcomplete Bo 1/0 10,10"}));
+}
+
+TEST_F(ServerDesktop, TheMenuShowsTheVisibleCommandsThenARuleAndHide)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("mnuStop", "&Stop", "", true, true);
+    bo.Commands().Add("mnuSecret", "Secret", "", true, false);
+    bo.Commands().Add("mnuTime", "Tell me &Time", "", false, true);
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    ASSERT_EQ(stage.menu.size(), 4u);
+    EXPECT_EQ(stage.menu[0].name, "mnuStop");
+    EXPECT_EQ(stage.menu[0].caption, "&Stop");
+    EXPECT_TRUE(stage.menu[0].enabled);
+    EXPECT_EQ(stage.menu[1].name, "mnuTime");
+    EXPECT_FALSE(stage.menu[1].enabled);
+    EXPECT_EQ(stage.menu[2].caption, "-");
+    EXPECT_EQ(stage.menu[3].caption, "Hide");
+    EXPECT_EQ(stage.menuAt, (Point{Place().x + 10, Place().y + 20}));
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"click Bo 2/0 10,20"}));
+}
+
+TEST_F(ServerDesktop, WithoutCommandsTheMenuIsJustHide)
+{
+    LoadShown();
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    ASSERT_EQ(stage.menu.size(), 1u);
+    EXPECT_EQ(stage.menu[0].caption, "Hide");
+}
+
+TEST_F(ServerDesktop, AChosenCommandIsToldByItsName)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("mnuStop", "&Stop", "", true, true);
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    stage.Settle();
+    Log();
+    stage.menuChosen("mnuStop");
+    EXPECT_EQ(Log(), Lines{});
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"command mnuStop"}));
+}
+
+TEST_F(ServerDesktop, HideOfTheMenuEndsWhatIsGoingOnAndHidesForTheUser)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("Hide", "A command of that name", "", true, true);
+    Named("speak", bo.Speak("Hello", ""));
+    Named("wave", bo.Play("Wave"));
+    stage.Settle();
+    voice.Begin();
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    stage.Settle();
+    Log();
+    stage.menuChosen(stage.menu.back().name);
+    EXPECT_EQ(voice.stops, 1);
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"end speak 3", "end wave 3", "hidden Bo 1"}));
+    EXPECT_FALSE(bo.Visible());
+}
+
+TEST_F(ServerDesktop, TheHandlerOfAHiddenCharacterMayStopAllOfIt)
+{
+    AgentCharacter& bo = LoadShown();
+    const auto note = server.Hidden;
+    server.Hidden = [&](const std::string& character, VisibilityCause cause) {
+        note(character, cause);
+        bo.StopAll("Move, Play, Speak");
+    };
+    Named("hide", bo.Hide(true));
+    Named("show", bo.Show(false));
+    Named("wave", bo.Play("Wave"));
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"start hide", "hidden Bo 3", "end hide 0", "start show", "end wave 3", "shown Bo 4",
+                            "end show 0"}));
+}
+
+TEST_F(ServerDesktop, AMenuChoiceThatComesAfterUnloadingIsLost)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("mnuStop", "&Stop", "", true, true);
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    stage.Settle();
+    server.Unload("Bo");
+    Log();
+    stage.menuChosen("mnuStop");
+    stage.menuChosen(stage.menu.back().name);
+    stage.Settle();
+    EXPECT_EQ(Log(), Lines{});
+}
+
+TEST_F(ServerDesktop, AWindowHiddenInMidDragEndsTheDrag)
+{
+    AgentCharacter& bo = LoadShown();
+    stage.Mouse(MouseAction::Press, 1, {10, 10});
+    bo.Hide(true);
+    bo.Show(true);
+    stage.Settle();
+    const Point place = Place();
+    (*stage.Window().mouse)({MouseAction::Move, 0, 0, {10, 10}, {100, 100}});
+    EXPECT_EQ(Place(), place);
+}
+
+} // namespace
+} // namespace voxmate::agent::test

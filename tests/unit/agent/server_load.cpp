@@ -1,0 +1,151 @@
+#include "base/RuntimeError.h"
+#include "tests/unit/agent/server_house.h"
+
+namespace voxmate::agent::test
+{
+namespace
+{
+
+using ServerLoad = House;
+
+TEST_F(ServerLoad, ALoadedCharacterIsHiddenAndKnowsItsFile)
+{
+    AgentCharacter& bo = Load();
+    EXPECT_FALSE(bo.Visible());
+    EXPECT_FALSE(stage.Window().visible);
+    EXPECT_EQ(bo.OriginalWidth(), 40);
+    EXPECT_EQ(bo.OriginalHeight(), 60);
+    EXPECT_EQ(bo.Width(), 40);
+    EXPECT_EQ(bo.Height(), 60);
+    EXPECT_EQ(bo.AnimationNames(), (Lines{"RestPose", "Show", "Hide", "Wave", "Point", "PointReturn", "Search", "Bow",
+                                          "Look", "Chime", "Nothing"}));
+}
+
+TEST_F(ServerLoad, ANameCanBeLoadedOnlyOnce)
+{
+    Load();
+    try {
+        server.Load("Bo", "Bo.acs");
+        FAIL();
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number, 457);
+        EXPECT_EQ(error.Description, "The character \"Bo\" is loaded already.");
+    }
+    Load("bo");
+}
+
+TEST_F(ServerLoad, AnUnusableFileIsARuntimeErrorThatNamesTheFile)
+{
+    Server real(stage, voice);
+    try {
+        real.Load("Bo", "/nowhere/Bo.acs");
+        FAIL();
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number, 321);
+        EXPECT_NE(error.Description.find("/nowhere/Bo.acs"), std::string::npos) << error.Description;
+    }
+    EXPECT_THROW(real.Characters("Bo"), RuntimeError);
+}
+
+TEST_F(ServerLoad, ThereIsNoCharacterThatWasNotLoaded)
+{
+    try {
+        server.Characters("Bo");
+        FAIL();
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number, 9);
+        EXPECT_EQ(error.Description, "Subscript out of range");
+    }
+}
+
+TEST_F(ServerLoad, UnloadingEndsEverythingWithCompletionEvents)
+{
+    AgentCharacter& bo = LoadShown();
+    const auto speak = Named("speak", bo.Speak("Hello", ""));
+    const auto wave = Named("wave", bo.Play("Wave"));
+    stage.Settle();
+    voice.Begin();
+    Log();
+    server.Unload("Bo");
+    EXPECT_EQ(voice.stops, 1);
+    EXPECT_TRUE(stage.Window().destroyed);
+    EXPECT_FALSE(stage.BalloonVisible());
+    EXPECT_EQ(StatusOf(speak), 3);
+    EXPECT_EQ(StatusOf(wave), 3);
+    EXPECT_EQ(Log(), Lines{});
+    stage.Run(600000);
+    EXPECT_EQ(Log(), (Lines{"end speak 3", "end wave 3"}));
+    EXPECT_EQ(stage.Waiting(), 0u);
+    EXPECT_THROW(server.Characters("Bo"), RuntimeError);
+    voice.End(false);
+    stage.Settle();
+}
+
+TEST_F(ServerLoad, UnloadingWhatIsNotLoadedDoesNothing)
+{
+    server.Unload("Bo");
+    stage.Settle();
+    EXPECT_EQ(Log(), Lines{});
+}
+
+TEST_F(ServerLoad, ACharacterMayBeLoadedAgainAfterUnloading)
+{
+    LoadShown();
+    server.Unload("Bo");
+    AgentCharacter& bo = LoadShown();
+    EXPECT_TRUE(bo.Visible());
+    EXPECT_EQ(stage.characters.size(), 2u);
+}
+
+TEST_F(ServerLoad, TheVoiceOfTheFileIsTheModeIdentifierUntilItIsSet)
+{
+    EXPECT_EQ(Load().TTSModeID(), "");
+    description.voice.emplace().mode = {0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66,
+                                        0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF};
+    AgentCharacter& voiced = Load("Voiced");
+    EXPECT_EQ(voiced.TTSModeID(), "{00112233-4455-6677-8899-AABBCCDDEEFF}");
+    voiced.SetTTSModeID("{X}");
+    EXPECT_EQ(voiced.TTSModeID(), "{X}");
+}
+
+TEST_F(ServerLoad, TheAudioStatusIsThatOfTheVoice)
+{
+    for (const auto& [status, expected] :
+         {std::pair{0, AudioStatus::Available}, std::pair{1, AudioStatus::NoSupport},
+          std::pair{2, AudioStatus::CannotOpen}, std::pair{4, AudioStatus::CharacterSpeaking},
+          std::pair{6, AudioStatus::Unknown}, std::pair{17, AudioStatus::Unknown}}) {
+        voice.status = status;
+        EXPECT_EQ(server.AudioOutputStatus(), expected) << status;
+    }
+}
+
+TEST_F(ServerLoad, ADamagedPictureLeavesTheLastOneStandingAndTheQueueGoesOn)
+{
+    description.compress = true;
+    // The image promises 2400 pixels; its packed data decode to fewer.
+    description.images[7].pixels.assign(kWidth * kHeight, 7);
+    std::vector<std::uint8_t> bytes = WriteAcs(description);
+    const std::vector<std::uint8_t> packed = [&] {
+        AcsDescription other = description;
+        other.images[7].pixels.assign(kWidth * kHeight, 8);
+        return WriteAcs(other);
+    }();
+    ASSERT_EQ(bytes.size(), packed.size());
+    // Where the two files differ are the packed pixels of that image: the end mark in their place ends them early.
+    std::size_t first = 0;
+    while (bytes[first] == packed[first])
+        ++first;
+    for (std::size_t i = 0; i < 4; ++i)
+        bytes[first + i] = 0xFF;
+    Server damaged(stage, voice, [&](const std::string& path) { return AcsFile::Parse(bytes, path); });
+    damaged.Load("Bo", "Bo.acs");
+    AgentCharacter& bo = damaged.Characters("Bo");
+    bo.Show(true);
+    const auto wave = bo.Play("Wave");
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{1, 6, 8}));
+    EXPECT_EQ(StatusOf(wave), 0);
+}
+
+} // namespace
+} // namespace voxmate::agent::test

@@ -1,0 +1,83 @@
+// One application object for all tests of the front end, without a display, and a form with one control of each kind.
+#pragma once
+
+#include "platform/qt/QtApplication.h"
+#include "platform/qt/QtWindowSystem.h"
+
+#include <QTest>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace voxmate::qt
+{
+
+/// The application object; made when first asked for.
+QtApplication& App();
+
+class TestForm : public Form
+{
+public:
+    explicit TestForm(WindowSystem& windows) : Form(windows, "frmTest")
+    {
+        Caption = "Test";
+        Status = &stsBar;
+        MenuBar = {&mnuFile};
+        txtText.MultiLine = true;
+        txtText.AccessibleName = "Text to read";
+        cmdSpeak.Picture = "speak";
+        cmdSpeak.ToolTipText = "Speak it";
+        lblPitch.Buddy = &scrPitch;
+        scrPitch.LargeChange = 20;
+        Arrangement =
+            Column({Item(txtText), Row({Item(cmdOk), Item(cmdSpeak), Item(txtName)}),
+                    Framed(Frame1, Grid(2, {Item(lblPitch), Item(scrPitch), Item(chkWhisper), Item(comEngine)}))});
+    }
+
+    Timer tmrClock{this, "tmrClock", 1, false};
+    TextBox txtText{this, "txtText"};
+    CommandButton cmdSpeak{this, "cmdSpeak"};
+    CommandButton cmdOk{this, "cmdOk", "&OK"};
+    TextBox txtName{this, "txtName"};
+    Frame Frame1{this, "Frame1", "Voice"};
+    Label lblPitch{this, "lblPitch", "&Pitch"};
+    HScrollBar scrPitch{this, "scrPitch", 40, 400};
+    CheckBox chkWhisper{this, "chkWhisper", "&Whisper"};
+    ComboBox comEngine{this, "comEngine"};
+    StatusBar stsBar{this, "stsBar", {{"", 0, "Activity"}, {"", 8, "Clock"}}};
+    Menu mnuFile{this, nullptr, "mnuFile", "&File"};
+    Menu mnuChar{this, &mnuFile, "mnuChar", "&Characters"};
+    Menu mnuRule{this, &mnuFile, "mnuRule", "-"};
+    Menu mnuExit{this, &mnuFile, "mnuExit", "E&xit"};
+};
+
+class QtTest : public testing::Test
+{
+protected:
+    QtTest() { form.Show(); }
+
+    /// The window of the form, and the widget of that object name in it.
+    QWidget* Window() const;
+    template <class W = QWidget>
+    W* Find(const char* name) const
+    {
+        return Window()->findChild<W*>(QString::fromLatin1(name));
+    }
+    /// Notes what happens, in order.
+    std::function<void()> Note(const std::string& what)
+    {
+        return [this, what] { happened.push_back(what); };
+    }
+
+    QtApplication& app = App();
+    QtWindowSystem windows{VOXMATE_SHARE_DIR};
+    TestForm form{windows};
+    std::vector<std::string> happened;
+};
+
+using Happened = std::vector<std::string>;
+
+} // namespace voxmate::qt

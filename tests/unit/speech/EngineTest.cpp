@@ -1,0 +1,385 @@
+// The real engines: what they deliver, and how it is heard.
+#include "Fakes.h"
+#include "bench/speech_measure.h"
+#include "bench/speech_prose.h"
+#include "platform/speech/Shaper.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace voxmate::speech
+{
+namespace
+{
+
+using measure::CheckProse;
+using measure::PitchTrack;
+using measure::SpeakingSeconds;
+using measure::SpeechLevel;
+using measure::TrackPitch;
+
+/// One of the default voices.
+struct Case {
+    const char* test;
+    std::unique_ptr<Engine> (*create)();
+    const char* key;
+};
+
+void PrintTo(const Case& value, std::ostream* out)
+{
+    *out << value.test;
+}
+
+class EngineTest : public ::testing::TestWithParam<Case>
+{
+protected:
+    // Loading a library once is enough for all tests.
+    static Engine& EngineOf(const Case& which)
+    {
+        static const std::unique_ptr<Engine> espeak = CreateEspeakEngine();
+        static const std::unique_ptr<Engine> flite = CreateFliteEngine();
+        return which.create == CreateEspeakEngine ? *espeak : *flite;
+    }
+
+    void SetUp() override
+    {
+        engine = &EngineOf(GetParam());
+        for (const Voice& listed : engine->Voices())
+            if (listed.key == GetParam().key)
+                voice = listed;
+        ASSERT_FALSE(voice.name.empty()) << "the voice is not installed";
+        rate = engine->SampleRate(voice);
+    }
+
+    RecordingSink Speak(const std::vector<Segment>& segments)
+    {
+        RecordingSink sink;
+        EXPECT_TRUE(engine->Synthesize(voice, segments, sink));
+        return sink;
+    }
+
+    RecordingSink Speak(std::string_view text, Prosody prosody = {})
+    {
+        return Speak({Text(std::string(text), prosody)});
+    }
+
+    Engine* engine = nullptr;
+    Voice voice;
+    int rate = 0;
+};
+
+TEST_P(EngineTest, ItsVoicesHaveNamesAndIdentifiersOfTheirOwn)
+{
+    std::set<std::string> names;
+    std::set<std::string> ids;
+    for (const Voice& listed : engine->Voices()) {
+        EXPECT_TRUE(names.insert(listed.name).second) << listed.name;
+        EXPECT_TRUE(ids.insert(listed.modeId).second) << listed.name;
+        EXPECT_FALSE(listed.language.empty()) << listed.name;
+    }
+}
+
+TEST_P(EngineTest, PitchIsTheMedianFundamentalInHertz)
+{
+    double before = 0;
+    for (const int hertz : {40, 60, 100, 160, 250, 400}) {
+        Prosody prosody;
+        prosody.pitchHz = hertz;
+        const double heard = TrackPitch(Speak(CheckProse[2], prosody).samples, rate).Median();
+        if (hertz >= 60 && hertz <= 250) {
+            EXPECT_NEAR(heard, hertz, hertz * 0.1);
+        }
+        EXPECT_GT(heard, before) << hertz;
+        before = heard;
+    }
+}
+
+TEST_P(EngineTest, SpeedIsWordsPerMinute)
+{
+    double before = 0;
+    for (const int wordsPerMinute : {40, 80, 156, 250, 400}) {
+        Prosody prosody;
+        prosody.wordsPerMinute = wordsPerMinute;
+        double seconds = 0;
+        double words = 0;
+        for (const std::string_view text : CheckProse) {
+            seconds += SpeakingSeconds(Speak(text, prosody).samples, rate);
+            words += static_cast<double>(measure::CountWords(text));
+        }
+        const double heard = words * 60 / seconds;
+        if (wordsPerMinute >= 80) {
+            EXPECT_NEAR(heard, wordsPerMinute, wordsPerMinute * 0.1);
+        }
+        EXPECT_GT(heard, before) << wordsPerMinute;
+        before = heard;
+    }
+}
+
+TEST_P(EngineTest, AnExtremePitchLeavesTheSpeedAlone)
+{
+    Prosody slow;
+    slow.wordsPerMinute = 150;
+    const double seconds = SpeakingSeconds(Speak(CheckProse[2], slow).samples, rate);
+    for (const int hertz : {40, 400}) {
+        Prosody prosody = slow;
+        prosody.pitchHz = hertz;
+        EXPECT_NEAR(SpeakingSeconds(Speak(CheckProse[2], prosody).samples, rate), seconds, seconds * 0.05) << hertz;
+    }
+}
+
+TEST_P(EngineTest, AWhisperHasNoVoiceAndIsAsLoud)
+{
+    const std::vector<std::int16_t> voiced = Speak(CheckProse[2]).samples;
+    Prosody prosody;
+    prosody.whisper = true;
+    const std::vector<std::int16_t> whispered = Speak(CheckProse[2], prosody).samples;
+    EXPECT_GT(TrackPitch(voiced, rate).VoicedShare(), 0.3);
+    EXPECT_LT(TrackPitch(whispered, rate).VoicedShare(), 0.05);
+    EXPECT_NEAR(SpeechLevel(whispered, rate) / SpeechLevel(voiced, rate), 0.85, 0.2);
+    EXPECT_NEAR(static_cast<double>(whispered.size()), static_cast<double>(voiced.size()),
+                static_cast<double>(voiced.size()) * 0.1);
+}
+
+TEST_P(EngineTest, AWhisperStaysAWhisperAtEverySpeed)
+{
+    for (const int wordsPerMinute : {60, 350}) {
+        Prosody prosody;
+        prosody.whisper = true;
+        prosody.wordsPerMinute = wordsPerMinute;
+        EXPECT_LT(TrackPitch(Speak(CheckProse[2], prosody).samples, rate).VoicedShare(), 0.05) << wordsPerMinute;
+    }
+}
+
+TEST_P(EngineTest, MonotoneSpeechHasNoMelody)
+{
+    Prosody prosody;
+    prosody.pitchHz = 120;
+    const PitchTrack lively = TrackPitch(Speak(CheckProse[2], prosody).samples, rate);
+    prosody.monotone = true;
+    const PitchTrack flat = TrackPitch(Speak(CheckProse[2], prosody).samples, rate);
+    const auto spread = [](const PitchTrack& track) { return track.Quantile(0.8) / track.Quantile(0.2); };
+    EXPECT_GT(spread(lively), 1.05);
+    EXPECT_LT(spread(flat), 1.03);
+    EXPECT_NEAR(flat.Median(), 120, 12);
+}
+
+TEST_P(EngineTest, VolumeScalesWhatIsHeard)
+{
+    Prosody half;
+    half.volume = 32768;
+    const double full = SpeechLevel(Speak("one two three").samples, rate);
+    EXPECT_NEAR(SpeechLevel(Speak("one two three", half).samples, rate) / full, 0.5, 0.05);
+    Prosody none;
+    none.volume = 0;
+    EXPECT_EQ(SpeechLevel(Speak("one two three", none).samples, rate), 0);
+}
+
+TEST_P(EngineTest, APauseIsExactSilence)
+{
+    const RecordingSink sink = Speak({Pause(500)});
+    EXPECT_EQ(sink.samples, std::vector<std::int16_t>(static_cast<std::size_t>(rate) / 2));
+}
+
+TEST_P(EngineTest, EveryWordIsReportedInItsTurnWhileItIsSpoken)
+{
+    const RecordingSink sink = Speak("Hello Bob & Ann, here are 42 näive words.");
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+    std::int64_t before = 0;
+    for (const SpeechEvent& event : sink.events) {
+        EXPECT_GE(event.sample, before);
+        EXPECT_LE(event.sample, static_cast<std::int64_t>(sink.samples.size()));
+        before = event.sample;
+    }
+    EXPECT_LE(sink.latestEventBehind, rate / 10);
+}
+
+TEST_P(EngineTest, TheMouthMovesWithTheSoundsAndEndsClosed)
+{
+    const std::vector<int> mouths = Speak("Mama saw you.").Values(SpeechEvent::Kind::Mouth);
+    ASSERT_GE(mouths.size(), 6U);
+    EXPECT_EQ(mouths.back(), 0);
+    for (const int mouth : {0, 1, 3, 6})
+        EXPECT_NE(std::find(mouths.begin(), mouths.end(), mouth), mouths.end()) << mouth;
+    for (const int mouth : mouths)
+        EXPECT_TRUE(mouth >= 0 && mouth <= 6) << mouth;
+}
+
+TEST_P(EngineTest, TheMouthIsOpenWhereTheSoundIs)
+{
+    // Two loud syllables around a pause, slowed far beyond the engine's own range: the events must follow.
+    Prosody prosody;
+    prosody.wordsPerMinute = 50;
+    const RecordingSink sink = Speak({Text("ah", prosody), Pause(1000), Text("ah", prosody)});
+    std::vector<int> mouthAt(sink.samples.size(), 0);
+    for (std::size_t i = 0; i < sink.events.size(); ++i)
+        if (sink.events[i].kind == SpeechEvent::Kind::Mouth)
+            std::fill(mouthAt.begin() + std::min<std::ptrdiff_t>(sink.events[i].sample, std::ssize(mouthAt)),
+                      mouthAt.end(), sink.events[i].value);
+    std::size_t loud = 0;
+    std::size_t open = 0;
+    const std::size_t block = static_cast<std::size_t>(rate) / 50;
+    for (std::size_t at = 0; at + block <= sink.samples.size(); at += block) {
+        const auto peak = std::max_element(sink.samples.begin() + static_cast<std::ptrdiff_t>(at),
+                                           sink.samples.begin() + static_cast<std::ptrdiff_t>(at + block));
+        if (*peak < 3000)
+            continue;
+        ++loud;
+        open += mouthAt[at + block / 2] != 0;
+    }
+    ASSERT_GT(loud, 10U);
+    EXPECT_GE(static_cast<double>(open), 0.9 * static_cast<double>(loud));
+}
+
+TEST_P(EngineTest, BookmarksComeWhereTheyStandAndNoneIsLost)
+{
+    Segment second = Text("there my friend.");
+    second.firstWord = 1;
+    const RecordingSink sink =
+        Speak({Bookmark(1), Text("Hello "), Bookmark(2), second, Bookmark(3), Pause(100), Bookmark(4)});
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Bookmark), (std::vector<int>{1, 2, 3, 4}));
+    std::int64_t word = -1;
+    std::int64_t mark = -1;
+    for (const SpeechEvent& event : sink.events) {
+        if (event.kind == SpeechEvent::Kind::Word && event.value == 1)
+            word = event.sample;
+        if (event.kind == SpeechEvent::Kind::Bookmark && event.value == 2)
+            mark = event.sample;
+    }
+    EXPECT_NEAR(static_cast<double>(mark), static_cast<double>(word), rate * 0.05);
+}
+
+TEST_P(EngineTest, AStressedWordIsLouderOrLongerOrHigher)
+{
+    Segment plain = Text("Come here.");
+    Segment stressed = plain;
+    stressed.emphasis = true;
+    const std::vector<std::int16_t> without = Speak({plain}).samples;
+    const std::vector<std::int16_t> with = Speak({stressed}).samples;
+    const double louder = SpeechLevel(with, rate) / SpeechLevel(without, rate);
+    const double longer = static_cast<double>(with.size()) / static_cast<double>(without.size());
+    const double higher = TrackPitch(with, rate).Quantile(0.9) / TrackPitch(without, rate).Quantile(0.9);
+    EXPECT_GT(std::max({louder, longer, higher}), 1.08) << louder << " " << longer << " " << higher;
+}
+
+TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
+{
+    RecordingSink sink;
+    sink.stopAfter = 1;
+    const std::vector<Segment> segments{Text(std::string(CheckProse[0])), Text(std::string(CheckProse[1]))};
+    EXPECT_TRUE(engine->Synthesize(voice, segments, sink));
+    EXPECT_GT(sink.samples.size(), 0U);
+    EXPECT_LT(sink.samples.size(), static_cast<std::size_t>(rate) / 4);
+    RecordingSink again;
+    EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello")}, again));
+    EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
+}
+
+TEST_P(EngineTest, OddTextIsNoTrouble)
+{
+    for (const char* text :
+         {"", " ", "...", "<", "&&&", "\xFF\xFE\x80", "\x01\x02", "日本語", "😀", "<speak>", "[[h]]", "a\nb\n\nc"}) {
+        RecordingSink sink;
+        EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text(text)}, sink)) << text;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Voices, EngineTest,
+                         ::testing::Values(Case{"EspeakBritish", CreateEspeakEngine, "gmw/en"},
+                                           Case{"EspeakAmerican", CreateEspeakEngine, "gmw/en-US"},
+                                           Case{"FliteKal", CreateFliteEngine, "kal"},
+                                           Case{"FliteSlt", CreateFliteEngine, "slt"},
+                                           Case{"FliteRms", CreateFliteEngine, "rms"}),
+                         [](const auto& info) { return info.param.test; });
+
+TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
+{
+    const auto engine = CreateEspeakEngine();
+    std::set<std::string> names;
+    for (const Voice& voice : engine->Voices())
+        names.insert(voice.name);
+    EXPECT_TRUE(names.contains("eSpeak English (Great Britain)"));
+    EXPECT_TRUE(names.contains("eSpeak German"));
+    EXPECT_GT(names.size(), 100U);
+}
+
+TEST(FliteEngine, HasItsFourEnglishVoices)
+{
+    const auto engine = CreateFliteEngine();
+    std::set<std::string> names;
+    for (const Voice& voice : engine->Voices()) {
+        names.insert(voice.name);
+        EXPECT_TRUE(voice.language.starts_with("en"));
+    }
+    EXPECT_EQ(names, (std::set<std::string>{"Flite KAL (American English)", "Flite SLT (American English)",
+                                            "Flite AWB (Scottish English)", "Flite RMS (American English)"}));
+}
+
+TEST(Engines, OneAfterTheOtherSpeakAsTheFirstDid)
+{
+    for (const auto create : {CreateEspeakEngine, CreateFliteEngine})
+        for (int turn = 0; turn < 2; ++turn) {
+            const auto engine = create();
+            ASSERT_FALSE(engine->Voices().empty());
+            RecordingSink sink;
+            EXPECT_TRUE(engine->Synthesize(engine->Voices().back(), std::vector<Segment>{Text("Hello.")}, sink));
+            EXPECT_GT(sink.samples.size(), 2000U);
+        }
+}
+
+TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
+{
+    const auto engine = CreateEspeakEngine();
+    for (const Voice& voice : engine->Voices()) {
+        if (voice.name != "eSpeak German")
+            continue;
+        for (const int hertz : {60, 120, 250}) {
+            Prosody prosody;
+            prosody.pitchHz = hertz;
+            RecordingSink sink;
+            const std::vector<Segment> text{
+                Text("Der Nordwind und die Sonne stritten sich, wer von ihnen wohl der Stärkere wäre.", prosody)};
+            ASSERT_TRUE(engine->Synthesize(voice, text, sink));
+            EXPECT_NEAR(TrackPitch(sink.samples, engine->SampleRate(voice)).Median(), hertz, hertz * 0.1);
+        }
+        return;
+    }
+    FAIL() << "no German voice";
+}
+
+TEST(Shaper, MovesEventsAlongWithTheSamples)
+{
+    RecordingSink sink;
+    Shaper shaper(8000, sink);
+    shaper.Silence(100);
+    Shape shape;
+    shape.speed = 2;
+    shaper.Begin(shape);
+    shaper.Event(SpeechEvent::Kind::Word, 4000, 1);
+    std::vector<std::int16_t> tone(8000);
+    for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] = i % 80 < 40 ? 8000 : -8000;
+    EXPECT_TRUE(shaper.Samples(tone));
+    EXPECT_TRUE(shaper.End());
+    EXPECT_EQ(sink.events.back().sample, 800 + 2000);
+    EXPECT_NEAR(static_cast<double>(sink.samples.size()), 800 + 4000, 200);
+}
+
+TEST(Shaper, RunsLikeATapeWhenTheRateIsChanged)
+{
+    RecordingSink sink;
+    Shaper shaper(8000, sink);
+    Shape shape;
+    shape.rate = 0.5;
+    shaper.Begin(shape);
+    std::vector<std::int16_t> tone(8000);
+    for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] = i % 80 < 40 ? 8000 : -8000;
+    shaper.Samples(tone);
+    shaper.End();
+    EXPECT_NEAR(static_cast<double>(sink.samples.size()), 16000, 200);
+    EXPECT_NEAR(TrackPitch(sink.samples, 8000).Median(), 50, 1);
+}
+
+} // namespace
+} // namespace voxmate::speech

@@ -1,0 +1,210 @@
+// An engine that makes what a test tells it, and a sound output that plays only when a test turns its handle.
+#pragma once
+
+#include "platform/speech/AudioOutput.h"
+#include "platform/speech/Engine.h"
+
+#include <atomic>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace voxmate::speech
+{
+
+/// Lets other threads work until `done` says so; false when they do not get there within five seconds.
+inline bool Eventually(const std::function<bool()>& done)
+{
+    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!done()) {
+        if (std::chrono::steady_clock::now() > until)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+class FakeEngine final : public Engine
+{
+public:
+    explicit FakeEngine(std::vector<Voice> voices) : voices_(std::move(voices)) {}
+
+    const std::vector<Voice>& Voices() override { return voices_; }
+    int SampleRate(const Voice&) override { return Rate; }
+    bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
+    {
+        ++calls;
+        lastKey = voice.key;
+        lastText = segments.empty() ? "" : segments.front().text;
+        const bool ok = synthesize ? synthesize(sink) : true;
+        ++returns;
+        return ok;
+    }
+
+    static constexpr int Rate = 1000; // one sample is one millisecond
+    std::function<bool(SampleSink&)> synthesize;
+    std::atomic<int> calls = 0;
+    std::atomic<int> returns = 0;
+    std::string lastKey;
+    std::string lastText;
+
+private:
+    std::vector<Voice> voices_;
+};
+
+class FakeAudioOutput final : public AudioOutput
+{
+public:
+    struct Stream final : AudioStream {
+        explicit Stream(FakeAudioOutput& output) : owner(output) { ++owner.openStreams; }
+        ~Stream() override
+        {
+            --owner.openStreams;
+            owner.source.reset();
+        }
+        std::int64_t SamplesHeard() override { return owner.heard; }
+        FakeAudioOutput& owner;
+    };
+
+    State Check() override { return state; }
+
+    std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> newSource,
+                                      std::function<void()> newDrained, std::function<void()> newFailed) override
+    {
+        ++opens;
+        if (state != State::Available)
+            return nullptr;
+        rate = samplesPerSecond;
+        source = std::move(newSource);
+        drained = std::move(newDrained);
+        failed = std::move(newFailed);
+        heard = 0;
+        return std::make_unique<Stream>(*this);
+    }
+
+    void Post(std::function<void()> action) override
+    {
+        const std::lock_guard lock(mutex_);
+        posted_.push_back(std::move(action));
+    }
+
+    void PostAfter(int, std::function<void()> action) override { later_.push_back(std::move(action)); }
+
+    /// Takes up to `count` samples from the source, which are heard at once; how many there were. At the end of the
+    /// source the stream is drained.
+    std::size_t Play(std::size_t count)
+    {
+        if (!source) {
+            RunEvents();
+            return 0;
+        }
+        std::vector<std::int16_t> block(count);
+        bool ended = false;
+        const std::size_t got = source->Pull(block, ended);
+        heard += static_cast<std::int64_t>(got);
+        played.insert(played.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
+        if (ended && drained)
+            Post(std::exchange(drained, nullptr));
+        RunEvents();
+        return got;
+    }
+
+    /// Runs what has been posted so far, and what was to come after a while.
+    void RunEvents()
+    {
+        std::deque<std::function<void()>> actions;
+        {
+            const std::lock_guard lock(mutex_);
+            actions.swap(posted_);
+        }
+        actions.insert(actions.end(), later_.begin(), later_.end());
+        later_.clear();
+        for (const auto& action : actions)
+            action();
+    }
+
+    /// Plays until nothing is left to be heard or to be reported.
+    bool PlayAll()
+    {
+        return Eventually([this] {
+            Play(64);
+            return openStreams == 0;
+        });
+    }
+
+    bool Idle() const { return later_.empty(); }
+
+    State state = State::Available;
+    int opens = 0;
+    int openStreams = 0;
+    int rate = 0;
+    std::int64_t heard = 0;
+    std::vector<std::int16_t> played;
+    std::shared_ptr<SampleSource> source;
+    std::function<void()> drained;
+    std::function<void()> failed;
+
+private:
+    std::mutex mutex_;
+    std::deque<std::function<void()>> posted_;
+    std::deque<std::function<void()>> later_;
+};
+
+/// Collects what an engine delivers.
+struct RecordingSink final : SampleSink {
+    std::vector<std::int16_t> samples;
+    std::vector<SpeechEvent> events;
+    std::size_t stopAfter = SIZE_MAX;
+    std::int64_t latestEventBehind = 0; ///< how far an event lay before samples that were already delivered
+
+    bool Samples(std::span<const std::int16_t> more) override
+    {
+        samples.insert(samples.end(), more.begin(), more.end());
+        return samples.size() < stopAfter;
+    }
+    void Event(const SpeechEvent& event) override
+    {
+        latestEventBehind = std::max(latestEventBehind, static_cast<std::int64_t>(samples.size()) - event.sample);
+        events.push_back(event);
+    }
+    std::vector<int> Values(SpeechEvent::Kind kind) const
+    {
+        std::vector<int> values;
+        for (const SpeechEvent& event : events)
+            if (event.kind == kind)
+                values.push_back(event.value);
+        return values;
+    }
+};
+
+inline Segment Text(std::string text, Prosody prosody = {})
+{
+    Segment segment;
+    segment.text = std::move(text);
+    segment.prosody = prosody;
+    return segment;
+}
+
+inline Segment Pause(int milliseconds)
+{
+    Segment segment;
+    segment.kind = Segment::Kind::Pause;
+    segment.milliseconds = milliseconds;
+    return segment;
+}
+
+inline Segment Bookmark(int number)
+{
+    Segment segment;
+    segment.kind = Segment::Kind::Bookmark;
+    segment.bookmark = number;
+    return segment;
+}
+
+} // namespace voxmate::speech

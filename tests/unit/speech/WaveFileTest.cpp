@@ -1,0 +1,122 @@
+#include "platform/speech/WaveFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace voxmate::speech
+{
+namespace
+{
+
+void Put(std::vector<std::uint8_t>& out, std::uint64_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+/// A wave file with the given format (1 PCM, 3 floating point) and raw sample bytes.
+std::vector<std::uint8_t> Wave(int format, int channels, int rate, int bits, const std::vector<std::uint8_t>& data)
+{
+    std::vector<std::uint8_t> out{'R', 'I', 'F', 'F'};
+    Put(out, 36 + data.size(), 4);
+    for (const char c : std::string("WAVEfmt "))
+        out.push_back(static_cast<std::uint8_t>(c));
+    Put(out, 16, 4);
+    Put(out, static_cast<std::uint64_t>(format), 2);
+    Put(out, static_cast<std::uint64_t>(channels), 2);
+    Put(out, static_cast<std::uint64_t>(rate), 4);
+    Put(out, static_cast<std::uint64_t>(rate * channels * bits / 8), 4);
+    Put(out, static_cast<std::uint64_t>(channels * bits / 8), 2);
+    Put(out, static_cast<std::uint64_t>(bits), 2);
+    for (const char c : std::string("data"))
+        out.push_back(static_cast<std::uint8_t>(c));
+    Put(out, data.size(), 4);
+    out.insert(out.end(), data.begin(), data.end());
+    return out;
+}
+
+using Samples = std::vector<std::int16_t>;
+
+TEST(WaveFile, DecodesEightBitSamples)
+{
+    const auto wave = DecodeWave(Wave(1, 1, 11025, 8, {0x80, 0xFF, 0x00, 0x40}));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samplesPerSecond, 11025);
+    EXPECT_EQ(wave->samples, (Samples{0, 32512, -32768, -16384}));
+}
+
+TEST(WaveFile, DecodesSixteenBitSamplesExactly)
+{
+    const auto wave = DecodeWave(Wave(1, 1, 22050, 16, {0x01, 0x00, 0xFF, 0x7F, 0x00, 0x80, 0x39, 0x30}));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, (Samples{1, 32767, -32768, 12345}));
+}
+
+TEST(WaveFile, DecodesTwentyFourAndThirtyTwoBitSamples)
+{
+    const auto wave24 = DecodeWave(Wave(1, 1, 48000, 24, {0x00, 0x00, 0x40, 0x00, 0x00, 0xC0}));
+    ASSERT_TRUE(wave24);
+    EXPECT_EQ(wave24->samples, (Samples{16384, -16384}));
+    const auto wave32 = DecodeWave(Wave(1, 1, 48000, 32, {0x00, 0x00, 0x00, 0x40, 0x00, 0x00, 0x00, 0xC0}));
+    ASSERT_TRUE(wave32);
+    EXPECT_EQ(wave32->samples, (Samples{16384, -16384}));
+}
+
+TEST(WaveFile, DecodesFloatingPointAndHoldsItWithinBounds)
+{
+    std::vector<std::uint8_t> data;
+    for (const float value : {0.5F, -2.0F, 3.0F}) {
+        std::uint32_t bits = 0;
+        std::memcpy(&bits, &value, sizeof bits);
+        Put(data, bits, 4);
+    }
+    const auto wave = DecodeWave(Wave(3, 1, 44100, 32, data));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, (Samples{16384, -32768, 32767}));
+}
+
+TEST(WaveFile, AveragesTwoChannels)
+{
+    const auto wave = DecodeWave(Wave(1, 2, 8000, 16, {0xE8, 0x03, 0xD0, 0x07, 0x00, 0x00, 0x0C, 0xFE}));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, (Samples{1500, -250}));
+}
+
+TEST(WaveFile, RefusesWhatIsNotAWaveFile)
+{
+    EXPECT_FALSE(DecodeWave({}));
+    const std::vector<std::uint8_t> text{'n', 'o', 't', ' ', 'a', ' ', 'w', 'a', 'v', 'e'};
+    EXPECT_FALSE(DecodeWave(text));
+    EXPECT_FALSE(DecodeWave(Wave(1, 1, 22050, 16, {})));
+    EXPECT_FALSE(DecodeWave(Wave(1, 0, 22050, 16, {1, 2, 3, 4})));
+    EXPECT_FALSE(DecodeWave(Wave(1, 1, 0, 16, {1, 2, 3, 4})));
+}
+
+TEST(WaveFile, TakesWhatIsThereOfACutOffFile)
+{
+    std::vector<std::uint8_t> file = Wave(1, 1, 22050, 16, std::vector<std::uint8_t>(2000, 0x11));
+    file.resize(44 + 1000);
+    const auto wave = DecodeWave(file);
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples.size(), 500U);
+}
+
+TEST(WaveFile, SurvivesEveryCutAndEveryFlippedByteOfTheHeader)
+{
+    const std::vector<std::uint8_t> good = Wave(1, 1, 22050, 16, std::vector<std::uint8_t>(64, 0x11));
+    for (std::size_t size = 0; size < good.size(); ++size) {
+        const auto wave = DecodeWave(std::span(good).first(size));
+        EXPECT_LE(wave ? wave->samples.size() : 0, 32U) << size;
+    }
+    for (std::size_t at = 0; at < 44; ++at)
+        for (const int flip : {0x01, 0x80, 0xFF}) {
+            std::vector<std::uint8_t> bad = good;
+            bad[at] = static_cast<std::uint8_t>(bad[at] ^ flip);
+            const auto wave = DecodeWave(bad);
+            EXPECT_LE(wave ? wave->samples.size() : 0, 128U) << at << " " << flip;
+        }
+}
+
+} // namespace
+} // namespace voxmate::speech
