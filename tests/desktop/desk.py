@@ -1,6 +1,7 @@
 """A desktop of its own for the running program: an X display with a window manager, an accessibility bus and a sound
 server whose only sink is recorded. Real input events go in, pictures and sound come out."""
 
+import glob
 import os
 import shutil
 import signal
@@ -221,6 +222,21 @@ class Desk:
         env = dict(self.env, **environment)
         self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
         return self.spawn(os.path.join(self.build, "voxmate"), env=env, stderr=self.log, stdout=self.log)
+
+    def start_without_engines(self, **environment):
+        """Starts the program where the voices' data and libraries are hidden from it; None where this machine does not
+        let a process have a view of the file system of its own."""
+        if subprocess.run(["unshare", "-m", "true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
+            return None
+        empty = os.path.join(self.home, "empty")
+        os.makedirs(empty, exist_ok=True)
+        hidden = glob.glob("/usr/lib/*/espeak-ng-data") + glob.glob("/usr/share/espeak-ng-data")
+        steps = [f"mount --bind {empty} {folder}" for folder in hidden]
+        steps += [f"mount --bind /dev/null {library}" for library in glob.glob("/usr/lib/*/libflite.so.1")]
+        steps.append("exec " + os.path.join(self.build, "voxmate"))
+        self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
+        return self.spawn("unshare", "-m", "sh", "-c", " && ".join(steps), env=dict(self.env, **environment),
+                          stderr=self.log, stdout=self.log)
 
     def end(self, program):
         if program.poll() is None:

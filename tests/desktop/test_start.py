@@ -172,6 +172,45 @@ class Lacking(ProgramCase):
             self.press("No")
             self.has_ended()
 
+    def test_without_an_engine_the_box_explains_and_the_program_ends(self):
+        self.program = self.desk.start_without_engines()
+        if self.program is None:
+            self.skipTest("this machine does not let a process hide files from itself")
+        share = os.path.join(BUILD, "share", "voxmate")
+        self.assertEqual(plain(self.box_text("Voxmate - Unhandled Error")), "\n".join([
+            "No speech engine is loaded on this machine. Please load a speech engine and then try again.",
+            "Voxmate will end now.",
+            "Please goto following MS Agents' download page and install atleast one Speech Engine.",
+            f"file://{share}/web/voices.html", "Do you want to goto download site now ?"]))
+        self.press("No")
+        self.has_ended()
+
+    def test_an_error_nobody_caught_is_shown_and_ends_the_program(self):
+        self.desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=547)
+        self.start()
+        self.assertEqual(plain(self.box_text("Voxmate")), "Run-time error '6':\n\nOverflow")
+        self.press("OK")
+        self.program.wait(5)
+
+    def test_a_page_that_cannot_be_opened_is_copied_and_said(self):
+        self.desk.install_defaults(GreetingEnabled=0, CharacterPath=self.desk.home + "/nowhere")
+        with tempfile.TemporaryDirectory() as folder:
+            shutil.copy(os.path.join(BUILD, "voxmate"), folder)
+            shutil.copytree(os.path.join(BUILD, "share", "voxmate", "icons"),
+                            os.path.join(folder, "share", "voxmate", "icons"))
+            self.program = self.desk.spawn(os.path.join(folder, "voxmate"), env=dict(self.desk.env, PATH="/nonexistent"))
+            self.desk.log = open(os.devnull, "wb")
+            self.box_text("Voxmate - Path Error")
+            self.press("Yes")
+            desktop.wait_for(lambda: "download" in self.box_text("Voxmate - Path Error"), what="the second box")
+            self.press("Yes")
+            page = f"file://{folder}/share/voxmate/web/characters.html"
+            self.assertEqual(plain(self.box_text("Voxmate - URL Open Error")), "\n".join([
+                "Voxmate is unable to open the following URL:", page, "", "This URL has been copied to your Clipboard.",
+                "Open Internet Explorer and paste in the Address Bar and click 'GO' or press 'Enter'"]))
+            self.press("OK")
+            self.has_ended()
+
     def test_a_damaged_character_is_reported_with_its_name_and_the_program_ends(self):
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "Broken.acs")

@@ -1,0 +1,116 @@
+// A character's source: what its folder's character.json says, checked and with every name resolved.
+#pragma once
+
+#include "platform/agent/AcsFile.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QPointF>
+#include <QString>
+
+#include <array>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace voxmate::characters
+{
+
+/// A source that cannot be built; the message names the file and the place in it.
+class SourceError : public std::runtime_error
+{
+public:
+    explicit SourceError(const QString& message) : std::runtime_error(message.toStdString()) {}
+};
+
+/// What a key can set of a part: lengths in pixels of the frame, angles in degrees clockwise, factors of its size.
+enum Property { MoveX, MoveY, Rotate, ScaleX, ScaleY };
+inline constexpr std::size_t PropertyCount = 5;
+
+struct PartState {
+    std::array<double, PropertyCount> values{0, 0, 0, 1, 1};
+    int variant = -1; ///< index into the part's variants; -1: nothing is drawn
+    bool operator==(const PartState&) const = default;
+};
+
+/// The state of every part, in the order of Source::parts.
+using Pose = std::vector<PartState>;
+
+struct Variant {
+    QString name;
+    QString drawing; ///< identifier of a group of the drawing; empty for a part that only holds others together
+};
+
+struct Part {
+    QString name;
+    int parent = -1; ///< index of an earlier or later part; -1: the frame itself
+    QPointF pivot;
+    bool mirrored = false; ///< drawn and moved as its own reflection at the frame's middle
+    std::vector<Variant> variants;
+    PartState rest;
+    bool OnlyHolds() const { return variants.size() == 1 && variants[0].drawing.isEmpty(); }
+};
+
+/// How a value comes from the last key to this one.
+enum class Ease { Linear, In, Out, InOut, Back, Anticipate, Bounce, Spring, Hold };
+
+struct Setting {
+    int part = 0;
+    std::array<std::optional<double>, PropertyCount> values;
+    std::optional<int> variant;
+    Ease ease = Ease::InOut;
+};
+
+struct Key {
+    int at = 0; ///< 1/100 s from the start
+    std::vector<Setting> settings;
+};
+
+/// At the time `from` go on at the time `to`, in `percent` of the cases.
+struct SourceBranch {
+    int from = 0;
+    int to = 0;
+    int percent = 100;
+};
+
+struct SourceSound {
+    int at = 0;
+    int sound = 0; ///< index into Source::sounds
+};
+
+struct SourceAnimation {
+    QString name;
+    agent::Transition transition = agent::Transition::ExitBranches;
+    QString returnAnimation;
+    Pose start;
+    std::vector<Key> keys;
+    int step = 6;        ///< 1/100 s a frame
+    int length = 0;      ///< 1/100 s
+    int hold = -1;       ///< it ends here; what follows is only the way back to the rest pose; -1: at its length
+    bool speaks = false; ///< the frame it ends in has the mouths
+    std::vector<SourceBranch> branches;
+    std::vector<SourceSound> sounds;
+};
+
+struct Source {
+    QString folder;
+    QString drawingFile;
+    agent::Guid guid{};
+    std::uint32_t flags = 0;
+    std::vector<agent::LocalName> names;
+    std::optional<agent::VoiceInfo> voice;
+    std::optional<agent::BalloonInfo> balloon;
+    std::vector<Part> parts; ///< back to front
+    int mouthPart = -1;
+    std::array<int, agent::MouthCount> mouths{}; ///< for each mouth the variant of the mouth part
+    std::vector<std::pair<std::string, std::vector<std::string>>> states;
+    std::vector<SourceAnimation> animations;
+    std::vector<QByteArray> sounds;
+
+    Pose RestPose() const;
+};
+
+/// Reads `folder`/character.json; raises SourceError.
+Source ReadSource(const QString& folder);
+
+} // namespace voxmate::characters

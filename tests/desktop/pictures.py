@@ -1,0 +1,157 @@
+"""Takes the pictures of every window: splash, main window, character with its balloon, and each message box, at scale 1
+and 2, from the running program.
+
+Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER
+"""
+
+import os
+import shutil
+import sys
+import tempfile
+import time
+
+import desk as desktop
+
+QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+MARGIN = 12  # of desktop round a window
+
+
+class Photographer:
+    def __init__(self, desk, out, scale):
+        self.desk = desk
+        self.out = out
+        self.scale = scale
+        self.environment = {} if scale == 1 else {"QT_SCALE_FACTOR": str(scale)}
+
+    def path(self, name):
+        return os.path.join(self.out, name + ("" if self.scale == 1 else f"@{self.scale}x") + ".png")
+
+    def window(self, name, title):
+        """A window with its frame and a little of the desktop."""
+        window = desktop.wait_for(lambda: self.desk.windows(title), 20, what=title)[-1]
+        time.sleep(0.4)
+        x, y, width, height = self.desk.window_rect(window)
+        margin, bar = MARGIN * self.scale, 22
+        box = (max(0, x - margin), max(0, y - bar - margin), min(self.desk.screen[0], x + width + margin),
+               min(self.desk.screen[1], y + height + margin))
+        self.desk.screenshot(self.path(name), box)
+        print(self.path(name), flush=True)
+
+    def start(self, **settings):
+        self.desk.install_defaults(**{**QUIET, **settings})
+        return self.desk.start(**self.environment)
+
+    def press(self, name):
+        self.desk.click(self.desk.find(name, role="push button"))
+
+    def main_windows(self):
+        program = self.start(ShowCharacterAtStart=1)
+        self.window("splash", "^Voxmate$")
+        text = self.desk.find("Text to read", timeout=20)
+        time.sleep(3)
+        self.desk.click(text)
+        self.desk.type("Good morning! Whatever you type here, I read aloud for you, and my balloon reads along.")
+        self.window("main", "^Voxmate$")
+        self.press("Speak the textbox text")
+        time.sleep(2.6)
+        self.desk.screenshot(self.path("desktop"))
+        character = self.desk.window_rect(self.desk.windows("^Voxmate character$")[0])
+        balloon = self.desk.window_rect(self.desk.windows("^Voxmate balloon$")[0])
+        margin = MARGIN * self.scale
+        self.desk.screenshot(self.path("character"), (
+            min(character[0], balloon[0]) - margin, min(character[1], balloon[1]) - margin,
+            min(self.desk.screen[0], max(character[0] + character[2], balloon[0] + balloon[2]) + margin),
+            min(self.desk.screen[1], max(character[1] + character[3], balloon[1] + balloon[3]) + margin)))
+        self.press("Stop Everything !!!")
+        second = self.desk.spawn(os.path.join(self.desk.build, "voxmate"), env=dict(self.desk.env, **self.environment))
+        self.window("box-running", "Voxmate - Running")
+        self.press("OK")
+        second.wait(5)
+        self.desk.click(text)
+        self.desk.key("alt+f")
+        self.desk.key("Right")
+        time.sleep(0.5)
+        x, y, width, height = self.desk.window_rect(self.desk.windows("^Voxmate$")[-1])
+        self.desk.screenshot(self.path("menu"), (x - margin, y - 22 - margin, x + width + margin, y + height + margin))
+        self.desk.end(program)
+
+    def boxes(self):
+        program = self.start(SpeakTimeInterval=547)
+        self.window("box-runtime-error", "^Voxmate$")
+        self.desk.end(program)
+
+        self.desk.remove_settings()
+        program = self.desk.start(**self.environment)
+        self.window("box-path", "Voxmate - Path Error")
+        self.press("Yes")
+        self.window("box-options", "Voxmate - Options in Error")
+        self.desk.end(program)
+
+        program = self.start()
+        self.desk.end(program)
+        program = self.desk.start(PULSE_SERVER="unix:/nonexistent/sound", **self.environment)
+        self.desk.click(self.desk.find("Text to read", timeout=20))
+        self.desk.type("Anybody there?")
+        self.press("Speak the textbox text")
+        self.window("box-audio", "Voxmate - Audio Output Problem")
+        self.desk.end(program)
+
+        program = self.desk.start_without_engines(**self.environment)
+        if program:
+            self.window("box-no-engine", "Voxmate - Unhandled Error")
+            self.desk.end(program)
+
+        with tempfile.TemporaryDirectory() as folder:
+            chars = os.path.join(folder, "chars")
+            shipped = os.path.join(self.desk.build, "share", "voxmate", "msagent", "chars", "Nalu.acs")
+            os.makedirs(chars)
+            shutil.copy(shipped, chars)
+            shutil.copy(shipped, os.path.join(chars, "Other.acs"))
+            program = self.start(CharacterPath=chars)
+            text = self.desk.find("Text to read", timeout=20)
+            time.sleep(3)
+            os.remove(os.path.join(chars, "Other.acs"))
+            self.desk.click(text)
+            for key in ("alt+f", "Return", "Down", "Return"):
+                self.desk.key(key)
+                time.sleep(0.3)
+            self.window("box-file", "Voxmate - File Error")
+            self.desk.end(program)
+
+            with open(os.path.join(chars, "Nalu.acs"), "wb") as file:
+                file.write(b"\xC3\xAB\xCD\xAB" + bytes(20))
+            program = self.start(CharacterPath=chars)
+            self.window("box-unhandled", "Voxmate - Unhandled Error")
+            self.desk.end(program)
+
+            shutil.copy(os.path.join(self.desk.build, "voxmate"), folder)
+            shutil.copytree(os.path.join(self.desk.build, "share", "voxmate", "icons"),
+                            os.path.join(folder, "share", "voxmate", "icons"))
+            self.desk.install_defaults(CharacterPath=os.path.join(folder, "nowhere"))
+            program = self.desk.spawn(os.path.join(folder, "voxmate"),
+                                      env=dict(self.desk.env, PATH="/nonexistent", **self.environment))
+            self.desk.find("Voxmate - Path Error", timeout=20)
+            self.press("Yes")
+            time.sleep(1)
+            self.window("box-download", "Voxmate - Path Error")
+            self.press("Yes")
+            self.window("box-url", "Voxmate - URL Open Error")
+            program.terminate()
+            program.wait()
+
+
+def main():
+    build, out = sys.argv[1], sys.argv[2]
+    os.makedirs(out, exist_ok=True)
+    desk = desktop.Desk(build, compositor=True, screen=(1600, 1100))
+    try:
+        for scale in (1, 2):
+            photographer = Photographer(desk, out, scale)
+            photographer.main_windows()
+            photographer.boxes()
+    finally:
+        desk.close()
+
+
+if __name__ == "__main__":
+    main()
