@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-namespace voxmate::speech {
+namespace voxmate::speech
+{
 
 struct Voice {
     std::string name;     ///< as people know it: "eSpeak English (Great Britain)"
@@ -28,7 +29,8 @@ struct SpeechEvent {
 
 /// Receives what an engine makes, on the engine's thread, in order of time: an event's sample position is never before
 /// the samples already delivered by more than one block.
-class SampleSink {
+class SampleSink
+{
 public:
     virtual ~SampleSink() = default;
     /// Mono 16-bit samples at the voice's rate. False: stop synthesising.
@@ -36,7 +38,8 @@ public:
     virtual void Event(const SpeechEvent& event) = 0;
 };
 
-class Engine {
+class Engine
+{
 public:
     virtual ~Engine() = default;
     /// The voices in no particular order; empty when the engine's library or data is missing.

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace voxmate::speech {
+namespace voxmate::speech
+{
 
 /// How a stretch of text is spoken.
 struct Prosody {
@@ -23,11 +24,11 @@ struct Prosody {
 struct Segment {
     enum class Kind { Text, Pause, Bookmark };
     Kind kind = Kind::Text;
-    std::string text;        ///< Text: UTF-8, without tags
-    Prosody prosody;         ///< Text
-    bool emphasis = false;   ///< Text: stress its first word
-    int milliseconds = 0;    ///< Pause: 10 to 2550
-    int bookmark = 0;        ///< Bookmark: its number
+    std::string text;      ///< Text: UTF-8, without tags
+    Prosody prosody;       ///< Text
+    bool emphasis = false; ///< Text: stress its first word
+    int milliseconds = 0;  ///< Pause: 10 to 2550
+    int bookmark = 0;      ///< Bookmark: its number
     /// Text: where it begins among the words the listener sees (counted in words), so that a balloon can follow;
     /// all its words count as `shownWords` words when the spoken and the shown text differ, -1 when they are the same.
     int firstWord = 0;
@@ -42,19 +43,21 @@ struct Utterance {
 
 /// Callbacks on the user-interface thread, each when its moment is heard. After Stop none comes but Ended.
 struct VoiceEvents {
-    std::function<void()> Started;               ///< the first sample has been handed to the device
-    std::function<void(int word)> Word;          ///< index of the shown word that begins now
-    std::function<void(int mouth)> Mouth;        ///< 0 closed, 1 to 4 wide in four shapes, 5 medium, 6 narrow
+    std::function<void()> Started;        ///< the first sample has been handed to the device
+    std::function<void(int word)> Word;   ///< index of the shown word that begins now
+    std::function<void(int mouth)> Mouth; ///< 0 closed, 1 to 4 wide in four shapes, 5 medium, 6 narrow
     std::function<void(int number)> Bookmark;
-    std::function<void(bool ok)> Ended;          ///< the last sample has been heard, or it was stopped or failed
+    std::function<void(bool ok)> Ended; ///< the last sample has been heard, or it was stopped or failed
 };
 
-class VoiceOutput {
+class VoiceOutput
+{
 public:
     virtual ~VoiceOutput() = default;
     /// 0 available, 1 no output device, 2 the device cannot be opened, 4 speaking, 6 anything else.
     virtual int Status() = 0;
-    /// Starts speaking; sound begins before all of it is synthesised. One utterance at a time: a running one is stopped.
+    /// Starts speaking; sound begins before all of it is synthesised. One utterance at a time: a running one is
+    /// stopped.
     virtual void Start(const Utterance& utterance, VoiceEvents events) = 0;
     /// Silence within one audio buffer; Ended(false) follows from the event loop.
     virtual void Stop() = 0;

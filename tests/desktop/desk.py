@@ -96,9 +96,10 @@ def loud_span(samples, threshold=0.01, window=0.005):
 
 
 class Desk:
-    def __init__(self, build, compositor=False, screen=SCREEN):
+    def __init__(self, build, compositor=False, screen=SCREEN, home=None):
         self.build = os.path.abspath(build)
-        self.home = tempfile.mkdtemp(prefix="voxmate-desk-")
+        self.home = home or tempfile.mkdtemp(prefix="voxmate-desk-")
+        os.makedirs(self.home, exist_ok=True)
         self.children = []
         self.screen = screen
         runtime = os.path.join(self.home, "runtime")
@@ -307,9 +308,10 @@ class Desk:
         return self.run("xdotool", "search", "--onlyvisible", "--name", title, check=False).decode().split()
 
     def window_rect(self, window):
-        lines = self.run("xdotool", "getwindowgeometry", "--shell", window).decode().split()
-        values = dict(line.split("=") for line in lines)
-        return int(values["X"]), int(values["Y"]), int(values["WIDTH"]), int(values["HEIGHT"])
+        """Place and size of a window's content on the screen."""
+        lines = self.run("xwininfo", "-id", window).decode().split("\n")
+        values = dict(line.strip().split(":", 1) for line in lines if line.count(":") == 1)
+        return tuple(int(values[key]) for key in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     # Hands.
 

@@ -1,19 +1,22 @@
 """Takes the pictures of every window: splash, main window, character with its balloon, and each message box, at scale 1
 and 2, from the running program.
 
-Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER
+Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER     (as root: the program is photographed where a user has it)
 """
 
 import os
 import shutil
+import subprocess
 import sys
-import tempfile
 import time
 
 import desk as desktop
 
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 MARGIN = 12  # of desktop round a window
+SCREENS = {1: (1280, 800), 2: (2560, 1600)}  # by scale
+PLACE = "/opt/voxmate"
+HOME = "/home/buddy"
 
 
 class Photographer:
@@ -27,10 +30,13 @@ class Photographer:
         return os.path.join(self.out, name + ("" if self.scale == 1 else f"@{self.scale}x") + ".png")
 
     def window(self, name, title):
-        """A window with its frame and a little of the desktop."""
+        """The newest window of that title with its frame and a little of the desktop."""
         window = desktop.wait_for(lambda: self.desk.windows(title), 20, what=title)[-1]
         time.sleep(0.4)
-        x, y, width, height = self.desk.window_rect(window)
+        self.content(name, self.desk.window_rect(window))
+
+    def content(self, name, rect):
+        x, y, width, height = rect
         margin, bar = MARGIN * self.scale, 22
         box = (max(0, x - margin), max(0, y - bar - margin), min(self.desk.screen[0], x + width + margin),
                min(self.desk.screen[1], y + height + margin))
@@ -77,7 +83,9 @@ class Photographer:
 
     def boxes(self):
         program = self.start(SpeakTimeInterval=547)
-        self.window("box-runtime-error", "^Voxmate$")
+        box = self.desk.find("Voxmate", role="alert", timeout=20)
+        time.sleep(0.4)
+        self.content("box-runtime-error", self.desk.rect(box))
         self.desk.end(program)
 
         self.desk.remove_settings()
@@ -101,7 +109,9 @@ class Photographer:
             self.window("box-no-engine", "Voxmate - Unhandled Error")
             self.desk.end(program)
 
-        with tempfile.TemporaryDirectory() as folder:
+        folder = os.path.join(HOME, "Voxmate")
+        os.makedirs(folder)
+        try:
             chars = os.path.join(folder, "chars")
             shipped = os.path.join(self.desk.build, "share", "voxmate", "msagent", "chars", "Nalu.acs")
             os.makedirs(chars)
@@ -138,20 +148,41 @@ class Photographer:
             self.window("box-url", "Voxmate - URL Open Error")
             program.terminate()
             program.wait()
+        finally:
+            shutil.rmtree(folder)
 
 
 def main():
     build, out = sys.argv[1], sys.argv[2]
     os.makedirs(out, exist_ok=True)
-    desk = desktop.Desk(build, compositor=True, screen=(1600, 1100))
+    for folder in (PLACE, HOME):
+        if os.path.exists(folder):
+            sys.exit(f"{folder} is in use")
+    os.makedirs(PLACE)
+    shutil.copy(os.path.join(build, "voxmate"), PLACE)
+    shutil.copytree(os.path.join(build, "share"), os.path.join(PLACE, "share"))
     try:
-        for scale in (1, 2):
-            photographer = Photographer(desk, out, scale)
-            photographer.main_windows()
-            photographer.boxes()
+        # The accessibility library knows one desktop a process.
+        for scale in SCREENS:
+            subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), out], check=True)
+    finally:
+        shutil.rmtree(PLACE)
+
+
+def photograph(scale, out):
+    desk = desktop.Desk(PLACE, compositor=True, screen=SCREENS[scale], home=HOME)
+    try:
+        if shutil.which("hsetroot"):
+            desk.run("hsetroot", "-add", "#7fb7c9", "-add", "#2f5d7c", "-gradient", "0")
+        photographer = Photographer(desk, out, scale)
+        photographer.main_windows()
+        photographer.boxes()
     finally:
         desk.close()
 
 
 if __name__ == "__main__":
-    main()
+    if sys.argv[1] == "--scale":
+        photograph(int(sys.argv[2]), sys.argv[3])
+    else:
+        main()
