@@ -102,6 +102,7 @@ class Desk:
         os.makedirs(self.home, exist_ok=True)
         self.children = []
         self.screen = screen
+        self.scale = 1  # of the program's windows, for those who start it with another
         runtime = os.path.join(self.home, "runtime")
         os.mkdir(runtime, 0o700)
         self.env = {key: value for key, value in os.environ.items()
@@ -301,7 +302,8 @@ class Desk:
     def rect(self, widget):
         pyatspi = self.accessible()
         box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-        return box.x, box.y, box.width, box.height
+        # The toolkit tells device-independent pixels.
+        return tuple(value * self.scale for value in (box.x, box.y, box.width, box.height))
 
     def windows(self, title):
         """Ids of the visible windows with this title."""

@@ -24,6 +24,7 @@ class Photographer:
         self.desk = desk
         self.out = out
         self.scale = scale
+        desk.scale = scale
         self.environment = {} if scale == 1 else {"QT_SCALE_FACTOR": str(scale)}
 
     def path(self, name):
@@ -59,7 +60,7 @@ class Photographer:
         self.desk.type("Good morning! Whatever you type here, I read aloud for you, and my balloon reads along.")
         self.window("main", "^Voxmate$")
         self.press("Speak the textbox text")
-        time.sleep(2.6)
+        time.sleep(3.6)
         self.desk.screenshot(self.path("desktop"))
         character = self.desk.window_rect(self.desk.windows("^Voxmate character$")[0])
         balloon = self.desk.window_rect(self.desk.windows("^Voxmate balloon$")[0])

@@ -1,0 +1,156 @@
+"""The main window and the character by mouse and keyboard."""
+
+import time
+import unittest
+
+import desk as desktop
+from program import ProgramCase
+
+
+class Window(ProgramCase):
+    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+
+    def setUp(self):
+        super().setUp()
+        self.start_and_settle()
+        self.desk.click(self.desk.find("Text to read"))
+
+    def focused(self):
+        pyatspi = self.desk.accessible()
+        names = [name for name, _, node in self.desk.widgets() if node.getState().contains(pyatspi.STATE_FOCUSED)]
+        return names[0] if names else None
+
+    def saved(self, name, value):
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
+
+    def main_window(self):
+        return self.desk.windows("^Voxmate$")[-1]
+
+    def open_character_menu(self):
+        """Opens the character's menu with the right button and returns the middles of its five items, top to bottom. A
+        pop-up of its own is in no window's accessibility tree: its place on the screen is all there is."""
+        _, (x, y, width, height) = self.character_window()
+        known = set(self.desk.windows("")) | {self.main_window()}
+        self.desk.click_at(x + width // 2, y + height // 2, button=3)
+
+        def popup():
+            new = set(self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split())
+            return new - known
+
+        window = desktop.wait_for(popup, 5, what="the character's menu").pop()
+        time.sleep(0.2)
+        left, top, width, height = self.desk.window_rect(window)
+        item = (height - 12) / 5  # the rule and the frame take some 12 pixels
+        middles = [top + item * (number + 0.5) for number in range(4)] + [top + height - item * 0.6]
+        return [(left + width // 2, int(middle)) for middle in middles]
+
+    def test_the_window_is_narrow_and_keeps_its_size(self):
+        _, _, width, height = self.desk.window_rect(self.main_window())
+        self.assertLess(width, 515)
+        self.desk.run("xdotool", "windowsize", self.main_window(), "800", "700")
+        time.sleep(0.5)
+        self.assertEqual(self.desk.window_rect(self.main_window())[2:], (width, height))
+
+    def test_the_keyboard_goes_round_all_controls(self):
+        # A drop-down list is called by what is chosen in it; its label names it to a screen reader.
+        expected = ["Speak the textbox text", "Stop Everything !!!",
+                    "Choose Character by Right Click. Show Character on Left Click", "eSpeak English (Great Britain)",
+                    "Speed", "Pitch", "Whisper", "Text to read"]
+        seen = []
+        for _ in expected:
+            self.desk.key("Tab")
+            time.sleep(0.15)
+            seen.append(self.focused())
+        self.assertEqual(seen, expected)
+
+    def test_each_control_of_the_voice_is_reached_by_its_key_and_saved_at_once(self):
+        self.desk.key("alt+p")
+        self.desk.key(*["Right"] * 5)
+        self.desk.find("= 195")
+        self.saved("Pitch", "dword:000000c3")
+        self.desk.key("Home")
+        self.desk.find("= 40")
+        self.saved("Pitch", "dword:00000028")
+        self.desk.key("alt+d")
+        self.desk.key("End")
+        self.desk.find("= 400")
+        self.saved("Speed", "dword:00000190")
+        self.desk.key("alt+w")
+        self.saved("Whisper", "dword:00000001")
+        self.desk.key("alt+t")
+        self.desk.key("End")
+        desktop.wait_for(lambda: "Great Britain)" not in self.desk.read_settings()["LastSpeechEngine"], 3, what="another voice")
+
+    def test_dragging_a_bar_with_the_mouse_saves_where_it_ends(self):
+        x, y, width, height = self.desk.rect(self.desk.find("Pitch", role="scroll bar"))
+        handle = x + width * 44 // 100
+        self.desk.run("xdotool", "mousemove", "--sync", str(handle), str(y + height // 2))
+        self.desk.run("xdotool", "mousedown", "1")
+        for step in range(1, 11):
+            self.desk.run("xdotool", "mousemove", "--sync", str(handle + 6 * step), str(y + height // 2))
+        self.desk.run("xdotool", "mouseup", "1")
+        time.sleep(0.5)
+        label = next(text for text in self.desk.texts() if text.startswith("= ") and text != "= 156")
+        self.assertGreater(int(label[2:]), 200)
+        self.saved("Pitch", f"dword:{int(label[2:]):08x}")
+
+    def test_the_character_is_dragged_and_does_not_take_the_drag_for_a_click(self):
+        _, (x, y, width, height) = self.character_window()
+        self.desk.run("xdotool", "mousemove", "--sync", str(x + width // 2), str(y + height // 2))
+        self.desk.run("xdotool", "mousedown", "1")
+        for step in range(1, 21):
+            self.desk.run("xdotool", "mousemove", "--sync", str(x + width // 2 - 20 * step), str(y + height // 2 - 10 * step))
+        self.desk.run("xdotool", "mouseup", "1")
+        time.sleep(0.5)
+        _, (new_x, new_y, _, _) = self.character_window()
+        self.assertEqual((new_x - x, new_y - y), (-400, -200))
+        self.assertFalse(self.desk.windows("^Voxmate balloon$"))
+
+    def test_a_click_beside_the_drawing_goes_to_what_lies_beneath(self):
+        _, (x, y, _, _) = self.character_window()
+        below = self.desk.spawn("xmessage", "-geometry", f"60x60+{x - 10}+{y - 10}", "-title", "beneath", "-buttons", "", "x")
+        try:
+            desktop.wait_for(lambda: self.desk.windows("^beneath$"), what="the window beneath")
+            self.desk.run("xdotool", "mousemove", "--sync", str(x + 3), str(y + 3))
+            location = self.desk.run("xdotool", "getmouselocation", "--shell").decode()
+            window = next(line.split("=")[1] for line in location.split("\n") if line.startswith("WINDOW="))
+            title = self.desk.run("xdotool", "getwindowname", window, check=False).decode().strip()
+            self.assertNotIn("character", title)
+        finally:
+            below.terminate()
+
+    def test_the_characters_menu_hides_it_and_the_button_brings_it_back(self):
+        self.desk.click_at(*self.open_character_menu()[4])
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        self.press("Choose Character by Right Click. Show Character on Left Click")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
+
+    def test_the_time_is_told_from_the_characters_menu(self):
+        recorder = self.desk.recorder()
+        try:
+            self.desk.click_at(*self.open_character_menu()[1])
+            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 10, what="the time")
+        finally:
+            recorder.stop()
+
+
+class CloseToTray(ProgramCase):
+    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "CloseToTray": 1}
+
+    def test_without_a_tray_closing_iconifies_and_exit_still_ends_the_program(self):
+        self.start_and_settle()
+        window = self.desk.windows("^Voxmate$")[-1]
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+F4")
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 5, what="the iconified window")
+        self.assertIsNone(self.program.poll())
+        self.desk.run("xdotool", "windowactivate", "--sync", window)
+        self.desk.find("Text to read", timeout=5)
+        self.desk.key("alt+f")
+        self.desk.find("Exit", timeout=5)
+        self.desk.key("e")
+        self.has_ended()
+
+
+if __name__ == "__main__":
+    unittest.main()
