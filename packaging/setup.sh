@@ -8,14 +8,14 @@ build_packages=(
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev
 )
 run_packages=(
-  espeak-ng-data fonts-dejavu-core xdg-utils libpulse0 qt6-qpa-plugins
+  espeak-ng-data libflite1 libpulse0 fonts-dejavu-core xdg-utils
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0
 )
-test_packages=(libgtest-dev libgmock-dev picom)
+test_packages=(libgtest-dev libgmock-dev)
 
 say() { printf '== %s\n' "$*"; }
 
