@@ -14,10 +14,12 @@
 #include <string>
 #include <vector>
 
-namespace voxmate::agent {
+namespace voxmate::agent
+{
 
 /// A file that cannot be read as a character; the message names the file and says what is wrong with it.
-class AcsError : public std::runtime_error {
+class AcsError : public std::runtime_error
+{
 public:
     using std::runtime_error::runtime_error;
 };
@@ -133,23 +135,16 @@ struct IndexedImage {
     std::vector<std::uint8_t> pixels; ///< rows top-down, not padded: `width * height` palette indices
 };
 
-/// A whole character. Immutable once read; images are decoded on demand from the file's bytes, which it keeps.
-class AcsFile {
-public:
-    /// Reads and checks a file's structure; raises AcsError, naming `path`, for anything that is not as it must be.
-    static std::shared_ptr<const AcsFile> Open(const std::string& path);
-    /// The same from bytes in memory; `name` stands for the path in messages.
-    static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
-
-    std::string path;
-    std::uint16_t minorVersion = 0;
-    std::uint16_t majorVersion = 0;
+/// What a character file says of its character, images and sounds aside; the versions are those of a file of our own.
+struct AcsContent {
+    std::uint16_t minorVersion = 1;
+    std::uint16_t majorVersion = 2;
     Guid guid{};
     std::uint16_t width = 0;
     std::uint16_t height = 0;
     std::uint8_t transparentIndex = 0;
     std::uint32_t flags = 0;
-    std::uint16_t animationSetMajor = 0;
+    std::uint16_t animationSetMajor = 2;
     std::uint16_t animationSetMinor = 0;
     std::vector<LocalName> names;
     std::optional<VoiceInfo> voice;
@@ -158,7 +153,18 @@ public:
     std::optional<std::pair<std::vector<std::uint8_t>, std::vector<std::uint8_t>>> trayIcon; ///< mask, colour image
     std::vector<std::pair<std::string, std::vector<std::string>>> states; ///< name, animations, in file order
     std::vector<Animation> animations;                                    ///< in file order
+};
 
+/// A whole character. Immutable once read; images are decoded on demand from the file's bytes, which it keeps.
+class AcsFile : public AcsContent
+{
+public:
+    /// Reads and checks a file's structure; raises AcsError, naming `path`, for anything that is not as it must be.
+    static std::shared_ptr<const AcsFile> Open(const std::string& path);
+    /// The same from bytes in memory; `name` stands for the path in messages.
+    static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
+
+    std::string path;
     std::size_t ImageCount() const { return images_.size(); }
     std::size_t SoundCount() const { return sounds_.size(); }
     /// Decodes one image; raises AcsError when its data does not decode to exactly its size.

@@ -86,7 +86,7 @@ private:
     void StopSaver();
 };
 
-/// The user's settings file and the system's, in the places of the XDG base directory specification:
+/// The user's settings file and the system's, in the places of the XDG base directory standard:
 /// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS.
 std::unique_ptr<FileSettingsStore> MakeSettingsStore();
 

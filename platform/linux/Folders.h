@@ -1,4 +1,4 @@
-// Where things are: the folders of the XDG base directory specification, the program's own and the shared data.
+// Where things are: the folders of the XDG base directory standard, the program's own and the shared data.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace voxmate::linux_platform
 {
 
-/// $XDG_CONFIG_HOME, or ~/.config. A relative path in a variable does not count, as the specification asks.
+/// $XDG_CONFIG_HOME, or ~/.config. A relative path in a variable does not count, as that standard asks.
 std::string ConfigFolder();
 /// $XDG_CONFIG_DIRS, or /etc/xdg.
 std::vector<std::string> SystemConfigFolders();

@@ -61,7 +61,7 @@ void QtApplication::Report(const RuntimeError& error)
     // While the box is up timers go on and may fail, too: the first error is the one to tell.
     if (std::exchange(reporting_, true))
         return;
-    ShowMessageBox(activeWindow(), nullptr,
+    ShowMessageBox(activeWindow(), Icons,
                    "Run-time error '" + std::to_string(error.Number) + "':\n\n" + error.Description, vbCritical,
                    "Voxmate");
     EndProgram();

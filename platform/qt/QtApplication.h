@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/RuntimeError.h"
+#include "platform/qt/IconSet.h"
 
 #include <QApplication>
 
@@ -19,6 +20,9 @@ public:
 
     /// Ends the program after an error that nobody caught has been shown. By default the process ends with status 1.
     std::function<void()> EndProgram;
+
+    /// Where the box of an error takes its icon from; without it from the desktop.
+    const IconSet* Icons = nullptr;
 
     /// Catches what an event handler throws and reports it.
     bool notify(QObject* receiver, QEvent* event) override;

@@ -19,6 +19,8 @@ public:
     /// `shareDirectory` is the folder of the shared data, which holds icons/.
     explicit QtWindowSystem(const std::string& shareDirectory);
 
+    const IconSet& Icons() const { return icons_; }
+
     std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
     int MsgBox(const std::string& text, int style, const std::string& title) override;
     void DoEvents() override;

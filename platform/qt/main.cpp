@@ -39,6 +39,7 @@ int main(int argc, char** argv)
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().bcp47Name().toStdString());
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
+    application.Icons = &windows.Icons();
     qt::QtAudioOutput sound;
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
