@@ -1,6 +1,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace voxmate
 {
@@ -223,6 +224,22 @@ std::u16string Utf8ToUtf16(std::string_view text)
             out.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
             out.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
         }
+    }
+    return out;
+}
+
+std::string Windows1252ToUtf8(std::string_view bytes)
+{
+    // Bytes 0x80 to 0x9F; all others are their own code point (Unicode's mapping table for CP1252).
+    static constexpr std::array<char16_t, 32> high{0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
+                                                   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
+    std::string out;
+    out.reserve(bytes.size());
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        AppendUtf8(out, byte >= 0x80 && byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
     }
     return out;
 }

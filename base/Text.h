@@ -43,6 +43,8 @@ std::string EncodeUtf8(std::u32string_view points);
 void AppendUtf8(std::string& out, char32_t point);
 std::string Utf16ToUtf8(std::u16string_view text);
 std::u16string Utf8ToUtf16(std::string_view text);
+/// The code page's five unassigned bytes become the C1 controls of the same number, as the Encoding Standard has it.
+std::string Windows1252ToUtf8(std::string_view bytes);
 bool IsValidUtf8(std::string_view text);
 
 } // namespace voxmate

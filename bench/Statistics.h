@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace voxmate::bench {
+namespace voxmate::bench
+{
 
 /// Milliseconds of a steady clock.
 inline double NowMs()

@@ -72,11 +72,10 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
 
 void frmMain::Arrange()
 {
-    Layout voice = Column({
-        Grid(3, {Item(lblVoice), Item(comSpEng).Stretch(1), Item(chkWhisper), Item(lblSpeedName),
-                 Item(scrSpeed).Min(220, 0), Item(lblSpeed).Min(56, 0), Item(lblPitchName), Item(scrPitch).Min(220, 0),
-                 Item(lblPitch).Min(56, 0)}),
-    });
+    Layout voice =
+        Grid(3, {Item(lblVoice), Item(comSpEng).Stretch(1), Space(0), Item(lblSpeedName), Item(scrSpeed).Min(220, 0),
+                 Item(lblSpeed).Min(56, 0), Item(lblPitchName), Item(scrPitch).Min(220, 0), Item(lblPitch).Min(56, 0),
+                 Item(lblVoiceName), Item(chkWhisper)});
     Arrangement = Column({
         Row({Item(txtText).Stretch(1).Min(420, 120),
              Column({Item(cmdSpeak), Item(cmdStop), Item(cmdCharacter), Space()})}),

@@ -30,6 +30,7 @@ public:
     Label lblPitchName{this, "lblPitchName", "&Pitch"};
     HScrollBar scrPitch{this, "scrPitch", 40, 400};
     Label lblPitch{this, "lblPitch", "= 40"};
+    Label lblVoiceName{this, "lblVoiceName", "Voice"};
     CheckBox chkWhisper{this, "chkWhisper", "&Whisper"};
     StatusBar stsBar{this, "stsBar", {{"", 0, "Activity"}, {"", 10, "Character"}, {"", 12, "Clock"}}};
 

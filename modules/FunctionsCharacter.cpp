@@ -173,7 +173,7 @@ void LoadCharacter(const std::string& name, bool atStartUp)
         Main().CheckCharacter(name);
         const int engine = Main().SelectedSpeechEngine();
         if (engine >= 0)
-            Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(engine + 1)));
+            Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(engine) + 1));
         AddCommands();
         ApplyCharacterSettings();
     });

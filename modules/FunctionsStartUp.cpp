@@ -4,6 +4,7 @@
 #include "modules/Functions.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace voxmate
 {
@@ -22,6 +23,25 @@ std::string FindWindowsDir()
         length = Host().System.GetWindowsDirectoryA(buffer, length);
     }
     return buffer.substr(0, length);
+}
+
+// A path within an address: all but unreserved characters, "/" and ":" as %XX of its bytes (RFC 3986).
+std::string PercentEncoded(const std::string& path)
+{
+    std::string encoded;
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+                           (byte >= '0' && byte <= '9') || std::string_view("-._~/:").find(c) != std::string_view::npos;
+        if (plain) {
+            encoded += c;
+        } else {
+            encoded += '%';
+            encoded += "0123456789ABCDEF"[byte >> 4];
+            encoded += "0123456789ABCDEF"[byte & 0xFu];
+        }
+    }
+    return encoded;
 }
 
 } // namespace
@@ -74,7 +94,7 @@ std::string HelpPage(const std::string& name)
 {
     std::string folder = WindowsDir;
     std::replace(folder.begin(), folder.end(), '\\', '/');
-    return (folder.starts_with('/') ? "file://" : "file:///") + folder + "/web/" + name + ".html";
+    return (folder.starts_with('/') ? "file://" : "file:///") + PercentEncoded(folder) + "/web/" + name + ".html";
 }
 
 } // namespace voxmate

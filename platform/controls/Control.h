@@ -299,7 +299,8 @@ public:
 };
 
 /// A picture box that is never shown and receives a window's mouse messages: x is in twips (1/1440 inch).
-class PictureBox : public Control {
+class PictureBox : public Control
+{
 public:
     PictureBox(Form* form, std::string name, std::string picture)
         : Control(form, std::move(name)), Picture(std::move(picture))

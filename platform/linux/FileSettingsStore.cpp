@@ -39,9 +39,16 @@ std::string KeyPath(std::uint32_t root, const std::string& subKey)
 std::string ReadWhole(const std::string& path)
 {
     std::string text;
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Not blocking, because what stands there may be a pipe.
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return text;
+    struct stat info {
+    };
+    if (::fstat(file, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(file);
+        return text;
+    }
     std::array<char, 16384> block{};
     for (;;) {
         const ssize_t got = ::read(file, block.data(), block.size());
@@ -90,7 +97,7 @@ bool CanSave(const std::string& path)
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     const bool fileAllows = ::access(target.c_str(), F_OK) != 0 ||
-                            (::access(target.c_str(), W_OK) == 0 && !std::filesystem::is_directory(target, error));
+                            (::access(target.c_str(), W_OK) == 0 && std::filesystem::is_regular_file(target, error));
     return fileAllows && ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
@@ -117,7 +124,7 @@ bool Save(const std::string& path, const std::string& text)
 
 } // namespace
 
-FileSettingsStore::FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles)
+FileSettingsStore::FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles)
     : userFile_(std::move(userFile))
 {
     for (const std::string& path : systemFiles)
@@ -315,7 +322,7 @@ std::unique_ptr<FileSettingsStore> MakeSettingsStore()
     std::vector<std::string> systemFiles;
     for (const std::string& folder : SystemConfigFolders())
         systemFiles.push_back(folder + "/voxmate/registry.reg");
-    return std::make_unique<FileSettingsStore>(ConfigFolder() + "/voxmate/registry.reg", std::move(systemFiles));
+    return std::make_unique<FileSettingsStore>(ConfigFolder() + "/voxmate/registry.reg", systemFiles);
 }
 
 } // namespace voxmate::linux_platform

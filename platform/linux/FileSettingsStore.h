@@ -25,7 +25,7 @@ class FileSettingsStore : public SettingsStore
 public:
     /// `userFile` is read and written, `systemFiles` are only read, the first that has a value counts. A file that is
     /// missing or cannot be read counts as empty.
-    FileSettingsStore(std::string userFile, std::vector<std::string> systemFiles);
+    FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles);
     /// Waits until all is saved.
     ~FileSettingsStore() override;
     FileSettingsStore(const FileSettingsStore&) = delete;

@@ -21,7 +21,7 @@ std::string AbsoluteFromEnvironment(const char* variable)
 
 std::string HomeFolder()
 {
-    if (const std::string home = AbsoluteFromEnvironment("HOME"); !home.empty())
+    if (std::string home = AbsoluteFromEnvironment("HOME"); !home.empty())
         return home;
     const passwd* user = ::getpwuid(::getuid());
     return user && user->pw_dir ? user->pw_dir : "/";
@@ -79,9 +79,7 @@ std::string SharedDataFolder()
 std::string LockFilePath()
 {
     const std::string runtime = AbsoluteFromEnvironment("XDG_RUNTIME_DIR");
-    if (!runtime.empty())
-        return runtime + "/voxmate.lock";
-    return "/tmp/voxmate-" + std::to_string(::getuid()) + ".lock";
+    return (runtime.empty() ? ProgramFolder() : runtime) + "/voxmate.lock";
 }
 
 } // namespace voxmate::linux_platform

@@ -15,7 +15,7 @@ std::vector<std::string> SystemConfigFolders();
 std::string ProgramFolder();
 /// The shared data: share/voxmate beside the program (a build tree) or one level above its folder (an installation).
 std::string SharedDataFolder();
-/// Where this user's lock file stands: $XDG_RUNTIME_DIR, or the system's folder for temporary files.
+/// Where this user's lock file stands: $XDG_RUNTIME_DIR, or the program's folder.
 std::string LockFilePath();
 
 } // namespace voxmate::linux_platform

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -68,6 +69,7 @@ struct Started {
 pid_t StartDetached(std::vector<std::string> words)
 {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
@@ -144,11 +146,14 @@ bool LinuxProcess::PreviousInstance()
 
 double LinuxProcess::Shell(const std::string& command, int /*windowStyle*/)
 {
-    std::vector<std::string> words = SplitCommand(command);
+    constexpr std::string_view explorer = "explorer.exe ";
+    std::vector<std::string> words;
+    if (EqualNoCase(std::string_view(command).substr(0, explorer.size()), explorer))
+        words = {"xdg-open", command.substr(explorer.size())};
+    else
+        words = SplitCommand(command);
     if (words.empty())
         throw FileNotFound();
-    if (EqualNoCase(words.front(), "explorer.exe"))
-        words.front() = "xdg-open";
     const pid_t process = StartDetached(std::move(words));
     if (process == 0)
         throw FileNotFound();

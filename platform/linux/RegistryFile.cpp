@@ -167,11 +167,26 @@ std::string FormatValue(const RawValue& value)
     return out;
 }
 
+// What a person's editor may have saved: UTF-16 with its mark, UTF-8, or else Windows-1252.
+std::string Decoded(std::string_view bytes)
+{
+    if (bytes.starts_with("\xFF\xFE")) {
+        std::u16string units;
+        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
+            units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                           static_cast<unsigned char>(bytes[i + 1]) << 8);
+        return Utf16ToUtf8(units);
+    }
+    return IsValidUtf8(bytes) ? std::string(bytes) : Windows1252ToUtf8(bytes);
+}
+
 } // namespace
 
-RegistryFile RegistryFile::Parse(std::string_view text)
+RegistryFile RegistryFile::Parse(std::string_view bytes)
 {
     RegistryFile file;
+    const std::string decoded = Decoded(bytes);
+    std::string_view text = decoded;
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());

@@ -26,7 +26,8 @@ struct RawValue {
 class RegistryFile
 {
 public:
-    static RegistryFile Parse(std::string_view text);
+    /// UTF-8, UTF-16 with its mark, or else Windows-1252; it is written as UTF-8.
+    static RegistryFile Parse(std::string_view bytes);
     std::string Text() const;
 
     bool HasKey(const std::string& key) const;

@@ -322,7 +322,9 @@ class Desk:
         self.click_at(x + width // 2, y + height // 2, button)
 
     def click_at(self, x, y, button=1):
-        self.run("xdotool", "mousemove", "--sync", str(x), str(y))
+        # Its own waiting for the pointer takes seconds when the pointer stands there already.
+        self.run("xdotool", "mousemove", str(x), str(y))
+        time.sleep(0.05)
         self.run("xdotool", "click", str(button))
 
     def type(self, text):

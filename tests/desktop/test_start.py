@@ -190,7 +190,7 @@ class Lacking(ProgramCase):
         self.start()
         self.assertEqual(plain(self.box_text("Voxmate")), "Run-time error '6':\n\nOverflow")
         self.press("OK")
-        self.program.wait(5)
+        self.has_ended()
 
     def test_a_page_that_cannot_be_opened_is_copied_and_said(self):
         self.desk.install_defaults(GreetingEnabled=0, CharacterPath=self.desk.home + "/nowhere")

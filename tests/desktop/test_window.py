@@ -84,10 +84,10 @@ class Window(ProgramCase):
     def test_dragging_a_bar_with_the_mouse_saves_where_it_ends(self):
         x, y, width, height = self.desk.rect(self.desk.find("Pitch", role="scroll bar"))
         handle = x + width * 44 // 100
-        self.desk.run("xdotool", "mousemove", "--sync", str(handle), str(y + height // 2))
+        self.desk.run("xdotool", "mousemove", str(handle), str(y + height // 2))
         self.desk.run("xdotool", "mousedown", "1")
         for step in range(1, 11):
-            self.desk.run("xdotool", "mousemove", "--sync", str(handle + 6 * step), str(y + height // 2))
+            self.desk.run("xdotool", "mousemove", str(handle + 6 * step), str(y + height // 2))
         self.desk.run("xdotool", "mouseup", "1")
         time.sleep(0.5)
         label = next(text for text in self.desk.texts() if text.startswith("= ") and text != "= 156")
@@ -96,10 +96,10 @@ class Window(ProgramCase):
 
     def test_the_character_is_dragged_and_does_not_take_the_drag_for_a_click(self):
         _, (x, y, width, height) = self.character_window()
-        self.desk.run("xdotool", "mousemove", "--sync", str(x + width // 2), str(y + height // 2))
+        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
         self.desk.run("xdotool", "mousedown", "1")
         for step in range(1, 21):
-            self.desk.run("xdotool", "mousemove", "--sync", str(x + width // 2 - 20 * step), str(y + height // 2 - 10 * step))
+            self.desk.run("xdotool", "mousemove", str(x + width // 2 - 20 * step), str(y + height // 2 - 10 * step))
         self.desk.run("xdotool", "mouseup", "1")
         time.sleep(0.5)
         _, (new_x, new_y, _, _) = self.character_window()
@@ -111,7 +111,7 @@ class Window(ProgramCase):
         below = self.desk.spawn("xmessage", "-geometry", f"60x60+{x - 10}+{y - 10}", "-title", "beneath", "-buttons", "", "x")
         try:
             desktop.wait_for(lambda: self.desk.windows("^beneath$"), what="the window beneath")
-            self.desk.run("xdotool", "mousemove", "--sync", str(x + 3), str(y + 3))
+            self.desk.run("xdotool", "mousemove", str(x + 3), str(y + 3))
             location = self.desk.run("xdotool", "getmouselocation", "--shell").decode()
             window = next(line.split("=")[1] for line in location.split("\n") if line.startswith("WINDOW="))
             title = self.desk.run("xdotool", "getwindowname", window, check=False).decode().strip()

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -223,6 +224,35 @@ TEST_F(SettingsFileTest, AFileWithCrLfAndAByteOrderMarkIsUnderstood)
     EXPECT_EQ(Get(store, "UserName").data, "Ada");
     Set(store, "UserName", REG_SZ, "Bea");
     EXPECT_NE(Read(file).find("\"UserName\"=\"Bea\"\r\n"), std::string::npos);
+}
+
+TEST_F(SettingsFileTest, AFileInAnotherEncodingIsUnderstoodAndSavedInOurs)
+{
+    Write(file, header + "\"UserName\"=\"J\xFCrgen \x80\"\n");
+    {
+        FileSettingsStore store = Store();
+        EXPECT_EQ(Get(store, "UserName").data, "J\xC3\xBCrgen \xE2\x82\xAC");
+        Set(store, "A", REG_SZ, "x");
+    }
+    EXPECT_EQ(Read(file), header + "\"UserName\"=\"J\xC3\xBCrgen \xE2\x82\xAC\"\n\"A\"=\"x\"\n");
+
+    std::string wide = "\xFF\xFE";
+    for (const char c : header + "\"UserName\"=\"Ada\"\r\n") {
+        wide += c;
+        wide += '\0';
+    }
+    Write(file, wide);
+    FileSettingsStore store = Store();
+    EXPECT_EQ(Get(store, "UserName").data, "Ada");
+}
+
+TEST_F(SettingsFileTest, APipeInPlaceOfTheFileDoesNotHoldTheProgramUp)
+{
+    fs::create_directories(file.parent_path());
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    FileSettingsStore store = Store();
+    EXPECT_EQ(Get(store, "UserName").code, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Set(store, "UserName", REG_SZ, "x"), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(SettingsFileTest, TheLaterOfTwoEqualNamesCounts)
@@ -473,15 +503,15 @@ TEST_F(LinuxProcessTest, AnAddressIsOpenedByTheDesktopsOwnOpener)
 {
     const fs::path bin = folder / "bin";
     const fs::path seen = folder / "seen";
-    Write(bin / "xdg-open", "#!/bin/sh\necho \"$@\" > '" + seen.string() + "'\n");
+    Write(bin / "xdg-open", "#!/bin/sh\necho $# \"$@\" > '" + seen.string() + "'\n");
     fs::permissions(bin / "xdg-open", fs::perms::owner_all);
     const std::string path = std::getenv("PATH");
     ::setenv("PATH", (bin.string() + ":" + path).c_str(), 1);
     LinuxProcess process;
-    process.Shell("explorer.exe file:///usr/share/page.html", 3);
+    process.Shell("explorer.exe file:///usr/share/a page.html", 3);
     for (int i = 0; i < 200 && Read(seen).empty(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(Read(seen), "file:///usr/share/page.html\n");
+    EXPECT_EQ(Read(seen), "1 file:///usr/share/a page.html\n");
     ::setenv("PATH", path.c_str(), 1);
 }
 

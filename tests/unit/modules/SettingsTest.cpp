@@ -360,6 +360,19 @@ TEST_F(SettingsTest, NothingInErrorIsNotReported)
     EXPECT_TRUE(fake.log.empty());
 }
 
+TEST_F(SettingsTest, WithReadMessagesOffTheReportIsSilentAndTheProgramIsBusyUntilItIsClosed)
+{
+    WithCharacter();
+    Settings.ReadMessages = 0;
+    Settings.SettingsErrorList = "Pitch\r\n";
+    Boolean busyMeanwhile = False;
+    fake.windows.whileBoxIsUp = [&](const auto&) { busyMeanwhile = IsBusy; };
+    ReportSettingsInError();
+    EXPECT_EQ(fake.log, (Lines{"MsgBox Voxmate - Options in Error"}));
+    EXPECT_EQ(busyMeanwhile, True);
+    EXPECT_EQ(IsBusy, False);
+}
+
 TEST_F(SettingsTest, TheReportIsUpWhileTheProgramIsBusy)
 {
     WithCharacter();

@@ -232,6 +232,12 @@ TEST_F(SpeechTest, ChoosingAnEngineGivesItToTheCharacterAndStoresItsName)
     EXPECT_EQ(fake.store.At("LastSpeechEngine").data, "Second Voice");
 }
 
+TEST_F(SpeechTest, APagesAddressHoldsNoBlankOrOtherReservedCharacter)
+{
+    WindowsDir = "/home/zo\xC3\xAB/My Projects & more/share/voxmate";
+    EXPECT_EQ(HelpPage("voices"), "file:///home/zo%C3%AB/My%20Projects%20%26%20more/share/voxmate/web/voices.html");
+}
+
 TEST_F(SpeechTest, APageThatCannotBeOpenedGoesToTheClipboard)
 {
     fake.process.shellFails = true;
