@@ -36,7 +36,7 @@ int main(int argc, char** argv)
     std::vector<std::unique_ptr<speech::Engine>> engines;
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
-    speech::VoiceCatalog voices(std::move(engines), QLocale::system().bcp47Name().toStdString());
+    speech::VoiceCatalog voices(std::move(engines), QLocale::system().bcp47Name().toStdString(), EngineLimit);
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <tuple>
 #include <utility>
 
@@ -11,6 +12,10 @@ namespace voxmate::speech
 
 namespace
 {
+
+// Constructed and ancient languages (ISO 639).
+constexpr std::array<std::string_view, 16> notNative{"eo",  "ia",   "ie",  "io",  "jbo", "la",  "lfn", "ldn",
+                                                     "grc", "piqd", "qdb", "qya", "sjn", "tlh", "tok", "vo"};
 
 // "de-DE", "de_DE.UTF-8" and "DE" are all "de".
 std::string PrimaryLanguage(std::string_view tag)
@@ -24,9 +29,40 @@ std::string PrimaryLanguage(std::string_view tag)
 
 } // namespace
 
-VoiceCatalog::VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage)
-    : engines_(std::move(engines)), language_(PrimaryLanguage(desktopLanguage))
+VoiceCatalog::VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage, int limit)
+    : engines_(std::move(engines)), language_(PrimaryLanguage(desktopLanguage)), limit_(static_cast<std::size_t>(limit))
 {
+}
+
+// Where there are more voices than fit, every language that people speak keeps one: those left out are first languages
+// that nobody grows up with, then further regions of a language.
+void VoiceCatalog::KeepWhatFits()
+{
+    if (entries_.size() <= limit_)
+        return;
+    enum Rank { Wanted, OneALanguage, AnotherRegion, NobodysOwn };
+    std::vector<std::string> seen;
+    std::vector<std::pair<Rank, std::size_t>> ranked;
+    // A tag without a region speaks for its language before one with.
+    std::stable_sort(entries_.begin(), entries_.end(),
+                     [](const Entry& a, const Entry& b) { return a.voice.language.size() < b.voice.language.size(); });
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        const std::string language = PrimaryLanguage(entries_[i].voice.language);
+        Rank rank = OneALanguage;
+        if (language == language_ || language == "en")
+            rank = Wanted;
+        else if (std::find(notNative.begin(), notNative.end(), language) != notNative.end())
+            rank = NobodysOwn;
+        else if (std::find(seen.begin(), seen.end(), language) != seen.end())
+            rank = AnotherRegion;
+        seen.push_back(language);
+        ranked.emplace_back(rank, i);
+    }
+    std::sort(ranked.begin(), ranked.end());
+    std::vector<Entry> kept;
+    for (std::size_t i = 0; i < limit_; ++i)
+        kept.push_back(entries_[ranked[i].second]);
+    entries_ = std::move(kept);
 }
 
 const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
@@ -37,6 +73,7 @@ const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
     for (const auto& engine : engines_)
         for (const Voice& voice : engine->Voices())
             entries_.push_back({voice, engine.get()});
+    KeepWhatFits();
     const auto key = [this](const Entry& entry) {
         const std::string language = PrimaryLanguage(entry.voice.language);
         const int group = language == language_ ? 0 : language == "en" ? 1 : 2;

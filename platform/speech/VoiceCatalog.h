@@ -22,7 +22,8 @@ public:
 
     /// Takes the engines; asks none of them anything yet. `desktopLanguage` is a BCP 47 tag ("de-DE"): its voices come
     /// first, then the English ones, then the rest, each group by name.
-    VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage);
+    /// Where there are more than `limit` voices, further regions and constructed languages are left out.
+    VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage, int limit = 1000);
 
     int CountEngines() override;
     /// Empty for an index outside 1 to CountEngines.
@@ -35,9 +36,11 @@ public:
 
 private:
     const std::vector<Entry>& Entries();
+    void KeepWhatFits();
 
     std::vector<std::unique_ptr<Engine>> engines_;
     std::string language_;
+    std::size_t limit_;
     bool listed_ = false;
     std::vector<Entry> entries_;
 };

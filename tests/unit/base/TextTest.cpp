@@ -68,6 +68,12 @@ TEST(Text, Utf16RoundTripKeepsSurrogatePairsAndReplacesLoneOnes)
     EXPECT_EQ(Utf8ToUtf16(text).size(), 4u);
 }
 
+TEST(Text, Windows1252HasLettersWhereLatin1HasControls)
+{
+    EXPECT_EQ(Windows1252ToUtf8("a\x80\x9F\xE9\xFF"), "a\xE2\x82\xAC\xC5\xB8\xC3\xA9\xC3\xBF");
+    EXPECT_EQ(Windows1252ToUtf8("\x81"), "\xC2\x81");
+}
+
 TEST(Text, LinesAreJoinedByCrLf)
 {
     const std::vector<std::string> lines{"a", "", "b"};

@@ -49,6 +49,28 @@ TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
     EXPECT_EQ(NamesFor("en-GB"), english);
 }
 
+TEST(VoiceCatalog, LeavesOutRegionsAndConstructedLanguagesWhereThereAreMoreVoicesThanFit)
+{
+    const auto namesWithin = [](int limit) {
+        std::vector<std::unique_ptr<Engine>> engines;
+        engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"Brazilian", "1", "pt-br", ""},
+                                                                          {"Esperanto", "2", "eo", ""},
+                                                                          {"Portuguese", "3", "pt", ""},
+                                                                          {"German", "4", "de", ""},
+                                                                          {"Swiss", "5", "de-ch", ""},
+                                                                          {"English", "6", "en-us", ""},
+                                                                          {"Welsh", "7", "cy", ""}}));
+        VoiceCatalog catalog(std::move(engines), "de", limit);
+        Names names;
+        for (int i = 1; i <= catalog.CountEngines(); ++i)
+            names.push_back(catalog.ModeName(i));
+        return names;
+    };
+    EXPECT_EQ(namesWithin(7), (Names{"German", "Swiss", "English", "Brazilian", "Esperanto", "Portuguese", "Welsh"}));
+    EXPECT_EQ(namesWithin(6), (Names{"German", "Swiss", "English", "Brazilian", "Portuguese", "Welsh"}));
+    EXPECT_EQ(namesWithin(5), (Names{"German", "Swiss", "English", "Portuguese", "Welsh"}));
+}
+
 TEST(VoiceCatalog, HasNothingOutsideItsBounds)
 {
     VoiceCatalog empty({}, "en");
