@@ -11,6 +11,8 @@
 #include "platform/qt/QtAudioOutput.h"
 #include "platform/qt/QtStage.h"
 #include "platform/qt/QtWindowSystem.h"
+#include "platform/speech/FallbackOutput.h"
+#include "platform/speech/PulseDevice.h"
 #include "platform/speech/VoiceCatalog.h"
 #include "platform/speech/VoicePlayer.h"
 
@@ -40,7 +42,9 @@ int main(int argc, char** argv)
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();
-    qt::QtAudioOutput sound;
+    qt::QtAudioOutput qtSound;
+    speech::PulseOutput serverSound(qtSound);
+    speech::FallbackOutput sound(qtSound, serverSound);
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
     agent::Server server(stage, voice);

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 struct pa_context;
@@ -70,6 +71,31 @@ private:
     std::condition_variable known_;
     Server server_ = Server::Unknown;
     bool openFailed_ = false;
+};
+
+/// The device as an AudioOutput; actions are posted through another one's event loop, which must outlive it.
+class PulseOutput final : public AudioOutput
+{
+public:
+    explicit PulseOutput(AudioOutput& loop)
+        : loop_(loop), device_([&loop](std::function<void()> action) { loop.Post(std::move(action)); })
+    {
+    }
+    State Check() override { return device_.Check(); }
+    std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
+                                      std::function<void()> drained, std::function<void()> failed) override
+    {
+        return device_.Open(samplesPerSecond, std::move(source), std::move(drained), std::move(failed));
+    }
+    void Post(std::function<void()> action) override { loop_.Post(std::move(action)); }
+    void PostAfter(int milliseconds, std::function<void()> action) override
+    {
+        loop_.PostAfter(milliseconds, std::move(action));
+    }
+
+private:
+    AudioOutput& loop_;
+    PulseDevice device_;
 };
 
 } // namespace voxmate::speech

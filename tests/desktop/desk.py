@@ -116,7 +116,7 @@ class Desk:
         try:
             self._start_display(compositor)
             self._start_buses()
-            self._start_sound()
+            self.start_sound()
         except BaseException:
             self.close()
             raise
@@ -158,8 +158,15 @@ class Desk:
                         if os.path.exists(path))
         self.spawn(launcher, "--launch-immediately")
 
-    def _start_sound(self):
+    def kill_sound(self):
+        """The sound server crashes."""
+        self.sound.kill()
+        self.sound.wait()
+
+    def start_sound(self):
         socket = os.path.join(self.env["XDG_RUNTIME_DIR"], "sound")
+        if os.path.exists(socket):
+            os.remove(socket)
         self.sound = self.spawn("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
                                 f"--load=module-native-protocol-unix auth-anonymous=1 socket={socket}",
                                 f"--load=module-null-sink sink_name=rec rate={RATE}")

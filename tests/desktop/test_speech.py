@@ -140,6 +140,47 @@ class Speech(ProgramCase):
         desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
 
 
+class SoundServer(ProgramCase):
+    defaults = QUIET
+
+    def hear(self):
+        recorder = self.desk.recorder()
+        try:
+            self.press("Speak the textbox text")
+            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 10, what="sound")
+        finally:
+            recorder.stop()
+
+    def test_speech_goes_on_after_the_sound_server_crashed_in_mid_sentence_and_came_back(self):
+        self.start_and_settle()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(SENTENCE)
+        self.hear()
+        self.desk.kill_sound()
+        try:
+            self.settle()
+            self.press("Speak the textbox text")
+            self.assertEqual(self.box_text("Voxmate - Audio Output Problem"), "There is no support for audio output.")
+            self.press("OK")
+            self.desk.gone("Voxmate - Audio Output Problem")
+        finally:
+            self.desk.start_sound()
+        self.hear()
+        self.assertIsNone(self.program.poll())
+
+    def test_a_sound_server_that_comes_after_the_program_is_found(self):
+        self.desk.kill_sound()
+        try:
+            self.start_and_settle()
+            self.press("Speak the textbox text")
+            self.box_text("Voxmate - Audio Output Problem")
+            self.press("OK")
+            self.desk.gone("Voxmate - Audio Output Problem")
+        finally:
+            self.desk.start_sound()
+        self.hear()
+
+
 class Greeting(ProgramCase):
     def test_the_start_up_greeting_is_heard(self):
         recorder = self.desk.recorder()
