@@ -63,7 +63,9 @@ public:
     /// Speaks text with output tags, or, with a path in `url`, plays that wave file with the mouth following it.
     virtual AgentRequestPtr Speak(const std::string& text, const std::string& url) = 0;
     virtual void Stop(const AgentRequestPtr& request) = 0;
-    /// `types`: a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all.
+    /// `types`: a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all. Called by a
+    /// handler of Hidden, it reaches only requests made before that hiding was asked for, by Hide or in the menu: what
+    /// was asked for while the character was still going is carried out.
     virtual void StopAll(const std::string& types) = 0;
 
     virtual AgentBalloon& Balloon() = 0;

@@ -30,6 +30,11 @@ const Frame* NeutralFrame(const AcsFile& file)
     return FirstDrawn(file.FindAnimation("RestPose"));
 }
 
+Point Middle(const Rect& rect)
+{
+    return {rect.x + rect.width / 2, rect.y + rect.height / 2};
+}
+
 Rect United(const Rect& a, const Rect& b)
 {
     if (a.width == 0)
@@ -51,6 +56,11 @@ Body::Body(Stage& stage, const AcsFile& file)
     window_->Mouse = [this](const MouseEvent& event) {
         if (Mouse)
             Mouse(event);
+    };
+    window_->Moved = [this](Point place) {
+        TakePlace(place);
+        if (Moved)
+            Moved();
     };
     Settle();
 }
@@ -88,8 +98,10 @@ void Body::Settle()
 {
     Rect area;
     Rect wanted = OnScreen();
-    if (placedByUser_) {
-        area = stage_.WorkArea({place_.x + size_.width / 2, place_.y + size_.height / 2});
+    if (feet_) {
+        wanted.x = feet_->x - size_.width / 2;
+        wanted.y = feet_->y - size_.height;
+        area = stage_.WorkArea(Middle(wanted));
     } else {
         area = stage_.PrimaryWorkArea();
         wanted.x = area.Right() - size_.width - kRightMargin;
@@ -105,8 +117,6 @@ void Body::SetScreenSize(Size size)
     size = {std::max(1, size.width), std::max(1, size.height)};
     if (size == size_)
         return;
-    place_.x += (size_.width - size.width) / 2;
-    place_.y += size_.height - size.height;
     size_ = size;
     Redraw();
     Settle();
@@ -121,13 +131,51 @@ void Body::DragTo(Point topLeft, Point pointer)
     const int halfHeight = size_.height / 2;
     const Point place{std::clamp(topLeft.x, area.x - halfWidth, std::max(area.x, area.Right() - 1) - halfWidth),
                       std::clamp(topLeft.y, area.y - halfHeight, std::max(area.y, area.Bottom() - 1) - halfHeight)};
-    placedByUser_ = true;
-    if (place == place_)
+    const bool moves = place != place_;
+    TakePlace(place);
+    if (!moves)
         return;
-    place_ = place;
     window_->MoveTo(place_);
     if (Moved)
         Moved();
+}
+
+void Body::StandAt(Point feet)
+{
+    feet_ = feet;
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::ComeBack()
+{
+    const Point middle = Middle(OnScreen());
+    if (stage_.WorkArea(middle).Contains(middle))
+        return;
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::ScreensChanged()
+{
+    if (!visible_)
+        return;
+    if (feet_)
+        ComeBack();
+    else
+        Settle();
+    // Even a body that stays has another room for its balloon now.
+    if (Moved)
+        Moved();
+}
+
+/// The user has put the window there.
+void Body::TakePlace(Point place)
+{
+    place_ = place;
+    feet_ = {place.x + size_.width / 2, place.y + size_.height};
 }
 
 Rect Body::Outline() const

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace voxmate::agent
@@ -34,12 +35,21 @@ public:
     void Vanish();
 
     Size ScreenSize() const { return size_; }
-    /// Scales the picture; below 1 means 1. The middle of the lower edge stays where it is, if there is room.
+    /// Scales the picture; below 1 means 1. The feet, the middle of the lower edge, stay where they are, if there is
+    /// room.
     void SetScreenSize(Size size);
     /// Moves the window's upper left corner to a point; the character's middle stays on the work area of the screen
     /// that holds `pointer`, so that it can always be taken hold of again.
     void DragTo(Point topLeft, Point pointer);
     Point Place() const { return place_; }
+    /// Where the user has put the feet; nothing while the body stands where it first appeared.
+    std::optional<Point> Feet() const { return feet_; }
+    /// Puts the feet at a point, as if by the user; the body stays wholly on the work area.
+    void StandAt(Point feet);
+    /// Comes back onto the work area if its middle lies on none.
+    void ComeBack();
+    /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner.
+    void ScreensChanged();
     /// The drawn part of the character on the screen: of its neutral pose and of the one it stood in at TakeOutline.
     Rect Outline() const;
     void TakeOutline();
@@ -63,6 +73,7 @@ private:
     void Redraw();
     void StopSound();
     void Settle();
+    void TakePlace(Point place);
     Rect OnScreen() const { return {place_.x, place_.y, size_.width, size_.height}; }
 
     Stage& stage_;
@@ -75,10 +86,10 @@ private:
     bool soundsOn_ = true;
     bool soundStarted_ = false;
     bool visible_ = false;
-    bool placedByUser_ = false;
     Size size_;
     Point place_;
-    Rect outline_; ///< in the file's pixels
+    std::optional<Point> feet_; ///< as the user wants them; a work area may leave no room just there
+    Rect outline_;              ///< in the file's pixels
 };
 
 } // namespace voxmate::agent

@@ -44,7 +44,11 @@ Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsF
 
 Character::~Character()
 {
-    StopAll("");
+    // Not StopAll, which in a handler of Hidden does not reach all of them.
+    if (current_)
+        Interrupt();
+    for (const RequestPtr& request : std::exchange(queue_, {}))
+        Conclude(request, RequestStatus::Interrupted);
 }
 
 AgentRequestPtr Character::Show(bool fast)
@@ -103,12 +107,14 @@ void Character::Stop(const AgentRequestPtr& request)
 
 void Character::StopAll(const std::string& types)
 {
-    const StopTypes wanted = ParseStopTypes(types);
-    if (current_ && wanted.Includes(current_->kind))
+    const auto stops = [this, wanted = ParseStopTypes(types)](const Request& request) {
+        return wanted.Includes(request.kind) && shared_.order.Reaches(request.number);
+    };
+    if (current_ && stops(*current_))
         Interrupt();
     std::deque<RequestPtr> kept;
     for (const RequestPtr& request : queue_) {
-        if (wanted.Includes(request->kind))
+        if (stops(*request))
             Conclude(request, RequestStatus::Interrupted);
         else
             kept.push_back(request);

@@ -14,6 +14,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct Shared {
     Stage& stage;
     speech::VoiceOutput& voice;
     VoiceTurn& turn;
+    RequestOrder& order;
     EventQueue& events;
     AgentControl& control;
 
@@ -69,6 +71,12 @@ public:
     std::vector<std::string> AnimationNames() const override;
     bool Visible() const override { return body_.Visible(); }
 
+    /// Where the user has put the character, by drag or window manager: the middle of the lower edge; nothing while it
+    /// stands where it first appeared. StandAt puts it there as if by the user.
+    std::optional<Point> Feet() const { return body_.Feet(); }
+    void StandAt(Point feet) { body_.StandAt(feet); }
+    /// Screens or work areas have changed.
+    void ScreensChanged() { body_.ScreensChanged(); }
     void SetSoundEffectsOn(bool on) { body_.SetSoundEffectsOn(on); }
     /// Has the queue looked at from the event loop.
     void Wake();
@@ -97,6 +105,7 @@ private:
     void Conclude(const RequestPtr& request, RequestStatus status);
     void HideByUser();
     void Gone();
+    void RaiseHidden(const Request& hide);
 
     void Rest();
     void GoHome();

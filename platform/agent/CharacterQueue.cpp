@@ -10,6 +10,7 @@ namespace voxmate::agent
 
 RequestPtr Character::Enqueue(RequestPtr request)
 {
+    request->number = shared_.order.Next();
     queue_.push_back(request);
     Wake();
     return request;
@@ -55,10 +56,12 @@ void Character::Begin()
         shared_.Raise(&AgentControl::RequestStart, AgentRequestPtr(request));
     switch (request->kind) {
     case RequestKind::Show:
-        if (visible)
+        if (visible) {
+            body_.ComeBack();
             End(RequestStatus::Complete);
-        else
+        } else {
             BeginShow();
+        }
         break;
     case RequestKind::Hide:
         if (visible)
@@ -116,9 +119,20 @@ void Character::Gone()
     gestures_.Reset();
     unsettled_ = false;
     body_.Vanish();
-    shared_.Raise(&AgentControl::Hidden, name_,
-                  current_->byUser ? VisibilityCause::UserHid : VisibilityCause::ProgramHid);
+    RaiseHidden(*current_);
     End(RequestStatus::Complete);
+}
+
+/// A handler of Hidden that stops everything means what went on when the hiding began; by the time it is called, more
+/// may have been asked for, which must not be lost.
+void Character::RaiseHidden(const Request& hide)
+{
+    const VisibilityCause cause = hide.byUser ? VisibilityCause::UserHid : VisibilityCause::ProgramHid;
+    shared_.events.Post(
+        [&control = shared_.control, &order = shared_.order, name = name_, cause, number = hide.number] {
+            if (const auto hidden = control.Hidden)
+                order.RunBefore(number, [&] { hidden(name, cause); });
+        });
 }
 
 void Character::BeginPlay(const Animation& animation)

@@ -3,9 +3,20 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace voxmate::agent
 {
+
+void RequestOrder::RunBefore(std::uint64_t number, const std::function<void()>& action)
+{
+    struct Restore {
+        std::uint64_t& end;
+        const std::uint64_t before;
+        ~Restore() { end = before; }
+    } const restore{end_, std::exchange(end_, number)};
+    action();
+}
 
 StopTypes ParseStopTypes(std::string_view types)
 {

@@ -24,11 +24,16 @@ Server::Server(Stage& stage, speech::VoiceOutput& voice, Reader reader)
         for (const auto& [name, character] : characters_)
             character->Wake();
     };
+    stage_.ScreensChanged = [this] {
+        for (const auto& [name, character] : characters_)
+            character->ScreensChanged();
+    };
 }
 
 Server::~Server()
 {
     turn_.Freed = nullptr;
+    stage_.ScreensChanged = nullptr;
 }
 
 void Server::Load(const std::string& name, const std::string& path)
@@ -41,8 +46,11 @@ void Server::Load(const std::string& name, const std::string& path)
     } catch (const AcsError& error) {
         throw RuntimeError(kInvalidFile, error.what());
     }
-    auto character = std::make_unique<Character>(Shared{stage_, voice_, turn_, events_, *this}, name, std::move(file));
+    auto character =
+        std::make_unique<Character>(Shared{stage_, voice_, turn_, order_, events_, *this}, name, std::move(file));
     character->SetSoundEffectsOn(soundEffectsOn_);
+    if (feet_)
+        character->StandAt(*std::exchange(feet_, std::nullopt));
     characters_.emplace(name, std::move(character));
 }
 
@@ -54,6 +62,8 @@ void Server::Unload(const std::string& name)
     // Out of the collection first: it must not be woken while it goes.
     const std::unique_ptr<Character> leaving = std::move(found->second);
     characters_.erase(found);
+    if (const auto feet = leaving->Feet())
+        feet_ = feet;
 }
 
 AgentCharacter& Server::Characters(const std::string& name)

@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace voxmate::agent
@@ -29,7 +30,9 @@ public:
     Server& operator=(const Server&) = delete;
 
     /// Raises run-time error 321 when the file cannot be used as a character (the description says why and names it),
-    /// and 457 when a character of that name is loaded already. Names are told apart by case, as files are.
+    /// and 457 when a character of that name is loaded already. Names are told apart by case, as files are. It stands
+    /// where the user had put the one unloaded last, feet on the same spot; without that near the lower right corner of
+    /// the primary screen.
     void Load(const std::string& name, const std::string& path) override;
     /// Ends all that the character does: its requests are interrupted, each with its completion event, and it goes from
     /// the screen at once. Does nothing when there is no such character.
@@ -46,6 +49,8 @@ private:
     Reader reader_;
     EventQueue events_;
     VoiceTurn turn_;
+    RequestOrder order_;
+    std::optional<Point> feet_; ///< where the user had put the character unloaded last
     bool soundEffectsOn_ = true;
     std::map<std::string, std::unique_ptr<Character>> characters_;
 };

@@ -36,6 +36,9 @@ public:
     virtual void MoveTo(Point topLeft) = 0;
     virtual void SetVisible(bool visible) = 0;
     std::function<void(const MouseEvent&)> Mouse;
+    /// The visible window stands elsewhere than MoveTo asked for, because the window manager put it there: the upper
+    /// left corner's real place. Told from the event loop, never inside MoveTo.
+    std::function<void(Point topLeft)> Moved;
 };
 
 struct BalloonFont {
@@ -95,6 +98,9 @@ public:
     virtual Rect WorkArea(Point point) = 0;
     /// The work area of the primary screen.
     virtual Rect PrimaryWorkArea() = 0;
+    /// Screens or their work areas have changed: WorkArea and PrimaryWorkArea answer differently from now on. Told from
+    /// the event loop.
+    std::function<void()> ScreensChanged;
     /// Runs `action` once after `milliseconds`, unless the timer is destroyed before. Precise to a few milliseconds.
     virtual std::unique_ptr<StageTimer> After(int milliseconds, std::function<void()> action) = 0;
     /// Milliseconds of a steady clock.

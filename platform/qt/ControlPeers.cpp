@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QListView>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QStatusBar>
@@ -162,6 +163,9 @@ public:
     }
 };
 
+// Entries of an open list on the screen at once.
+constexpr int VisibleItems = 12;
+
 /// A combo box that the wheel changes only while it has the keyboard, so that scrolling past it chooses nothing.
 class QuietComboBox : public QComboBox
 {
@@ -186,6 +190,11 @@ public:
         widget_->setFocusPolicy(Qt::StrongFocus);
         // Long names are cut in the field and whole in the list.
         widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        // A list below the field that scrolls, not one that fills the screen with a hundred entries.
+        widget_->setStyleSheet(QStringLiteral("combobox-popup: 0"));
+        widget_->setMaxVisibleItems(VisibleItems);
+        widget_->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        static_cast<QListView*>(widget_->view())->setSpacing(2);
         widget_->setMinimumContentsLength(16);
         widget_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         Update(Property::Items);

@@ -7,10 +7,19 @@
 #include "platform/qt/ShapedWindow.h"
 
 #include <QAbstractButton>
+#include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QStyle>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace voxmate::qt
@@ -21,7 +30,15 @@ namespace
 
 constexpr int IconSize = 40;
 
-/// A message box in the middle of its owner; the character lives on beside it.
+// What the window manager's frame takes of the screen where no other window's tells: a high title bar and two borders.
+constexpr QSize UnknownFrame(8, 40);
+// A box whose text scrolls grows no wider than this for the sake of long lines: longer ones are hard to read.
+constexpr int WidestBox = 1000;
+// Between a text and its scroll bar.
+constexpr int BarGap = 8;
+
+/// A message box in the middle of its owner; the character lives on beside it. One that is higher than the screen lets
+/// its text scroll.
 class ProgramBox : public QMessageBox
 {
 public:
@@ -40,13 +57,79 @@ protected:
     {
         // A message box knows its size only when it is shown.
         QMessageBox::showEvent(event);
+        FitScreen();
         Centre(*this, parentWidget());
+        // In the middle of the screen, the frame of a box as high as the screen would reach beyond it.
+        if (scroll_ && !parentWidget())
+            move(x(), screen()->availableGeometry().top());
         if (std::find(shown.begin(), shown.end(), this) == shown.end())
             shown.push_back(this);
         ShapedWindow::LiveBeside(windowHandle());
     }
 
+    bool event(QEvent* event) override
+    {
+        // A message box measures itself anew by its label, which is of no account once it scrolls.
+        if (scroll_ && event->type() == QEvent::LayoutRequest)
+            return QWidget::event(event);
+        return QMessageBox::event(event);
+    }
+
 private:
+    /// Puts the text of a box that is higher than the screen into a scroll area, wide enough that only its height is
+    /// cut. Needs the size that the box has been given by its own measure.
+    void FitScreen()
+    {
+        auto* label = findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        auto* grid = qobject_cast<QGridLayout*>(layout());
+        if (scroll_ || !label || !grid)
+            return;
+        const QWidget* over = parentWidget();
+        const QSize frame = over ? over->frameGeometry().size() - over->size() : UnknownFrame;
+        const QSize room = (over ? over : this)->screen()->availableGeometry().size() - frame;
+        if (height() <= room.height())
+            return;
+
+        grid->activate();
+        const QSize around = size() - label->size();
+        const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        label->setContentsMargins(0, 0, BarGap, 0);
+        label->setWordWrap(false);
+        const int wanted = std::min(around.width() + label->sizeHint().width() + bar, std::max(WidestBox, width()));
+        const int boxWidth = std::min(std::max(wanted, width()), room.width());
+        const int textWidth = boxWidth - around.width() - bar;
+        label->setWordWrap(true);
+
+        int row = 0;
+        int column = 0;
+        int rows = 0;
+        int columns = 0;
+        grid->getItemPosition(grid->indexOf(label), &row, &column, &rows, &columns);
+        grid->removeWidget(label);
+        scroll_ = new QScrollArea(this);
+        scroll_->setObjectName(QStringLiteral("MsgBoxText"));
+        scroll_->setFrameShape(QFrame::NoFrame);
+        scroll_->setFocusPolicy(Qt::NoFocus);
+        scroll_->setWidget(label);
+        label->resize(textWidth, label->heightForWidth(textWidth));
+        const int textHeight =
+            std::min(label->height(), std::max(label->fontMetrics().lineSpacing(), room.height() - around.height()));
+        scroll_->setFixedSize(textWidth + bar, textHeight);
+        scroll_->verticalScrollBar()->setSingleStep(label->fontMetrics().lineSpacing());
+        grid->addWidget(scroll_, row, column, rows, columns);
+        setFixedSize(boxWidth, around.height() + textHeight);
+        grid->activate();
+        // The keyboard stays with the buttons, which leave these keys to the text.
+        for (const auto& [key, action] : {std::pair{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
+                                          std::pair{Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd},
+                                          std::pair{Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+                                          std::pair{Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
+                                          std::pair{Qt::Key_Home, QAbstractSlider::SliderToMinimum},
+                                          std::pair{Qt::Key_End, QAbstractSlider::SliderToMaximum}})
+            connect(new QShortcut(key, this), &QShortcut::activated, scroll_->verticalScrollBar(),
+                    [bar = scroll_->verticalScrollBar(), action = action] { bar->triggerAction(action); });
+    }
+
     void Leave()
     {
         if (std::erase(shown, this) > 0)
@@ -55,6 +138,8 @@ private:
 
     /// Those on the screen, the latest last.
     static inline std::vector<ProgramBox*> shown;
+
+    QScrollArea* scroll_ = nullptr; ///< what the text scrolls in, if it must
 };
 
 } // namespace

@@ -3,6 +3,8 @@
 
 #include "platform/qt/ShapedWindow.h"
 
+#include <QTimer>
+
 namespace voxmate::qt
 {
 
@@ -13,13 +15,20 @@ public:
 
     void SetFrame(const Bitmap& frame, Size size) override;
     void MoveTo(Point topLeft) override;
-    void SetVisible(bool visible) override { window_->Display(visible); }
+    void SetVisible(bool visible) override;
+
+    /// Milliseconds after a move of the program's own in which the desktop may still report older places: what differs
+    /// then is looked at again when they have passed.
+    static constexpr int EchoTime = 150;
 
 private:
     QImage Draw(qreal ratio) const;
+    void ComparePlace();
 
     ShapedWindowPtr window_{new ShapedWindow(QStringLiteral("Voxmate character"))};
     Bitmap frame_;
+    Point place_; ///< as asked for or told last
+    QTimer echoes_;
 };
 
 } // namespace voxmate::qt

@@ -89,7 +89,30 @@ std::int64_t Distance(const QRect& rect, QPoint point)
 
 } // namespace
 
-QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::random_device{}()) {}
+QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::random_device{}())
+{
+    WatchScreens();
+}
+
+void QtStage::WatchScreens()
+{
+    screensChanged_.setSingleShot(true);
+    screensChanged_.setInterval(0);
+    QObject::connect(&screensChanged_, &QTimer::timeout, &context_, [this] {
+        if (const auto changed = ScreensChanged)
+            changed();
+    });
+    const auto changed = [this] { screensChanged_.start(); };
+    const auto watch = [this, changed](QScreen* screen) {
+        QObject::connect(screen, &QScreen::availableGeometryChanged, &context_, changed);
+    };
+    for (QScreen* screen : QGuiApplication::screens())
+        watch(screen);
+    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, watch);
+    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, changed);
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context_, changed);
+    QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &context_, changed);
+}
 
 std::unique_ptr<agent::CharacterWindow> QtStage::CreateCharacterWindow()
 {

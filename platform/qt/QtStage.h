@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QMenu>
 #include <QPointer>
+#include <QTimer>
 
 #include <optional>
 #include <random>
@@ -36,6 +37,7 @@ public:
     void StopSound() override { sound_.reset(); }
 
 private:
+    void WatchScreens();
     const QFont& FontFor(const agent::BalloonFont& font);
 
     speech::AudioOutput& audio_;
@@ -44,6 +46,7 @@ private:
     QObject context_;
     std::mt19937 random_;
     QPointer<QMenu> menu_;
+    QTimer screensChanged_; ///< one change of the desktop comes as several signals
     // Measuring goes on word by word in one font: the last one is kept.
     agent::BalloonFont fontAsked_;
     std::optional<QFont> font_;

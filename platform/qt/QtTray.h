@@ -19,8 +19,8 @@ class QtTray
 public:
     explicit QtTray(const IconSet& icons) : icons_(icons) {}
 
-    /// As WindowSystem says. Where the desktop has no such area, `window` comes back iconified once it has been hidden, so
-    /// that nobody loses it.
+    /// As WindowSystem says. Where the desktop has no such area, `window` comes back iconified once it has been hidden,
+    /// so that nobody loses it.
     bool Notify(std::uint32_t message, const TrayIconData& data, QWidget* window);
     /// A number that stands for this picture box from now on.
     std::uint32_t HandleOf(PictureBox& box);

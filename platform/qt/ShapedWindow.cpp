@@ -179,6 +179,13 @@ void ShapedWindow::mouseDoubleClickEvent(QMouseEvent* event)
     Tell(agent::MouseAction::DoubleClick, *event);
 }
 
+void ShapedWindow::moveEvent(QMoveEvent* event)
+{
+    QWidget::moveEvent(event);
+    if (const auto tell = OnMove)
+        tell();
+}
+
 // Only the program puts the character away.
 void ShapedWindow::closeEvent(QCloseEvent* event)
 {

@@ -26,6 +26,8 @@ public:
     /// Draws what the window shows: premultiplied, the window's size times `ratio`. A null image shows nothing.
     std::function<QImage(qreal ratio)> Draw;
     std::function<void(const agent::MouseEvent&)> OnMouse;
+    /// The window stands elsewhere, for whatever reason; pos() tells where.
+    std::function<void()> OnMove;
 
     /// Lets these windows take the mouse beside the modal window `modal`: the character is nobody's dialog to block, it
     /// may be moved aside or silenced while a message stands there. nullptr when the last modal window goes.
@@ -42,6 +44,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -60,6 +63,7 @@ struct DestroyLater {
         window->hide();
         window->Draw = nullptr;
         window->OnMouse = nullptr;
+        window->OnMove = nullptr;
         window->deleteLater();
     }
 };

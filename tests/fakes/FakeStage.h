@@ -28,6 +28,7 @@ public:
         bool visible = false;
         bool destroyed = false;
         std::function<void(const agent::MouseEvent&)>* mouse = nullptr;
+        std::function<void(Point)>* moved = nullptr;
     };
     struct Balloon {
         std::vector<agent::BalloonView> views;
@@ -110,6 +111,20 @@ public:
         const Character& window = Window();
         (*window.mouse)({action, button, shift, at, {window.place.x + at.x, window.place.y + at.y}});
     }
+    /// The window manager puts the last character's window elsewhere.
+    void MoveWindow(Point place)
+    {
+        Window().place = place;
+        if (*Window().moved)
+            (*Window().moved)(place);
+    }
+    /// The work areas become others.
+    void ChangeScreens(std::vector<Rect> areas)
+    {
+        workAreas = std::move(areas);
+        if (ScreensChanged)
+            ScreensChanged();
+    }
     bool BalloonVisible() const { return !balloons.empty() && balloons.back()->visible; }
     const agent::BalloonView& View() const { return balloons.back()->views.back(); }
 
@@ -151,12 +166,14 @@ private:
         CharacterWindow(FakeStage& stage, std::shared_ptr<Character> state) : stage_(stage), state_(std::move(state))
         {
             state_->mouse = &Mouse;
+            state_->moved = &Moved;
         }
         ~CharacterWindow() override
         {
             state_->visible = false;
             state_->destroyed = true;
             state_->mouse = nullptr;
+            state_->moved = nullptr;
         }
         void SetFrame(const Bitmap& frame, Size size) override
         {

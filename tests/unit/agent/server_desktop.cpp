@@ -1,3 +1,4 @@
+#include "base/RuntimeError.h"
 #include "tests/unit/agent/server_house.h"
 
 namespace voxmate::agent::test
@@ -71,6 +72,148 @@ TEST_F(ServerDesktop, ComesBackWhenItsScreenHasGone)
     bo.Show(true);
     stage.Settle();
     EXPECT_EQ(Place(), (Point{960, 200}));
+}
+
+TEST_F(ServerDesktop, ComesBackAtOnceWhenItsScreenGoesWhileItStandsThere)
+{
+    stage.workAreas = {{0, 0, 1000, 600}, {1000, 0, 800, 600}};
+    LoadShown();
+    Drag({10, 10}, {1310, 210});
+    stage.ChangeScreens({{0, 0, 1000, 600}});
+    EXPECT_EQ(Place(), (Point{960, 200}));
+}
+
+TEST_F(ServerDesktop, StaysWhereTheUserPutItWhileItsMiddleIsOnAWorkArea)
+{
+    LoadShown();
+    Drag({10, 10}, {810, 210});
+    const int moves = stage.Window().moves;
+    stage.ChangeScreens({{0, 0, 821, 600}});
+    EXPECT_EQ(Place(), (Point{800, 200}));
+    EXPECT_EQ(stage.Window().moves, moves);
+    stage.ChangeScreens({{0, 0, 820, 600}});
+    EXPECT_EQ(Place(), (Point{780, 200}));
+}
+
+TEST_F(ServerDesktop, NeverMovedByTheUserItStaysNearTheLowerRightWhenTheScreenChanges)
+{
+    LoadShown();
+    stage.ChangeScreens({{0, 0, 1270, 700}});
+    EXPECT_EQ(Place(), (Point{1270 - 40 - 40, 700 - 60 - 16}));
+}
+
+TEST_F(ServerDesktop, AHiddenCharacterDoesNotMoveUntilItIsShown)
+{
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {810, 210});
+    bo.Hide(true);
+    stage.Settle();
+    const int moves = stage.Window().moves;
+    stage.ChangeScreens({{0, 0, 640, 480}});
+    EXPECT_EQ(stage.Window().moves, moves);
+    bo.Show(true);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{600, 200}));
+}
+
+TEST_F(ServerDesktop, ShowBringsBackACharacterThatIsVisibleButLost)
+{
+    AgentCharacter& bo = LoadShown();
+    stage.MoveWindow({3000, 200});
+    bo.Show(false);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{1240, 200}));
+    stage.MoveWindow({-20, 300});
+    bo.Show(false);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{-20, 300}));
+}
+
+TEST_F(ServerDesktop, WhereTheWindowManagerPutsItIsItsPlace)
+{
+    AgentCharacter& bo = LoadShown();
+    const int moves = stage.Window().moves;
+    stage.MoveWindow({300, 200});
+    EXPECT_EQ(stage.Window().moves, moves);
+    bo.SetWidth(80);
+    EXPECT_EQ(Place(), (Point{280, 200}));
+    bo.Hide(true);
+    bo.Show(true);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{280, 200}));
+}
+
+TEST_F(ServerDesktop, TheBalloonFollowsWhenWindowManagerOrScreenMoveTheCharacter)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    ASSERT_TRUE(stage.BalloonVisible());
+    const auto tail = [this] { return stage.View().tailTip; };
+    stage.MoveWindow({300, 200});
+    EXPECT_EQ(tail(), (Point{320, 200}));
+    stage.ChangeScreens({{0, 0, 310, 720}});
+    EXPECT_EQ(Place(), (Point{270, 200}));
+    EXPECT_EQ(tail(), (Point{290, 200}));
+    EXPECT_LE(stage.View().bubble.Right(), 310);
+}
+
+TEST_F(ServerDesktop, GrowingAtAnEdgeAndShrinkingAgainLeadsBackToWhereTheUserPutIt)
+{
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {1210, 210});
+    ASSERT_EQ(Place(), (Point{1200, 200}));
+    bo.SetWidth(400);
+    EXPECT_EQ(Place(), (Point{880, 200}));
+    bo.SetWidth(40);
+    EXPECT_EQ(Place(), (Point{1200, 200}));
+}
+
+TEST_F(ServerDesktop, TheNextCharacterStandsWhereTheUserPutTheLastOnesFeet)
+{
+    AgentCharacter& bo = LoadShown("Bo");
+    bo.SetWidth(80);
+    bo.SetHeight(120);
+    Drag({10, 10}, {310, 210});
+    ASSERT_EQ(Place(), (Point{300, 200}));
+    server.Unload("Bo");
+    LoadShown("Al");
+    EXPECT_EQ(Place(), (Point{320, 260}));
+    server.Unload("Al");
+    AgentCharacter& cy = LoadShown("Cy");
+    EXPECT_EQ(Place(), (Point{320, 260}));
+    cy.SetWidth(80);
+    cy.SetHeight(120);
+    EXPECT_EQ(Place(), (Point{300, 200}));
+}
+
+TEST_F(ServerDesktop, AFileThatCannotBeLoadedDoesNotLoseThePlace)
+{
+    LoadShown("Bo");
+    Drag({10, 10}, {310, 210});
+    server.Unload("Bo");
+    const AcsDescription good = std::exchange(description, {});
+    EXPECT_THROW(Load("Al"), RuntimeError);
+    description = good;
+    LoadShown("Cy");
+    EXPECT_EQ(Place(), (Point{300, 200}));
+}
+
+TEST_F(ServerDesktop, ACharacterTheUserNeverMovedHandsNoPlaceOnAndAPlaceIsHandedOnOnce)
+{
+    LoadShown("Bo");
+    const Point corner = Place();
+    stage.ChangeScreens({{0, 0, 1000, 600}});
+    server.Unload("Bo");
+    stage.ChangeScreens({{0, 0, 1280, 720}});
+    LoadShown("Al");
+    EXPECT_EQ(Place(), corner);
+    Drag({10, 10}, {310, 210});
+    server.Unload("Al");
+    LoadShown("Cy");
+    LoadShown("Di");
+    EXPECT_EQ(Place(), corner);
 }
 
 TEST_F(ServerDesktop, AMovedCharacterIsNotDrawnAgain)
@@ -215,20 +358,78 @@ TEST_F(ServerDesktop, HideOfTheMenuEndsWhatIsGoingOnAndHidesForTheUser)
     EXPECT_FALSE(bo.Visible());
 }
 
-TEST_F(ServerDesktop, TheHandlerOfAHiddenCharacterMayStopAllOfIt)
+TEST_F(ServerDesktop, WhatWasAskedForAfterAHideOutlivesTheStopAllOfItsHandler)
 {
     AgentCharacter& bo = LoadShown();
     const auto note = server.Hidden;
     server.Hidden = [&](const std::string& character, VisibilityCause cause) {
         note(character, cause);
-        bo.StopAll("Move, Play, Speak");
+        bo.StopAll("");
     };
     Named("hide", bo.Hide(true));
     Named("show", bo.Show(false));
     Named("wave", bo.Play("Wave"));
     stage.Run(1000);
-    EXPECT_EQ(Log(), (Lines{"start hide", "hidden Bo 3", "end hide 0", "start show", "end wave 3", "shown Bo 4",
-                            "end show 0"}));
+    EXPECT_EQ(Log(), (Lines{"start hide", "hidden Bo 3", "end hide 0", "start show", "shown Bo 4", "end show 0",
+                            "start wave", "end wave 0"}));
+}
+
+TEST_F(ServerDesktop, WhatWasAskedForWhileTheUsersHideWentOnOutlivesTheStopAllOfItsHandler)
+{
+    AgentCharacter& bo = LoadShown();
+    server.Hidden = [&](const std::string&, VisibilityCause) { bo.StopAll("Move, Play, Speak"); };
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    stage.menuChosen(stage.menu.back().name);
+    stage.Run(100);
+    ASSERT_TRUE(bo.Visible());
+    bo.Show(false);
+    const auto speak = bo.Speak("Hello", "");
+    const auto rest = bo.Play("RestPose");
+    stage.Run(1000);
+    EXPECT_TRUE(bo.Visible());
+    ASSERT_EQ(StatusOf(speak), 4);
+    voice.Begin();
+    voice.End(true);
+    stage.Run(1000);
+    EXPECT_EQ(StatusOf(speak), 0);
+    EXPECT_EQ(StatusOf(rest), 0);
+}
+
+TEST_F(ServerDesktop, TheStopAllOfAHiddenHandlerReachesWhatAnotherCharacterWasAskedForBeforeTheHide)
+{
+    AgentCharacter& bo = LoadShown("Bo");
+    AgentCharacter& al = LoadShown("Al");
+    server.Hidden = [&](const std::string&, VisibilityCause) { al.StopAll("Play"); };
+    const auto before = al.Play("Wave");
+    bo.Hide(true);
+    const auto after = al.Play("Bow");
+    stage.Run(1000);
+    EXPECT_EQ(StatusOf(before), 3);
+    EXPECT_EQ(StatusOf(after), 0);
+}
+
+TEST_F(ServerDesktop, OnceAHiddenHandlerHasReturnedOrFailedStopAllReachesEverythingAgain)
+{
+    AgentCharacter& bo = LoadShown();
+    for (const bool fails : {false, true}) {
+        server.Hidden = [&](const std::string&, VisibilityCause) {
+            if (fails)
+                throw Overflow();
+        };
+        bo.Hide(true);
+        bo.Show(true);
+        if (fails) {
+            EXPECT_THROW(stage.Settle(), RuntimeError);
+        }
+        stage.Settle();
+        const auto wave = bo.Play("Wave");
+        const auto bow = bo.Play("Bow");
+        stage.Run(100);
+        bo.StopAll("");
+        EXPECT_EQ(StatusOf(wave), 3) << fails;
+        EXPECT_EQ(StatusOf(bow), 3) << fails;
+    }
 }
 
 TEST_F(ServerDesktop, AMenuChoiceThatComesAfterUnloadingIsLost)

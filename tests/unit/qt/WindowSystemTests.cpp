@@ -6,9 +6,15 @@
 #include "platform/qt/ShapedWindow.h"
 
 #include <QFontDatabase>
+#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
+#include <QWheelEvent>
 
 namespace voxmate::qt
 {
@@ -27,6 +33,35 @@ void AnswerBox(Qt::Key key, std::string& title, std::string& text)
         EXPECT_EQ(box->textFormat(), Qt::PlainText);
         QTest::keyClick(box, key);
     });
+}
+
+/// Runs `look` on the next message box, then ends it with Escape.
+void LookAtBox(const std::function<void(QMessageBox&)>& look)
+{
+    QTimer::singleShot(30, &App(), [look] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        look(*box);
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+}
+
+std::string Numbered(int lines)
+{
+    std::string text;
+    for (int i = 1; i <= lines; ++i)
+        text += "Line " + std::to_string(i) + " of a report with something to say in each of its many lines\r\n";
+    return text;
+}
+
+/// The character's window on the screen.
+QWidget* CharacterWidget()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QStringLiteral("Voxmate character") && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
 }
 
 /// A sound output that takes all samples at once and is heard when told so.
@@ -122,6 +157,73 @@ TEST_F(QtTest, EnterMeansYesAndEscapeMeansNo)
     EXPECT_EQ(windows.MsgBox("Go?", vbYesNo | vbCritical, "Voxmate"), vbYes);
     AnswerBox(Qt::Key_Escape, title, text);
     EXPECT_EQ(windows.MsgBox("Go?", vbYesNo | vbCritical, "Voxmate"), vbNo);
+}
+
+TEST_F(QtTest, ABoxTallerThanTheScreenStaysOnItAndItsTextScrolls)
+{
+    const std::string text = Numbered(200);
+    LookAtBox([&text](QMessageBox& box) {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&box));
+        const QRect area = box.screen()->availableGeometry();
+        EXPECT_TRUE(area.contains(box.frameGeometry()));
+        for (const QAbstractButton* button : box.buttons()) {
+            EXPECT_TRUE(button->isVisible());
+            EXPECT_TRUE(area.contains(QRect(button->mapToGlobal(QPoint(0, 0)), button->size())));
+        }
+        auto* scroll = box.findChild<QScrollArea*>();
+        ASSERT_NE(scroll, nullptr);
+        const auto labels = scroll->findChildren<QLabel*>();
+        ASSERT_EQ(labels.size(), 1);
+        QString shown = QString::fromStdString(text);
+        EXPECT_EQ(labels[0]->text(), shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+        EXPECT_EQ(box.text(), shown);
+        EXPECT_FALSE(scroll->horizontalScrollBar()->isVisible());
+        EXPECT_EQ(labels[0]->width(), scroll->viewport()->width());
+
+        // From the button that has the keyboard, by page and end; by line in the text itself; by the wheel.
+        const QScrollBar& bar = *scroll->verticalScrollBar();
+        ASSERT_TRUE(bar.isVisible());
+        EXPECT_TRUE(box.defaultButton()->hasFocus());
+        QTest::keyClick(box.focusWidget(), Qt::Key_PageDown);
+        EXPECT_EQ(bar.value(), bar.pageStep());
+        QTest::keyClick(box.focusWidget(), Qt::Key_End);
+        EXPECT_EQ(bar.value(), bar.maximum());
+        QTest::keyClick(box.focusWidget(), Qt::Key_PageUp);
+        EXPECT_EQ(bar.value(), bar.maximum() - bar.pageStep());
+        QTest::keyClick(box.focusWidget(), Qt::Key_Home);
+        EXPECT_EQ(bar.value(), 0);
+        QTest::keyClick(box.focusWidget(), Qt::Key_Down);
+        EXPECT_EQ(bar.value(), bar.singleStep());
+        EXPECT_TRUE(box.defaultButton()->hasFocus());
+        QTest::keyClick(box.focusWidget(), Qt::Key_Up);
+        EXPECT_EQ(bar.value(), 0);
+        const QPoint middle = scroll->viewport()->rect().center();
+        QWheelEvent wheel(QPointF(middle), QPointF(scroll->viewport()->mapToGlobal(middle)), QPoint(), QPoint(0, -120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(scroll->viewport(), &wheel);
+        EXPECT_GT(bar.value(), 0);
+    });
+    EXPECT_EQ(windows.MsgBox(text, vbExclamation, "Voxmate - Test"), vbOK);
+}
+
+TEST_F(QtTest, EnterAnswersATallBoxToo)
+{
+    std::string title;
+    std::string text;
+    AnswerBox(Qt::Key_Return, title, text);
+    EXPECT_EQ(windows.MsgBox(Numbered(80), vbYesNo | vbCritical, "Voxmate"), vbYes);
+}
+
+TEST_F(QtTest, ABoxThatFitsTheScreenHasNothingToScrollAndItsOrdinarySize)
+{
+    QMessageBox ordinary(QMessageBox::NoIcon, QStringLiteral("Voxmate"), QStringLiteral("Wait"), QMessageBox::Ok);
+    ordinary.buttons().front()->setIcon({});
+    ordinary.show();
+    LookAtBox([&ordinary](QMessageBox& box) {
+        EXPECT_EQ(box.findChild<QScrollArea*>(), nullptr);
+        EXPECT_EQ(box.size(), ordinary.size());
+    });
+    windows.MsgBox("Wait", vbOKOnly, "Voxmate");
 }
 
 TEST_F(QtTest, TimersGoOnWhileABoxIsUp)
@@ -249,12 +351,8 @@ TEST_F(StageTest, TheCharacterTakesTheMouseWhileAMessageBoxIsUp)
             happened.push_back("pressed at " + std::to_string(event.at.x) + ", screen " +
                                std::to_string(event.screen.x));
     };
-    QWindow* window = nullptr;
-    for (const QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == QStringLiteral("Voxmate character") && widget->isVisible())
-            window = widget->windowHandle();
-    }
-    ASSERT_NE(window, nullptr);
+    ASSERT_NE(CharacterWidget(), nullptr);
+    QWindow* window = CharacterWidget()->windowHandle();
     std::string title;
     std::string text;
     QTimer::singleShot(30, &app, [&] {
@@ -265,6 +363,70 @@ TEST_F(StageTest, TheCharacterTakesTheMouseWhileAMessageBoxIsUp)
     form.cmdOk.Click = Note("the form took the mouse, too");
     windows.MsgBox("Wait", vbOKOnly, "Voxmate");
     EXPECT_EQ(happened, Happened{"pressed at 10, screen 15"});
+}
+
+TEST_F(StageTest, ACharacterThatTheWindowManagerMovedTellsItsRealPlace)
+{
+    const auto character = stage.CreateCharacterWindow();
+    std::vector<Point> told;
+    character->Moved = [&told](Point place) { told.push_back(place); };
+    character->SetFrame(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)}, {40, 40});
+    character->MoveTo({5, 5});
+    character->SetVisible(true);
+    character->MoveTo({50, 60});
+    character->MoveTo({55, 66});
+    QTest::qWait(300);
+    EXPECT_EQ(told, std::vector<Point>{});
+
+    ASSERT_NE(CharacterWidget(), nullptr);
+    QWindow* window = CharacterWidget()->windowHandle();
+    window->setPosition(200, 210);
+    EXPECT_TRUE(QTest::qWaitFor([&told] { return !told.empty(); }));
+    EXPECT_EQ(told, (std::vector<Point>{{200, 210}}));
+    window->setPosition(55, 66);
+    EXPECT_TRUE(QTest::qWaitFor([&told] { return told.size() == 2; }));
+    EXPECT_EQ(told, (std::vector<Point>{{200, 210}, {55, 66}}));
+}
+
+TEST_F(StageTest, AnOlderPlaceReportedWhileTheCharacterIsBeingMovedIsNotTakenForTheWindowManagers)
+{
+    const auto character = stage.CreateCharacterWindow();
+    std::vector<Point> told;
+    character->Moved = [&told](Point place) { told.push_back(place); };
+    character->SetFrame(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)}, {40, 40});
+    character->MoveTo({5, 5});
+    character->SetVisible(true);
+    QTest::qWait(300);
+    ASSERT_NE(CharacterWidget(), nullptr);
+    QWindow* window = CharacterWidget()->windowHandle();
+    character->MoveTo({50, 60});
+    character->MoveTo({70, 80});
+    window->setPosition(50, 60);
+    window->setPosition(70, 80);
+    QTest::qWait(300);
+    EXPECT_EQ(told, std::vector<Point>{});
+
+    // One that is still so when things have come to rest is real.
+    character->MoveTo({90, 90});
+    window->setPosition(70, 80);
+    EXPECT_EQ(told, std::vector<Point>{});
+    EXPECT_TRUE(QTest::qWaitFor([&told] { return !told.empty(); }));
+    EXPECT_EQ(told, (std::vector<Point>{{70, 80}}));
+}
+
+TEST_F(StageTest, ChangesOfTheScreensAreToldOnceForAllThatComesTogether)
+{
+    stage.ScreensChanged = Note("changed");
+    QScreen* screen = QGuiApplication::primaryScreen();
+    Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
+    Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
+    Q_EMIT app.screenRemoved(screen);
+    EXPECT_EQ(happened, Happened{});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !happened.empty(); }));
+    QTest::qWait(30);
+    EXPECT_EQ(happened, Happened{"changed"});
+    Q_EMIT app.screenAdded(screen);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return happened.size() == 2; }));
 }
 
 TEST_F(StageTest, RandomNumbersStayBelowTheirBound)
