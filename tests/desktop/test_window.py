@@ -1,5 +1,6 @@
 """The main window and the character by mouse and keyboard."""
 
+import os
 import time
 import unittest
 
@@ -107,15 +108,24 @@ class Window(ProgramCase):
         self.assertFalse(self.desk.windows("^Voxmate balloon$"))
 
     def test_a_click_beside_the_drawing_goes_to_what_lies_beneath(self):
-        _, (x, y, _, _) = self.character_window()
-        below = self.desk.spawn("xmessage", "-geometry", f"60x60+{x - 10}+{y - 10}", "-title", "beneath", "-buttons", "", "x")
+        _, (x, y, width, height) = self.character_window()
+        seen = os.path.join(self.desk.home, "events")
+        with open(seen, "wb") as out:
+            below = self.desk.spawn("xev", "-geometry", f"{width + 60}x{height + 20}+{x - 30}+{y - 40}", "-event", "button",
+                                    stdout=out)
+
+        def presses():
+            with open(seen, encoding="utf-8", errors="replace") as file:
+                return file.read().count("ButtonPress")
+
         try:
-            desktop.wait_for(lambda: self.desk.windows("^beneath$"), what="the window beneath")
-            self.desk.run("xdotool", "mousemove", str(x + 3), str(y + 3))
-            location = self.desk.run("xdotool", "getmouselocation", "--shell").decode()
-            window = next(line.split("=")[1] for line in location.split("\n") if line.startswith("WINDOW="))
-            title = self.desk.run("xdotool", "getwindowname", window, check=False).decode().strip()
-            self.assertNotIn("character", title)
+            desktop.wait_for(lambda: self.desk.windows("^Event Tester$"), what="the window beneath")
+            time.sleep(0.5)
+            self.desk.click_at(x + width // 2, y + height // 2, button=2)
+            time.sleep(0.5)
+            self.assertEqual(presses(), 0, "the character lets a click on its drawing through")
+            self.desk.click_at(x + 3, y + 3, button=2)
+            desktop.wait_for(lambda: presses() == 1, 3, what="the click beneath")
         finally:
             below.terminate()
 
