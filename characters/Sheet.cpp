@@ -1,6 +1,7 @@
 #include "Sheet.h"
 
 #include "Source.h"
+#include "ToImage.h"
 
 #include "platform/agent/AcsFile.h"
 
@@ -19,16 +20,6 @@ struct Cell {
     int mouth;
     QString label;
 };
-
-QImage Picture(const agent::AcsFile& file, const Cell& cell)
-{
-    const Bitmap bitmap = agent::ComposeFrame(file, *cell.frame, cell.mouth);
-    QImage image(bitmap.width, bitmap.height, QImage::Format_ARGB32);
-    for (int y = 0; y < bitmap.height; ++y)
-        std::copy_n(bitmap.pixels.data() + static_cast<std::ptrdiff_t>(y) * bitmap.width, bitmap.width,
-                    reinterpret_cast<QRgb*>(image.scanLine(y)));
-    return image;
-}
 
 std::vector<Cell> Cells(const agent::AcsFile& file, const QString& wanted)
 {
@@ -80,7 +71,7 @@ QImage DrawSheet(const QString& acsFile, const QString& background, int scale, c
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const int x = static_cast<int>(i) % columns * width;
         const int y = static_cast<int>(i) / columns * height;
-        QImage picture = Picture(*file, cells[i]);
+        QImage picture = ToImage(agent::ComposeFrame(*file, *cells[i].frame, cells[i].mouth));
         if (scale > 1)
             picture = picture.scaled(width, file->height * scale, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         painter.drawImage(x, y, picture);

@@ -12,6 +12,21 @@
 namespace voxmate::agent
 {
 
+std::string GuidText(const Guid& guid)
+{
+    constexpr std::array<int, 16> order{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    constexpr const char* digits = "0123456789ABCDEF";
+    std::string text = "{";
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += '-';
+        const std::uint8_t byte = guid[static_cast<std::size_t>(order[i])];
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text + "}";
+}
+
 std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
 {
     const auto fail = [&path](const std::string& what) {

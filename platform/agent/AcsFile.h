@@ -26,6 +26,9 @@ public:
 
 using Guid = std::array<std::uint8_t, 16>;
 
+/// An identifier in its text form, in braces and capitals: the first three fields are stored lowest byte first.
+std::string GuidText(const Guid& guid);
+
 enum CharacterFlag : std::uint32_t {
     FlagVoice = 1u << 5,
     FlagBalloonDisabled = 1u << 8,
@@ -106,7 +109,7 @@ struct Overlay {
     std::int16_t y = 0;
     std::uint16_t width = 0;
     std::uint16_t height = 0;
-    std::vector<std::uint8_t> region; ///< as in the file; empty when there is none
+    std::optional<std::vector<std::uint8_t>> region; ///< as in the file
 };
 
 struct Frame {
@@ -128,7 +131,16 @@ struct Animation {
     std::vector<Frame> frames;
 };
 
-/// An image as stored: palette indices bottom-up, rows padded to 4 bytes, decoded only when asked for.
+/// An image as it stands in the file, palette indices bottom-up, rows padded to 4 bytes; decoded only when asked for.
+struct StoredImage {
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+    bool compressed = false;
+    std::uint32_t offset = 0; ///< of the pixel bytes
+    std::uint32_t size = 0;   ///< in bytes, as stored
+};
+
+/// A decoded image.
 struct IndexedImage {
     std::uint16_t width = 0;
     std::uint16_t height = 0;
@@ -167,6 +179,8 @@ public:
     std::string path;
     std::size_t ImageCount() const { return images_.size(); }
     std::size_t SoundCount() const { return sounds_.size(); }
+    /// How image `index` is kept in the file. The index must exist.
+    const StoredImage& Stored(std::size_t index) const { return images_.at(index); }
     /// Decodes one image; raises AcsError when its data does not decode to exactly its size.
     IndexedImage DecodeImage(std::size_t index) const;
     /// The bytes of one sound: a whole RIFF wave file.
@@ -178,13 +192,6 @@ public:
 
 private:
     friend class AcsReader;
-    struct StoredImage {
-        std::uint16_t width = 0;
-        std::uint16_t height = 0;
-        bool compressed = false;
-        std::uint32_t offset = 0; ///< of the pixel bytes
-        std::uint32_t size = 0;
-    };
     struct StoredSound {
         std::uint32_t offset = 0;
         std::uint32_t size = 0;

@@ -123,7 +123,7 @@ private:
     void ReadPalette(Cursor& in);
     void ReadStates(Cursor& in);
     void ReadImages(Locator where);
-    void ReadImage(Locator where, AcsFile::StoredImage& image, const std::string& section);
+    void ReadImage(Locator where, StoredImage& image, const std::string& section);
     void ReadSounds(Locator where);
     void ReadAnimations(Locator where);
     void ReadAnimation(Locator where, Animation& animation);
@@ -280,7 +280,7 @@ void AcsReader::ReadImages(Locator where)
     }
 }
 
-void AcsReader::ReadImage(Locator where, AcsFile::StoredImage& image, const std::string& section)
+void AcsReader::ReadImage(Locator where, StoredImage& image, const std::string& section)
 {
     Cursor in(*this, where, section);
     in.U8();

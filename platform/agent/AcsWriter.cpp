@@ -186,13 +186,13 @@ void WriteFrame(Out& out, const Frame& frame)
         out.Bool(overlay.replaceFront);
         out.U16(overlay.image);
         out.U8(0);
-        out.Bool(!overlay.region.empty());
+        out.Bool(overlay.region.has_value());
         out.I16(overlay.x);
         out.I16(overlay.y);
         out.U16(overlay.width);
         out.U16(overlay.height);
-        if (!overlay.region.empty())
-            out.Block(overlay.region);
+        if (overlay.region)
+            out.Block(*overlay.region);
     }
 }
 

@@ -45,6 +45,35 @@ struct Memory {
     static sf_count_t Tell(void* self) { return static_cast<Memory*>(self)->at; }
 };
 
+// `memory` lives as long as what is opened.
+SNDFILE* Open(Memory& memory, SF_INFO& info)
+{
+    SF_VIRTUAL_IO access{Memory::Length, Memory::Seek, Memory::Read, Memory::Write, Memory::Tell};
+    return sf_open_virtual(&access, SFM_READ, &info, &memory);
+}
+
+int Bits(int format)
+{
+    switch (format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8:
+    case SF_FORMAT_ULAW:
+    case SF_FORMAT_ALAW:
+        return 8;
+    case SF_FORMAT_PCM_16:
+        return 16;
+    case SF_FORMAT_PCM_24:
+        return 24;
+    case SF_FORMAT_PCM_32:
+    case SF_FORMAT_FLOAT:
+        return 32;
+    case SF_FORMAT_DOUBLE:
+        return 64;
+    default:
+        return 0;
+    }
+}
+
 std::optional<WaveData> Decode(SNDFILE* file, const SF_INFO& info)
 {
     if (!file)
@@ -75,12 +104,22 @@ std::optional<WaveData> Decode(SNDFILE* file, const SF_INFO& info)
 
 } // namespace
 
+std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file)
+{
+    Memory memory{file};
+    SF_INFO info{};
+    SNDFILE* opened = Open(memory, info);
+    if (!opened)
+        return std::nullopt;
+    sf_close(opened);
+    return WaveFormat{info.channels, info.samplerate, Bits(info.format), info.frames};
+}
+
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file)
 {
     Memory memory{file};
-    SF_VIRTUAL_IO access{Memory::Length, Memory::Seek, Memory::Read, Memory::Write, Memory::Tell};
     SF_INFO info{};
-    return Decode(sf_open_virtual(&access, SFM_READ, &info, &memory), info);
+    return Decode(Open(memory, info), info);
 }
 
 std::optional<WaveData> ReadWaveFile(const std::string& path)
