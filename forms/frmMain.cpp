@@ -89,7 +89,7 @@ void frmMain::ConnectAgent()
     agent.Click = [this](const std::string&, int button, int, int, int) { AgentX_Click(button); };
     agent.Command = [this](const std::string& name) { AgentX_Command(name); };
     agent.RequestStart = [this](const AgentRequestPtr&) { SetStatus(StatusBusy); };
-    agent.RequestComplete = [this](const AgentRequestPtr&) { SetStatus(StatusIdle); };
+    agent.RequestComplete = [this](const AgentRequestPtr& request) { AgentX_RequestComplete(request); };
     agent.Hidden = [](const std::string&, VisibilityCause) {
         if (Character)
             Character->StopAll(everything);
@@ -271,6 +271,18 @@ void frmMain::AgentX_Click(int button)
     constexpr int leftButton = 1;
     if (button == leftButton && Settings.ReadTextBoxTextAtLeftClick == 1)
         cmdSpeak_Click();
+}
+
+void frmMain::AgentX_RequestComplete(const AgentRequestPtr& request)
+{
+    if (request && request == AnimateRequest) {
+        AnimateRequest.reset();
+        if (AnimateEnded)
+            AnimateEnded();
+        if (Character)
+            Character->Play("RestPose");
+    }
+    SetStatus(StatusIdle);
 }
 
 void frmMain::AgentX_Command(const std::string& name)

@@ -82,6 +82,7 @@ private:
     void mnuExit_Click();
     void SysTime_Timer();
     void AgentX_Click(int button);
+    void AgentX_RequestComplete(const AgentRequestPtr& request);
     void AgentX_Command(const std::string& name);
 };
 

@@ -21,6 +21,8 @@ std::array<std::string, EngineLimit + 1> EngineNames;
 std::array<std::string, EngineLimit + 1> EngineIds;
 AgentRequestPtr LastSpeakRequest;
 AgentRequestPtr LastPlayRequest;
+AgentRequestPtr AnimateRequest;
+std::function<void()> AnimateEnded;
 std::int32_t SpeakTimeCounter = 0;
 double ShellTaskId = 0;
 
@@ -81,6 +83,8 @@ void BeginProgram(Platform& platform, MainWindow& window)
     EngineIds.fill({});
     LastSpeakRequest.reset();
     LastPlayRequest.reset();
+    AnimateRequest.reset();
+    AnimateEnded = nullptr;
     SpeakTimeCounter = 0;
     ShellTaskId = 0;
 }

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxmate
@@ -55,6 +56,10 @@ extern std::array<std::string, EngineLimit + 1> EngineIds;
 
 extern AgentRequestPtr LastSpeakRequest;
 extern AgentRequestPtr LastPlayRequest;
+
+/// The animation that the options dialog has asked for last, until it ends, and what the dialog does then.
+extern AgentRequestPtr AnimateRequest;
+extern std::function<void()> AnimateEnded;
 
 /// Ticks of the clock timer since the last time announcement.
 extern std::int32_t SpeakTimeCounter;

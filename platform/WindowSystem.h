@@ -39,6 +39,19 @@ struct TrayIconData {
 };
 static_assert(sizeof(TrayIconData) == 88);
 
+// Flag of SHBrowseForFolderA (shlobj.h): folders of the file system only.
+inline constexpr std::uint32_t BIF_RETURNONLYFSDIRS = 1;
+
+/// What SHBrowseForFolderA shows.
+struct BrowseInfo {
+    std::string title; ///< stands above the folders
+    std::string start; ///< folder to begin in
+    std::uint32_t flags = 0;
+};
+
+/// Handle of an item list that names a folder; 0: none.
+using ItemList = std::uint32_t;
+
 class WindowSystem : public FormHost
 {
 public:
@@ -47,6 +60,11 @@ public:
     virtual int MsgBox(const std::string& text, int style, const std::string& title) = 0;
     /// Lets pending events run once, then returns.
     virtual void DoEvents() = 0;
+    /// Shows the modal folder picker; an item list that CoTaskMemFree must free, or 0 when the user cancels.
+    virtual ItemList SHBrowseForFolderA(const BrowseInfo& info) = 0;
+    /// The path an item list stands for, without a separator at its end; false when it stands for none.
+    virtual bool SHGetPathFromIDListA(ItemList list, std::string& path) = 0;
+    virtual void CoTaskMemFree(ItemList list) = 0;
     virtual void ClipboardClear() = 0;
     virtual void ClipboardSetText(const std::string& text) = 0;
 

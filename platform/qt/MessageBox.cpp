@@ -3,8 +3,8 @@
 #include "platform/WindowSystem.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/IconSet.h"
+#include "platform/qt/ModalWindows.h"
 #include "platform/qt/QtText.h"
-#include "platform/qt/ShapedWindow.h"
 
 #include <QAbstractButton>
 #include <QEvent>
@@ -20,7 +20,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace voxmate::qt
 {
@@ -37,20 +36,11 @@ constexpr int WidestBox = 1000;
 // Between a text and its scroll bar.
 constexpr int BarGap = 8;
 
-/// A message box in the middle of its owner; the character lives on beside it. One that is higher than the screen lets
-/// its text scroll.
+/// A message box in the middle of its owner. One that is higher than the screen lets its text scroll.
 class ProgramBox : public QMessageBox
 {
 public:
-    explicit ProgramBox(QWidget* over) : QMessageBox(over) {}
-    ~ProgramBox() override { Leave(); }
-
-    void setVisible(bool visible) override
-    {
-        if (!visible)
-            Leave();
-        QMessageBox::setVisible(visible);
-    }
+    explicit ProgramBox(QWidget* over) : QMessageBox(over) { LetCharacterLiveBeside(*this); }
 
 protected:
     void showEvent(QShowEvent* event) override
@@ -62,9 +52,6 @@ protected:
         // In the middle of the screen, the frame of a box as high as the screen would reach beyond it.
         if (scroll_ && !parentWidget())
             move(x(), screen()->availableGeometry().top());
-        if (std::find(shown.begin(), shown.end(), this) == shown.end())
-            shown.push_back(this);
-        ShapedWindow::LiveBeside(windowHandle());
     }
 
     bool event(QEvent* event) override
@@ -129,15 +116,6 @@ private:
             connect(new QShortcut(key, this), &QShortcut::activated, scroll_->verticalScrollBar(),
                     [bar = scroll_->verticalScrollBar(), action = action] { bar->triggerAction(action); });
     }
-
-    void Leave()
-    {
-        if (std::erase(shown, this) > 0)
-            ShapedWindow::LiveBeside(shown.empty() ? nullptr : shown.back()->windowHandle());
-    }
-
-    /// Those on the screen, the latest last.
-    static inline std::vector<ProgramBox*> shown;
 
     QScrollArea* scroll_ = nullptr; ///< what the text scrolls in, if it must
 };

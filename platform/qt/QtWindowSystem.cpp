@@ -1,5 +1,6 @@
 #include "platform/qt/QtWindowSystem.h"
 
+#include "platform/qt/FolderDialog.h"
 #include "platform/qt/MessageBox.h"
 #include "platform/qt/QtFormPeer.h"
 #include "platform/qt/QtText.h"
@@ -32,6 +33,29 @@ int QtWindowSystem::MsgBox(const std::string& text, int style, const std::string
 void QtWindowSystem::DoEvents()
 {
     QCoreApplication::processEvents();
+}
+
+ItemList QtWindowSystem::SHBrowseForFolderA(const BrowseInfo& info)
+{
+    const std::string path = ShowFolderDialog(main_, info.title, info.start);
+    if (path.empty())
+        return 0;
+    itemLists_[++lastItemList_] = path;
+    return lastItemList_;
+}
+
+bool QtWindowSystem::SHGetPathFromIDListA(ItemList list, std::string& path)
+{
+    const auto found = itemLists_.find(list);
+    if (found == itemLists_.end())
+        return false;
+    path = found->second;
+    return true;
+}
+
+void QtWindowSystem::CoTaskMemFree(ItemList list)
+{
+    itemLists_.erase(list);
 }
 
 void QtWindowSystem::ClipboardClear()

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <map>
 #include <string>
 
 namespace voxmate::qt
@@ -24,6 +25,9 @@ public:
     std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
     int MsgBox(const std::string& text, int style, const std::string& title) override;
     void DoEvents() override;
+    ItemList SHBrowseForFolderA(const BrowseInfo& info) override;
+    bool SHGetPathFromIDListA(ItemList list, std::string& path) override;
+    void CoTaskMemFree(ItemList list) override;
     void ClipboardClear() override;
     void ClipboardSetText(const std::string& text) override;
     bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override;
@@ -34,6 +38,8 @@ public:
 private:
     IconSet icons_;
     QtTray tray_{icons_};
+    std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed
+    ItemList lastItemList_ = 0;
     QPointer<QWidget> main_; ///< the main window: the form with a menu bar
 };
 

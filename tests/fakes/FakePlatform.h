@@ -322,6 +322,22 @@ public:
         if (whilePending)
             whilePending();
     }
+    std::string chosenFolder;        ///< what the user picks; empty: cancels
+    bool folderHasPath = true;       ///< false for an item list that stands for no folder on a disk
+    std::vector<BrowseInfo> browsed; ///< what the folder picker was asked to show
+    ItemList SHBrowseForFolderA(const BrowseInfo& info) override
+    {
+        log_.push_back("SHBrowseForFolderA " + info.title);
+        browsed.push_back(info);
+        return chosenFolder.empty() ? 0 : 77;
+    }
+    bool SHGetPathFromIDListA(ItemList list, std::string& path) override
+    {
+        log_.push_back("SHGetPathFromIDListA " + std::to_string(list));
+        path = chosenFolder;
+        return folderHasPath;
+    }
+    void CoTaskMemFree(ItemList list) override { log_.push_back("CoTaskMemFree " + std::to_string(list)); }
     void ClipboardClear() override { clipboard.clear(); }
     void ClipboardSetText(const std::string& text) override { clipboard = text; }
     std::vector<std::pair<std::uint32_t, TrayIconData>> trayCalls;

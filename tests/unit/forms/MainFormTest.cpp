@@ -178,6 +178,25 @@ TEST_F(MainFormTest, RequestsMarkTheProgramBusyAndIdle)
     EXPECT_EQ(Status(), "I am Idle now !");
 }
 
+TEST_F(MainFormTest, TheAnimationOfTheOptionsDialogEndsInTheRestPoseOnce)
+{
+    Start();
+    AnimateEnded = [this] { fake.log.push_back("ended with " + Status()); };
+    AnimateRequest = Character->Play("Greet");
+    const AgentRequestPtr request = AnimateRequest;
+    const AgentRequestPtr other = Character->Play("Hide");
+    fake.log.clear();
+    fake.agent.RequestStart(request);
+    fake.agent.RequestComplete(other);
+    EXPECT_TRUE(fake.log.empty());
+    fake.agent.RequestStart(request);
+    fake.agent.RequestComplete(request);
+    EXPECT_EQ(fake.log, (Lines{"ended with Busy...", "Play RestPose"}));
+    EXPECT_EQ(Status(), "I am Idle now !");
+    fake.agent.RequestComplete(request);
+    EXPECT_EQ(fake.log.size(), 2u);
+}
+
 TEST_F(MainFormTest, HidingTheCharacterStopsIt)
 {
     Start();

@@ -1,0 +1,12 @@
+// Modal windows and the character: it is nobody's window to block.
+#pragma once
+
+class QDialog;
+
+namespace voxmate::qt
+{
+
+/// Lets the character and its balloon take the mouse while the dialog is up, and beside the one below when it goes.
+void LetCharacterLiveBeside(QDialog& dialog);
+
+} // namespace voxmate::qt
