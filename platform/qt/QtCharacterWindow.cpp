@@ -1,5 +1,7 @@
 #include "platform/qt/QtCharacterWindow.h"
 
+#include "platform/qt/Scaling.h"
+
 #include <cstdlib>
 
 namespace voxmate::qt
@@ -61,15 +63,7 @@ void QtCharacterWindow::ComparePlace()
 
 QImage QtCharacterWindow::Draw(qreal ratio) const
 {
-    if (frame_.width <= 0 || frame_.height <= 0)
-        return {};
-    const QImage source(reinterpret_cast<const uchar*>(frame_.pixels.data()), frame_.width, frame_.height,
-                        frame_.width * static_cast<int>(sizeof(std::uint32_t)), QImage::Format_ARGB32);
-    const QImage premultiplied = source.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    const QSize pixels = (QSizeF(window_->size()) * ratio).toSize();
-    if (pixels == premultiplied.size())
-        return premultiplied;
-    return premultiplied.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return Scaled(frame_, (QSizeF(window_->size()) * ratio).toSize());
 }
 
 } // namespace voxmate::qt
