@@ -1,4 +1,5 @@
-// Renders a text through a voice, without any sound device, into a wave file.
+// Renders a text through a voice, without any sound device, into a wave file, and prints the moments of its words and
+// mouths: kind, sample, value.
 //
 // Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav
 #include "platform/speech/VoiceCatalog.h"
@@ -24,7 +25,12 @@ public:
         samples.insert(samples.end(), block.begin(), block.end());
         return true;
     }
-    void Event(const SpeechEvent&) override {}
+    void Event(const SpeechEvent& event) override
+    {
+        if (event.kind != SpeechEvent::Kind::Bookmark)
+            std::cout << (event.kind == SpeechEvent::Kind::Word ? "word " : "mouth ") << event.sample << " "
+                      << event.value << "\n";
+    }
 };
 
 template <class Number>

@@ -1,10 +1,8 @@
 #include "platform/speech/VoicePlayer.h"
 
-#include "platform/speech/Mouths.h"
-#include "platform/speech/WaveFile.h"
+#include "platform/speech/WaveSpeech.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -17,35 +15,9 @@ namespace
 // How often the audio clock is looked at while speaking: often enough that a mouth is at most this late.
 constexpr std::int64_t LongestWait = 15;
 constexpr std::int64_t ShortestWait = 2;
-// The mouth follows a recording's loudness in steps of this many to the second.
-constexpr int LoudnessSteps = 25;
-
-bool PlayWave(const WaveData& wave, SpeechJob& job)
-{
-    const std::size_t step = static_cast<std::size_t>(std::max(wave.samplesPerSecond / LoudnessSteps, 1));
-    std::vector<double> levels;
-    for (std::size_t at = 0; at < wave.samples.size(); at += step) {
-        const std::size_t end = std::min(at + step, wave.samples.size());
-        double sum = 0;
-        for (std::size_t i = at; i < end; ++i)
-            sum += static_cast<double>(wave.samples[i]) * wave.samples[i];
-        levels.push_back(std::sqrt(sum / static_cast<double>(end - at)));
-    }
-    const double loudest = levels.empty() ? 0 : *std::max_element(levels.begin(), levels.end());
-
-    int mouth = -1;
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        if (const int next = MouthOfLoudness(levels[i], loudest); next != mouth) {
-            job.Event({SpeechEvent::Kind::Mouth, static_cast<std::int64_t>(i * step), next});
-            mouth = next;
-        }
-        const std::size_t at = i * step;
-        if (!job.Samples(std::span(wave.samples).subspan(at, std::min(step, wave.samples.size() - at))))
-            return true;
-    }
-    return true;
-}
-
+// What is told now is seen that much later: it is drawn, and the screen shows it at its next refresh, half of 1/60 s
+// away.
+constexpr std::int64_t ScreenDelay = 15;
 } // namespace
 
 VoicePlayer::VoicePlayer(VoiceCatalog& catalog, AudioOutput& output) : catalog_(catalog), output_(output) {}
@@ -99,18 +71,25 @@ void VoicePlayer::Start(const Utterance& utterance, VoiceEvents events)
     current_ = speaking;
 
     if (!utterance.waveFile.empty()) {
-        const auto opened = [this, weak = std::weak_ptr(speaking)](int rate) {
-            if (const SpeakingPtr known = weak.lock(); known && known == current_)
+        const auto begin = [this, weak = std::weak_ptr(speaking)](int rate) {
+            const SpeakingPtr known = weak.lock();
+            if (!known || known != current_)
+                return;
+            if (rate > 0)
                 OpenStream(known, rate);
+            else
+                End(known, false);
         };
-        Enqueue(speaking->job, [this, path = utterance.waveFile, opened](SpeechJob& job) {
-            const std::optional<WaveData> wave = ReadWaveFile(path);
-            const int rate = wave ? wave->samplesPerSecond : 22050;
-            job.SetRate(rate);
-            if (!wave)
-                job.Finish(false);
-            PostToSelf([opened, rate] { opened(rate); });
-            return wave && PlayWave(*wave, job);
+        Enqueue(speaking->job, [this, utterance, begin](SpeechJob& job) {
+            const std::optional<WaveScore> score = ScoreWave(utterance, [&job] { return job.Cancelled(); });
+            const int rate = score ? score->samplesPerSecond : 0;
+            if (score) {
+                job.SetRate(rate);
+                for (const SpeechEvent& event : score->events)
+                    job.Event(event);
+            }
+            PostToSelf([begin, rate] { begin(rate); });
+            return score && StreamWave(utterance.waveFile, job);
         });
         return;
     }
@@ -197,7 +176,9 @@ void VoicePlayer::OpenStream(const SpeakingPtr& speaking, int samplesPerSecond)
 void VoicePlayer::Poll(const SpeakingPtr& speaking)
 {
     std::int64_t wait = LongestWait;
-    const std::int64_t heard = speaking->stream->SamplesHeard();
+    std::int64_t heard = speaking->stream->SamplesHeard();
+    if (heard > 0)
+        heard += ScreenDelay * speaking->rate / 1000;
     if (!Report(speaking, heard))
         return;
     if (const auto next = speaking->job->NextEventAt())

@@ -81,6 +81,7 @@ class ProgramCase(unittest.TestCase):
     def setUp(self):
         self.desk = the_desk()
         self.program = None
+        self.render_events = ""
         self.desk.install_defaults(**self.defaults)
 
     def tearDown(self):
@@ -142,11 +143,14 @@ class ProgramCase(unittest.TestCase):
         return windows[0], self.desk.window_rect(windows[0])
 
     def render(self, text, voice=None):
-        """The engine's own rendering of a text with the settings in the file: samples and rate."""
+        """The path of the engine's own rendering of a text with the settings in the file; render_events gets the moments
+        of its words and mouths, a line each: kind, sample, value."""
         settings = self.desk.read_settings()
         path = os.path.join(self.desk.home, "rendered.wav")
         voice = voice or settings["LastSpeechEngine"].strip('"')
         numbers = {name: int(settings[name].removeprefix("dword:"), 16) for name in ("Pitch", "Speed", "Whisper")}
-        subprocess.run([os.path.join(BUILD, "speech_render"), voice, str(numbers["Pitch"]), str(numbers["Speed"]),
-                        str(numbers["Whisper"]), text, path], check=True)
+        result = subprocess.run([os.path.join(BUILD, "speech_render"), voice, str(numbers["Pitch"]),
+                                 str(numbers["Speed"]), str(numbers["Whisper"]), text, path],
+                                check=True, stdout=subprocess.PIPE)
+        self.render_events = result.stdout.decode()
         return path

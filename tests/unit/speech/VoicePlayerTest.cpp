@@ -1,13 +1,17 @@
 #include "platform/speech/VoicePlayer.h"
 #include "Fakes.h"
+#include "platform/speech/WaveSpeech.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
 
 #include <sndfile.h>
+#include <sys/stat.h>
 
 namespace voxmate::speech
 {
@@ -57,14 +61,15 @@ protected:
     Lines log;
 };
 
-TEST_F(VoicePlayerTest, ReportsEachEventWhenItsSampleIsHeardAndNotBefore)
+TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithItsSound)
 {
+    constexpr int early = FakeEngine::Rate * 15 / 1000; // samples in the 15 ms until the screen shows it
     engine->synthesize = [](SampleSink& sink) {
         sink.Event({SpeechEvent::Kind::Word, 0, 0});
         sink.Event({SpeechEvent::Kind::Mouth, 0, 1});
-        sink.Event({SpeechEvent::Kind::Bookmark, 100, 7});
-        sink.Event({SpeechEvent::Kind::Word, 150, 1});
-        return sink.Samples(std::vector<std::int16_t>(300, 5));
+        sink.Event({SpeechEvent::Kind::Bookmark, 100 + early, 7});
+        sink.Event({SpeechEvent::Kind::Word, 150 + early, 1});
+        return sink.Samples(std::vector<std::int16_t>(300 + early, 5));
     };
     player->Start(Say("hello there"), Log());
     output.RunEvents();
@@ -79,7 +84,7 @@ TEST_F(VoicePlayerTest, ReportsEachEventWhenItsSampleIsHeardAndNotBefore)
     EXPECT_EQ(log.back(), "word 1");
     ASSERT_TRUE(output.PlayAll());
     EXPECT_EQ(log, (Lines{"started", "word 0", "mouth 1", "bookmark 7", "word 1", "mouth 0", "ended well"}));
-    EXPECT_EQ(output.played.size(), 300U);
+    EXPECT_EQ(output.played.size(), 300U + early);
     EXPECT_EQ(output.rate, FakeEngine::Rate);
 }
 
@@ -301,6 +306,15 @@ protected:
         sf_close(file);
     }
 
+    /// Waits until the file has been looked through and is to be heard.
+    bool Opens()
+    {
+        return Eventually([this] {
+            output.RunEvents();
+            return output.openStreams == 1;
+        });
+    }
+
     const std::string path =
         (std::filesystem::temp_directory_path() / ("voxmate-wave-" + std::to_string(::getpid()) + ".wav")).string();
 };
@@ -314,10 +328,7 @@ TEST_F(WavePlayerTest, PlaysAWaveFileWithTheMouthOpenWhereItIsLoud)
     Utterance utterance;
     utterance.waveFile = path;
     player->Start(utterance, Log());
-    ASSERT_TRUE(Eventually([this] {
-        output.RunEvents();
-        return output.openStreams == 1;
-    }));
+    ASSERT_TRUE(Opens());
     EXPECT_EQ(output.rate, 8000);
     ASSERT_TRUE(output.PlayAll());
     EXPECT_EQ(output.played, samples);
@@ -327,6 +338,150 @@ TEST_F(WavePlayerTest, PlaysAWaveFileWithTheMouthOpenWhereItIsLoud)
     EXPECT_EQ(log[log.size() - 2], "mouth 0");
     EXPECT_EQ(log.back(), "ended well");
     EXPECT_EQ(engine->calls, 0);
+}
+
+TEST_F(WavePlayerTest, TellsWordsAndTheBookmarksAmongThemEvenlyOverTheFilesLength)
+{
+    Write(std::vector<std::int16_t>(1000, 0), 1000);
+    Utterance utterance;
+    utterance.waveFile = path;
+    utterance.shownWords = 4;
+    utterance.segments = {Bookmark(1), Bookmark(2), Bookmark(3), Text("not spoken")};
+    utterance.segments[1].firstWord = 2;
+    utterance.segments[2].firstWord = 4;
+    player->Start(utterance, Log());
+    ASSERT_TRUE(Opens());
+    const auto heardIn = [this](std::size_t samples) {
+        log.clear();
+        EXPECT_EQ(output.Play(samples), samples);
+        return log;
+    };
+    // A quarter of a second each, give or take what a player may be ahead of the screen.
+    EXPECT_EQ(heardIn(1), (Lines{"started", "bookmark 1", "word 0"}));
+    EXPECT_EQ(heardIn(219), Lines{});
+    EXPECT_EQ(heardIn(60), Lines{"word 1"});
+    EXPECT_EQ(heardIn(190), Lines{});
+    EXPECT_EQ(heardIn(60), (Lines{"bookmark 2", "word 2"}));
+    EXPECT_EQ(heardIn(190), Lines{});
+    EXPECT_EQ(heardIn(60), Lines{"word 3"});
+    log.clear();
+    ASSERT_TRUE(output.PlayAll());
+    EXPECT_EQ(log, (Lines{"bookmark 3", "ended well"}));
+    EXPECT_EQ(engine->calls, 0);
+}
+
+TEST_F(WavePlayerTest, TheMouthFollowsTheLoudnessToTheEndThoughAClickIsMuchLouder)
+{
+    // Twenty times half a second of sound and half a second of silence, and a click.
+    std::vector<std::int16_t> samples(20000);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = i % 1000 < 500 ? i % 2 == 0 ? 800 : -800 : 0;
+    std::fill_n(samples.begin() + 600, 20, std::int16_t{32767});
+    Write(samples, 1000);
+    Utterance utterance;
+    utterance.waveFile = path;
+    const auto score = ScoreWave(utterance, [] { return false; });
+    ASSERT_TRUE(score);
+    const auto count = [&score](int mouth, std::int64_t from, std::int64_t to) {
+        return std::count_if(score->events.begin(), score->events.end(), [&](const SpeechEvent& event) {
+            return event.value == mouth && event.sample >= from && event.sample < to;
+        });
+    };
+    // A step of 1/25 s is 40 samples.
+    for (int second = 0; second < 20; ++second) {
+        EXPECT_EQ(count(1, second * 1000 - 40, second * 1000 + 40), 1) << second;
+        EXPECT_EQ(count(0, second * 1000 + 460, second * 1000 + 540), 1) << second;
+    }
+    EXPECT_EQ(count(1, 560, 640), 1);
+    EXPECT_EQ(score->events.size(), 20u * 2 + 2);
+}
+
+TEST_F(WavePlayerTest, ASilentRecordingKeepsTheMouthClosed)
+{
+    std::vector<std::int16_t> samples(2000);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::int16_t>(i % 7);
+    Write(samples, 1000);
+    Utterance utterance;
+    utterance.waveFile = path;
+    player->Start(utterance, Log());
+    ASSERT_TRUE(Opens());
+    ASSERT_TRUE(output.PlayAll());
+    EXPECT_EQ(log, (Lines{"started", "ended well"}));
+}
+
+TEST_F(WavePlayerTest, AFileOfMoreThanTenMinutesIsPlayedWhole)
+{
+    std::vector<std::int16_t> samples(700000);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::int16_t>(i * 7);
+    Write(samples, 1000);
+    Utterance utterance;
+    utterance.waveFile = path;
+    player->Start(utterance, {});
+    ASSERT_TRUE(Opens());
+    ASSERT_TRUE(Eventually([this] {
+        output.Play(20000);
+        return output.openStreams == 0;
+    }));
+    EXPECT_EQ(output.played, samples);
+}
+
+TEST_F(WavePlayerTest, NeitherWidthNorChannelsNorRateChangeLengthAndLevel)
+{
+    for (const int rate : {4000, 8000, 11025, 22050, 44100, 48000, 96000, 192000})
+        for (const int coding : {SF_FORMAT_PCM_U8, SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_PCM_32,
+                                 SF_FORMAT_FLOAT, SF_FORMAT_DOUBLE})
+            for (const int channels : {1, 2, 6}) {
+                // A quarter of a second of 500 Hz at half of full scale.
+                const std::size_t frames = static_cast<std::size_t>(rate) / 4;
+                std::vector<double> values;
+                for (std::size_t i = 0; i < frames; ++i)
+                    values.insert(values.end(), static_cast<std::size_t>(channels),
+                                  0.5 * std::sin(2 * 3.14159265358979 * 500 * static_cast<double>(i) / rate));
+                SF_INFO info{};
+                info.samplerate = rate;
+                info.channels = channels;
+                info.format = (channels > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV) | coding;
+                SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+                ASSERT_NE(file, nullptr);
+                sf_write_double(file, values.data(), static_cast<sf_count_t>(values.size()));
+                sf_close(file);
+
+                RecordingSink sink;
+                Utterance utterance;
+                utterance.waveFile = path;
+                const auto score = ScoreWave(utterance, [] { return false; });
+                ASSERT_TRUE(score) << rate << " " << coding;
+                EXPECT_EQ(score->samplesPerSecond, rate);
+                EXPECT_TRUE(StreamWave(path, sink));
+                EXPECT_EQ(sink.samples.size(), frames) << rate << " " << coding << " " << channels;
+                double power = 0;
+                for (const std::int16_t sample : sink.samples)
+                    power += static_cast<double>(sample) * sample;
+                // Eight bits are rounded down by what writes them.
+                EXPECT_NEAR(std::sqrt(power / static_cast<double>(frames)), 16384 * std::sqrt(0.5),
+                            coding == SF_FORMAT_PCM_U8 ? 150 : 5)
+                    << rate << " " << coding << " " << channels;
+            }
+}
+
+TEST_F(WavePlayerTest, APipeIsNoWaveFileAndHoldsNobodyUp)
+{
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    Utterance utterance;
+    utterance.waveFile = path;
+    player->Start(utterance, Log());
+    EXPECT_TRUE(Eventually([this] {
+        output.RunEvents();
+        return !log.empty();
+    }));
+    EXPECT_EQ(log, Lines{"ended badly"});
+    EXPECT_EQ(output.opens, 0);
+    log.clear();
+    player->Start(Say("hello"), Log());
+    EXPECT_TRUE(output.PlayAll());
+    EXPECT_EQ(log, Lines{"ended well"});
 }
 
 TEST_F(WavePlayerTest, AWaveFileThatCannotBeReadIsABadEnd)
