@@ -3,6 +3,7 @@
 #include "Motion.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace voxmate::characters
 {
@@ -68,21 +69,33 @@ void Merge(std::vector<PlannedFrame>& frames, int& hold)
     frames = std::move(merged);
 }
 
-// Leads every frame to the latest one that it can pass into without a jump. Following these exits is the shortest
-// smooth way to the animation's end.
-void FindExits(std::vector<PlannedFrame>& frames, int step, const Painter& painter)
+// Leads every frame on to one that it can pass into without a jump, earlier or later, such that following these exits
+// is the shortest smooth way to the animation's end.
+void FindExits(std::vector<PlannedFrame>& frames, const Painter& painter)
 {
-    for (std::size_t i = 0; i + 1 < frames.size(); ++i) {
-        std::size_t to = i + 1;
-        for (std::size_t j = frames.size() - 1; j > i + 1; --j) {
-            // A frame that stands for long would make one who leaves wait.
-            const bool stands = frames[j].duration > 2 * step && j + 1 < frames.size();
-            if (!stands && painter.distance(frames[i].pose, frames[j].pose) <= SmoothStep) {
-                to = j;
-                break;
-            }
+    constexpr int unknown = std::numeric_limits<int>::max();
+    // A sound that was heard, or has yet to come, is not heard on the way out.
+    constexpr int soundCost = 1000;
+    const std::size_t last = frames.size() - 1;
+    std::vector<int> left(frames.size(), unknown); // 1/100 s from leaving this frame until the last is there
+    std::vector<bool> settled(frames.size());
+    left[last] = 0;
+    for (;;) {
+        std::size_t nearest = frames.size();
+        for (std::size_t i = 0; i < frames.size(); ++i)
+            if (!settled[i] && left[i] != unknown && (nearest == frames.size() || left[i] < left[nearest]))
+                nearest = i;
+        if (nearest == frames.size())
+            break;
+        settled[nearest] = true;
+        const int wait = nearest == last ? 0 : frames[nearest].duration + (frames[nearest].sound >= 0 ? soundCost : 0);
+        for (std::size_t i = 0; i < last; ++i) {
+            if (settled[i] || left[i] <= left[nearest] + wait ||
+                (i + 1 != nearest && painter.distance(frames[i].pose, frames[nearest].pose) > SmoothStep))
+                continue;
+            left[i] = left[nearest] + wait;
+            frames[i].exit = static_cast<int>(nearest);
         }
-        frames[i].exit = static_cast<int>(to);
     }
 }
 
@@ -116,7 +129,7 @@ std::vector<PlannedFrame> PlanFrames(const SourceAnimation& animation, const Pai
     std::vector<PlannedFrame> frames = Sampled(animation, painter);
     int hold = animation.hold < 0 ? static_cast<int>(frames.size()) - 1 : (animation.hold - 1) / animation.step;
     Merge(frames, hold);
-    FindExits(frames, animation.step, painter);
+    FindExits(frames, painter);
     frames[Index(hold)].speaks = animation.speaks;
     MoveHoldLast(frames, hold, animation);
     return frames;

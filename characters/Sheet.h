@@ -12,4 +12,8 @@ namespace voxmate::characters
 /// known.
 QImage DrawSheet(const QString& acsFile, const QString& background, int scale, const QString& animation);
 
+/// Draws some pictures of every animation, as it plays, at half their size: what the character can do at a glance.
+/// Raises agent::AcsError.
+QImage DrawContactSheet(const QString& acsFile);
+
 } // namespace voxmate::characters

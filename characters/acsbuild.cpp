@@ -21,7 +21,8 @@ namespace
 {
 
 constexpr const char* Usage = "Usage: acsbuild SOURCE-FOLDER OUT.acs\n"
-                              "       acsbuild --sheet FILE.acs OUT.png [light|dark|checkered [SCALE [ANIMATION]]]\n";
+                              "       acsbuild --sheet FILE.acs OUT.png [light|dark|checkered [SCALE [ANIMATION]]]\n"
+                              "       acsbuild --contact FILE.acs OUT.png\n";
 
 void Build(const QString& folder, const QString& out)
 {
@@ -57,16 +58,19 @@ int main(int argc, char** argv)
     // either.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const bool sheet = argc >= 4 && argc <= 7 && std::string_view(argv[1]) == "--sheet";
+    const bool contact = argc == 4 && std::string_view(argv[1]) == "--contact";
     std::unique_ptr<QCoreApplication> application;
-    if (sheet)
+    if (sheet || contact)
         application = std::make_unique<QGuiApplication>(argc, argv);
     else
         application = std::make_unique<QCoreApplication>(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     try {
-        if (sheet) {
-            const QImage picture = DrawSheet(arguments[1], arguments.value(3, "light"),
-                                             std::clamp(arguments.value(4, "1").toInt(), 1, 4), arguments.value(5));
+        if (sheet || contact) {
+            const QImage picture =
+                contact ? DrawContactSheet(arguments[1])
+                        : DrawSheet(arguments[1], arguments.value(3, "light"),
+                                    std::clamp(arguments.value(4, "1").toInt(), 1, 4), arguments.value(5));
             if (!picture.save(arguments[2]))
                 throw SourceError(arguments[2] + ": cannot be written");
             return 0;

@@ -8,6 +8,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <set>
+#include <tuple>
 
 using namespace voxmate;
 using namespace voxmate::characters;
@@ -17,24 +19,22 @@ namespace
 
 constexpr const char* Usage = "Usage: acsinfo FILE.acs                 says what is in it, as JSON\n"
                               "       acsinfo --export FOLDER FILE.acs  writes its frames and sounds as files\n"
-                              "       acsinfo --check FILE.acs...       decodes all there is and says what is wrong\n";
+                              "       acsinfo --check FILE.acs...       decodes every image and says what is wrong\n";
 
 void Print(FILE* to, const std::string& text)
 {
     std::fwrite(text.data(), 1, text.size(), to);
 }
 
-// Every image, and every picture that can come on the screen.
+// Every image, and those that several entries share once. Frames are made of nothing else, so they can be drawn then.
 void DecodeAll(const agent::AcsFile& file)
 {
-    for (std::size_t i = 0; i < file.ImageCount(); ++i)
-        file.DecodeImage(i);
-    for (const agent::Animation& animation : file.animations)
-        for (const agent::Frame& frame : animation.frames) {
-            agent::ComposeFrame(file, frame, -1);
-            for (const agent::Overlay& overlay : frame.overlays)
-                agent::ComposeFrame(file, frame, overlay.mouth);
-        }
+    std::set<std::tuple<std::uint32_t, std::uint32_t, std::uint16_t, std::uint16_t>> decoded;
+    for (std::size_t i = 0; i < file.ImageCount(); ++i) {
+        const agent::StoredImage& stored = file.Stored(i);
+        if (decoded.insert({stored.offset, stored.size, stored.width, stored.height}).second)
+            file.DecodeImage(i);
+    }
 }
 
 int Check(const QStringList& paths)

@@ -1,5 +1,5 @@
-"""Takes the pictures of every window: splash, main window, character with its balloon, and each message box, at scale 1
-and 2, from the running program.
+"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, and each
+message box, at scale 1 and 2, from the running program.
 
 Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER     (as root: the program is photographed where a user has it)
 """
@@ -9,6 +9,8 @@ import shutil
 import subprocess
 import sys
 import time
+
+from PIL import Image, ImageDraw, ImageFont
 
 import desk as desktop
 
@@ -81,6 +83,70 @@ class Photographer:
         x, y, width, height = self.desk.window_rect(self.desk.windows("^Voxmate$")[-1])
         self.desk.screenshot(self.path("menu"), (x - margin, y - 22 - margin, x + width + margin, y + height + margin))
         self.desk.end(program)
+
+    def balloons(self):
+        """One picture of all that a balloon can be told to do, and of where it stands, with the whole cast."""
+        on = dict(ShowBalloon=1, SizeBallonToText=1, BalloonAutoPace=0, BalloonAutoHide=0, BalloonCharactersPerLine=24)
+        short = "Good morning! I read to you."
+        text = "Whatever you type here I read aloud, word by word, for as long as you like to listen to me."
+        panels = [
+            ("Size to text", "Nalu", {}, text, 1.5, None),
+            ("Auto pace", "Tock", dict(BalloonAutoPace=1), text, 3.4, None),
+            ("Two lines, scrolling along", "Gamp", dict(SizeBallonToText=0, BalloonTotalLines=2), text, 4.4, None),
+            ("Auto hide off: stays after the voice", "Nalu", {}, short, 6.5, None),
+            ("Auto hide on: gone after the voice", "Tock", dict(BalloonAutoHide=1), short, 6.5, None),
+            ("Balloon off", "Gamp", dict(ShowBalloon=0), text, 2, None),
+            ("No room above: beside", "Nalu", dict(BalloonFontName="DejaVu Serif"), text, 1.5, (0.4, 0)),
+            ("At the left edge", "Tock", dict(BalloonCharactersPerLine=16), text, 1.5, (0, 0.6)),
+            ("No room above or beside: below", "Gamp", dict(BalloonCharactersPerLine=60), text, 1.5, (0.5, 0)),
+        ]
+        cells = [(caption, self.balloon({**on, **settings}, name, say, wait, place))
+                 for caption, name, settings, say, wait, place in panels]
+        font = ImageFont.truetype("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", 14 * self.scale)
+        gap, title = 12 * self.scale, 26 * self.scale
+        width, height = cells[0][1].size
+        sheet = Image.new("RGB", (3 * (width + gap) + gap, 3 * (height + title + gap) + gap), "#f4f7f9")
+        draw = ImageDraw.Draw(sheet)
+        for number, (caption, picture) in enumerate(cells):
+            x, y = gap + number % 3 * (width + gap), gap + number // 3 * (height + title + gap)
+            draw.text((x, y + 2 * self.scale), caption, fill="#22303c", font=font)
+            sheet.paste(picture, (x, y + title))
+        sheet.save(self.path("balloons"))
+        print(self.path("balloons"), flush=True)
+
+    def balloon(self, settings, name, say, wait, place):
+        program = self.start(LastCharacter=name, **settings)
+        text = self.desk.find("Text to read", timeout=20)
+        time.sleep(3)
+        self.desk.click(text)
+        self.desk.type(say)
+        window = self.desk.windows("^Voxmate character$")[0]
+        if place:
+            x, y, width, height = self.desk.window_rect(window)
+            to = (place[0] * (self.desk.screen[0] - width), place[1] * (self.desk.screen[1] - height))
+            self.drag(x + width // 2, y + height // 2, int(to[0]) + width // 2, int(to[1]) + height // 2)
+        self.press("Speak the textbox text")
+        time.sleep(wait)
+        picture = self.desk.screenshot()
+        x, y, width, height = self.desk.window_rect(window)
+        balloon = self.desk.windows("^Voxmate balloon$")
+        box = (x, y, x + width, y + height)
+        if balloon:
+            bx, by, bw, bh = self.desk.window_rect(balloon[0])
+            box = (min(x, bx), min(y, by), max(box[2], bx + bw), max(box[3], by + bh))
+        cell = (440 * self.scale, 360 * self.scale)
+        left = max(0, min(self.desk.screen[0] - cell[0], (box[0] + box[2] - cell[0]) // 2))
+        top = max(0, min(self.desk.screen[1] - cell[1], (box[1] + box[3] - cell[1]) // 2))
+        self.desk.end(program)
+        return picture.crop((left, top, left + cell[0], top + cell[1]))
+
+    def drag(self, from_x, from_y, to_x, to_y):
+        self.desk.run("xdotool", "mousemove", str(from_x), str(from_y), "mousedown", "1")
+        for step in range(1, 21):
+            self.desk.run("xdotool", "mousemove", str(from_x + (to_x - from_x) * step // 20),
+                          str(from_y + (to_y - from_y) * step // 20))
+        self.desk.run("xdotool", "mouseup", "1")
+        time.sleep(0.3)
 
     def boxes(self):
         program = self.start(SpeakTimeInterval=547)
@@ -177,6 +243,7 @@ def photograph(scale, out):
             desk.run("hsetroot", "-add", "#7fb7c9", "-add", "#2f5d7c", "-gradient", "0")
         photographer = Photographer(desk, out, scale)
         photographer.main_windows()
+        photographer.balloons()
         photographer.boxes()
     finally:
         desk.close()

@@ -178,13 +178,21 @@ TEST(CharacterBuild, LeadsOutInStepsThatDoNotJump)
     const auto file = Built(folder);
     const auto& frames = file->FindAnimation("Hop")->frames;
     ASSERT_EQ(frames.size(), 20u);
-    EXPECT_EQ(frames[0].exitFrame, 19);  // 4 pixels away from rest
-    EXPECT_EQ(frames[2].exitFrame, 19);  // 12 pixels
-    EXPECT_EQ(frames[3].exitFrame, 18);  // 16 pixels: by way of 4
-    EXPECT_EQ(frames[9].exitFrame, 12);  // 40 pixels: by way of 28
-    EXPECT_EQ(frames[12].exitFrame, 15); // 28 pixels: by way of 16
-    EXPECT_EQ(frames[15].exitFrame, 18); // 16 pixels: by way of 4
-    EXPECT_EQ(frames[18].exitFrame, 19);
+    // Out by 4 pixels a frame, and back: of 14 pixels at most, a step on the way out is one of 12.
+    const auto place = [](int frame) { return frame < 10 ? 4 * (frame + 1) : 4 * (19 - frame); };
+    for (int i = 0; i < 19; ++i) {
+        int steps = 0;
+        int at = i;
+        while (at != 19 && steps <= 20) {
+            const int next = frames[static_cast<std::size_t>(at)].exitFrame;
+            ASSERT_GE(next, 0) << i;
+            EXPECT_LE(std::abs(place(next) - place(at)), 12) << i;
+            at = next;
+            ++steps;
+        }
+        EXPECT_EQ(steps, std::max(1, (place(i) + 11) / 12)) << i;
+    }
+    EXPECT_EQ(frames[19].exitFrame, -1);
 }
 
 TEST(CharacterBuild, LoopsThroughABranch)
