@@ -83,6 +83,7 @@ struct FrameImage {
     std::uint32_t image = 0;
     std::int16_t x = 0;
     std::int16_t y = 0;
+    bool operator==(const FrameImage&) const = default;
 };
 
 struct Branch {

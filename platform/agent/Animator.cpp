@@ -1,5 +1,7 @@
 #include "platform/agent/Animator.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -11,6 +13,18 @@ namespace
 
 // Behind the plan by more than this (a suspended machine, a stalled desktop) no frames are hurried to catch up.
 constexpr std::int64_t kMaxLateness = 500;
+
+/// Whether `next` takes up the pose in which `leaving` stands: it begins with the picture on show and is left by the
+/// same return animation, as ReadContinued goes on where Read holds. The way home and back again would be a jump.
+bool GoesOn(const Animation& leaving, const Frame& shown, const Animation& next)
+{
+    if (&leaving == &next || leaving.transition != Transition::ReturnAnimation ||
+        next.transition != Transition::ReturnAnimation || !EqualNoCase(leaving.returnAnimation, next.returnAnimation))
+        return false;
+    const auto first =
+        std::find_if(next.frames.begin(), next.frames.end(), [](const Frame& frame) { return frame.duration > 0; });
+    return first != next.frames.end() && first->images == shown.images;
+}
 
 } // namespace
 
@@ -51,6 +65,12 @@ void Animator::Leave(const Animation* next, std::function<void()> done)
         return;
     }
     const Animation& leaving = *animation_;
+    if (next && shown_ && GoesOn(leaving, *shown_, *next)) {
+        timer_.reset();
+        left_ = true;
+        End();
+        return;
+    }
     if (leaving.transition == Transition::ReturnAnimation) {
         const Animation* back = file_.FindAnimation(leaving.returnAnimation);
         if (back && back != next && !back->frames.empty()) {

@@ -22,9 +22,10 @@ public:
     /// been on show for its time: at once when it has no frame to draw, never when it loops or something else follows.
     void Play(const Animation& animation, std::function<void()> done);
 
-    /// Returns to the neutral pose the way the animation says: by its return animation (unless that is `next`), by exit
-    /// branches from the frame it stands in, or straight on. `done` is called when the way is gone, at once when there
-    /// is none. A way already begun is gone on with, and gone only once.
+    /// Returns to the neutral pose the way the animation says: by its return animation (unless that is `next`, or
+    /// `next` begins with the picture on show and has the same return animation), by exit branches from the frame it
+    /// stands in, or straight on. `done` is called when the way is gone, at once when there is none. A way already
+    /// begun is gone on with, and gone only once.
     ///
     /// Exit branches: the frame on show is left at once for its exit frame. The way ends at a frame without an exit
     /// branch, unless it has led on in the file and what follows there has none either: then it goes on to the end. A

@@ -255,6 +255,37 @@ TEST_F(AnimatorTest, TheReturnAnimationIsNotPlayedTwiceWhenItIsAskedForItself)
     EXPECT_EQ(log, "1@0 done@100 left@100 ");
 }
 
+TEST_F(AnimatorTest, AnAnimationThatTakesUpThePoseAndHasTheSameReturnGoesStraightOn)
+{
+    Add("ReadReturn", Transition::None, {Shows(8, 10)});
+    const Animation& goesOn =
+        Add("ReadContinued", Transition::ReturnAnimation, {Shows(5, 0), Shows(2, 10)}, "readreturn");
+    Play(Add("Read", Transition::ReturnAnimation, {Shows(1, 10), Shows(2, 10)}, "ReadReturn"));
+    stage.Run(200);
+    Leave(&goesOn);
+    EXPECT_EQ(log, "1@0 2@100 done@200 left@200 ");
+}
+
+TEST_F(AnimatorTest, AnAnimationOfAnotherPoseOrReturnBeginsFromTheNeutralOne)
+{
+    Add("ReadReturn", Transition::None, {Shows(8, 10)});
+    Add("Other", Transition::None, {Shows(9, 10)});
+    const Animation& again = Add("Read", Transition::ReturnAnimation, {Shows(2, 10)}, "ReadReturn");
+    const Animation& otherPose = Add("B", Transition::ReturnAnimation, {Shows(3, 10)}, "ReadReturn");
+    const Animation& otherReturn = Add("C", Transition::ReturnAnimation, {Shows(2, 10)}, "Other");
+    const Animation& noReturn = Add("D", Transition::ExitBranches, {Shows(2, 10)}, "ReadReturn");
+    const Animation& nothingDrawn = Add("E", Transition::ReturnAnimation, {Shows(2, 0)}, "ReadReturn");
+    for (const Animation* next : {&again, &otherPose, &otherReturn, &noReturn, &nothingDrawn}) {
+        log.clear();
+        stage.now = 1000;
+        Play(again);
+        stage.Run(100);
+        Leave(next);
+        stage.Run(200);
+        EXPECT_EQ(log, "2@0 done@100 8@100 left@200 ") << next->name;
+    }
+}
+
 TEST_F(AnimatorTest, AMissingReturnAnimationIsNone)
 {
     Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Nowhere"));
@@ -270,6 +301,43 @@ TEST_F(AnimatorTest, AReturnAnimationThatLoopsEndsAfterTwiceItsFrames)
     Leave();
     stage.Run(10000);
     EXPECT_EQ(log, "1@0 8@0 9@100 8@200 9@300 left@400 ");
+}
+
+TEST_F(AnimatorTest, AnimationsThatReturnByEachOtherOrByThemselvesReturnOnce)
+{
+    Add("B", Transition::ReturnAnimation, {Shows(2, 10)}, "A");
+    const Animation& first = Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "B");
+    Play(first);
+    stage.Run(100);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 done@100 2@100 left@200 ");
+    log.clear();
+    Play(Add("C", Transition::ReturnAnimation, {Shows(3, 10)}, "C"));
+    stage.Run(100);
+    Leave();
+    stage.Run(1000);
+    EXPECT_EQ(log, "3@1100 done@1200 3@1200 left@1300 ");
+}
+
+TEST_F(AnimatorTest, ALoopWithUndrawnFramesWakesUpOnceForEachFrameItDraws)
+{
+    std::vector<Frame> frames{Shows(1, 1)};
+    for (std::uint32_t i = 2; i < 900; ++i)
+        frames.push_back(Shows(i, 0));
+    frames.push_back(Shows(900, 1, -1, {{0, 100}}));
+    Play(Add("A", Transition::None, frames));
+    stage.Run(1000);
+    EXPECT_EQ(stage.timersRun, 100);
+    EXPECT_EQ(stage.Waiting(), 1u);
+}
+
+TEST_F(AnimatorTest, ExitBranchesThroughFramesOfNoDurationInACircleEndAtOnce)
+{
+    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 0, 2), Shows(3, 0, 1)}));
+    Leave();
+    EXPECT_EQ(log, "1@0 left@0 ");
+    EXPECT_EQ(stage.Waiting(), 0u);
 }
 
 TEST_F(AnimatorTest, StraightOnLeavesAtOnceWhateverIsOnShow)
