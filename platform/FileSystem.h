@@ -14,6 +14,8 @@ public:
     /// The separator between the parts of a path: "\" or "/".
     virtual std::string PathSeparator() = 0;
     virtual bool FolderExists(const std::string& path) = 0;
+    /// The case of the extension does not matter, here and in the patterns of ListFiles, as people have files from
+    /// systems that do not tell it.
     virtual bool FileExists(const std::string& path) = 0;
     /// The file name's part before its last dot, without the folder.
     virtual std::string GetBaseName(const std::string& path) = 0;

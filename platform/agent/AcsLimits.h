@@ -12,8 +12,13 @@ inline constexpr std::uint32_t HeaderSize = 36;
 /// Largest file that is read, in bytes. Characters take a few megabytes; a hostile file takes some eight times its
 /// size.
 inline constexpr std::uint64_t MaxFileSize = 64u << 20;
-/// Most pixels of a character's frame, of one image and of all the images of one frame together.
-inline constexpr std::uint64_t MaxPixels = 1u << 24;
+/// Most animations, images and sounds. Names are looked for one after the other, which a list that fills the largest
+/// file would make slow; sounds, and the images of mouths, have numbers of 16 bits anyway.
+inline constexpr std::uint32_t MaxEntries = 1u << 16;
+/// Most pixels of a character's frame, of one image and of all the images of one frame together: 2048 by 2048. The most
+/// that one picture can ask for, a frame full of images and as large a mouth over them, is drawn in some 40 ms; with
+/// four times as many a file of 32 KB would hold the program up for 150 ms at every picture.
+inline constexpr std::uint64_t MaxPixels = 1u << 22;
 /// Bytes of animations that may be read more than once because entries of the list share them.
 inline constexpr std::uint64_t SharedAnimationBytes = 1u << 20;
 

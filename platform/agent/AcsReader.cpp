@@ -11,6 +11,30 @@
 namespace voxmate::agent
 {
 
+namespace
+{
+
+/// A name from the file as a message shows it, in quotes: on one line, and no more of it than is needed to know it.
+std::string Quoted(const std::string& name)
+{
+    constexpr std::size_t longest = 60; // the longest of the standard animation set has 21 characters
+    std::string shown = "\"";
+    std::size_t count = 0;
+    for (const char32_t c : DecodeUtf8(Left(name, longest + 1))) {
+        if (++count > longest) {
+            AppendUtf8(shown, U'…');
+            break;
+        }
+        // Controls, ends of lines and paragraphs, and what turns the direction of the text behind it.
+        const bool plain =
+            c >= 0x20 && (c < 0x7F || c > 0x9F) && (c < 0x2028 || c > 0x202E) && (c < 0x2066 || c > 0x2069);
+        AppendUtf8(shown, plain ? c : U' ');
+    }
+    return shown + "\"";
+}
+
+} // namespace
+
 class AcsReader
 {
 public:
@@ -99,6 +123,14 @@ private:
                 Fail("claims " + std::to_string(count) + " " + items + ", more than it holds");
             return count;
         }
+        // The count of one of the file's three lists, whose entries take 12 bytes at the least.
+        std::uint32_t Entries(const char* items)
+        {
+            const std::uint32_t count = Checked(U32(), 12, items);
+            if (count > MaxEntries)
+                Fail("holds " + std::to_string(count) + " " + items + ", more than " + std::to_string(MaxEntries));
+            return count;
+        }
         const std::uint8_t* Take(std::size_t count)
         {
             if (count > Left())
@@ -130,7 +162,6 @@ private:
     void ReadFrame(Cursor& in, Frame& frame);
     void ReadOverlays(Cursor& in, Frame& frame);
     void CheckFrames(const Animation& animation) const;
-    void ForgetMissingReturns();
 
     AcsFile& file_;
     std::uint64_t animationBytes_ = 0;
@@ -168,6 +199,8 @@ void AcsReader::ReadCharacter(Locator where)
     Cursor in(*this, where, "the character's description");
     file_.minorVersion = in.U16();
     file_.majorVersion = in.U16();
+    if (file_.majorVersion != 2)
+        Fail("it is a character file of version " + std::to_string(file_.majorVersion) + ", not of version 2");
     const Locator names = in.Place();
     file_.guid = in.Id();
     file_.width = in.U16();
@@ -270,7 +303,7 @@ void AcsReader::ReadImages(Locator where)
     if (where.Empty())
         return;
     Cursor in(*this, where, "the image list");
-    const std::uint32_t count = in.Checked(in.U32(), 12, "images");
+    const std::uint32_t count = in.Entries("images");
     file_.images_.resize(count);
     for (std::uint32_t i = 0; i < count; ++i) {
         const Locator image = in.Place();
@@ -293,9 +326,12 @@ void AcsReader::ReadImage(Locator where, StoredImage& image, const std::string& 
 
     const auto fullSize = static_cast<std::uint64_t>(RowSize(image.width)) * image.height;
     const bool fits = image.compressed ? fullSize <= LargestUnpackedSize(image.size) : fullSize == image.size;
-    if (fullSize > MaxPixels || !fits)
+    if (!fits)
         in.Fail("claims " + std::to_string(image.width) + " by " + std::to_string(image.height) +
                 " pixels, which is not what it holds");
+    if (fullSize > MaxPixels)
+        in.Fail("is of " + std::to_string(image.width) + " by " + std::to_string(image.height) + " pixels, more than " +
+                std::to_string(MaxPixels >> 20) + " million");
 
     const std::uint32_t packedRegion = in.U32();
     const std::uint32_t fullRegion = in.U32();
@@ -307,7 +343,7 @@ void AcsReader::ReadSounds(Locator where)
     if (where.Empty())
         return;
     Cursor in(*this, where, "the sound list");
-    const std::uint32_t count = in.Checked(in.U32(), 12, "sounds");
+    const std::uint32_t count = in.Entries("sounds");
     file_.sounds_.resize(count);
     for (std::uint32_t i = 0; i < count; ++i) {
         const Locator sound = in.Place();
@@ -322,7 +358,7 @@ void AcsReader::ReadAnimations(Locator where)
     if (where.Empty())
         return;
     Cursor in(*this, where, "the animation list");
-    const std::uint32_t count = in.Checked(in.U32(), 12, "animations");
+    const std::uint32_t count = in.Entries("animations");
     file_.animations.reserve(count);
     for (std::uint32_t i = 0; i < count; ++i) {
         Animation& animation = file_.animations.emplace_back();
@@ -331,12 +367,11 @@ void AcsReader::ReadAnimations(Locator where)
         if (!place.Empty())
             ReadAnimation(place, animation);
     }
-    ForgetMissingReturns();
 }
 
 void AcsReader::ReadAnimation(Locator where, Animation& animation)
 {
-    Cursor in(*this, where, "the animation \"" + animation.name + "\"");
+    Cursor in(*this, where, "the animation " + Quoted(animation.name));
     const std::size_t start = in.Position();
     // The list is what an animation is found by; the animation's own spelling of the same name is the one to show.
     if (std::string own = in.String(); EqualNoCase(own, animation.name))
@@ -421,30 +456,14 @@ void AcsReader::CheckFrames(const Animation& animation) const
     const std::size_t count = animation.frames.size();
     const auto check = [&](std::size_t from, std::int32_t to, const char* how) {
         if (to >= 0 && static_cast<std::size_t>(to) >= count)
-            Fail("frame " + std::to_string(from) + " of the animation \"" + animation.name + "\" " + how + " frame " +
-                 std::to_string(to) + ", which does not exist");
+            Fail("frame " + std::to_string(from) + " of the animation " + Quoted(animation.name) + " " + how +
+                 " frame " + std::to_string(to) + ", which does not exist");
     };
     for (std::size_t i = 0; i < count; ++i) {
         check(i, animation.frames[i].exitFrame, "exits to");
         for (const Branch& branch : animation.frames[i].branches)
             check(i, branch.frame, "branches to");
     }
-}
-
-// A return animation that is not there is harmless: such an animation is left straight on.
-void AcsReader::ForgetMissingReturns()
-{
-    std::vector<std::string> names;
-    names.reserve(file_.animations.size());
-    for (const Animation& animation : file_.animations)
-        names.push_back(UCase(animation.name));
-    std::sort(names.begin(), names.end());
-    for (Animation& animation : file_.animations)
-        if (animation.transition == Transition::ReturnAnimation &&
-            !std::binary_search(names.begin(), names.end(), UCase(animation.returnAnimation))) {
-            animation.transition = Transition::None;
-            animation.returnAnimation.clear();
-        }
 }
 
 std::shared_ptr<const AcsFile> AcsFile::Parse(std::vector<std::uint8_t> bytes, const std::string& name)

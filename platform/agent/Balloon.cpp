@@ -69,6 +69,7 @@ void Balloon::SetStyle(std::uint32_t style)
         return;
     style_ = style;
     LayOut();
+    SettleHiding();
 }
 
 void Balloon::SetFontName(const std::string& name)
@@ -83,27 +84,17 @@ void Balloon::SetFontSize(int points)
     LayOut();
 }
 
-void Balloon::Begin(const std::string& text, bool paced)
+void Balloon::Begin(const std::string& text)
 {
     hideTimer_.reset();
     text_ = text;
-    paced_ = paced;
-    started_ = false;
     ended_ = false;
     word_ = -1;
     LayOut();
 }
 
-void Balloon::Started()
-{
-    started_ = true;
-    word_ = std::max(word_, 0);
-    Update();
-}
-
 void Balloon::Word(int word)
 {
-    started_ = true;
     word_ = std::max(word_, word);
     Update();
 }
@@ -111,10 +102,17 @@ void Balloon::Word(int word)
 void Balloon::Ended()
 {
     ended_ = true;
-    if (paced_)
-        word_ = kAllWords;
+    word_ = kAllWords;
     Update();
-    if (Has(BalloonAutoHide) && !text_.empty())
+    SettleHiding();
+}
+
+/// Auto hide may be switched while the balloon stands there.
+void Balloon::SettleHiding()
+{
+    if (!ended_ || text_.empty() || !Has(BalloonAutoHide))
+        hideTimer_.reset();
+    else if (!hideTimer_)
         hideTimer_ = stage_.After(AutoHideDelay, [this] { Hide(); });
 }
 
@@ -127,21 +125,33 @@ void Balloon::Hide()
 
 void Balloon::Follow()
 {
-    Update();
+    const Rect area = Area(body_());
+    if (Wanted() && Size{area.width, area.height} != room_)
+        LayOut();
+    else
+        Update();
+}
+
+/// The work area on which the balloon of a body belongs.
+Rect Balloon::Area(const Rect& body) const
+{
+    return stage_.WorkArea({body.x + body.width / 2, body.y + body.height / 2});
 }
 
 /// Breaks the text into lines for the style and font of now and takes the bubble's measures.
 void Balloon::LayOut()
 {
-    if (text_.empty() || !Has(BalloonOn)) {
+    if (!Wanted()) {
         Update();
         return;
     }
-    const Rect body = body_();
-    const Rect area = stage_.WorkArea({body.x + body.width / 2, body.y + body.height / 2});
-    const auto characters = static_cast<int>((style_ & BalloonCharactersMask) >> 16);
-    const int wanted = std::max(1, characters) * std::max(1, stage_.AverageCharWidth(font_));
-    const int inner = std::max(1, std::min(wanted, area.width - 2 * BalloonPadding));
+    const Rect area = Area(body_());
+    room_ = {area.width, area.height};
+    // A font may be set to any size; what it measures is multiplied without fear of an overflow.
+    const std::int64_t characters = std::max(1u, (style_ & BalloonCharactersMask) >> 16);
+    const std::int64_t wanted = characters * std::max(1, stage_.AverageCharWidth(font_));
+    const auto inner =
+        static_cast<int>(std::max<std::int64_t>(1, std::min<std::int64_t>(wanted, area.width - 2 * BalloonPadding)));
     lineHeight_ = std::max(1, stage_.LineHeight(font_));
     lines_ = BalloonText(text_, inner, [this](const std::string& text) { return stage_.TextWidth(font_, text); });
 
@@ -153,15 +163,17 @@ void Balloon::LayOut()
     } else {
         rows_ = std::clamp<std::size_t>((style_ & BalloonLinesMask) >> 24, 1, highest);
     }
-    size_ = {inner + 2 * BalloonPadding, static_cast<int>(rows_) * lineHeight_ + 2 * BalloonPadding};
+    const std::int64_t height = static_cast<std::int64_t>(rows_) * lineHeight_ + 2 * BalloonPadding;
+    size_ = {std::min(inner + 2 * BalloonPadding, area.width),
+             static_cast<int>(std::min<std::int64_t>(height, area.height))};
     Update();
 }
 
 /// Shows what is to be seen now, if that is anything else than what is on the screen.
 void Balloon::Update()
 {
-    const bool autoPace = Has(BalloonAutoPace) && paced_;
-    if (text_.empty() || !Has(BalloonOn) || (autoPace && !started_)) {
+    const bool autoPace = Has(BalloonAutoPace);
+    if (!Wanted() || (autoPace && word_ < 0)) {
         if (onScreen_)
             window_->Hide();
         onScreen_ = false;
@@ -171,12 +183,13 @@ void Balloon::Update()
     // The line being heard is the last one on show once the text is longer than the bubble is high.
     const std::size_t heard = lines_.LineOfWord(word_);
     const std::size_t top = heard + 1 > rows_ ? heard + 1 - rows_ : 0;
-    for (std::size_t i = top; i < top + rows_ && lines_.HasLine(i) && (!autoPace || i <= heard); ++i)
+    for (std::size_t i = top; i < top + rows_ && lines_.HasLine(i) && (!autoPace || i <= heard); ++i) {
         view.lines.push_back(lines_.Line(i, autoPace ? word_ : kAllWords));
+        view.rightToLeft.push_back(lines_.RunsRightToLeft(i));
+    }
     view.lineHeight = lineHeight_;
     const Rect body = body_();
-    const BalloonPlace place =
-        PlaceBalloon(size_, body, stage_.WorkArea({body.x + body.width / 2, body.y + body.height / 2}));
+    const BalloonPlace place = PlaceBalloon(size_, body, Area(body));
     view.bubble = place.bubble;
     view.tailTip = place.tailTip;
     view.font = font_;

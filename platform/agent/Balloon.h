@@ -28,18 +28,16 @@ public:
     /// A size below 1 means the file's.
     void SetFontSize(int points) override;
 
-    /// A text is about to be spoken: it takes the place of the last one. `paced`: the voice tells its words, so that
-    /// with auto pace the balloon comes with the first of them. An empty text means no balloon.
-    void Begin(const std::string& text, bool paced);
-    /// The voice is heard from now on.
-    void Started();
+    /// A text is about to be spoken: it takes the place of the last one. With auto pace the balloon comes with its
+    /// first word. An empty text means no balloon.
+    void Begin(const std::string& text);
     /// The voice begins word `word` of the text, counted from 0.
     void Word(int word);
     /// The voice has said all: all words are there, and with auto hide the balloon goes after AutoHideDelay.
     void Ended();
     /// Takes the balloon away and forgets its text.
     void Hide();
-    /// The character has moved or changed its size.
+    /// The character has moved or changed its size, or the screen has.
     void Follow();
 
     /// Milliseconds from the end of the voice until auto hide takes the balloon away.
@@ -47,6 +45,9 @@ public:
 
 private:
     bool Has(std::uint32_t bit) const { return (style_ & bit) != 0; }
+    bool Wanted() const { return !text_.empty() && Has(BalloonOn); }
+    Rect Area(const Rect& body) const;
+    void SettleHiding();
     void LayOut();
     void Update();
     void OnMouse(const MouseEvent& event);
@@ -60,15 +61,14 @@ private:
     Colour background_{255, 255, 225};
     Colour border_;
 
-    std::string text_;     ///< empty: no balloon
-    bool paced_ = false;   ///< words are told by the voice
-    bool started_ = false; ///< the voice is or was heard
+    std::string text_; ///< empty: no balloon
     bool ended_ = false;
     int word_ = -1; ///< the word being heard
     BalloonText lines_;
     std::size_t rows_ = 0; ///< lines the bubble has room for
     int lineHeight_ = 0;
     Size size_;
+    Size room_; ///< of the work area that it was laid out for
     std::unique_ptr<BalloonWindow> window_;
     bool onScreen_ = false;
     BalloonView view_; ///< as last shown

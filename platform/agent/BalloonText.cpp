@@ -1,5 +1,6 @@
 #include "platform/agent/BalloonText.h"
 
+#include "platform/agent/Direction.h"
 #include "platform/agent/Words.h"
 
 #include <algorithm>
@@ -37,7 +38,7 @@ std::string BalloonText::Line(std::size_t index, int lastWord)
     std::string line;
     if (!HasLine(index))
         return line;
-    for (const Piece& piece : lines_[index]) {
+    for (const Piece& piece : lines_[index].pieces) {
         if (piece.word > lastWord)
             break;
         if (!line.empty())
@@ -45,6 +46,11 @@ std::string BalloonText::Line(std::size_t index, int lastWord)
         line += piece.text;
     }
     return line;
+}
+
+bool BalloonText::RunsRightToLeft(std::size_t index)
+{
+    return HasLine(index) && lines_[index].rightToLeft;
 }
 
 std::size_t BalloonText::LineOfWord(int word)
@@ -55,7 +61,7 @@ std::size_t BalloonText::LineOfWord(int word)
     while (word_ <= word && LayOutNext()) {
     }
     for (std::size_t i = lines_.size(); i > 0; --i)
-        if (!lines_[i - 1].empty() && lines_[i - 1].front().word <= word)
+        if (!lines_[i - 1].pieces.empty() && lines_[i - 1].pieces.front().word <= word)
             return i - 1;
     return 0;
 }
@@ -90,7 +96,11 @@ bool BalloonText::LayOutNext()
 {
     if (!lineOpen_)
         return false;
-    PieceLine line;
+    if (std::exchange(paragraphBegins_, false)) {
+        const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
+        rightToLeft_ = agent::RunsRightToLeft(std::string_view(text_).substr(at_, end - at_));
+    }
+    PieceLine line{{}, rightToLeft_};
     std::string written;
     for (;;) {
         while (at_ < text_.size() && !IsLineEnd(text_[at_]) && BlankAt(text_, at_) > 0)
@@ -101,32 +111,39 @@ bool BalloonText::LayOutNext()
         }
         if (IsLineEnd(text_[at_])) {
             at_ += text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n' ? 2 : 1;
+            paragraphBegins_ = true;
             break;
         }
-        // No stretch of so many bytes fits on a line of 255 characters: what is behind it need not be looked at.
+        // No stretch of so many bytes fits on a line of 255 characters: what is behind it need not be looked at. What
+        // was looked at for the line before is not looked at again.
         constexpr std::size_t longest = 4000;
-        std::size_t end = at_;
-        while (end < text_.size() && !BlankAt(text_, end) && end - at_ < longest)
-            end += CharacterAt(text_, end);
-        std::string word = text_.substr(at_, end - at_);
-        std::string joined = written;
-        if (!joined.empty())
-            joined += ' ';
-        joined += word;
-        if (end - at_ < longest && measure_(joined) <= width_) {
-            line.push_back({std::move(word), word_++});
-            written = std::move(joined);
-            at_ = end;
-            continue;
+        scanned_ = std::max(scanned_, at_);
+        while (scanned_ < text_.size() && !BlankAt(text_, scanned_) && scanned_ - at_ < longest)
+            scanned_ += CharacterAt(text_, scanned_);
+        const std::size_t end = scanned_;
+        if (!midWord_ && end - at_ < longest) {
+            std::string word = text_.substr(at_, end - at_);
+            std::string joined = written;
+            if (!joined.empty())
+                joined += ' ';
+            joined += word;
+            if (measure_(joined) <= width_) {
+                line.pieces.push_back({std::move(word), word_++});
+                written = std::move(joined);
+                at_ = end;
+                continue;
+            }
         }
-        if (line.empty()) {
-            const std::size_t cut = std::min(end, FittingPrefix(at_, end));
-            line.push_back({text_.substr(at_, cut - at_), word_});
-            if (cut == text_.size() || BlankAt(text_, cut))
-                ++word_;
-            at_ = cut;
-        }
-        break;
+        if (!line.pieces.empty())
+            break;
+        const std::size_t cut = std::min(end, FittingPrefix(at_, end));
+        written = text_.substr(at_, cut - at_);
+        line.pieces.push_back({written, word_});
+        at_ = cut;
+        midWord_ = cut < text_.size() && !BlankAt(text_, cut);
+        if (midWord_)
+            break;
+        ++word_;
     }
     if (at_ == text_.size())
         lineOpen_ = false;

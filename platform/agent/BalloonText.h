@@ -25,6 +25,9 @@ public:
     bool HasLine(std::size_t index);
     /// Line `index` with its words up to `lastWord` (counted from 0 over the whole text); negative: none of them.
     std::string Line(std::size_t index, int lastWord);
+    /// Whether line `index` belongs to a paragraph (a stretch between line ends of the text) that runs from right to
+    /// left.
+    bool RunsRightToLeft(std::size_t index);
     /// The line on which `word` ends; the last line for a word behind the end, 0 for one before the beginning.
     std::size_t LineOfWord(int word);
 
@@ -33,7 +36,10 @@ private:
         std::string text;
         int word = 0;
     };
-    using PieceLine = std::vector<Piece>;
+    struct PieceLine {
+        std::vector<Piece> pieces;
+        bool rightToLeft = false;
+    };
 
     bool LayOutNext();
     std::size_t FittingPrefix(std::size_t from, std::size_t end) const;
@@ -42,9 +48,13 @@ private:
     int width_ = 0;
     Measure measure_;
     std::vector<PieceLine> lines_;
-    std::size_t at_ = 0;   ///< first byte not laid out
-    int word_ = 0;         ///< number of the next word
-    bool lineOpen_ = true; ///< there is a line to come, be it an empty one
+    std::size_t at_ = 0;      ///< first byte not laid out
+    std::size_t scanned_ = 0; ///< no blank from there back to the first byte not laid out
+    bool midWord_ = false;    ///< the last line ended within a word
+    int word_ = 0;            ///< number of the next word
+    bool lineOpen_ = true;    ///< there is a line to come, be it an empty one
+    bool paragraphBegins_ = true;
+    bool rightToLeft_ = false; ///< the paragraph being laid out
 };
 
 } // namespace voxmate::agent

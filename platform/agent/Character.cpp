@@ -136,13 +136,14 @@ void Character::ConnectGestures()
 /// Nothing to do: goes home from a pose nobody asked for, then idles now and then.
 void Character::Rest()
 {
-    if (!body_.Visible() || current_ || !queue_.empty())
+    if (!body_.Visible() || current_)
         return;
     if (unsettled_) {
         GoHome();
         return;
     }
-    if (body_.Moving())
+    // A request may be waiting for another character's voice.
+    if (body_.Moving() || !queue_.empty())
         return;
     const int delay = idling_.Delay(aloneSince_);
     idleTimer_.reset();
@@ -153,6 +154,7 @@ void Character::Rest()
 void Character::GoHome()
 {
     unsettled_ = false;
+    playsIdle_ = false;
     body_.Leave(nullptr, [this] {
         body_.StandNeutral();
         Rest();
@@ -167,7 +169,18 @@ void Character::Idle()
         Rest();
         return;
     }
+    playsIdle_ = true;
     body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
+}
+
+/// There is something to do: an idle animation is left at once, and none begins.
+void Character::StopIdling()
+{
+    idleTimer_.reset();
+    if (!std::exchange(playsIdle_, false))
+        return;
+    body_.Forget();
+    unsettled_ = true;
 }
 
 } // namespace voxmate::agent

@@ -84,7 +84,7 @@ public:
 private:
     /// A Speak being heard. The voice's callbacks hold it weakly: once it is gone they are stale.
     struct Speech {
-        bool started = false;
+        bool pausesFirst = false; ///< no word is heard as yet when the voice starts
     };
 
     RequestPtr Enqueue(RequestPtr request);
@@ -110,6 +110,7 @@ private:
     void Rest();
     void GoHome();
     void Idle();
+    void StopIdling();
     void ConnectGestures();
 
     Shared shared_;
@@ -128,6 +129,7 @@ private:
     std::string lastUrl_;
     std::shared_ptr<Speech> speech_;
     bool running_ = false;   ///< RunQueue is at work
+    bool playsIdle_ = false; ///< an idle animation, or the way to one
     bool unsettled_ = false; ///< stands in a pose that nobody asked to be held
     std::int64_t aloneSince_ = 0;
     std::unique_ptr<StageTimer> wakeTimer_;

@@ -26,6 +26,8 @@ void Character::RunQueue()
 {
     wakeTimer_.reset();
     running_ = true;
+    if (!current_ && !queue_.empty())
+        StopIdling();
     while (!current_ && !queue_.empty()) {
         const RequestPtr& next = queue_.front();
         if (next->kind == RequestKind::Speak && body_.Visible() && !shared_.turn.Take(this))
@@ -47,8 +49,7 @@ void Character::Begin()
     const bool visible = body_.Visible();
     if ((request->kind == RequestKind::Play && (!visible || !animation)) ||
         (request->kind == RequestKind::Speak && !visible)) {
-        current_.reset();
-        Conclude(request, RequestStatus::Failed);
+        End(RequestStatus::Failed);
         return;
     }
     request->status = RequestStatus::InProgress;
@@ -153,7 +154,8 @@ void Character::BeginSpeak()
         lastText_ = current_->text;
         lastUrl_ = url;
     }
-    if (marked.segments.empty() && url.empty()) {
+    if (marked.segments.empty() && marked.shown.empty() && url.empty()) {
+        balloon_.Hide();
         End(RequestStatus::Complete);
         return;
     }
@@ -162,8 +164,11 @@ void Character::BeginSpeak()
     if (utterance.modeId.size() >= 2 && utterance.modeId.front() == '{' && utterance.modeId.back() == '}')
         utterance.modeId = utterance.modeId.substr(1, utterance.modeId.size() - 2);
     utterance.waveFile = url;
-    if (url.empty())
-        utterance.segments = std::move(marked.segments);
+    utterance.shownWords = marked.words;
+    utterance.segments = std::move(marked.segments);
+    if (!url.empty())
+        std::erase_if(utterance.segments,
+                      [](const auto& segment) { return segment.kind != speech::Segment::Kind::Bookmark; });
     StartSpeech(marked.shown, utterance);
 }
 
@@ -172,12 +177,16 @@ void Character::StartSpeech(const std::string& shown, const speech::Utterance& u
 {
     idleTimer_.reset();
     const auto speech = std::make_shared<Speech>();
+    const auto first = std::find_if(utterance.segments.begin(), utterance.segments.end(), [](const auto& segment) {
+        return segment.kind != speech::Segment::Kind::Bookmark;
+    });
+    speech->pausesFirst = first != utterance.segments.end() && first->kind == speech::Segment::Kind::Pause;
     speech_ = speech;
     body_.TakeOutline();
     shared_.voice.Start(utterance, SpeechEvents());
     if (speech_ != speech)
         return;
-    balloon_.Begin(shown, utterance.waveFile.empty());
+    balloon_.Begin(shown);
     TakeSpeakingPose();
 }
 
@@ -192,7 +201,8 @@ speech::VoiceEvents Character::SpeechEvents()
     speech::VoiceEvents events;
     events.Started = guarded([this] {
         body_.SetMouth(MouthClosed);
-        balloon_.Started();
+        if (!speech_->pausesFirst)
+            balloon_.Word(0);
     });
     events.Word = guarded([this](int word) { balloon_.Word(word); });
     events.Mouth = guarded([this](int mouth) { body_.SetMouth(std::clamp<int>(mouth, 0, MouthCount - 1)); });
@@ -235,7 +245,11 @@ void Character::TakeSpeakingPose()
             return;
         if (const Animation* speaking = PickAnimation(shared_.stage, StateAnimations(*file_, "Speaking"))) {
             unsettled_ = true;
-            body_.Play(*speaking, nullptr);
+            body_.Play(*speaking, [this, begun = shared_.stage.Now()] {
+                // Once more, unless it ended in a frame with mouths; one with nothing to show would never come to rest.
+                if (shared_.stage.Now() > begun)
+                    TakeSpeakingPose();
+            });
         }
     });
 }

@@ -7,6 +7,8 @@ namespace voxmate::agent
 
 void Gestures::Handle(const MouseEvent& event)
 {
+    if (event.action != MouseAction::Move && event.button != 1 && event.button != 2)
+        return;
     switch (event.action) {
     case MouseAction::Press:
     case MouseAction::DoubleClick:

@@ -40,6 +40,7 @@ struct Tag {
     Kind kind = Kind::None; ///< None: the backslash is text
     std::string name;
     std::vector<Value> values;
+    bool bare = true;       ///< without an equal sign
     std::size_t length = 0; ///< bytes to go on behind
 };
 
@@ -54,6 +55,10 @@ bool IsKnown(std::string_view name)
 class TagReader
 {
 public:
+    /// Values that are read of one tag. None takes more than two; without a bound a text in which tag after tag could
+    /// go on to its end would be read from each of them.
+    static constexpr std::size_t MostValues = 4;
+
     /// `text` begins with the backslash.
     explicit TagReader(std::string_view text) : text_(text) {}
 
@@ -63,13 +68,16 @@ public:
         while (IsLetter(At()))
             tag_.name += text_[at_++];
         SkipBlanks();
-        std::size_t afterValue = 0;
-        while (!tag_.name.empty() && At() == '=') {
-            ++at_;
+        std::size_t unclosed = 0; // behind what a tag that is never closed takes with it
+        while (!tag_.name.empty() && At() == '=' && tag_.values.size() < MostValues) {
+            tag_.bare = false;
+            unclosed = ++at_;
             SkipBlanks();
+            const bool adjoins = at_ == unclosed;
             if (!ReadValue())
                 break;
-            afterValue = at_;
+            if (adjoins || tag_.values.back().quoted)
+                unclosed = at_;
             SkipBlanks();
         }
         const bool known = IsKnown(tag_.name);
@@ -78,11 +86,14 @@ public:
                 return End(known ? Tag::Kind::Known : Tag::Kind::Dropped, at_ + 1);
             if (known)
                 return End(Tag::Kind::Dropped, at_ + 1);
-        } else if (known && afterValue > 0) {
+        } else if (known && !tag_.values.empty()) {
             // A tag that was never closed: what it would have said goes, the text behind it stays.
-            return End(Tag::Kind::Dropped, afterValue);
+            return End(Tag::Kind::Dropped, unclosed);
         }
-        return ReadUnknown();
+        const std::size_t closed = FormOfATag();
+        if (closed == 0 && known && unclosed > 0)
+            return End(Tag::Kind::Dropped, unclosed);
+        return End(closed > 0 ? Tag::Kind::Dropped : Tag::Kind::None, closed);
     }
 
 private:
@@ -99,19 +110,16 @@ private:
     bool ReadValue()
     {
         Value value;
-        if (At() == '"') {
-            std::size_t i = at_ + 1;
-            std::string inside;
-            while (i < text_.size() && text_[i] != '"') {
-                if (text_[i] == '\\' && i + 1 < text_.size() && text_[i + 1] == '\\')
-                    ++i;
-                inside += text_[i++];
+        if (const std::size_t end = ClosingQuote(); end > 0) {
+            value.quoted = true;
+            for (++at_; at_ < end; ++at_) {
+                if (EscapedAt(at_))
+                    ++at_;
+                value.text += text_[at_];
             }
-            if (i < text_.size()) {
-                at_ = i + 1;
-                tag_.values.push_back({std::move(inside), true});
-                return true;
-            }
+            ++at_;
+            tag_.values.push_back(std::move(value));
+            return true;
         }
         while (At() != '\0' && !BlankAt(text_, at_) && At() != '\\' && At() != '=')
             value.text += text_[at_++];
@@ -121,13 +129,38 @@ private:
         return true;
     }
 
-    // Anything without a blank between two backslashes of one line has the form of a tag.
-    Tag ReadUnknown()
+    /// Whether two backslashes stand there, which mean one.
+    bool EscapedAt(std::size_t at) const { return text_.substr(at, 2) == "\\\\"; }
+
+    /// Where the text ends that is quoted from here on, 0 when none is. A quote that no other part of the tag follows
+    /// is one within the text, unless the tag ends neither in this line nor before the next one.
+    std::size_t ClosingQuote() const
+    {
+        if (At() != '"')
+            return 0;
+        std::size_t first = 0;
+        for (std::size_t i = at_ + 1; i < text_.size(); ++i) {
+            if (text_[i] == '"') {
+                if (i + 1 < text_.size() && (text_[i + 1] == '=' || text_[i + 1] == '\\'))
+                    return i;
+                if (first == 0)
+                    first = i;
+            } else if (EscapedAt(i)) {
+                ++i;
+            } else if (first > 0 && (text_[i] == '\\' || text_[i] == '\n' || text_[i] == '\r')) {
+                break;
+            }
+        }
+        return first;
+    }
+
+    // Anything without a blank between two backslashes of one line has the form of a tag: behind its end, or 0.
+    std::size_t FormOfATag() const
     {
         for (std::size_t i = 1; i < text_.size() && !BlankAt(text_, i); ++i)
             if (text_[i] == '\\')
-                return End(Tag::Kind::Dropped, i + 1);
-        return End(Tag::Kind::None, 0);
+                return i + 1;
+        return 0;
     }
 
     Tag End(Tag::Kind kind, std::size_t length)
@@ -195,11 +228,22 @@ public:
         }
         Flush();
         result_.shown.resize(shownEnd_);
-        result_.sayLastAgain = EqualNoCase(Trim(text_), "\\Lst\\");
+        result_.words = words_;
+        result_.sayLastAgain = IsAlone("\\Lst\\");
         return std::move(result_);
     }
 
 private:
+    /// Whether there is nothing but `tag` and blanks in the text.
+    bool IsAlone(std::string_view tag) const
+    {
+        std::size_t at = 0;
+        while (const std::size_t blank = BlankAt(text_, at))
+            at += blank;
+        return EqualNoCase(text_.substr(at, tag.size()), tag) &&
+               !HasWord(text_.substr(std::min(at + tag.size(), text_.size())));
+    }
+
     static std::string Repaired(std::string_view text)
     {
         const std::vector<char32_t> points = DecodeUtf8(text);
@@ -297,6 +341,7 @@ private:
         segment.kind = kind;
         segment.milliseconds = milliseconds;
         segment.bookmark = bookmark;
+        segment.firstWord = words_;
         result_.segments.push_back(std::move(segment));
     }
 
@@ -376,7 +421,7 @@ private:
 
     void Apply(const Tag& tag)
     {
-        if (tag.values.empty()) {
+        if (tag.bare) {
             if (EqualNoCase(tag.name, "Emp")) {
                 Flush();
                 emphasis_ = true;

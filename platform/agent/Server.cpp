@@ -1,5 +1,6 @@
 #include "platform/agent/Server.h"
 
+#include "base/FileName.h"
 #include "base/RuntimeError.h"
 
 #include <utility>
@@ -15,10 +16,15 @@ namespace
 constexpr std::int32_t kInvalidFile = 321;
 constexpr std::int32_t kNameTaken = 457;
 
+std::shared_ptr<const AcsFile> ReadFile(const std::string& path)
+{
+    return AcsFile::Open(InAnyExtensionCase(path));
+}
+
 } // namespace
 
 Server::Server(Stage& stage, speech::VoiceOutput& voice, Reader reader)
-    : stage_(stage), voice_(voice), reader_(std::move(reader)), events_(stage)
+    : stage_(stage), voice_(voice), reader_(reader ? std::move(reader) : ReadFile), events_(stage)
 {
     turn_.Freed = [this] {
         for (const auto& [name, character] : characters_)

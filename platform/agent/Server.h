@@ -24,7 +24,8 @@ public:
     using Reader = std::function<std::shared_ptr<const AcsFile>(const std::string& path)>;
 
     /// Stage and voice outlive the server; all calls and events belong to the user-interface thread.
-    Server(Stage& stage, speech::VoiceOutput& voice, Reader reader = AcsFile::Open);
+    /// Without a reader of its own the server reads files, whatever the case of their extension.
+    Server(Stage& stage, speech::VoiceOutput& voice, Reader reader = nullptr);
     ~Server() override;
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;

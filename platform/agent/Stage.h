@@ -52,6 +52,7 @@ struct BalloonFont {
 /// What a balloon looks like at one moment.
 struct BalloonView {
     std::vector<std::string> lines; ///< the lines on show, from the top; words not yet spoken are left out
+    std::vector<bool> rightToLeft;  ///< of each line: its paragraph runs from right to left
     int lineHeight = 0;
     Rect bubble;   ///< on the screen, without the tail
     Point tailTip; ///< on the screen; the tail leaves the bubble's edge nearest to it

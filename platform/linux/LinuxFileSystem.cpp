@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxFileSystem.h"
 
+#include "base/FileName.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ bool LinuxFileSystem::FolderExists(const std::string& path)
 bool LinuxFileSystem::FileExists(const std::string& path)
 {
     std::error_code error;
-    const auto status = std::filesystem::status(path, error);
+    const auto status = std::filesystem::status(InAnyExtensionCase(path), error);
     return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
 }
 
@@ -35,7 +36,8 @@ std::vector<std::string> LinuxFileSystem::ListFiles(const std::string& folder, c
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         std::string name = entry->path().filename().string();
-        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) == 0 && FileExists(entry->path().string()))
+        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD | FNM_CASEFOLD) == 0 &&
+            FileExists(entry->path().string()))
             names.push_back(std::move(name));
     }
     std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {

@@ -150,9 +150,16 @@ QImage QtBalloonWindow::Draw(qreal ratio) const
     painter.setFont(font);
     painter.setPen(ToQColor(view_.text));
     painter.setClipRect(bubble);
-    qreal y = whole.top() + agent::BalloonPadding + QFontMetricsF(font).ascent();
-    for (const std::string& line : view_.lines) {
-        painter.drawText(QPointF(whole.left() + agent::BalloonPadding, y), ToQt(line));
+    const QFontMetricsF metrics(font);
+    qreal y = whole.top() + agent::BalloonPadding + metrics.ascent();
+    for (std::size_t i = 0; i < view_.lines.size(); ++i) {
+        const QString line = ToQt(view_.lines[i]);
+        const bool rightToLeft = i < view_.rightToLeft.size() && view_.rightToLeft[i];
+        // The direction also decides on which side a full stop stands.
+        painter.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+        const qreal x = rightToLeft ? whole.right() - agent::BalloonPadding - metrics.horizontalAdvance(line)
+                                    : whole.left() + agent::BalloonPadding;
+        painter.drawText(QPointF(x, y), line);
         y += view_.lineHeight;
     }
     return image;

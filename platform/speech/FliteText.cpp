@@ -142,11 +142,11 @@ std::vector<FliteSentence> SplitForFlite(const MarkedText& text)
         sentence.text = ascii.substr(start, end - start);
         sentence.source.assign(source.begin() + static_cast<std::ptrdiff_t>(start),
                                source.begin() + static_cast<std::ptrdiff_t>(end));
-        sentence.end = end < ascii.size() ? source[end] : text.text.size();
     };
     std::size_t start = 0;
     for (std::size_t i = 0; i < ascii.size(); ++i) {
-        if (IsBlank(ascii[i]) && EndsSentence(ascii, start, i)) {
+        // Only the first of several blanks tells; to ask at each would be to look over all of them again each time.
+        if (IsBlank(ascii[i]) && (i == start || !IsBlank(ascii[i - 1])) && EndsSentence(ascii, start, i)) {
             cut(start, i);
             start = i;
             while (start < ascii.size() && IsBlank(ascii[start]))

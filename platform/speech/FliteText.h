@@ -14,7 +14,6 @@ namespace voxmate::speech
 struct FliteSentence {
     std::string text;
     std::vector<std::size_t> source; ///< of each byte, the character of the marked text it comes from
-    std::size_t end = 0;             ///< the character behind the sentence
 
     /// The marked text's character for a token that Flite says it read up to `filePosition`.
     std::size_t SourceOfToken(int filePosition) const;

@@ -2,6 +2,8 @@
 
 #include "base/Text.h"
 
+#include <cstdint>
+
 namespace voxmate::speech
 {
 
@@ -45,7 +47,7 @@ void Append(MarkedText& out, const Segment& segment)
         if (word >= 0 && segment.shownWords < 0)
             shown = segment.firstWord + word;
         else if (word >= 0 && segment.shownWords > 0)
-            shown = segment.firstWord + word * segment.shownWords / words;
+            shown = segment.firstWord + static_cast<int>(std::int64_t{word} * segment.shownWords / words);
         if (shown < 0 && !out.shownWord.empty())
             shown = out.shownWord.back();
         out.text.push_back(point);

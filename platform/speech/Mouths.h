@@ -13,7 +13,8 @@ int MouthOfIpa(std::string_view name);
 /// The mouth for a phoneme of Flite's English phone set ("aa", "dh", "pau"); what is not known is medium.
 int MouthOfFlitePhone(std::string_view name);
 
-/// The mouth for a loudness (root mean square of 16-bit samples) in a recording whose loudest stretch is `loudest`.
+/// The mouth for a loudness (root mean square of 16-bit samples) in a recording that is `loudest` where it is loud;
+/// closed when that is 0.
 int MouthOfLoudness(double level, double loudest);
 
 } // namespace voxmate::speech

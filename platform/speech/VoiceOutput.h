@@ -29,8 +29,9 @@ struct Segment {
     bool emphasis = false; ///< Text: stress its first word
     int milliseconds = 0;  ///< Pause: 10 to 2550
     int bookmark = 0;      ///< Bookmark: its number
-    /// Text: where it begins among the words the listener sees (counted in words), so that a balloon can follow;
-    /// all its words count as `shownWords` words when the spoken and the shown text differ, -1 when they are the same.
+    /// Text and Bookmark: where it begins among the words the listener sees (counted in words), so that a balloon can
+    /// follow; all its words count as `shownWords` words when the spoken and the shown text differ, -1 when they are
+    /// the same.
     int firstWord = 0;
     int shownWords = -1;
 };
@@ -38,7 +39,10 @@ struct Segment {
 struct Utterance {
     std::string modeId; ///< the voice, without braces; unknown or empty: the first voice
     std::vector<Segment> segments;
-    std::string waveFile; ///< when not empty this file is played instead, mouths by its loudness
+    /// When not empty this file is played instead, with mouths by its loudness. The shown words and, among them, the
+    /// bookmarks of `segments` are told evenly over its length.
+    std::string waveFile;
+    int shownWords = 0; ///< how many words the listener sees in all
 };
 
 /// Callbacks on the user-interface thread, each when its moment is heard. After Stop none comes but Ended.

@@ -1,8 +1,13 @@
 #include "platform/speech/WaveFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <utility>
 
 #include <sndfile.h>
 
@@ -14,6 +19,7 @@ namespace
 
 constexpr int LongestSeconds = 600;
 constexpr int MostChannels = 32;
+constexpr int BlockFrames = 4096;
 
 /// A file in memory as libsndfile reads it.
 struct Memory {
@@ -45,9 +51,24 @@ struct Memory {
     static sf_count_t Tell(void* self) { return static_cast<Memory*>(self)->at; }
 };
 
+constexpr std::size_t HeadSize = 12;
+
+/// Whether a file begins as wave files do, the lowest or the highest byte of each number first. Asked before libsndfile
+/// sees the file, whose readers of two dozen other forms have no business with what a stranger sends.
+bool IsWave(std::span<const std::uint8_t> head)
+{
+    const auto says = [&](std::size_t at, std::string_view mark) {
+        return std::equal(mark.begin(), mark.end(), head.begin() + static_cast<std::ptrdiff_t>(at),
+                          [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+    };
+    return head.size() >= HeadSize && (says(0, "RIFF") || says(0, "RIFX")) && says(8, "WAVE");
+}
+
 // `memory` lives as long as what is opened.
 SNDFILE* Open(Memory& memory, SF_INFO& info)
 {
+    if (!IsWave(memory.bytes))
+        return nullptr;
     SF_VIRTUAL_IO access{Memory::Length, Memory::Seek, Memory::Read, Memory::Write, Memory::Tell};
     return sf_open_virtual(&access, SFM_READ, &info, &memory);
 }
@@ -74,31 +95,74 @@ int Bits(int format)
     }
 }
 
-std::optional<WaveData> Decode(SNDFILE* file, const SF_INFO& info)
+struct Close {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+};
+using SoundFile = std::unique_ptr<SNDFILE, Close>;
+
+/// Reads any opened file of `bytes` bytes.
+class Reader final : public WaveReader
 {
-    if (!file)
-        return std::nullopt;
-    std::optional<WaveData> data;
-    if (info.channels >= 1 && info.channels <= MostChannels && info.samplerate >= 1000 && info.samplerate <= 384000) {
-        data.emplace().samplesPerSecond = info.samplerate;
-        // What a damaged header claims is not believed: the samples are taken as they come.
-        const std::size_t most = static_cast<std::size_t>(info.samplerate) * LongestSeconds;
-        std::vector<float> block(static_cast<std::size_t>(info.channels) * 4096);
-        sf_count_t frames = 0;
-        while (data->samples.size() < most && (frames = sf_readf_float(file, block.data(), 4096)) > 0) {
-            for (sf_count_t frame = 0; frame < frames; ++frame) {
-                float sum = 0;
-                for (int channel = 0; channel < info.channels; ++channel)
-                    sum += block[static_cast<std::size_t>(frame * info.channels + channel)];
-                const float value = sum / static_cast<float>(info.channels) * 32768;
-                data->samples.push_back(static_cast<std::int16_t>(
-                    std::lround(std::clamp(std::isfinite(value) ? value : 0.0F, -32768.0F, 32767.0F))));
-            }
-        }
-        if (data->samples.empty())
-            data.reset();
+public:
+    Reader(SoundFile file, const SF_INFO& info, std::uintmax_t bytes)
+        : file_(std::move(file)), info_(info), left_(bytes * MostSamplesPerByte),
+          block_(static_cast<std::size_t>(info.channels) * BlockFrames)
+    {
     }
-    sf_close(file);
+
+    /// Null when the file could not be opened or is no wave file of the kind we take.
+    static std::unique_ptr<Reader> Over(SoundFile file, const SF_INFO& info, std::uintmax_t bytes)
+    {
+        if (!file || info.channels < 1 || info.channels > MostChannels || info.samplerate < 1000 ||
+            info.samplerate > 384000)
+            return nullptr;
+        return std::make_unique<Reader>(std::move(file), info, bytes);
+    }
+
+    int SamplesPerSecond() const override { return info_.samplerate; }
+
+    std::span<const std::int16_t> Next() override
+    {
+        samples_.clear();
+        // What a damaged header claims is not believed: the samples are taken as they come, but not without end.
+        if (left_ == 0)
+            return samples_;
+        const auto channels = static_cast<std::size_t>(info_.channels);
+        const sf_count_t frames = sf_readf_float(file_.get(), block_.data(), BlockFrames);
+        for (sf_count_t frame = 0; frame < frames; ++frame) {
+            float sum = 0;
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                sum += block_[static_cast<std::size_t>(frame) * channels + channel];
+            const float value = sum / static_cast<float>(info_.channels) * 32768;
+            samples_.push_back(static_cast<std::int16_t>(
+                std::lround(std::clamp(std::isfinite(value) ? value : 0.0F, -32768.0F, 32767.0F))));
+        }
+        if (samples_.size() > left_)
+            samples_.resize(static_cast<std::size_t>(left_));
+        left_ -= samples_.size();
+        return samples_;
+    }
+
+private:
+    SoundFile file_;
+    SF_INFO info_;
+    std::uintmax_t left_;
+    std::vector<float> block_;
+    std::vector<std::int16_t> samples_;
+};
+
+std::optional<WaveData> ReadAll(WaveReader* reader)
+{
+    if (!reader)
+        return std::nullopt;
+    WaveData data{reader->SamplesPerSecond(), {}};
+    const std::size_t most = static_cast<std::size_t>(data.samplesPerSecond) * LongestSeconds;
+    for (auto samples = reader->Next(); !samples.empty() && data.samples.size() < most; samples = reader->Next()) {
+        const std::size_t count = std::min(samples.size(), most - data.samples.size());
+        data.samples.insert(data.samples.end(), samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    if (data.samples.empty())
+        return std::nullopt;
     return data;
 }
 
@@ -108,10 +172,9 @@ std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file)
 {
     Memory memory{file};
     SF_INFO info{};
-    SNDFILE* opened = Open(memory, info);
-    if (!opened)
+    SoundFile opened(Open(memory, info));
+    if (!Reader::Over(std::move(opened), info, file.size()))
         return std::nullopt;
-    sf_close(opened);
     return WaveFormat{info.channels, info.samplerate, Bits(info.format), info.frames};
 }
 
@@ -119,13 +182,27 @@ std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file)
 {
     Memory memory{file};
     SF_INFO info{};
-    return Decode(Open(memory, info), info);
+    SoundFile opened(Open(memory, info));
+    return ReadAll(Reader::Over(std::move(opened), info, file.size()).get());
 }
 
 std::optional<WaveData> ReadWaveFile(const std::string& path)
 {
+    return ReadAll(WaveReader::Open(path).get());
+}
+
+std::unique_ptr<WaveReader> WaveReader::Open(const std::string& path)
+{
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error))
+        return nullptr;
+    std::array<char, HeadSize> head{};
+    std::ifstream(path, std::ios::binary).read(head.data(), HeadSize);
+    if (!IsWave({reinterpret_cast<const std::uint8_t*>(head.data()), HeadSize}))
+        return nullptr;
     SF_INFO info{};
-    return Decode(sf_open(path.c_str(), SFM_READ, &info), info);
+    SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
+    return Reader::Over(std::move(file), info, std::filesystem::file_size(path, error));
 }
 
 } // namespace voxmate::speech

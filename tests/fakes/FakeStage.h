@@ -44,7 +44,7 @@ public:
     std::unique_ptr<agent::BalloonWindow> CreateBalloonWindow() override
     {
         balloons.push_back(std::make_shared<Balloon>());
-        return std::make_unique<BalloonWindow>(balloons.back());
+        return std::make_unique<BalloonWindow>(*this, balloons.back());
     }
 
     Rect WorkArea(Point point) override
@@ -140,6 +140,8 @@ public:
     int soundStops = 0;
     int measures = 0; ///< texts measured
     int timersRun = 0;
+    int characterWindows = 0; ///< that exist
+    int balloonWindows = 0;
 
 private:
     struct Entry {
@@ -165,11 +167,13 @@ private:
     public:
         CharacterWindow(FakeStage& stage, std::shared_ptr<Character> state) : stage_(stage), state_(std::move(state))
         {
+            ++stage_.characterWindows;
             state_->mouse = &Mouse;
             state_->moved = &Moved;
         }
         ~CharacterWindow() override
         {
+            --stage_.characterWindows;
             state_->visible = false;
             state_->destroyed = true;
             state_->mouse = nullptr;
@@ -196,9 +200,14 @@ private:
     class BalloonWindow : public agent::BalloonWindow
     {
     public:
-        explicit BalloonWindow(std::shared_ptr<Balloon> state) : state_(std::move(state)) { state_->mouse = &Mouse; }
+        BalloonWindow(FakeStage& stage, std::shared_ptr<Balloon> state) : stage_(stage), state_(std::move(state))
+        {
+            ++stage_.balloonWindows;
+            state_->mouse = &Mouse;
+        }
         ~BalloonWindow() override
         {
+            --stage_.balloonWindows;
             state_->visible = false;
             state_->mouse = nullptr;
         }
@@ -210,6 +219,7 @@ private:
         void Hide() override { state_->visible = false; }
 
     private:
+        FakeStage& stage_;
         std::shared_ptr<Balloon> state_;
     };
 

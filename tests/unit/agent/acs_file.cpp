@@ -252,13 +252,13 @@ TEST(AcsFileReading, LoadsFramesWithoutDurationThatBranchInACircle)
     EXPECT_EQ(ReadBack(d)->animations[0].frames[0].branches[0].percent, 100);
 }
 
-TEST(AcsFileReading, TreatsAReturnAnimationThatIsNotThereAsNone)
+TEST(AcsFileReading, KeepsTheNameOfAReturnAnimationThatIsNotThere)
 {
     AcsDescription d = SmallCharacter();
     d.animations[0].returnAnimation = "Gone";
-    EXPECT_EQ(ReadBack(d)->animations[0].transition, Transition::None);
-    d.animations[0].returnAnimation = "bACK";
-    EXPECT_EQ(ReadBack(d)->animations[0].transition, Transition::ReturnAnimation);
+    const auto file = ReadBack(d);
+    EXPECT_EQ(file->animations[0].transition, Transition::ReturnAnimation);
+    EXPECT_EQ(file->animations[0].returnAnimation, "Gone");
 }
 
 TEST(AcsFileReading, TakesAnyNegativeExitFrameAsNone)

@@ -159,6 +159,26 @@ TEST(AcsLies, CountsLargerThanTheirListAreRefused)
     }
 }
 
+TEST(AcsLies, ListsOfMoreThan65536EntriesAreRefused)
+{
+    for (const auto& [locator, items] :
+         std::initializer_list<std::pair<std::size_t, std::string>>{{12, "the animation list holds 65537 animations"},
+                                                                    {20, "the image list holds 65537 images"},
+                                                                    {28, "the sound list holds 65537 sounds"}}) {
+        for (const std::uint32_t count : {65537u, 65536u}) {
+            AcsDescription d = SmallCharacter();
+            d.animations.resize(1);
+            d.animations[0].frames.clear();
+            Bytes bytes = WriteAcs(d);
+            Put(bytes, locator, static_cast<std::uint32_t>(bytes.size()), 4);
+            Put(bytes, locator + 4, 4 + 12 * count, 4);
+            bytes.resize(bytes.size() + 4 + 12 * std::size_t{count});
+            Put(bytes, Get32(bytes, locator), count, 4);
+            EXPECT_EQ(ErrorOf(bytes), count > 65536 ? Says(items + ", more than 65536") : "no error");
+        }
+    }
+}
+
 TEST(AcsLies, ATextLongerThanItsSectionIsRefused)
 {
     Bytes bytes = WriteAcs(SmallCharacter());
@@ -175,6 +195,9 @@ TEST(AcsLies, FramesOfNoSizeOrTooLargeAreRefused)
               Says("the character's description claims frames of 0 by 5 pixels"));
     EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.height = 0; }),
               Says("the character's description claims frames of 6 by 0 pixels"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.width = d.height = 2048; }), "no error");
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.width = 2049, d.height = 2048; }),
+              Says("the character's description claims frames of 2049 by 2048 pixels"));
     EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.width = d.height = 0xFFFF; }),
               Says("the character's description claims frames of 65535 by 65535 pixels"));
 }
@@ -209,6 +232,24 @@ TEST(AcsLies, AFrameThatDoesNotExistIsRefused)
               Says("frame 0 of the animation \"Wave\" branches to frame 65535, which does not exist"));
 }
 
+TEST(AcsLies, ANameInAMessageStaysOnItsLineAndIsCutWhenItIsLong)
+{
+    const auto named = [](const std::string& name) {
+        return ErrorOf([&](AcsDescription& d) {
+            d.animations[0].name = name;
+            d.animations[0].frames[0].exitFrame = 2;
+        });
+    };
+    EXPECT_EQ(named(std::string("A\nB\0C\u2028D\u202EE", 13)),
+              Says("frame 0 of the animation \"A B C D E\" exits to frame 2, which does not exist"));
+    std::string sixty;
+    for (int i = 0; i < 60; ++i)
+        sixty += "ö";
+    EXPECT_EQ(named(sixty), Says("frame 0 of the animation \"" + sixty + "\" exits to frame 2, which does not exist"));
+    EXPECT_EQ(named(sixty + "ö"),
+              Says("frame 0 of the animation \"" + sixty + "…\" exits to frame 2, which does not exist"));
+}
+
 TEST(AcsLies, BranchesOfMoreThanAHundredPercentAreRefused)
 {
     EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].frames[0].branches[1].percent = 61; }),
@@ -225,6 +266,20 @@ TEST(AcsLies, ATransitionThatDoesNotExistIsRefused)
 {
     EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.animations[0].transition = static_cast<Transition>(3); }),
               Says("the animation \"Wave\" has transition type 3, which does not exist"));
+}
+
+TEST(AcsLies, AnotherMajorVersionIsRefused)
+{
+    for (const std::uint16_t version : std::initializer_list<std::uint16_t>{0, 1, 3, 0x0102, 0xFFFF})
+        EXPECT_EQ(ErrorOf([version](AcsDescription& d) { d.majorVersion = version; }),
+                  Says("it is a character file of version " + std::to_string(version) + ", not of version 2"));
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.minorVersion = 0xFFFF; }), "no error");
+}
+
+TEST(AcsLies, AnImageOfMoreThanSixteenMillionPixelsIsRefusedAsThat)
+{
+    EXPECT_EQ(ErrorOf([](AcsDescription& d) { d.images[1] = Filled(5000, 4000, 1); }),
+              Says("image 1 is of 5000 by 4000 pixels, more than 4 million"));
 }
 
 TEST(AcsLies, AnImageOfAnotherSizeThanItsBytesIsRefused)

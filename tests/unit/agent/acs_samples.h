@@ -60,7 +60,8 @@ inline AcsDescription SmallCharacter()
     first.duration = 10;
     first.exitFrame = 1;
     first.branches = {{1, 40}, {0, 60}};
-    first.overlays = {{MouthClosed, false, 2, 1, 1, 1, 1, {}}, {MouthWide1, true, 2, 4, 4, 1, 1, {7, 7, 7}}};
+    first.overlays = {{MouthClosed, false, 2, 1, 1, 1, 1, {}},
+                      {MouthWide1, true, 2, 4, 4, 1, 1, std::vector<std::uint8_t>{7, 7, 7}}};
     Frame second;
     second.images = {{3, -5, -3}};
     second.duration = 0;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -98,6 +99,17 @@ TEST(BalloonText, AWordIsFoundOnTheLineOnWhichItEnds)
     EXPECT_EQ(text.LineOfWord(99), 6u);
 }
 
+TEST(BalloonText, AParagraphRunsTheWayOfItsFirstLetter)
+{
+    BalloonText text = Text("ab שלום cd\n(3) שלום ab cd\n12 !\n\u200Fab\nЯ نعم\n\u0660 \U0001E900", 7);
+    // ab שלום / cd / (3) / שלום ab / cd / 12 ! / RLM ab / Я نعم / ٠ adlam
+    std::vector<bool> directions;
+    for (std::size_t i = 0; text.HasLine(i); ++i)
+        directions.push_back(text.RunsRightToLeft(i));
+    EXPECT_EQ(directions, (std::vector<bool>{false, false, true, true, true, false, true, false, true}));
+    EXPECT_FALSE(text.RunsRightToLeft(99));
+}
+
 TEST(BalloonText, ALongTextIsMeasuredOnlyAsFarAsItIsSeen)
 {
     std::string text;
@@ -122,6 +134,14 @@ TEST(BalloonText, AWordAsLongAsABookIsBrokenWithoutMeasuringAllOfIt)
     EXPECT_EQ(balloon.Line(9, kAll), std::string(40, 'w'));
     EXPECT_LE(measured, 10u * 1000u);
     EXPECT_EQ(balloon.LineOfWord(0), 25000u - 1u);
+}
+
+TEST(BalloonText, AWordAsLongAsABookIsBrokenQuicklyEvenIntoSingleLetters)
+{
+    BalloonText balloon = Text(std::string(300000, 'w') + " x", 1);
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(balloon.LineOfWord(1), 300000u);
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
 } // namespace

@@ -96,6 +96,14 @@ TEST_F(GesturesTest, MovesWithoutAButtonAndReleasesWithoutAPressMeanNothing)
     EXPECT_EQ(log, "");
 }
 
+TEST_F(GesturesTest, AButtonThatIsNeitherLeftNorRightMeansNothing)
+{
+    Do(MouseAction::Press, 0, {10, 20});
+    Do(MouseAction::Release, 0, {10, 20});
+    Do(MouseAction::DoubleClick, 0, {10, 20});
+    EXPECT_EQ(log, "");
+}
+
 TEST_F(GesturesTest, ASecondButtonMeanwhileChangesNothing)
 {
     Do(MouseAction::Press, 1, {10, 20});

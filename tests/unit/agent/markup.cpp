@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -233,10 +234,62 @@ TEST(Markup, ATagThatIsNeverClosedIsDroppedAndTheTextBehindItStays)
     EXPECT_EQ(Spoken("\\Map=\"a b\"=\"c d\" rest"), (Lines{"' rest' @0"}));
 }
 
+TEST(Markup, ATagThatIsBrokenOffBehindItsEqualSignIsDroppedAndNoWordWithIt)
+{
+    EXPECT_EQ(Spoken("Hello \\Pit="), (Lines{"'Hello ' @0"}));
+    EXPECT_EQ(Shown("Hello \\Pit="), "Hello");
+    EXPECT_EQ(Shown("\\Pit= Hello there"), "Hello there");
+    EXPECT_EQ(Shown("\\Map=\"a\"= Hello there"), "Hello there");
+    EXPECT_EQ(Shown("Hello \\Chr=\"Whis"), "Hello");
+    EXPECT_EQ(Shown("Hello \\Mrk=\r\nthere"), "Hello \r\nthere");
+}
+
+TEST(Markup, AnEqualSignWithoutAValueMakesATagMalformed)
+{
+    EXPECT_EQ(Spoken("\\Pit=80\\\\Emp=\\one \\Rst=\\two"), (Lines{"'one two' @0 pit80"}));
+    EXPECT_EQ(Spoken("one \\Mrk=\\\\Pau=\\\\Map=\\two"), (Lines{"'one two' @0"}));
+    EXPECT_EQ(Shown("one \\Pit==50\\two"), "one two");
+}
+
+TEST(Markup, QuotesInsideTheTextsOfAMapBelongToThem)
+{
+    const std::string text = "He \\Map=\"says \"hi\" twice\"=\"said \"hi\" \"hi\"\"\\ then";
+    EXPECT_EQ(Shown(text), "He said \"hi\" \"hi\" then");
+    EXPECT_EQ(Spoken(text), (Lines{"'He ' @0", "'says \"hi\" twice' @1+3", "' then' @4"}));
+    EXPECT_EQ(Shown("\\Chr=\"Whis\"per\"\\one"), "one");
+}
+
+TEST(Markup, AQuoteThatIsNeverClosedDoesNotReachIntoTheNextTag)
+{
+    EXPECT_EQ(Spoken("\\Map=\"a\"=\"b\" and \\Chr=\"Whisper\"\\more"), (Lines{"' and ' @0", "'more' @1 whisper"}));
+    EXPECT_EQ(Shown("\\Map=\"a\"=\"b\" and\n\"c\"\\ more"), "and\n\"c\"\\ more");
+}
+
+TEST(Markup, BookmarksAreNumbersFromZeroToTheLargestOfThirtyTwoBits)
+{
+    EXPECT_EQ(Spoken("\\Mrk=0\\\\Mrk=2147483647\\"), (Lines{"bookmark 0", "bookmark 2147483647"}));
+    EXPECT_EQ(Spoken("\\Mrk=-1\\\\Mrk=2147483648\\\\Mrk=99999999999999999999\\\\Mrk=+1\\\\Mrk=1.5\\"), Lines{});
+}
+
+TEST(Markup, EachBookmarkKnowsTheShownWordItStandsBefore)
+{
+    std::vector<int> words;
+    const MarkedText marked = ParseMarkup("\\Mrk=1\\one \\Mrk=2\\two th\\Mrk=3\\ree \\Map=\"x\"=\"y z\"\\ \\Mrk=4\\");
+    for (const Segment& segment : marked.segments)
+        if (segment.kind == Segment::Kind::Bookmark)
+            words.push_back(segment.firstWord);
+    EXPECT_EQ(words, (std::vector<int>{0, 1, 3, 5}));
+    EXPECT_EQ(marked.words, 5);
+    EXPECT_EQ(ParseMarkup(" \\Rst\\ ").words, 0);
+}
+
 TEST(Markup, TheLastTextIsSaidAgainOnlyWhenItsTagIsAlone)
 {
     EXPECT_TRUE(ParseMarkup("\\Lst\\").sayLastAgain);
     EXPECT_TRUE(ParseMarkup("  \\lst\\ ").sayLastAgain);
+    EXPECT_TRUE(ParseMarkup("\\Lst\\\r\n").sayLastAgain);
+    EXPECT_TRUE(ParseMarkup("\t\u00A0\\LST\\").sayLastAgain);
+    EXPECT_FALSE(ParseMarkup("\\Lst=1\\").sayLastAgain);
     EXPECT_FALSE(ParseMarkup("\\Lst\\ more").sayLastAgain);
     EXPECT_FALSE(ParseMarkup("\\Pit=50\\\\Lst\\").sayLastAgain);
     EXPECT_EQ(Shown("\\Lst\\ more"), "more");
@@ -284,6 +337,17 @@ TEST(Markup, BytesThatAreNotUtf8AreReplaced)
                     "b"),
               "a \uFFFDb");
     EXPECT_EQ(Spoken("caf\xE9 \\Emp\\x"), (Lines{"'caf\uFFFD ' @0", "'x' @1 emp"}));
+}
+
+TEST(Markup, ATextOfTagsWithoutEndIsReadQuickly)
+{
+    // Each of these could be the beginning of a tag that goes on to the end of the text.
+    std::string text;
+    for (int i = 0; i < 20000; ++i)
+        text += "\\x=a\"=\"";
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(ParseMarkup(text).segments.size(), 1u);
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
 TEST(Markup, NoTextOfBackslashesQuotesAndNamesIsFatalOrLosesPlainWords)

@@ -1,5 +1,7 @@
 #include "tests/unit/agent/server_house.h"
 
+#include <limits>
+
 namespace voxmate::agent::test
 {
 namespace
@@ -39,6 +41,15 @@ TEST_F(ServerBalloon, TheStyleIsFirstThatOfTheFile)
     EXPECT_EQ(Load("B").Balloon().Style(), Style(BalloonOn | BalloonSizeToText, 28, 3));
     description.flags = FlagBalloonDisabled;
     EXPECT_EQ(Load("C").Balloon().Style(), Style(BalloonAutoHide | BalloonAutoPace, 28, 3));
+}
+
+TEST_F(ServerBalloon, AFileWithoutABalloonOfItsOwnGetsAnOrdinaryOne)
+{
+    AgentCharacter& bo = LoadShown();
+    EXPECT_EQ(bo.Balloon().Style(), Style(BalloonOn | BalloonAutoHide | BalloonAutoPace, 32, 4));
+    EXPECT_EQ(bo.Balloon().FontSize(), 10);
+    Say(bo, "Hello");
+    EXPECT_TRUE(stage.BalloonVisible());
 }
 
 TEST_F(ServerBalloon, FontAndColoursAreThoseOfTheFileUntilTheyAreSet)
@@ -144,12 +155,30 @@ TEST_F(ServerBalloon, WithoutAutoPaceTheWholeTextIsThereAtOnce)
     EXPECT_EQ(stage.balloons.back()->views.size(), 1u);
 }
 
-TEST_F(ServerBalloon, TheTextOfAWaveFileIsThereAtOnceSinceNoWordsAreTold)
+TEST_F(ServerBalloon, TheTextOfAWaveFileAppearsAndScrollsAsItIsHeard)
 {
-    AgentCharacter& bo = With(kAllSwitches, 10);
+    AgentCharacter& bo = With(BalloonOn | BalloonAutoPace, 10, 1);
     bo.Speak("The quick brown fox", "/a.wav");
     stage.Settle();
-    EXPECT_EQ(Shown(), (Lines{"The quick", "brown fox"}));
+    EXPECT_FALSE(stage.BalloonVisible());
+    voice.Begin();
+    EXPECT_EQ(Shown(), (Lines{"The"}));
+    voice.Word(2);
+    EXPECT_EQ(Shown(), (Lines{"brown"}));
+    voice.End();
+    EXPECT_EQ(Shown(), (Lines{"brown fox"}));
+}
+
+TEST_F(ServerBalloon, WithAutoPaceAPauseAtTheBeginningComesBeforeTheFirstWord)
+{
+    AgentCharacter& bo = With(kAllSwitches, 10);
+    Say(bo, "\\Mrk=1\\\\Pau=2000\\The quick");
+    EXPECT_FALSE(stage.BalloonVisible());
+    voice.Word(0);
+    EXPECT_EQ(Shown(), (Lines{"The"}));
+    voice.End();
+    Say(bo, "The \\Pau=2000\\quick");
+    EXPECT_EQ(Shown(), (Lines{"The"}));
 }
 
 TEST_F(ServerBalloon, TagsAreNotShownAndMapsShowTheirSecondText)
@@ -221,6 +250,40 @@ TEST_F(ServerBalloon, WithoutAutoHideItStaysUntilTheNextSpeak)
     EXPECT_FALSE(stage.BalloonVisible());
     voice.Begin();
     EXPECT_EQ(Shown(), (Lines{"Next"}));
+}
+
+TEST_F(ServerBalloon, WithoutAutoHideEvenASpeakOfNothingTakesItAway)
+{
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 10);
+    for (const char* nothing : {"", "\\Rst\\", "\\Pau=500\\"}) {
+        Say(bo, "Hello");
+        voice.End();
+        stage.Settle();
+        ASSERT_TRUE(stage.BalloonVisible());
+        bo.Speak(nothing, "");
+        stage.Settle();
+        EXPECT_FALSE(stage.BalloonVisible()) << nothing;
+        voice.End();
+    }
+}
+
+TEST_F(ServerBalloon, AutoHideSwitchedOnTakesAStandingBalloonAwayAndSwitchedOffLetsItStay)
+{
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 10);
+    Say(bo, "Hello");
+    bo.Balloon().SetStyle(Style(BalloonOn | BalloonAutoHide, 10, 2));
+    stage.Run(10000);
+    EXPECT_TRUE(stage.BalloonVisible()); // the voice goes on
+    voice.End();
+    stage.Run(1000);
+    bo.Balloon().SetStyle(Style(BalloonOn, 10, 2));
+    stage.Run(10000);
+    EXPECT_TRUE(stage.BalloonVisible());
+    bo.Balloon().SetStyle(Style(BalloonOn | BalloonAutoHide, 10, 2));
+    stage.Run(1999);
+    EXPECT_TRUE(stage.BalloonVisible());
+    stage.Run(1);
+    EXPECT_FALSE(stage.BalloonVisible());
 }
 
 TEST_F(ServerBalloon, WithoutAutoHideItGoesWhenTheCharacterIsHidden)
@@ -323,6 +386,56 @@ TEST_F(ServerBalloon, ATextTooLongForTheScreenScrollsThoughSizedToText)
     voice.Word(9);
     EXPECT_EQ(Shown().back(), "9");
     EXPECT_EQ(Shown().front(), "1");
+}
+
+TEST_F(ServerBalloon, AFontTooLargeForTheScreenDoesNotMakeItLargerThanTheScreen)
+{
+    stage.workAreas = {{0, 0, 15, 90}};
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 10);
+    for (const int points : {72, 1000000, std::numeric_limits<int>::max() / 2}) {
+        bo.Balloon().SetFontSize(points);
+        Say(bo, "Hello");
+        EXPECT_EQ(stage.View().bubble, (Rect{0, 0, 15, 90})) << points;
+        voice.End();
+    }
+}
+
+TEST_F(ServerBalloon, OnASmallerScreenItIsLaidOutAnewSoAsToStandWhollyOnIt)
+{
+    stage.workAreas = {{0, 0, 1280, 720}, {1280, 0, 320, 160}};
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 60);
+    std::string text = "word0";
+    for (int i = 1; i < 40; ++i)
+        text += " word" + std::to_string(i % 10);
+    Say(bo, text);
+    EXPECT_EQ(stage.View().bubble.width, 60 * 8 + 2 * BalloonPadding);
+    stage.MoveWindow({1400, 60});
+    EXPECT_EQ(stage.View().bubble, (Rect{1280, 0, 320, 160}));
+    EXPECT_EQ(Shown().size(), 7u); // (160 - 2 * 10) / 20
+    EXPECT_EQ(Shown()[0], "word0 word1 word2 word3 word4 word5");
+    stage.MoveWindow({600, 600});
+    EXPECT_EQ(stage.View().bubble.width, 60 * 8 + 2 * BalloonPadding);
+    stage.ChangeScreens({{0, 0, 320, 160}});
+    EXPECT_EQ(stage.View().bubble, (Rect{0, 0, 320, 160}));
+}
+
+TEST_F(ServerBalloon, AnotherScreenOfTheSameSizeIsNoReasonToMeasureAgain)
+{
+    stage.workAreas = {{0, 0, 1280, 720}, {1280, 0, 1280, 720}};
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 20);
+    Say(bo, "The quick brown fox");
+    const int measures = stage.measures;
+    stage.MoveWindow({1400, 300});
+    stage.MoveWindow({1500, 300});
+    EXPECT_EQ(stage.measures, measures);
+}
+
+TEST_F(ServerBalloon, LinesOfTextThatRunsFromRightToLeftAreMarkedAsSuch)
+{
+    AgentCharacter& bo = With(BalloonOn | BalloonSizeToText, 10);
+    Say(bo, "Hello you\nשלום Qt world\n3 نعم");
+    EXPECT_EQ(Shown(), (Lines{"Hello you", "שלום Qt", "world", "3 نعم"}));
+    EXPECT_EQ(stage.View().rightToLeft, (std::vector<bool>{false, true, true, true}));
 }
 
 TEST_F(ServerBalloon, ABalloonWiderThanTheScreenIsAsWideAsTheScreen)

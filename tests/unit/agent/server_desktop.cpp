@@ -316,6 +316,16 @@ TEST_F(ServerDesktop, TheMenuShowsTheVisibleCommandsThenARuleAndHide)
     EXPECT_EQ(Log(), (Lines{"click Bo 2/0 10,20"}));
 }
 
+TEST_F(ServerDesktop, WithOnlyInvisibleCommandsTheMenuIsJustHideWithoutARule)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("mnuSecret", "Secret", "", true, false);
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    ASSERT_EQ(stage.menu.size(), 1u);
+    EXPECT_EQ(stage.menu[0].caption, "Hide");
+}
+
 TEST_F(ServerDesktop, WithoutCommandsTheMenuIsJustHide)
 {
     LoadShown();
@@ -355,6 +365,22 @@ TEST_F(ServerDesktop, HideOfTheMenuEndsWhatIsGoingOnAndHidesForTheUser)
     EXPECT_EQ(voice.stops, 1);
     stage.Run(1000);
     EXPECT_EQ(Log(), (Lines{"end speak 3", "end wave 3", "hidden Bo 1"}));
+    EXPECT_FALSE(bo.Visible());
+}
+
+TEST_F(ServerDesktop, ChoicesOfAMenuThatIsStillOpenWhenTheCharacterHasBeenHiddenDoNoHarm)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Commands().Add("mnuTime", "Tell me &Time", "", true, true);
+    stage.Mouse(MouseAction::Press, 2, {10, 20});
+    stage.Mouse(MouseAction::Release, 2, {10, 20});
+    bo.Hide(true);
+    stage.Settle();
+    Log();
+    stage.menuChosen(stage.menu.back().name);
+    stage.menuChosen("mnuTime");
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"command mnuTime"}));
     EXPECT_FALSE(bo.Visible());
 }
 

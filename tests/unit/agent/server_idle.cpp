@@ -1,5 +1,7 @@
 #include "tests/unit/agent/server_house.h"
 
+#include <functional>
+
 namespace voxmate::agent::test
 {
 namespace
@@ -177,6 +179,73 @@ TEST_F(ServerIdle, ANewRequestEndsAnIdleAnimationByItsExitAtOnce)
     stage.Run(200);
     EXPECT_EQ(Pictures(), (Numbers{16}));
     EXPECT_EQ(Log(), (Lines{"start bow", "end bow 0"}));
+}
+
+TEST_F(ServerIdle, EvenARequestThatMovesNothingEndsAnIdleAnimationByItsExitAtOnce)
+{
+    States({{"IdlingLevel1", {"Look"}}});
+    AgentCharacter& bo = LoadShown();
+    for (const auto& [what, ask] :
+         std::vector<std::pair<std::string, std::function<void()>>>{{"shown already", [&] { bo.Show(false); }},
+                                                                    {"unknown animation", [&] { bo.Play("Juggle"); }},
+                                                                    {"nothing to say", [&] { bo.Speak("", ""); }}}) {
+        stage.Run(kGap + 500);
+        Pictures();
+        ask();
+        stage.Settle();
+        EXPECT_EQ(Pictures(), (Numbers{22})) << what;
+        stage.Run(100);
+        EXPECT_EQ(Pictures(), (Numbers{1})) << what;
+        EXPECT_EQ(stage.NextDue(), kGap) << what;
+    }
+}
+
+TEST_F(ServerIdle, TheSoundOfAnIdleAnimationEndsWithIt)
+{
+    States({{"IdlingLevel1", {"Chime"}}});
+    AgentCharacter& bo = LoadShown();
+    stage.Run(kGap + 50);
+    ASSERT_EQ(stage.sounds.size(), 1u);
+    bo.Show(false);
+    stage.Settle();
+    EXPECT_EQ(stage.soundStops, 1);
+}
+
+TEST_F(ServerIdle, ACharacterThatWaitsForAnothersVoiceDoesNotIdle)
+{
+    States({{"IdlingLevel1", {"Idle1_1"}}});
+    AgentCharacter& bo = LoadShown("Bo");
+    AgentCharacter& mia = LoadShown("Mia");
+    bo.Speak("A long text", "");
+    mia.Speak("Wait", "");
+    EXPECT_EQ(After(60000), Numbers{});
+    voice.SpeakAll();
+    stage.Settle();
+    voice.SpeakAll();
+    EXPECT_EQ(After(kGap + 100), (Numbers{41}));
+}
+
+TEST_F(ServerIdle, AnIdleAnimationIsEndedByARequestThatWaitsForAnothersVoice)
+{
+    States({{"IdlingLevel1", {"Look"}}});
+    AgentCharacter& bo = LoadShown("Bo");
+    AgentCharacter& mia = LoadShown("Mia");
+    stage.Run(kGap + 500);
+    bo.Speak("A long text", "");
+    stage.Settle();
+    Pictures();
+    mia.Speak("Wait", "");
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{22, 1}));
+}
+
+TEST_F(ServerIdle, AFailedRequestTooBeginsWithLevelOneAgain)
+{
+    States({{"IdlingLevel1", {"Idle1_1"}}, {"IdlingLevel2", {"Idle2_1"}}});
+    AgentCharacter& bo = LoadShown();
+    stage.Run(200000);
+    bo.Play("Juggle");
+    EXPECT_EQ(After(2 * kGap), (Numbers{41}));
 }
 
 TEST_F(ServerIdle, AnIdleAnimationThatLoopsGoesOnUntilARequest)

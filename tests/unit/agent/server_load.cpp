@@ -1,6 +1,10 @@
 #include "base/RuntimeError.h"
 #include "tests/unit/agent/server_house.h"
 
+#include <filesystem>
+#include <fstream>
+#include <random>
+
 namespace voxmate::agent::test
 {
 namespace
@@ -95,6 +99,50 @@ TEST_F(ServerLoad, ACharacterMayBeLoadedAgainAfterUnloading)
     AgentCharacter& bo = LoadShown();
     EXPECT_TRUE(bo.Visible());
     EXPECT_EQ(stage.characters.size(), 2u);
+}
+
+TEST_F(ServerLoad, ThreeCharactersLoadedAndUnloadedAHundredTimesLeaveNothingBehind)
+{
+    description.states.push_back({"IdlingLevel1", {"Look"}});
+    for (int round = 0; round < 100; ++round) {
+        for (const char* name : {"Bo", "Mia", "Al"}) {
+            AgentCharacter& character = Load(name);
+            character.Show(round % 2 == 0);
+            character.Play("Search");
+            character.Speak("Hello \\Mrk=1\\you", "");
+        }
+        stage.Run(round * 10);
+        server.Characters("Bo").StopAll("Play");
+        stage.Run(500);
+        if (voice.speaking)
+            voice.Begin();
+        ASSERT_EQ(stage.characterWindows, 3);
+        ASSERT_LE(stage.balloonWindows, 3);
+        ASSERT_LE(stage.Waiting(), 12u) << round;
+        for (const char* name : {"Al", "Bo", "Mia"})
+            server.Unload(name);
+        stage.Settle();
+        ASSERT_EQ(stage.characterWindows, 0) << round;
+        ASSERT_EQ(stage.balloonWindows, 0) << round;
+        ASSERT_EQ(stage.Waiting(), 0u) << round;
+        ASSERT_FALSE(voice.speaking) << round;
+    }
+    EXPECT_GE(voice.started.size(), 100u);
+}
+
+TEST_F(ServerLoad, AFileIsFoundWhateverTheCaseOfItsExtension)
+{
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("voxmate-load-" + std::to_string(std::random_device{}()));
+    std::filesystem::create_directory(folder);
+    const std::vector<std::uint8_t> bytes = WriteAcs(description);
+    std::ofstream(folder / "BO.ACS", std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    Server real(stage, voice);
+    EXPECT_NO_THROW(real.Load("BO", (folder / "BO.acs").string()));
+    EXPECT_THROW(real.Load("bo", (folder / "bo.acs").string()), RuntimeError);
+    EXPECT_THROW(real.Load("B", (folder / "B.acs").string()), RuntimeError);
+    std::filesystem::remove_all(folder);
 }
 
 TEST_F(ServerLoad, TheVoiceOfTheFileIsTheModeIdentifierUntilItIsSet)

@@ -300,6 +300,58 @@ TEST_F(ServerQueue, AStoppedHideLeavesTheCharacterStandingThere)
     EXPECT_EQ(Pictures(), (Numbers{4, 5, 1}));
 }
 
+TEST_F(ServerQueue, AShowAskedForWhileItHidesBringsItBackWhenItHasGone)
+{
+    AgentCharacter& bo = LoadShown();
+    Named("hide", bo.Hide(false));
+    stage.Run(150);
+    Named("show", bo.Show(true));
+    stage.Run(49);
+    EXPECT_EQ(Log(), (Lines{"start hide"}));
+    stage.Run(1);
+    EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0", "start show", "shown Bo 4", "end show 0"}));
+    EXPECT_TRUE(bo.Visible());
+}
+
+TEST_F(ServerQueue, AHideAskedForWhileItAppearsWaitsUntilItIsThere)
+{
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(50);
+    Named("hide", bo.Hide(true));
+    stage.Run(100);
+    EXPECT_EQ(Log(), (Lines{"start show"}));
+    stage.Run(50);
+    EXPECT_EQ(Log(), (Lines{"shown Bo 4", "end show 0", "start hide", "hidden Bo 3", "end hide 0"}));
+    EXPECT_FALSE(bo.Visible());
+}
+
+TEST_F(ServerQueue, AStoppedShowMayBeFollowedByAHide)
+{
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(50);
+    bo.StopAll("");
+    Named("hide", bo.Hide(false));
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 3", "start hide", "hidden Bo 3", "end hide 0"}));
+    EXPECT_FALSE(stage.Window().visible);
+}
+
+TEST_F(ServerQueue, ShowAndHideAreStoppedByThemselvesWhileQueuedAndWhileRunning)
+{
+    AgentCharacter& bo = LoadShown();
+    const auto hide = Named("hide", bo.Hide(false));
+    const auto show = Named("show", bo.Show(false));
+    stage.Run(50);
+    bo.Stop(show);
+    bo.Stop(hide);
+    bo.Stop(hide);
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"start hide", "end show 3", "end hide 3"}));
+    EXPECT_TRUE(bo.Visible());
+}
+
 TEST_F(ServerQueue, BeforeTheNextAnimationTheReturnAnimationIsPlayed)
 {
     AgentCharacter& bo = LoadShown();

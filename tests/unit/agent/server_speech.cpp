@@ -60,6 +60,56 @@ TEST_F(ServerSpeech, AWaveFileIsPlayedInPlaceOfTheText)
     EXPECT_EQ(stage.View().lines, (Lines{"Listen"}));
 }
 
+TEST_F(ServerSpeech, AWaveFilesTextTellsTheVoiceItsWordsAndBookmarks)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.Speak("\\Pit=80\\one \\Mrk=7\\two \\Map=\"3\"=\"the third\"\\ \\Pau=500\\ word", "/a.wav");
+    stage.Settle();
+    ASSERT_EQ(voice.started.size(), 1u);
+    EXPECT_EQ(voice.started[0].shownWords, 5);
+    ASSERT_EQ(voice.started[0].segments.size(), 1u);
+    EXPECT_EQ(voice.started[0].segments[0].bookmark, 7);
+    EXPECT_EQ(voice.started[0].segments[0].firstWord, 1);
+    voice.Begin();
+    voice.Bookmark(7);
+    stage.Settle();
+    EXPECT_EQ(Log().back(), "bookmark 7");
+}
+
+TEST_F(ServerSpeech, ATextThatIsOnlyShownStandsInTheBalloonForAWhile)
+{
+    AgentCharacter& bo = LoadShown();
+    Named("speak", bo.Speak("\\Map=\"\"=\"Look here\"\\", ""));
+    stage.Settle();
+    ASSERT_EQ(voice.started.size(), 1u);
+    EXPECT_TRUE(voice.started[0].segments.empty());
+    voice.End(); // with nothing to be heard it does not begin
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"start speak", "end speak 0"}));
+    ASSERT_TRUE(stage.BalloonVisible());
+    EXPECT_EQ(stage.View().lines, (Lines{"Look here"}));
+    stage.Run(Balloon::AutoHideDelay);
+    EXPECT_FALSE(stage.BalloonVisible());
+}
+
+TEST_F(ServerSpeech, BookmarksOfSpeechesInTheQueueComeEachWithItsOwnAndNoneAfterAStop)
+{
+    AgentCharacter& bo = LoadShown();
+    Named("one", bo.Speak("a \\Mrk=1\\", ""));
+    Named("two", bo.Speak("\\Mrk=2\\ b \\Mrk=3\\ c", ""));
+    stage.Settle();
+    voice.Begin();
+    voice.Bookmark(1);
+    voice.End();
+    stage.Settle();
+    voice.Begin();
+    voice.Bookmark(2);
+    bo.StopAll("");
+    voice.Bookmark(3);
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"start one", "bookmark 1", "end one 0", "start two", "bookmark 2", "end two 3"}));
+}
+
 TEST_F(ServerSpeech, ATextWithNothingToSayCompletesWithoutTheVoice)
 {
     AgentCharacter& bo = LoadShown();
@@ -235,6 +285,60 @@ TEST_F(ServerSpeech, WithoutMouthsInTheNeutralPoseAnAnimationOfTheStateSpeakingI
     voice.End();
     stage.Run(1000);
     EXPECT_EQ(Pictures(), (Numbers{31, 32, 1}));
+}
+
+TEST_F(ServerSpeech, WithoutMouthsAndWithoutTheStateSpeakingItSpeaksInTheNeutralPoseAllTheSame)
+{
+    description.animations[0].frames = {Picture(1)};
+    AgentCharacter& bo = LoadShown();
+    bo.Play("Bow");
+    stage.Run(100);
+    Pictures();
+    Log();
+    Named("speak", bo.Speak("Hello", ""));
+    stage.Settle();
+    EXPECT_EQ(Pictures(), (Numbers{1}));
+    voice.Begin();
+    voice.Mouth(4);
+    stage.Run(5000);
+    EXPECT_TRUE(stage.BalloonVisible());
+    voice.End();
+    stage.Settle();
+    EXPECT_EQ(Pictures(), Numbers{});
+    EXPECT_EQ(Log(), (Lines{"start speak", "end speak 0"}));
+}
+
+TEST_F(ServerSpeech, ASpeakingAnimationThatEndsWithoutMouthsIsPlayedAgainWhileTheVoiceGoesOn)
+{
+    description.animations[0].frames = {Picture(1)};
+    description.animations.push_back({"Talk", Transition::None, "", {Picture(30), Picture(31)}});
+    description.states.push_back({"Speaking", {"Talk"}});
+    AgentCharacter& bo = LoadShown();
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    stage.Run(550);
+    EXPECT_EQ(Pictures(), (Numbers{30, 31, 1, 30, 31, 1, 30, 31}));
+    voice.End();
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{1}));
+    EXPECT_EQ(stage.Waiting(), 1u); // the balloon's
+}
+
+TEST_F(ServerSpeech, ASpeakingAnimationWithNothingToShowIsPlayedOnce)
+{
+    description.animations[0].frames = {Picture(1)};
+    description.animations.push_back({"Talk", Transition::None, "", {Picture(30, 0)}});
+    description.states.push_back({"Speaking", {"Talk"}});
+    AgentCharacter& bo = LoadShown();
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), Numbers{});
+    voice.End();
 }
 
 TEST_F(ServerSpeech, AnIdleAnimationIsLeftByItsExitWhileTheVoiceStartsAtOnce)

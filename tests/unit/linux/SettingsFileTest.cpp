@@ -1,3 +1,4 @@
+#include "base/FileName.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcess.h"
@@ -430,6 +431,33 @@ TEST_F(SettingsFileTest, FilesAreListedByPatternWithoutRegardToCaseInTheirOrder)
     EXPECT_TRUE(files.FileExists((folder / "chars" / "Alfa.acs").string()));
     EXPECT_FALSE(files.FileExists((folder / "chars").string()));
     EXPECT_EQ(files.GetBaseName("/a/b.c/Some.Name.acs"), "Some.Name");
+}
+
+TEST_F(SettingsFileTest, AFilesExtensionMayBeWrittenInAnyCase)
+{
+    for (const char* name : {"NALU.ACS", "bo.Acs", "zulu.acsx"})
+        Write(folder / "chars" / name, "x");
+    fs::create_directories(folder / "chars" / "folder.ACS");
+    LinuxFileSystem files;
+    const std::string chars = (folder / "chars").string() + "/";
+    EXPECT_EQ(files.ListFiles(chars, "*.acs"), (std::vector<std::string>{"bo.Acs", "NALU.ACS"}));
+    EXPECT_TRUE(files.FileExists(chars + "NALU.acs"));
+    EXPECT_TRUE(files.FileExists(chars + "bo.acs"));
+    EXPECT_FALSE(files.FileExists(chars + "nalu.acs"));
+    EXPECT_FALSE(files.FileExists(chars + "folder.acs"));
+    EXPECT_FALSE(files.FileExists(chars + "zulu.acs"));
+}
+
+TEST_F(SettingsFileTest, TheNameAsItIsWrittenComesBeforeAnotherCase)
+{
+    for (const char* name : {"Bo.ACS", "Bo.acs", "Al.acS", "Al.ACS"})
+        Write(folder / "chars" / name, "x");
+    const std::string chars = (folder / "chars").string() + "/";
+    EXPECT_EQ(InAnyExtensionCase(chars + "Bo.acs"), chars + "Bo.acs");
+    EXPECT_EQ(InAnyExtensionCase(chars + "Al.acs"), chars + "Al.ACS");
+    EXPECT_EQ(InAnyExtensionCase(chars + "Cy.acs"), chars + "Cy.acs");
+    EXPECT_EQ(InAnyExtensionCase("/nowhere/at/all.acs"), "/nowhere/at/all.acs");
+    EXPECT_EQ(InAnyExtensionCase(""), "");
 }
 
 class LinuxProcessTest : public SettingsFileTest

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <ctime>
 
 namespace voxmate::speech
 {
@@ -51,6 +52,19 @@ TEST(MarkedText, SpreadsTheShownWordsOverTheSpokenOnes)
     EXPECT_EQ(parts[0].shownWord[9], 4);
     EXPECT_EQ(parts[0].shownWord[16], 5);
     EXPECT_EQ(parts[0].shownWord[21], 5);
+}
+
+TEST(MarkedText, SpreadsAsManyWordsAsABookHas)
+{
+    constexpr int words = 70000;
+    std::string text;
+    for (int i = 0; i < words; ++i)
+        text += "a ";
+    Segment segment = Text(text);
+    segment.shownWords = words;
+    const MarkedText part = Arrange(std::span(&segment, 1))[0];
+    EXPECT_EQ(part.shownWord.front(), 0);
+    EXPECT_EQ(part.shownWord.back(), words - 1);
 }
 
 TEST(MarkedText, StressesTheFirstWordOnly)
@@ -99,6 +113,14 @@ TEST(FliteText, LeavesOutWhatHasNothingToSay)
 TEST(FliteText, ReadsForeignLettersAndTypographyAsNearAsAsciiComes)
 {
     EXPECT_EQ(Sentences("It’s a café — naïve…"), (std::vector<std::string>{"It's a cafe , naive..."}));
+}
+
+TEST(FliteText, IsSplitQuicklyHoweverManyBlanksPartItsWords)
+{
+    const std::string text = "One" + std::string(100000, ' ') + "two.";
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(Sentences(text), (std::vector<std::string>{text}));
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
 TEST(Mouths, CloseOnTheLipsOpenOnAhAndNarrowOnOo)

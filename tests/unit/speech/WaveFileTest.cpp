@@ -3,6 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include <sndfile.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace voxmate::speech
 {
@@ -37,6 +43,11 @@ std::vector<std::uint8_t> Wave(int format, int channels, int rate, int bits, con
 }
 
 using Samples = std::vector<std::int16_t>;
+
+std::filesystem::path TemporaryPath()
+{
+    return std::filesystem::temp_directory_path() / ("voxmate-sound-" + std::to_string(getpid()) + ".wav");
+}
 
 TEST(WaveFile, DecodesEightBitSamples)
 {
@@ -91,6 +102,48 @@ TEST(WaveFile, RefusesWhatIsNotAWaveFile)
     EXPECT_FALSE(DecodeWave(Wave(1, 1, 22050, 16, {})));
     EXPECT_FALSE(DecodeWave(Wave(1, 0, 22050, 16, {1, 2, 3, 4})));
     EXPECT_FALSE(DecodeWave(Wave(1, 1, 0, 16, {1, 2, 3, 4})));
+}
+
+TEST(WaveFile, RefusesOtherKindsOfSoundFiles)
+{
+    // Sun's form: a header of 24 bytes, 16-bit PCM, 8000 samples per second, one channel; numbers highest byte first.
+    const std::vector<std::uint8_t> au{'.', 's', 'n', 'd', 0, 0,    0,    24, 0, 0, 0, 4, 0, 0, 0,
+                                       3,   0,   0,   0,   0, 0x1F, 0x40, 0,  0, 0, 1, 1, 2, 3, 4};
+    EXPECT_FALSE(DecodeWave(au));
+    EXPECT_FALSE(DescribeWave(au));
+    const std::filesystem::path path = TemporaryPath();
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(au.data()), std::ssize(au));
+    EXPECT_FALSE(ReadWaveFile(path.string()));
+    std::filesystem::remove(path);
+}
+
+TEST(WaveFile, RefusesAFewBytesThatWouldBecomeMinutesOfSound)
+{
+    // Silence in a lossless coding of music: some hundred samples a byte.
+    const std::filesystem::path path = TemporaryPath();
+    SF_INFO info{};
+    info.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+    info.channels = 1;
+    info.samplerate = 8000;
+    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    ASSERT_NE(file, nullptr);
+    const Samples silence(1000000);
+    EXPECT_EQ(sf_write_short(file, silence.data(), std::ssize(silence)), std::ssize(silence));
+    sf_close(file);
+    ASSERT_LT(std::filesystem::file_size(path) * MostSamplesPerByte, silence.size());
+    EXPECT_FALSE(ReadWaveFile(path.string()));
+    std::filesystem::remove(path);
+}
+
+TEST(WaveFile, RefusesWhatIsNoFile)
+{
+    EXPECT_FALSE(ReadWaveFile("/"));
+    const std::filesystem::path path = TemporaryPath();
+    EXPECT_FALSE(ReadWaveFile(path.string()));
+    // A pipe nobody writes to: opening it would wait for ever.
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_FALSE(ReadWaveFile(path.string()));
+    std::filesystem::remove(path);
 }
 
 TEST(WaveFile, TakesWhatIsThereOfACutOffFile)
