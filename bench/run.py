@@ -3,6 +3,7 @@
 Usage: /usr/bin/python3 bench/run.py [BUILD_FOLDER]
 """
 
+import glob
 import os
 import statistics
 import subprocess
@@ -36,6 +37,10 @@ def main():
               f"extremes {times[0]:.1f} to {times[-1]:.1f}, n = 15)", flush=True)
         print(tool("program_cost", "pitch"), end="", flush=True)
         print(tool("program_cost", "speech"), end="", flush=True)
+        cast = sorted(glob.glob(os.path.join(build, "share", "voxmate", "msagent", "chars", "*.acs")))
+        print(tool("character_file", *cast), end="", flush=True)
+        print(tool("frame_timing", cast[0]), end="", flush=True)
+        print(tool("character_memory"), end="", flush=True)
         desk.install_defaults(**QUIET)
         print(tool("process_cost", "idle", "5", "30", empty), end="", flush=True)
         print(tool("process_cost", "idle", "10", "30", program), end="", flush=True)

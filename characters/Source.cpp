@@ -365,10 +365,14 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
                 AddPose(one, ease, key.settings);
     }
     if (at["sound"].Exists()) {
-        animation.sounds.push_back({key.at, static_cast<int>(source_.sounds.size())});
-        source_.sounds.push_back(ReadAll(source_.folder + "/" + at["sound"].Text()));
-        if (!source_.sounds.back().startsWith("RIFF"))
+        const QByteArray sound = ReadAll(source_.folder + "/" + at["sound"].Text());
+        if (!sound.startsWith("RIFF"))
             at["sound"].Fail("\"" + at["sound"].Text() + "\" is not a RIFF wave file");
+        // A sound that several keys play stands in the file once.
+        const auto known = std::find(source_.sounds.begin(), source_.sounds.end(), sound);
+        animation.sounds.push_back({key.at, static_cast<int>(known - source_.sounds.begin())});
+        if (known == source_.sounds.end())
+            source_.sounds.push_back(sound);
     }
     for (const QString& name : at.Keys())
         if (!QStringList{"at", "ease", "pose", "sound", "comment"}.contains(name))
@@ -407,7 +411,14 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
     }
     const int last = animation.keys.empty() ? 0 : animation.keys.back().at;
     animation.length = at["length"].Whole(std::max(1, last), 30000, std::max(animation.step, last));
-    animation.hold = at["hold"].Whole(2 * animation.step, animation.length, -1);
+    // Between two frames nothing can be held or left.
+    const auto onFrame = [&animation](const JsonPlace& time, int value) {
+        if (value % animation.step != 0 && value != animation.length)
+            time.Fail(QString("a multiple of the step, %1, is needed").arg(animation.step));
+        return value;
+    };
+    if (at["hold"].Exists())
+        animation.hold = onFrame(at["hold"], at["hold"].Whole(2 * animation.step, animation.length));
     if (at["return"].Exists()) {
         animation.transition = agent::Transition::ReturnAnimation;
         animation.returnAnimation = at["return"].Text();
@@ -415,8 +426,8 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
     if (at["branches"].Exists())
         for (const JsonPlace& branch : at["branches"].Items()) {
             branch.OnlyKeys({"from", "to", "percent"});
-            animation.branches.push_back({branch["from"].Whole(1, animation.length),
-                                          branch["to"].Whole(0, animation.length - 1),
+            animation.branches.push_back({onFrame(branch["from"], branch["from"].Whole(1, animation.length)),
+                                          onFrame(branch["to"], branch["to"].Whole(0, animation.length - 1)),
                                           branch["percent"].Whole(1, 100, 100)});
         }
     return animation;

@@ -5,7 +5,7 @@
 build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev qt6-multimedia-dev libxcb1-dev libxcb-shape0-dev libxcb-xfixes0-dev
-  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev
+  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev zlib1g-dev
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 fonts-dejavu-core xdg-utils

@@ -142,6 +142,27 @@ class ProgramCase(unittest.TestCase):
         self.assertEqual(len(windows), 1, windows)
         return windows[0], self.desk.window_rect(windows[0])
 
+    def main_window(self):
+        return self.desk.windows("^Voxmate$")[-1]
+
+    def open_character_menu(self):
+        """Opens the character's menu with the right button and returns the middles of its five items, top to bottom. A
+        pop-up of its own is in no window's accessibility tree: its place on the screen is all there is."""
+        _, (x, y, width, height) = self.character_window()
+        known = set(self.desk.windows("")) | {self.main_window()}
+        self.desk.click_at(x + width // 2, y + height // 2, button=3)
+
+        def popup():
+            new = set(self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split())
+            return new - known
+
+        window = desktop.wait_for(popup, 5, what="the character's menu").pop()
+        time.sleep(0.2)
+        left, top, width, height = self.desk.window_rect(window)
+        item = (height - 12) / 5  # the rule and the frame take some 12 pixels
+        middles = [top + item * (number + 0.5) for number in range(4)] + [top + height - item * 0.6]
+        return [(left + width // 2, int(middle)) for middle in middles]
+
     def render(self, text, voice=None):
         """The path of the engine's own rendering of a text with the settings in the file; render_events gets the moments
         of its words and mouths, a line each: kind, sample, value."""

@@ -24,27 +24,6 @@ class Window(ProgramCase):
     def saved(self, name, value):
         desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
 
-    def main_window(self):
-        return self.desk.windows("^Voxmate$")[-1]
-
-    def open_character_menu(self):
-        """Opens the character's menu with the right button and returns the middles of its five items, top to bottom. A
-        pop-up of its own is in no window's accessibility tree: its place on the screen is all there is."""
-        _, (x, y, width, height) = self.character_window()
-        known = set(self.desk.windows("")) | {self.main_window()}
-        self.desk.click_at(x + width // 2, y + height // 2, button=3)
-
-        def popup():
-            new = set(self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split())
-            return new - known
-
-        window = desktop.wait_for(popup, 5, what="the character's menu").pop()
-        time.sleep(0.2)
-        left, top, width, height = self.desk.window_rect(window)
-        item = (height - 12) / 5  # the rule and the frame take some 12 pixels
-        middles = [top + item * (number + 0.5) for number in range(4)] + [top + height - item * 0.6]
-        return [(left + width // 2, int(middle)) for middle in middles]
-
     def test_the_window_is_narrow_and_keeps_its_size(self):
         _, _, width, height = self.desk.window_rect(self.main_window())
         self.assertLess(width, 515)
@@ -128,20 +107,6 @@ class Window(ProgramCase):
             desktop.wait_for(lambda: presses() == 1, 3, what="the click beneath")
         finally:
             below.terminate()
-
-    def test_the_characters_menu_hides_it_and_the_button_brings_it_back(self):
-        self.desk.click_at(*self.open_character_menu()[4])
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
-        self.press("Choose Character by Right Click. Show Character on Left Click")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
-
-    def test_the_time_is_told_from_the_characters_menu(self):
-        recorder = self.desk.recorder()
-        try:
-            self.desk.click_at(*self.open_character_menu()[1])
-            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 10, what="the time")
-        finally:
-            recorder.stop()
 
 
 class CloseToTray(ProgramCase):

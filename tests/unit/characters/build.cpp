@@ -148,6 +148,26 @@ TEST(CharacterBuild, KeepsEveryPictureOnce)
     EXPECT_EQ(Built(folder)->ImageCount(), Built(SourceFolder())->ImageCount());
 }
 
+TEST(CharacterBuild, KeepsASoundOnceThatSeveralKeysPlay)
+{
+    SourceFolder folder;
+    folder.Write("tick.wav", "RIFF tick");
+    folder.Write("same.wav", "RIFF tick");
+    folder.Write("tock.wav", "RIFF tock");
+    folder.Replace("{\"at\": 12, \"all\": {\"move\": [0, -4]}},\n {\"at\": 24, \"pose\": \"rest\"}]",
+                   "{\"at\": 0, \"sound\": \"tick.wav\"}, {\"at\": 6, \"sound\": \"tock.wav\"},"
+                   "{\"at\": 12, \"sound\": \"same.wav\", \"all\": {\"move\": [0, -4]}},"
+                   "{\"at\": 24, \"pose\": \"rest\"}]");
+    const auto file = Built(folder);
+    ASSERT_EQ(file->SoundCount(), 2u);
+    const auto& frames = file->FindAnimation("Hop")->frames;
+    ASSERT_EQ(frames.size(), 4u);
+    EXPECT_EQ(frames[0].sound, 0);
+    EXPECT_EQ(frames[1].sound, 1);
+    EXPECT_EQ(frames[2].sound, 0);
+    EXPECT_EQ(frames[3].sound, -1);
+}
+
 TEST(CharacterBuild, PutsTheWayBackBeforeTheFrameAnAnimationHoldsIn)
 {
     SourceFolder folder;

@@ -99,6 +99,14 @@ TEST(CharacterSource, RefusesAValueOfTheWrongKind)
               "character.json: names[0].name: a text in quotes is needed");
 }
 
+TEST(CharacterSource, RefusesToHoldOrBranchBetweenTwoFrames)
+{
+    EXPECT_EQ(ErrorAfter("\"pose\": \"rest\"}]", "\"pose\": \"rest\"}], \"hold\": 13"),
+              "character.json: animations.Hop.hold: a multiple of the step, 6, is needed");
+    EXPECT_EQ(ErrorAfter("\"pose\": \"rest\"}]", "\"pose\": \"rest\"}], \"branches\": [{\"from\": 18, \"to\": 5}]"),
+              "character.json: animations.Hop.branches[0].to: a multiple of the step, 6, is needed");
+}
+
 TEST(CharacterSource, RefusesPartsThatAreTheirOwnAncestors)
 {
     EXPECT_EQ(ErrorAfter("{\"name\": \"all\"}", "{\"name\": \"all\", \"parent\": \"left\"}"),

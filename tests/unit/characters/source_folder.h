@@ -49,6 +49,13 @@ public:
         return ReadSource(folder_.path());
     }
     QString Path() const { return folder_.path(); }
+    // Puts a file beside the description.
+    void Write(const QString& name, const QString& text) const
+    {
+        QFile file(folder_.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text.toUtf8());
+    }
     // The message of the error that `work` ends in, without the folder.
     template <typename Work>
     std::string ErrorOf(Work work) const
@@ -62,12 +69,6 @@ public:
     }
 
 private:
-    void Write(const QString& name, const QString& text) const
-    {
-        QFile file(folder_.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text.toUtf8());
-    }
     QTemporaryDir folder_;
 };
 

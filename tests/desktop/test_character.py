@@ -1,0 +1,181 @@
+"""The character on the desktop: its menu and commands, its size, the cast, and what its events do to the program."""
+
+import os
+import sys
+import time
+import unittest
+
+import desk as desktop
+from program import IDLE, ROOT, ProgramCase, StatusWatch
+
+sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
+from acs_maker import BLANK, animation, frame, image, make  # noqa: E402  pylint: disable=wrong-import-position
+
+CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
+SENTENCE = "This is a sentence of some length, so that there is time to interrupt it before it comes to its end."
+COMMANDS = {"stop": 0, "time": 1, "date": 2, "who": 3, "hide": 4}
+
+
+class Character(ProgramCase):
+    # Without the sounds of its movements: what is heard is the voice.
+    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
+
+    def setUp(self):
+        super().setUp()
+        self.start_and_settle()
+        self.recorder = self.desk.recorder()
+
+    def tearDown(self):
+        self.recorder.stop()
+        super().tearDown()
+
+    def choose(self, command):
+        self.desk.click_at(*self.open_character_menu()[COMMANDS[command]])
+
+    def heard_since(self, begin):
+        return desktop.loud_span(self.recorder.snapshot()[0][begin:])
+
+    def now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def speak(self, text=SENTENCE):
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(text)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: self.heard_since(begin), 5, what="sound")
+
+    def quiet_from(self, moment, tolerance=0.3):
+        """Nothing is heard from a moment (of the steady clock) on, but for `tolerance` seconds."""
+        time.sleep(tolerance + 1.0)
+        samples, ends, times = self.recorder.snapshot()
+        span = desktop.loud_span(samples)
+        self.assertIsNotNone(span)
+        self.assertLess(self.recorder.time_of(span[1], ends, times) - moment, tolerance)
+
+    def test_time_date_and_introduction_are_told_from_the_menu(self):
+        for command in ("time", "date", "who"):
+            with self.subTest(command):
+                begin = self.now()
+                status = StatusWatch(self.status_panel())
+                self.choose(command)
+                desktop.wait_for(lambda: self.heard_since(begin), 10, what=command)
+                self.settle()
+                status.stop()
+                first, last = self.heard_since(begin)
+                self.assertGreater((last - first) / desktop.RATE, 0.7)
+                self.assertIn("Busy...", status.texts())
+                self.assertEqual(status.texts()[-1], IDLE)
+
+    def test_stop_from_the_menu_silences_the_voice(self):
+        self.speak()
+        place = self.open_character_menu()[COMMANDS["stop"]]
+        self.desk.run("xdotool", "mousemove", *map(str, place))
+        chosen = time.monotonic()
+        self.desk.run("xdotool", "click", "1")
+        self.quiet_from(chosen)
+        self.settle()
+
+    def test_hiding_the_character_silences_it_and_the_button_brings_it_back(self):
+        self.speak()
+        place = self.open_character_menu()[COMMANDS["hide"]]
+        self.desk.run("xdotool", "mousemove", *map(str, place))
+        chosen = time.monotonic()
+        self.desk.run("xdotool", "click", "1")
+        self.quiet_from(chosen)
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        self.assertFalse(self.desk.windows("^Voxmate balloon$"))
+        self.press(CHARACTER_BUTTON)
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
+        self.settle()
+        begin = self.now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: self.heard_since(begin), 5, what="sound after the character has come back")
+
+    def test_the_right_button_shows_the_cast_and_each_of_it_takes_the_stage(self):
+        for name in ("Tock", "Gamp", "Nalu"):
+            with self.subTest(name):
+                self.desk.click(self.desk.find(CHARACTER_BUTTON), button=3)
+                time.sleep(0.3)
+                # In order of name; the one on the stage stands checked.
+                for _ in range(("Gamp", "Nalu", "Tock").index(name) + 1):
+                    self.desk.key("Down")
+                self.desk.key("Return")
+                self.desk.find(name.upper(), timeout=10)
+                desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == f'"{name}"', 3, what="the setting")
+                self.settle()
+                self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
+                self.speak("Hello")
+                self.settle()
+                self.desk.key("ctrl+a", "Delete")
+        self.assertIsNone(self.program.poll())
+
+    def test_a_character_that_is_dragged_takes_its_balloon_along(self):
+        self.speak()
+        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 5, what="the balloon")[0]
+        _, (x, y, width, height) = self.character_window()
+        bx, by, _, _ = self.desk.window_rect(balloon)
+        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "mousedown", "1")
+        for step in range(1, 31):
+            self.desk.run("xdotool", "mousemove", str(x + width // 2 - 10 * step), str(y + height // 2 - 5 * step))
+            if step == 20:
+                time.sleep(0.05)
+                nx, ny = self.character_window()[1][:2]
+                moved = self.desk.window_rect(balloon)[:2]
+                self.assertEqual((moved[0] - bx, moved[1] - by), (nx - x, ny - y))
+        self.desk.run("xdotool", "mouseup", "1")
+        _, (x2, y2, _, _) = self.character_window()
+        self.assertEqual((x2 - x, y2 - y), (-300, -150))
+
+
+def disc(side=120, radius=50):
+    """A character that is one disc and never moves."""
+    middle = side / 2
+    rows = [bytes(1 if (x + 0.5 - middle) ** 2 + (y + 0.5 - middle) ** 2 < radius ** 2 else 0 for x in range(side))
+            for y in range(side)]
+    return make({**BLANK, "width": side, "height": side, "names": [(0x0409, "Disc", "", "")],
+                 "palette": [(1, 2, 3), (200, 90, 40)], "images": [image(side, rows)],
+                 "animations": [animation("RestPose", [frame((0, 0, 0))])]}).data
+
+
+class Sizes(ProgramCase):
+    def test_small_normal_and_big_are_half_once_and_twice_the_size_and_take_the_mouse_where_they_are_drawn(self):
+        sizes = {}
+        folder = os.path.join(self.desk.home, "disc", "")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, "Disc.acs"), "wb") as file:
+            file.write(disc())
+        for size in (0, 1, 2):
+            self.desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, CharacterSize=size, CharacterPath=folder,
+                                       LastCharacter="Disc")
+            self.start_and_settle()
+            window, (x, y, width, height) = self.character_window()
+            sizes[size] = (width, height)
+            # It takes the mouse exactly where something is drawn: down its middle line, the first drawn pixel and those
+            # above it.
+            picture = self.desk.screenshot(box=(x, y, x + width, y + height))
+            nothing = picture.getpixel((0, 0))
+            drawn = next(row for row in range(height) if picture.getpixel((width // 2, row)) != nothing)
+            self.assertAlmostEqual(drawn, height * 10 / 120, delta=1)
+            seen = os.path.join(self.desk.home, f"events{size}")
+            with open(seen, "wb") as out:
+                below = self.desk.spawn("xev", "-geometry", f"{width + 60}x{height + 20}+{x - 30}+{y - 40}", "-event",
+                                        "button", stdout=out)
+            try:
+                desktop.wait_for(lambda: self.desk.windows("^Event Tester$"), what="the window beneath")
+                time.sleep(0.5)
+                for row, beneath in ((drawn - 2, 1), (drawn + 2, 1), (drawn - 1, 2)):
+                    self.desk.click_at(x + width // 2, y + row, button=2)
+                    time.sleep(0.4)
+                    with open(seen, encoding="utf-8", errors="replace") as file:
+                        presses = file.read().count("ButtonPress")
+                    self.assertEqual(presses, beneath, f"size {size}, row {row - drawn} from the first drawn one")
+            finally:
+                below.terminate()
+                below.wait()
+            self.desk.end(self.program)
+        self.assertEqual(sizes, {0: (60, 60), 1: (120, 120), 2: (240, 240)})
+
+
+if __name__ == "__main__":
+    unittest.main()
