@@ -98,7 +98,7 @@ class Photographer:
             ("Balloon off", "Gamp", dict(ShowBalloon=0), text, 2, None),
             ("No room above: beside", "Nalu", dict(BalloonFontName="DejaVu Serif"), text, 1.5, (0.4, 0)),
             ("At the left edge", "Tock", dict(BalloonCharactersPerLine=16), text, 1.5, (0, 0.6)),
-            ("No room above or beside: below", "Gamp", dict(BalloonCharactersPerLine=60), text, 1.5, (0.5, 0)),
+            ("In the upper right corner", "Gamp", {}, text, 1.5, (1, 0)),
         ]
         cells = [(caption, self.balloon({**on, **settings}, name, say, wait, place))
                  for caption, name, settings, say, wait, place in panels]
@@ -125,7 +125,9 @@ class Photographer:
             x, y, width, height = self.desk.window_rect(window)
             to = (place[0] * (self.desk.screen[0] - width), place[1] * (self.desk.screen[1] - height))
             self.drag(x + width // 2, y + height // 2, int(to[0]) + width // 2, int(to[1]) + height // 2)
+        main = self.desk.windows("^Voxmate$")[-1]
         self.press("Speak the textbox text")
+        self.desk.run("xdotool", "windowminimize", main)
         time.sleep(wait)
         picture = self.desk.screenshot()
         x, y, width, height = self.desk.window_rect(window)
