@@ -1,0 +1,268 @@
+// Writes the inputs the fuzzer starts from, made with the project's own writers: fuzz_seeds FOLDER gives one folder a
+// target in it.
+#include "platform/agent/AcsCompression.h"
+#include "platform/agent/AcsWriter.h"
+#include "tests/unit/agent/acs_samples.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sndfile.h>
+
+using namespace voxmate::agent;
+using Bytes = std::vector<std::uint8_t>;
+
+namespace
+{
+
+class Folder
+{
+public:
+    explicit Folder(std::filesystem::path path) : path_(std::move(path)) { std::filesystem::create_directories(path_); }
+    void Add(const std::string& name, const Bytes& bytes) const
+    {
+        std::ofstream out(path_ / ("seed-" + name), std::ios::binary);
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        if (!out.flush())
+            throw std::runtime_error("cannot write to " + path_.string());
+    }
+    void Add(const std::string& name, std::string_view text) const { Add(name, Bytes(text.begin(), text.end())); }
+
+private:
+    std::filesystem::path path_;
+};
+
+Bytes Noise(std::size_t size, std::uint8_t values)
+{
+    Bytes bytes(size);
+    std::uint32_t state = 1;
+    for (std::uint8_t& byte : bytes) {
+        state = state * 1664525u + 1013904223u;
+        byte = static_cast<std::uint8_t>((state >> 16) % values);
+    }
+    return bytes;
+}
+
+void WriteCharacters(const Folder& folder)
+{
+    const auto add = [&](const std::string& name, const std::function<void(AcsDescription&)>& change) {
+        AcsDescription d = test::SmallCharacter();
+        change(d);
+        folder.Add(name, WriteAcs(d));
+    };
+    add("whole", [](AcsDescription&) {});
+    add("stored", [](AcsDescription& d) { d.compress = false; });
+    add("bare", [](AcsDescription& d) {
+        d.voice.reset();
+        d.balloon.reset();
+        d.trayIcon.reset();
+        d.names.clear();
+        d.states.clear();
+        d.sounds.clear();
+        d.animations.resize(1);
+        d.animations[0].frames.resize(1);
+        d.animations[0].frames[0] = Frame{};
+    });
+    add("packed", [](AcsDescription& d) {
+        d.images[0] = {64, 64, Noise(4096, 3)};
+        d.images[3] = test::Filled(200, 200, 1);
+    });
+    add("circle", [](AcsDescription& d) {
+        for (Frame& frame : d.animations[0].frames) {
+            frame.duration = 0;
+            frame.branches = {{0, 50}, {1, 50}};
+            frame.exitFrame = 0;
+        }
+    });
+    add("exits", [](AcsDescription& d) {
+        Animation& animation = d.animations[0];
+        animation.transition = Transition::ExitBranches;
+        animation.frames.resize(6, animation.frames[0]);
+        for (std::size_t i = 0; i < 6; ++i) {
+            animation.frames[i].duration = static_cast<std::uint16_t>(i);
+            animation.frames[i].exitFrame = static_cast<std::int16_t>(i == 5 ? -1 : 5 - static_cast<int>(i));
+            animation.frames[i].branches = {{static_cast<std::uint16_t>(i / 2), 30}};
+        }
+    });
+    add("too-large", [](AcsDescription& d) { d.width = d.height = 4096; });
+    // The most that one frame may ask for: its size, its images, and a mouth over them.
+    add("largest", [](AcsDescription& d) {
+        d.width = d.height = 2048;
+        d.images = {test::Filled(2048, 2048, 1), test::Filled(2048, 2048, 2)};
+        d.animations.resize(1);
+        d.animations[0].frames.resize(1);
+        d.animations[0].frames[0].images = {{0, 0, 0}};
+        d.animations[0].frames[0].overlays = {{MouthClosed, false, 1, 0, 0, 1, 1, {}}};
+    });
+}
+
+void WritePacked(const Folder& folder)
+{
+    folder.Add("nothing", Compress({}));
+    folder.Add("zeros", Compress(Bytes(6000, 0)));
+    folder.Add("noise", Compress(Noise(300, 255)));
+    folder.Add("few", Compress(Noise(2000, 3)));
+    // One copy of each width of distance.
+    for (const std::size_t gap : {std::size_t{40}, std::size_t{300}, std::size_t{3000}, std::size_t{8000}}) {
+        Bytes bytes = Noise(20, 255);
+        const Bytes filling(gap, 7);
+        bytes.insert(bytes.end(), filling.begin(), filling.end());
+        const Bytes again = Noise(20, 255);
+        bytes.insert(bytes.end(), again.begin(), again.end());
+        folder.Add("gap-" + std::to_string(gap), Compress(bytes));
+    }
+}
+
+void WriteTexts(const Folder& folder)
+{
+    constexpr std::array<std::string_view, 24> texts{
+        "Hello, world.",
+        "\\Chr=\"Whisper\"\\\\Pit=100\\\\Spd=150\\Hello there!",
+        "One \\Mrk=7\\two \\Pau=500\\three \\Emp\\four \\Rst\\five \\Vol=1000\\six.",
+        "It is \\Map=\"a quarter past two\"=\"2:15\"\\ now, \\Map=\"\"=\"shown only\"\\ \\Map=\"said only\"=\"\"\\.",
+        "\\Ctx=\"E-mail\"\\me_and.you@some-where.org/x\\Ctx=\"Address\"\\ 12 #4 Main St. & Elm Ave. 50% Apt. 3 Blvd.",
+        "\\Ctx=\"Unknown\"\\ \\Chr=\"Normal\"\\ \\Chr=\"Monotone\"\\ flat",
+        "\\Lst\\",
+        " \\lst\\ ",
+        "C:\\\\dir\\\\file and C:\\dir\\file or a \\ b",
+        "\\Map=\"a\\\\b=c\"=\"d=\\\\e\"\\",
+        "\\foo=\"bar baz\"=1\\ \\ Pit = 100 \\ \\Pit=\\ \\Pit=99999999999\\ \\Mrk=2147483647\\",
+        "\\x=a\"=\"\\x=a\"=\"\\x=a\"=\"",
+        "\\Map=\"never closed and \\Pit=3\\ on",
+        "Dr. Smith said \"no!\" He left, e.g. for good... Did he? Yes; he did: A. B. Miller, Prof. of 3 things.",
+        "One\ntwo\r\nthree\rfour\n\nfive\n\n\n\nsix",
+        "Grüße aus Łódź: 5 € – “so” ‘viel’ … 20 °C, Æther, Œuvre, ß, £3",
+        "日本語のテキスト 🦊 \xC2\xA0 no\xC2\xA0"
+        "break \xEF\xBB\xBF",
+        "\xFF\xFE bad \xC3 bytes \xED\xA0\x80 here \xF4\x90\x80\x80",
+        "a & b < c > d \\Emp\\<tag> &amp; \\Mrk=1\\&lt;",
+        "Donaudampfschifffahrtselektrizitaetenhauptbetriebswerkbauunterbeamtengesellschaft",
+        "a                                                                b",
+        "\t\x01\x7F\x1F tabs\tand\x02"
+        "controls\x7F",
+        "abc\\Emp\\def\\Map=\"x y\"=\"ghi jkl\"\\mno",
+        "\\Pau=1\\\\Pau=0\\\\Pau=9999\\\\Vol=70000\\\\Vol=0\\\\Spd=0\\\\Pit=0\\x"};
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        folder.Add(std::to_string(i), std::string(1, static_cast<char>(i * 10)).append(texts[i]));
+
+    // A sentence too long for one breath, and long runs of what is looked ahead over.
+    std::string clauses;
+    for (int i = 0; i < 60; ++i)
+        clauses += "and then again, ";
+    const auto repeated = [](std::string_view text, std::size_t bytes) {
+        std::string all;
+        while (all.size() < bytes)
+            all += text;
+        return all;
+    };
+    folder.Add("clauses", " " + clauses);
+    constexpr std::size_t longest = 16000;
+    folder.Add("blanks", " a" + std::string(longest, ' ') + "b");
+    folder.Add("word", std::string(1, '\0') + std::string(longest, 'w'));
+    folder.Add("quotes", " " + repeated("\\x=a\"=\"", longest));
+    folder.Add("backslashes", " " + repeated("\\x ", longest));
+    folder.Add("lines", std::string(1, '\0') + repeated("a\n", longest));
+    folder.Add("stops", " " + repeated("A. ", longest));
+}
+
+// A sound of the given libsndfile format; empty when the library cannot write it.
+Bytes Sound(int format, int channels, int rate)
+{
+    struct Memory {
+        Bytes bytes;
+        sf_count_t at = 0;
+    } memory;
+    SF_VIRTUAL_IO access{[](void* self) { return static_cast<sf_count_t>(static_cast<Memory*>(self)->bytes.size()); },
+                         [](sf_count_t offset, int whence, void* self) {
+                             auto& file = *static_cast<Memory*>(self);
+                             const auto size = static_cast<sf_count_t>(file.bytes.size());
+                             return file.at = offset + (whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.at : size);
+                         },
+                         [](void* target, sf_count_t count, void* self) {
+                             auto& file = *static_cast<Memory*>(self);
+                             count = std::min(count, static_cast<sf_count_t>(file.bytes.size()) - file.at);
+                             std::copy_n(file.bytes.begin() + file.at, count, static_cast<std::uint8_t*>(target));
+                             file.at += count;
+                             return count;
+                         },
+                         [](const void* source, sf_count_t count, void* self) {
+                             auto& file = *static_cast<Memory*>(self);
+                             file.bytes.resize(std::max(file.bytes.size(), static_cast<std::size_t>(file.at + count)));
+                             std::copy_n(static_cast<const std::uint8_t*>(source), count, file.bytes.begin() + file.at);
+                             file.at += count;
+                             return count;
+                         },
+                         [](void* self) { return static_cast<Memory*>(self)->at; }};
+    SF_INFO info{};
+    info.format = format;
+    info.channels = channels;
+    info.samplerate = rate;
+    SNDFILE* file = sf_open_virtual(&access, SFM_WRITE, &info, &memory);
+    if (!file)
+        return {};
+    std::vector<float> samples(static_cast<std::size_t>(channels) * 700);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = 0.5F * std::sin(static_cast<float>(i) * 0.1F);
+    sf_writef_float(file, samples.data(), 700);
+    sf_close(file);
+    return memory.bytes;
+}
+
+void WriteSounds(const Folder& folder)
+{
+    constexpr std::array<std::pair<const char*, int>, 14> codings{{{"u8", SF_FORMAT_PCM_U8},
+                                                                   {"16", SF_FORMAT_PCM_16},
+                                                                   {"24", SF_FORMAT_PCM_24},
+                                                                   {"32", SF_FORMAT_PCM_32},
+                                                                   {"float", SF_FORMAT_FLOAT},
+                                                                   {"double", SF_FORMAT_DOUBLE},
+                                                                   {"ulaw", SF_FORMAT_ULAW},
+                                                                   {"alaw", SF_FORMAT_ALAW},
+                                                                   {"ima", SF_FORMAT_IMA_ADPCM},
+                                                                   {"ms", SF_FORMAT_MS_ADPCM},
+                                                                   {"gsm", SF_FORMAT_GSM610},
+                                                                   {"g721", SF_FORMAT_G721_32},
+                                                                   {"nms16", SF_FORMAT_NMS_ADPCM_16},
+                                                                   {"nms32", SF_FORMAT_NMS_ADPCM_32}}};
+    constexpr std::array<std::pair<const char*, int>, 3> kinds{
+        {{"wav", SF_FORMAT_WAV}, {"wavex", SF_FORMAT_WAVEX}, {"rf64", SF_FORMAT_RF64}}};
+    const auto add = [&](const std::string& name, const Bytes& bytes) {
+        if (!bytes.empty())
+            folder.Add(name, bytes);
+    };
+    for (const auto& [kind, container] : kinds)
+        for (const auto& [coding, format] : codings)
+            for (const int channels : {1, 2})
+                add(std::string(kind) + "-" + coding + "-" + std::to_string(channels),
+                    Sound(container | format, channels, 8000));
+    add("rifx", Sound(SF_FORMAT_WAV | SF_FORMAT_PCM_16 | SF_ENDIAN_BIG, 1, 22050));
+    // What libsndfile reads besides, to be refused.
+    add("flac", Sound(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 1, 8000));
+    add("ogg", Sound(SF_FORMAT_OGG | SF_FORMAT_VORBIS, 1, 8000));
+    add("aiff", Sound(SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 1, 8000));
+    add("au", Sound(SF_FORMAT_AU | SF_FORMAT_PCM_16, 1, 8000));
+    add("w64", Sound(SF_FORMAT_W64 | SF_FORMAT_PCM_16, 1, 8000));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s FOLDER\n", argv[0]);
+        return 2;
+    }
+    const std::filesystem::path root(argv[1]);
+    WriteCharacters(Folder(root / "acs"));
+    WritePacked(Folder(root / "compression"));
+    WriteTexts(Folder(root / "markup"));
+    WriteSounds(Folder(root / "wave"));
+    return 0;
+}
