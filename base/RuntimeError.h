@@ -27,6 +27,10 @@ inline RuntimeError Overflow()
 {
     return {6, "Overflow"};
 }
+inline RuntimeError OutOfMemory()
+{
+    return {7, "Out of memory"};
+}
 inline RuntimeError SubscriptOutOfRange()
 {
     return {9, "Subscript out of range"};
@@ -34,6 +38,31 @@ inline RuntimeError SubscriptOutOfRange()
 inline RuntimeError FileNotFound()
 {
     return {53, "File not found"};
+}
+inline RuntimeError DeviceIOError()
+{
+    return {57, "Device I/O error"};
+}
+inline RuntimeError InputPastEndOfFile()
+{
+    return {62, "Input past end of file"};
+}
+inline RuntimeError PermissionDenied()
+{
+    return {70, "Permission denied"};
+}
+inline RuntimeError CannotCreateObject()
+{
+    return {429, "ActiveX component can't create object"};
+}
+/// The word processor's own error for a command that failed.
+inline RuntimeError CommandFailed()
+{
+    return {4198, "Command failed"};
+}
+inline RuntimeError CancelSelected()
+{
+    return {32755, "Cancel was selected."};
 }
 inline RuntimeError ObjectNotSet()
 {

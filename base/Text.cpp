@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace voxmate
 {
@@ -50,6 +51,20 @@ Decoded DecodeAt(std::string_view text, std::size_t at)
     if (point < least || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
         return {0xFFFD, 1, false};
     return {point, more + 1, true};
+}
+
+// The end of the ASCII characters that begin at `at`. Eight at a time: most of most texts is made of them.
+std::size_t AsciiEnd(std::string_view text, std::size_t at)
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080u;
+    for (std::uint64_t eight = 0; at + sizeof eight <= text.size(); at += sizeof eight) {
+        std::memcpy(&eight, text.data() + at, sizeof eight);
+        if ((eight & highBits) != 0)
+            break;
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80)
+        ++at;
+    return at;
 }
 
 // Byte position of the character with this 0-based number, or the text's size.
@@ -202,6 +217,7 @@ std::string EncodeUtf8(std::u32string_view points)
 std::string Utf16ToUtf8(std::u16string_view text)
 {
     std::string out;
+    out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char32_t unit = text[i];
         if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
@@ -237,22 +253,39 @@ std::string Windows1252ToUtf8(std::string_view bytes)
                                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
     std::string out;
     out.reserve(bytes.size());
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        AppendUtf8(out, byte >= 0x80 && byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t end = AsciiEnd(bytes, at);
+        out.append(bytes, at, end - at);
+        at = end;
+        for (; at < bytes.size() && static_cast<unsigned char>(bytes[at]) >= 0x80; ++at) {
+            const auto byte = static_cast<unsigned char>(bytes[at]);
+            AppendUtf8(out, byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
+        }
     }
     return out;
 }
 
 bool IsValidUtf8(std::string_view text)
 {
-    for (std::size_t at = 0; at < text.size();) {
+    for (std::size_t at = AsciiEnd(text, 0); at < text.size(); at = AsciiEnd(text, at)) {
         const Decoded c = DecodeAt(text, at);
         if (!c.valid)
             return false;
         at += c.bytes;
     }
     return true;
+}
+
+std::size_t WholeUtf8(std::string_view text)
+{
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - back]);
+        if ((byte & 0xC0u) == 0x80u)
+            continue;
+        const std::size_t bytes = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        return bytes > back ? text.size() - back : text.size();
+    }
+    return text.size();
 }
 
 } // namespace voxmate

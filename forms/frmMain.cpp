@@ -34,11 +34,23 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     Caption = "Voxmate";
     Border = BorderStyle::FixedSingle;
     Status = &stsBar;
-    MenuBar = {&mnuFile};
+    MenuBar = {&mnuFile, &mnuSpeak};
 
     txtText.MultiLine = true;
     txtText.AccessibleName = "Text to read";
     txtText.PlaceholderText = "Type something for me to read";
+    cmdDate.Picture = "date";
+    cmdDate.ToolTipText = "What's today's date?";
+    cmdTime.Picture = "time";
+    cmdTime.ToolTipText = "What time is it?";
+    cmdClip.Picture = "clipboard";
+    cmdClip.ToolTipText = "Speak Clipboard Text";
+    cmdCharIntro.Picture = "introduction";
+    cmdCharIntro.ToolTipText = "Do you know who am I ?";
+    cmdText.Picture = "text";
+    cmdText.ToolTipText = "Open and Read a Text Document";
+    cmdWord.Picture = "word";
+    cmdWord.ToolTipText = "Open and Read a Word Document";
     cmdSpeak.Picture = "speak";
     cmdSpeak.ToolTipText = "Speak the textbox text";
     cmdStop.Picture = "stop";
@@ -56,6 +68,19 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     Arrange();
 
     SysTime.Tick = [this] { SysTime_Timer(); };
+    cmdDate.Click = [this] { cmdDate_Click(); };
+    cmdTime.Click = [this] { cmdTime_Click(); };
+    cmdClip.Click = [this] { cmdClip_Click(); };
+    cmdCharIntro.Click = [this] { cmdCharIntro_Click(); };
+    cmdText.Click = [this] { cmdText_Click(); };
+    cmdWord.Click = [this] { cmdWord_Click(); };
+    mnuWho.Click = [this] { mnuWho_Click(); };
+    mnuDate.Click = [this] { mnuDate_Click(); };
+    mnuTime.Click = [this] { mnuTime_Click(); };
+    mnuReadClip.Click = [this] { mnuReadClip_Click(); };
+    mnuWord.Click = [this] { mnuWord_Click(); };
+    mnuText.Click = [this] { mnuText_Click(); };
+    mnuPlayWav.Click = [this] { mnuPlayWav_Click(); };
     cmdSpeak.Click = [this] { cmdSpeak_Click(); };
     cmdStop.Click = [this] { cmdStop_Click(); };
     cmdCharacter.Click = [this] { cmdCharacter_Click(); };
@@ -77,8 +102,9 @@ void frmMain::Arrange()
                  Item(lblSpeed).Min(56, 0), Item(lblPitchName), Item(scrPitch).Min(220, 0), Item(lblPitch).Min(56, 0),
                  Item(lblVoiceName), Item(chkWhisper)});
     Arrangement = Column({
-        Row({Item(txtText).Stretch(1).Min(420, 120),
-             Column({Item(cmdSpeak), Item(cmdStop), Item(cmdCharacter), Space()})}),
+        Row({Item(cmdDate), Item(cmdTime), Item(cmdClip), Item(cmdCharIntro), Item(cmdText), Item(cmdWord), Space(),
+             Item(cmdCharacter)}),
+        Row({Item(txtText).Stretch(1).Min(420, 120), Column({Item(cmdSpeak), Item(cmdStop), Space()})}),
         Framed(Frame2, std::move(voice)),
     });
 }
@@ -202,6 +228,64 @@ void frmMain::cmdDate_Click()
 void frmMain::cmdCharIntro_Click()
 {
     GreetAndIntroduce(false);
+}
+
+void frmMain::cmdClip_Click()
+{
+    if (!platform_.Windows.ClipboardGetFormat(vbCFText))
+        return;
+    txtText.Text = platform_.Windows.ClipboardGetText();
+    SpeakText(platform_.Windows.ClipboardGetText(), "");
+}
+
+void frmMain::cmdText_Click()
+{
+    OpenAndReadText();
+}
+
+// Only one document at a time: what is pressed while the word processor is at work would come in between.
+void frmMain::cmdWord_Click()
+{
+    cmdWord.Enabled = false;
+    mnuWord.Enabled = false;
+    OpenAndReadWord();
+    cmdWord.Enabled = true;
+    mnuWord.Enabled = true;
+}
+
+void frmMain::mnuWho_Click()
+{
+    cmdCharIntro_Click();
+}
+
+void frmMain::mnuDate_Click()
+{
+    cmdDate_Click();
+}
+
+void frmMain::mnuTime_Click()
+{
+    cmdTime_Click();
+}
+
+void frmMain::mnuReadClip_Click()
+{
+    cmdClip_Click();
+}
+
+void frmMain::mnuWord_Click()
+{
+    cmdWord_Click();
+}
+
+void frmMain::mnuText_Click()
+{
+    cmdText_Click();
+}
+
+void frmMain::mnuPlayWav_Click()
+{
+    OpenAndPlayWave();
 }
 
 void frmMain::cmdCharacter_Click()

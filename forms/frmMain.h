@@ -17,10 +17,16 @@ public:
 
     Timer SysTime{this, "SysTime", 1000, true};
     PictureBox TrayPict{this, "TrayPict", "voxmate"};
+    CommandButton cmdDate{this, "cmdDate"};
+    CommandButton cmdTime{this, "cmdTime"};
+    CommandButton cmdClip{this, "cmdClip"};
+    CommandButton cmdCharIntro{this, "cmdCharIntro"};
+    CommandButton cmdText{this, "cmdText"};
+    CommandButton cmdWord{this, "cmdWord"};
+    CommandButton cmdCharacter{this, "cmdCharacter"};
     TextBox txtText{this, "txtText"};
     CommandButton cmdSpeak{this, "cmdSpeak"};
     CommandButton cmdStop{this, "cmdStop"};
-    CommandButton cmdCharacter{this, "cmdCharacter"};
     Frame Frame2{this, "Frame2", "Voice Settings"};
     Label lblVoice{this, "lblVoice", "Voice &Types"};
     ComboBox comSpEng{this, "comSpEng"};
@@ -36,8 +42,18 @@ public:
 
     Menu mnuFile{this, nullptr, "mnuFile", "&File"};
     Menu mnuMainChar{this, &mnuFile, "mnuMainChar", "&Characters"};
+    Menu mnuPlayWav{this, &mnuFile, "mnuPlayWav", "&Play a WAV File"};
     Menu mnuSep1{this, &mnuFile, "mnuSep1", "-"};
     Menu mnuExit{this, &mnuFile, "mnuExit", "&Exit"};
+
+    Menu mnuSpeak{this, nullptr, "mnuSpeak", "&Speak"};
+    Menu mnuWho{this, &mnuSpeak, "mnuWho", "&Who Am I?"};
+    Menu mnuDate{this, &mnuSpeak, "mnuDate", "Tell Me the &Date"};
+    Menu mnuTime{this, &mnuSpeak, "mnuTime", "Tell Me the &Time"};
+    Menu mnuReadClip{this, &mnuSpeak, "mnuReadClip", "Read &Clipboard"};
+    Menu mnuSep3{this, &mnuSpeak, "mnuSep3", "-"};
+    Menu mnuWord{this, &mnuSpeak, "mnuWord", "Open &Word Document to Read"};
+    Menu mnuText{this, &mnuSpeak, "mnuText", "Open &Text Document to Read"};
 
     Menu mnuTray{this, nullptr, "mnuTray", "Tray"};
     Menu mnuTrayExit{this, &mnuTray, "mnuTrayExit", "&Exit"};
@@ -72,6 +88,16 @@ private:
     void cmdTime_Click();
     void cmdDate_Click();
     void cmdCharIntro_Click();
+    void cmdClip_Click();
+    void cmdText_Click();
+    void cmdWord_Click();
+    void mnuWho_Click();
+    void mnuDate_Click();
+    void mnuTime_Click();
+    void mnuReadClip_Click();
+    void mnuWord_Click();
+    void mnuText_Click();
+    void mnuPlayWav_Click();
     void cmdCharacter_Click();
     void cmdCharacter_MouseUp(int button);
     void comSpEng_Click();

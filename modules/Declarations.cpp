@@ -21,6 +21,8 @@ std::array<std::string, EngineLimit + 1> EngineNames;
 std::array<std::string, EngineLimit + 1> EngineIds;
 AgentRequestPtr LastSpeakRequest;
 AgentRequestPtr LastPlayRequest;
+AgentRequestPtr CurrentRequest;
+std::unique_ptr<WordApplication> WordApp;
 AgentRequestPtr AnimateRequest;
 std::function<void()> AnimateEnded;
 std::int32_t SpeakTimeCounter = 0;
@@ -83,6 +85,8 @@ void BeginProgram(Platform& platform, MainWindow& window)
     EngineIds.fill({});
     LastSpeakRequest.reset();
     LastPlayRequest.reset();
+    CurrentRequest.reset();
+    WordApp.reset();
     AnimateRequest.reset();
     AnimateEnded = nullptr;
     SpeakTimeCounter = 0;

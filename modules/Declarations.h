@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace voxmate
@@ -56,6 +57,11 @@ extern std::array<std::string, EngineLimit + 1> EngineIds;
 
 extern AgentRequestPtr LastSpeakRequest;
 extern AgentRequestPtr LastPlayRequest;
+
+/// The last wave file's request.
+extern AgentRequestPtr CurrentRequest;
+/// The word processor that reads or has read a document last.
+extern std::unique_ptr<WordApplication> WordApp;
 
 /// The animation that the options dialog has asked for last, until it ends, and what the dialog does then.
 extern AgentRequestPtr AnimateRequest;

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/FileSystem.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxmate
@@ -43,6 +45,46 @@ void SpeakText(const std::string& text, const std::string& animation);
 std::string EscapeMarkup(const std::string& text);
 /// The tags that put the voice's pitch, speed and whisper in front of a text.
 std::string VoicePrefix(int pitch, int speed, bool whisper);
+
+// Reading aloud from files; each prompts for the file first.
+
+/// Reads a text file as a whole; an empty one is complained about.
+void OpenAndReadText();
+/// Reads a Word document part by part, until Stop; one without text is complained about.
+void OpenAndReadWord();
+/// Has the character play a wave file with its mouth following.
+void OpenAndPlayWave();
+
+/// The text of a text file as it is spoken: every line without the blanks round it, a CR LF in front of each.
+std::string ReadTextDocument(TextStream& stream);
+
+/// Nominal length of one spoken part of a Word document, in characters.
+inline constexpr std::int32_t WordChunkSize = 1000;
+
+/// Where a Word document is cut into parts: each of 1000 characters, and on to the next blank.
+class WordPart
+{
+public:
+    /// The first part of a document of `length` characters.
+    explicit WordPart(std::int32_t length);
+    /// The part's place: from character `Start`, counted from 0, to before `End`.
+    std::int32_t Start() const { return start_; }
+    std::int32_t End() const { return end_; }
+    /// Its number, from 1, and how many there are said to be: the length in thousands, halves to the even neighbour.
+    std::int32_t Number() const { return number_; }
+    std::int32_t Count() const { return count_; }
+    /// Moves the end forward to the next blank, or to the document's end.
+    void ExtendToBlank(const std::function<bool(std::int32_t at)>& isBlank);
+    /// Goes on behind the blank at its end; false when the document ends there.
+    bool Next();
+
+private:
+    std::int32_t length_;
+    std::int32_t start_ = 0;
+    std::int32_t end_;
+    std::int32_t number_ = 1;
+    std::int32_t count_;
+};
 
 // Phrases.
 

@@ -1,11 +1,24 @@
 // Files and folders as the program's logic sees them.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace voxmate
 {
+
+/// A text file being read line by line: in UTF-8, in UTF-16 with a byte-order mark, or, where it is not valid UTF-8, in
+/// Windows-1252. A byte-order mark is not text. Time and memory are linear in the length of what is read.
+class TextStream
+{
+public:
+    virtual ~TextStream() = default;
+    virtual bool AtEndOfStream() = 0;
+    /// The next line in UTF-8 without its end (CR LF, LF or CR); raises run-time error 62 "Input past end of file" at
+    /// the end.
+    virtual std::string ReadLine() = 0;
+};
 
 class FileSystem
 {
@@ -19,6 +32,12 @@ public:
     virtual bool FileExists(const std::string& path) = 0;
     /// The file name's part before its last dot, without the folder.
     virtual std::string GetBaseName(const std::string& path) = 0;
+    /// The file name's part behind its last dot, empty without one.
+    virtual std::string GetExtensionName(const std::string& path) = 0;
+    /// Opens a text file for reading. Raises run-time error 53 "File not found", 70 "Permission denied" when it may not
+    /// be read or is no file but a folder, a device or a pipe, 7 "Out of memory" when it is larger than a text can be,
+    /// and 57 "Device I/O error" when reading fails, which a line may raise as well.
+    virtual std::unique_ptr<TextStream> OpenTextFile(const std::string& path) = 0;
     /// Names of the files in a folder that match a pattern such as "*.acs", sorted without regard to case; empty when
     /// the folder cannot be read.
     virtual std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) = 0;

@@ -9,6 +9,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/SpeechControl.h"
 #include "platform/WindowSystem.h"
+#include "platform/Word.h"
 
 namespace voxmate
 {
@@ -21,6 +22,7 @@ struct Platform {
     FileSystem& Files;
     Process& System;
     Clock& Time;
+    WordAutomation& Word;
 };
 
 } // namespace voxmate

@@ -49,6 +49,20 @@ struct BrowseInfo {
     std::uint32_t flags = 0;
 };
 
+/// Run-time error of a cancelled common dialog (cdlCancel).
+inline constexpr std::int32_t cdlCancel = 32755;
+
+/// The common dialog's settings and its answer.
+struct CommonDialog {
+    std::string Filter; ///< pairs of description and pattern, parted by bars: "Text Files (*.txt)|*.txt"
+    std::string DialogTitle;
+    bool CancelError = false; ///< a cancelled dialog raises run-time error 32755
+    std::string FileName;     ///< in: proposed; out: the full path chosen, as it was when the user cancels
+};
+
+/// Clipboard formats (winuser.h): plain text.
+inline constexpr int vbCFText = 1;
+
 /// Handle of an item list that names a folder; 0: none.
 using ItemList = std::uint32_t;
 
@@ -65,6 +79,12 @@ public:
     /// The path an item list stands for, without a separator at its end; false when it stands for none.
     virtual bool SHGetPathFromIDListA(ItemList list, std::string& path) = 0;
     virtual void CoTaskMemFree(ItemList list) = 0;
+    /// Shows the modal dialog for opening a file, in the folder it was last left in. Raises run-time error 32755
+    /// "Cancel was selected." when the user cancels and `CancelError` is set.
+    virtual void ShowOpen(CommonDialog& dialog) = 0;
+    /// Whether the clipboard holds something of that format, and its text, empty when it holds none.
+    virtual bool ClipboardGetFormat(int format) = 0;
+    virtual std::string ClipboardGetText() = 0;
     virtual void ClipboardClear() = 0;
     virtual void ClipboardSetText(const std::string& text) = 0;
 

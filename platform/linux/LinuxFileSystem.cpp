@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "base/Text.h"
+#include "platform/linux/LinuxTextStream.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -27,6 +28,19 @@ bool LinuxFileSystem::FileExists(const std::string& path)
 std::string LinuxFileSystem::GetBaseName(const std::string& path)
 {
     return std::filesystem::path(path).stem().string();
+}
+
+std::string LinuxFileSystem::GetExtensionName(const std::string& path)
+{
+    // Not the standard library's extension, which takes ".txt" for a name without one.
+    const std::string name = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? "" : name.substr(dot + 1);
+}
+
+std::unique_ptr<TextStream> LinuxFileSystem::OpenTextFile(const std::string& path)
+{
+    return std::make_unique<LinuxTextStream>(InAnyExtensionCase(path));
 }
 
 std::vector<std::string> LinuxFileSystem::ListFiles(const std::string& folder, const std::string& pattern)

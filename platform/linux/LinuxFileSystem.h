@@ -13,6 +13,8 @@ public:
     bool FolderExists(const std::string& path) override;
     bool FileExists(const std::string& path) override;
     std::string GetBaseName(const std::string& path) override;
+    std::string GetExtensionName(const std::string& path) override;
+    std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override;
     std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override;
 };
 

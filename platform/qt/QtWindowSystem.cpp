@@ -1,12 +1,15 @@
 #include "platform/qt/QtWindowSystem.h"
 
+#include "base/RuntimeError.h"
 #include "platform/qt/FolderDialog.h"
 #include "platform/qt/MessageBox.h"
+#include "platform/qt/OpenDialog.h"
 #include "platform/qt/QtFormPeer.h"
 #include "platform/qt/QtText.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMimeData>
 
 namespace voxmate::qt
 {
@@ -56,6 +59,26 @@ bool QtWindowSystem::SHGetPathFromIDListA(ItemList list, std::string& path)
 void QtWindowSystem::CoTaskMemFree(ItemList list)
 {
     itemLists_.erase(list);
+}
+
+void QtWindowSystem::ShowOpen(CommonDialog& dialog)
+{
+    if (std::optional<std::string> chosen = ShowOpenDialog(main_, dialog, openFolder_))
+        dialog.FileName = std::move(*chosen);
+    else if (dialog.CancelError)
+        throw CancelSelected();
+}
+
+bool QtWindowSystem::ClipboardGetFormat(int format)
+{
+    // Not the toolkit's hasText(), for which the address that a copied picture came from is a text.
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return format == vbCFText && content && content->hasFormat(QStringLiteral("text/plain"));
+}
+
+std::string QtWindowSystem::ClipboardGetText()
+{
+    return ClipboardGetFormat(vbCFText) ? FromQt(QGuiApplication::clipboard()->text()) : "";
 }
 
 void QtWindowSystem::ClipboardClear()

@@ -28,6 +28,9 @@ public:
     ItemList SHBrowseForFolderA(const BrowseInfo& info) override;
     bool SHGetPathFromIDListA(ItemList list, std::string& path) override;
     void CoTaskMemFree(ItemList list) override;
+    void ShowOpen(CommonDialog& dialog) override;
+    bool ClipboardGetFormat(int format) override;
+    std::string ClipboardGetText() override;
     void ClipboardClear() override;
     void ClipboardSetText(const std::string& text) override;
     bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override;
@@ -40,6 +43,7 @@ private:
     QtTray tray_{icons_};
     std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed
     ItemList lastItemList_ = 0;
+    std::string openFolder_; ///< where the dialog for opening a file was last left; empty before the first
     QPointer<QWidget> main_; ///< the main window: the form with a menu bar
 };
 

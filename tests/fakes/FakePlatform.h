@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "modules/Declarations.h"
 #include "platform/Platform.h"
+#include "tests/fakes/FakeWord.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -338,8 +339,37 @@ public:
         return folderHasPath;
     }
     void CoTaskMemFree(ItemList list) override { log_.push_back("CoTaskMemFree " + std::to_string(list)); }
-    void ClipboardClear() override { clipboard.clear(); }
-    void ClipboardSetText(const std::string& text) override { clipboard = text; }
+    std::deque<std::optional<std::string>>
+        filesToOpen; ///< what the user chooses in the next open dialogs; none: cancels
+    std::function<void()> whileOpenDialogIsUp;
+    void ShowOpen(CommonDialog& dialog) override
+    {
+        log_.push_back("ShowOpen " + dialog.DialogTitle + " " + dialog.Filter);
+        if (whileOpenDialogIsUp)
+            whileOpenDialogIsUp();
+        std::optional<std::string> chosen;
+        if (!filesToOpen.empty()) {
+            chosen = filesToOpen.front();
+            filesToOpen.pop_front();
+        }
+        if (chosen)
+            dialog.FileName = *chosen;
+        else if (dialog.CancelError)
+            throw CancelSelected();
+    }
+    bool clipboardHasText = true; ///< false: empty, or a picture only
+    bool ClipboardGetFormat(int format) override { return format == vbCFText && clipboardHasText; }
+    std::string ClipboardGetText() override { return clipboardHasText ? clipboard : ""; }
+    void ClipboardClear() override
+    {
+        clipboard.clear();
+        clipboardHasText = false;
+    }
+    void ClipboardSetText(const std::string& text) override
+    {
+        clipboard = text;
+        clipboardHasText = true;
+    }
     std::vector<std::pair<std::uint32_t, TrayIconData>> trayCalls;
     bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override
     {
@@ -378,16 +408,35 @@ private:
 class FakeFiles : public FileSystem
 {
 public:
-    std::set<std::string> folders; ///< with the separator at the end
-    std::set<std::string> files;   ///< full paths
+    std::set<std::string> folders;                  ///< with the separator at the end
+    std::set<std::string> files;                    ///< full paths; those without a text below are empty
+    std::map<std::string, std::string> texts;       ///< full path -> content of a file that exists, too
+    std::map<std::string, RuntimeError> openErrors; ///< full path -> what opening its text raises
+    std::map<std::string, RuntimeError> readErrors; ///< full path -> what reading a line of it raises
 
     std::string PathSeparator() override { return "\\"; }
     bool FolderExists(const std::string& path) override { return folders.contains(path); }
-    bool FileExists(const std::string& path) override { return files.contains(path); }
+    bool FileExists(const std::string& path) override { return files.contains(path) || texts.contains(path); }
     std::string GetBaseName(const std::string& path) override
     {
         const std::string name = path.substr(path.rfind('\\') + 1);
         return name.substr(0, name.rfind('.'));
+    }
+    std::string GetExtensionName(const std::string& path) override
+    {
+        const std::string name = path.substr(path.rfind('\\') + 1);
+        const std::size_t dot = name.rfind('.');
+        return dot == std::string::npos ? "" : name.substr(dot + 1);
+    }
+    std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override
+    {
+        if (const auto error = openErrors.find(path); error != openErrors.end())
+            throw RuntimeError(error->second);
+        if (!FileExists(path))
+            throw FileNotFound();
+        const auto error = readErrors.find(path);
+        return std::make_unique<Stream>(texts[path],
+                                        error == readErrors.end() ? std::nullopt : std::optional(error->second));
     }
     std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override
     {
@@ -399,6 +448,32 @@ public:
         }
         return names;
     }
+
+private:
+    class Stream : public TextStream
+    {
+    public:
+        Stream(std::string text, std::optional<RuntimeError> error) : text_(std::move(text)), error_(std::move(error))
+        {
+        }
+        bool AtEndOfStream() override { return at_ == text_.size(); }
+        std::string ReadLine() override
+        {
+            if (error_)
+                throw RuntimeError(*error_);
+            if (AtEndOfStream())
+                throw InputPastEndOfFile();
+            const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
+            std::string line = text_.substr(at_, end - at_);
+            at_ = end + (text_.compare(end, 2, CrLf) == 0 ? 2 : end < text_.size() ? 1 : 0);
+            return line;
+        }
+
+    private:
+        std::string text_;
+        std::size_t at_ = 0;
+        std::optional<RuntimeError> error_;
+    };
 };
 
 class FakeProcess : public Process
@@ -490,7 +565,8 @@ struct FakePlatform {
     FakeFiles files;
     FakeProcess process{log};
     FakeClock clock;
-    Platform platform{store, agent, speech, windows, files, process, clock};
+    FakeWord word{log};
+    Platform platform{store, agent, speech, windows, files, process, clock, word};
 
     FakePlatform()
     {

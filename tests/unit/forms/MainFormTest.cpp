@@ -178,6 +178,73 @@ TEST_F(MainFormTest, RequestsMarkTheProgramBusyAndIdle)
     EXPECT_EQ(Status(), "I am Idle now !");
 }
 
+TEST_F(MainFormTest, TheClipboardsTextIsPutIntoTheTextBoxAndSpokenAsItIs)
+{
+    Start();
+    fake.windows.clipboard = "  from elsewhere ";
+    form.cmdClip.UserClick();
+    EXPECT_EQ(form.txtText.Text.get(), "  from elsewhere ");
+    EXPECT_EQ(fake.log, (Lines{"Show", "DoEvents", "Speak \\Pit=50\\ \\Spd=156\\from elsewhere", "Play RestPose"}));
+}
+
+TEST_F(MainFormTest, AClipboardWithoutTextIsPassedOver)
+{
+    Start();
+    form.txtText.UserEdit("mine");
+    fake.windows.clipboardHasText = false;
+    form.cmdClip.UserClick();
+    EXPECT_EQ(form.txtText.Text.get(), "mine");
+    EXPECT_TRUE(fake.log.empty());
+    EXPECT_EQ(Status(), "I am Idle now !");
+}
+
+TEST_F(MainFormTest, EachButtonAndItsMenuItemDoTheSame)
+{
+    Start();
+    fake.windows.clipboard = "clip";
+    const std::pair<CommandButton*, Menu*> pairs[] = {
+        {&form.cmdDate, &form.mnuDate},     {&form.cmdTime, &form.mnuTime}, {&form.cmdCharIntro, &form.mnuWho},
+        {&form.cmdClip, &form.mnuReadClip}, {&form.cmdText, &form.mnuText}, {&form.cmdWord, &form.mnuWord},
+    };
+    for (const auto& [button, item] : pairs) {
+        fake.log.clear();
+        button->UserClick();
+        const Lines byButton = fake.log;
+        fake.log.clear();
+        item->Click();
+        EXPECT_EQ(fake.log, byButton) << button->Name;
+        EXPECT_FALSE(byButton.empty()) << button->Name;
+    }
+}
+
+TEST_F(MainFormTest, WhileADocumentIsOpenedAnotherCannotBe)
+{
+    Start();
+    fake.windows.filesToOpen = {"C:\\letter.doc"};
+    fake.files.texts["C:\\letter.doc"] = "a document";
+    fake.word.documents["C:\\letter.doc"] = "hello";
+    bool looked = false;
+    fake.word.whileOpening = [&] {
+        looked = true;
+        EXPECT_FALSE(form.cmdWord.Enabled.get());
+        EXPECT_FALSE(form.mnuWord.Enabled.get());
+    };
+    form.cmdWord.UserClick();
+    EXPECT_TRUE(looked);
+    EXPECT_TRUE(form.cmdWord.Enabled.get());
+    EXPECT_TRUE(form.mnuWord.Enabled.get());
+}
+
+TEST_F(MainFormTest, AWaveFileIsPlayedFromTheFileMenu)
+{
+    Start();
+    fake.windows.filesToOpen = {"C:\\song.wav"};
+    fake.files.texts["C:\\song.wav"] = "RIFF";
+    form.mnuPlayWav.Click();
+    EXPECT_EQ(fake.log.back(), "Speak . from C:\\song.wav");
+    EXPECT_EQ(Status(), "Playing wave file...");
+}
+
 TEST_F(MainFormTest, TheAnimationOfTheOptionsDialogEndsInTheRestPoseOnce)
 {
     Start();

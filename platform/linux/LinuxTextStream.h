@@ -1,0 +1,75 @@
+// Text files on Linux, read line by line.
+#pragma once
+
+#include "platform/FileSystem.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace voxmate::linux_platform
+{
+
+/// The largest text file, in bytes: half a year of speech. Whoever reads one keeps its text, several times over while
+/// it is being spoken, and that has to fit into the memory of a small computer.
+inline constexpr std::int64_t LargestTextFile = std::int64_t{256} << 20;
+
+/// Reads in blocks, so that a file that is cut short or removed meanwhile does no harm. What is added to a file after
+/// it was opened may be left out.
+class LinuxTextStream : public TextStream
+{
+public:
+    /// Opens the file and finds out how it is encoded, for which a file in UTF-8 is read once through. Raises what
+    /// FileSystem::OpenTextFile does.
+    explicit LinuxTextStream(const std::string& path);
+
+    bool AtEndOfStream() override;
+    std::string ReadLine() override;
+
+private:
+    enum class Encoding { Utf8, Windows1252, Utf16LittleEndian, Utf16BigEndian };
+
+    /// An open file.
+    class File
+    {
+    public:
+        /// Opens a regular file without ever waiting for it; raises run-time errors 53, 57 and 70.
+        explicit File(const std::string& path);
+        ~File();
+        File(const File&) = delete;
+        File& operator=(const File&) = delete;
+
+        /// Its size as the file system tells it, in bytes; 0 for the files a system makes up as they are read.
+        std::int64_t Size() const { return size_; }
+        /// Fills the buffer from `position` on and returns the number of bytes read: fewer than it holds only at the
+        /// file's end. Raises run-time error 57.
+        std::size_t Read(std::int64_t position, std::string& buffer) const;
+
+    private:
+        int descriptor_;
+        std::int64_t size_ = 0;
+    };
+
+    void FindEncoding();
+    /// Sees to it that there is text ahead; false at the end of the file.
+    bool Fill();
+    /// Puts a block of UTF-16 into text_ and returns how many of its bytes that took: without the half of a character
+    /// at its end, unless it is the file's last block.
+    std::size_t TakeUtf16(std::string_view block, bool last);
+
+    File file_;
+    Encoding encoding_ = Encoding::Utf8;
+    std::int64_t position_ = 0; ///< of the next block in the file
+    std::int64_t end_ = LargestTextFile;
+    std::string block_;
+    std::string decoded_;    ///< a block in UTF-8, where the file is not
+    std::u16string units_;   ///< a block in UTF-16
+    std::string_view text_;  ///< the block at hand in UTF-8
+    std::size_t at_ = 0;     ///< where the next line begins in it
+    std::size_t nextLf_ = 0; ///< the first line feed and the first carriage return from there on
+    std::size_t nextCr_ = 0;
+    bool afterCr_ = false; ///< a line feed would still belong to the end of the last line
+};
+
+} // namespace voxmate::linux_platform

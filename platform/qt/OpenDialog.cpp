@@ -1,0 +1,60 @@
+#include "platform/qt/OpenDialog.h"
+
+#include "platform/qt/FileDialog.h"
+#include "platform/qt/QtText.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QStringList>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// "Text Files (*.txt;*.log)|*.txt;*.log|…" as the toolkit has it: "Text Files (*.txt *.log)" each.
+QStringList NameFilters(const std::string& filter)
+{
+    const QStringList parts = ToQt(filter).split(u'|');
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString pattern = parts[i + 1].trimmed();
+        QString description = parts[i].trimmed();
+        if (const QString inBrackets = u'(' + pattern + u')'; description.endsWith(inBrackets))
+            description = description.chopped(inBrackets.size()).trimmed();
+        filters << description + QStringLiteral(" (") + QString(pattern).replace(u';', u' ') + u')';
+    }
+    return filters;
+}
+
+} // namespace
+
+std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder)
+{
+    if (folder.empty() || !QDir(ToQt(folder)).exists())
+        folder = FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    const QPointer<QFileDialog> dialog = NewFileDialog(over, ToQt(settings.DialogTitle), ToQt(folder));
+    dialog->setObjectName(QStringLiteral("Open"));
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    // Not only files that exist: it is for the program to say that it does not find one.
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setNameFilters(NameFilters(settings.Filter));
+    if (!settings.FileName.empty())
+        dialog->selectFile(ToQt(settings.FileName));
+    std::optional<std::string> chosen;
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (dialog) {
+        folder = FromQt(dialog->directory().absolutePath());
+        if (const QStringList files = dialog->selectedFiles(); accepted && !files.isEmpty()) {
+            folder = FromQt(QFileInfo(files.front()).absolutePath());
+            chosen = FromQt(QDir::toNativeSeparators(files.front()));
+        }
+    }
+    delete dialog;
+    return chosen;
+}
+
+} // namespace voxmate::qt
