@@ -2,6 +2,7 @@
 // times over, and the memory is read in between.
 //
 // Usage: character_memory [FOLDER]   the folder of the character files; without one those of this build
+#include "bench/NoSound.h"
 #include "platform/agent/Server.h"
 #include "platform/qt/QtStage.h"
 
@@ -25,20 +26,6 @@ namespace
 constexpr int kRounds = 100;
 constexpr int kCharacters = 3;
 constexpr int kRoundMs = 400;
-
-/// No device: characters are heard by nobody here.
-class NoSound : public speech::AudioOutput
-{
-public:
-    State Check() override { return State::NoDevice; }
-    std::unique_ptr<speech::AudioStream> Open(int, std::shared_ptr<speech::SampleSource>, std::function<void()>,
-                                              std::function<void()>) override
-    {
-        return nullptr;
-    }
-    void Post(std::function<void()>) override {}
-    void PostAfter(int, std::function<void()>) override {}
-};
 
 /// Moves the mouth through all its shapes, 20 ms each, and says nothing.
 class SilentVoice : public speech::VoiceOutput
@@ -133,7 +120,7 @@ int main(int argc, char** argv)
         std::cerr << "no characters in " << folder.path().toStdString() << "\n";
         return 1;
     }
-    NoSound sound;
+    bench::NoSound sound;
     qt::QtStage stage(sound);
     SilentVoice voice(stage);
     agent::Server server(stage, voice);

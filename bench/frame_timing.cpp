@@ -1,12 +1,12 @@
 // How punctual a character's frames are while eight windows of an alert's size slide over the desktop.
 //
 //   frame_timing FILE.acs [SECONDS]      (needs a display)
+#include "bench/NoSound.h"
 #include "bench/Statistics.h"
 #include "platform/agent/AcsWriter.h"
 #include "platform/agent/Server.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtStage.h"
-#include "platform/speech/AudioOutput.h"
 
 #include <QLinearGradient>
 #include <QPainter>
@@ -28,19 +28,6 @@ constexpr int AlertHeight = 133;
 constexpr int AlertTick = 10; // milliseconds
 constexpr int AlertStep = 5;  // pixels, 75 twips
 constexpr double Punctual = 10;
-
-class NoSound : public speech::AudioOutput
-{
-public:
-    State Check() override { return State::NoDevice; }
-    std::unique_ptr<speech::AudioStream> Open(int, std::shared_ptr<speech::SampleSource>, std::function<void()>,
-                                              std::function<void()>) override
-    {
-        return nullptr;
-    }
-    void Post(std::function<void()>) override {}
-    void PostAfter(int, std::function<void()>) override {}
-};
 
 class NoVoice : public speech::VoiceOutput
 {
@@ -149,7 +136,7 @@ int main(int argc, char** argv)
     std::vector<double> due;
     const auto march = March(*AcsFile::Open(argv[1]), seconds * 100, due);
 
-    NoSound sound;
+    bench::NoSound sound;
     NoVoice voice;
     qt::QtStage stage(sound);
     Server server(stage, voice, [&march](const std::string&) { return march; });

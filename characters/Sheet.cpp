@@ -32,6 +32,8 @@ std::vector<Cell> Cells(const agent::AcsFile& file, const QString& wanted)
             continue;
         for (std::size_t i = 0; i < animation.frames.size(); ++i) {
             const agent::Frame& frame = animation.frames[i];
+            if (frame.duration == 0)
+                continue; // never drawn
             const QString label = QString("%1 %2 %3%4")
                                       .arg(name)
                                       .arg(i)

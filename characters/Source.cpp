@@ -80,6 +80,16 @@ Ease ReadEase(const JsonPlace& at, Ease absent)
     return *found;
 }
 
+// The names of one pose or several.
+std::vector<JsonPlace> Poses(const JsonPlace& at)
+{
+    if (at.IsString())
+        return {at};
+    if (!at.IsArray())
+        at.Fail("the name of a pose or a list of such names is needed");
+    return at.Items();
+}
+
 class Reader
 {
 public:
@@ -358,11 +368,8 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
     key.at = at["at"].Whole(0, 30000);
     const Ease ease = ReadEase(at["ease"], Ease::InOut);
     if (const JsonPlace pose = at["pose"]; pose.Exists()) {
-        if (pose.IsString())
-            AddPose(pose, ease, key.settings);
-        else
-            for (const JsonPlace& one : pose.Items())
-                AddPose(one, ease, key.settings);
+        for (const JsonPlace& one : Poses(pose))
+            AddPose(one, ease, key.settings);
     }
     if (at["sound"].Exists()) {
         const QByteArray sound = ReadAll(source_.folder + "/" + at["sound"].Text());
@@ -392,11 +399,8 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
     animation.start = source_.RestPose();
     if (const JsonPlace start = at["start"]; start.Exists()) {
         std::vector<Setting> settings;
-        if (start.IsString())
-            AddPose(start, Ease::Hold, settings);
-        else
-            for (const JsonPlace& one : start.Items())
-                AddPose(one, Ease::Hold, settings);
+        for (const JsonPlace& one : Poses(start))
+            AddPose(one, Ease::Hold, settings);
         for (const Setting& setting : settings) {
             PartState& state = animation.start[static_cast<std::size_t>(setting.part)];
             for (std::size_t k = 0; k < PropertyCount; ++k)
@@ -404,7 +408,7 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
             state.variant = setting.variant.value_or(state.variant);
         }
     }
-    for (const JsonPlace& key : at["keys"].Items()) {
+    for (const JsonPlace& key : at["keys"].Exists() ? at["keys"].Items() : std::vector<JsonPlace>()) {
         animation.keys.push_back(ReadKey(key, animation));
         if (animation.keys.size() > 1 && animation.keys.back().at < animation.keys[animation.keys.size() - 2].at)
             key["at"].Fail("keys stand in the order of their times");

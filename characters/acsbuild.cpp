@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QSaveFile>
 #include <QTextStream>
 
@@ -57,6 +58,8 @@ int main(int argc, char** argv)
     // Pictures need no display; the labels of a sheet need fonts, which come with a platform that has no display
     // either.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What Qt misses of a desktop's environment concerns no picture.
+    QLoggingCategory::setFilterRules("default.warning=false");
     const bool sheet = argc >= 4 && argc <= 7 && std::string_view(argv[1]) == "--sheet";
     const bool contact = argc == 4 && std::string_view(argv[1]) == "--contact";
     std::unique_ptr<QCoreApplication> application;

@@ -105,7 +105,11 @@ void ShapedWindow::Display(bool visible)
     windowHandle()->setTransientParent(modal ? modal->windowHandle() : nullptr);
     const QPoint place = pos();
     Refresh();
+    // Qt closes every open menu and list for a new window, unless it is a tool's: the user may be in one.
+    const Qt::WindowFlags flags = windowFlags();
+    overrideWindowFlags((flags & ~Qt::WindowType_Mask) | Qt::Tool);
     show();
+    overrideWindowFlags(flags);
     // A window manager may have placed the window itself.
     move(place);
 }

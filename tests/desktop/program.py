@@ -52,27 +52,33 @@ class StatusWatch:
         self.thread.join()
 
 
-class FrameWatch:
-    """Takes pictures of a part of the screen as fast as it can and keeps those that differ from the one before."""
+class Watch:
+    """Looks at a part of the screen as often as it can and notes each change of what `look` makes of the picture (its
+    bytes, if not told), with its time."""
 
-    def __init__(self, desk, box):
-        self.desk = desk
-        self.box = box
-        self.frames = []
-        self.running = True
-        self.thread = threading.Thread(target=self._watch, daemon=True)
-        self.thread.start()
+    def __init__(self, desk, box, look=lambda picture: picture.tobytes()):
+        self.seen = []
+        self.worst = 0  # longest time between two looks, in seconds
+        self._stop = False
+        self._thread = threading.Thread(target=self._run, args=(desk, box, look), daemon=True)
+        self._thread.start()
 
-    def _watch(self):
-        while self.running:
-            picture = self.desk.screenshot(box=self.box).tobytes()
-            if not self.frames or self.frames[-1][1] != picture:
-                self.frames.append((time.monotonic(), picture))
-            time.sleep(0.01)
+    def _run(self, desk, box, look):
+        last = None
+        while not self._stop:
+            before = time.monotonic()
+            value = look(desk.screenshot(box=box))
+            after = time.monotonic()
+            if last is not None:
+                self.worst = max(self.worst, after - last)
+            last = after
+            if not self.seen or self.seen[-1][1] != value:
+                self.seen.append(((before + after) / 2, value))
+            time.sleep(0.002)
 
     def stop(self):
-        self.running = False
-        self.thread.join()
+        self._stop = True
+        self._thread.join()
 
 
 class ProgramCase(unittest.TestCase):

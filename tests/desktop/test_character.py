@@ -1,9 +1,13 @@
 """The character on the desktop: its menu and commands, its size, the cast, and what its events do to the program."""
 
+import datetime
 import os
 import sys
 import time
 import unittest
+import wave
+
+import numpy
 
 import desk as desktop
 from program import IDLE, ROOT, ProgramCase, StatusWatch
@@ -45,6 +49,29 @@ class Character(ProgramCase):
         self.press("Speak the textbox text")
         desktop.wait_for(lambda: self.heard_since(begin), 5, what="sound")
 
+    def phrases(self, command):
+        """What the character says to a command, by the default settings."""
+        now = datetime.datetime.now()
+        if command == "time":
+            part = ("Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening")
+            return [f"Good {part}, Time now is {now.hour % 12 or 12}:{now:%M %p}"]
+        if command == "date":
+            suffix = {1: "st", 21: "st", 31: "st", 2: "nd", 22: "nd", 3: "rd", 23: "rd"}.get(now.day, "th")
+            settings = self.desk.read_settings()
+            self.assertEqual((settings["DateFormat"], settings["TimeIn24Hour"]), ("dword:00000002", "dword:00000000"))
+            return [f"Today is {now:%A}, {now.day}{suffix} of {now:%B}, {now.year}"]
+        name = self.desk.read_settings()["UserName"].strip('"')
+        return [f"Hello {name}. My name is Nalu", "Hey, do you know, beside reading text in the text box, I can also "
+                "read TEXT and WORD documents."]
+
+    def rendered_length(self, text):
+        """Seconds of a text's rendering in which something is heard."""
+        with wave.open(self.render(text)) as file:
+            rate = file.getframerate()
+            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        size = int(rate * 0.005)
+        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005
+
     def quiet_from(self, moment, tolerance=0.3):
         """Nothing is heard from a moment (of the steady clock) on, but for `tolerance` seconds."""
         time.sleep(tolerance + 1.0)
@@ -57,15 +84,31 @@ class Character(ProgramCase):
         for command in ("time", "date", "who"):
             with self.subTest(command):
                 begin = self.now()
+                expected = sum(self.rendered_length(text) for text in self.phrases(command))
                 status = StatusWatch(self.status_panel())
                 self.choose(command)
                 desktop.wait_for(lambda: self.heard_since(begin), 10, what=command)
                 self.settle()
                 status.stop()
-                first, last = self.heard_since(begin)
-                self.assertGreater((last - first) / desktop.RATE, 0.7)
+                samples = self.recorder.snapshot()[0][begin:]
+                heard = desktop.loud_windows(samples).sum() * 0.005
+                self.assertAlmostEqual(heard / expected, 1, delta=0.06)
                 self.assertIn("Busy...", status.texts())
                 self.assertEqual(status.texts()[-1], IDLE)
+
+    def test_an_open_menu_stays_open_when_the_balloon_comes(self):
+        self.choose("hide")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(SENTENCE)
+        self.press("Speak the textbox text")
+        self.desk.key("alt+f")
+        self.desk.find("Exit", timeout=3)
+        self.assertFalse(self.desk.windows("^Voxmate balloon$"))
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 10, what="the balloon")
+        time.sleep(0.3)
+        self.assertIn("Exit", self.desk.texts())
+        self.desk.key("Escape")
 
     def test_stop_from_the_menu_silences_the_voice(self):
         self.speak()

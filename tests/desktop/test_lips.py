@@ -1,16 +1,15 @@
 """Lips and balloon keep to the sound: what is seen on the screen beside what is heard from the sink."""
 
+import difflib
 import os
 import sys
-import threading
-import time
 import unittest
 import wave
 
 import numpy
 
 import desk as desktop
-from program import BUILD, ROOT, ProgramCase
+from program import ROOT, ProgramCase, Watch
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
 from acs_maker import BLANK, MOUTHS, animation, frame, image, make, overlay  # noqa: E402  pylint: disable=wrong-import-position
@@ -38,34 +37,6 @@ def lips_character():
                  "palette": [(1, 2, 3), (90, 90, 90), *COLOURS], "images": images,
                  "animations": [animation("RestPose", [rest])]})
     return bytes(made.data)
-
-
-class Watch:
-    """Notes every change of what `look` makes of a picture of a part of the screen, with its time."""
-
-    def __init__(self, desk, box, look):
-        self.seen = []
-        self.worst = 0  # longest time between two looks, in seconds
-        self._stop = False
-        self._thread = threading.Thread(target=self._run, args=(desk, box, look), daemon=True)
-        self._thread.start()
-
-    def _run(self, desk, box, look):
-        last = None
-        while not self._stop:
-            before = time.monotonic()
-            value = look(desk.screenshot(box=box))
-            after = time.monotonic()
-            if last is not None:
-                self.worst = max(self.worst, after - last)
-            last = after
-            if not self.seen or self.seen[-1][1] != value:
-                self.seen.append(((before + after) / 2, value))
-            time.sleep(0.002)
-
-    def stop(self):
-        self._stop = True
-        self._thread.join()
 
 
 def spread(values):
@@ -165,21 +136,17 @@ class Lips(ProgramCase):
             at = int(seconds * desktop.RATE)
             return time_of(start + at + shifts[min(shifts, key=lambda second: abs(second - seconds))])
 
-        # Each phoneme's place in the sound, and its mouth on the screen: the nearest of that shape within a quarter of a
-        # second, in order.
-        lags, missed, at = [], [], 0
+        # Each phoneme's place in the sound, and its mouth on the screen: what was heard and what was seen, laid side by
+        # side in their order, whenever it was.
         seen = [(when, value) for when, value in mouth.seen if value is not None]
         changes = events["mouth"]
-        for index, (seconds, value) in enumerate(changes):
-            lasts = (changes[index + 1][0] if index + 1 < len(changes) else seconds + 1) - seconds
-            due = heard_at(seconds)
-            near = [i for i in range(at, len(seen)) if seen[i][1] == value and abs(seen[i][0] - due) < 0.25]
-            if near:
-                best = min(near, key=lambda i: abs(seen[i][0] - due))
-                lags.append(seen[best][0] - due)
-                at = best
-            elif index > 0:  # it begins with the mouth at rest, which is seen already
-                missed.append((round(seconds, 3), value, round(lasts, 3)))
+        order = difflib.SequenceMatcher(None, [value for _, value in changes], [value for _, value in seen], False)
+        pairs = [(block.a + i, block.b + i) for block in order.get_matching_blocks() for i in range(block.size)]
+        lags = [seen[shown][0] - heard_at(changes[heard][0]) for heard, shown in pairs]
+        missed = []
+        for index in set(range(1, len(changes))) - {heard for heard, _ in pairs}:
+            until = changes[index + 1][0] if index + 1 < len(changes) else changes[index][0] + 1
+            missed.append((round(changes[index][0], 3), changes[index][1], round(until - changes[index][0], 3)))
         # The sound itself: after each pause, when it is heard and when the mouth opens.
         size = int(desktop.RATE * 0.005)
         loud = numpy.abs(aligned[:len(aligned) // size * size]).reshape(-1, size).max(axis=1) > 0.02
@@ -209,7 +176,9 @@ class Lips(ProgramCase):
         # A voice may run two short words together.
         self.assertGreaterEqual(len(due), len(TEXT.split()) - 2)
         self.assertEqual(len(delays), len(due) - 1)
+        # A busy machine may look away at a single word.
         self.assertLess(numpy.percentile(numpy.abs(delays), 95), WORD)
+        self.assertLess(numpy.abs(delays).max(), 2 * WORD)
 
 
 if __name__ == "__main__":

@@ -7,7 +7,7 @@ import wave
 import numpy
 
 import desk as desktop
-from program import IDLE, FrameWatch, ProgramCase, StatusWatch
+from program import IDLE, ProgramCase, StatusWatch, Watch
 
 SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all."
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
@@ -59,7 +59,7 @@ class Speech(ProgramCase):
         status = StatusWatch(self.status_panel())
         # The mouth of the character that ships, where it stands at rest.
         mouth_x, mouth_y = x + width // 2, y + height * 5 // 9
-        frames = FrameWatch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
+        frames = Watch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
         pressed = self.press_pointer()
         desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
         self.settle(quiet=0.8)
@@ -76,17 +76,17 @@ class Speech(ProgramCase):
         loud = numpy.flatnonzero(blocks > 0.01)
         expected = (loud[-1] + 1 - loud[0]) * 0.005
         print(f"\n  press to sound {delay * 1000:.0f} ms; heard {heard:.3f} s, rendered {expected:.3f} s; "
-              f"{len(frames.frames)} pictures", flush=True)
+              f"{len(frames.seen)} pictures", flush=True)
         self.assertLess(delay, 0.300)
         self.assertAlmostEqual(heard / expected, 1.0, delta=0.03)
 
         # The mouth takes many shapes while there is sound and rests once it has ended. (Before the press the character may
         # be looking round.)
         start, end = time_of(first), time_of(last)
-        shapes = {picture for when, picture in frames.frames if start <= when <= end}
+        shapes = {picture for when, picture in frames.seen if start <= when <= end}
         self.assertGreaterEqual(len(shapes), 5)
-        self.assertGreater(sum(start <= when <= end for when, _ in frames.frames) / heard, 4)
-        self.assertEqual([when - end for when, _ in frames.frames if when > end + 0.25], [])
+        self.assertGreater(sum(start <= when <= end for when, _ in frames.seen) / heard, 4)
+        self.assertEqual([when - end for when, _ in frames.seen if when > end + 0.25], [])
         texts = status.texts()
         self.assertEqual(texts[:2], [IDLE, "Busy..."])
         self.assertEqual(texts[-1], IDLE)

@@ -130,6 +130,18 @@ TEST(CharacterBuild, MakesAFileWithItsFramesAndMouths)
     EXPECT_EQ(hop->frames[3].exitFrame, -1);
 }
 
+TEST(CharacterBuild, MakesTheExampleThatArtistsStartFrom)
+{
+    const Source source = ReadSource(VOXMATE_SOURCES "/example");
+    const Drawing drawing(source);
+    double error = 0;
+    const auto file = agent::AcsFile::Parse(agent::WriteAcs(Assemble(source, drawing, error)), "Blob.acs");
+    EXPECT_EQ(file->names.at(0).name, "Blob");
+    for (const char* name : {"RestPose", "Blink", "Show", "Hide", "Greet"})
+        EXPECT_TRUE(file->FindAnimation(name)) << name;
+    EXPECT_EQ(file->FindAnimation("RestPose")->frames.at(0).overlays.size(), 7u);
+}
+
 TEST(CharacterBuild, IsTheSameEveryTime)
 {
     const SourceFolder folder;

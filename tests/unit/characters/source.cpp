@@ -95,6 +95,8 @@ TEST(CharacterSource, RefusesAValueOfTheWrongKind)
               "character.json: animations.Hop.keys[0].at: a whole number from 0 to 30000 is needed");
     EXPECT_EQ(ErrorAfter("\"at\": 12", "\"at\": 30"),
               "character.json: animations.Hop.keys[1].at: keys stand in the order of their times");
+    EXPECT_EQ(ErrorAfter("\"Hop\": {", "\"Hop\": {\"start\": {\"all\": {}}, "),
+              "character.json: animations.Hop.start: the name of a pose or a list of such names is needed");
     EXPECT_EQ(ErrorAfter("\"name\": \"Dot\"", "\"name\": 7"),
               "character.json: names[0].name: a text in quotes is needed");
 }

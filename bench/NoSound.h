@@ -1,0 +1,22 @@
+// A machine without a sound device.
+#pragma once
+
+#include "platform/speech/AudioOutput.h"
+
+namespace voxmate::bench
+{
+
+class NoSound : public speech::AudioOutput
+{
+public:
+    State Check() override { return State::NoDevice; }
+    std::unique_ptr<speech::AudioStream> Open(int, std::shared_ptr<speech::SampleSource>, std::function<void()>,
+                                              std::function<void()>) override
+    {
+        return nullptr;
+    }
+    void Post(std::function<void()>) override {}
+    void PostAfter(int, std::function<void()>) override {}
+};
+
+} // namespace voxmate::bench
