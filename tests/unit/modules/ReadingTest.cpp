@@ -216,9 +216,10 @@ TEST_F(ReadingTest, PartsAndTheirCountForEachLength)
         std::size_t length;
         Lines parts;
     };
-    for (const Case& one : {Case{999, {"1 of 1"}}, Case{1000, {"1 of 1"}}, Case{1001, {"1 of 1", "2 of 1"}},
-                            Case{1500, {"1 of 2", "2 of 2"}}, Case{2500, {"1 of 2", "2 of 2", "3 of 2"}},
-                            Case{3500, {"1 of 4", "2 of 4", "3 of 4", "4 of 4"}}}) {
+    for (const Case& one :
+         {Case{999, {"1 of 1"}}, Case{1000, {"1 of 1"}}, Case{1001, {"1 of 1"}}, Case{1020, {"1 of 1", "2 of 1"}},
+          Case{1500, {"1 of 2", "2 of 2"}}, Case{2500, {"1 of 2", "2 of 2", "3 of 2"}},
+          Case{3500, {"1 of 4", "2 of 4", "3 of 4", "4 of 4"}}}) {
         window.statuses.clear();
         // Nine letters and a blank, over and over; a part of a thousand ends in the tenth blank's place or just there.
         ChooseWord(Words(one.length));
@@ -244,7 +245,6 @@ TEST_F(ReadingTest, ADocumentOfNothingAtAllIsComplainedAbout)
         EXPECT_EQ(Parts(), (Lines{"1 of 1"}));
         EXPECT_EQ(Complaint(), "The below WORD document you are trying to open contains no text:\r\nC:\\letter.doc");
         EXPECT_EQ(Animations(), calling);
-        EXPECT_EQ(fake.word.alive, 1);
     }
 }
 

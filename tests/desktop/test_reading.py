@@ -1,0 +1,213 @@
+"""What can be read aloud, for real: buttons and menu, clipboard, text files, Word documents, wave files."""
+
+import os
+import shutil
+import subprocess
+import time
+import unittest
+import wave
+
+import numpy
+
+import desk as desktop
+from program import IDLE, ProgramCase, StatusWatch
+
+QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "EnableSoundEffects": 0, "ReadMessages": 0}
+SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
+
+
+def wait_and_type(desk, title, text):
+    """Types a file's name into the open dialog."""
+    desk.find(title, timeout=10)
+    time.sleep(0.3)
+    desk.key("ctrl+a")
+    desk.type(text)
+    desk.key("Return")
+
+
+class ReadingCase(ProgramCase):
+    defaults = QUIET
+
+    def setUp(self):
+        super().setUp()
+        self.folder = os.path.join(self.desk.home, "texts")
+        shutil.rmtree(self.folder, ignore_errors=True)
+        os.makedirs(self.folder)
+        self.start_and_settle()
+        self.recorder = self.desk.recorder()
+
+    def tearDown(self):
+        self.recorder.stop()
+        super().tearDown()
+
+    def file(self, name, data):
+        path = os.path.join(self.folder, name)
+        with open(path, "wb") as out:
+            out.write(data)
+        return path
+
+    def now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def heard_since(self, begin):
+        return desktop.loud_span(self.recorder.snapshot()[0][begin:])
+
+    def seconds_heard(self, begin):
+        """Seconds in which something was heard since then."""
+        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+
+    def rendered_length(self, text):
+        with wave.open(self.render(text)) as file:
+            rate = file.getframerate()
+            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        size = int(rate * 0.005)
+        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005
+
+
+class Reading(ReadingCase):
+    def test_every_button_is_there_by_its_tool_tip(self):
+        names = [name for name, role, _ in self.desk.widgets() if role == "push button"]
+        for tip in ("What's today's date?", "What time is it?", "Speak Clipboard Text", "Do you know who am I ?",
+                    "Open and Read a Text Document", "Open and Read a Word Document", "Speak the textbox text",
+                    "Stop Everything !!!"):
+            self.assertIn(tip, names)
+
+    def test_a_text_file_is_read_in_each_encoding(self):
+        text = "Käthe und Jürgen.\r\nBye"
+        for name, data in (("utf8.txt", text.encode()), ("ansi.TXT", text.encode("cp1252")),
+                           ("utf16.txt", text.encode("utf-16"))):
+            with self.subTest(name):
+                path = self.file(name, data)
+                begin = self.now()
+                self.press("Open and Read a Text Document")
+                wait_and_type(self.desk, "Open Text File to Read...", path)
+                desktop.wait_for(lambda: self.heard_since(begin), 5, what="the text")
+                self.settle()
+                expected = self.rendered_length("Käthe und Jürgen. \nBye")
+                self.assertAlmostEqual(self.seconds_heard(begin) / expected, 1, delta=0.1)
+
+    def test_the_clipboard_is_put_into_the_text_box_and_read(self):
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type("Copied from here")
+        self.desk.key("ctrl+a", "ctrl+c", "Delete")
+        begin = self.now()
+        self.press("Speak Clipboard Text")
+        desktop.wait_for(lambda: self.heard_since(begin), 5, what="the clipboard's text")
+        box = self.desk.find("Text to read")
+        self.assertEqual(box.queryText().getText(0, -1), "Copied from here")
+
+    def test_a_cancelled_dialog_is_quiet_and_wrong_files_are_said(self):
+        self.press("Open and Read a Text Document")
+        self.desk.find("Open Text File to Read...", timeout=10)
+        time.sleep(0.3)
+        self.desk.key("Escape")
+        self.desk.gone("Open Text File to Read...")
+        self.assertIn(IDLE, self.desk.texts())
+        empty = self.file("empty.txt", b"")
+        page = self.file("page.html", b"<p>")
+        gone = os.path.join(self.folder, "gone.txt")
+        for path, sentence in ((gone, "File not found:"),
+                               (page, "The below document you are trying to open is not a TEXT document:"),
+                               (empty, "The below TEXT document you are trying to open is empty:")):
+            with self.subTest(path):
+                self.press("Open and Read a Text Document")
+                wait_and_type(self.desk, "Open Text File to Read...", path)
+                self.assertEqual(self.box_text("Voxmate - File Error"), sentence + "\n" + path)
+                self.press("OK")
+                self.desk.gone("Voxmate - File Error")
+                self.assertIn(IDLE, self.desk.texts())
+
+    def test_a_wave_file_comes_out_with_its_own_length(self):
+        rate = 22050
+        tone = (9000 * numpy.sin(2 * numpy.pi * 440 * numpy.arange(rate * 3) / rate)).astype("<i2")
+        path = os.path.join(self.folder, "tone.wav")
+        with wave.open(path, "wb") as out:
+            out.setparams((1, 2, rate, 0, "NONE", ""))
+            out.writeframes(tone.tobytes())
+        self.desk.click(self.desk.find("Text to read"))
+        begin = self.now()
+        self.desk.key("alt+f")
+        self.desk.find("Play a WAV File", timeout=3)
+        self.desk.key("p")
+        wait_and_type(self.desk, "Open Text File to Read...", path)
+        desktop.wait_for(lambda: self.heard_since(begin), 5, what="the tone")
+        self.settle()
+        first, last = self.heard_since(begin)
+        self.assertAlmostEqual((last - first) / desktop.RATE, 3, delta=0.09)
+
+
+@unittest.skipUnless(shutil.which("soffice") or os.path.exists("/usr/bin/soffice"), "without a word processor")
+class Word(ReadingCase):
+    def document(self, name, text):
+        """A .doc made by the word processor from a text."""
+        source = self.file("source.txt", text.encode())
+        profile = os.path.join(self.desk.home, "maker")
+        subprocess.run(["soffice", "--headless", f"-env:UserInstallation=file://{profile}", "--convert-to",
+                        "doc:MS Word 97", "--outdir", self.folder, source], check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, env=self.desk.env, timeout=120)
+        path = os.path.join(self.folder, name)
+        os.rename(os.path.join(self.folder, "source.doc"), path)
+        return path
+
+    def processors(self):
+        """Word processors that run for the program."""
+        listed = subprocess.run(["pgrep", "-f", "soffice.bin"], stdout=subprocess.PIPE, check=False)
+        return listed.stdout.split()
+
+    def open_word(self, path):
+        self.press("Open and Read a Word Document")
+        wait_and_type(self.desk, "Open Word File to Read...", path)
+        return time.monotonic()
+
+    def test_a_document_is_read_part_by_part(self):
+        text = SENTENCE * 40
+        path = self.document("letter.doc", text)
+        begin = self.now()
+        status = StatusWatch(self.status_panel())
+        opened = self.open_word(path)
+        desktop.wait_for(lambda: self.heard_since(begin), 60, what="the first part")
+        samples, ends, times = self.recorder.snapshot()
+        first = desktop.loud_span(samples[begin:])[0]
+        print(f"\n  opened to first sound {self.recorder.time_of(begin + first, ends, times) - opened:.2f} s", flush=True)
+        desktop.wait_for(lambda: "Busy..." in status.texts(), 10, what="the reading to be queued")
+        status.stop()
+        parts = [seen for seen in status.texts() if seen.startswith("Reading part ")]
+        self.assertIn("Opening Word Document. Please wait...", status.texts())
+        self.assertTrue(all(seen.endswith(" of 3 . Click STOP to Cancel Reading...") for seen in parts), parts)
+        self.assertEqual(self.processors(), [])
+        self.press("Stop Everything !!!")
+        pressed = time.monotonic()
+        time.sleep(1.5)
+        samples, ends, times = self.recorder.snapshot()
+        last = desktop.loud_span(samples)[1]
+        self.assertLess(self.recorder.time_of(last, ends, times) - pressed, 0.15)
+        self.assertIn(IDLE, self.desk.texts())
+
+    def test_bad_documents_are_quiet_and_leave_nothing_behind(self):
+        whole = self.document("whole.doc", "Hello")
+        with open(whole, "rb") as file:
+            data = file.read()
+        for name, content in (("zero.doc", b""), ("text.doc", b"just a text"), ("cut.doc", data[:700]),
+                              ("noise.doc", bytes(range(256)) * 40)):
+            with self.subTest(name):
+                path = self.file(name, content)
+                self.open_word(path)
+                desktop.wait_for(lambda: IDLE in self.desk.texts(), 60, what="the end of " + name)
+                self.settle()
+                self.assertEqual(self.boxes(), [])
+                self.assertEqual(self.processors(), [])
+
+    def test_stop_while_a_document_is_opened_ends_the_word_processor(self):
+        path = self.document("long.doc", SENTENCE * 3000)
+        begin = self.now()
+        self.open_word(path)
+        desktop.wait_for(lambda: "Opening Word Document. Please wait..." in self.desk.texts(), 5, what="the opening")
+        self.press("Stop Everything !!!")
+        desktop.wait_for(lambda: IDLE in self.desk.texts(), 3, what="the end")
+        time.sleep(0.5)
+        self.assertEqual(self.processors(), [])
+        self.assertIsNone(self.heard_since(begin))
+
+
+if __name__ == "__main__":
+    unittest.main()
