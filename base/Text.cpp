@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <utility>
 
 namespace voxmate
 {
@@ -59,8 +61,11 @@ std::size_t AsciiEnd(std::string_view text, std::size_t at)
     constexpr std::uint64_t highBits = 0x8080808080808080u;
     for (std::uint64_t eight = 0; at + sizeof eight <= text.size(); at += sizeof eight) {
         std::memcpy(&eight, text.data() + at, sizeof eight);
-        if ((eight & highBits) != 0)
-            break;
+        eight &= highBits;
+        if (eight != 0)
+            return at + static_cast<std::size_t>(std::endian::native == std::endian::little ? std::countr_zero(eight)
+                                                                                            : std::countl_zero(eight)) /
+                            8;
     }
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80)
         ++at;
@@ -76,6 +81,30 @@ std::size_t ByteOf(std::string_view text, std::size_t characters)
         --characters;
     }
     return at;
+}
+
+// Writes a character of one to four bytes and returns where the next goes.
+char* PutUtf8(char* to, char32_t point)
+{
+    const auto put = [&to](char32_t byte) { *to++ = static_cast<char>(static_cast<unsigned char>(byte)); };
+    if (point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
+        point = 0xFFFD;
+    if (point < 0x80) {
+        put(point);
+    } else if (point < 0x800) {
+        put(0xC0 | (point >> 6));
+        put(0x80 | (point & 0x3F));
+    } else if (point < 0x10000) {
+        put(0xE0 | (point >> 12));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    } else {
+        put(0xF0 | (point >> 18));
+        put(0x80 | ((point >> 12) & 0x3F));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    }
+    return to;
 }
 
 char32_t UpperOf(char32_t c)
@@ -128,6 +157,13 @@ std::string Trim(std::string_view text)
     if (first == std::string_view::npos)
         return {};
     return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::string Trim(std::string&& text)
+{
+    text.erase(text.find_last_not_of(' ') + 1);
+    text.erase(0, text.find_first_not_of(' '));
+    return std::move(text);
 }
 
 std::string UCase(std::string_view text)
@@ -186,24 +222,8 @@ std::vector<char32_t> DecodeUtf8(std::string_view text)
 
 void AppendUtf8(std::string& out, char32_t point)
 {
-    const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
-    if (point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
-        point = 0xFFFD;
-    if (point < 0x80) {
-        put(point);
-    } else if (point < 0x800) {
-        put(0xC0 | (point >> 6));
-        put(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-        put(0xE0 | (point >> 12));
-        put(0x80 | ((point >> 6) & 0x3F));
-        put(0x80 | (point & 0x3F));
-    } else {
-        put(0xF0 | (point >> 18));
-        put(0x80 | ((point >> 12) & 0x3F));
-        put(0x80 | ((point >> 6) & 0x3F));
-        put(0x80 | (point & 0x3F));
-    }
+    std::array<char, 4> bytes{};
+    out.append(bytes.data(), PutUtf8(bytes.data(), point));
 }
 
 std::string EncodeUtf8(std::u32string_view points)
@@ -216,17 +236,24 @@ std::string EncodeUtf8(std::u32string_view points)
 
 std::string Utf16ToUtf8(std::u16string_view text)
 {
-    std::string out;
-    out.reserve(text.size());
+    std::size_t most = 0;
+    for (const char16_t unit : text)
+        most += unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
+    std::string out(most, '\0');
+    char* to = out.data();
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char32_t unit = text[i];
-        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-            AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (char32_t{text[i + 1]} - 0xDC00));
+        if (unit < 0x80) {
+            *to++ = static_cast<char>(unit);
+        } else if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+                   text[i + 1] <= 0xDFFF) {
+            to = PutUtf8(to, 0x10000 + ((unit - 0xD800) << 10) + (char32_t{text[i + 1]} - 0xDC00));
             ++i;
         } else {
-            AppendUtf8(out, unit);
+            to = PutUtf8(to, unit);
         }
     }
+    out.resize(static_cast<std::size_t>(to - out.data()));
     return out;
 }
 
@@ -251,27 +278,40 @@ std::string Windows1252ToUtf8(std::string_view bytes)
                                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
                                                    0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
-    std::string out;
-    out.reserve(bytes.size());
-    for (std::size_t at = 0; at < bytes.size();) {
-        const std::size_t end = AsciiEnd(bytes, at);
-        out.append(bytes, at, end - at);
-        at = end;
-        for (; at < bytes.size() && static_cast<unsigned char>(bytes[at]) >= 0x80; ++at) {
-            const auto byte = static_cast<unsigned char>(bytes[at]);
-            AppendUtf8(out, byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
-        }
+    std::size_t most = 0;
+    for (const char c : bytes)
+        most += static_cast<unsigned char>(c) < 0x80 ? 1 : 3;
+    std::string out(most, '\0');
+    char* to = out.data();
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80)
+            *to++ = c;
+        else
+            to = PutUtf8(to, byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
     }
+    out.resize(static_cast<std::size_t>(to - out.data()));
     return out;
 }
 
 bool IsValidUtf8(std::string_view text)
 {
-    for (std::size_t at = AsciiEnd(text, 0); at < text.size(); at = AsciiEnd(text, at)) {
-        const Decoded c = DecodeAt(text, at);
-        if (!c.valid)
-            return false;
-        at += c.bytes;
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    for (std::size_t at = 0; at < text.size();) {
+        if (byte(at) < 0x80) {
+            at = AsciiEnd(text, at);
+            continue;
+        }
+        // Checked on the spot: the letters of many scripts have two bytes.
+        const std::size_t begin = at;
+        while (at + 1 < text.size() && byte(at) >= 0xC2 && byte(at) <= 0xDF && (byte(at + 1) & 0xC0u) == 0x80u)
+            at += 2;
+        if (at == begin) {
+            const Decoded c = DecodeAt(text, at);
+            if (!c.valid)
+                return false;
+            at += c.bytes;
+        }
     }
     return true;
 }

@@ -23,6 +23,12 @@ std::string Right(std::string_view text, std::size_t count);
 
 /// Removes blanks (U+0020) from both ends; tabs and line ends stay.
 std::string Trim(std::string_view text);
+inline std::string Trim(const char* text)
+{
+    return Trim(std::string_view(text));
+}
+/// The same without a copy, for a text that nobody needs any more as it was.
+std::string Trim(std::string&& text);
 
 /// Upper case; ASCII letters and the Latin-1, Latin Extended-A, Greek and Cyrillic letters with a simple counterpart.
 std::string UCase(std::string_view text);

@@ -10,6 +10,7 @@
 #include "platform/agent/Server.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/Folders.h"
+#include "platform/linux/LibreOfficeWord.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcess.h"
 #include "platform/qt/QtApplication.h"
@@ -94,7 +95,8 @@ struct Program {
     speech::VoicePlayer voice{voices, watched};
     qt::QtStage stage{watched};
     agent::Server server{stage, voice};
-    Platform platform{*settings, server, voices, windows, files, process, clock};
+    linux_platform::LibreOfficeWord word;
+    Platform platform{*settings, server, voices, windows, files, process, clock, word};
     frmMain form{platform};
 
     Program()

@@ -127,6 +127,7 @@ bool WordPart::Next()
 std::string ReadTextDocument(TextStream& stream)
 {
     std::string text;
+    text.reserve(stream.SizeHint());
     while (!stream.AtEndOfStream()) {
         text += CrLf;
         text += Trim(stream.ReadLine());

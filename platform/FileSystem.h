@@ -1,6 +1,7 @@
 // Files and folders as the program's logic sees them.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +19,9 @@ public:
     /// The next line in UTF-8 without its end (CR LF, LF or CR); raises run-time error 62 "Input past end of file" at
     /// the end.
     virtual std::string ReadLine() = 0;
+    /// How many bytes the lines still to come make at most, with CR LF for each of them, as far as it can be told
+    /// beforehand: whoever joins them can make room at once. 0 when nothing is known.
+    virtual std::size_t SizeHint() { return 0; }
 };
 
 class FileSystem

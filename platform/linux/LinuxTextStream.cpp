@@ -134,8 +134,8 @@ bool LinuxTextStream::Fill()
             taken = TakeUtf16(block, position_ + static_cast<std::int64_t>(block.size()) == end_);
         position_ += static_cast<std::int64_t>(taken);
         at_ = 0;
-        nextLf_ = text_.find('\n');
-        nextCr_ = text_.find('\r');
+        nextLf_ = std::min(text_.find('\n'), text_.size());
+        nextCr_ = std::min(text_.find('\r'), text_.size());
     }
     return at_ < text_.size();
 }
@@ -169,23 +169,38 @@ std::string LinuxTextStream::ReadLine()
 {
     if (AtEndOfStream())
         throw InputPastEndOfFile();
-    std::string line;
-    do {
-        if (nextLf_ < at_)
-            nextLf_ = text_.find('\n', at_);
-        if (nextCr_ < at_)
-            nextCr_ = text_.find('\r', at_);
-        const std::size_t end = std::min(nextLf_, nextCr_);
-        if (end != std::string_view::npos) {
-            line.append(text_, at_, end - at_);
-            afterCr_ = text_[end] == '\r';
-            at_ = end + 1;
+    std::size_t end = LineEnd();
+    std::string line(text_.substr(at_, end - at_));
+    while (end == text_.size()) {
+        at_ = end;
+        if (!Fill())
             return line;
-        }
-        line.append(text_, at_);
-        at_ = text_.size();
-    } while (Fill());
+        end = LineEnd();
+        line.append(text_, at_, end - at_);
+    }
+    afterCr_ = text_[end] == '\r';
+    at_ = end + 1;
     return line;
+}
+
+std::size_t LinuxTextStream::LineEnd()
+{
+    // Each is looked for only when the last one found lies behind, so that no byte is looked at time and again.
+    if (nextLf_ < at_)
+        nextLf_ = std::min(text_.find('\n', at_), text_.size());
+    if (nextCr_ < at_)
+        nextCr_ = std::min(text_.find('\r', at_), text_.size());
+    return std::min(nextLf_, nextCr_);
+}
+
+std::size_t LinuxTextStream::SizeHint()
+{
+    // A line's end of one byte makes two; elsewhere a byte makes three of UTF-8 at most (the Euro sign of
+    // Windows-1252). The last line may have had no end.
+    const std::size_t most = encoding_ == Encoding::Utf8 ? 2 : 3;
+    const std::size_t inFile =
+        static_cast<std::size_t>(std::max(std::min(end_, file_.Size()) - position_, std::int64_t{0}));
+    return most * (inFile + text_.size() - at_) + 2;
 }
 
 } // namespace voxmate::linux_platform

@@ -26,6 +26,7 @@ public:
 
     bool AtEndOfStream() override;
     std::string ReadLine() override;
+    std::size_t SizeHint() override;
 
 private:
     enum class Encoding { Utf8, Windows1252, Utf16LittleEndian, Utf16BigEndian };
@@ -54,6 +55,8 @@ private:
     void FindEncoding();
     /// Sees to it that there is text ahead; false at the end of the file.
     bool Fill();
+    /// Where the line that begins at at_ ends in text_: at a line feed or carriage return, or at the end of it.
+    std::size_t LineEnd();
     /// Puts a block of UTF-16 into text_ and returns how many of its bytes that took: without the half of a character
     /// at its end, unless it is the file's last block.
     std::size_t TakeUtf16(std::string_view block, bool last);

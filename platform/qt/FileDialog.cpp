@@ -4,11 +4,32 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QListView>
 #include <QStandardPaths>
+#include <QTreeView>
 #include <QUrl>
 
 namespace voxmate::qt
 {
+
+namespace
+{
+
+/// Places at the side, names and dates are to be read in full. The file's type goes: its icon and its name tell it.
+void MakeRoom(QFileDialog& dialog)
+{
+    constexpr int typeColumn = 2;
+    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar")))
+        places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
+    if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        files->setColumnHidden(typeColumn, true);
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
+} // namespace
 
 QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin)
 {
@@ -22,6 +43,7 @@ QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const Q
                             QUrl::fromLocalFile(QDir::rootPath())});
     dialog->setWindowModality(Qt::ApplicationModal);
     LetCharacterLiveBeside(*dialog);
+    MakeRoom(*dialog);
     return dialog;
 }
 

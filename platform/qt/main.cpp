@@ -5,6 +5,7 @@
 #include "platform/agent/Server.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/Folders.h"
+#include "platform/linux/LibreOfficeWord.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcess.h"
 #include "platform/qt/QtApplication.h"
@@ -49,7 +50,8 @@ int main(int argc, char** argv)
     qt::QtStage stage(sound);
     agent::Server server(stage, voice);
 
-    Platform platform{*settings, server, voices, windows, files, process, clock};
+    linux_platform::LibreOfficeWord word;
+    Platform platform{*settings, server, voices, windows, files, process, clock, word};
     frmMain mainForm(platform);
     frmSplash splash(platform);
     BeginProgram(platform, mainForm);

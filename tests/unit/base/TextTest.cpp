@@ -34,12 +34,39 @@ TEST(Text, AnInvalidByteCountsAsOneCharacter)
     EXPECT_TRUE(IsValidUtf8("\xE2\x82\xAC"));
 }
 
+TEST(Text, AnInvalidByteIsFoundBehindAnyNumberOfAsciiCharacters)
+{
+    for (std::size_t before = 0; before < 20; ++before) {
+        EXPECT_FALSE(IsValidUtf8(std::string(before, 'a') + "\xFF"));
+        EXPECT_FALSE(IsValidUtf8(std::string(before, 'a') + "\xFF" + std::string(20, 'a')));
+        EXPECT_TRUE(IsValidUtf8(std::string(before, 'a') + "\xC3\xA9" + std::string(20, 'a')));
+    }
+}
+
+TEST(Text, ACharacterThatBreaksOffIsNoPartOfTheWholeText)
+{
+    EXPECT_EQ(WholeUtf8(""), 0u);
+    EXPECT_EQ(WholeUtf8("ab"), 2u);
+    EXPECT_EQ(WholeUtf8("a\xC3"), 1u);
+    EXPECT_EQ(WholeUtf8("a\xC3\xA9"), 3u);
+    EXPECT_EQ(WholeUtf8("a\xE2"), 1u);
+    EXPECT_EQ(WholeUtf8("a\xE2\x82"), 1u);
+    EXPECT_EQ(WholeUtf8("a\xE2\x82\xAC"), 4u);
+    EXPECT_EQ(WholeUtf8("a\xF0\x9F\x98"), 1u);
+    EXPECT_EQ(WholeUtf8("a\xF0\x9F\x98\x80"), 5u);
+    EXPECT_EQ(WholeUtf8("a\x80\x80\x80\x80"), 5u);
+}
+
 TEST(Text, TrimRemovesBlanksOnly)
 {
     EXPECT_EQ(Trim("  a b  "), "a b");
     EXPECT_EQ(Trim("\t a \r\n"), "\t a \r\n");
     EXPECT_EQ(Trim("   "), "");
     EXPECT_EQ(Trim(""), "");
+    EXPECT_EQ(Trim(std::string("  a b  ")), "a b");
+    EXPECT_EQ(Trim(std::string("\t a \r\n")), "\t a \r\n");
+    EXPECT_EQ(Trim(std::string("   ")), "");
+    EXPECT_EQ(Trim(std::string()), "");
 }
 
 TEST(Text, UpperCaseReachesBeyondAscii)

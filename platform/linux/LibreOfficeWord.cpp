@@ -1,0 +1,264 @@
+#include "platform/linux/LibreOfficeWord.h"
+
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+#include "platform/linux/FlatText.h"
+#include "platform/linux/GuardedProcess.h"
+#include "platform/linux/Md5.h"
+#include "platform/linux/WordSignature.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace voxmate::linux_platform
+{
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr const char* UsualFolders = "/usr/bin:/usr/lib/libreoffice/program";
+constexpr std::chrono::milliseconds Interval{10}; ///< between two calls that let the program live
+
+// What a document must not do while it is only read: run macros, load anything over the network, follow its links.
+constexpr const char* Settings = R"(<?xml version="1.0" encoding="UTF-8"?>
+<oor:items xmlns:oor="http://openoffice.org/2001/registry" xmlns:xs="http://www.w3.org/2001/XMLSchema">
+<item oor:path="/org.openoffice.Office.Common/Security/Scripting">
+<prop oor:name="MacroSecurityLevel" oor:op="fuse"><value>3</value></prop>
+<prop oor:name="DisableMacrosExecution" oor:op="fuse"><value>true</value></prop>
+<prop oor:name="BlockUntrustedRefererLinks" oor:op="fuse"><value>true</value></prop>
+</item>
+<item oor:path="/org.openoffice.Office.Writer/Content/Update">
+<prop oor:name="Link" oor:op="fuse"><value>0</value></prop>
+</item>
+</oor:items>
+)";
+
+std::string Environment(const char* name)
+{
+    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): nobody sets any
+    return value ? value : "";
+}
+
+std::string FindProgram(std::string_view folders)
+{
+    while (!folders.empty()) {
+        const std::size_t colon = folders.find(':');
+        const std::string_view folder = folders.substr(0, colon);
+        if (folder.starts_with('/')) {
+            std::string program = std::string(folder) + "/soffice";
+            std::error_code error;
+            if (fs::is_regular_file(program, error) && ::access(program.c_str(), X_OK) == 0)
+                return program;
+        }
+        folders.remove_prefix(colon == std::string_view::npos ? folders.size() : colon + 1);
+    }
+    return {};
+}
+
+// A folder for one conversion, which goes with everything in it.
+class WorkFolder
+{
+public:
+    WorkFolder()
+    {
+        // Its name becomes part of an address, where other characters would be written differently.
+        constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-";
+        std::error_code error;
+        const std::string usual = fs::temp_directory_path(error).string();
+        for (const std::string& parent : {usual, std::string("/tmp")}) {
+            const fs::path real = fs::canonical(parent, error);
+            if (error || real.string().find_first_not_of(plain) != std::string::npos)
+                continue;
+            std::string name = (real / "voxmate-word-XXXXXX").string();
+            if (::mkdtemp(name.data())) {
+                path_ = name;
+                return;
+            }
+        }
+        throw CommandFailed();
+    }
+    ~WorkFolder()
+    {
+        std::error_code error;
+        fs::remove_all(path_, error);
+    }
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    const std::string& Path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+// The socket by which a second LibreOffice of the same profile would find the first, and which one that is killed
+// cannot remove. Its name holds the digest of the profile's address in UTF-16, each byte without a leading zero.
+std::string SocketName(const std::string& profile)
+{
+    std::string bytes;
+    for (const char16_t unit : Utf8ToUtf16(profile)) {
+        bytes += static_cast<char>(unit & 0xFF);
+        bytes += static_cast<char>(unit >> 8);
+    }
+    std::string name = "OSL_PIPE_" + std::to_string(::getuid()) + "_SingleOfficeIPC_";
+    for (const unsigned byte : Md5(bytes)) {
+        constexpr const char* digits = "0123456789abcdef";
+        if (byte >= 16)
+            name += digits[byte >> 4];
+        name += digits[byte & 15];
+    }
+    return name;
+}
+
+GuardedCommand Conversion(const std::string& program, const std::string& folder)
+{
+    const std::string profile = "file://" + folder + "/profile";
+    GuardedCommand command;
+    command.program = program;
+    command.arguments = {"-env:UserInstallation=" + profile,
+                         "--headless",
+                         "--invisible",
+                         "--nologo",
+                         "--norestore",
+                         "--nodefault",
+                         "--nolockcheck",
+                         "--nofirststartwizard",
+                         "--convert-to",
+                         "fodt:OpenDocument Text Flat XML",
+                         "--outdir",
+                         folder + "/out",
+                         folder + "/document.doc"};
+    command.environment = {"HOME=" + folder + "/home", "TMPDIR=" + folder + "/tmp", "SAL_USE_VCLPLUGIN=svp"};
+    for (const char* name : {"PATH", "LANG", "LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_TIME", "LC_NUMERIC", "TZ"})
+        if (const std::string value = Environment(name); !value.empty())
+            command.environment.push_back(std::string(name) + "=" + value);
+    command.folder = folder;
+    const std::string socket = SocketName(profile);
+    command.leavings = {folder, "/tmp/" + socket, "/var/tmp/" + socket};
+    return command;
+}
+
+std::optional<std::string> ReadWhole(const std::string& path)
+{
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(path, error);
+    std::ifstream file(path, std::ios::binary);
+    if (error || !file)
+        return std::nullopt;
+    std::string content(static_cast<std::size_t>(size), '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    if (!file)
+        return std::nullopt;
+    return content;
+}
+
+class LibreOfficeApplication : public WordApplication
+{
+public:
+    LibreOfficeApplication(std::string program, std::chrono::milliseconds timeLimit)
+        : program_(std::move(program)), timeLimit_(timeLimit)
+    {
+    }
+
+    // It never has a window.
+    void SetVisible(bool /*visible*/) override {}
+
+    void Open(const std::string& name, const std::function<bool()>& goOn) override
+    {
+        Close();
+        if (!IsWordDocument(name))
+            throw CommandFailed();
+        std::optional<std::string> text = Convert(name, goOn);
+        if (!text)
+            throw CommandFailed();
+        // Even a document with no text has a paragraph, whose end is nothing to read.
+        if (text->find_first_not_of('\r') == std::string::npos)
+            text->clear();
+        document_ = DecodeUtf8(*text);
+    }
+
+    std::int32_t RangeEnd() override { return static_cast<std::int32_t>(Document().size()); }
+
+    std::string RangeText(std::int32_t start, std::int32_t end) override
+    {
+        const std::vector<char32_t>& document = Document();
+        const auto size = static_cast<std::int32_t>(document.size());
+        const std::int32_t from = std::clamp(start, 0, size);
+        const std::int32_t to = std::clamp(end, from, size);
+        return EncodeUtf8({document.data() + from, static_cast<std::size_t>(to - from)});
+    }
+
+    void Close() override { document_.reset(); }
+    void Quit() override { Close(); }
+
+private:
+    const std::vector<char32_t>& Document() const
+    {
+        if (!document_)
+            throw CommandFailed();
+        return *document_;
+    }
+
+    // The main text, or nothing when there is none to be had.
+    std::optional<std::string> Convert(const std::string& name, const std::function<bool()>& goOn) const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + timeLimit_;
+        const WorkFolder folder;
+        std::error_code error;
+        for (const char* part : {"/profile/user", "/home", "/tmp", "/out"})
+            fs::create_directories(folder.Path() + part, error);
+        std::ofstream(folder.Path() + "/profile/user/registrymodifications.xcu") << Settings;
+        // A plain name in a folder of its own, whatever characters the document's name has and wherever it stands.
+        fs::create_symlink(fs::absolute(name, error), folder.Path() + "/document.doc", error);
+        GuardedProcess process(Conversion(program_, folder.Path()));
+        while (!process.Ended(Interval))
+            if (!goOn() || std::chrono::steady_clock::now() >= deadline)
+                return std::nullopt;
+        std::optional<std::string> text = ReadWhole(folder.Path() + "/out/document.fodt");
+        if (text)
+            text = MainText(*text);
+        // Removing a profile can take longer than a window may stand still.
+        process.End();
+        while (!process.Gone(Interval))
+            if (!goOn())
+                return std::nullopt;
+        return text;
+    }
+
+    std::string program_;
+    std::chrono::milliseconds timeLimit_;
+    std::optional<std::vector<char32_t>> document_;
+};
+
+} // namespace
+
+LibreOfficeWord::LibreOfficeWord(std::string folders, std::chrono::milliseconds timeLimit)
+    : folders_(std::move(folders)), timeLimit_(timeLimit)
+{
+}
+
+std::string LibreOfficeWord::Folders()
+{
+    return Environment("PATH") + ":" + UsualFolders;
+}
+
+std::unique_ptr<WordApplication> LibreOfficeWord::CreateWord()
+{
+    const std::string program = FindProgram(folders_);
+    if (program.empty())
+        throw CannotCreateObject();
+    return std::make_unique<LibreOfficeApplication>(program, timeLimit_);
+}
+
+} // namespace voxmate::linux_platform

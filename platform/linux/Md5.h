@@ -1,0 +1,14 @@
+// MD5 (RFC 1321), for names that others derive with it; it protects nothing.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace voxmate::linux_platform
+{
+
+/// The digest of these bytes.
+std::array<std::uint8_t, 16> Md5(std::string_view bytes);
+
+} // namespace voxmate::linux_platform

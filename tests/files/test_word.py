@@ -1,0 +1,267 @@
+"""Word documents as the program gets to see them through LibreOffice: the main text and nothing else, what cannot be opened,
+conversions that are broken off, and what is left behind. The program under test is word_text, $VOXMATE_WORD_TEXT or that of
+the release build."""
+
+import collections
+import glob
+import http.server
+import os
+import random
+import re
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+import unittest
+
+import word_maker as maker
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+WORD_TEXT = os.path.abspath(os.environ.get("VOXMATE_WORD_TEXT") or os.path.join(ROOT, "build", "release", "word_text"))
+
+Result = collections.namedtuple("Result", "error milliseconds length pause text")
+
+
+def pieces(count, seed=1):
+    """Lines of words that make a text of so many characters, with the end of each line counted."""
+    chance, words = random.Random(seed), "a quick brown fox jumps over the lazy Übermut 😀 while rain falls on tin".split()
+    lines = []
+    while count > 0:
+        line = " ".join(chance.choice(words) for _ in range(60))[:min(count, 300) - 1].rstrip()
+        line += "." * (min(count, 300) - 1 - len(line))
+        lines.append(line)
+        count -= len(line) + 1
+    return lines
+
+
+class WordCase(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="voxmate-word-test-", dir="/tmp")
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = folder.name
+        cls.home, cls.temp = cls.path("home"), cls.path("temp")
+        os.mkdir(cls.home)
+        os.mkdir(cls.temp)
+        cls.office = maker.Office(cls.folder)
+
+    @classmethod
+    def path(cls, name):
+        return os.path.join(cls.folder, name)
+
+    @classmethod
+    def write(cls, name, content):
+        with open(cls.path(name), "wb") as file:
+            file.write(content)
+        return cls.path(name)
+
+    def start(self, *arguments):
+        environment = {**os.environ, "HOME": self.home, "TMPDIR": self.temp, "LC_ALL": "C.UTF-8"}
+        for name in ("XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"):
+            environment.pop(name, None)
+        return subprocess.Popen([WORD_TEXT, *arguments], stdout=subprocess.PIPE, env=environment)
+
+    def read(self, *arguments):
+        """Opens a document; whatever comes of it, nothing may be left."""
+        sockets = set(glob.glob("/tmp/OSL_PIPE_*"))
+        with self.start(*arguments) as process:
+            out = process.communicate(timeout=120)[0].decode()
+        self.assert_nothing_left()
+        self.assertEqual(set(glob.glob("/tmp/OSL_PIPE_*")) - sockets, set())
+        first, _, text = out.partition("\n")
+        if failed := re.fullmatch(r"error (\d+) Command failed after (\d+) ms", first):
+            self.assertEqual(process.returncode, 1)
+            return Result(int(failed[1]), int(failed[2]), None, None, None)
+        opened = re.fullmatch(r"(\d+) characters, opened in (\d+) ms, longest pause ([\d.]+) ms, .*", first)
+        self.assertIsNotNone(opened, out[:200])
+        return Result(0, int(opened[2]), int(opened[1]), float(opened[3]), text)
+
+    def processes(self):
+        """The command lines of all processes that work in our folder for temporary files."""
+        found = []
+        for path in glob.glob("/proc/[0-9]*/cmdline"):
+            try:
+                with open(path, "rb") as file:
+                    line = file.read().replace(b"\0", b" ").decode(errors="replace")
+            except OSError:
+                continue
+            if self.temp + "/" in line:
+                found.append(line)
+        return found
+
+    def assert_nothing_left(self):
+        self.assertEqual(self.processes(), [])
+        self.assertEqual(os.listdir(self.temp), [])
+        self.assertEqual(os.listdir(self.home), [])
+
+
+class MainText(WordCase):
+    def check(self, kind):
+        result = self.read(self.office.save(kind, maker.sample(), kind))
+        self.assertEqual(result.text, maker.SAMPLE)
+        self.assertEqual(result.length, len(maker.SAMPLE))
+
+    def test_a_binary_document_gives_its_main_text_and_nothing_else(self):
+        self.check("doc")
+
+    def test_an_xml_document_gives_its_main_text_and_nothing_else(self):
+        self.check("docx")
+
+    def test_rich_text_gives_its_main_text_and_nothing_else(self):
+        self.check("rtf")
+
+    def test_positioned_paragraphs_and_floating_tables_are_main_text_and_text_boxes_are_not(self):
+        frame = '<w:framePr w:w="2000" w:wrap="around" w:vAnchor="text" w:hAnchor="page" w:x="6000" w:y="500"/>'
+        drop_cap = '<w:framePr w:dropCap="drop" w:lines="3" w:wrap="around" w:vAnchor="text" w:hAnchor="text"/>'
+        floating = '<w:tblpPr w:vertAnchor="text" w:horzAnchor="margin" w:tblpX="500" w:tblpY="200"/>'
+        path = maker.write_xml(self.path("frames.doc"), "".join([
+            "<w:p><w:r><w:t>Anchor</w:t>%s<w:t>ed.</w:t></w:r></w:p>" % maker.text_box("BOX"),
+            maker.paragraph("Framed.", frame), maker.paragraph("Behind the frame."),
+            maker.paragraph("D", drop_cap), maker.paragraph("rop cap."),
+            maker.table([["F1", "F2"], ["F3", "F4"]], floating), maker.paragraph("Behind the table.")]))
+        self.assertEqual(self.read(path).text, "Anchored.\rFramed.\rBehind the frame.\rDrop cap.\rF1\rF2\rF3\rF4\r"
+                                               "Behind the table.\r")
+
+    def test_fields_give_their_results(self):
+        path = maker.write_xml(self.path("fields.doc"), "<w:p>%s<w:r><w:t>or</w:t></w:r>%s<w:r><w:t>.</w:t></w:r></w:p>" % (
+            maker.field(' MERGEFIELD Name ', "«Name»"), maker.field(' IF 1 = 1 "yes" "no" ', "yes")))
+        self.assertEqual(self.read(path).text, "«Name»oryes.\r")
+
+    def test_a_document_without_text_has_no_length(self):
+        result = self.read(self.office.save("empty", maker.paragraphs(["", ""])))
+        self.assertEqual((result.error, result.length, result.text), (0, 0, ""))
+
+    def test_a_million_characters_come_whole_and_the_program_lives_meanwhile(self):
+        lines = pieces(1_000_000)
+        result = self.read(self.office.save("big", maker.paragraphs(lines)))
+        self.assertEqual(result.length, 1_000_000)
+        self.assertEqual(result.text, "".join(line + "\r" for line in lines))
+        # A tenth of a second is seen; a busy machine gets some grace.
+        self.assertLess(result.pause, 300)
+
+
+class Refusals(WordCase):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        with open(cls.office.save("good", maker.sample()), "rb") as file:
+            cls.good = file.read()
+
+    def refused(self, name, content):
+        self.assertEqual(self.read(self.write(name, content)).error, 4198, name)
+
+    def test_what_is_no_word_document_is_refused(self):
+        self.refused("zero.doc", b"")
+        self.refused("text.doc", "Ein Text für sich.\n".encode() * 100)
+        self.refused("page.doc", b"<html><body>Hello</body></html>")
+        self.refused("picture.doc", b"\x89PNG\r\n\x1a\n" + bytes(2000))
+        self.refused("book.doc", self.good.replace("WordDocument".encode("utf-16le"), "WordDokument".encode("utf-16le")))
+
+    def test_a_protected_document_is_refused(self):
+        path = self.office.protect(self.path("good.doc"), self.path("protected.doc"), "secret")
+        with open(path, "rb") as file:
+            self.assertNotIn("Überschrift".encode("latin-1"), file.read())
+        self.assertEqual(self.read(path).error, 4198)
+
+    def test_damaged_documents_are_refused(self):
+        for size in (600, 5000, len(self.good) * 2 // 3):
+            self.refused("cut-%d.doc" % size, self.good[:size])
+        self.refused("blank.doc", self.good[:512] + bytes(1024) + self.good[1536:])
+
+    def test_damaged_xml_documents_are_refused(self):
+        with open(maker.write_xml(self.path("whole.doc"), maker.paragraph("Hello.") * 300), "rb") as file:
+            whole = bytearray(file.read())
+        self.assertEqual(self.read(self.path("whole.doc")).length, 300 * len("Hello.\r"))
+        self.refused("half.doc", whole[:len(whole) // 2])
+        start = whole.index(b"word/document.xml") + 20
+        for at in range(start, start + 60):
+            whole[at] ^= 0x55
+        self.refused("noise.doc", whole)
+
+    def test_a_document_that_is_not_there_is_refused(self):
+        self.assertEqual(self.read(self.path("nowhere.doc")).error, 4198)
+
+
+class BreakingOff(WordCase):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.big = cls.office.save("big", maker.paragraphs(pieces(1_000_000)))
+
+    def test_a_conversion_is_broken_off_at_any_time(self):
+        for moment in (0, 50, 200, 500, 1000):
+            result = self.read("--stop", str(moment), self.big)
+            self.assertEqual(result.error, 4198)
+            self.assertLess(result.milliseconds, moment + 1500)
+
+    def test_a_conversion_that_takes_too_long_is_ended(self):
+        result = self.read("--limit", "600", self.big)
+        self.assertEqual(result.error, 4198)
+        self.assertLess(result.milliseconds, 2100)
+
+    def test_nothing_is_left_when_the_program_is_killed_meanwhile(self):
+        sockets = set(glob.glob("/tmp/OSL_PIPE_*"))
+        with self.start(self.big) as process:
+            end = time.monotonic() + 30
+            while not any("soffice.bin" in line for line in self.processes()):
+                self.assertLess(time.monotonic(), end)
+                time.sleep(0.02)
+            time.sleep(0.5)
+            self.assertNotEqual(self.processes(), [])
+            process.send_signal(signal.SIGKILL)
+        end = time.monotonic() + 10
+        while (self.processes() or os.listdir(self.temp)) and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assert_nothing_left()
+        self.assertEqual(set(glob.glob("/tmp/OSL_PIPE_*")) - sockets, set())
+
+
+class Manners(WordCase):
+    def test_nothing_is_loaded_over_the_network(self):
+        asked = []
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def handle_one_request(self):
+                asked.append(self.rfile.readline(1000))
+                self.close_connection = True
+
+        with http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler) as server:
+            threading.Thread(target=server.serve_forever, daemon=True).start()
+            address = "http://127.0.0.1:%d/" % server.server_port
+            path = maker.write_xml(
+                self.path("links.doc"), "<w:p><w:r><w:t>A picture: </w:t></w:r><w:r>%s</w:r></w:p><w:p>%s</w:p>" % (
+                    maker.linked_picture("rId9"), maker.field(' INCLUDETEXT "%sinclude.docx" ' % address, "included")),
+                [("rId9", "image", address + "picture.png")],
+                [("rId1", "attachedTemplate", address + "template.dotm")])
+            text = self.read(path).text
+            self.assertEqual(asked, [])
+            self.assertTrue(text.startswith("A picture:"), text)
+            # The document does ask for it where nothing forbids it.
+            self.office.run("--convert-to", "fodt", "--outdir", self.path("out"), path)
+            self.assertNotEqual(asked, [])
+            server.shutdown()
+
+    def test_an_open_libreoffice_of_the_users_is_neither_used_nor_ended(self):
+        path = self.office.save("plain", maker.paragraphs(["Hello."]))
+        pipe = "voxmate-test-%d" % os.getpid()
+        with subprocess.Popen(["/usr/lib/libreoffice/program/soffice.bin",
+                               "-env:UserInstallation=file://" + self.office.profile, "--headless", "--norestore",
+                               "--accept=pipe,name=%s;urp;" % pipe], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL) as users:
+            end = time.monotonic() + 30
+            while not glob.glob("/tmp/OSL_PIPE_*_" + pipe):
+                self.assertLess(time.monotonic(), end)
+                time.sleep(0.05)
+            self.assertEqual(self.read(path).text, "Hello.\r")
+            self.assertEqual(self.read("--stop", "300", path).error, 4198)
+            self.assertIsNone(users.poll())
+            self.assertNotEqual(glob.glob("/tmp/OSL_PIPE_*_" + pipe), [])
+            users.terminate()
+            users.wait(30)
+        for socket in glob.glob("/tmp/OSL_PIPE_*_" + pipe):
+            os.unlink(socket)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,431 @@
+// The word processor with stand-ins for LibreOffice: scripts that convert, hang, fail, or leave things behind.
+#include "platform/linux/LibreOfficeWord.h"
+#include "base/RuntimeError.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace voxmate;
+using namespace voxmate::linux_platform;
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+class Word : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string name = "/tmp/voxmate-test-XXXXXX";
+        folder_ = ::mkdtemp(name.data());
+        for (const char* part : {"bin", "temp", "record"})
+            fs::create_directory(folder_ / part);
+        ::setenv("TMPDIR", (folder_ / "temp").c_str(), 1);
+        Write(Document(), "{\\rtf1 Hello}");
+    }
+    void TearDown() override
+    {
+        ::unsetenv("TMPDIR");
+        fs::remove_all(folder_);
+    }
+
+    static void Write(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+    static std::string Read(const fs::path& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    fs::path Document() const { return folder_ / "document.doc"; }
+    std::string Record(const std::string& name) const { return Read(folder_ / "record" / name); }
+
+    // Puts a stand-in for soffice in place. It knows $out, the folder for its output, $document, the file to convert,
+    // $profile, the address of its profile, and $record, a folder to leave notes in; it has noted its number in "pids".
+    void Soffice(const std::string& body)
+    {
+        const fs::path script = folder_ / "bin" / "soffice";
+        Write(script, "#!/bin/sh\nrecord=" + (folder_ / "record").string() +
+                          "\nfor argument; do\n  [ \"$last\" = --outdir ] && out=$argument\n"
+                          "  case $argument in -env:UserInstallation=*) profile=${argument#*=};; esac\n"
+                          "  last=$argument\ndone\ndocument=$last\necho $$ >> $record/pids\n" +
+                          body);
+        fs::permissions(script, fs::perms::owner_all);
+    }
+
+    static std::string Flat(const std::string& body)
+    {
+        return "<office:document><office:body><office:text>" + body + "</office:text></office:body></office:document>";
+    }
+
+    // A line of the stand-in's that writes a document with this body.
+    static std::string Gives(const std::string& body)
+    {
+        return "printf '%s' '" + Flat(body) + "' > $out/document.fodt\n";
+    }
+
+    std::unique_ptr<WordApplication> Create(std::chrono::milliseconds limit = 30s)
+    {
+        std::unique_ptr<WordApplication> word = LibreOfficeWord((folder_ / "bin").string(), limit).CreateWord();
+        word->SetVisible(false);
+        return word;
+    }
+
+    static bool GoOn() { return true; }
+
+    // The number of the run-time error that opening raises, 0 for none.
+    static int ErrorOfOpening(WordApplication& word, const fs::path& document, const std::function<bool()>& goOn = GoOn)
+    {
+        try {
+            word.Open(document.string(), goOn);
+            return 0;
+        } catch (const RuntimeError& error) {
+            return error.Number;
+        }
+    }
+
+    void WaitForRecord(const std::string& name) const
+    {
+        for (int i = 0; i < 1000 && Record(name).empty(); ++i)
+            std::this_thread::sleep_for(10ms);
+        ASSERT_NE(Record(name), "");
+    }
+
+    // The processes that noted their numbers and still are.
+    int Alive() const
+    {
+        std::istringstream pids(Record("pids"));
+        int alive = 0;
+        for (pid_t pid = 0; pids >> pid;)
+            alive += ::kill(pid, 0) == 0 || errno != ESRCH ? 1 : 0;
+        return alive;
+    }
+
+    void ExpectNothingLeft() const
+    {
+        EXPECT_EQ(Alive(), 0);
+        EXPECT_TRUE(fs::is_empty(folder_ / "temp"));
+    }
+
+    fs::path folder_;
+};
+
+} // namespace
+
+TEST_F(Word, CannotBeCreatedWithoutLibreOffice)
+{
+    try {
+        Create();
+        FAIL() << "created";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number, 429);
+        EXPECT_EQ(error.Description, "ActiveX component can't create object");
+    }
+    Write(folder_ / "bin" / "soffice", "not a program");
+    EXPECT_THROW(Create(), RuntimeError);
+}
+
+TEST_F(Word, IsFoundInTheFirstFolderThatHasIt)
+{
+    Soffice(Gives("<text:p>Found.</text:p>"));
+    const std::string folders = "relative::/nowhere:" + (folder_ / "bin").string() + ":/usr/bin";
+    const auto word = LibreOfficeWord(folders).CreateWord();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeText(0, 6), "Found.");
+}
+
+TEST_F(Word, GivesLengthAndRangesInCharacters)
+{
+    Soffice(Gives("<text:p>Grüße 😀</text:p><text:p>an alle</text:p>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 16);
+    EXPECT_EQ(word->RangeText(0, 16), "Grüße 😀\ran alle\r");
+    EXPECT_EQ(word->RangeText(2, 5), "üße");
+    EXPECT_EQ(word->RangeText(6, 8), "😀\r");
+    EXPECT_EQ(word->RangeText(16, 16), "");
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, ARangeBeyondTheTextIsCutOff)
+{
+    Soffice(Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeText(2, 100), "c\r");
+    EXPECT_EQ(word->RangeText(-5, 1), "a");
+    EXPECT_EQ(word->RangeText(3, 1), "");
+    EXPECT_EQ(word->RangeText(100, 200), "");
+}
+
+TEST_F(Word, ADocumentWithoutTextHasNoLength)
+{
+    Soffice(Gives("<text:p/><text:p/>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 0);
+    EXPECT_EQ(word->RangeText(0, 0), "");
+}
+
+TEST_F(Word, NothingIsToBeHadWithoutADocument)
+{
+    Soffice(Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    EXPECT_THROW(word->RangeEnd(), RuntimeError);
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 4);
+    word->Close();
+    EXPECT_THROW(word->RangeText(0, 1), RuntimeError);
+    word->Open(Document().string(), GoOn);
+    word->Quit();
+    EXPECT_THROW(word->RangeEnd(), RuntimeError);
+}
+
+TEST_F(Word, AnotherDocumentTakesThePlaceOfTheLast)
+{
+    Soffice("[ \"$(cat $document)\" = '{\\rtf1 Hello}' ] && " + Gives("<text:p>first</text:p>") +
+            "[ \"$(cat $document)\" = '{\\rtf1 Hello}' ] || " + Gives("<text:p>second one</text:p>"));
+    Write(folder_ / "other.doc", "{\\rtf1 Other}");
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeText(0, 5), "first");
+    word->Open((folder_ / "other.doc").string(), GoOn);
+    EXPECT_EQ(word->RangeText(0, 10), "second one");
+}
+
+TEST_F(Word, IsStartedWithoutWindowsInAProfileOfItsOwn)
+{
+    ::setenv("DISPLAY", ":77", 1);
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere", 1);
+    Soffice("printf '%s\\n' \"$@\" > $record/arguments\nenv > $record/environment\npwd > $record/folder\n"
+            "cat ${profile#file://}/user/registrymodifications.xcu > $record/settings\n" +
+            Gives("<text:p>abc</text:p>"));
+    Create()->Open(Document().string(), GoOn);
+    ::unsetenv("DISPLAY");
+    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+
+    std::string work = Record("folder");
+    work.pop_back();
+    EXPECT_EQ(fs::path(work).parent_path(), folder_ / "temp");
+    const std::string arguments = Record("arguments");
+    EXPECT_NE(arguments.find("-env:UserInstallation=file://" + work + "/profile\n"), std::string::npos);
+    EXPECT_NE(arguments.find("\n--headless\n"), std::string::npos);
+    EXPECT_NE(arguments.find("\n--norestore\n"), std::string::npos);
+    const std::string environment = Record("environment");
+    EXPECT_NE(environment.find("HOME=" + work + "/home\n"), std::string::npos);
+    EXPECT_NE(environment.find("TMPDIR=" + work + "/tmp\n"), std::string::npos);
+    EXPECT_EQ(environment.find("DISPLAY="), std::string::npos);
+    EXPECT_EQ(environment.find("DBUS_"), std::string::npos);
+    const std::string settings = Record("settings");
+    EXPECT_NE(settings.find("<prop oor:name=\"DisableMacrosExecution\" oor:op=\"fuse\"><value>true</value>"),
+              std::string::npos);
+    EXPECT_NE(settings.find("<prop oor:name=\"BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true</value>"),
+              std::string::npos);
+}
+
+TEST_F(Word, TakesADocumentWhateverItsNameAndWhereverItStands)
+{
+    Soffice("cp $document $record/content\n" + Gives("<text:p>abc</text:p>"));
+    const fs::path folder = folder_ / "--a folder #1 100%20 'ü'";
+    fs::create_directory(folder);
+    Write(folder / "-my \"letter\" & more.DOC", "{\\rtf1 Mine}");
+    const auto word = Create();
+    word->Open((folder / "-my \"letter\" & more.DOC").string(), GoOn);
+    EXPECT_EQ(Record("content"), "{\\rtf1 Mine}");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder_);
+    word->Open("document.doc", GoOn);
+    fs::current_path(before);
+    EXPECT_EQ(Record("content"), "{\\rtf1 Hello}");
+}
+
+TEST_F(Word, ATemporaryFolderOfAnUnusualNameIsNotUsed)
+{
+    const fs::path unusual = folder_ / "temp" / "a folder";
+    fs::create_directory(unusual);
+    ::setenv("TMPDIR", unusual.c_str(), 1);
+    Soffice("pwd > $record/folder\n" + Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 4);
+    EXPECT_EQ(Record("folder").rfind("/tmp/voxmate-word-", 0), 0u) << Record("folder");
+}
+
+TEST_F(Word, LetsTheProgramLiveWhileItConverts)
+{
+    Soffice("sleep 0.5\n" + Gives("<text:p>abc</text:p>"));
+    int calls = 0;
+    const auto word = Create();
+    word->Open(Document().string(), [&] { return ++calls > 0; });
+    EXPECT_EQ(word->RangeEnd(), 4);
+    // About every 10 ms; a busy machine may take its time.
+    EXPECT_GE(calls, 10);
+}
+
+TEST_F(Word, IsNotStartedForWhatIsNoWordDocument)
+{
+    Soffice(Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    for (const char* content : {"", "A text.", "\x89PNG\r\n\x1A\n", "<html>"}) {
+        Write(folder_ / "wrong.doc", content);
+        EXPECT_EQ(ErrorOfOpening(*word, folder_ / "wrong.doc"), 4198) << content;
+    }
+    EXPECT_EQ(ErrorOfOpening(*word, folder_ / "nowhere.doc"), 4198);
+    EXPECT_EQ(Record("pids"), "");
+}
+
+TEST_F(Word, WhatCannotBeConvertedFailsAsACommand)
+{
+    const auto failure = [this](const std::string& script) {
+        Soffice(script);
+        return ErrorOfOpening(*Create(), Document());
+    };
+    EXPECT_EQ(failure("exit 1\n"), 4198);
+    EXPECT_EQ(failure("exit 0\n"), 4198);
+    EXPECT_EQ(failure("kill -SEGV $$\n"), 4198);
+    EXPECT_EQ(failure(": > $out/document.fodt\n"), 4198);
+    EXPECT_EQ(failure("printf '<office:document><office:body>' > $out/document.fodt\n"), 4198);
+    ExpectNothingLeft();
+    Write(folder_ / "bin" / "soffice", "\x7F"
+                                       "ELF that is none");
+    EXPECT_EQ(ErrorOfOpening(*Create(), Document()), 4198);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, AFailureSaysSoInWordsOwnWords)
+{
+    Soffice("exit 1\n");
+    try {
+        Create()->Open(Document().string(), GoOn);
+        FAIL() << "opened";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Description, "Command failed");
+    }
+}
+
+TEST_F(Word, AConversionThatTakesTooLongIsEnded)
+{
+    Soffice("sleep 600 & echo $! >> $record/pids\nwait\n");
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(ErrorOfOpening(*Create(300ms), Document()), 4198);
+    EXPECT_GE(Clock::now() - start, 300ms);
+    EXPECT_LT(Clock::now() - start, 10s);
+    EXPECT_NE(Record("pids"), "");
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, AConversionThatIsBrokenOffIsEnded)
+{
+    Soffice("touch $TMPDIR/something ${profile#file://}/lock $out/half\necho ready > $record/ready\nsleep 600\n");
+    bool asked = false;
+    EXPECT_EQ(ErrorOfOpening(*Create(), Document(),
+                             [&] {
+                                 asked = Record("ready").empty();
+                                 return asked;
+                             }),
+              4198);
+    EXPECT_NE(Record("pids"), "");
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, OneThatWillNotEndIsEndedAllTheSame)
+{
+    Soffice("trap '' TERM INT HUP QUIT\necho ready > $record/ready\nwhile :; do sleep 0.05; done\n");
+    EXPECT_EQ(ErrorOfOpening(*Create(), Document(), [this] { return Record("ready").empty(); }), 4198);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, ChildrenThatOutliveItAreEnded)
+{
+    Soffice("sleep 600 & echo $! >> $record/pids\n"
+            "setsid sh -c 'echo $$ >> $0/pids; trap \"\" TERM; sleep 600 & echo $! >> $0/pids; wait' $record &\n"
+            "while [ $(wc -l < $record/pids) -lt 4 ]; do sleep 0.01; done\n" +
+            Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 4);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, AnErrorOfTheProgramsOwnPassesAndEndsTheConversion)
+{
+    Soffice("echo ready > $record/ready\nsleep 600\n");
+    const auto word = Create();
+    EXPECT_EQ(ErrorOfOpening(*word, Document(),
+                             [this]() -> bool {
+                                 if (!Record("ready").empty())
+                                     throw RuntimeError(5, "Invalid procedure call or argument");
+                                 return true;
+                             }),
+              5);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, TheSocketOfOneThatIsKilledIsRemoved)
+{
+    // LibreOffice writes each byte of the digest without a leading zero.
+    Soffice("digest=$(printf %s $profile | iconv -t UTF-16LE | md5sum | cut -d' ' -f1)\n"
+            "socket=/tmp/OSL_PIPE_$(id -u)_SingleOfficeIPC_$(echo $digest | sed 's/../& /g; s/\\b0//g; s/ //g')\n"
+            "touch $socket\necho $socket > $record/socket\nsleep 600\n");
+    for (int i = 0; i < 3; ++i) {
+        fs::remove(folder_ / "record" / "socket");
+        EXPECT_EQ(ErrorOfOpening(*Create(), Document(), [this] { return Record("socket").empty(); }), 4198);
+        std::string socket = Record("socket");
+        ASSERT_EQ(socket.rfind("/tmp/OSL_PIPE_", 0), 0u);
+        socket.pop_back();
+        EXPECT_FALSE(fs::exists(socket)) << socket;
+    }
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
+{
+    Soffice("sleep 600 & echo $! >> $record/pids\necho ready > $record/ready\nwait\n");
+    const pid_t program = ::fork();
+    if (program == 0) {
+        ErrorOfOpening(*Create(), Document());
+        ::_exit(0);
+    }
+    ASSERT_GT(program, 0);
+    WaitForRecord("ready");
+    EXPECT_EQ(Alive(), 2);
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    for (int i = 0; i < 1000 && (Alive() > 0 || !fs::is_empty(folder_ / "temp")); ++i)
+        std::this_thread::sleep_for(10ms);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, TwoConvertAtTheSameTime)
+{
+    Soffice("cp $document $record/$(cut -c8-12 $document)\nsleep 0.2\n" + Gives("<text:p>abc</text:p>"));
+    Write(folder_ / "other.doc", "{\\rtf1 Other}");
+    const auto first = Create();
+    const auto second = Create();
+    bool nested = false;
+    first->Open(Document().string(), [&] {
+        if (!std::exchange(nested, true))
+            second->Open((folder_ / "other.doc").string(), GoOn);
+        return true;
+    });
+    EXPECT_EQ(first->RangeEnd(), 4);
+    EXPECT_EQ(second->RangeEnd(), 4);
+    EXPECT_EQ(Record("Hello"), "{\\rtf1 Hello}");
+    EXPECT_EQ(Record("Other"), "{\\rtf1 Other}");
+    ExpectNothingLeft();
+}

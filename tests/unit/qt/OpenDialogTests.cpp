@@ -1,0 +1,266 @@
+// The dialog for opening a file, and the clipboard's text.
+#include "tests/unit/qt/QtFixture.h"
+
+#include "base/RuntimeError.h"
+
+#include <QAbstractItemView>
+#include <QClipboard>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QImage>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QUrl>
+
+#include <set>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// A home with a documents folder, for as long as it lives.
+class Home
+{
+public:
+    Home()
+    {
+        for (const char* name : {"HOME", "XDG_CONFIG_HOME"})
+            before_.push_back(qgetenv(name));
+        qputenv("HOME", QFile::encodeName(folder_.path()));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder_.path() + "/.config"));
+        QDir(folder_.path()).mkdir("Documents");
+    }
+    ~Home()
+    {
+        qputenv("HOME", before_[0]);
+        before_[1].isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before_[1]);
+    }
+    Home(const Home&) = delete;
+    Home& operator=(const Home&) = delete;
+
+    std::string Path(const std::string& name) const { return folder_.path().toStdString() + "/" + name; }
+    void Touch(const std::string& name) const
+    {
+        QFile file(QString::fromStdString(Path(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+
+private:
+    QTemporaryDir folder_;
+    std::vector<QByteArray> before_;
+};
+
+/// Runs `act` on the next dialog.
+void InDialog(const std::function<void(QFileDialog&)>& act)
+{
+    QTimer::singleShot(50, &App(), [act] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        act(*dialog);
+    });
+}
+
+QLineEdit& NameField(QFileDialog& dialog)
+{
+    return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+}
+
+/// Types a name and confirms it.
+void Type(QFileDialog& dialog, const std::string& name)
+{
+    NameField(dialog).setText(QString::fromStdString(name));
+    QTest::keyClick(&NameField(dialog), Qt::Key_Return);
+}
+
+std::set<std::string> NamesIn(QFileDialog& dialog)
+{
+    const auto* view = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView"));
+    std::set<std::string> names;
+    for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
+        names.insert(view->model()->index(row, 0, view->rootIndex()).data().toString().toStdString());
+    return names;
+}
+
+} // namespace
+
+class OpenDialogTest : public QtTest
+{
+protected:
+    CommonDialog Settings() const { return {"Text Files (*.txt)|*.txt", "Open Text File to Read...", true, {}}; }
+    /// What the user makes of the dialog: the file name, or the error as "32755 Cancel was selected.".
+    std::string Opened(CommonDialog settings)
+    {
+        try {
+            windows.ShowOpen(settings);
+            return settings.FileName;
+        } catch (const RuntimeError& error) {
+            return std::to_string(error.Number) + " " + error.Description;
+        }
+    }
+    /// The folder in which the next dialog begins; it is cancelled.
+    std::string FolderOfTheNext()
+    {
+        std::string folder;
+        InDialog([&](QFileDialog& dialog) {
+            folder = dialog.directory().path().toStdString();
+            dialog.reject();
+        });
+        Opened(Settings());
+        return folder;
+    }
+
+    Home home;
+};
+
+TEST_F(OpenDialogTest, ItHasItsTitleAndItsFilterAndFirstBeginsInTheDocumentsFolder)
+{
+    home.Touch("Documents/notes.txt");
+    InDialog([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Open Text File to Read...");
+        EXPECT_EQ(dialog.nameFilters(), QStringList{"Text Files (*.txt)"});
+        EXPECT_EQ(dialog.directory().path().toStdString(), home.Path("Documents"));
+        Type(dialog, "notes.txt");
+    });
+    EXPECT_EQ(Opened(Settings()), home.Path("Documents/notes.txt"));
+}
+
+TEST_F(OpenDialogTest, WithoutADocumentsFolderItBeginsAtHome)
+{
+    ASSERT_TRUE(QDir(QString::fromStdString(home.Path("Documents"))).removeRecursively());
+    EXPECT_EQ(FolderOfTheNext() + "/", home.Path(""));
+}
+
+TEST_F(OpenDialogTest, ItShowsFoldersAndTheFilesThatMatchInAnyCase)
+{
+    for (const char* name : {"Documents/one.txt", "Documents/TWO.TXT", "Documents/three.text", "Documents/four.doc"})
+        home.Touch(name);
+    QDir(QString::fromStdString(home.Path("Documents"))).mkdir("five");
+    const std::set<std::string> expected{"one.txt", "TWO.TXT", "five"};
+    InDialog([&](QFileDialog& dialog) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog) == expected; }))
+            << testing::PrintToString(NamesIn(dialog));
+        dialog.reject();
+    });
+    Opened(Settings());
+}
+
+TEST_F(OpenDialogTest, EveryFilterOfSeveralCanBeChosen)
+{
+    CommonDialog settings = Settings();
+    settings.Filter = "Text Files (*.txt)|*.txt|Letters|*.doc;*.rtf|All Files (*.*)|*.*";
+    InDialog([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.nameFilters(),
+                  (QStringList{"Text Files (*.txt)", "Letters (*.doc *.rtf)", "All Files (*.*)"}));
+        dialog.reject();
+    });
+    Opened(settings);
+}
+
+TEST_F(OpenDialogTest, ANameThatDoesNotExistIsGivenAllTheSame)
+{
+    InDialog([&](QFileDialog& dialog) { Type(dialog, "none.txt"); });
+    EXPECT_EQ(Opened(Settings()), home.Path("Documents/none.txt"));
+    InDialog([&](QFileDialog& dialog) { Type(dialog, "/no/such/folder/none.txt"); });
+    EXPECT_EQ(Opened(Settings()), "/no/such/folder/none.txt");
+}
+
+TEST_F(OpenDialogTest, TheOpenButtonTakesATypedNameThatDoesNotExist)
+{
+    InDialog([&](QFileDialog& dialog) {
+        QTest::keyClicks(&NameField(dialog), "none.txt");
+        QPushButton* open = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+        ASSERT_NE(open, nullptr);
+        EXPECT_TRUE(open->isEnabled());
+        QTest::mouseClick(open, Qt::LeftButton);
+        EXPECT_FALSE(dialog.isVisible());
+        if (dialog.isVisible())
+            dialog.reject();
+    });
+    EXPECT_EQ(Opened(Settings()), home.Path("Documents/none.txt"));
+}
+
+TEST_F(OpenDialogTest, ATypedFolderIsEnteredNotOpened)
+{
+    QDir(QString::fromStdString(home.Path(""))).mkdir("letters");
+    InDialog([&](QFileDialog& dialog) {
+        Type(dialog, home.Path("letters"));
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(dialog.directory().path().toStdString(), home.Path("letters"));
+        Type(dialog, "dear.txt");
+    });
+    EXPECT_EQ(Opened(Settings()), home.Path("letters/dear.txt"));
+}
+
+TEST_F(OpenDialogTest, ACancelledOneRaisesAnErrorWhenItIsToldTo)
+{
+    InDialog([](QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(Opened(Settings()), "32755 Cancel was selected.");
+}
+
+TEST_F(OpenDialogTest, ACancelledOneLeavesTheNameAsItWas)
+{
+    CommonDialog settings = Settings();
+    settings.CancelError = false;
+    settings.FileName = "before.txt";
+    InDialog([](QFileDialog& dialog) {
+        EXPECT_EQ(NameField(dialog).text(), "before.txt");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    EXPECT_EQ(Opened(settings), "before.txt");
+}
+
+TEST_F(OpenDialogTest, TheNextBeginsInTheFolderOfTheFileThatWasChosen)
+{
+    QDir(QString::fromStdString(home.Path(""))).mkdir("letters");
+    InDialog([&](QFileDialog& dialog) { Type(dialog, home.Path("letters/dear.txt")); });
+    Opened(Settings());
+    EXPECT_EQ(FolderOfTheNext(), home.Path("letters"));
+}
+
+TEST_F(OpenDialogTest, TheNextBeginsInTheFolderACancelledOneWasLeftIn)
+{
+    QDir(QString::fromStdString(home.Path(""))).mkdir("letters");
+    InDialog([&](QFileDialog& dialog) {
+        dialog.setDirectory(QString::fromStdString(home.Path("letters")));
+        dialog.reject();
+    });
+    Opened(Settings());
+    EXPECT_EQ(FolderOfTheNext(), home.Path("letters"));
+    ASSERT_TRUE(QDir(QString::fromStdString(home.Path("letters"))).removeRecursively());
+    EXPECT_EQ(FolderOfTheNext(), home.Path("Documents"));
+}
+
+TEST_F(QtTest, TheClipboardGivesTheTextItHolds)
+{
+    windows.ClipboardSetText("Gr\u00FC\u00DFe \U0001F600");
+    EXPECT_TRUE(windows.ClipboardGetFormat(vbCFText));
+    EXPECT_EQ(windows.ClipboardGetText(), "Gr\u00FC\u00DFe \U0001F600");
+    EXPECT_FALSE(windows.ClipboardGetFormat(2));
+}
+
+TEST_F(QtTest, AnEmptyClipboardHoldsNoText)
+{
+    windows.ClipboardSetText("before");
+    windows.ClipboardClear();
+    EXPECT_FALSE(windows.ClipboardGetFormat(vbCFText));
+    EXPECT_EQ(windows.ClipboardGetText(), "");
+}
+
+TEST_F(QtTest, APictureOnTheClipboardIsNoTextNorIsTheAddressItCameFrom)
+{
+    auto* content = new QMimeData;
+    content->setImageData(QImage(4, 4, QImage::Format_RGB32));
+    content->setUrls({QUrl("https://example.org/picture.png")});
+    QGuiApplication::clipboard()->setMimeData(content);
+    EXPECT_FALSE(windows.ClipboardGetFormat(vbCFText));
+    EXPECT_EQ(windows.ClipboardGetText(), "");
+}
+
+} // namespace voxmate::qt
