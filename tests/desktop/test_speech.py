@@ -180,6 +180,8 @@ class SoundServer(ProgramCase):
 
 
 class Greeting(ProgramCase):
+    defaults = {"EnableSoundEffects": 0}  # what is heard is the voice
+
     def test_the_start_up_greeting_is_heard(self):
         recorder = self.desk.recorder()
         try:
