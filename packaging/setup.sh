@@ -8,7 +8,7 @@ build_packages=(
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev zlib1g-dev
 )
 run_packages=(
-  espeak-ng-data libflite1 libpulse0 fonts-dejavu-core xdg-utils
+  espeak-ng-data libflite1 libpulse0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(

@@ -197,9 +197,9 @@ private:
         bool style = false;
     };
     struct Paragraph {
-        std::size_t begin;
-        bool hidden = false; ///< it is hidden, or some of its text
-        bool blank = true;   ///< further blanks change nothing: they are one with the last, or at the beginning
+        bool hidden;       ///< it is hidden, or some of its text
+        bool seen = false; ///< some of its text is not
+        bool blank = true; ///< further blanks change nothing: they are one with the last, or at the beginning
     };
 
     void StartInBody(const Tag& tag, Element& element)
@@ -209,7 +209,7 @@ private:
             element.paragraph = true;
             element.text = true;
             element.hidden = styles_.Hides("paragraph", tag.Attribute("text:style-name"), element.hidden);
-            paragraphs_.push_back({text_.size(), element.hidden});
+            paragraphs_.push_back({element.hidden});
         } else if (name == "text:span") {
             element.hidden = styles_.Hides("text", tag.Attribute("text:style-name"), element.hidden);
         } else if (name == "text:s") {
@@ -266,10 +266,12 @@ private:
 
     void AddAsItIs(std::string_view text)
     {
-        if (elements_.back().hidden)
+        if (elements_.back().hidden) {
             paragraphs_.back().hidden = true;
-        else if (deleted_ == 0)
+        } else if (deleted_ == 0) {
+            paragraphs_.back().seen = true;
             text_ += text;
+        }
     }
 
     void Blank()
@@ -300,7 +302,7 @@ private:
     {
         const Paragraph paragraph = paragraphs_.back();
         paragraphs_.pop_back();
-        const bool gone = paragraph.hidden && text_.size() == paragraph.begin;
+        const bool gone = paragraph.hidden && !paragraph.seen;
         if (!gone && deleted_ == 0)
             text_ += ParagraphEnd;
     }

@@ -6,6 +6,9 @@ import subprocess
 import threading
 import time
 import unittest
+import wave
+
+import numpy
 
 import desk as desktop
 
@@ -181,3 +184,11 @@ class ProgramCase(unittest.TestCase):
                                 check=True, stdout=subprocess.PIPE)
         self.render_events = result.stdout.decode()
         return path
+
+    def rendered_length(self, text):
+        """Seconds of a text's rendering in which something is heard."""
+        with wave.open(self.render(text)) as file:
+            rate = file.getframerate()
+            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        size = int(rate * 0.005)
+        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005

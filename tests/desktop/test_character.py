@@ -5,9 +5,6 @@ import os
 import sys
 import time
 import unittest
-import wave
-
-import numpy
 
 import desk as desktop
 from program import IDLE, ROOT, ProgramCase, StatusWatch
@@ -63,14 +60,6 @@ class Character(ProgramCase):
         name = self.desk.read_settings()["UserName"].strip('"')
         return [f"Hello {name}. My name is Nalu", "Hey, do you know, beside reading text in the text box, I can also "
                 "read TEXT and WORD documents."]
-
-    def rendered_length(self, text):
-        """Seconds of a text's rendering in which something is heard."""
-        with wave.open(self.render(text)) as file:
-            rate = file.getframerate()
-            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        size = int(rate * 0.005)
-        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005
 
     def quiet_from(self, moment, tolerance=0.3):
         """Nothing is heard from a moment (of the steady clock) on, but for `tolerance` seconds."""

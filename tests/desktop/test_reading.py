@@ -56,13 +56,6 @@ class ReadingCase(ProgramCase):
         """Seconds in which something was heard since then."""
         return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
 
-    def rendered_length(self, text):
-        with wave.open(self.render(text)) as file:
-            rate = file.getframerate()
-            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        size = int(rate * 0.005)
-        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005
-
 
 class Reading(ReadingCase):
     def test_every_button_is_there_by_its_tool_tip(self):
@@ -199,11 +192,16 @@ class Word(ReadingCase):
 
     def test_stop_while_a_document_is_opened_ends_the_word_processor(self):
         path = self.document("long.doc", SENTENCE * 3000)
+        x, y, width, height = self.desk.rect(self.desk.find("Stop Everything !!!"))
         begin = self.now()
+        status = StatusWatch(self.status_panel())
         self.open_word(path)
-        desktop.wait_for(lambda: "Opening Word Document. Please wait..." in self.desk.texts(), 5, what="the opening")
-        self.press("Stop Everything !!!")
-        desktop.wait_for(lambda: IDLE in self.desk.texts(), 3, what="the end")
+        desktop.wait_for(self.processors, 5, step=0.01, what="the word processor")
+        self.desk.click_at(x + width // 2, y + height // 2)
+        desktop.wait_for(lambda: status.texts()[-1] == IDLE, 3, what="the end")
+        status.stop()
+        self.assertIn("Opening Word Document. Please wait...", status.texts())
+        self.assertFalse([seen for seen in status.texts() if seen.startswith("Reading part")])
         time.sleep(0.5)
         self.assertEqual(self.processors(), [])
         self.assertIsNone(self.heard_since(begin))

@@ -33,9 +33,10 @@ class Window(ProgramCase):
 
     def test_the_keyboard_goes_round_all_controls(self):
         # A drop-down list is called by what is chosen in it; its label names it to a screen reader.
-        expected = ["Speak the textbox text", "Stop Everything !!!",
-                    "Choose Character by Right Click. Show Character on Left Click", "eSpeak English (Great Britain)",
-                    "Speed", "Pitch", "Whisper", "Text to read"]
+        expected = ["Speak the textbox text", "Stop Everything !!!", "eSpeak English (Great Britain)", "Speed", "Pitch",
+                    "Whisper", "What's today's date?", "What time is it?", "Speak Clipboard Text",
+                    "Do you know who am I ?", "Open and Read a Text Document", "Open and Read a Word Document",
+                    "Choose Character by Right Click. Show Character on Left Click", "Text to read"]
         seen = []
         for _ in expected:
             self.desk.key("Tab")

@@ -195,6 +195,15 @@ TEST(FlatText, TakesPositionedParagraphsAndFloatingTablesBeforeTheParagraphTheyS
               "cell\rframed\rAround\r");
 }
 
+TEST(FlatText, AHiddenParagraphHidesNothingOfTheFrameThatStandsAtIt)
+{
+    EXPECT_EQ(
+        TextOf("<text:p text:style-name=\"P1\"><draw:frame text:anchor-type=\"paragraph\"><draw:text-box><text:p>framed"
+               "</text:p></draw:text-box></draw:frame>hidden</text:p>",
+               Style("paragraph", "P1", "none")),
+        "framed\r");
+}
+
 TEST(FlatText, LeavesDeletedTextOutAndKeepsInsertedText)
 {
     const std::string changes =

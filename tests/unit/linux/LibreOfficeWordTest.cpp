@@ -8,6 +8,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -238,6 +239,20 @@ TEST_F(Word, IsStartedWithoutWindowsInAProfileOfItsOwn)
               std::string::npos);
 }
 
+TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
+{
+    const int held = ::open(Document().c_str(), O_RDONLY);
+    constexpr int high = 200;
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(::dup2(held, high), high);
+    Soffice("ls -l /proc/$PPID/fd /proc/$$/fd > $record/files\n" + Gives("<text:p>abc</text:p>"));
+    Create()->Open(Document().string(), GoOn);
+    ::close(held);
+    ::close(high);
+    EXPECT_NE(Record("files").find("pipe:"), std::string::npos);
+    EXPECT_EQ(Record("files").find(Document().string() + "\n"), std::string::npos);
+}
+
 TEST_F(Word, TakesADocumentWhateverItsNameAndWhereverItStands)
 {
     Soffice("cp $document $record/content\n" + Gives("<text:p>abc</text:p>"));
@@ -396,15 +411,17 @@ TEST_F(Word, TheSocketOfOneThatIsKilledIsRemoved)
 TEST_F(Word, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
 {
     Soffice("sleep 600 & echo $! >> $record/pids\necho ready > $record/ready\nwait\n");
+    // With all of its process group, as a terminal does it.
     const pid_t program = ::fork();
     if (program == 0) {
+        ::setpgid(0, 0);
         ErrorOfOpening(*Create(), Document());
         ::_exit(0);
     }
     ASSERT_GT(program, 0);
     WaitForRecord("ready");
     EXPECT_EQ(Alive(), 2);
-    ::kill(program, SIGKILL);
+    ::kill(-program, SIGKILL);
     ::waitpid(program, nullptr, 0);
     for (int i = 0; i < 1000 && (Alive() > 0 || !fs::is_empty(folder_ / "temp")); ++i)
         std::this_thread::sleep_for(10ms);
