@@ -23,6 +23,7 @@ protected:
     frmMain form{fake.platform};
 
     MainFormTest() { BeginProgram(fake.platform, form); }
+    ~MainFormTest() override { WordApp.reset(); } // it belongs to this test's platform
 
     fakes::FakeCharacter& Start()
     {

@@ -19,6 +19,7 @@ protected:
     fakes::FakeMainWindow window{fake.log};
 
     ModuleTest() { BeginProgram(fake.platform, window); }
+    ~ModuleTest() override { WordApp.reset(); } // it belongs to this test's platform
 
     /// Loads settings and a character so that speech goes to it, and empties the log.
     fakes::FakeCharacter& WithCharacter()
