@@ -160,13 +160,16 @@ class Character(ProgramCase):
         self.assertEqual((x2 - x, y2 - y), (-300, -150))
 
 
+DISC = (200, 90, 40)
+
+
 def disc(side=120, radius=50):
     """A character that is one disc and never moves."""
     middle = side / 2
     rows = [bytes(1 if (x + 0.5 - middle) ** 2 + (y + 0.5 - middle) ** 2 < radius ** 2 else 0 for x in range(side))
             for y in range(side)]
     return make({**BLANK, "width": side, "height": side, "names": [(0x0409, "Disc", "", "")],
-                 "palette": [(1, 2, 3), (200, 90, 40)], "images": [image(side, rows)],
+                 "palette": [(1, 2, 3), DISC], "images": [image(side, rows)],
                  "animations": [animation("RestPose", [frame((0, 0, 0))])]}).data
 
 
@@ -177,19 +180,18 @@ class Sizes(ProgramCase):
         os.makedirs(folder, exist_ok=True)
         with open(os.path.join(folder, "Disc.acs"), "wb") as file:
             file.write(disc())
-        for size in (0, 1, 2):
+        for size, scale in ((0, 1), (1, 1), (2, 1), (1, 2)):
             self.desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, CharacterSize=size, CharacterPath=folder,
                                        LastCharacter="Disc")
-            self.start_and_settle()
+            self.start_and_settle(QT_SCALE_FACTOR=str(scale))
             window, (x, y, width, height) = self.character_window()
-            sizes[size] = (width, height)
+            sizes[size, scale] = (width, height)
             # It takes the mouse exactly where something is drawn: down its middle line, the first drawn pixel and those
             # above it.
             picture = self.desk.screenshot(box=(x, y, x + width, y + height))
-            nothing = picture.getpixel((0, 0))
-            drawn = next(row for row in range(height) if picture.getpixel((width // 2, row)) != nothing)
+            drawn = next(row for row in range(height) if picture.getpixel((width // 2, row)) == DISC)
             self.assertAlmostEqual(drawn, height * 10 / 120, delta=1)
-            seen = os.path.join(self.desk.home, f"events{size}")
+            seen = os.path.join(self.desk.home, f"events{size}{scale}")
             with open(seen, "wb") as out:
                 below = self.desk.spawn("xev", "-geometry", f"{width + 60}x{height + 20}+{x - 30}+{y - 40}", "-event",
                                         "button", stdout=out)
@@ -201,12 +203,12 @@ class Sizes(ProgramCase):
                     time.sleep(0.4)
                     with open(seen, encoding="utf-8", errors="replace") as file:
                         presses = file.read().count("ButtonPress")
-                    self.assertEqual(presses, beneath, f"size {size}, row {row - drawn} from the first drawn one")
+                    self.assertEqual(presses, beneath, f"size {size} at {scale}x, row {row - drawn} from the first drawn one")
             finally:
                 below.terminate()
                 below.wait()
             self.desk.end(self.program)
-        self.assertEqual(sizes, {0: (60, 60), 1: (120, 120), 2: (240, 240)})
+        self.assertEqual(sizes, {(0, 1): (60, 60), (1, 1): (120, 120), (2, 1): (240, 240), (1, 2): (240, 240)})
 
 
 if __name__ == "__main__":
