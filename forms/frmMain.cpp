@@ -194,6 +194,32 @@ void frmMain::SetVoiceControls(int pitch, int speed, int whisper)
     chkWhisper.Value = whisper;
 }
 
+void frmMain::CheckReminderMenus(bool enable, bool disable)
+{
+    mnuEReminders.Checked = enable;
+    mnuDReminders.Checked = disable;
+}
+
+std::unique_ptr<AlertWindow> frmMain::NewAlertWindow()
+{
+    throw ObjectNotSet();
+}
+
+std::unique_ptr<NoticeWindow> frmMain::NewNoticeWindow()
+{
+    throw ObjectNotSet();
+}
+
+ReminderEditor& frmMain::Editor()
+{
+    throw ObjectNotSet();
+}
+
+TipWindow& frmMain::Tip()
+{
+    throw ObjectNotSet();
+}
+
 void frmMain::cmdSpeak_Click()
 {
     const std::string text = Trim(txtText.Text.get());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "modules/MainWindow.h"
+#include "modules/Windows.h"
 #include "platform/Platform.h"
 
 #include <string>
@@ -16,6 +17,7 @@ public:
     explicit frmMain(Platform& platform);
 
     Timer SysTime{this, "SysTime", 1000, true};
+    Timer RemTimer{this, "RemTimer", 800, false};
     PictureBox TrayPict{this, "TrayPict", "voxmate"};
     CommandButton cmdDate{this, "cmdDate"};
     CommandButton cmdTime{this, "cmdTime"};
@@ -55,6 +57,12 @@ public:
     Menu mnuWord{this, &mnuSpeak, "mnuWord", "Open &Word Document to Read"};
     Menu mnuText{this, &mnuSpeak, "mnuText", "Open &Text Document to Read"};
 
+    Menu mnuReminder{this, nullptr, "mnuReminder", "&Reminders"};
+    Menu mnuShowAll{this, &mnuReminder, "mnuShowAll", "&Show All Reminders"};
+    Menu mnuEDRem{this, &mnuReminder, "mnuEDRem", "Enable/Disable &Reminders"};
+    Menu mnuEReminders{this, &mnuEDRem, "mnuEReminders", "&Enable Reminders"};
+    Menu mnuDReminders{this, &mnuEDRem, "mnuDReminders", "&Disable Reminders"};
+
     Menu mnuTray{this, nullptr, "mnuTray", "Tray"};
     Menu mnuTrayExit{this, &mnuTray, "mnuTrayExit", "&Exit"};
 
@@ -68,6 +76,14 @@ public:
     void SelectSpeechEngine(int index) override { comSpEng.ListIndex = index; }
     int SelectedSpeechEngine() const override { return comSpEng.ListIndex; }
     void SetVoiceControls(int pitch, int speed, int whisper) override;
+    void EnableReminderTimer(bool enabled) override { RemTimer.Enabled = enabled; }
+    bool ReminderTimerEnabled() const override { return RemTimer.Enabled; }
+    void CheckReminderMenus(bool enable, bool disable) override;
+    bool EnableRemindersChecked() const override { return mnuEReminders.Checked; }
+    std::unique_ptr<AlertWindow> NewAlertWindow() override;
+    std::unique_ptr<NoticeWindow> NewNoticeWindow() override;
+    ReminderEditor& Editor() override;
+    TipWindow& Tip() override;
 
 protected:
     void Form_Load() override;

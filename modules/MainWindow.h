@@ -1,11 +1,17 @@
 // What the modules need of the main window; frmMain implements it.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace voxmate
 {
+
+class AlertWindow;
+class NoticeWindow;
+class ReminderEditor;
+class TipWindow;
 
 class MainWindow
 {
@@ -25,6 +31,19 @@ public:
     virtual int SelectedSpeechEngine() const = 0;
     /// Sets the two bars and the check box, in this order; each change runs that control's handler.
     virtual void SetVoiceControls(int pitch, int speed, int whisper) = 0;
+
+    /// The reminder timer.
+    virtual void EnableReminderTimer(bool enabled) = 0;
+    virtual bool ReminderTimerEnabled() const = 0;
+    /// The check marks of the two menu items that switch reminders on and off.
+    virtual void CheckReminderMenus(bool enable, bool disable) = 0;
+    virtual bool EnableRemindersChecked() const = 0;
+
+    /// The other windows: a new announcement window; the reminder editor and the tip window, made when first asked for.
+    virtual std::unique_ptr<AlertWindow> NewAlertWindow() = 0;
+    virtual std::unique_ptr<NoticeWindow> NewNoticeWindow() = 0;
+    virtual ReminderEditor& Editor() = 0;
+    virtual TipWindow& Tip() = 0;
 };
 
 } // namespace voxmate

@@ -12,10 +12,14 @@ namespace voxmate
 
 // Message box styles and answers, with the numbers of the classic message box (winuser.h).
 inline constexpr int vbOKOnly = 0;
+inline constexpr int vbYesNoCancel = 3;
 inline constexpr int vbYesNo = 4;
 inline constexpr int vbCritical = 16;
+inline constexpr int vbQuestion = 32;
 inline constexpr int vbExclamation = 48;
+inline constexpr int vbDefaultButton2 = 256;
 inline constexpr int vbOK = 1;
+inline constexpr int vbCancel = 2;
 inline constexpr int vbYes = 6;
 inline constexpr int vbNo = 7;
 
@@ -69,8 +73,8 @@ using ItemList = std::uint32_t;
 class WindowSystem : public FormHost
 {
 public:
-    /// Shows a modal message box and returns the button pressed (vbOK, vbYes, vbNo). Closing a Yes/No box means No.
-    /// Timers and speech go on while it is up.
+    /// Shows a modal message box and returns the button pressed (vbOK, vbCancel, vbYes, vbNo). Closing a Yes/No box
+    /// means No, closing one with Cancel means Cancel. Timers and speech go on while it is up.
     virtual int MsgBox(const std::string& text, int style, const std::string& title) = 0;
     /// Lets pending events run once, then returns.
     virtual void DoEvents() = 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,7 +30,23 @@ enum class Property {
     Checked,
     Interval,
     Panels,
-    Default
+    Default,
+    Font,
+    BackColor,
+    Locked,
+    Selection
+};
+
+/// Colours of the desktop's theme, written as system-colour values (olectl.h): of a button's face and of a field.
+inline constexpr std::uint32_t vbButtonFace = 0x8000000F;
+inline constexpr std::uint32_t vbWindowBackground = 0x80000005;
+
+/// A font; what is empty or 0 is the desktop's own.
+struct FontSpec {
+    std::string Name;
+    double Size = 0; ///< points
+    bool Bold = false;
+    bool operator==(const FontSpec&) const = default;
 };
 
 /// The toolkit's side of a control.
@@ -130,8 +147,9 @@ public:
     {
     }
     Prop<std::string> Caption; ///< an ampersand marks the access key of `Buddy`
-    Control* Buddy = nullptr;  ///< the control this label names
-    bool Heading = false;      ///< shown large (a product's name)
+    Prop<FontSpec> Font{*this, Property::Font};
+    Control* Buddy = nullptr; ///< the control this label names
+    bool Heading = false;     ///< shown large (a product's name)
 };
 
 class CommandButton : public Control
@@ -144,6 +162,7 @@ public:
     Prop<std::string> Caption; ///< empty for a picture button
     std::string Picture;       ///< name of the icon, without folder and extension
     bool IsDefault = false;    ///< pressed by Enter
+    bool IsCancel = false;     ///< pressed by Escape
 
     Event Click;
     /// A mouse button was released over it (1 left, 2 right).
@@ -256,10 +275,24 @@ class TextBox : public Control
 public:
     using Control::Control;
     Prop<std::string> Text{*this, Property::Text};
+    Prop<bool> Locked{*this, Property::Locked, false}; ///< read-only, though it can be copied from
+    /// A system colour: vbButtonFace greys the field.
+    Prop<std::uint32_t> BackColor{*this, Property::BackColor, vbWindowBackground};
     bool MultiLine = false;
+    std::size_t MaxLength = 0; ///< characters that the user can put in; 0: any number
     std::string PlaceholderText;
     Event Change;
+    /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter): set it to 0 to swallow it.
+    /// Pasted text makes no key.
+    std::function<void(int& keyAscii)> KeyPress;
 
+    /// Runs KeyPress; false when the key was swallowed.
+    bool UserKeyPress(int keyAscii)
+    {
+        if (const auto handler = KeyPress)
+            handler(keyAscii);
+        return keyAscii != 0;
+    }
     void UserEdit(std::string text)
     {
         Text.Store(std::move(text));

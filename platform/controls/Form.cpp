@@ -41,11 +41,28 @@ void Menu::UnloadAll()
     owned_.clear();
 }
 
-Form::Form(FormHost& host, std::string name) : Name(std::move(name)), host_(host) {}
+namespace
+{
+
+WindowHandle NextHandle()
+{
+    static WindowHandle last = 0;
+    return ++last;
+}
+
+} // namespace
+
+Form::Form(FormHost& host, std::string name) : Name(std::move(name)), host_(host), handle_(NextHandle()) {}
 
 Form::~Form() = default;
 
-void Form::Show()
+WindowHandle Form::hWnd()
+{
+    Load();
+    return handle_;
+}
+
+void Form::Load()
 {
     if (!loaded_) {
         loaded_ = true;
@@ -53,6 +70,11 @@ void Form::Show()
     }
     if (!peer_)
         peer_ = host_.CreateFormPeer(*this);
+}
+
+void Form::Show()
+{
+    Load();
     shown_ = true;
     peer_->Show();
 }
@@ -66,8 +88,11 @@ void Form::Hide()
 
 void Form::Unload()
 {
+    if (loaded_) {
+        loaded_ = false;
+        Form_Unload();
+    }
     shown_ = false;
-    loaded_ = false;
     if (peer_)
         peer_->Hide();
     for (Control* control : controls_)

@@ -4,6 +4,7 @@
 #include "platform/controls/Control.h"
 #include "platform/controls/Layout.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,6 +14,9 @@ namespace voxmate
 {
 
 class Form;
+
+/// Names a form's window in the window system's calls; 0 names none.
+using WindowHandle = std::uint32_t;
 
 /// The toolkit's side of a form: a window with a peer for each control. Made by FormHost when the form is first shown.
 class FormPeer
@@ -50,15 +54,23 @@ public:
     const std::string Name;
     std::string Caption;
     BorderStyle Border = BorderStyle::FixedSingle;
+    bool ShowActivated = true; ///< a window shown takes the keyboard; without, it leaves it where it is
     Layout Arrangement;
     StatusBar* Status = nullptr; ///< shown at the foot, outside the arrangement
     std::vector<Menu*> MenuBar;  ///< the menus on the menu bar, in order
 
-    /// Shows the form; the first time its Form_Load runs before its window is made.
+    /// Runs Form_Load and makes the window, unless that has been done; shows nothing yet.
+    void Load();
+    /// Shows the form, loading it first.
     void Show();
     void Hide();
-    /// Destroys the window. The form can be shown again, which loads it anew.
+    /// Runs Form_Unload and destroys the window. The form can be shown again, which loads it anew.
     void Unload();
+    bool IsLoaded() const { return loaded_; }
+    /// The handle of the form's window; asking for it loads the form. It stays the same through the form's life.
+    WindowHandle hWnd();
+    /// The same, of a form that need not be loaded: for those who make its window.
+    WindowHandle Handle() const { return handle_; }
     bool IsShown() const { return shown_; }
     void Activate();
     void PopupMenu(Menu& menu, Control* at = nullptr);
@@ -74,11 +86,14 @@ protected:
     virtual void Form_Load() {}
     /// Set `cancel` to keep the window.
     virtual void Form_QueryUnload(bool& /*cancel*/) {}
+    /// The window is about to go.
+    virtual void Form_Unload() {}
 
 private:
     friend class Control;
     friend class Menu;
     FormHost& host_;
+    const WindowHandle handle_;
     std::vector<Control*> controls_;
     std::unique_ptr<FormPeer> peer_;
     bool loaded_ = false;

@@ -5,35 +5,22 @@
 #include "base/Text.h"
 #include "modules/Declarations.h"
 #include "platform/Platform.h"
+#include "tests/fakes/FakeFiles.h"
+#include "tests/fakes/FakeLog.h"
+#include "tests/fakes/FakeMainWindow.h"
+#include "tests/fakes/FakeWindows.h"
 #include "tests/fakes/FakeWord.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <deque>
-#include <fnmatch.h>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 namespace voxmate::fakes
 {
-
-/// What ending the program throws in a test. It is no exception of the program's own, so nothing there catches it.
-struct ProgramEnded {
-};
-
-using Log = std::vector<std::string>;
-
-inline std::string Hex(std::uint32_t value)
-{
-    char text[11];
-    std::snprintf(text, sizeof text, "0x%X", value);
-    return text;
-}
 
 class FakeSettingsStore : public SettingsStore
 {
@@ -289,193 +276,6 @@ public:
     std::string ModeID(int index) override { return engines.at(static_cast<std::size_t>(index - 1)).second; }
 };
 
-class FakeWindows : public WindowSystem
-{
-public:
-    explicit FakeWindows(Log& log) : log_(log) {}
-
-    struct Box {
-        std::string text;
-        int style;
-        std::string title;
-    };
-    std::vector<Box> boxes;
-    std::deque<int> answers; ///< of the next boxes; vbOK, or vbNo for a question, when there are none left
-    std::function<void(const Box&)> whileBoxIsUp;
-    std::function<void()> whilePending; ///< what DoEvents lets happen
-    std::string clipboard;
-
-    int MsgBox(const std::string& text, int style, const std::string& title) override
-    {
-        boxes.push_back({text, style, title});
-        log_.push_back("MsgBox " + title);
-        if (whileBoxIsUp)
-            whileBoxIsUp(boxes.back());
-        if (answers.empty())
-            return (style & vbYesNo) != 0 ? vbNo : vbOK;
-        const int answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
-    void DoEvents() override
-    {
-        log_.push_back("DoEvents");
-        if (whilePending)
-            whilePending();
-    }
-    std::string chosenFolder;        ///< what the user picks; empty: cancels
-    bool folderHasPath = true;       ///< false for an item list that stands for no folder on a disk
-    std::vector<BrowseInfo> browsed; ///< what the folder picker was asked to show
-    ItemList SHBrowseForFolderA(const BrowseInfo& info) override
-    {
-        log_.push_back("SHBrowseForFolderA " + info.title);
-        browsed.push_back(info);
-        return chosenFolder.empty() ? 0 : 77;
-    }
-    bool SHGetPathFromIDListA(ItemList list, std::string& path) override
-    {
-        log_.push_back("SHGetPathFromIDListA " + std::to_string(list));
-        path = chosenFolder;
-        return folderHasPath;
-    }
-    void CoTaskMemFree(ItemList list) override { log_.push_back("CoTaskMemFree " + std::to_string(list)); }
-    std::deque<std::optional<std::string>>
-        filesToOpen; ///< what the user chooses in the next open dialogs; none: cancels
-    std::function<void()> whileOpenDialogIsUp;
-    void ShowOpen(CommonDialog& dialog) override
-    {
-        log_.push_back("ShowOpen " + dialog.DialogTitle + " " + dialog.Filter);
-        if (whileOpenDialogIsUp)
-            whileOpenDialogIsUp();
-        std::optional<std::string> chosen;
-        if (!filesToOpen.empty()) {
-            chosen = filesToOpen.front();
-            filesToOpen.pop_front();
-        }
-        if (chosen)
-            dialog.FileName = *chosen;
-        else if (dialog.CancelError)
-            throw CancelSelected();
-    }
-    bool clipboardHasText = true; ///< false: empty, or a picture only
-    bool ClipboardGetFormat(int format) override { return format == vbCFText && clipboardHasText; }
-    std::string ClipboardGetText() override { return clipboardHasText ? clipboard : ""; }
-    void ClipboardClear() override
-    {
-        clipboard.clear();
-        clipboardHasText = false;
-    }
-    void ClipboardSetText(const std::string& text) override
-    {
-        clipboard = text;
-        clipboardHasText = true;
-    }
-    std::vector<std::pair<std::uint32_t, TrayIconData>> trayCalls;
-    bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override
-    {
-        log_.push_back("Shell_NotifyIconA " + std::to_string(message));
-        trayCalls.emplace_back(message, data);
-        return false;
-    }
-    std::uint32_t WindowHandle(PictureBox&) override { return 0x1234; }
-    std::uint32_t PictureHandle(PictureBox&) override { return 0x5678; }
-    double TwipsPerPixelX() override { return twipsPerPixel; }
-    double twipsPerPixel = 15;
-
-    std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override
-    {
-        return std::make_unique<WindowPeer>(form.Name, log_);
-    }
-
-private:
-    class WindowPeer : public FormPeer
-    {
-    public:
-        WindowPeer(std::string name, Log& log) : name_(std::move(name)), log_(log) {}
-        void Show() override { log_.push_back("Window " + name_ + " shown"); }
-        void Hide() override { log_.push_back("Window " + name_ + " hidden"); }
-        void Update(Property) override {}
-        void Activate() override { log_.push_back("Window " + name_ + " activated"); }
-        void PopupMenu(Menu& menu, Control*) override { log_.push_back("PopupMenu " + menu.Name); }
-
-    private:
-        std::string name_;
-        Log& log_;
-    };
-    Log& log_;
-};
-
-class FakeFiles : public FileSystem
-{
-public:
-    std::set<std::string> folders;                  ///< with the separator at the end
-    std::set<std::string> files;                    ///< full paths; those without a text below are empty
-    std::map<std::string, std::string> texts;       ///< full path -> content of a file that exists, too
-    std::map<std::string, RuntimeError> openErrors; ///< full path -> what opening its text raises
-    std::map<std::string, RuntimeError> readErrors; ///< full path -> what reading a line of it raises
-
-    std::string PathSeparator() override { return "\\"; }
-    bool FolderExists(const std::string& path) override { return folders.contains(path); }
-    bool FileExists(const std::string& path) override { return files.contains(path) || texts.contains(path); }
-    std::string GetBaseName(const std::string& path) override
-    {
-        const std::string name = path.substr(path.rfind('\\') + 1);
-        return name.substr(0, name.rfind('.'));
-    }
-    std::string GetExtensionName(const std::string& path) override
-    {
-        const std::string name = path.substr(path.rfind('\\') + 1);
-        const std::size_t dot = name.rfind('.');
-        return dot == std::string::npos ? "" : name.substr(dot + 1);
-    }
-    std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override
-    {
-        if (const auto error = openErrors.find(path); error != openErrors.end())
-            throw RuntimeError(error->second);
-        if (!FileExists(path))
-            throw FileNotFound();
-        const auto error = readErrors.find(path);
-        return std::make_unique<Stream>(texts[path],
-                                        error == readErrors.end() ? std::nullopt : std::optional(error->second));
-    }
-    std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override
-    {
-        std::vector<std::string> names;
-        for (const std::string& file : files) {
-            const std::string name = file.substr(file.rfind('\\') + 1);
-            if (file == folder + name && ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
-                names.push_back(name);
-        }
-        return names;
-    }
-
-private:
-    class Stream : public TextStream
-    {
-    public:
-        Stream(std::string text, std::optional<RuntimeError> error) : text_(std::move(text)), error_(std::move(error))
-        {
-        }
-        bool AtEndOfStream() override { return at_ == text_.size(); }
-        std::string ReadLine() override
-        {
-            if (error_)
-                throw RuntimeError(*error_);
-            if (AtEndOfStream())
-                throw InputPastEndOfFile();
-            const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
-            std::string line = text_.substr(at_, end - at_);
-            at_ = end + (text_.compare(end, 2, CrLf) == 0 ? 2 : end < text_.size() ? 1 : 0);
-            return line;
-        }
-
-    private:
-        std::string text_;
-        std::size_t at_ = 0;
-        std::optional<RuntimeError> error_;
-    };
-};
-
 class FakeProcess : public Process
 {
 public:
@@ -519,40 +319,6 @@ class FakeClock : public Clock
 public:
     DateTime now{1975, 3, 17, 14, 5, 9};
     DateTime Now() override { return now; }
-};
-
-/// A main window without a window, for tests of the modules alone.
-class FakeMainWindow : public MainWindow
-{
-public:
-    explicit FakeMainWindow(Log& log) : log_(log) {}
-    std::vector<std::string> statuses;
-    std::string characterPanel;
-    std::vector<std::string> characters;
-    std::string checked;
-    std::vector<std::string> engines;
-    int selectedEngine = -1;
-
-    void Show() override { log_.push_back("MainWindow shown"); }
-    void SetStatus(const std::string& text) override
-    {
-        statuses.push_back(text);
-        log_.push_back("Status " + text);
-    }
-    void SetCharacterPanel(const std::string& text) override { characterPanel = text; }
-    void ListCharacters(const std::vector<std::string>& names) override { characters = names; }
-    void CheckCharacter(const std::string& name) override { checked = name; }
-    void AddSpeechEngine(const std::string& name) override { engines.push_back(name); }
-    void SelectSpeechEngine(int index) override { selectedEngine = index; }
-    int SelectedSpeechEngine() const override { return selectedEngine; }
-    void SetVoiceControls(int pitch, int speed, int whisper) override
-    {
-        log_.push_back("VoiceControls " + std::to_string(pitch) + " " + std::to_string(speed) + " " +
-                       std::to_string(whisper));
-    }
-
-private:
-    Log& log_;
 };
 
 /// All of them, wired into one Platform, with two engines and two characters in place.

@@ -1,0 +1,82 @@
+// What the peers of all controls that are widgets have in common.
+#pragma once
+
+#include "platform/qt/ControlPeers.h"
+#include "platform/qt/QtText.h"
+
+#include <QObject>
+#include <QString>
+#include <QTextDocument>
+#include <QWidget>
+
+namespace voxmate::qt
+{
+
+/// Text for a tool tip: plain, even where it looks like markup.
+inline QString PlainToolTip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+}
+
+/// What all widgets have in common. `C` is the control, `W` its widget, which the form's window owns: it outlives the
+/// peer when the form goes in the middle of one of the widget's own events.
+template <class C, class W>
+class Common : public WidgetPeer
+{
+public:
+    Common(C& control, W* widget) : control_(control), widget_(widget)
+    {
+        control_.SetPeer(this);
+        widget_->setObjectName(ToQt(control_.Name));
+        UpdateCommon(Property::Enabled);
+        UpdateCommon(Property::Visible);
+        UpdateCommon(Property::ToolTipText);
+        UpdateAccessibleName();
+    }
+
+    QWidget* Widget() const override { return widget_; }
+
+    void Update(Property property) override { UpdateCommon(property); }
+
+protected:
+    void UpdateCommon(Property property)
+    {
+        switch (property) {
+        case Property::Enabled:
+            widget_->setEnabled(control_.Enabled);
+            break;
+        case Property::Visible:
+            widget_->setVisible(control_.Visible);
+            break;
+        case Property::ToolTipText:
+            widget_->setToolTip(PlainToolTip(ToQt(control_.ToolTipText)));
+            UpdateAccessibleName();
+            break;
+        case Property::Caption:
+            UpdateAccessibleName();
+            break;
+        default:
+            break;
+        }
+    }
+
+    C& control_;
+    W* widget_;
+    /// Receiver of the widget's signals: they end with the peer.
+    QObject context_;
+
+private:
+    void UpdateAccessibleName()
+    {
+        QString name = ToQt(control_.AccessibleName);
+        if constexpr (requires { control_.Caption; }) {
+            if (!control_.Caption.get().empty())
+                name = WithoutAccessKey(ToQt(control_.Caption));
+        }
+        if (name.isEmpty())
+            name = ToQt(control_.ToolTipText);
+        widget_->setAccessibleName(name);
+    }
+};
+
+} // namespace voxmate::qt
