@@ -34,7 +34,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     Caption = "Voxmate";
     Border = BorderStyle::FixedSingle;
     Status = &stsBar;
-    MenuBar = {&mnuFile, &mnuSpeak};
+    MenuBar = {&mnuFile, &mnuSpeak, &mnuReminder, &mnuHelpMain};
 
     txtText.MultiLine = true;
     txtText.AccessibleName = "Text to read";
@@ -51,6 +51,8 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     cmdText.ToolTipText = "Open and Read a Text Document";
     cmdWord.Picture = "word";
     cmdWord.ToolTipText = "Open and Read a Word Document";
+    cmdOptions.Picture = "options";
+    cmdOptions.ToolTipText = "User Options";
     cmdSpeak.Picture = "speak";
     cmdSpeak.ToolTipText = "Speak the textbox text";
     cmdStop.Picture = "stop";
@@ -89,6 +91,22 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     scrPitch.Change = [this] { scrPitch_Change(); };
     scrSpeed.Change = [this] { scrSpeed_Change(); };
     chkWhisper.Click = [this] { chkWhisper_Click(); };
+    cmdOptions.Click = [this] { cmdOptions_Click(); };
+    mnuTip.Click = [this] { mnuTip_Click(); };
+    mnuOptions.Click = [this] { mnuOptions_Click(); };
+    mnuSysTray.Click = [this] { mnuSysTray_Click(); };
+    RemTimer.Tick = [this] { RemTimer_Timer(); };
+    mnuShowAll.Click = [this] { mnuShowAll_Click(); };
+    mnuEReminders.Click = [this] { mnuEReminders_Click(); };
+    mnuDReminders.Click = [this] { mnuDReminders_Click(); };
+    mnuHelp.Click = [this] { mnuHelp_Click(); };
+    // Where character files come from, how to install them, how to make one; how to install voices, and which.
+    mnuDownChar1.Click = [] { OpenUrl(HelpPage("characters")); };
+    mnuDownChar2.Click = [] { OpenUrl(HelpPage("installing")); };
+    mnuDownChar3.Click = [] { OpenUrl(HelpPage("making")); };
+    mnuSpEng1.Click = [] { OpenUrl(HelpPage("installing")); };
+    mnuSpEng2.Click = [] { OpenUrl(HelpPage("voices")); };
+    mnuAbout.Click = [this] { mnuAbout_Click(); };
     mnuExit.Click = [this] { mnuExit_Click(); };
     mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
@@ -103,7 +121,7 @@ void frmMain::Arrange()
                  Item(lblVoiceName), Item(chkWhisper)});
     Arrangement = Column({
         Row({Item(cmdDate), Item(cmdTime), Item(cmdClip), Item(cmdCharIntro), Item(cmdText), Item(cmdWord), Space(),
-             Item(cmdCharacter)}),
+             Item(cmdOptions), Item(cmdCharacter)}),
         Row({Item(txtText).Stretch(1).Min(420, 120), Column({Item(cmdSpeak), Item(cmdStop), Space()})}),
         Framed(Frame2, std::move(voice)),
     });
@@ -154,16 +172,36 @@ void frmMain::AddTrayIcon()
     Hide();
 }
 
+int frmMain::MouseMessage(double x) const
+{
+    return static_cast<int>(RoundHalfEven(x / platform_.Windows.TwipsPerPixelX()));
+}
+
 // The icon's mouse messages arrive as moves over the picture box, the message in place of x.
 void frmMain::TrayPict_MouseMove(double x)
 {
-    const auto message = RoundHalfEven(x / platform_.Windows.TwipsPerPixelX());
+    const int message = MouseMessage(x);
     if (message == WM_LBUTTONDBLCLK) {
         Form::Show();
     } else if (message == WM_RBUTTONUP) {
         Activate();
         PopupMenu(mnuTray);
     }
+}
+
+// Moves over the window itself are read the same way: the two columns are those messages' numbers.
+void frmMain::Form_MouseMove(double x)
+{
+    const int message = MouseMessage(x);
+    if (message == WM_LBUTTONDBLCLK)
+        Form::Show();
+    else if (message == WM_RBUTTONUP)
+        PopupMenu(mnuTrayExit);
+}
+
+void frmMain::mnuSysTray_Click()
+{
+    AddTrayIcon();
 }
 
 void frmMain::mnuTrayExit_Click()
@@ -314,6 +352,31 @@ void frmMain::mnuPlayWav_Click()
     OpenAndPlayWave();
 }
 
+void frmMain::cmdOptions_Click()
+{
+}
+
+void frmMain::mnuOptions_Click()
+{
+    cmdOptions_Click();
+}
+
+void frmMain::mnuTip_Click()
+{
+}
+
+void frmMain::mnuAbout_Click()
+{
+}
+
+void frmMain::mnuHelp_Click()
+{
+    MessageText = "Help will be available very soon. Author is preparing the help.";
+    ShowMessage(MessageText, "Suggest");
+    platform_.Windows.MsgBox(MessageText, vbInformation, "Voxmate - Help");
+    IsBusy = False;
+}
+
 void frmMain::cmdCharacter_Click()
 {
     if (Character)
@@ -374,6 +437,22 @@ void frmMain::SysTime_Timer()
         SpeakTimeCounter = 0;
         cmdTime_Click();
     }
+}
+
+void frmMain::RemTimer_Timer()
+{
+}
+
+void frmMain::mnuShowAll_Click()
+{
+}
+
+void frmMain::mnuEReminders_Click()
+{
+}
+
+void frmMain::mnuDReminders_Click()
+{
 }
 
 void frmMain::AgentX_Click(int button)

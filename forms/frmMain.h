@@ -25,6 +25,7 @@ public:
     CommandButton cmdCharIntro{this, "cmdCharIntro"};
     CommandButton cmdText{this, "cmdText"};
     CommandButton cmdWord{this, "cmdWord"};
+    CommandButton cmdOptions{this, "cmdOptions"};
     CommandButton cmdCharacter{this, "cmdCharacter"};
     TextBox txtText{this, "txtText"};
     CommandButton cmdSpeak{this, "cmdSpeak"};
@@ -45,7 +46,11 @@ public:
     Menu mnuFile{this, nullptr, "mnuFile", "&File"};
     Menu mnuMainChar{this, &mnuFile, "mnuMainChar", "&Characters"};
     Menu mnuPlayWav{this, &mnuFile, "mnuPlayWav", "&Play a WAV File"};
+    Menu mnuTip{this, &mnuFile, "mnuTip", "&Tip of the Day"};
+    Menu mnuSep2{this, &mnuFile, "mnuSep2", "-"};
+    Menu mnuOptions{this, &mnuFile, "mnuOptions", "&Options"};
     Menu mnuSep1{this, &mnuFile, "mnuSep1", "-"};
+    Menu mnuSysTray{this, &mnuFile, "mnuSysTray", "Put in &System Tray"};
     Menu mnuExit{this, &mnuFile, "mnuExit", "&Exit"};
 
     Menu mnuSpeak{this, nullptr, "mnuSpeak", "&Speak"};
@@ -62,6 +67,19 @@ public:
     Menu mnuEDRem{this, &mnuReminder, "mnuEDRem", "Enable/Disable &Reminders"};
     Menu mnuEReminders{this, &mnuEDRem, "mnuEReminders", "&Enable Reminders"};
     Menu mnuDReminders{this, &mnuEDRem, "mnuDReminders", "&Disable Reminders"};
+
+    Menu mnuHelpMain{this, nullptr, "mnuHelpMain", "&Help"};
+    Menu mnuHelp{this, &mnuHelpMain, "mnuHelp", "&Help"};
+    Menu mnuSep4{this, &mnuHelpMain, "mnuSep4", "-"};
+    Menu mnuDownChar{this, &mnuHelpMain, "mnuDownChar", "Download More &Characters"};
+    Menu mnuDownChar1{this, &mnuDownChar, "mnuDownChar1", "site1"};
+    Menu mnuDownChar2{this, &mnuDownChar, "mnuDownChar2", "site2"};
+    Menu mnuDownChar3{this, &mnuDownChar, "mnuDownChar3", "site3"};
+    Menu mnuSpEng{this, &mnuHelpMain, "mnuSpEng", "Download More &Voice Types"};
+    Menu mnuSpEng1{this, &mnuSpEng, "mnuSpEng1", "site1"};
+    Menu mnuSpEng2{this, &mnuSpEng, "mnuSpEng2", "site2"};
+    Menu mnuSep5{this, &mnuHelpMain, "mnuSep5", "-"};
+    Menu mnuAbout{this, &mnuHelpMain, "mnuAbout", "&About Voxmate"};
 
     Menu mnuTray{this, nullptr, "mnuTray", "Tray"};
     Menu mnuTrayExit{this, &mnuTray, "mnuTrayExit", "&Exit"};
@@ -88,6 +106,7 @@ public:
 protected:
     void Form_Load() override;
     void Form_QueryUnload(bool& cancel) override;
+    void Form_MouseMove(double x) override;
 
 private:
     Platform& platform_;
@@ -95,7 +114,9 @@ private:
     TrayIconData trayIconData_;
 
     void AddTrayIcon();
+    int MouseMessage(double x) const;
     void TrayPict_MouseMove(double x);
+    void mnuSysTray_Click();
     void mnuTrayExit_Click();
     void ConnectAgent();
     void Arrange();
@@ -114,6 +135,11 @@ private:
     void mnuWord_Click();
     void mnuText_Click();
     void mnuPlayWav_Click();
+    void cmdOptions_Click();
+    void mnuOptions_Click();
+    void mnuTip_Click();
+    void mnuHelp_Click();
+    void mnuAbout_Click();
     void cmdCharacter_Click();
     void cmdCharacter_MouseUp(int button);
     void comSpEng_Click();
@@ -123,6 +149,10 @@ private:
     void mnuChar_Click(const std::string& caption);
     void mnuExit_Click();
     void SysTime_Timer();
+    void RemTimer_Timer();
+    void mnuShowAll_Click();
+    void mnuEReminders_Click();
+    void mnuDReminders_Click();
     void AgentX_Click(int button);
     void AgentX_RequestComplete(const AgentRequestPtr& request);
     void AgentX_Command(const std::string& name);

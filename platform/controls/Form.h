@@ -81,11 +81,14 @@ public:
 
     /// The user asks to close the window: runs Form_QueryUnload and, when it was not cancelled, Unload.
     void UserClose();
+    /// The pointer moved over the form itself, not over a control; x in twips from the left edge of its content.
+    void UserMouseMove(double x) { Form_MouseMove(x); }
 
 protected:
     virtual void Form_Load() {}
     /// Set `cancel` to keep the window.
     virtual void Form_QueryUnload(bool& /*cancel*/) {}
+    virtual void Form_MouseMove(double /*x*/) {}
     /// The window is about to go.
     virtual void Form_Unload() {}
 

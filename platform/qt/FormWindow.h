@@ -29,6 +29,18 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 };
 
+/// What an ordinary window holds. It tells of the pointer's moves over itself, x in its own pixels.
+class FormArea : public QWidget
+{
+public:
+    explicit FormArea(QWidget* parent) : QWidget(parent) { setMouseTracking(true); }
+
+    std::function<void(double x)> OnMouseMove;
+
+protected:
+    void mouseMoveEvent(QMouseEvent* event) override;
+};
+
 /// A card without a frame, above all other windows. Its corners are translucent with a compositor, else cut out.
 class SplashWindow : public QWidget
 {

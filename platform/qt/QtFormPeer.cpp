@@ -2,6 +2,7 @@
 
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/QtTray.h"
 #include "platform/qt/Widgets.h"
 
 #include <QCursor>
@@ -57,6 +58,7 @@ QtFormPeer::~QtFormPeer()
     if (auto* window = dynamic_cast<FormWindow*>(window_)) {
         window->OnClose = nullptr;
         window->OnEnter = nullptr;
+        static_cast<FormArea*>(content_)->OnMouseMove = nullptr;
     }
     window_->deleteLater();
 }
@@ -65,7 +67,9 @@ FormWindow* QtFormPeer::MakeFormWindow()
 {
     auto* window = new FormWindow(form_.Border);
     window_ = window;
-    content_ = new QWidget(window);
+    auto* area = new FormArea(window);
+    area->OnMouseMove = [this](double x) { form_.UserMouseMove(x * TwipsPerPixel()); };
+    content_ = area;
     QLayout* layout = BuildAll();
     layout->setContentsMargins(WindowMargin, WindowMargin, WindowMargin,
                                form_.Status ? WindowMargin / 2 : WindowMargin);
@@ -311,8 +315,14 @@ void QtFormPeer::PopupMenu(Menu& menu, Control* at)
     if (!menus_.contains(top))
         return;
     auto* peer = static_cast<MenuPeer*>(menu.GetPeer());
-    QMenu* popup = peer ? peer->Submenu() : nullptr;
-    if (!popup || popup->isEmpty())
+    if (!peer)
+        return;
+    // An item without items of its own is shown as a menu of one.
+    QMenu alone(window_);
+    if (!peer->Submenu())
+        alone.addAction(peer->Action());
+    QMenu* popup = peer->Submenu() ? peer->Submenu() : &alone;
+    if (popup->isEmpty())
         return;
     const QWidget* beside = WidgetOf(at);
     popup->exec(beside ? beside->mapToGlobal(QPoint(0, beside->height())) : QCursor::pos());

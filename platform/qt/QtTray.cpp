@@ -2,9 +2,10 @@
 
 #include "platform/qt/QtText.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QGuiApplication>
-#include <QScreen>
-#include <QTimer>
+#include <QStyleHints>
 
 #include <algorithm>
 
@@ -15,6 +16,23 @@ namespace
 {
 
 constexpr double TwipsPerInch = 1440;
+
+// How often to look whether the notification area is still there while the window is hidden; milliseconds.
+constexpr int WatchInterval = 2000;
+
+/// Whether something on the session's bus keeps status-notifier icons (freedesktop.org StatusNotifierItem, with the
+/// name that it has come to be used under).
+bool NotifierWatched()
+{
+    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
+    return bus && bus->isServiceRegistered(QStringLiteral("org.kde.StatusNotifierWatcher"));
+}
+
+void Iconify(QWidget& window)
+{
+    if (!window.isVisible())
+        window.showMinimized();
+}
 
 } // namespace
 
@@ -36,39 +54,52 @@ std::uint32_t QtTray::HandleOf(PictureBox& box)
     return handle;
 }
 
-void QtTray::Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box) const
+void QtTray::Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box)
 {
-    if (reason == QSystemTrayIcon::DoubleClick)
+    // A status notifier tells of clicks alone: two in quick succession are a double click.
+    const bool click = reason == QSystemTrayIcon::Trigger;
+    const bool second = click && viaNotifier_ && lastClick_.isValid() &&
+                        lastClick_.elapsed() <= QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    if (reason == QSystemTrayIcon::DoubleClick || second) {
+        lastClick_.invalidate();
         box.UserMouseMove(WM_LBUTTONDBLCLK * TwipsPerPixel());
-    else if (reason == QSystemTrayIcon::Context)
+    } else if (reason == QSystemTrayIcon::Context) {
         box.UserMouseMove(WM_RBUTTONUP * TwipsPerPixel());
+    } else if (click) {
+        lastClick_.start();
+    }
 }
 
 bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* window)
 {
     if (message == NIM_DELETE) {
         const bool was = icon_ != nullptr;
+        watch_.stop();
         icon_.reset();
         return was;
     }
     if (message != NIM_ADD)
         return false;
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
-        QTimer::singleShot(0, window, [window] {
-            if (!window->isVisible())
-                window->showMinimized();
-        });
+        QTimer::singleShot(0, window, [window] { Iconify(*window); });
         return false;
     }
     const auto box = boxes_.find(data.window);
     const auto picture = boxes_.find(data.icon);
     if (icon_ || box == boxes_.end() || picture == boxes_.end())
         return false;
+    viaNotifier_ = NotifierWatched();
     icon_ = std::make_unique<QSystemTrayIcon>(icons_.Icon(ToQt(picture->second->Picture)));
     icon_->setToolTip(QString::fromUtf8(data.tip.data()));
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                      [this, receiver = box->second](auto reason) { Activated(reason, *receiver); });
     icon_->show();
+    watch_.disconnect();
+    QObject::connect(&watch_, &QTimer::timeout, window, [this, window] {
+        if (!window->isVisible() && !(viaNotifier_ ? NotifierWatched() : QSystemTrayIcon::isSystemTrayAvailable()))
+            Iconify(*window);
+    });
+    watch_.start(WatchInterval);
     return true;
 }
 

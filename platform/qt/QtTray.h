@@ -4,8 +4,9 @@
 #include "platform/WindowSystem.h"
 #include "platform/qt/IconSet.h"
 
-#include <QPointer>
+#include <QElapsedTimer>
 #include <QSystemTrayIcon>
+#include <QTimer>
 #include <QWidget>
 
 #include <map>
@@ -19,18 +20,21 @@ class QtTray
 public:
     explicit QtTray(const IconSet& icons) : icons_(icons) {}
 
-    /// As WindowSystem says. Where the desktop has no such area, `window` comes back iconified once it has been hidden,
-    /// so that nobody loses it.
+    /// As WindowSystem says. Where the desktop has no such area, or loses it, `window` comes back iconified once it has
+    /// been hidden, so that nobody loses it.
     bool Notify(std::uint32_t message, const TrayIconData& data, QWidget* window);
     /// A number that stands for this picture box from now on.
     std::uint32_t HandleOf(PictureBox& box);
 
 private:
-    void Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box) const;
+    void Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box);
 
     const IconSet& icons_;
     std::map<std::uint32_t, PictureBox*> boxes_;
     std::unique_ptr<QSystemTrayIcon> icon_;
+    QTimer watch_; ///< looks whether the area is still there
+    QElapsedTimer lastClick_;
+    bool viaNotifier_ = false; ///< the icon is one of the status-notifier kind
 };
 
 /// Twips a pixel of the primary screen.
