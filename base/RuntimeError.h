@@ -43,13 +43,37 @@ inline RuntimeError DeviceIOError()
 {
     return {57, "Device I/O error"};
 }
+inline RuntimeError FileAlreadyExists()
+{
+    return {58, "File already exists"};
+}
+inline RuntimeError BadRecordLength()
+{
+    return {59, "Bad record length"};
+}
+inline RuntimeError DiskFull()
+{
+    return {61, "Disk full"};
+}
 inline RuntimeError InputPastEndOfFile()
 {
     return {62, "Input past end of file"};
 }
+inline RuntimeError BadRecordNumber()
+{
+    return {63, "Bad record number"};
+}
 inline RuntimeError PermissionDenied()
 {
     return {70, "Permission denied"};
+}
+inline RuntimeError PathFileAccessError()
+{
+    return {75, "Path/File access error"};
+}
+inline RuntimeError PathNotFound()
+{
+    return {76, "Path not found"};
 }
 inline RuntimeError CannotCreateObject()
 {

@@ -1,11 +1,19 @@
 #include "forms/frmMain.h"
 
 #include "base/Text.h"
+#include "forms/frmAbout.h"
+#include "forms/frmAlertWindow.h"
+#include "forms/frmOptions.h"
+#include "forms/frmReminder.h"
+#include "forms/frmShowRem.h"
+#include "forms/frmTip.h"
 #include "modules/Declarations.h"
 #include "modules/Format.h"
 #include "modules/Functions.h"
 #include "modules/Messages.h"
 #include "modules/Registry.h"
+#include "modules/Reminders.h"
+#include "modules/Tips.h"
 
 #include <algorithm>
 #include <string_view>
@@ -95,7 +103,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuTip.Click = [this] { mnuTip_Click(); };
     mnuOptions.Click = [this] { mnuOptions_Click(); };
     mnuSysTray.Click = [this] { mnuSysTray_Click(); };
-    RemTimer.Tick = [this] { RemTimer_Timer(); };
+    RemTimer.Tick = [] { RemTimer_Timer(); };
     mnuShowAll.Click = [this] { mnuShowAll_Click(); };
     mnuEReminders.Click = [this] { mnuEReminders_Click(); };
     mnuDReminders.Click = [this] { mnuDReminders_Click(); };
@@ -111,6 +119,12 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
     ConnectAgent();
+}
+
+// The announcement windows are this platform's, too.
+frmMain::~frmMain()
+{
+    ResetReminders();
 }
 
 void frmMain::Arrange()
@@ -240,22 +254,30 @@ void frmMain::CheckReminderMenus(bool enable, bool disable)
 
 std::unique_ptr<AlertWindow> frmMain::NewAlertWindow()
 {
-    throw ObjectNotSet();
+    return std::make_unique<frmAlertWindow>(platform_);
 }
 
 std::unique_ptr<NoticeWindow> frmMain::NewNoticeWindow()
 {
-    throw ObjectNotSet();
+    return std::make_unique<frmShowRem>(platform_);
 }
 
 ReminderEditor& frmMain::Editor()
 {
-    throw ObjectNotSet();
+    return Made(reminderForm_);
 }
 
 TipWindow& frmMain::Tip()
 {
-    throw ObjectNotSet();
+    return Made(tipForm_);
+}
+
+template <class F>
+F& frmMain::Made(std::unique_ptr<F>& form)
+{
+    if (!form)
+        form = std::make_unique<F>(platform_);
+    return *form;
 }
 
 void frmMain::cmdSpeak_Click()
@@ -354,6 +376,7 @@ void frmMain::mnuPlayWav_Click()
 
 void frmMain::cmdOptions_Click()
 {
+    Made(optionsForm_).Show();
 }
 
 void frmMain::mnuOptions_Click()
@@ -363,10 +386,13 @@ void frmMain::mnuOptions_Click()
 
 void frmMain::mnuTip_Click()
 {
+    Tip().ShowTip();
+    ShowTipOfTheDay(false);
 }
 
 void frmMain::mnuAbout_Click()
 {
+    Made(aboutForm_).Show();
 }
 
 void frmMain::mnuHelp_Click()
@@ -439,20 +465,19 @@ void frmMain::SysTime_Timer()
     }
 }
 
-void frmMain::RemTimer_Timer()
-{
-}
-
 void frmMain::mnuShowAll_Click()
 {
+    ShowAllReminders();
 }
 
 void frmMain::mnuEReminders_Click()
 {
+    EnableReminders();
 }
 
 void frmMain::mnuDReminders_Click()
 {
+    DisableReminders();
 }
 
 void frmMain::AgentX_Click(int button)

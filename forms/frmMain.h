@@ -5,16 +5,23 @@
 #include "modules/Windows.h"
 #include "platform/Platform.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace voxmate
 {
 
+class frmAbout;
+class frmOptions;
+class frmReminder;
+class frmTip;
+
 class frmMain : public Form, public MainWindow
 {
 public:
     explicit frmMain(Platform& platform);
+    ~frmMain() override;
 
     Timer SysTime{this, "SysTime", 1000, true};
     Timer RemTimer{this, "RemTimer", 800, false};
@@ -112,7 +119,15 @@ private:
     Platform& platform_;
 
     TrayIconData trayIconData_;
+    // Made when they are first shown.
+    std::unique_ptr<frmReminder> reminderForm_;
+    std::unique_ptr<frmOptions> optionsForm_;
+    std::unique_ptr<frmTip> tipForm_;
+    std::unique_ptr<frmAbout> aboutForm_;
 
+    /// The form, made if there is none yet.
+    template <class F>
+    F& Made(std::unique_ptr<F>& form);
     void AddTrayIcon();
     int MouseMessage(double x) const;
     void TrayPict_MouseMove(double x);
@@ -149,7 +164,6 @@ private:
     void mnuChar_Click(const std::string& caption);
     void mnuExit_Click();
     void SysTime_Timer();
-    void RemTimer_Timer();
     void mnuShowAll_Click();
     void mnuEReminders_Click();
     void mnuDReminders_Click();

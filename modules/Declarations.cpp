@@ -1,6 +1,9 @@
 #include "modules/Declarations.h"
 
+#include "modules/AlertSlots.h"
 #include "modules/Registry.h"
+#include "modules/Reminders.h"
+#include "modules/Tips.h"
 
 namespace voxmate
 {
@@ -91,6 +94,10 @@ void BeginProgram(Platform& platform, MainWindow& window)
     AnimateEnded = nullptr;
     SpeakTimeCounter = 0;
     ShellTaskId = 0;
+    // First: an alert window that goes gives its place back.
+    ResetReminders();
+    AlertSlotMask = 0;
+    ResetTips();
 }
 
 } // namespace voxmate

@@ -5,6 +5,8 @@
 #include "modules/Messages.h"
 #include "modules/Registry.h"
 
+#include <utility>
+
 namespace voxmate
 {
 
@@ -144,6 +146,19 @@ void FindCharacters(bool fromOptions)
         if (!Host().Files.FileExists(Settings.CharacterPath + Settings.LastCharacter + extension))
             Settings.LastCharacter = names.front();
     });
+}
+
+void ChangeCharacterPath(const std::string& path)
+{
+    const std::string loaded = Settings.LastCharacter;
+    SearchPath = path;
+    FindCharacters(true);
+    SearchPath = Settings.CharacterPath;
+    const std::string next = std::exchange(Settings.LastCharacter, loaded);
+    if (!Character || next != loaded)
+        LoadCharacter(next, false);
+    else
+        Main().CheckCharacter(loaded);
 }
 
 void LoadCharacter(const std::string& name, bool atStartUp)

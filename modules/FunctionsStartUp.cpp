@@ -2,6 +2,9 @@
 #include "base/Text.h"
 #include "modules/Declarations.h"
 #include "modules/Functions.h"
+#include "modules/Reminders.h"
+#include "modules/Tips.h"
+#include "modules/Windows.h"
 
 #include <algorithm>
 #include <string_view>
@@ -51,6 +54,10 @@ void StartMain()
     Main().Show();
     Host().Windows.DoEvents();
     RunStartUp();
+    if (Settings.ShowTipAtStartUp == 1) {
+        Main().Tip().ShowTip();
+        ShowTipOfTheDay(true);
+    }
 }
 
 void RunStartUp()
@@ -72,6 +79,9 @@ void RunStartUp()
     Main().SetStatus(StatusIdle);
     Main().SetVoiceControls(Settings.Pitch, Settings.Speed, Settings.Whisper);
     ReportSettingsInError();
+    ResetReminders();
+    Main().CheckReminderMenus(true, false);
+    LoadReminders(false, 0);
     if (Settings.ShowCharacterAtStart == 1)
         GreetAndIntroduce(true);
 }

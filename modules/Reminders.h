@@ -2,9 +2,12 @@
 #pragma once
 
 #include "base/Checked.h"
+#include "modules/Windows.h"
 #include "platform/Clock.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +27,11 @@ extern std::int16_t RemCount;
 /// The last load found the file valid.
 extern Boolean RemindersValid;
 
+/// The announcement windows, entry k for reminder k; empty until there is one. They only grow: what is beyond RemCount
+/// belongs to reminders that were deleted and may still be on the screen.
+extern std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
+extern std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
+
 /// One reminder as the editor has it.
 struct Reminder {
     std::string Title;
@@ -34,28 +42,48 @@ struct Reminder {
     std::int16_t Minute = 0;
     std::string Description;
     bool Done = false;
+    bool operator==(const Reminder&) const = default;
 };
+
+/// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a reminder is
+/// deleted, and a reminder is changed, while its announcement stands there: the answer must not go to another one.
+extern std::vector<std::optional<Reminder>> RemAnnounced;
 
 /// Empties the list and its windows.
 void ResetReminders();
 
+/// Announces a message through the character, shows it in a box of this style titled "Voxmate - Reminders" and returns
+/// the button pressed.
+int ReminderMessage(const std::string& text, int style, const std::string& animation1 = {},
+                    const std::string& animation2 = {}, const std::string& animation3 = {},
+                    const std::string& animation4 = {});
+
 // The file.
 
 /// Reads the whole file into the list and switches the reminder timer accordingly; tells the user of an invalid file.
-/// With `fillList` the editor's list is filled, too, and its item `selectIndex` (0 means 1) selected.
+/// With `fillList` the editor's list is filled, too, and its item `selectIndex` (0 means 1) selected. A file that
+/// cannot be read is told of in a box and leaves reminders off. A save that was cut off between the old file and the
+/// new one is completed first.
 void LoadReminders(bool fillList, std::int16_t selectIndex);
 /// Writes the whole list to the file, leaving out entry `skipIndex` (0: none). Raises run-time error 59 "Bad record
-/// length" when an entry does not fit its slot of 128 bytes, and the file system's errors; the file is then as before.
+/// length" when an entry does not fit its slot of 128 bytes, and the file system's errors; the file is then as before,
+/// or its temporary copy holds all that was to be saved.
 void SaveReminders(std::int16_t skipIndex);
 /// Writes one reminder behind the last one of the file, in place. Raises the same errors.
 void AppendReminder(const Reminder& reminder);
+/// The same for event handlers. Where that fails, or the list is not what the file holds because the last load found it
+/// invalid, nothing is lost: the list is read anew from the file, a box says what could not be saved and why, and the
+/// answer is false.
+bool TrySaveReminders(std::int16_t skipIndex);
+bool TryAppendReminder(const Reminder& reminder);
 /// Puts new values into entry `id` of the list.
 void StoreReminder(std::int16_t id, const Reminder& reminder);
 /// Puts entry `id` into the editor's fields.
 void ShowReminderInEditor(std::int16_t id);
 /// Whether a text is a time of day of the form HH:MM, blanks round it aside.
 bool IsValidTime(const std::string& text);
-/// Whether a text is a number without a decimal point; one whose integer part is 0 only with `allowZero`.
+/// Whether a text is a whole number, blanks round it aside: decimal digits, a sign before them or not, and nothing else
+/// (no separators, points or exponents, so that no locale can read it otherwise). Without `allowZero` it is above 0.
 bool IsWholeNumber(const std::string& text, bool allowZero);
 
 // The scheduler.
@@ -66,7 +94,8 @@ void RemTimer_Timer();
 void ShowReminder(bool missed, std::int16_t id, const std::string& title, const std::string& day,
                   const std::string& month, const std::string& year, const std::string& hour, const std::string& minute,
                   const std::string& description);
-/// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file.
+/// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file. Does
+/// nothing when entry `id` is no longer the reminder that was announced under that number.
 void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes);
 /// The date and time `minutes` from `now`, by the program's own arithmetic: exact within a day, wrong across midnight.
 DateTime SnoozedTime(const DateTime& now, std::int16_t minutes);

@@ -1,6 +1,8 @@
 // The local date and time.
 #pragma once
 
+#include <string>
+
 namespace voxmate
 {
 
@@ -19,6 +21,8 @@ class Clock
 public:
     virtual ~Clock() = default;
     virtual DateTime Now() = 0;
+    /// A real calendar date in the system's short form.
+    virtual std::string ShortDate(const DateTime& date) = 0;
 };
 
 } // namespace voxmate

@@ -1,6 +1,8 @@
 // Files and folders as the program's logic sees them.
 #pragma once
 
+#include "platform/RandomAccess.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -45,6 +47,21 @@ public:
     /// Names of the files in a folder that match a pattern such as "*.acs", sorted without regard to case; empty when
     /// the folder cannot be read.
     virtual std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) = 0;
+
+    /// Opens a file of slots of `recordLength` bytes, for reading alone where it may not be written; a missing one is
+    /// created empty. Raises run-time error 70 "Permission denied" when another process has it open, 75 "Path/File
+    /// access error" when it may be neither read nor made or is no file, 76 "Path not found" when there is no such
+    /// folder, 61 "Disk full" and 57 "Device I/O error".
+    virtual std::unique_ptr<RandomAccessFile> OpenRandom(const std::string& path, std::size_t recordLength) = 0;
+    /// Creates an empty file, emptying the one that is there. Raises what OpenRandom does, and 75 as well when the file
+    /// may only be read.
+    virtual void CreateTextFile(const std::string& path) = 0;
+    /// Deletes a file. Raises run-time error 53 "File not found", 70 when another process has it open as a file of
+    /// slots, when it or its folder may not be written or it is no file, and 57.
+    virtual void DeleteFile(const std::string& path) = 0;
+    /// Renames a file within its folder and returns when the disk knows it. Raises run-time error 53, 58 "File already
+    /// exists" when there is a file of the new name, 70 when the folder may not be written, 61 and 57.
+    virtual void MoveFile(const std::string& from, const std::string& to) = 0;
 };
 
 } // namespace voxmate

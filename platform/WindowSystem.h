@@ -1,6 +1,7 @@
 // The window system as the program's logic sees it: forms, message boxes, pop-up menus, clipboard, pending events.
 #pragma once
 
+#include "platform/WindowCalls.h"
 #include "platform/controls/Form.h"
 
 #include <array>
@@ -71,7 +72,7 @@ inline constexpr int vbCFText = 1;
 /// Handle of an item list that names a folder; 0: none.
 using ItemList = std::uint32_t;
 
-class WindowSystem : public FormHost
+class WindowSystem : public FormHost, public WindowCalls
 {
 public:
     /// Shows a modal message box and returns the button pressed (vbOK, vbCancel, vbYes, vbNo). Closing a Yes/No box
@@ -87,6 +88,9 @@ public:
     /// Shows the modal dialog for opening a file, in the folder it was last left in. Raises run-time error 32755
     /// "Cancel was selected." when the user cancels and `CancelError` is set.
     virtual void ShowOpen(CommonDialog& dialog) = 0;
+    /// Shows the modal dialog for choosing a font, on `font`; sizes run from `minSize` to `maxSize` points. True when
+    /// the user chose one, which is then in `font`; it stays as it was when the user cancels.
+    virtual bool ShowFont(FontSpec& font, int minSize, int maxSize) = 0;
     /// Whether the clipboard holds something of that format, and its text, empty when it holds none.
     virtual bool ClipboardGetFormat(int format) = 0;
     virtual std::string ClipboardGetText() = 0;

@@ -3,6 +3,8 @@
 // method, which stores the value and raises the event. A test needs no peer.
 #pragma once
 
+#include "base/Geometry.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -34,7 +36,8 @@ enum class Property {
     Font,
     BackColor,
     Locked,
-    Selection
+    Selection,
+    Place
 };
 
 /// Colours of the desktop's theme, written as system-colour values (olectl.h): of a button's face and of a field.
@@ -150,6 +153,15 @@ public:
     Prop<FontSpec> Font{*this, Property::Font};
     Control* Buddy = nullptr; ///< the control this label names
     bool Heading = false;     ///< shown large (a product's name)
+    /// Where it stands on a form that places its controls itself, in device-independent pixels.
+    Prop<Rect> Place{*this, Property::Place};
+    Event Click;
+
+    void UserClick()
+    {
+        if (Enabled)
+            Raise(Click);
+    }
 };
 
 class CommandButton : public Control

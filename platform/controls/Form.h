@@ -55,6 +55,7 @@ public:
     std::string Caption;
     BorderStyle Border = BorderStyle::FixedSingle;
     bool ShowActivated = true; ///< a window shown takes the keyboard; without, it leaves it where it is
+    std::string FontName;      ///< of all its controls; a font that the desktop has not got changes nothing
     Layout Arrangement;
     StatusBar* Status = nullptr; ///< shown at the foot, outside the arrangement
     std::vector<Menu*> MenuBar;  ///< the menus on the menu bar, in order
@@ -91,6 +92,12 @@ protected:
     virtual void Form_MouseMove(double /*x*/) {}
     /// The window is about to go.
     virtual void Form_Unload() {}
+    /// A property of the form was set: tells its window.
+    void Changed(Property property)
+    {
+        if (peer_)
+            peer_->Update(property);
+    }
 
 private:
     friend class Control;

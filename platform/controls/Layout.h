@@ -14,7 +14,8 @@ struct Layout {
     enum class Kind { Item, Row, Column, Grid, Space };
 
     Kind kind = Kind::Space;
-    Control* control = nullptr;   ///< Item: the control; a Frame's item holds its content as the only child
+    Control* control = nullptr;   ///< Item: the control; a Frame's item holds its content as the only child, a
+                                  ///< TabStrip's the content of each page
     std::vector<Layout> children; ///< Grid: row by row, `columns` cells each
     int columns = 0;
     int stretch = 0;  ///< share of the spare room in the parent's direction
@@ -47,6 +48,11 @@ inline Layout Item(Control& control)
 inline Layout Framed(Control& frame, Layout content)
 {
     return {Layout::Kind::Item, &frame, {std::move(content)}};
+}
+/// A tab strip with the content of its pages, in the order of its tabs.
+inline Layout Tabbed(Control& strip, std::vector<Layout> pages)
+{
+    return {Layout::Kind::Item, &strip, std::move(pages)};
 }
 inline Layout Row(std::vector<Layout> children)
 {

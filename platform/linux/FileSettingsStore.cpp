@@ -1,6 +1,7 @@
 #include "platform/linux/FileSettingsStore.h"
 
 #include "platform/linux/Folders.h"
+#include "platform/linux/SystemInformation.h"
 
 #include <algorithm>
 #include <array>
@@ -278,11 +279,11 @@ std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::s
     const std::lock_guard lock(mutex_);
     Refresh();
     const std::string& path = opened->second.path;
-    std::optional<RawValue> value = Lookup ? Lookup(path, name) : std::nullopt;
-    if (!value)
-        value = user_.Value(path, name);
+    std::optional<RawValue> value = user_.Value(path, name);
     for (std::size_t i = 0; !value && i < system_.size(); ++i)
         value = system_[i].Value(path, name);
+    if (!value && Lookup)
+        value = Lookup(path, name);
     if (!value)
         return ERROR_FILE_NOT_FOUND;
     type = value->type;
@@ -322,7 +323,9 @@ std::unique_ptr<FileSettingsStore> MakeSettingsStore()
     std::vector<std::string> systemFiles;
     for (const std::string& folder : SystemConfigFolders())
         systemFiles.push_back(folder + "/voxmate/registry.reg");
-    return std::make_unique<FileSettingsStore>(ConfigFolder() + "/voxmate/registry.reg", systemFiles);
+    auto store = std::make_unique<FileSettingsStore>(ConfigFolder() + "/voxmate/registry.reg", systemFiles);
+    store->Lookup = SystemInformationValue;
+    return store;
 }
 
 } // namespace voxmate::linux_platform

@@ -34,7 +34,7 @@ public:
     /// Waits until everything set so far is in the file, or has failed to get there.
     void Flush();
 
-    /// Answers a value before any file does, or nothing: look-ups that the desktop itself knows.
+    /// Answers a value that no file has, or nothing: look-ups that the desktop itself knows.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
 
     std::int32_t RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key) override;
@@ -87,7 +87,8 @@ private:
 };
 
 /// The user's settings file and the system's, in the places of the XDG base directory standard:
-/// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS.
+/// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS; where they do not
+/// name the tool that describes the computer, the desktop's own.
 std::unique_ptr<FileSettingsStore> MakeSettingsStore();
 
 } // namespace voxmate::linux_platform

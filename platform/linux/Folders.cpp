@@ -76,6 +76,19 @@ std::string SharedDataFolder()
     return (folder.parent_path() / "share" / "voxmate").string();
 }
 
+void PlaceTips(const std::string& sharedFolder, const std::string& programFolder)
+{
+    namespace fs = std::filesystem;
+    const fs::path target = fs::path(programFolder) / "VoxmateTips.txt";
+    std::error_code error;
+    if (fs::symlink_status(target, error).type() != fs::file_type::not_found)
+        return;
+    // Whole or not at all: it takes its name only when all of it is there.
+    const fs::path fresh = fs::path(programFolder) / "VoxmateTips.txt.new";
+    if (fs::copy_file(fs::path(sharedFolder) / "VoxmateTips.txt", fresh, fs::copy_options::overwrite_existing, error))
+        fs::rename(fresh, target, error);
+}
+
 std::string LockFilePath()
 {
     const std::string runtime = AbsoluteFromEnvironment("XDG_RUNTIME_DIR");

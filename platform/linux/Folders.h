@@ -15,6 +15,8 @@ std::vector<std::string> SystemConfigFolders();
 std::string ProgramFolder();
 /// The shared data: share/voxmate beside the program (a build tree) or one level above its folder (an installation).
 std::string SharedDataFolder();
+/// Puts the shipped tips into the program's folder, unless a file of that name is there: the user's own stays.
+void PlaceTips(const std::string& sharedFolder, const std::string& programFolder);
 /// Where this user's lock file stands: $XDG_RUNTIME_DIR, or the program's folder.
 std::string LockFilePath();
 

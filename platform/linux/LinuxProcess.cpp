@@ -106,7 +106,10 @@ pid_t StartDetached(std::vector<std::string> words)
 
 } // namespace
 
-LinuxProcess::LinuxProcess() : programFolder_(ProgramFolder()) {}
+LinuxProcess::LinuxProcess() : programFolder_(ProgramFolder())
+{
+    PlaceTips(SharedDataFolder(), programFolder_);
+}
 
 LinuxProcess::~LinuxProcess()
 {
@@ -173,6 +176,21 @@ DateTime LinuxClock::Now()
     std::tm local{};
     ::localtime_r(&now, &local);
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+std::string LinuxClock::ShortDate(const DateTime& date)
+{
+    // The user's own locale, whatever the process has been set to, and without setting it.
+    static const locale_t users = ::newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "", nullptr);
+    static const locale_t plain = ::newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "C", nullptr);
+    std::tm parts{};
+    parts.tm_year = date.year - 1900;
+    parts.tm_mon = date.month - 1;
+    parts.tm_mday = date.day;
+    std::array<char, 100> text{};
+    const std::size_t length = ::strftime_l(text.data(), text.size(), "%x", &parts, users ? users : plain);
+    std::string shown(text.data(), length);
+    return IsValidUtf8(shown) ? shown : Windows1252ToUtf8(shown);
 }
 
 } // namespace voxmate::linux_platform

@@ -13,6 +13,7 @@ namespace voxmate::linux_platform
 class LinuxProcess : public Process
 {
 public:
+    /// Makes the program's folder if it is missing, with the shipped tips in it.
     LinuxProcess();
     ~LinuxProcess() override;
     LinuxProcess(const LinuxProcess&) = delete;
@@ -41,6 +42,7 @@ class LinuxClock : public Clock
 {
 public:
     DateTime Now() override;
+    std::string ShortDate(const DateTime& date) override;
 };
 
 } // namespace voxmate::linux_platform

@@ -66,12 +66,20 @@ protected:
     QObject context_;
 
 private:
+    /// Whether an ampersand in the caption is a mark; in a label that names no control it is text.
+    bool HasAccessKey() const
+    {
+        if constexpr (requires { control_.Buddy; })
+            return control_.Buddy != nullptr;
+        return true;
+    }
+
     void UpdateAccessibleName()
     {
         QString name = ToQt(control_.AccessibleName);
         if constexpr (requires { control_.Caption; }) {
-            if (!control_.Caption.get().empty())
-                name = WithoutAccessKey(ToQt(control_.Caption));
+            if (const QString caption = ToQt(control_.Caption); !caption.isEmpty())
+                name = HasAccessKey() ? WithoutAccessKey(caption) : caption;
         }
         if (name.isEmpty())
             name = ToQt(control_.ToolTipText);

@@ -1,14 +1,19 @@
 #include "platform/qt/ControlPeers.h"
 
+#include "platform/controls/ListView.h"
+#include "platform/controls/MonthView.h"
 #include "platform/qt/CommonPeer.h"
+#include "platform/qt/DialogPeers.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/Widgets.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
+#include <QElapsedTimer>
+#include <QFontDatabase>
 #include <QListView>
-#include <QPlainTextEdit>
+#include <QPointer>
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTimer>
@@ -36,12 +41,16 @@ public:
             widget_->setFont(font);
             widget_->setForegroundRole(QPalette::Text);
         }
+        if (control_.Font.get() != FontSpec{})
+            Update(Property::Font);
         Update(Property::Caption);
     }
 
     void Update(Property property) override
     {
         UpdateCommon(property);
+        if (property == Property::Font)
+            widget_->setFont(ToQFont(control_.Font, QApplication::font(widget_)));
         if (property != Property::Caption)
             return;
         widget_->setText(ToQt(control_.Caption));
@@ -176,56 +185,6 @@ public:
     }
 };
 
-class LineEditPeer : public Common<TextBox, QLineEdit>
-{
-public:
-    LineEditPeer(TextBox& box, QWidget* parent) : Common(box, new QLineEdit(parent))
-    {
-        widget_->setPlaceholderText(ToQt(control_.PlaceholderText));
-        Update(Property::Text);
-        QObject::connect(widget_, &QLineEdit::textEdited, &context_,
-                         [this](const QString& text) { control_.UserEdit(FromQt(text)); });
-    }
-
-    void Update(Property property) override
-    {
-        UpdateCommon(property);
-        if (property == Property::Text)
-            widget_->setText(ToQt(control_.Text));
-    }
-};
-
-/// A text field of several lines that asks for no more room than a few of them; the form's arrangement gives it more.
-class MultiLineEdit : public QPlainTextEdit
-{
-public:
-    using QPlainTextEdit::QPlainTextEdit;
-    QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
-    QSize minimumSizeHint() const override { return sizeHint(); }
-};
-
-class TextEditPeer : public Common<TextBox, QPlainTextEdit>
-{
-public:
-    TextEditPeer(TextBox& box, QWidget* parent) : Common(box, new MultiLineEdit(parent))
-    {
-        widget_->setTabChangesFocus(true);
-        widget_->setPlaceholderText(ToQt(control_.PlaceholderText));
-        Update(Property::Text);
-        QObject::connect(widget_, &QPlainTextEdit::textChanged, &context_,
-                         [this] { control_.UserEdit(FromQt(widget_->toPlainText())); });
-    }
-
-    void Update(Property property) override
-    {
-        UpdateCommon(property);
-        if (property == Property::Text) {
-            const QSignalBlocker quiet(widget_);
-            widget_->setPlainText(ToQt(control_.Text));
-        }
-    }
-};
-
 class FramePeer : public Common<Frame, GroupFrame>
 {
 public:
@@ -235,7 +194,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption)
-            widget_->setTitle(ToQt(control_.Caption));
+            widget_->ShowTitle(ToQt(control_.Caption));
     }
 };
 
@@ -293,7 +252,7 @@ public:
     {
         control_.SetPeer(this);
         clock_->setTimerType(Qt::PreciseTimer);
-        QObject::connect(clock_, &QTimer::timeout, clock_, [this] { control_.Fire(); });
+        QObject::connect(clock_, &QTimer::timeout, clock_, [this] { TimeOut(); });
         Start();
     }
     ~TimerPeer() override
@@ -311,24 +270,54 @@ public:
     }
 
 private:
+    /// The system's own granularity, in milliseconds.
+    static constexpr int LeastInterval = 10;
+
     void Start()
     {
-        // The system's own granularity; a timer without an interval does not tick.
-        constexpr int LeastInterval = 10;
-        if (control_.Enabled && control_.Interval > 0)
+        // A timer without an interval does not tick.
+        if (control_.Enabled && control_.Interval > 0) {
+            ticks_ = 0;
+            running_.start();
             clock_->start(std::max(control_.Interval.get(), LeastInterval));
-        else
+        } else {
             clock_->stop();
+        }
+    }
+
+    /// Who ticks as fast as can be moves something and counts the time by it: ticks that came too late are made up for,
+    /// one more at a time so that nothing jumps, and those of the last second at most.
+    void TimeOut()
+    {
+        if (control_.Interval >= LeastInterval) {
+            control_.Fire();
+            return;
+        }
+        constexpr qint64 MostBehind = 1000 / LeastInterval;
+        constexpr qint64 Nanoseconds = LeastInterval * 1'000'000;
+        const qint64 due = (running_.nsecsElapsed() + Nanoseconds / 2) / Nanoseconds;
+        ticks_ = std::max(ticks_, due - MostBehind);
+        // A tick may do away with this peer or stop it.
+        const QPointer<QTimer> clock(clock_);
+        for (qint64 left = std::min<qint64>(due - ticks_, 2); left > 0 && clock && clock->isActive(); --left) {
+            ++ticks_;
+            control_.Fire();
+        }
     }
 
     Timer& control_;
     QTimer* clock_;
+    QElapsedTimer running_; ///< since the clock was started
+    qint64 ticks_ = 0;      ///< since then
 };
 
 } // namespace
 
 std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent)
 {
+    // Before the kinds that some of these are made of.
+    if (auto peer = CreateDialogPeer(control, icons, parent))
+        return peer;
     if (auto* label = dynamic_cast<Label*>(&control))
         return std::make_unique<LabelPeer>(*label, parent);
     if (auto* button = dynamic_cast<CommandButton*>(&control))
@@ -339,11 +328,12 @@ std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& ic
         return std::make_unique<ComboBoxPeer>(*box, parent);
     if (auto* bar = dynamic_cast<HScrollBar*>(&control))
         return std::make_unique<ScrollBarPeer>(*bar, parent);
-    if (auto* box = dynamic_cast<TextBox*>(&control)) {
-        if (box->MultiLine)
-            return std::make_unique<TextEditPeer>(*box, parent);
-        return std::make_unique<LineEditPeer>(*box, parent);
-    }
+    if (auto* box = dynamic_cast<TextBox*>(&control))
+        return CreateTextBoxPeer(*box, parent);
+    if (auto* list = dynamic_cast<ListView*>(&control))
+        return CreateListViewPeer(*list, icons, parent);
+    if (auto* month = dynamic_cast<MonthView*>(&control))
+        return CreateMonthViewPeer(*month, parent);
     if (auto* frame = dynamic_cast<Frame*>(&control))
         return std::make_unique<FramePeer>(*frame, parent);
     if (auto* image = dynamic_cast<Image*>(&control))
@@ -351,6 +341,17 @@ std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& ic
     if (auto* bar = dynamic_cast<StatusBar*>(&control))
         return std::make_unique<StatusBarPeer>(*bar, parent);
     return nullptr;
+}
+
+QFont ToQFont(const FontSpec& font, const QFont& base)
+{
+    QFont result = base;
+    if (const QString family = ToQt(font.Name); QFontDatabase::hasFamily(family))
+        result.setFamily(family);
+    if (font.Size > 0)
+        result.setPointSizeF(font.Size);
+    result.setBold(font.Bold);
+    return result;
 }
 
 std::unique_ptr<Peer> CreateTimerPeer(Timer& timer)

@@ -12,6 +12,12 @@
 #include <memory>
 #include <vector>
 
+namespace voxmate
+{
+class ListView;
+class MonthView;
+} // namespace voxmate
+
 namespace voxmate::qt
 {
 
@@ -26,6 +32,14 @@ public:
 /// Makes the widget of a control, as a child of `parent`, and connects the two; nullptr for a control that is none
 /// (a timer, a menu).
 std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent);
+
+// The larger ones of them.
+std::unique_ptr<WidgetPeer> CreateTextBoxPeer(TextBox& box, QWidget* parent);
+std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& icons, QWidget* parent);
+std::unique_ptr<WidgetPeer> CreateMonthViewPeer(MonthView& month, QWidget* parent);
+
+/// The font a control asks for, on top of `base`, the desktop's own; a family that is not installed is left out.
+QFont ToQFont(const FontSpec& font, const QFont& base);
 
 /// Makes the clock of a timer and starts it if it is enabled.
 std::unique_ptr<Peer> CreateTimerPeer(Timer& timer);

@@ -59,9 +59,10 @@ void FormWindow::closeEvent(QCloseEvent* event)
 
 void FormWindow::keyPressEvent(QKeyEvent* event)
 {
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && OnEnter && !event->isAutoRepeat()) {
-        const auto enter = OnEnter;
-        enter();
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (const auto press = enter ? OnEnter : event->key() == Qt::Key_Escape ? OnEscape : nullptr;
+        press && !event->isAutoRepeat()) {
+        press();
         return;
     }
     QMainWindow::keyPressEvent(event);

@@ -23,6 +23,8 @@ public:
     std::function<void()> OnClose;
     /// Enter was pressed where nothing else takes it.
     std::function<void()> OnEnter;
+    /// Escape, likewise.
+    std::function<void()> OnEscape;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -19,6 +19,8 @@ public:
     /// The icon `name`, `size` device-independent pixels wide and high at the given pixel ratio, its lines in `ink`.
     /// Drawn when first asked for and kept while it is in use; a null pixmap when there is no such icon.
     QPixmap Pixmap(const QString& name, int size, qreal ratio, const QColor& ink) const;
+    /// Path of the moving picture of that name.
+    QString MoviePath(const QString& name) const { return folder_ + u'/' + name + QStringLiteral(".gif"); }
     /// The icon in the sizes that window managers ask for.
     QIcon Icon(const QString& name) const;
 

@@ -120,13 +120,33 @@ private:
     QScrollArea* scroll_ = nullptr; ///< what the text scrolls in, if it must
 };
 
+/// The program's own picture for a style's icon; empty: none.
+QString IconName(int icon)
+{
+    switch (icon) {
+    case vbCritical:
+        return QStringLiteral("critical");
+    case vbQuestion:
+        return QStringLiteral("question");
+    case vbExclamation:
+        return QStringLiteral("exclamation");
+    case vbInformation:
+        return QStringLiteral("information");
+    default:
+        return {};
+    }
+}
+
 } // namespace
 
 int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text, int style, const std::string& title)
 {
-    // Button and icon are fields of their own within the style.
-    const bool yesNo = (style & 0x0F) == vbYesNo;
+    // Buttons, icon and default button are fields of their own within the style.
+    const int buttons = style & 0x0F;
+    const bool cancel = buttons == vbYesNoCancel;
+    const bool yesNo = buttons == vbYesNo || cancel;
     const int icon = style & 0xF0;
+    const bool second = (style & 0xF00) == vbDefaultButton2;
 
     // On the heap: while the box is up its owner may go, and takes it along.
     const QPointer<QMessageBox> box =
@@ -136,27 +156,36 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
     box->setTextFormat(Qt::PlainText);
     box->setText(ToQt(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     box->setIcon(icon == vbCritical      ? QMessageBox::Critical
+                 : icon == vbQuestion    ? QMessageBox::Question
                  : icon == vbExclamation ? QMessageBox::Warning
+                 : icon == vbInformation ? QMessageBox::Information
                                          : QMessageBox::NoIcon);
-    const QString own = icon == vbCritical ? QStringLiteral("critical") : QStringLiteral("exclamation");
-    if (icons && icon != 0) {
+    if (const QString own = IconName(icon); icons && !own.isEmpty()) {
         const QPixmap pixmap =
             icons->Pixmap(own, IconSize, box->devicePixelRatioF(), box->palette().color(QPalette::WindowText));
         if (!pixmap.isNull())
             box->setIconPixmap(pixmap);
+        // For those who do not see it.
+        if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label")))
+            label->setAccessibleName(own.at(0).toUpper() + own.mid(1));
     }
-    box->setStandardButtons(yesNo ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    box->setStandardButtons(cancel  ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
+                            : yesNo ? QMessageBox::Yes | QMessageBox::No
+                                    : QMessageBox::Ok);
     for (QAbstractButton* button : box->buttons())
         button->setIcon({});
-    box->setDefaultButton(yesNo ? QMessageBox::Yes : QMessageBox::Ok);
-    box->setEscapeButton(yesNo ? QMessageBox::No : QMessageBox::Ok);
+    box->setDefaultButton(!yesNo ? QMessageBox::Ok : second ? QMessageBox::No : QMessageBox::Yes);
+    box->setEscapeButton(cancel ? QMessageBox::Cancel : yesNo ? QMessageBox::No : QMessageBox::Ok);
     box->setWindowModality(Qt::ApplicationModal);
     if (SplashWindow::AnyShown())
         box->setWindowFlag(Qt::WindowStaysOnTopHint);
 
     const int pressed = box->exec();
     delete box;
-    return pressed == QMessageBox::Yes ? vbYes : yesNo ? vbNo : vbOK;
+    if (pressed == QMessageBox::Yes)
+        return vbYes;
+    // What is neither is a box that went with its owner.
+    return cancel && pressed != QMessageBox::No ? vbCancel : yesNo ? vbNo : vbOK;
 }
 
 } // namespace voxmate::qt

@@ -1,6 +1,8 @@
 #include "platform/qt/QtFormPeer.h"
 
+#include "platform/controls/OptionButton.h"
 #include "platform/qt/FormWindow.h"
+#include "platform/qt/Placement.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/QtTray.h"
 #include "platform/qt/Widgets.h"
@@ -10,7 +12,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStatusBar>
+#include <QTabWidget>
 
 #include <algorithm>
 #include <cstddef>
@@ -38,6 +43,8 @@ QtFormPeer::QtFormPeer(Form& form, const IconSet& icons, QWidget* owner) : form_
         MakeMenus(window);
     }
     window_->setObjectName(ToQt(form_.Name));
+    if (!form_.ShowActivated)
+        window_->setAttribute(Qt::WA_ShowWithoutActivating);
     Update(Property::Caption);
     ConnectLabels();
     SetTabOrder();
@@ -58,6 +65,7 @@ QtFormPeer::~QtFormPeer()
     if (auto* window = dynamic_cast<FormWindow*>(window_)) {
         window->OnClose = nullptr;
         window->OnEnter = nullptr;
+        window->OnEscape = nullptr;
         static_cast<FormArea*>(content_)->OnMouseMove = nullptr;
     }
     window_->deleteLater();
@@ -67,6 +75,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
 {
     auto* window = new FormWindow(form_.Border);
     window_ = window;
+    // Before its controls, which take it over.
+    window->setFont(ToQFont({form_.FontName}, window->font()));
     auto* area = new FormArea(window);
     area->OnMouseMove = [this](double x) { form_.UserMouseMove(x * TwipsPerPixel()); };
     content_ = area;
@@ -92,6 +102,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
         auto* button = dynamic_cast<CommandButton*>(control);
         if (button && button->IsDefault)
             window->OnEnter = [button] { button->UserClick(); };
+        if (button && button->IsCancel)
+            window->OnEscape = [button] { button->UserClick(); };
     }
     return window;
 }
@@ -127,7 +139,16 @@ QWidget* QtFormPeer::MakeItem(const Layout& item)
     if (dynamic_cast<Frame*>(item.control) && !item.children.empty()) {
         QLayout* content = Build(item.children.front());
         content->setContentsMargins(GroupFrame::Margin, GroupFrame::Margin, GroupFrame::Margin, GroupFrame::Margin);
-        widget->setLayout(content);
+        auto* area = qobject_cast<QScrollArea*>(widget);
+        (area ? area->widget() : widget)->setLayout(content);
+    }
+    if (auto* tabs = qobject_cast<QTabWidget*>(widget)) {
+        const int pages = std::min(tabs->count(), static_cast<int>(item.children.size()));
+        for (int i = 0; i < pages; ++i) {
+            QLayout* page = Build(item.children[static_cast<std::size_t>(i)]);
+            page->setContentsMargins(WindowMargin, WindowMargin, WindowMargin, WindowMargin);
+            tabs->widget(i)->setLayout(page);
+        }
     }
     return widget;
 }
@@ -255,7 +276,8 @@ void QtFormPeer::SetTabOrder()
     QWidget* last = nullptr;
     for (const Control* control : form_.Controls()) {
         QWidget* widget = WidgetOf(control);
-        if (!widget || !(widget->focusPolicy() & Qt::TabFocus))
+        // An option button that is not the chosen one may become so.
+        if (!widget || !(widget->focusPolicy() & Qt::TabFocus || dynamic_cast<const OptionButton*>(control)))
             continue;
         if (last)
             QWidget::setTabOrder(last, widget);
@@ -275,7 +297,13 @@ void QtFormPeer::Place()
 {
     placed_ = true;
     window_->adjustSize();
-    Centre(*window_, form_.Border == BorderStyle::Splash ? nullptr : owner_.data());
+    // That ends at two thirds of the screen, where a form that can be made larger may want more.
+    if (const QScreen* screen = window_->screen(); screen && form_.Border == BorderStyle::Sizable)
+        window_->resize(window_->sizeHint().boundedTo(screen->availableSize()));
+    if (form_.ShowActivated)
+        Centre(*window_, form_.Border == BorderStyle::Splash ? nullptr : owner_.data());
+    else
+        PlaceAmongOthers(*window_);
 }
 
 void QtFormPeer::Show()
@@ -286,7 +314,7 @@ void QtFormPeer::Show()
         window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
     window_->show();
     window_->raise();
-    if (form_.Border != BorderStyle::Splash)
+    if (form_.Border != BorderStyle::Splash && form_.ShowActivated)
         window_->activateWindow();
 }
 

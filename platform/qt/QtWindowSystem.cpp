@@ -2,8 +2,11 @@
 
 #include "base/RuntimeError.h"
 #include "platform/qt/FolderDialog.h"
+#include "platform/qt/FontDialog.h"
+#include "platform/qt/FormWindow.h"
 #include "platform/qt/MessageBox.h"
 #include "platform/qt/OpenDialog.h"
+#include "platform/qt/PlacedFormPeer.h"
 #include "platform/qt/QtFormPeer.h"
 #include "platform/qt/QtText.h"
 
@@ -22,7 +25,13 @@ QtWindowSystem::QtWindowSystem(const std::string& shareDirectory)
 
 std::unique_ptr<FormPeer> QtWindowSystem::CreateFormPeer(Form& form)
 {
+    if (auto* placed = dynamic_cast<PlacedForm*>(&form)) {
+        auto peer = std::make_unique<PlacedFormPeer>(*placed);
+        Register(form, peer->Window());
+        return peer;
+    }
     auto peer = std::make_unique<QtFormPeer>(form, icons_, main_);
+    Register(form, peer->Window());
     if (!form.MenuBar.empty())
         main_ = peer->Window();
     return peer;
@@ -30,7 +39,13 @@ std::unique_ptr<FormPeer> QtWindowSystem::CreateFormPeer(Form& form)
 
 int QtWindowSystem::MsgBox(const std::string& text, int style, const std::string& title)
 {
-    return ShowMessageBox(main_, &icons_, text, style, title);
+    return ShowMessageBox(Owner(), &icons_, text, style, title);
+}
+
+QWidget* QtWindowSystem::Owner() const
+{
+    auto* active = dynamic_cast<FormWindow*>(QApplication::activeWindow());
+    return active ? active : main_.data();
 }
 
 void QtWindowSystem::DoEvents()
@@ -40,7 +55,7 @@ void QtWindowSystem::DoEvents()
 
 ItemList QtWindowSystem::SHBrowseForFolderA(const BrowseInfo& info)
 {
-    const std::string path = ShowFolderDialog(main_, info.title, info.start);
+    const std::string path = ShowFolderDialog(Owner(), info.title, info.start);
     if (path.empty())
         return 0;
     itemLists_[++lastItemList_] = path;
@@ -63,10 +78,18 @@ void QtWindowSystem::CoTaskMemFree(ItemList list)
 
 void QtWindowSystem::ShowOpen(CommonDialog& dialog)
 {
-    if (std::optional<std::string> chosen = ShowOpenDialog(main_, dialog, openFolder_))
+    if (std::optional<std::string> chosen = ShowOpenDialog(Owner(), dialog, openFolder_))
         dialog.FileName = std::move(*chosen);
     else if (dialog.CancelError)
         throw CancelSelected();
+}
+
+bool QtWindowSystem::ShowFont(FontSpec& font, int minSize, int maxSize)
+{
+    const std::optional<FontSpec> chosen = ShowFontDialog(Owner(), font, minSize, maxSize);
+    if (chosen)
+        font = *chosen;
+    return chosen.has_value();
 }
 
 bool QtWindowSystem::ClipboardGetFormat(int format)

@@ -4,6 +4,7 @@
 #include "platform/WindowSystem.h"
 #include "platform/qt/IconSet.h"
 #include "platform/qt/QtTray.h"
+#include "platform/qt/QtWindowCalls.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -14,7 +15,7 @@
 namespace voxmate::qt
 {
 
-class QtWindowSystem : public WindowSystem
+class QtWindowSystem : public QtWindowCalls
 {
 public:
     /// `shareDirectory` is the folder of the shared data, which holds icons/.
@@ -29,6 +30,7 @@ public:
     bool SHGetPathFromIDListA(ItemList list, std::string& path) override;
     void CoTaskMemFree(ItemList list) override;
     void ShowOpen(CommonDialog& dialog) override;
+    bool ShowFont(FontSpec& font, int minSize, int maxSize) override;
     bool ClipboardGetFormat(int format) override;
     std::string ClipboardGetText() override;
     void ClipboardClear() override;
@@ -39,6 +41,9 @@ public:
     double TwipsPerPixelX() override { return TwipsPerPixel(); }
 
 private:
+    /// The form that the user is at, over which a box or a dialog stands; the main window when they are at none.
+    QWidget* Owner() const;
+
     IconSet icons_;
     QtTray tray_{icons_};
     std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed

@@ -1,5 +1,6 @@
 #include "platform/qt/ShapedWindow.h"
 
+#include "platform/qt/PlacedWindow.h"
 #include "platform/qt/X11.h"
 
 #include <QApplication>
@@ -81,7 +82,8 @@ void ShapedWindow::LiveBeside(QWindow* modal)
 {
     // Qt lets the transient windows of a modal window live.
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (dynamic_cast<ShapedWindow*>(window) && window->windowHandle())
+        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window);
+        if (lives && window->windowHandle())
             window->windowHandle()->setTransientParent(modal);
     }
 }

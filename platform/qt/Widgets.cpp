@@ -330,6 +330,14 @@ void StatusPanel::paintEvent(QPaintEvent* /*event*/)
                      fontMetrics().elidedText(this->text(), Qt::ElideRight, inside.width()));
 }
 
+void GroupFrame::ShowTitle(const QString& title)
+{
+    setTitle(title);
+    QFont heading = font();
+    heading.setWeight(QFont::DemiBold);
+    setMinimumWidth(QFontMetrics(heading).horizontalAdvance(title) + 2 * Margin + 4);
+}
+
 void GroupFrame::paintEvent(QPaintEvent* /*event*/)
 {
     QStyleOptionGroupBox option;

@@ -87,6 +87,9 @@ public:
     /// Room between the frame's edge and its content, device-independent pixels.
     static constexpr int Margin = 10;
 
+    /// Sets the caption, for which the frame stays wide enough.
+    void ShowTitle(const QString& title);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 };

@@ -105,6 +105,12 @@ void MakeDesktopCompanion(QWindow& window)
                         32, 1, &everyDesktop);
 }
 
+void Flush()
+{
+    if (auto* connection = Connection())
+        xcb_flush(connection);
+}
+
 Compositor& Compositor::Instance()
 {
     static Compositor* const instance = new Compositor(qGuiApp);

@@ -21,6 +21,9 @@ void SetBoundingShape(QWindow& window, const QRegion& region);
 void ClearBoundingShape(QWindow& window);
 /// Keeps a window out of task bar and window switcher and shows it on every virtual desktop. Before it is first shown.
 void MakeDesktopCompanion(QWindow& window);
+/// Sends what has been asked of the X server and still waits to be sent. Qt does so only when it has drawn or heard
+/// something.
+void Flush();
 
 /// Watches whether a compositor runs on the screen, that is, whether windows can be translucent. Costs nothing while
 /// nothing changes: the X server reports the owner of the selection _NET_WM_CM_S<screen>.

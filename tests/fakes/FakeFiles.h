@@ -4,14 +4,18 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/FileSystem.h"
+#include "tests/fakes/FakeLog.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fnmatch.h>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -41,6 +45,39 @@ public:
         const std::size_t dot = name.rfind('.');
         return dot == std::string::npos ? "" : name.substr(dot + 1);
     }
+    std::map<std::string, RuntimeError> failures; ///< call as it is logged -> what it raises instead of being done
+    std::function<void(const std::string& call)> whenCalled;
+    Log* log = nullptr; ///< where calls that change files are told
+
+    std::unique_ptr<RandomAccessFile> OpenRandom(const std::string& path, std::size_t recordLength) override
+    {
+        Call("OpenRandom " + path + " " + std::to_string(recordLength));
+        return std::make_unique<Slots>(*this, path, texts[path], recordLength);
+    }
+    void CreateTextFile(const std::string& path) override
+    {
+        Call("CreateTextFile " + path);
+        texts[path].clear();
+    }
+    void DeleteFile(const std::string& path) override
+    {
+        Call("DeleteFile " + path);
+        if (!FileExists(path))
+            throw FileNotFound();
+        files.erase(path);
+        texts.erase(path);
+    }
+    void MoveFile(const std::string& from, const std::string& to) override
+    {
+        Call("MoveFile " + from + " to " + to);
+        if (!FileExists(from))
+            throw FileNotFound();
+        if (FileExists(to))
+            throw FileAlreadyExists();
+        texts[to] = std::move(texts[from]);
+        files.erase(from);
+        texts.erase(from);
+    }
     std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override
     {
         if (const auto error = openErrors.find(path); error != openErrors.end())
@@ -63,6 +100,57 @@ public:
     }
 
 private:
+    void Call(const std::string& call)
+    {
+        if (log)
+            log->push_back(call);
+        if (const auto failure = failures.find(call); failure != failures.end())
+            throw RuntimeError(failure->second);
+        if (whenCalled)
+            whenCalled(call);
+    }
+
+    /// Get is told of only where it fails: there are too many of them.
+    class Slots : public RandomAccessFile
+    {
+    public:
+        Slots(FakeFiles& owner, std::string path, std::string& content, std::size_t size)
+            : owner_(owner), path_(std::move(path)), content_(content), size_(size)
+        {
+        }
+        std::int64_t Count() override { return static_cast<std::int64_t>((content_.size() + size_ - 1) / size_); }
+        std::string_view Get(std::int32_t slot) override
+        {
+            if (!owner_.failures.empty() && owner_.failures.contains("Get " + std::to_string(slot)))
+                owner_.Call("Get " + std::to_string(slot));
+            const std::string_view content = content_;
+            return content.substr(std::min(Position(slot), content.size()), size_);
+        }
+        void Put(std::int32_t slot, std::string_view record) override
+        {
+            if (record.size() > size_)
+                throw BadRecordLength();
+            owner_.Call("Put " + std::to_string(slot));
+            const std::size_t at = Position(slot);
+            content_.resize(std::max(content_.size(), at + size_), '\0');
+            content_.replace(at, size_, std::string(record) + std::string(size_ - record.size(), '\0'));
+        }
+        void Flush() override { owner_.Call("Flush " + path_); }
+        void Close() override { owner_.Call("Close " + path_); }
+
+    private:
+        FakeFiles& owner_;
+        std::string path_;
+        std::string& content_; ///< a map's value stays where it is
+        std::size_t size_;
+        std::size_t Position(std::int32_t slot) const
+        {
+            if (slot < 1)
+                throw BadRecordNumber();
+            return static_cast<std::size_t>(slot - 1) * size_;
+        }
+    };
+
     class Stream : public TextStream
     {
     public:

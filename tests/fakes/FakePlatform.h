@@ -12,6 +12,8 @@
 #include "tests/fakes/FakeWord.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <memory>
@@ -319,6 +321,12 @@ class FakeClock : public Clock
 public:
     DateTime now{1975, 3, 17, 14, 5, 9};
     DateTime Now() override { return now; }
+    std::string ShortDate(const DateTime& date) override
+    {
+        std::array<char, 40> text{};
+        std::snprintf(text.data(), text.size(), "%02d/%02d/%04d", date.day, date.month, date.year);
+        return text.data();
+    }
 };
 
 /// All of them, wired into one Platform, with two engines and two characters in place.

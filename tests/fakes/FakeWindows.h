@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "platform/WindowSystem.h"
 #include "tests/fakes/FakeLog.h"
+#include "tests/fakes/FakeWindowCalls.h"
 
 #include <cstdint>
 #include <deque>
@@ -17,10 +18,10 @@
 namespace voxmate::fakes
 {
 
-class FakeWindows : public WindowSystem
+class FakeWindows : public FakeWindowCalls
 {
 public:
-    explicit FakeWindows(Log& log) : log_(log) {}
+    explicit FakeWindows(Log& log) : FakeWindowCalls(log), log_(log) {}
 
     struct Box {
         std::string text;
@@ -84,6 +85,20 @@ public:
             dialog.FileName = *chosen;
         else if (dialog.CancelError)
             throw CancelSelected();
+    }
+    std::deque<std::optional<FontSpec>> fontsToChoose; ///< in the next font dialogs; none: cancels
+    bool ShowFont(FontSpec& font, int minSize, int maxSize) override
+    {
+        log_.push_back("ShowFont " + font.Name + " " + std::to_string(static_cast<int>(font.Size)) + " of " +
+                       std::to_string(minSize) + " to " + std::to_string(maxSize));
+        std::optional<FontSpec> chosen;
+        if (!fontsToChoose.empty()) {
+            chosen = fontsToChoose.front();
+            fontsToChoose.pop_front();
+        }
+        if (chosen)
+            font = *chosen;
+        return chosen.has_value();
     }
     bool clipboardHasText = true; ///< false: empty, or a picture only
     bool ClipboardGetFormat(int format) override { return format == vbCFText && clipboardHasText; }

@@ -77,6 +77,7 @@ TEST_F(MainFormTest, TheVoiceControlsAreRestoredAndRewritten)
     fake.store.SetDword("Speed", 200);
     fake.store.SetDword("Whisper", 1);
     fake.store.logCalls = true;
+    fake.store.SetDword("ShowTipAtStartUp", 0);
     StartMain();
     EXPECT_EQ(form.scrPitch.Value.get(), 120);
     EXPECT_EQ(form.lblPitch.Caption.get(), "= 120");

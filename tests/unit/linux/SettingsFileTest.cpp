@@ -404,17 +404,18 @@ TEST_F(SettingsFileTest, FailedReadsDoNotUseUpHandles)
     EXPECT_EQ(first, last);
 }
 
-TEST_F(SettingsFileTest, ALookUpAnswersBeforeTheFile)
+TEST_F(SettingsFileTest, ALookUpAnswersWhatTheFileHasNot)
 {
     FileSettingsStore store = Store();
     Set(store, "A", REG_SZ, "file");
     store.Lookup = [](const std::string& path, const std::string& name) -> std::optional<RawValue> {
-        if (path == "HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate" && name == "A")
+        if (path == "HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate" && (name == "A" || name == "B"))
             return RawValue{REG_SZ, {'x'}};
         return std::nullopt;
     };
-    EXPECT_EQ(Get(store, "A").data, "x");
-    EXPECT_EQ(Get(store, "B").code, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Get(store, "A").data, "file");
+    EXPECT_EQ(Get(store, "B").data, "x");
+    EXPECT_EQ(Get(store, "C").code, ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(SettingsFileTest, FilesAreListedByPatternWithoutRegardToCaseInTheirOrder)

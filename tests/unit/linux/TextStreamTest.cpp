@@ -1,3 +1,4 @@
+#include "OrdinaryUser.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxTextStream.h"
 
@@ -23,27 +24,6 @@ using Lines = std::vector<std::string>;
 
 // Where the stream's blocks end: it reads 64 KiB at a time.
 constexpr std::size_t block = 65536;
-
-/// Any user but the one to whom nothing is forbidden, for as long as it lives.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : before_(::geteuid())
-    {
-        if (before_ == 0 && ::seteuid(65534) != 0)
-            throw std::runtime_error("cannot become an ordinary user");
-    }
-    ~OrdinaryUser()
-    {
-        if (::seteuid(before_) != 0)
-            std::abort();
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-private:
-    uid_t before_;
-};
 
 class TextStreamTest : public ::testing::Test
 {

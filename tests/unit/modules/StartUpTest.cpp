@@ -13,6 +13,7 @@ class StartUpTest : public ModuleTest
 TEST_F(StartUpTest, TheSequenceRunsInItsFixedOrder)
 {
     fake.StoreDefaults();
+    fake.store.SetDword("AutoReadTip", 0);
     StartMain();
     const Lines expected{
         "MainWindow shown",
@@ -38,8 +39,15 @@ TEST_F(StartUpTest, TheSequenceRunsInItsFixedOrder)
         "Play Announce",
         "Speak \\Pit=50\\ \\Spd=156\\Today is Monday, 17th of March, 1975 and Time now is 2:05 PM",
         "Play RestPose",
+        "Tip shown",
+        "Tip checks 1 0",
     };
     EXPECT_EQ(fake.log, expected);
+    // Reminders are on, after an empty file has been made.
+    EXPECT_TRUE(window.reminderTimer);
+    EXPECT_TRUE(window.enableChecked);
+    EXPECT_FALSE(window.disableChecked);
+    EXPECT_TRUE(fake.files.FileExists("C:\\Voxmate\\VoxmateReminders.txt"));
     EXPECT_TRUE(fake.windows.boxes.empty());
     EXPECT_EQ(WindowsDir, "C:\\WINDOWS");
     EXPECT_EQ(ReminderFilePath, "C:\\Voxmate\\VoxmateReminders.txt");
@@ -68,7 +76,8 @@ TEST_F(StartUpTest, WithEverySwitchOffStartUpEndsSilently)
     fake.store.SetDword("GreetingEnabled", 0);
     fake.store.SetDword("IntroAtStart", 0);
     fake.store.SetDword("ShowCharacterAtStart", 0);
-    RunStartUp();
+    fake.store.SetDword("ShowTipAtStartUp", 0);
+    StartMain();
     EXPECT_EQ(fake.log.back(), "VoiceControls 50 156 0");
     EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Show"), 0);
 }

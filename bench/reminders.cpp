@@ -1,0 +1,154 @@
+// What the reminders cost at their largest number: loading and saving them beside reading and writing the same bytes
+// plainly, with the same waiting for the disk, and one scan of the list when nothing is due. What waits for no disk is
+// given in the processor's time: the files lie in the system's cache, so that nothing is waited for but other programs.
+//
+// Usage: reminders [COUNT]   COUNT runs of each kind; the file is made in the folder for temporary files
+#include "modules/Reminders.h"
+#include "bench/Statistics.h"
+#include "modules/ReminderRecord.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "tests/fakes/FakePlatform.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace voxmate;
+using voxmate::bench::Median;
+using voxmate::bench::NowMs;
+using voxmate::bench::Report;
+
+namespace
+{
+
+constexpr int most = 32767;
+
+[[noreturn]] void Fail(const char* what)
+{
+    std::cerr << what << "\n";
+    std::exit(1);
+}
+
+std::string Slots()
+{
+    std::string bytes;
+    for (int i = 1; i <= most; ++i) {
+        const std::string title = "Reminder number " + std::to_string(i);
+        std::string slot =
+            WriteReminder({title, "07", "03", "2104", "09", "05", "Something to be done, not too long.", "N"});
+        slot.resize(ReminderSlotSize, '\0');
+        bytes += slot;
+    }
+    return bytes;
+}
+
+// The whole file in one read into memory of its size.
+void ReadPlainly(const std::string& path, std::size_t size)
+{
+    const int file = ::open(path.c_str(), O_RDONLY);
+    std::string bytes(size, '\0');
+    if (::read(file, bytes.data(), size) != static_cast<ssize_t>(size) || ::close(file) != 0)
+        Fail("cannot read the file");
+}
+
+// Whole to a file beside the old one, to the disk, and under the old one's name.
+void WritePlainly(const std::string& path, const std::string& beside, const std::string& bytes)
+{
+    const int file = ::open(beside.c_str(), O_RDWR | O_CREAT, 0600);
+    const int folder = ::open(std::filesystem::path(path).parent_path().c_str(), O_RDONLY | O_DIRECTORY);
+    if (::write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()) || ::fdatasync(file) != 0 ||
+        ::fsync(folder) != 0 || ::close(file) != 0 || ::unlink(path.c_str()) != 0 ||
+        ::rename(beside.c_str(), path.c_str()) != 0 || ::fsync(folder) != 0 || ::close(folder) != 0)
+        Fail("cannot write the file");
+}
+
+/// Milliseconds of processor time that this process has taken.
+double ProcessorMs()
+{
+    struct timespec taken {
+    };
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &taken);
+    return 1e3 * static_cast<double>(taken.tv_sec) + 1e-6 * static_cast<double>(taken.tv_nsec);
+}
+
+template <class Body>
+double Time(double (*clock)(), Body body)
+{
+    const double begin = clock();
+    body();
+    return clock() - begin;
+}
+
+void Compare(const char* what, const std::vector<double>& ours, const std::vector<double>& plain)
+{
+    Report(std::string(what) + ", plainly", plain, "ms");
+    Report(what, ours, "ms");
+    std::printf("%-48s %.2f times  aim: within 3 times\n", what, Median(ours) / Median(plain));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const int count = argc > 1 ? std::atoi(argv[1]) : 25;
+    if (count < 1)
+        Fail("usage: reminders [COUNT]");
+    std::string folder = (std::filesystem::temp_directory_path() / "voxmate-reminders-XXXXXX").string();
+    if (!::mkdtemp(folder.data()))
+        Fail("cannot make a folder for the file");
+
+    fakes::FakePlatform fake;
+    fakes::FakeMainWindow window(fake.log);
+    linux_platform::LinuxFileSystem files;
+    Platform platform{fake.store, fake.agent, fake.speech, fake.windows, files, fake.process, fake.clock, fake.word};
+    BeginProgram(platform, window);
+    ReminderFilePath = folder + "/VoxmateReminders.txt";
+    ReminderTempPath = folder + "/VoxmateReminders.tmp";
+    const std::string bytes = Slots();
+    std::ofstream(ReminderFilePath, std::ios::binary) << bytes;
+
+    std::vector<double> first;
+    std::vector<double> load;
+    std::vector<double> loadPlain;
+    std::vector<double> save;
+    std::vector<double> savePlain;
+    std::vector<double> scan;
+    // In turns, so that whatever else the machine does meets all alike. The first turn warms up and is not counted.
+    for (int i = -1; i < count; ++i) {
+        const double loaded = Time(ProcessorMs, [] { LoadReminders(false, 0); });
+        if (RemCount != most)
+            Fail("the file could not be loaded");
+        const double read = Time(ProcessorMs, [&] { ReadPlainly(ReminderFilePath, bytes.size()); });
+        const double written = Time(NowMs, [] { SaveReminders(0); });
+        const double plain = Time(NowMs, [&] { WritePlainly(ReminderFilePath, ReminderTempPath, bytes); });
+        fake.log.clear();
+        const double scanned = Time(ProcessorMs, [] { RemTimer_Timer(); });
+        if (!fake.log.empty())
+            Fail("something was due");
+        if (i < 0)
+            continue;
+        load.push_back(loaded);
+        loadPlain.push_back(read);
+        save.push_back(written);
+        savePlain.push_back(plain);
+        scan.push_back(scanned);
+    }
+    // As at the start of the program, when there is no memory to be used again.
+    for (int i = 0; i < count; ++i) {
+        ResetReminders();
+        first.push_back(Time(ProcessorMs, [] { LoadReminders(false, 0); }));
+    }
+    Compare("32767 reminders: loaded into an empty list", first, loadPlain);
+    Compare("32767 reminders: loaded", load, loadPlain);
+    Compare("32767 reminders: saved", save, savePlain);
+    Report("32767 reminders: one scan", scan, "ms", "below 1 ms");
+    std::filesystem::remove_all(folder);
+    return 0;
+}

@@ -1,0 +1,40 @@
+// The about box.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/controls/Pictures.h"
+
+#include <cstdint>
+#include <string>
+
+namespace voxmate
+{
+
+class frmAbout : public Form
+{
+public:
+    explicit frmAbout(Platform& platform);
+
+    MovingPicture Picture1{this, "Picture1", "about", 144};
+    Label lblTitle{this, "lblTitle"};
+    Label lblVersion{this, "lblVersion"};
+    CommandButton cmdOK{this, "cmdOK", "OK"};
+    CommandButton cmdSysInfo{this, "cmdSysInfo", "&System Info..."};
+
+protected:
+    void Form_Load() override;
+
+private:
+    Platform& platform_;
+
+    void cmdOK_Click();
+    void cmdSysInfo_Click();
+    /// Starts the system's own tool that describes the computer.
+    void StartSysInfo();
+    /// Reads one value under a predefined root key as text; a number as its decimal digits. False when it cannot be
+    /// read or is longer than 1024 bytes.
+    bool GetKeyValue(std::uint32_t KeyRoot, const std::string& KeyName, const std::string& SubKeyRef,
+                     std::string& KeyVal);
+};
+
+} // namespace voxmate

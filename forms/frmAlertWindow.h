@@ -1,0 +1,77 @@
+// A small window without a frame that announces one reminder in the lower right corner of the work area: it comes by
+// sliding up or fading in, stays for a while or until it is clicked, and leaves the way it came.
+#pragma once
+
+#include "modules/Windows.h"
+#include "platform/Platform.h"
+#include "platform/controls/PlacedForm.h"
+
+#include <cstdint>
+#include <string>
+
+namespace voxmate
+{
+
+/// A gradient's vertex colour of 0x00BBGGRR: each channel in the upper byte of its 16 bits.
+void ColorToVertex(TriVertex& vertex, std::int32_t color);
+
+class frmAlertWindow : public PlacedForm, public AlertWindow
+{
+public:
+    explicit frmAlertWindow(Platform& platform);
+    /// One that is done away with while it stands there gives its place back; its reminder stays as it was.
+    ~frmAlertWindow() override;
+
+    Label lblMessage{this, "lblMessage"};
+    Timer Timer1{this, "Timer1", 1, true};
+
+    // AlertWindow.
+    bool Visible() const override { return IsShown(); }
+    void DisplayMessage(const std::string& SMessage, std::int16_t bFormId, bool bPreview, std::int32_t DisplaySeconds,
+                        bool bFade, bool bAutoFit, bool bSquare, std::int32_t iBackColor, bool bTubeFill) override;
+    void SetCloseActivate(bool vNewValue) override;
+    bool CloseActivate() const override { return false; }
+
+protected:
+    void Form_Load() override;
+    void Form_Click() override;
+    void Form_Unload() override;
+
+private:
+    WindowSystem& windows_;
+
+    /// What one announcement knows; a window that is loaded anew begins with a fresh one.
+    struct State {
+        std::int16_t FormId = 0;
+        bool IsPreview = false;
+        std::int32_t StepValue = 0;      ///< sliding: twips a tick; fading: transparency in percent
+        std::int32_t CloseTicks = 0;     ///< ticks left before the window starts to leave
+        std::int32_t WorkAreaBottom = 0; ///< twips
+        std::int32_t SlotNo = 0;         ///< place in the pile, 1 to 8
+        bool NoAutoClose = false;
+        bool NoClickClose = false;
+        bool IsFade = false;
+        bool IsOnTop = false; ///< a sliding window has arrived and is held above all others
+        /// What the system can draw: 0 plain colours, 1 gradients, 2 transparent windows, too.
+        std::uint8_t OsLevel = 0;
+    };
+    State my_;
+
+    void SetOnTop(bool bOn);
+    void SetTransparency(std::int32_t Percent);
+    void PaintCornerGradient(std::int32_t color);
+    void PaintTubeGradient(std::int32_t color);
+    void PaintFrame(bool bSquare, std::int32_t iBackColor);
+    void TakeSlot(bool bTake);
+    void Fade();
+    void Scroll();
+    void Timer1_Timer();
+
+    /// The top at which the window has arrived, in twips.
+    std::int32_t TargetTop() const;
+    /// The window's size in whole pixels.
+    int ScaleWidth();
+    int ScaleHeight();
+};
+
+} // namespace voxmate

@@ -1,0 +1,118 @@
+// How the options dialog is arranged, and what a screen reader says of fields without a caption.
+#include "forms/frmOptions.h"
+
+namespace voxmate
+{
+
+void frmOptions::NameControls()
+{
+    SSTab1.AccessibleName = "Options";
+    txtCharPath.AccessibleName = "Characters Location";
+    comCharSize.AccessibleName = "Character Size";
+    comAnimation.AccessibleName = "Character animations available";
+    txtTotalLines.AccessibleName = "Total lines";
+    txtCharPerLine.AccessibleName = "Characters per line";
+    txtTimeInterval.AccessibleName = "Speak Time Every, in minutes";
+    comDateFMT.AccessibleName = "Format of the system date";
+    txtUserName.AccessibleName = "Your Name";
+    txtGreeting.AccessibleName = "Other Greeting";
+    comRemType.AccessibleName = "Show Reminder as";
+    txtRemText.AccessibleName = "Sentence to speak";
+    txtAutoClose.AccessibleName = "Auto close time in seconds";
+
+    Label1.Buddy = &txtCharPath;
+    Label4.Buddy = &comCharSize;
+    Label12.Buddy = &comAnimation;
+    Label7.Buddy = &cmdFont;
+    Label11.Buddy = &txtTotalLines;
+    Label10.Buddy = &txtCharPerLine;
+    Label8.Buddy = &txtTimeInterval;
+    Label2.Buddy = &comDateFMT;
+    Label6.Buddy = &txtUserName;
+    Label5.Buddy = &txtGreeting;
+    Label13.Buddy = &comRemType;
+}
+
+void frmOptions::Arrange()
+{
+    Arrangement = Column({
+        Tabbed(SSTab1, {CharacterPage(), ReadingPage(), MiscPage(), RemindersPage()}),
+        Row({Item(cmdDefault), Space(), Item(cmdOK), Item(cmdCancel), Item(cmdApply)}),
+    });
+}
+
+Layout frmOptions::CharacterPage()
+{
+    Layout balloon = Column({
+        Row({Item(Label7), Item(lblFont).Stretch(1), Item(cmdFont)}),
+        Row({Column({Item(chkSizeToText), Item(chkAutoHide), Item(chkAutoPace)}), Space(),
+             Column({Grid(2, {Item(Label11), Item(txtTotalLines), Item(Label10), Item(txtCharPerLine)}), Space()})}),
+    });
+    return Column({
+        Grid(3, {Item(Label1), Item(txtCharPath).Min(320, 0).Stretch(1), Item(cmdBrowse), Item(Label4), Item(comCharSize), Space(0),
+                 Item(Label12), Item(comAnimation), Item(cmdAnimate)}),
+        Item(chkSoundEffects),
+        Item(chkBalloon),
+        Framed(Frame2, std::move(balloon)),
+        Space(),
+    });
+}
+
+Layout frmOptions::ReadingPage()
+{
+    return Column({
+        Row({Item(Label8), Item(txtTimeInterval), Item(Label9), Space()}),
+        Item(chk24Time),
+        Row({Item(Label2), Item(comDateFMT), Item(Label3), Space()}),
+        Item(chkReadOnLeftClick),
+        Row({Item(Label6), Item(txtUserName).Stretch(1)}),
+        Item(chkMyName),
+        Item(chkMsgRead),
+        Space(),
+    });
+}
+
+Layout frmOptions::MiscPage()
+{
+    Layout greeting = Column({
+        Grid(2, {Item(OptGreet(0)).Stretch(1), Item(OptGreet(3)).Stretch(1), Item(OptGreet(1)), Item(OptGreet(4)),
+                 Item(OptGreet(2)), Space(0)}),
+        Row({Item(Label5), Item(txtGreeting).Stretch(1)}),
+    });
+    return Column({
+        Item(chkShowStart),
+        Item(chkIntroAtStart),
+        Item(chkGreeting),
+        Framed(Frame1, std::move(greeting)),
+        Item(chkCloseInTray),
+        Space(),
+    });
+}
+
+Layout frmOptions::RemindersPage()
+{
+    const auto column = [](OptionGroup& group) {
+        std::vector<Layout> buttons;
+        for (int i = 0; i < group.Count(); ++i)
+            buttons.push_back(Item(group(i)));
+        buttons.push_back(Space());
+        return Column(std::move(buttons));
+    };
+    return Column({
+        Row({Item(Label13), Item(comRemType), Item(chkOnTop), Space()}),
+        Item(chkSpkSentence),
+        Item(txtRemText),
+        Framed(Frame3, Row({Item(chkSpkTitle), Item(chkSpkDate), Item(chkSpkTime), Item(chkSpkDesc), Item(chkSpkSnooze),
+                            Space()})),
+        Row({Framed(fraAction, column(optAction)).Stretch(1), Framed(fraGrad, column(optGradiantType)).Stretch(1),
+             Framed(fraShape, column(optShape)).Stretch(1),
+             Framed(fraColorOption,
+                    Column({Grid(2, {Item(optColor(0)), Item(optColor(2)), Item(optColor(1)), Item(optColor(3))}),
+                            Space()}))
+                 .Stretch(1)}),
+        Row({Item(chkAutoClose), Item(txtAutoClose), Item(Label14), Space(), Item(cmdPreview)}),
+        Space(),
+    });
+}
+
+} // namespace voxmate

@@ -1,0 +1,288 @@
+#include "forms/frmReminder.h"
+
+#include "base/Text.h"
+#include "forms/Command.h"
+#include "modules/Declarations.h"
+#include "modules/ReminderRecord.h"
+
+#include <tuple>
+#include <utility>
+
+namespace voxmate
+{
+
+namespace
+{
+
+constexpr std::size_t TitleLength = 50;
+constexpr std::size_t TimeLength = 5;
+constexpr std::size_t DescriptionLength = 250;
+
+// A question whose answer changes the file: No is what Enter answers.
+bool Confirmed(const std::string& question, const char* animation)
+{
+    return ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, animation) == vbYes;
+}
+
+CalendarDate DayOf(const DateTime& date)
+{
+    return {date.year, date.month, date.day};
+}
+
+} // namespace
+
+frmReminder::frmReminder(Platform& platform) : Form(platform.Windows, "frmReminder"), platform_(platform)
+{
+    Caption = "Voxmate Reminders";
+    Border = BorderStyle::Sizable;
+    lstvReminders.SmallIcons = &RemImgList;
+    lstvReminders.AccessibleName = "Reminders";
+    mvDate.AccessibleName = "Date";
+    Label1.Buddy = &txtTitle;
+    Label2.Buddy = &txtDesc;
+    Label3.Buddy = &txtTime;
+    txtTitle.MaxLength = TitleLength;
+    txtTime.MaxLength = TimeLength;
+    txtDesc.MaxLength = DescriptionLength;
+    txtDesc.MultiLine = true;
+    cmdClose.IsCancel = true;
+    Arrange();
+
+    lstvReminders.ItemClick = [this](std::size_t number) { lstvReminders_ItemClick(number); };
+    lstvReminders.ColumnClick = [this](int column) { lstvReminders_ColumnClick(column); };
+    txtTitle.Change = [this] { MarkChanged(); };
+    txtDesc.Change = [this] { MarkChanged(); };
+    chkDone.Click = [this] { MarkChanged(); };
+    mvDate.SelChange = [this] { MarkChanged(); };
+    txtTime.KeyPress = [this](int& keyAscii) { txtTime_KeyPress(keyAscii); };
+    // Typed, deleted and pasted times are changes, too, which must not be lost without a question.
+    txtTime.Change = [this] {
+        if (!timeByCode_)
+            MarkChanged();
+    };
+    cmdAdd.Click = [this] { cmdAdd_Click(); };
+    cmdUpdate.Click = [this] { cmdUpdate_Click(); };
+    cmdDelete.Click = [this] { cmdDelete_Click(); };
+    cmdClose.Click = [this] { cmdClose_Click(); };
+}
+
+void frmReminder::Arrange()
+{
+    constexpr int tight = 4;
+    Layout when = Row({
+        Item(mvDate),
+        Column({Column({Item(Label3), Row({Item(txtTime), Item(Label4), Space()})}).Spacing(tight), Item(chkDone),
+                Space()}),
+    });
+    Layout fields = Column({
+        Column({Item(Label1), Item(txtTitle)}).Spacing(tight),
+        std::move(when),
+        Column({Item(Label2), Item(txtDesc).Stretch(1).Min(0, 84)}).Spacing(tight).Stretch(1),
+    });
+    Arrangement = Column({
+        Row({Item(lstvReminders).Stretch(1).Min(430, 380), Framed(Frame1, std::move(fields))}).Stretch(1),
+        Row({Item(cmdAdd), Item(cmdUpdate), Item(cmdDelete), Space(), Item(cmdClose)}),
+    });
+}
+
+void frmReminder::Form_Load()
+{
+    Caption = std::string("Voxmate Reminders") +
+              (Main().ReminderTimerEnabled() ? " - CURRENTLY ENABLED" : " - CURRENTLY DISABLED");
+    lstvReminders.ClearItems();
+    lstvReminders.FullRowSelect = false;
+    lstvReminders.Sorted = false;
+    lstvReminders.SortKey = 0;
+    lstvReminders.Order = SortOrder::Ascending;
+    ClearFields();
+}
+
+void frmReminder::Form_QueryUnload(bool& cancel)
+{
+    const Command command(working_);
+    cancel = !command.Begun() || !MayClose();
+}
+
+void frmReminder::AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+                              const std::string& time)
+{
+    lstvReminders.AddItem({std::to_string(id), image, {title, date, time}});
+}
+
+void frmReminder::SelectListItem(std::int16_t index)
+{
+    cmdUpdate.Enabled = true;
+    cmdDelete.Enabled = true;
+    lstvReminders.FullRowSelect = true;
+    if (index > 0)
+        lstvReminders.SelectItem(static_cast<std::size_t>(index));
+}
+
+void frmReminder::ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
+                             const std::string& time, const std::string& description, bool done)
+{
+    txtTitle.Text = title;
+    mvDate.SetValue({year, month, day});
+    timeByCode_ = true;
+    txtTime.Text = time;
+    timeByCode_ = false;
+    txtDesc.Text = description;
+    chkDone.Value = done ? 1 : 0;
+    // The fields are those of a reminder that exists, until the user makes them another's.
+    cmdAdd.Enabled = false;
+}
+
+void frmReminder::ClearFields()
+{
+    txtTitle.Text = "";
+    txtDesc.Text = "";
+    timeByCode_ = true;
+    txtTime.Text = "";
+    timeByCode_ = false;
+    chkDone.Value = 0;
+    mvDate.SetValue(DayOf(platform_.Time.Now()));
+    cmdUpdate.Enabled = false;
+    cmdDelete.Enabled = false;
+    cmdAdd.Enabled = true;
+}
+
+void frmReminder::MarkChanged()
+{
+    cmdAdd.Enabled = true;
+    if (RemCount > 0)
+        cmdUpdate.Enabled = true;
+}
+
+void frmReminder::txtTime_KeyPress(int& keyAscii)
+{
+    constexpr int backspace = 8;
+    constexpr int enter = 13;
+    const bool digit = keyAscii >= '0' && keyAscii <= '9';
+    if (!digit && keyAscii != ':' && keyAscii != backspace && keyAscii != enter)
+        keyAscii = 0;
+}
+
+void frmReminder::lstvReminders_ItemClick(std::size_t number)
+{
+    const std::string& id = lstvReminders.ListItems()[number - 1].Text;
+    ShowReminderInEditor(ToInt16(WholeNumber(id).value_or(0)));
+}
+
+void frmReminder::lstvReminders_ColumnClick(int column)
+{
+    const int key = column - 1;
+    if (lstvReminders.SortKey == key)
+        lstvReminders.Order =
+            lstvReminders.Order == SortOrder::Ascending ? SortOrder::Descending : SortOrder::Ascending;
+    else
+        lstvReminders.Order = SortOrder::Ascending;
+    lstvReminders.SortKey = key;
+    // Until the first click the list stands in the file's order.
+    lstvReminders.Sorted = true;
+}
+
+void frmReminder::cmdAdd_Click()
+{
+    const Command command(working_);
+    if (!command.Begun() || !ValidateReminderInput(true) || !TryAppendReminder(Fields()))
+        return;
+    LoadReminders(true, ToInt16(RemCount + 1));
+}
+
+void frmReminder::cmdUpdate_Click()
+{
+    const Command command(working_);
+    if (command.Begun())
+        UpdateSelected();
+}
+
+// Whether nothing that the user wants to keep was left unsaved by an error of the file.
+bool frmReminder::UpdateSelected()
+{
+    if (!Confirmed("Are you sure you want to update the selected reminder ?", "Suggest") ||
+        !ValidateReminderInput(false))
+        return true;
+    const std::int16_t id = SelectedId();
+    StoreReminder(id, Fields());
+    if (!TrySaveReminders(0))
+        return false;
+    LoadReminders(true, id);
+    cmdUpdate.Enabled = false;
+    return true;
+}
+
+void frmReminder::cmdDelete_Click()
+{
+    const Command command(working_);
+    if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?", "Suggest"))
+        return;
+    const std::int16_t id = SelectedId();
+    if (id > 0 && TrySaveReminders(id))
+        LoadReminders(true, 0);
+}
+
+void frmReminder::cmdClose_Click()
+{
+    const Command command(working_);
+    if (command.Begun() && MayClose())
+        Unload();
+}
+
+bool frmReminder::MayClose()
+{
+    if (!cmdUpdate.Enabled)
+        return true;
+    switch (ReminderMessage("Do you want to save changes ?", vbYesNoCancel + vbQuestion, "Suggest")) {
+    case vbYes:
+        return UpdateSelected();
+    case vbNo:
+        return true;
+    default:
+        return false;
+    }
+}
+
+std::int16_t frmReminder::SelectedId() const
+{
+    const std::size_t number = lstvReminders.SelectedItem();
+    return number == 0 ? std::int16_t{0} : ToInt16(WholeNumber(lstvReminders.ListItems()[number - 1].Text).value_or(0));
+}
+
+Reminder frmReminder::Fields() const
+{
+    const std::string time = Trim(txtTime.Text.get());
+    const auto number = [&time](std::size_t at) { return ToInt16(WholeNumber(Mid(time, at, 2)).value_or(0)); };
+    return {txtTitle.Text, ToInt16(mvDate.Day()), ToInt16(mvDate.Month()), ToInt16(mvDate.Year()), number(1),
+            number(4),     txtDesc.Text,          chkDone.Value != 0};
+}
+
+bool frmReminder::ValidateReminderInput(bool adding)
+{
+    if (Trim(txtTitle.Text.get()).empty())
+        return Refuse("Please input a title to your reminder.", txtTitle);
+    if (!IsValidTime(txtTime.Text))
+        return Refuse("Time format you have entered is incorrect. It should be 'HH:MM'", txtTime);
+    if (Trim(txtDesc.Text.get()).empty())
+        return Refuse("Please put description for your reminder.", txtDesc);
+    const std::string doing = adding ? "You are adding a " : "You are updating a ";
+    if (IsBackDated() && !Confirmed(doing + "back dated reminder. Proceed anyway ?", "Suggest"))
+        return false;
+    return chkDone.Value == 0 || Confirmed(doing + "'Mark as Done' reminder. Proceed anyway ?", "Suggest");
+}
+
+bool frmReminder::Refuse(const char* text, Control& field)
+{
+    ReminderMessage(text, vbOKOnly + vbExclamation, "Confused");
+    field.SetFocus();
+    return false;
+}
+
+bool frmReminder::IsBackDated() const
+{
+    const Reminder due = Fields();
+    const DateTime now = platform_.Time.Now();
+    return std::tuple<int, int, int, int, int>(due.Year, due.Month, due.Day, due.Hour, due.Minute) <
+           std::tuple(now.year, now.month, now.day, now.hour, now.minute);
+}
+
+} // namespace voxmate

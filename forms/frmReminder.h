@@ -1,0 +1,76 @@
+// The reminder editor: the list of all reminders, and fields to add, change, delete and mark one.
+#pragma once
+
+#include "modules/Reminders.h"
+#include "modules/Windows.h"
+#include "platform/Platform.h"
+#include "platform/controls/ListView.h"
+#include "platform/controls/MonthView.h"
+
+#include <string>
+
+namespace voxmate
+{
+
+class frmReminder : public Form, public ReminderEditor
+{
+public:
+    explicit frmReminder(Platform& platform);
+
+    ImageList RemImgList{this, "RemImgList", {{"done", "Done"}, {"pending", "Pending"}}};
+    ListView lstvReminders{this, "lstvReminders", {{"Id", 5}, {"Title", 0}, {"Date", 10}, {"Time", 5}}};
+    Frame Frame1{this, "Frame1", "Reminder"};
+    Label Label1{this, "Label1", "Title"};
+    TextBox txtTitle{this, "txtTitle"};
+    MonthView mvDate{this, "mvDate"};
+    Label Label3{this, "Label3", "Time"};
+    TextBox txtTime{this, "txtTime"};
+    Label Label4{this, "Label4", "HH:MM"};
+    CheckBox chkDone{this, "chkDone", "Marked as done"};
+    Label Label2{this, "Label2", "Description:"};
+    TextBox txtDesc{this, "txtDesc"};
+    CommandButton cmdAdd{this, "cmdAdd", "Add"};
+    CommandButton cmdUpdate{this, "cmdUpdate", "Update"};
+    CommandButton cmdDelete{this, "cmdDelete", "Delete"};
+    CommandButton cmdClose{this, "cmdClose", "Close"};
+
+    // ReminderEditor.
+    void ShowEditor() override { Show(); }
+    void UnloadEditor() override { Unload(); }
+    void ClearList() override { lstvReminders.ClearItems(); }
+    void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+                     const std::string& time) override;
+    void SelectListItem(std::int16_t index) override;
+    void ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
+                    const std::string& time, const std::string& description, bool done) override;
+    void ClearFields() override;
+
+protected:
+    void Form_Load() override;
+    void Form_QueryUnload(bool& cancel) override;
+
+private:
+    Platform& platform_;
+    bool working_ = false;    ///< a command runs
+    bool timeByCode_ = false; ///< the program fills txtTime, not the user
+
+    void Arrange();
+    void MarkChanged();
+    void txtTime_KeyPress(int& keyAscii);
+    void lstvReminders_ItemClick(std::size_t number);
+    void lstvReminders_ColumnClick(int column);
+    void cmdAdd_Click();
+    void cmdUpdate_Click();
+    void cmdDelete_Click();
+    void cmdClose_Click();
+
+    std::int16_t SelectedId() const;
+    Reminder Fields() const;
+    bool ValidateReminderInput(bool adding);
+    bool Refuse(const char* text, Control& field);
+    bool IsBackDated() const;
+    bool UpdateSelected();
+    bool MayClose();
+};
+
+} // namespace voxmate

@@ -1,0 +1,115 @@
+#include "forms/frmShowRem.h"
+
+#include "base/Text.h"
+#include "forms/Command.h"
+#include "modules/Declarations.h"
+#include "modules/ReminderRecord.h"
+#include "modules/Reminders.h"
+
+namespace voxmate
+{
+
+namespace
+{
+
+constexpr const char* SnoozeText = "10";
+constexpr std::size_t SnoozeLength = 3;
+
+} // namespace
+
+frmShowRem::frmShowRem(Platform& platform) : Form(platform.Windows, "frmShowRem"), platform_(platform)
+{
+    Caption = "Voxmate Reminder";
+    FontName = "Tahoma";
+    // It comes by itself, while the user may be typing elsewhere.
+    ShowActivated = false;
+    lblHeading.Font = FontSpec{"Comic Sans MS", 16, true};
+    for (Label* value : {&lblId, &lblTitle, &lblDate, &lblTime})
+        value->Font = FontSpec{"Tahoma", 0, true};
+    Label6.Buddy = &txtDesc;
+    txtSnooze.AccessibleName = "Snooze minutes";
+    txtSnooze.MaxLength = SnoozeLength;
+    txtDesc.MultiLine = true;
+    cmdOK.IsDefault = true;
+    Arrange();
+
+    txtSnooze.KeyPress = [this](int& keyAscii) { txtSnooze_KeyPress(keyAscii); };
+    cmdOK.Click = [this] { cmdOK_Click(); };
+    cmdSnooze.Click = [this] { cmdSnooze_Click(); };
+}
+
+void frmShowRem::Arrange()
+{
+    constexpr int tight = 4;
+    Arrangement = Column({
+        Item(lblHeading),
+        Grid(2, {Item(Label5).Min(68, 0), Item(lblId).Stretch(1), Item(Label3), Item(lblTitle), Item(Label4),
+                 Item(lblDate), Item(Label2), Item(lblTime)})
+            .Spacing(tight),
+        Column({Item(Label6), Item(txtDesc).Stretch(1).Min(400, 104)}).Spacing(tight),
+        Row({Item(txtSnooze), Item(Label7), Item(cmdSnooze), Item(Label1), Space(), Item(cmdOK)}),
+    });
+}
+
+// A window that was unloaded and is shown again for its reminder begins anew.
+void frmShowRem::Form_Load()
+{
+    txtSnooze.Text = SnoozeText;
+    txtDesc.Text = "";
+}
+
+void frmShowRem::ShowNotice(const NoticeText& text)
+{
+    Load();
+    lblHeading.Caption = text.Heading;
+    lblId.Caption = std::to_string(text.Id);
+    lblTitle.Caption = text.Title;
+    lblDate.Caption = text.Date;
+    lblTime.Caption = text.Time;
+    txtDesc.Text = text.Description;
+    txtDesc.Locked = true;
+    // The setting says the opposite of its name; users know it so.
+    const std::int32_t insertAfter = Settings.ReminderOnTop == 1 ? HWND_NOTOPMOST : HWND_TOPMOST;
+    platform_.Windows.SetWindowPos(hWnd(), insertAfter, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    Show();
+}
+
+void frmShowRem::txtSnooze_KeyPress(int& keyAscii)
+{
+    constexpr int backspace = 8;
+    constexpr int enter = 13;
+    if ((keyAscii < '0' || keyAscii > '9') && keyAscii != backspace && keyAscii != enter)
+        keyAscii = 0;
+}
+
+void frmShowRem::cmdOK_Click()
+{
+    const Command command(working_);
+    if (!command.Begun())
+        return;
+    FinishReminder(Id(), false, 0);
+    Unload();
+}
+
+void frmShowRem::cmdSnooze_Click()
+{
+    const Command command(working_);
+    if (!command.Begun())
+        return;
+    txtSnooze.Text = Trim(txtSnooze.Text.get());
+    if (!IsWholeNumber(txtSnooze.Text, false)) {
+        ReminderMessage("Snooze time should be greater than zero.", vbOKOnly + vbExclamation);
+        txtSnooze.SetFocus();
+        return;
+    }
+    // Three digits at most.
+    FinishReminder(Id(), true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
+    Unload();
+}
+
+std::int16_t frmShowRem::Id() const
+{
+    return ToInt16(WholeNumber(lblId.Caption.get()).value_or(0));
+}
+
+} // namespace voxmate

@@ -1,0 +1,46 @@
+// The tip of the day.
+#pragma once
+
+#include "modules/Windows.h"
+#include "platform/Platform.h"
+#include "platform/controls/Pictures.h"
+
+#include <string>
+
+namespace voxmate
+{
+
+class frmTip : public Form, public TipWindow
+{
+public:
+    explicit frmTip(Platform& platform);
+
+    Pane Picture1{this, "Picture1"};
+    Image imgTip{this, "imgTip", "voxmate", 44};
+    Label Label1{this, "Label1", "Did you know..."};
+    Label lblTipText{this, "lblTipText"};
+    CommandButton cmdNextTip{this, "cmdNextTip", "&Next Tip"};
+    CommandButton cmdReadTip{this, "cmdReadTip", "&Read Tip"};
+    CheckBox chkLoadTipsAtStartup{this, "chkLoadTipsAtStartup", "&Show Tips at Startup"};
+    CheckBox chkAutoRead{this, "chkAutoRead", "&Auto Read Tip"};
+    CommandButton cmdOK{this, "cmdOK", "OK"};
+
+    // TipWindow.
+    void ShowTip() override { Show(); }
+    void SetChecks(int showAtStartUp, int autoRead) override;
+    void SetTipText(const std::string& text) override { lblTipText.Caption = text; }
+    std::string TipText() const override { return lblTipText.Caption; }
+    void DisplayCurrentTip() override;
+
+protected:
+    void Form_Load() override;
+
+private:
+    void chkAutoRead_Click();
+    void chkLoadTipsAtStartup_Click();
+    void cmdReadTip_Click();
+    void cmdNextTip_Click();
+    void cmdOK_Click();
+};
+
+} // namespace voxmate

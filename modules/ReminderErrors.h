@@ -1,0 +1,18 @@
+// What is said of a reminders' file that could not be read or written.
+#pragma once
+
+#include "base/RuntimeError.h"
+
+#include <string>
+
+namespace voxmate
+{
+
+/// A run-time error of the file in a person's words, as the end of a sentence: "the disk is full."
+std::string Reason(const RuntimeError& error);
+/// The same for a reminder that does not fit its slot, which is named.
+std::string TooLongReason(const std::string& title, const std::string& description);
+/// "Error 61 - Disk full".
+std::string NumberAndDescription(const RuntimeError& error);
+
+} // namespace voxmate

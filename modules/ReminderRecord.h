@@ -1,0 +1,65 @@
+// One reminder as it stands in the file: eight texts in a slot of 128 bytes, and what they may be.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace voxmate
+{
+
+inline constexpr std::size_t ReminderSlotSize = 128;
+/// What a title and a description may take up together: the slot without eight lengths of two bytes and without the
+/// two, two, four, two, two and one bytes of day, month, year, hour, minute and flag.
+inline constexpr std::size_t ReminderTextSize = ReminderSlotSize - std::size_t{8} * 2 - 13;
+
+/// The fields in their order in the slot. Each is stored as its length in bytes (16 bits, low byte first) and its
+/// bytes.
+struct ReminderRecord {
+    std::string_view Title;
+    std::string_view Day;
+    std::string_view Month;
+    std::string_view Year;
+    std::string_view Hour;
+    std::string_view Minute;
+    std::string_view Description;
+    std::string_view Done;
+    bool Whole = true; ///< no length points past the slot
+};
+
+/// Reads a slot's bytes, of which a file's end may have left fewer than 128: what it lacks is empty. The fields are
+/// parts of `slot`.
+ReminderRecord ReadReminder(std::string_view slot);
+/// The bytes of a record; more than 128 when it does not fit a slot.
+std::string WriteReminder(const ReminderRecord& record);
+
+/// A number in decimal with at least so many digits, zeros in front and the sign before them ("-08").
+std::string Padded(std::int32_t value, std::size_t digits);
+/// Whether there is such a day in the Gregorian calendar of the years 100 to 9999, those of the date type.
+bool IsRealDate(int day, int month, int year);
+
+struct TimeOfDay {
+    std::int16_t Hour = 0;
+    std::int16_t Minute = 0;
+};
+/// The time a text of the form HH:MM stands for, blanks round it aside; none for anything else.
+std::optional<TimeOfDay> ParseTime(std::string_view text);
+
+struct ReminderSchedule {
+    std::int16_t Day = 0;
+    std::int16_t Month = 0;
+    std::int16_t Year = 0;
+    TimeOfDay Time;
+};
+/// When a record is due; none when the record is not valid: it is whole, its day, month and year are 1 to 4 digits
+/// each, blanks round them aside, and make a real date, its hour, a colon and its minute make a time, and its flag is Y
+/// or N, blanks round it aside.
+std::optional<ReminderSchedule> Validate(const ReminderRecord& record);
+
+/// The number that a text of digits, a sign before them or not, stands for, blanks round it aside; none for anything
+/// else, and what is beyond 32 bits is the nearest number within.
+std::optional<std::int32_t> WholeNumber(std::string_view text);
+
+} // namespace voxmate

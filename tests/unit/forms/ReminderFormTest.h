@@ -1,0 +1,154 @@
+// What the tests of the reminder editor start from: the real list of reminders, its file in memory.
+#pragma once
+
+#include "forms/frmReminder.h"
+#include "modules/Declarations.h"
+#include "modules/Reminders.h"
+#include "tests/fakes/FakePlatform.h"
+
+#include <algorithm>
+#include <array>
+
+#include <gtest/gtest.h>
+
+namespace voxmate
+{
+
+namespace editor_test
+{
+
+inline constexpr int Question = 4 + 32 + 256; // Yes and No, No the default, question mark
+inline constexpr int SaveQuestion = 3 + 32;   // Yes, No and Cancel
+inline constexpr int Refusal = 48;
+
+using Lines = std::vector<std::string>;
+
+class EditorsMain : public fakes::FakeMainWindow
+{
+public:
+    using FakeMainWindow::FakeMainWindow;
+    frmReminder* form = nullptr;
+    ReminderEditor& Editor() override { return *form; }
+};
+
+/// Notes which of the fields got the keyboard.
+class FocusPeer : public Peer
+{
+public:
+    FocusPeer(Control& control, std::string& focused) : name_(control.Name), focused_(focused)
+    {
+        control.SetPeer(this);
+    }
+    void Update(Property) override {}
+    void SetFocus() override { focused_ = name_; }
+
+private:
+    std::string name_;
+    std::string& focused_;
+};
+
+class ReminderFormTest : public ::testing::Test
+{
+protected:
+    const std::string file = "C:\\Voxmate\\VoxmateReminders.txt";
+    fakes::FakePlatform fake;
+    EditorsMain main{fake.log};
+    frmReminder form{fake.platform};
+    std::string focused;
+
+    ReminderFormTest()
+    {
+        main.form = &form;
+        BeginProgram(fake.platform, main);
+        ResetReminders();
+        ReminderFilePath = file;
+        ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
+        main.CheckReminderMenus(true, false);
+        main.reminderTimer = true;
+        fake.clock.now = {2004, 3, 7, 9, 5, 30};
+    }
+    ~ReminderFormTest() override { ResetReminders(); }
+
+    using Record = std::array<std::string, 8>; // title, day, month, year, hour, minute, description, flag
+    static std::string Slot(const Record& fields)
+    {
+        std::string bytes;
+        for (const std::string& field : fields) {
+            bytes += static_cast<char>(field.size());
+            bytes += '\0';
+            bytes += field;
+        }
+        bytes.resize(128, '\0');
+        return bytes;
+    }
+    static std::string Slots(const std::vector<Record>& records)
+    {
+        std::string bytes;
+        for (const Record& record : records)
+            bytes += Slot(record);
+        return bytes;
+    }
+    static std::vector<Record> Three()
+    {
+        return {{"Call", "07", "03", "2005", "09", "05", "Bank", "N"},
+                {"Swim", "31", "12", "2004", "00", "00", "Pool", "Y"},
+                {"apple", "01", "01", "2006", "23", "59", "Tree", "N"}};
+    }
+    std::string Content() { return fake.files.texts.at(file); }
+
+    /// Shows the editor as the menu does.
+    void Open(const std::vector<Record>& records)
+    {
+        fake.files.texts[file] = Slots(records);
+        ShowAllReminders();
+        fake.windows.boxes.clear();
+        fake.log.clear();
+    }
+    /// Types a reminder that is due next year into the fields.
+    void Fill(const std::string& title = "Tea", const std::string& time = "16:30",
+              const std::string& description = "Kettle")
+    {
+        form.txtTitle.UserEdit(title);
+        form.mvDate.UserSelect({2005, 5, 9});
+        form.txtTime.UserEdit(time);
+        form.txtDesc.UserEdit(description);
+    }
+    Lines Boxes() const
+    {
+        Lines texts;
+        for (const auto& box : fake.windows.boxes)
+            texts.push_back(box.text);
+        return texts;
+    }
+    std::string Enabled() const
+    {
+        return std::string(form.cmdAdd.Enabled ? "Add " : "") + (form.cmdUpdate.Enabled ? "Update " : "") +
+               (form.cmdDelete.Enabled ? "Delete " : "");
+    }
+    Lines Rows()
+    {
+        Lines rows;
+        for (const std::uint32_t number : form.lstvReminders.Rows()) {
+            const ListItem& item = form.lstvReminders.ListItems()[number - 1];
+            rows.push_back(item.Text + "|" + std::to_string(item.SmallIcon) + "|" + item.SubItems[0] + "|" +
+                           item.SubItems[1] + "|" + item.SubItems[2]);
+        }
+        return rows;
+    }
+    std::string Fields() const
+    {
+        const CalendarDate& date = form.mvDate.Value();
+        return form.txtTitle.Text.get() + "|" + std::to_string(date.Year) + "-" + std::to_string(date.Month) + "-" +
+               std::to_string(date.Day) + "|" + form.txtTime.Text.get() + "|" + form.txtDesc.Text.get() + "|" +
+               std::to_string(form.chkDone.Value);
+    }
+};
+
+/// The same for what its commands do.
+class ReminderCommandsTest : public ReminderFormTest
+{
+};
+
+} // namespace editor_test
+
+} // namespace voxmate
