@@ -92,7 +92,10 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
     icon_ = std::make_unique<QSystemTrayIcon>(icons_.Icon(ToQt(picture->second->Picture)));
     icon_->setToolTip(QString::fromUtf8(data.tip.data()));
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
-                     [this, receiver = box->second](auto reason) { Activated(reason, *receiver); });
+                     [this, receiver = box->second](auto reason) {
+                         // Later: a panel waits for its call to return, and a menu stays up for long.
+                         QTimer::singleShot(0, icon_.get(), [=, this] { Activated(reason, *receiver); });
+                     });
     icon_->show();
     watch_.disconnect();
     QObject::connect(&watch_, &QTimer::timeout, window, [this, window] {

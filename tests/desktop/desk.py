@@ -203,7 +203,9 @@ class Desk:
         return os.path.join(self.env["XDG_CONFIG_HOME"], "voxmate", "registry.reg")
 
     def install_defaults(self, **values):
-        """Puts the defaults file in place; values replace single settings (numbers or texts)."""
+        """Puts the defaults file in place; values replace single settings (numbers or texts). There is no tip at start-up
+        unless it is asked for: it would be read into every recording."""
+        values.setdefault("ShowTipAtStartUp", 0)
         here = os.path.dirname(os.path.abspath(__file__))
         if os.path.exists(self.settings_file):
             os.remove(self.settings_file)

@@ -1,9 +1,11 @@
-"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, and each
-message box, at scale 1 and 2, from the running program.
+"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, options, tip,
+about box, reminder editor and announcements in every style, and each message box, at scale 1 and 2, from the running
+program. With names (main, balloons, dialogs, reminders, alerts, boxes) only those.
 
-Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER     (as root: the program is photographed where a user has it)
+Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER [NAME...]     (as root: the program is photographed where a user has it)
 """
 
+import datetime
 import os
 import shutil
 import subprocess
@@ -13,6 +15,7 @@ import time
 from PIL import Image, ImageDraw, ImageFont
 
 import desk as desktop
+from test_reminders import record
 
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 MARGIN = 12  # of desktop round a window
@@ -150,6 +153,82 @@ class Photographer:
         self.desk.run("xdotool", "mouseup", "1")
         time.sleep(0.3)
 
+    def dialogs(self):
+        program = self.start(ShowCharacterAtStart=0, AutoReadTip=0, ReadMessages=0)
+        text = self.desk.find("Text to read", timeout=20)
+        time.sleep(3)
+        self.press("User Options")
+        for tab in ("Character", "Reading", "Misc", "Reminders"):
+            self.desk.click(self.desk.find(tab, role="page tab"))
+            self.window("options-" + tab.lower(), "^Voxmate Options$")
+        self.desk.key("Escape")
+        for name, title, keys in (("tip", "^Tip of the Day$", ("alt+f", "t")), ("about", "^About Voxmate", ("alt+h", "a")),
+                                  ("box-help", "^Voxmate - Help$", ("alt+h", "h"))):
+            self.menu(text, *keys)
+            self.window(name, title)
+            self.desk.key("Escape")
+            time.sleep(0.3)
+        self.desk.end(program)
+
+    def menu(self, text, *keys):
+        self.desk.click(text)
+        for key in keys:
+            self.desk.key(key)
+            time.sleep(0.3)
+
+    def reminders_file(self, *reminders):
+        folder = os.path.join(self.desk.env["XDG_DATA_HOME"], "voxmate")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, "VoxmateReminders.txt"), "wb") as file:
+            file.write(b"".join(record(*reminder) for reminder in reminders))
+
+    def reminders(self):
+        later = datetime.datetime(2030, 3, 7, 9, 5)
+        titles = (("Call the bank", "About the new card", "N"), ("Tea with Ann", "The green one, in the garden", "Y"),
+                  ("Water the plants", "Not the cactus", "N"), ("Dentist", "Bring the old pictures along", "Y"),
+                  ("Birthday: Ben", "He is seven now; the kite is in the cupboard", "N"), ("Train to the sea", "Platform 4, seat 61", "N"))
+        self.reminders_file(*[(title, later + datetime.timedelta(days=11 * i, minutes=75 * i), text, done)
+                              for i, (title, text, done) in enumerate(titles)])
+        program = self.start(ShowCharacterAtStart=0, ReadMessages=0)
+        text = self.desk.find("Text to read", timeout=20)
+        time.sleep(3)
+        self.menu(text, "alt+r", "s")
+        self.window("editor", "^Voxmate Reminders")
+        self.press("Update")
+        self.window("box-question", "^Voxmate - Reminders$")
+        self.desk.end(program)
+        self.reminders_file(("Call the bank", datetime.datetime(2026, 3, 7, 9, 5), "About the new card, before they close at noon", "N"))
+        program = self.start(ShowCharacterAtStart=0, ReminderType=1)
+        self.window("notice", "^Voxmate Reminder$")
+        self.desk.end(program)
+        self.reminders_file()
+
+    def alerts(self):
+        """Every style of the alert window on one sheet."""
+        font = ImageFont.truetype("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", 12 * self.scale)
+        colors = ("Yellow", "Blue", "Red", "Green")
+        cell, gap, title = (184 * self.scale, 176 * self.scale), 10 * self.scale, 20 * self.scale
+        sheet = Image.new("RGB", (4 * (cell[0] + gap) + gap, 4 * (cell[1] + title + gap) + gap), "#f4f7f9")
+        draw = ImageDraw.Draw(sheet)
+        for shape, shape_name in enumerate(("Square", "Round corners")):
+            for gradient, gradient_name in enumerate(("Corner", "Tube")):
+                for color, color_name in enumerate(colors):
+                    self.reminders_file(("Tea with Ann", datetime.datetime(2026, 3, 7, 16, 0), "The green one", "N"))
+                    program = self.start(ShowCharacterAtStart=0, ReminderType=0, RemAlertAction=0, RemAlertClose=0, RemAlertShape=shape,
+                                         RemAlertGradient=gradient, RemAlertColor=color, ReminderSentenceSpeak=0, ReminderTitleSpeak=0,
+                                         ReminderDateSpeak=0, ReminderTimeSpeak=0, ReminderDescSpeak=0)
+                    desktop.wait_for(lambda: self.desk.windows("^frmAlert$"), 20, what="the alert")
+                    time.sleep(2)
+                    right, bottom = self.desk.screen
+                    picture = self.desk.screenshot(box=(right - cell[0], bottom - cell[1], right, bottom))
+                    self.desk.end(program)
+                    x, y = gap + color * (cell[0] + gap), gap + (2 * shape + gradient) * (cell[1] + title + gap)
+                    draw.text((x, y), f"{shape_name}, {gradient_name}, {color_name}", fill="#22303c", font=font)
+                    sheet.paste(picture, (x, y + title))
+        sheet.save(self.path("alerts"))
+        print(self.path("alerts"), flush=True)
+        self.reminders_file()
+
     def boxes(self):
         program = self.start(SpeakTimeInterval=547)
         box = self.desk.find("Voxmate", role="alert", timeout=20)
@@ -222,7 +301,7 @@ class Photographer:
 
 
 def main():
-    build, out = sys.argv[1], sys.argv[2]
+    build, out, *names = sys.argv[1:]
     os.makedirs(out, exist_ok=True)
     for folder in (PLACE, HOME):
         if os.path.exists(folder):
@@ -233,26 +312,27 @@ def main():
     try:
         # The accessibility library knows one desktop a process.
         for scale in SCREENS:
-            subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), out], check=True)
+            subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), out, *names], check=True)
     finally:
         shutil.rmtree(PLACE)
 
 
-def photograph(scale, out):
+def photograph(scale, out, names):
     desk = desktop.Desk(PLACE, compositor=True, screen=SCREENS[scale], home=HOME)
     try:
         if shutil.which("hsetroot"):
             desk.run("hsetroot", "-add", "#7fb7c9", "-add", "#2f5d7c", "-gradient", "0")
         photographer = Photographer(desk, out, scale)
-        photographer.main_windows()
-        photographer.balloons()
-        photographer.boxes()
+        parts = {"main": photographer.main_windows, "balloons": photographer.balloons, "dialogs": photographer.dialogs,
+                 "reminders": photographer.reminders, "alerts": photographer.alerts, "boxes": photographer.boxes}
+        for name in names or parts:
+            parts[name]()
     finally:
         desk.close()
 
 
 if __name__ == "__main__":
     if sys.argv[1] == "--scale":
-        photograph(int(sys.argv[2]), sys.argv[3])
+        photograph(int(sys.argv[2]), sys.argv[3], sys.argv[4:])
     else:
         main()

@@ -1,0 +1,158 @@
+"""The notification-area icon, in a tray that other desktops' panels have, too."""
+
+import os
+import subprocess
+import time
+import unittest
+
+import desk as desktop
+from program import ProgramCase
+
+
+class TrayCase(ProgramCase):
+    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ShowCharacterAtStart": 0}
+
+    def hide(self):
+        """Puts the window into the tray by the menu."""
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Put in System Tray", timeout=5)
+        self.desk.key("s")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), 5, what="the hidden window")
+
+    def visible(self):
+        """Places of the program's visible windows; a hidden window's menu is not on the accessibility bus."""
+        ids = self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split()
+        return [self.desk.window_rect(window) for window in ids]
+
+    def choose_exit(self, before):
+        """Clicks the only item of the menu that has appeared."""
+        x, y, width, height = desktop.wait_for(lambda: [p for p in self.visible() if p not in before], 5, what="the menu")[0]
+        self.assertLess(height, 40, "more than one item")
+        self.desk.click_at(x + width // 2, y + height // 2)
+        self.has_ended()
+
+
+class Tray(TrayCase):
+
+    def setUp(self):
+        super().setUp()
+        self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right", "--widthtype", "pixel", "--width", "64",
+                                    "--height", "32")
+        self.panel = desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")[-1]
+
+    def tearDown(self):
+        super().tearDown()
+        self.tray.terminate()
+        self.tray.wait(5)
+
+    def icons(self):
+        """Places of the icons in the tray."""
+        tree = self.desk.run("xwininfo", "-tree", "-id", self.panel).decode()
+        ids = [line.split()[0] for line in tree.split("\n") if '"voxmate"' in line]
+        return [self.desk.window_rect(window) for window in ids]
+
+    def put_in_tray(self):
+        self.hide()
+        return desktop.wait_for(self.icons, 5, what="the icon")[0]
+
+    def click_icon(self, *options):
+        x, y, width, height = self.icons()[0]
+        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
+        time.sleep(0.1)
+        self.desk.run("xdotool", "click", *options)
+
+    def test_a_double_click_brings_the_window_back_and_the_icon_stays(self):
+        self.start_and_settle()
+        self.put_in_tray()
+        self.click_icon("1")
+        time.sleep(1)
+        self.assertFalse(self.desk.windows("^Voxmate$"), "one click shows the window")
+        self.click_icon("--repeat", "2", "--delay", "80", "1")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        self.assertEqual(len(self.icons()), 1)
+        # Once more: the icon is there already.
+        self.put_in_tray()
+        self.assertEqual(len(self.icons()), 1)
+        self.click_icon("--repeat", "2", "--delay", "80", "1")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window again")
+
+    def test_a_right_click_offers_exit_alone_and_exit_ends_the_program_at_once(self):
+        self.start_and_settle()
+        self.put_in_tray()
+        before = self.visible()
+        self.click_icon("3")
+        self.choose_exit(before)
+        desktop.wait_for(lambda: not self.icons(), 5, what="the icon going away")
+
+    def test_the_window_comes_back_iconified_when_the_tray_dies(self):
+        self.start_and_settle()
+        window = self.desk.windows("^Voxmate$")[-1]
+        self.put_in_tray()
+        self.tray.terminate()
+        self.tray.wait(5)
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 8, what="the iconified window")
+        self.desk.run("xdotool", "windowactivate", "--sync", window)
+        self.desk.find("Text to read", timeout=5)
+
+    def test_closing_puts_it_in_the_tray_when_the_user_wants_that(self):
+        self.desk.install_defaults(**self.defaults, CloseToTray=1)
+        self.start_and_settle()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+F4")
+        desktop.wait_for(self.icons, 5, what="the icon")
+        self.assertFalse(self.desk.windows("^Voxmate$"))
+        self.assertIsNone(self.program.poll())
+
+
+class Notifier(TrayCase):
+    """The other kind of tray, which tells of clicks over the session's bus."""
+
+    def setUp(self):
+        super().setUp()
+        self.host = self.desk.spawn("/usr/bin/python3", os.path.join(os.path.dirname(__file__), "notifier_host.py"),
+                                    stdout=subprocess.PIPE)
+        self.assertEqual(self.host.stdout.readline(), b"ready\n")
+
+    def tearDown(self):
+        super().tearDown()
+        self.host.terminate()
+        self.host.wait(5)
+        self.host.stdout.close()
+
+    def put_in_tray(self):
+        self.hide()
+        return self.host.stdout.readline().decode().strip()
+
+    def tell(self, item, method):
+        self.desk.run("dbus-send", "--session", "--print-reply", "--dest=" + item, "/StatusNotifierItem",
+                      "org.kde.StatusNotifierItem." + method, "int32:100", "int32:100")
+
+    def test_two_quick_clicks_bring_the_window_back_and_one_does_not(self):
+        self.start_and_settle()
+        item = self.put_in_tray()
+        self.tell(item, "Activate")
+        time.sleep(1)
+        self.assertFalse(self.desk.windows("^Voxmate$"), "one click shows the window")
+        self.tell(item, "Activate")
+        self.tell(item, "Activate")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+
+    def test_the_right_button_offers_exit(self):
+        self.start_and_settle()
+        item = self.put_in_tray()
+        before = self.visible()
+        self.tell(item, "ContextMenu")
+        self.choose_exit(before)
+
+    def test_the_window_comes_back_iconified_when_the_panel_dies(self):
+        self.start_and_settle()
+        window = self.desk.windows("^Voxmate$")[-1]
+        self.put_in_tray()
+        self.host.terminate()
+        self.host.wait(5)
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 8, what="the iconified window")
+
+
+if __name__ == "__main__":
+    unittest.main()
