@@ -49,8 +49,8 @@ Layout frmOptions::CharacterPage()
              Column({Grid(2, {Item(Label11), Item(txtTotalLines), Item(Label10), Item(txtCharPerLine)}), Space()})}),
     });
     return Column({
-        Grid(3, {Item(Label1), Item(txtCharPath).Min(320, 0).Stretch(1), Item(cmdBrowse), Item(Label4), Item(comCharSize), Space(0),
-                 Item(Label12), Item(comAnimation), Item(cmdAnimate)}),
+        Grid(3, {Item(Label1), Item(txtCharPath).Min(320, 0).Stretch(1), Item(cmdBrowse), Item(Label4),
+                 Item(comCharSize), Space(0), Item(Label12), Item(comAnimation), Item(cmdAnimate)}),
         Item(chkSoundEffects),
         Item(chkBalloon),
         Framed(Frame2, std::move(balloon)),
@@ -93,6 +93,7 @@ Layout frmOptions::RemindersPage()
 {
     const auto column = [](OptionGroup& group) {
         std::vector<Layout> buttons;
+        buttons.reserve(static_cast<std::size_t>(group.Count()) + 1);
         for (int i = 0; i < group.Count(); ++i)
             buttons.push_back(Item(group(i)));
         buttons.push_back(Space());

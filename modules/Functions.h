@@ -27,8 +27,8 @@ std::string HelpPage(const std::string& name);
 /// Looks for character files in SearchPath and, if the user agrees, in the folder of the shipped ones; fills the
 /// character menu and CharacterCount and settles CharacterPath. Without any character it explains and ends the program.
 void FindCharacters(bool fromOptions);
-/// Looks for characters in another folder; when the user agrees to none, all stays as it was. Where the loaded character
-/// is not among those found, the first of them takes its place.
+/// Looks for characters in another folder; when the user agrees to none, all stays as it was. Where the loaded
+/// character is not among those found, the first of them takes its place.
 void ChangeCharacterPath(const std::string& path);
 /// Loads one character, unloading the one before unless `atStartUp`, and applies the settings to it.
 void LoadCharacter(const std::string& name, bool atStartUp);

@@ -31,7 +31,7 @@ std::string FindProgram(std::string_view folders, const std::string& program)
 {
     while (!folders.empty()) {
         const std::size_t colon = folders.find(':');
-        const std::string path = std::string(folders.substr(0, colon)) + "/" + program;
+        std::string path = std::string(folders.substr(0, colon)) + "/" + program;
         folders.remove_prefix(colon == std::string_view::npos ? folders.size() : colon + 1);
         std::error_code error;
         if (path.starts_with('/') && std::filesystem::is_regular_file(path, error) && ::access(path.c_str(), X_OK) == 0)
