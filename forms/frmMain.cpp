@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace voxmate
 {
@@ -260,18 +261,19 @@ TipWindow& frmMain::Tip()
 
 void frmMain::cmdSpeak_Click()
 {
-    const std::string text = Trim(txtText.Text.get());
+    std::string text = Trim(txtText.Text.get());
     if (text.empty()) {
         ShowMessage("There is nothing to read from the textbox.", "Confused");
         IsBusy = False;
         return;
     }
-    SpeakText(text, "");
+    SpeakText(std::move(text), "");
 }
 
 void frmMain::cmdStop_Click()
 {
     StopRequested = True;
+    ++StopCount;
     if (Character) {
         Character->StopAll(everything);
         Character->Play("RestPose");
@@ -307,14 +309,21 @@ void frmMain::cmdText_Click()
     OpenAndReadText();
 }
 
-// Only one document at a time: what is pressed while the word processor is at work would come in between.
+// Only one document at a time: what is pressed while the word processor is at work would come in between. The button
+// stays as it is, as a disabled one would lose the keyboard.
 void frmMain::cmdWord_Click()
 {
-    cmdWord.Enabled = false;
-    mnuWord.Enabled = false;
+    if (readingWord_)
+        return;
+    struct Reading {
+        bool& flag;
+        explicit Reading(bool& isReading) : flag(isReading) { flag = true; }
+        ~Reading() { flag = false; }
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+    };
+    const Reading reading(readingWord_);
     OpenAndReadWord();
-    cmdWord.Enabled = true;
-    mnuWord.Enabled = true;
 }
 
 void frmMain::mnuWho_Click()
@@ -352,22 +361,16 @@ void frmMain::mnuPlayWav_Click()
     OpenAndPlayWave();
 }
 
-void frmMain::cmdOptions_Click()
-{
-}
+void frmMain::cmdOptions_Click() {}
 
 void frmMain::mnuOptions_Click()
 {
     cmdOptions_Click();
 }
 
-void frmMain::mnuTip_Click()
-{
-}
+void frmMain::mnuTip_Click() {}
 
-void frmMain::mnuAbout_Click()
-{
-}
+void frmMain::mnuAbout_Click() {}
 
 void frmMain::mnuHelp_Click()
 {
@@ -439,21 +442,13 @@ void frmMain::SysTime_Timer()
     }
 }
 
-void frmMain::RemTimer_Timer()
-{
-}
+void frmMain::RemTimer_Timer() {}
 
-void frmMain::mnuShowAll_Click()
-{
-}
+void frmMain::mnuShowAll_Click() {}
 
-void frmMain::mnuEReminders_Click()
-{
-}
+void frmMain::mnuEReminders_Click() {}
 
-void frmMain::mnuDReminders_Click()
-{
-}
+void frmMain::mnuDReminders_Click() {}
 
 void frmMain::AgentX_Click(int button)
 {

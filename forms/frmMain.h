@@ -110,6 +110,7 @@ protected:
 
 private:
     Platform& platform_;
+    bool readingWord_ = false; ///< a document is being opened or taken in
 
     TrayIconData trayIconData_;
 
