@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QStatusBar>
@@ -195,6 +196,32 @@ public:
     }
 };
 
+/// The text with line ends in its endless paragraphs, behind a blank where there is one. A paragraph is laid out as a
+/// whole before any of it can be shown, which for one as long as a book takes many seconds and a gigabyte.
+QString WithoutEndlessParagraphs(const QString& text)
+{
+    constexpr qsizetype longest = 32768; // QChars; laid out within a frame of the screen
+    QString shown;
+    qsizetype copied = 0;
+    for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {
+        end = text.indexOf(u'\n', begin) + 1;
+        if (end == 0)
+            end = text.size();
+        while (end - std::max(begin, copied) > longest + 1) {
+            const qsizetype at = std::max(begin, copied);
+            qsizetype cut = text.lastIndexOf(u' ', at + longest - 1) + 1;
+            if (cut <= at)
+                cut = at + longest - (text[at + longest].isLowSurrogate() ? 1 : 0);
+            shown += QStringView(text).sliced(copied, cut - copied);
+            shown += u'\n';
+            copied = cut;
+        }
+    }
+    if (copied == 0)
+        return text;
+    return shown + QStringView(text).sliced(copied);
+}
+
 /// A text field of several lines that asks for no more room than a few of them; the form's arrangement gives it more.
 class MultiLineEdit : public QPlainTextEdit
 {
@@ -202,6 +229,13 @@ public:
     using QPlainTextEdit::QPlainTextEdit;
     QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void insertFromMimeData(const QMimeData* source) override
+    {
+        if (!isReadOnly() && source->hasText())
+            insertPlainText(WithoutEndlessParagraphs(source->text()));
+    }
 };
 
 class TextEditPeer : public Common<TextBox, QPlainTextEdit>
@@ -221,7 +255,7 @@ public:
         UpdateCommon(property);
         if (property == Property::Text) {
             const QSignalBlocker quiet(widget_);
-            widget_->setPlainText(ToQt(control_.Text));
+            widget_->setPlainText(WithoutEndlessParagraphs(ToQt(control_.Text)));
         }
     }
 };

@@ -2,6 +2,7 @@
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
+#include "platform/speech/MarkedText.h"
 #include "platform/speech/Shaper.h"
 
 #include <gtest/gtest.h>
@@ -273,6 +274,43 @@ TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
     RecordingSink again;
     EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello")}, again));
     EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
+}
+
+TEST_P(EngineTest, TheSeamsOfALongTextAreNotHeard)
+{
+    // One sentence over and over, so that each ought to take as long as the one before, seam or not.
+    const std::string sentence = "The old clock in the hall has stopped again. ";
+    constexpr int wordsEach = 9;
+    const int count = static_cast<int>(Arranger::LongestPiece / sentence.size()) + 20;
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += sentence;
+    Prosody quick; // beyond the engines' own speed, so that what comes behind them has to keep its place, too
+    quick.wordsPerMinute = 600;
+    Segment first = Text(text, quick);
+    Segment second = Text("The end.", quick);
+    second.firstWord = count * wordsEach;
+    const RecordingSink sink = Speak({first, Bookmark(8), second});
+    // An engine may join two words into one.
+    std::vector<int> inOne = Speak(sentence).Values(SpeechEvent::Kind::Word);
+    EXPECT_GE(inOne.size(), 7U);
+    std::vector<int> expected;
+    for (int i = 0; i < count; ++i)
+        for (const int word : inOne)
+            expected.push_back(i * wordsEach + word);
+    expected.insert(expected.end(), {count * wordsEach, count * wordsEach + 1});
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), expected);
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Bookmark), (std::vector<int>{8}));
+    std::vector<std::int64_t> starts;
+    for (const SpeechEvent& event : sink.events)
+        if (event.kind == SpeechEvent::Kind::Word && event.value % wordsEach == 0)
+            starts.push_back(event.sample);
+    std::vector<double> lengths;
+    for (std::size_t i = 2; i < starts.size() && i < static_cast<std::size_t>(count); ++i)
+        lengths.push_back(static_cast<double>(starts[i] - starts[i - 1]) / rate);
+    const auto [shortest, longest] = std::minmax_element(lengths.begin(), lengths.end());
+    EXPECT_LT(*longest - *shortest, 0.02);
+    EXPECT_LE(sink.latestEventBehind, rate / 10);
 }
 
 TEST_P(EngineTest, OddTextIsNoTrouble)
