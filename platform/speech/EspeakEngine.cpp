@@ -243,13 +243,9 @@ private:
         delivery.begin = delivery.received;
         delivery.nextMark = 0;
         if (part.text.find_first_not_of(U" \n") != std::u32string::npos) {
-            unsigned flags = espeakCHARS_UTF8 | espeakSSML;
-            // The pause that the library leaves out behind the last sentence it is given.
-            if (part.end == MarkedText::End::Sentence)
-                flags |= espeakENDPAUSE;
             current = &delivery;
-            const espeak_ERROR result =
-                espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0, flags, nullptr, nullptr);
+            const espeak_ERROR result = espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0,
+                                                     espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
             current = nullptr;
             if (delivery.stopped || result != EE_OK)
                 return false;

@@ -119,7 +119,7 @@ struct {
 /// What is known of the stretch at hand from one piece to the next.
 struct Stretch {
     WordFollower words;
-    bool begun = false;      ///< a sentence of it has been spoken
+    bool inside = false;     ///< what comes next has a sentence before it
     std::int64_t length = 0; ///< samples so far
 };
 
@@ -356,8 +356,8 @@ private:
             delivery.sentence = &sentences[i];
             delivery.words = &stretch.words;
             delivery.nextMark = &nextMark;
-            delivery.first = !std::exchange(stretch.begun, true);
-            delivery.last = isLast && i + 1 == sentences.size();
+            delivery.first = !std::exchange(stretch.inside, true);
+            delivery.last = part.end != MarkedText::End::Sentence && i + 1 == sentences.size();
             delivery.offset = stretch.length;
             loaded.streaming->userdata = &delivery;
             cst_utterance* const utterance = flite_.synthText(sentences[i].text.c_str(), loaded.voice);
@@ -372,6 +372,9 @@ private:
                 return false;
             stretch.length += delivery.to - delivery.from;
         }
+        // A sentence that is cut through goes on without the silence round what Flite takes for two.
+        if (part.end == MarkedText::End::Inside)
+            stretch.inside = false;
         const bool listening = !isLast || shaper.End();
         for (; nextMark < part.marks.size(); ++nextMark) {
             const int number = part.marks[nextMark].number;

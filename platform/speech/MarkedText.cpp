@@ -56,17 +56,14 @@ int CountWords(std::string_view text)
     return words;
 }
 
-bool ClosesQuote(char32_t c)
-{
-    return std::u32string_view(U"\"')]}\u2019\u201D\u00BB").find(c) != std::u32string_view::npos;
-}
-
 bool EndsWideSentence(char32_t c)
 {
     return c == U'。' || c == U'！' || c == U'？';
 }
 
-enum class CutPlace { None, Blank, Line, Sentence };
+/// From the worst place to the best: within a word, behind a comma or what may not end a sentence (whose pause may be
+/// lost), between two words, at a line's end, at a sentence's end by the look of it, and for sure.
+enum class CutPlace { None, Stop, Blank, Line, Likely, Sentence };
 
 /// How good it is to cut a text before its character `at`.
 CutPlace PlaceAt(std::u32string_view text, std::size_t at)
@@ -85,25 +82,27 @@ CutPlace PlaceAt(std::u32string_view text, std::size_t at)
         return CutPlace::None;
     if (lines > 1)
         return CutPlace::Sentence;
-    while (end > 0 && ClosesQuote(text[end - 1]))
-        --end;
-    const char32_t stop = end > 0 ? text[end - 1] : U' ';
+    // Behind a quote it may go on.
+    const char32_t stop = text[end - 1];
     if (stop == U'!' || stop == U'?')
         return CutPlace::Sentence;
-    // A full stop behind a short word may be an abbreviation's, one before a small letter is.
-    constexpr std::size_t longerThanAbbreviations = 7;
+    // A full stop behind a short word may be an abbreviation's ("No.", "approx."), one before a small letter is.
+    constexpr std::size_t longerThanMost = 4;
+    constexpr std::size_t longerThanAll = 7;
     if (stop == U'.' && !(text[at] >= U'a' && text[at] <= U'z')) {
         std::size_t letters = 0;
-        while (letters < longerThanAbbreviations && letters + 1 < end) {
+        while (letters < longerThanAll && letters + 1 < end) {
             const char32_t letter = text[end - 2 - letters];
             if (IsBlank(letter) || letter == U'.')
                 break;
             ++letters;
         }
-        if (letters == longerThanAbbreviations)
-            return CutPlace::Sentence;
+        if (letters >= longerThanMost)
+            return letters == longerThanAll ? CutPlace::Sentence : CutPlace::Likely;
     }
-    return lines > 0 ? CutPlace::Line : CutPlace::Blank;
+    if (lines > 0)
+        return CutPlace::Line;
+    return std::u32string_view(U".,;:").find(stop) == std::u32string_view::npos ? CutPlace::Blank : CutPlace::Stop;
 }
 
 struct Cut {
@@ -132,8 +131,7 @@ std::optional<MarkedText> Arranger::Next()
     if (open_) {
         if (gathered_.text.size() > LongestPiece) {
             const Cut cut = FindCut(gathered_.text);
-            return CutOff(cut.at,
-                          cut.place == CutPlace::Sentence ? MarkedText::End::Sentence : MarkedText::End::Inside);
+            return CutOff(cut.at, cut.place >= CutPlace::Likely ? MarkedText::End::Sentence : MarkedText::End::Inside);
         }
         open_ = false;
         hasText_ = false;

@@ -180,7 +180,6 @@ TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
     for (const auto& [place, before] : {std::pair{"remember! And", U"mber! "},
                                         {"remember? and", U"mber? "},
                                         {"remember. And", U"mber. "},
-                                        {"remembers.\" And", U"ers.\" "},
                                         {"so\n\nAnd", U"d so\n\n"},
                                         {"so\r\n \r\nAnd", U"\n  \n "}}) {
         const Seam seam = FirstSeam(place);
@@ -193,8 +192,13 @@ TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
     EXPECT_EQ(FirstSeam("了。我").after, U"我 wo");
     EXPECT_EQ(FirstSeam("so\nAnd").after, U"And ");
     EXPECT_EQ(FirstSeam("so\nAnd").end, MarkedText::End::Inside);
+    // Behind a word of middling length it is one only where there is nothing better.
+    EXPECT_EQ(FirstSeam("again. And").after, U"And ");
+    EXPECT_EQ(FirstSeam("again. And").end, MarkedText::End::Sentence);
+    EXPECT_EQ(FirstSeam("remember! Not approx. Nine").after, U"Not ");
+    EXPECT_EQ(FirstSeam("again. And\nso").after, U"And\n");
     // Neither an abbreviation nor a full stop before a small letter ends a sentence: the last blank it is.
-    for (const char* place : {"Dr. Smith", "approx. Nine", "p.m. And", "remember. and", "3.14159265 And"}) {
+    for (const char* place : {"Dr. Smith", "p.m. And", "remember. and", "3.14159265 And", "remembers.\" And"}) {
         EXPECT_EQ(FirstSeam(place).after, U"word") << place;
         EXPECT_EQ(FirstSeam(place).end, MarkedText::End::Inside) << place;
     }
@@ -214,6 +218,19 @@ TEST(MarkedText, AStretchAsLongAsAPieceIsNotCut)
 {
     const Segment segment = Text(std::string(Arranger::LongestPiece, 'w'));
     EXPECT_EQ(Arrange(std::span(&segment, 1)).size(), 1U);
+}
+
+TEST(EspeakMarkup, IsLeftOpenWhereASentenceIsCut)
+{
+    MarkedText piece;
+    piece.text = U"so";
+    piece.shownWord = {0, 0};
+    piece.emphasised = {false, false};
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so</speak>");
+    piece.end = MarkedText::End::Sentence;
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so</speak>");
+    piece.end = MarkedText::End::Inside;
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so");
 }
 
 TEST(EspeakMarkup, EscapesWhatIsMarkupAndFindsTheWordsAgain)
