@@ -2,6 +2,8 @@
 
 #include "platform/qt/ModalWindows.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -48,8 +50,13 @@ protected:
         QFileDialog::accept();
         if (!self || !folder || !isVisible())
             return;
-        if (auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
-            name->clear();
+        auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!name)
+            return;
+        name->clear();
+        // The names that were offered for what was typed, of which none is left.
+        if (QCompleter* completer = name->completer())
+            completer->popup()->hide();
     }
 };
 
