@@ -141,7 +141,13 @@ std::string ReadTextDocument(TextStream& stream)
     text.reserve(stream.SizeHint());
     while (!stream.AtEndOfStream()) {
         text += CrLf;
-        text += Trim(stream.ReadLine());
+        const std::size_t begin = text.size();
+        stream.AppendLine(text);
+        // Without the blanks at its ends, in place: a long text has millions of lines.
+        while (text.size() > begin && text.back() == ' ')
+            text.pop_back();
+        if (text.size() > begin && text[begin] == ' ')
+            text.erase(begin, text.find_first_not_of(' ', begin) - begin);
     }
     return text;
 }

@@ -26,6 +26,7 @@ public:
 
     bool AtEndOfStream() override;
     std::string ReadLine() override;
+    void AppendLine(std::string& text) override;
     std::size_t SizeHint() override;
 
 private:

@@ -93,6 +93,13 @@ TEST_F(ReadingTest, ATextFileIsReadWholeWithEachLineTrimmed)
     EXPECT_EQ(CurrentRoutineId, 4);
 }
 
+TEST_F(ReadingTest, ALineOfBlanksIsAnEmptyLine)
+{
+    ChooseText("a\n   \n  b c  \n ");
+    OpenAndReadText();
+    EXPECT_EQ(Spoken(), (Lines{"\r\na\r\n\r\nb c\r\n"}));
+}
+
 TEST_F(ReadingTest, ATextFileOfOneEmptyLineIsNoComplaint)
 {
     ChooseText("\r\n");
