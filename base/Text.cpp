@@ -273,22 +273,38 @@ std::u16string Utf8ToUtf16(std::string_view text)
 
 std::string Windows1252ToUtf8(std::string_view bytes)
 {
-    // Bytes 0x80 to 0x9F; all others are their own code point (Unicode's mapping table for CP1252).
-    static constexpr std::array<char16_t, 32> high{0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
-                                                   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
-    std::size_t most = 0;
-    for (const char c : bytes)
-        most += static_cast<unsigned char>(c) < 0x80 ? 1 : 3;
-    std::string out(most, '\0');
+    // Each byte's character ready to be copied: four bytes are quicker to copy than any number that has to be asked
+    // for.
+    struct Sequence {
+        std::array<char, 4> bytes;
+        std::size_t length;
+    };
+    static const std::array<Sequence, 128> sequences = [] {
+        // Bytes 0x80 to 0x9F; all others are their own code point (Unicode's mapping table for CP1252).
+        constexpr std::array<char16_t, 32> high{0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
+                                                0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
+        std::array<Sequence, 128> made{};
+        for (std::size_t i = 0; i < made.size(); ++i) {
+            Sequence& sequence = made.at(i);
+            const char32_t point = i < high.size() ? char32_t{high.at(i)} : static_cast<char32_t>(0x80 + i);
+            sequence.length = static_cast<std::size_t>(PutUtf8(sequence.bytes.data(), point) - sequence.bytes.data());
+        }
+        return made;
+    }();
+    const auto others = static_cast<std::size_t>(
+        std::count_if(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; }));
+    std::string out(bytes.size() + 2 * others + sizeof(Sequence::bytes), '\0');
     char* to = out.data();
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80)
-            *to++ = c;
-        else
-            to = PutUtf8(to, byte < 0xA0 ? char32_t{high.at(byte - 0x80u)} : char32_t{byte});
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t end = AsciiEnd(bytes, at);
+        to = std::copy(bytes.data() + at, bytes.data() + end, to);
+        for (at = end; at < bytes.size() && static_cast<unsigned char>(bytes[at]) >= 0x80; ++at) {
+            const Sequence& sequence = sequences[static_cast<unsigned char>(bytes[at]) - 0x80u];
+            std::memcpy(to, sequence.bytes.data(), sequence.bytes.size());
+            to += sequence.length;
+        }
     }
     out.resize(static_cast<std::size_t>(to - out.data()));
     return out;

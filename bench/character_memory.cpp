@@ -34,7 +34,7 @@ public:
     explicit SilentVoice(agent::Stage& stage) : stage_(stage) {}
 
     int Status() override { return 0; }
-    void Start(const speech::Utterance&, speech::VoiceEvents events) override
+    void Start(speech::Utterance, speech::VoiceEvents events) override
     {
         events_ = std::move(events);
         mouth_ = 0;

@@ -33,7 +33,7 @@ class NoVoice : public speech::VoiceOutput
 {
 public:
     int Status() override { return 1; }
-    void Start(const speech::Utterance&, speech::VoiceEvents) override {}
+    void Start(speech::Utterance, speech::VoiceEvents) override {}
     void Stop() override {}
 };
 

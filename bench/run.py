@@ -41,6 +41,8 @@ def main():
         print(tool("character_file", *cast), end="", flush=True)
         print(tool("frame_timing", cast[0]), end="", flush=True)
         print(tool("character_memory"), end="", flush=True)
+        print(tool("text_file"), end="", flush=True)
+        print(tool("word_parts"), end="", flush=True)
         desk.install_defaults(**QUIET)
         print(tool("process_cost", "idle", "5", "30", empty), end="", flush=True)
         print(tool("process_cost", "idle", "10", "30", program), end="", flush=True)

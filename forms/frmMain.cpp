@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace voxmate
 {
@@ -282,18 +283,19 @@ F& frmMain::Made(std::unique_ptr<F>& form)
 
 void frmMain::cmdSpeak_Click()
 {
-    const std::string text = Trim(txtText.Text.get());
+    std::string text = Trim(txtText.Text.get());
     if (text.empty()) {
         ShowMessage("There is nothing to read from the textbox.", "Confused");
         IsBusy = False;
         return;
     }
-    SpeakText(text, "");
+    SpeakText(std::move(text), "");
 }
 
 void frmMain::cmdStop_Click()
 {
     StopRequested = True;
+    ++StopCount;
     if (Character) {
         Character->StopAll(everything);
         Character->Play("RestPose");
@@ -329,14 +331,21 @@ void frmMain::cmdText_Click()
     OpenAndReadText();
 }
 
-// Only one document at a time: what is pressed while the word processor is at work would come in between.
+// Only one document at a time: what is pressed while the word processor is at work would come in between. The button
+// stays as it is, as a disabled one would lose the keyboard.
 void frmMain::cmdWord_Click()
 {
-    cmdWord.Enabled = false;
-    mnuWord.Enabled = false;
+    if (readingWord_)
+        return;
+    struct Reading {
+        bool& flag;
+        explicit Reading(bool& isReading) : flag(isReading) { flag = true; }
+        ~Reading() { flag = false; }
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+    };
+    const Reading reading(readingWord_);
     OpenAndReadWord();
-    cmdWord.Enabled = true;
-    mnuWord.Enabled = true;
 }
 
 void frmMain::mnuWho_Click()

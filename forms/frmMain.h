@@ -117,6 +117,7 @@ protected:
 
 private:
     Platform& platform_;
+    bool readingWord_ = false; ///< a document is being opened or taken in
 
     TrayIconData trayIconData_;
     // Made when they are first shown.

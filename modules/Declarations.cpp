@@ -13,6 +13,7 @@ std::string MessageText;
 Boolean IsBusy = False;
 std::int16_t CurrentRoutineId = 0;
 Boolean StopRequested = False;
+std::uint32_t StopCount = 0;
 std::string WindowsDir;
 std::string SearchPath;
 std::string ReminderFilePath;
@@ -77,6 +78,7 @@ void BeginProgram(Platform& platform, MainWindow& window)
     IsBusy = False;
     CurrentRoutineId = 0;
     StopRequested = False;
+    StopCount = 0;
     WindowsDir.clear();
     SearchPath.clear();
     ReminderFilePath.clear();

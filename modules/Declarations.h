@@ -37,6 +37,8 @@ extern Boolean IsBusy;
 extern std::int16_t CurrentRoutineId;
 /// Set by "Stop Everything !!!", polled by long reading jobs.
 extern Boolean StopRequested;
+/// How often it was pressed: tells whoever lets events through whether it was meanwhile.
+extern std::uint32_t StopCount;
 
 extern std::string WindowsDir;
 extern std::string SearchPath;

@@ -42,10 +42,12 @@ void LoadSpeechEngines();
 /// Selects engine `number` (counted from 1) and keeps its name as LastSpeechEngine in the registry.
 void ChooseSpeechEngine(int number);
 /// Has the character speak: shows it, plays `animation` unless empty, speaks the text with the voice markup, rests.
-void SpeakText(const std::string& text, const std::string& animation);
+/// False when nothing of that was asked of it: without sound (a box has said so), for a text of blanks, without a
+/// character, or because Stop was pressed while events were let through.
+bool SpeakText(std::string text, const std::string& animation);
 /// Doubles the backslashes of a text so that the voice reads none of them as markup. The walk ends at the length before
 /// escaping, so in a text with many backslashes the last ones stay single.
-std::string EscapeMarkup(const std::string& text);
+std::string EscapeMarkup(std::string text);
 /// The tags that put the voice's pitch, speed and whisper in front of a text.
 std::string VoicePrefix(int pitch, int speed, bool whisper);
 

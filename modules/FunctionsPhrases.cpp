@@ -4,6 +4,8 @@
 #include "modules/Functions.h"
 
 #include <array>
+#include <cstdint>
+#include <string>
 
 namespace voxmate
 {
@@ -35,40 +37,53 @@ const char* Salutation(int hour)
     return "Good Evening, ";
 }
 
-void Introduce()
+// Says one thing after the other. A Stop in between means what was still to be said, too.
+class Saying
 {
-    SpeakText("Hello " + Settings.UserName + ". My name is " + Settings.LastCharacter, "Greet");
-    SpeakText("Hey, do you know, beside reading text in the text box, I can also read TEXT and WORD documents.",
-              "RestPose");
+public:
+    void operator()(const std::string& text, const std::string& animation) const
+    {
+        if (StopCount == stops_)
+            SpeakText(text, animation);
+    }
+
+private:
+    std::uint32_t stops_ = StopCount;
+};
+
+void Introduce(const Saying& say)
+{
+    say("Hello " + Settings.UserName + ". My name is " + Settings.LastCharacter, "Greet");
+    say("Hey, do you know, beside reading text in the text box, I can also read TEXT and WORD documents.", "RestPose");
 }
 
-void Greet()
+void Greet(const Saying& say)
 {
-    SpeakText("Hello " + Settings.UserName + ". ", "Greet");
+    say("Hello " + Settings.UserName + ". ", "Greet");
     const std::string time = FormatSpokenTime(Settings.TimeIn24Hour, true);
     const std::string today = "Today is " + FormatSpokenDate(Settings.DateFormat, Host().Time.Now());
     switch (Settings.GreetingType) {
     case 0:
-        SpeakText(time, "Announce");
+        say(time, "Announce");
         break;
     case 1:
-        SpeakText(today, "Announce");
+        say(today, "Announce");
         break;
     case 2:
-        SpeakText(Settings.OtherGreeting, "Greet");
+        say(Settings.OtherGreeting, "Greet");
         break;
     case 3:
-        SpeakText(today + " and " + time, "Announce");
+        say(today + " and " + time, "Announce");
         break;
     case 4:
-        SpeakText(today + " and " + time, "Announce");
-        SpeakText(Settings.OtherGreeting, "");
+        say(today + " and " + time, "Announce");
+        say(Settings.OtherGreeting, "");
         break;
     default:
         break;
     }
     // A greeting always ends with an empty announcement.
-    SpeakText("", "Announce");
+    say("", "Announce");
 }
 
 } // namespace
@@ -108,14 +123,15 @@ std::string FormatSpokenTime(std::int16_t in24Hour, bool omitSalutation)
 
 void GreetAndIntroduce(bool atStartUp)
 {
+    const Saying say;
     if (!atStartUp) {
-        Introduce();
+        Introduce(say);
         return;
     }
     if (Settings.IntroAtStart == 1)
-        Introduce();
+        Introduce(say);
     if (Settings.GreetingEnabled == 1)
-        Greet();
+        Greet(say);
 }
 
 } // namespace voxmate

@@ -5,6 +5,7 @@
 #include "modules/Messages.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace voxmate
 {
@@ -79,23 +80,33 @@ void Read(const Source& source, Reader reader)
     });
 }
 
-// Speaks the active document of WordApp part by part, until its end or a Stop; whether there was any text.
-bool SpeakParts()
+enum class Outcome {
+    NoText,  ///< there was none to speak
+    Nothing, ///< of the text nothing is being spoken
+    Queued
+};
+
+// Speaks the active document of WordApp part by part, until its end or a Stop or until there is no sound.
+Outcome SpeakParts()
 {
     const std::int32_t end = WordApp->RangeEnd();
     WordPart part(end);
-    bool anyText = false;
+    Outcome outcome = Outcome::NoText;
+    bool goesOn = true;
     do {
         Main().SetStatus("Reading part " + std::to_string(part.Number()) + " of " + std::to_string(part.Count()) +
                          " . Click STOP to Cancel Reading...");
         part.ExtendToBlank([](std::int32_t at) { return Trim(WordApp->RangeText(at, at + 1)).empty(); });
         const std::string text = WordApp->RangeText(part.Start(), part.End());
         if (!Trim(text).empty()) {
-            anyText = true;
-            SpeakText(text, "");
+            goesOn = SpeakText(text, "");
+            if (goesOn)
+                outcome = Outcome::Queued;
+            else if (outcome == Outcome::NoText)
+                outcome = Outcome::Nothing;
         }
-    } while (part.Next() && StopRequested == False);
-    return anyText;
+    } while (goesOn && part.Next() && StopRequested == False);
+    return outcome;
 }
 
 } // namespace
@@ -130,7 +141,13 @@ std::string ReadTextDocument(TextStream& stream)
     text.reserve(stream.SizeHint());
     while (!stream.AtEndOfStream()) {
         text += CrLf;
-        text += Trim(stream.ReadLine());
+        const std::size_t begin = text.size();
+        stream.AppendLine(text);
+        // Without the blanks at its ends, in place: a long text has millions of lines.
+        while (text.size() > begin && text.back() == ' ')
+            text.pop_back();
+        if (text.size() > begin && text[begin] == ' ')
+            text.erase(begin, text.find_first_not_of(' ', begin) - begin);
     }
     return text;
 }
@@ -139,11 +156,11 @@ void OpenAndReadText()
 {
     Read(TextSource, [](const std::string& file) {
         Main().SetStatus("Reading Text Document. Please wait...");
-        const std::string text = ReadTextDocument(*Host().Files.OpenTextFile(file));
+        std::string text = ReadTextDocument(*Host().Files.OpenTextFile(file));
         if (text.empty())
             Complain("The below TEXT document you are trying to open is empty:", file, Manner::Calling);
-        else
-            SpeakText(text, "");
+        else if (!SpeakText(std::move(text), ""))
+            Main().SetStatus(StatusIdle);
     });
 }
 
@@ -154,14 +171,14 @@ void OpenAndReadWord()
         // A Stop from before concerns what was going on then.
         StopRequested = False;
         WordApp = Host().Word.CreateWord();
-        bool anyText = false;
+        Outcome outcome = Outcome::NoText;
         try {
             WordApp->SetVisible(false);
             WordApp->Open(file, [] {
                 Host().Windows.DoEvents();
                 return StopRequested == False;
             });
-            anyText = SpeakParts();
+            outcome = SpeakParts();
             StopRequested = False;
             Main().SetStatus("Closing Word Document. Please wait...");
             WordApp->Close();
@@ -175,8 +192,10 @@ void OpenAndReadWord()
             return;
         }
         Main().SetStatus(StatusBusy);
-        if (!anyText)
+        if (outcome == Outcome::NoText)
             Complain("The below WORD document you are trying to open contains no text:", file, Manner::Calling);
+        else if (outcome == Outcome::Nothing)
+            Main().SetStatus(StatusIdle);
     });
 }
 
@@ -186,6 +205,8 @@ void OpenAndPlayWave()
         Main().SetStatus("Playing wave file...");
         if (Character)
             CurrentRequest = Character->Speak(".", file);
+        else
+            Main().SetStatus(StatusIdle);
     });
 }
 

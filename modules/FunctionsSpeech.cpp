@@ -6,6 +6,8 @@
 #include "modules/Registry.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace voxmate
 {
@@ -81,23 +83,25 @@ void ChooseSpeechEngine(int number)
     WriteRegString(SettingsKey, "LastSpeechEngine", EngineName(number));
 }
 
-std::string EscapeMarkup(const std::string& text)
+std::string EscapeMarkup(std::string text)
 {
+    std::size_t backslash = text.find('\\');
+    if (backslash == std::string::npos)
+        return text;
     const std::size_t end = Len(text);
     std::string escaped;
-    escaped.reserve(text.size() + 16);
+    escaped.reserve(text.size() + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\\')));
+    std::size_t copied = 0;
     std::size_t position = 1; // of the next character within the escaped text
-    for (const char c : text) {
-        escaped += c;
-        if (c == '\\' && position <= end) {
-            escaped += '\\';
-            ++position;
-        }
-        // Only a character's first byte counts as one.
-        if ((static_cast<unsigned char>(c) & 0xC0u) != 0x80u)
-            ++position;
+    for (; backslash != std::string::npos; backslash = text.find('\\', copied)) {
+        position += Len(std::string_view(text).substr(copied, backslash - copied));
+        if (position > end)
+            break;
+        escaped.append(text, copied, backslash + 1 - copied).append(1, '\\');
+        copied = backslash + 1;
+        position += 2;
     }
-    return escaped;
+    return escaped.append(text, copied);
 }
 
 std::string VoicePrefix(int pitch, int speed, bool whisper)
@@ -106,30 +110,36 @@ std::string VoicePrefix(int pitch, int speed, bool whisper)
            "\\ \\Spd=" + std::to_string(speed) + "\\";
 }
 
-void SpeakText(const std::string& text, const std::string& animation)
+bool SpeakText(std::string text, const std::string& animation)
 {
     switch (Host().Agent.AudioOutputStatus()) {
     case AudioStatus::NoSupport:
         AudioProblem("There is no support for audio output.");
-        return;
+        return false;
     case AudioStatus::Unknown:
         AudioProblem("There was some other (unknown) problem in attempting to access the audio output channel.");
-        return;
+        return false;
     default:
         break;
     }
-    const std::string trimmed = Trim(text);
-    if (trimmed.empty() || !Character)
-        return;
-    const std::string spoken =
-        VoicePrefix(Settings.Pitch, Settings.Speed, Settings.Whisper == True) + EscapeMarkup(trimmed);
+    text = Trim(std::move(text));
+    if (text.empty() || !Character)
+        return false;
+    // Handed on, never copied: a text may be as long as a library.
+    text = EscapeMarkup(std::move(text));
+    text.insert(0, VoicePrefix(Settings.Pitch, Settings.Speed, Settings.Whisper == True));
+    const std::uint32_t stops = StopCount;
     Character->Show(false);
     Host().Windows.DoEvents();
+    // A Stop among these events means this text too, which it could not yet find in the queue.
+    if (StopCount != stops)
+        return false;
     const std::string gesture = Trim(animation);
     if (!gesture.empty())
         LastPlayRequest = Character->Play(gesture);
-    LastSpeakRequest = Character->Speak(spoken, "");
+    LastSpeakRequest = Character->Speak(std::move(text), "");
     Character->Play("RestPose");
+    return true;
 }
 
 } // namespace voxmate

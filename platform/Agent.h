@@ -61,7 +61,7 @@ public:
     virtual AgentRequestPtr Hide(bool fast) = 0;
     virtual AgentRequestPtr Play(const std::string& animation) = 0;
     /// Speaks text with output tags, or, with a path in `url`, plays that wave file with the mouth following it.
-    virtual AgentRequestPtr Speak(const std::string& text, const std::string& url) = 0;
+    virtual AgentRequestPtr Speak(std::string text, std::string url) = 0;
     virtual void Stop(const AgentRequestPtr& request) = 0;
     /// `types`: a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all. Called by a
     /// handler of Hidden, it reaches only requests made before that hiding was asked for, by Hide or in the menu: what

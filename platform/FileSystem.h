@@ -21,6 +21,8 @@ public:
     /// The next line in UTF-8 without its end (CR LF, LF or CR); raises run-time error 62 "Input past end of file" at
     /// the end.
     virtual std::string ReadLine() = 0;
+    /// The same at the end of `text`, for whoever joins many lines.
+    virtual void AppendLine(std::string& text) { text += ReadLine(); }
     /// How many bytes the lines still to come make at most, with CR LF for each of them, as far as it can be told
     /// beforehand: whoever joins them can make room at once. 0 when nothing is known.
     virtual std::size_t SizeHint() { return 0; }

@@ -84,10 +84,10 @@ void Balloon::SetFontSize(int points)
     LayOut();
 }
 
-void Balloon::Begin(const std::string& text)
+void Balloon::Begin(std::string text)
 {
     hideTimer_.reset();
-    text_ = text;
+    text_ = text.empty() ? nullptr : std::make_shared<const std::string>(std::move(text));
     ended_ = false;
     word_ = -1;
     LayOut();
@@ -110,7 +110,7 @@ void Balloon::Ended()
 /// Auto hide may be switched while the balloon stands there.
 void Balloon::SettleHiding()
 {
-    if (!ended_ || text_.empty() || !Has(BalloonAutoHide))
+    if (!ended_ || !text_ || !Has(BalloonAutoHide))
         hideTimer_.reset();
     else if (!hideTimer_)
         hideTimer_ = stage_.After(AutoHideDelay, [this] { Hide(); });
@@ -119,7 +119,8 @@ void Balloon::SettleHiding()
 void Balloon::Hide()
 {
     hideTimer_.reset();
-    text_.clear();
+    text_.reset();
+    lines_ = {};
     Update();
 }
 

@@ -30,7 +30,7 @@ public:
 
     /// A text is about to be spoken: it takes the place of the last one. With auto pace the balloon comes with its
     /// first word. An empty text means no balloon.
-    void Begin(const std::string& text);
+    void Begin(std::string text);
     /// The voice begins word `word` of the text, counted from 0.
     void Word(int word);
     /// The voice has said all: all words are there, and with auto hide the balloon goes after AutoHideDelay.
@@ -45,7 +45,7 @@ public:
 
 private:
     bool Has(std::uint32_t bit) const { return (style_ & bit) != 0; }
-    bool Wanted() const { return !text_.empty() && Has(BalloonOn); }
+    bool Wanted() const { return text_ && Has(BalloonOn); }
     Rect Area(const Rect& body) const;
     void SettleHiding();
     void LayOut();
@@ -61,7 +61,7 @@ private:
     Colour background_{255, 255, 225};
     Colour border_;
 
-    std::string text_; ///< empty: no balloon
+    std::shared_ptr<const std::string> text_; ///< none: no balloon
     bool ended_ = false;
     int word_ = -1; ///< the word being heard
     BalloonText lines_;

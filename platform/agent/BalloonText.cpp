@@ -19,10 +19,10 @@ bool IsLineEnd(char c)
 
 } // namespace
 
-BalloonText::BalloonText(std::string text, int width, Measure measure)
+BalloonText::BalloonText(std::shared_ptr<const std::string> text, int width, Measure measure)
     : text_(std::move(text)), width_(width), measure_(std::move(measure))
 {
-    lineOpen_ = !text_.empty();
+    lineOpen_ = !text_->empty();
 }
 
 bool BalloonText::HasLine(std::size_t index)
@@ -69,14 +69,14 @@ std::size_t BalloonText::LineOfWord(int word)
 /// The end of the longest stretch from `from` that fits on a line, at least one character.
 std::size_t BalloonText::FittingPrefix(std::size_t from, std::size_t end) const
 {
-    std::vector<std::size_t> ends{from + CharacterAt(text_, from)};
-    const auto fits = [&](std::size_t to) { return measure_(text_.substr(from, to - from)) <= width_; };
+    std::vector<std::size_t> ends{from + CharacterAt(*text_, from)};
+    const auto fits = [&](std::size_t to) { return measure_(text_->substr(from, to - from)) <= width_; };
     // Doubling first, halving then: a word as long as a book is not measured as a whole.
     std::size_t good = 0;
     std::size_t bad = 0;
     for (std::size_t step = 1; bad == 0; step *= 2) {
         while (ends.size() <= good + step && ends.back() < end)
-            ends.push_back(ends.back() + CharacterAt(text_, ends.back()));
+            ends.push_back(ends.back() + CharacterAt(*text_, ends.back()));
         const std::size_t next = std::min(good + step, ends.size() - 1);
         if (next == good)
             break;
@@ -97,20 +97,20 @@ bool BalloonText::LayOutNext()
     if (!lineOpen_)
         return false;
     if (std::exchange(paragraphBegins_, false)) {
-        const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
-        rightToLeft_ = agent::RunsRightToLeft(std::string_view(text_).substr(at_, end - at_));
+        const std::size_t end = std::min(text_->find_first_of("\r\n", at_), text_->size());
+        rightToLeft_ = agent::RunsRightToLeft(std::string_view(*text_).substr(at_, end - at_));
     }
     PieceLine line{{}, rightToLeft_};
     std::string written;
     for (;;) {
-        while (at_ < text_.size() && !IsLineEnd(text_[at_]) && BlankAt(text_, at_) > 0)
-            at_ += BlankAt(text_, at_);
-        if (at_ == text_.size()) {
+        while (at_ < text_->size() && !IsLineEnd((*text_)[at_]) && BlankAt(*text_, at_) > 0)
+            at_ += BlankAt(*text_, at_);
+        if (at_ == text_->size()) {
             lineOpen_ = false;
             break;
         }
-        if (IsLineEnd(text_[at_])) {
-            at_ += text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n' ? 2 : 1;
+        if (IsLineEnd((*text_)[at_])) {
+            at_ += (*text_)[at_] == '\r' && at_ + 1 < text_->size() && (*text_)[at_ + 1] == '\n' ? 2 : 1;
             paragraphBegins_ = true;
             break;
         }
@@ -118,11 +118,11 @@ bool BalloonText::LayOutNext()
         // was looked at for the line before is not looked at again.
         constexpr std::size_t longest = 4000;
         scanned_ = std::max(scanned_, at_);
-        while (scanned_ < text_.size() && !BlankAt(text_, scanned_) && scanned_ - at_ < longest)
-            scanned_ += CharacterAt(text_, scanned_);
+        while (scanned_ < text_->size() && !BlankAt(*text_, scanned_) && scanned_ - at_ < longest)
+            scanned_ += CharacterAt(*text_, scanned_);
         const std::size_t end = scanned_;
         if (!midWord_ && end - at_ < longest) {
-            std::string word = text_.substr(at_, end - at_);
+            std::string word = text_->substr(at_, end - at_);
             std::string joined = written;
             if (!joined.empty())
                 joined += ' ';
@@ -137,15 +137,15 @@ bool BalloonText::LayOutNext()
         if (!line.pieces.empty())
             break;
         const std::size_t cut = std::min(end, FittingPrefix(at_, end));
-        written = text_.substr(at_, cut - at_);
+        written = text_->substr(at_, cut - at_);
         line.pieces.push_back({written, word_});
         at_ = cut;
-        midWord_ = cut < text_.size() && !BlankAt(text_, cut);
+        midWord_ = cut < text_->size() && !BlankAt(*text_, cut);
         if (midWord_)
             break;
         ++word_;
     }
-    if (at_ == text_.size())
+    if (at_ == text_->size())
         lineOpen_ = false;
     lines_.push_back(std::move(line));
     return true;

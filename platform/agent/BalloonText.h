@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ public:
     BalloonText() = default;
     /// Breaks `text` (UTF-8) into lines at most `width` wide. Its own line ends (CR LF, LF or CR) end a line; runs of
     /// blanks count as one; a word wider than a line is broken between characters, one character a line at the least.
-    BalloonText(std::string text, int width, Measure measure);
+    BalloonText(std::shared_ptr<const std::string> text, int width, Measure measure);
 
     /// Whether there is a line `index`, counted from 0.
     bool HasLine(std::size_t index);
@@ -44,7 +45,7 @@ private:
     bool LayOutNext();
     std::size_t FittingPrefix(std::size_t from, std::size_t end) const;
 
-    std::string text_;
+    std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
     int width_ = 0;
     Measure measure_;
     std::vector<PieceLine> lines_;

@@ -51,11 +51,11 @@ AgentRequestPtr Character::Play(const std::string& animation)
     return Enqueue(std::move(request));
 }
 
-AgentRequestPtr Character::Speak(const std::string& text, const std::string& url)
+AgentRequestPtr Character::Speak(std::string text, std::string url)
 {
     auto request = std::make_shared<Request>(RequestKind::Speak);
-    request->text = text;
-    request->url = url;
+    request->text = std::move(text);
+    request->url = std::move(url);
     return Enqueue(std::move(request));
 }
 

@@ -53,7 +53,7 @@ public:
     AgentRequestPtr Show(bool fast) override;
     AgentRequestPtr Hide(bool fast) override;
     AgentRequestPtr Play(const std::string& animation) override;
-    AgentRequestPtr Speak(const std::string& text, const std::string& url) override;
+    AgentRequestPtr Speak(std::string text, std::string url) override;
     void Stop(const AgentRequestPtr& request) override;
     void StopAll(const std::string& types) override;
 
@@ -95,7 +95,7 @@ private:
     void BeginPlay(const Animation& animation);
     void BeginSpeak();
     speech::VoiceEvents SpeechEvents();
-    void StartSpeech(const std::string& shown, const speech::Utterance& utterance);
+    void StartSpeech(std::string shown, speech::Utterance utterance);
     void SpeechEnded(bool ok);
     void TakeSpeakingPose();
     void EndSpeech();

@@ -146,14 +146,15 @@ void Character::BeginPlay(const Animation& animation)
 void Character::BeginSpeak()
 {
     MarkedText marked = ParseMarkup(current_->text);
-    std::string url = current_->url;
-    if (marked.sayLastAgain && url.empty()) {
+    if (marked.sayLastAgain && current_->url.empty()) {
         marked = ParseMarkup(lastText_);
-        url = lastUrl_;
     } else {
-        lastText_ = current_->text;
-        lastUrl_ = url;
+        // Exchanged, not assigned: a short text would keep the room of a long one.
+        lastText_.swap(current_->text);
+        std::string().swap(current_->text);
+        lastUrl_ = std::move(current_->url);
     }
+    const std::string& url = lastUrl_;
     if (marked.segments.empty() && marked.shown.empty() && url.empty()) {
         balloon_.Hide();
         End(RequestStatus::Complete);
@@ -169,11 +170,11 @@ void Character::BeginSpeak()
     if (!url.empty())
         std::erase_if(utterance.segments,
                       [](const auto& segment) { return segment.kind != speech::Segment::Kind::Bookmark; });
-    StartSpeech(marked.shown, utterance);
+    StartSpeech(std::move(marked.shown), std::move(utterance));
 }
 
 /// The voice comes first: what the body has to do before it can be seen speaking must not be heard as a delay.
-void Character::StartSpeech(const std::string& shown, const speech::Utterance& utterance)
+void Character::StartSpeech(std::string shown, speech::Utterance utterance)
 {
     idleTimer_.reset();
     const auto speech = std::make_shared<Speech>();
@@ -183,10 +184,10 @@ void Character::StartSpeech(const std::string& shown, const speech::Utterance& u
     speech->pausesFirst = first != utterance.segments.end() && first->kind == speech::Segment::Kind::Pause;
     speech_ = speech;
     body_.TakeOutline();
-    shared_.voice.Start(utterance, SpeechEvents());
+    shared_.voice.Start(std::move(utterance), SpeechEvents());
     if (speech_ != speech)
         return;
-    balloon_.Begin(shown);
+    balloon_.Begin(std::move(shown));
     TakeSpeakingPose();
 }
 
@@ -271,6 +272,8 @@ void Character::End(RequestStatus status)
 void Character::Conclude(const RequestPtr& request, RequestStatus status)
 {
     request->status = status;
+    // Somebody may keep the request for long; nobody reads its text any more, which may be a whole library.
+    std::string().swap(request->text);
     if (!request->byUser)
         shared_.Raise(&AgentControl::RequestComplete, AgentRequestPtr(request));
 }

@@ -203,12 +203,13 @@ public:
 
     MarkedText Run()
     {
+        result_.shown.reserve(text_.size());
         std::size_t at = 0;
         while (at < text_.size()) {
             if (text_[at] != '\\') {
-                const std::size_t length = CharacterAt(text_, at);
-                AddText(text_.substr(at, length));
-                at += length;
+                const std::size_t end = std::min(text_.find('\\', at), text_.size());
+                AddText(text_.substr(at, end - at));
+                at = end;
                 continue;
             }
             if (at + 1 < text_.size() && text_[at + 1] == '\\') {
@@ -250,37 +251,51 @@ private:
         return EncodeUtf8({points.data(), points.size()});
     }
 
-    /// Adds a character to the shown text, which begins and ends with a word, and keeps count of its words.
-    void Show(std::string_view character)
+    /// Adds a piece of whole characters to the shown text, which begins and ends with a word, and keeps count of its
+    /// words. Returns which of them is the first that the piece is part of, -1 when it is blank.
+    int Show(std::string_view piece)
     {
-        if (BlankAt(character, 0) > 0) {
-            inWord_ = false;
-            if (words_ > 0)
-                result_.shown += character;
-            return;
+        std::size_t begin = 0;
+        if (words_ == 0)
+            while (const std::size_t blank = BlankAt(piece, begin))
+                begin += blank;
+        const std::size_t base = result_.shown.size();
+        result_.shown += piece.substr(begin);
+        int first = -1;
+        for (std::size_t at = begin; at < piece.size();) {
+            // Most of most texts is ASCII.
+            const auto byte = static_cast<unsigned char>(piece[at]);
+            const bool ascii = byte < 0x80;
+            const std::size_t blank = ascii ? (byte <= 0x20 || byte == 0x7F ? 1u : 0u) : BlankAt(piece, at);
+            if (blank > 0) {
+                inWord_ = false;
+                at += blank;
+                continue;
+            }
+            if (!inWord_)
+                ++words_;
+            inWord_ = true;
+            if (first < 0)
+                first = words_ - 1;
+            at += ascii ? 1 : CharacterAt(piece, at);
+            shownEnd_ = base + at - begin;
         }
-        if (!inWord_)
-            ++words_;
-        inWord_ = true;
-        result_.shown += character;
-        shownEnd_ = result_.shown.size();
+        return first;
     }
 
-    void AddText(std::string_view character)
+    void AddText(std::string_view piece)
     {
-        Show(character);
-        if (inWord_ && !pendingHasWord_) {
-            pendingHasWord_ = true;
-            pendingFirstWord_ = words_ - 1;
-        }
-        pending_ += character;
+        const int first = Show(piece);
+        if (first >= 0 && !std::exchange(pendingHasWord_, true))
+            pendingFirstWord_ = first;
+        pending_ += piece;
     }
 
     void Flush()
     {
         if (pendingHasWord_) {
             if (context_ == SpeechContext::Unknown)
-                AddSegment(pending_, pendingFirstWord_, -1);
+                AddSegment(std::move(pending_), pendingFirstWord_, -1);
             else
                 AddInContext();
         }
@@ -323,10 +338,10 @@ private:
         flushPlain();
     }
 
-    void AddSegment(const std::string& text, int firstWord, int shownWords)
+    void AddSegment(std::string text, int firstWord, int shownWords)
     {
         Segment segment;
-        segment.text = text;
+        segment.text = std::move(text);
         segment.prosody = prosody_;
         segment.emphasis = std::exchange(emphasis_, false);
         segment.firstWord = firstWord;

@@ -27,7 +27,7 @@ public:
     bool fast = false;     ///< Show, Hide: without an animation
     bool byUser = false;   ///< Hide: from the menu; no request of the program, so no request events
     std::string animation; ///< Play
-    std::string text;      ///< Speak
+    std::string text;      ///< Speak: until its turn comes
     std::string url;       ///< Speak: a wave file to be played instead, or empty
 };
 using RequestPtr = std::shared_ptr<Request>;

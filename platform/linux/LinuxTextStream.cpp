@@ -167,20 +167,26 @@ bool LinuxTextStream::AtEndOfStream()
 
 std::string LinuxTextStream::ReadLine()
 {
+    std::string line;
+    AppendLine(line);
+    return line;
+}
+
+void LinuxTextStream::AppendLine(std::string& text)
+{
     if (AtEndOfStream())
         throw InputPastEndOfFile();
     std::size_t end = LineEnd();
-    std::string line(text_.substr(at_, end - at_));
+    text.append(text_, at_, end - at_);
     while (end == text_.size()) {
         at_ = end;
         if (!Fill())
-            return line;
+            return;
         end = LineEnd();
-        line.append(text_, at_, end - at_);
+        text.append(text_, at_, end - at_);
     }
     afterCr_ = text_[end] == '\r';
     at_ = end + 1;
-    return line;
 }
 
 std::size_t LinuxTextStream::LineEnd()

@@ -11,8 +11,8 @@
 namespace voxmate::linux_platform
 {
 
-/// The largest text file, in bytes: half a year of speech. Whoever reads one keeps its text, several times over while
-/// it is being spoken, and that has to fit into the memory of a small computer.
+/// The largest text file, in bytes: half a year of speech. While it is being spoken its text is kept three times over
+/// (as it was asked for, for the voice and for the balloon), and that has to fit into the memory of a small computer.
 inline constexpr std::int64_t LargestTextFile = std::int64_t{256} << 20;
 
 /// Reads in blocks, so that a file that is cut short or removed meanwhile does no harm. What is added to a file after
@@ -26,6 +26,7 @@ public:
 
     bool AtEndOfStream() override;
     std::string ReadLine() override;
+    void AppendLine(std::string& text) override;
     std::size_t SizeHint() override;
 
 private:

@@ -2,11 +2,16 @@
 
 #include "platform/qt/ModalWindows.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QListView>
 #include <QStandardPaths>
+#include <QStringList>
 #include <QTreeView>
 #include <QUrl>
 
@@ -29,13 +34,39 @@ void MakeRoom(QFileDialog& dialog)
     }
 }
 
+/// Enters a folder whose path is typed, and then lets a file's name be typed: left in the field the path would stand
+/// for a file of that name, which cannot be opened.
+class Dialog : public QFileDialog
+{
+public:
+    using QFileDialog::QFileDialog;
+
+protected:
+    void accept() override
+    {
+        const QStringList chosen = selectedFiles();
+        const bool folder = chosen.size() == 1 && QFileInfo(chosen.front()).isDir();
+        const QPointer<Dialog> self = this;
+        QFileDialog::accept();
+        if (!self || !folder || !isVisible())
+            return;
+        auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!name)
+            return;
+        name->clear();
+        // The names that were offered for what was typed, of which none is left.
+        if (QCompleter* completer = name->completer())
+            completer->popup()->hide();
+    }
+};
+
 } // namespace
 
 QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin)
 {
     const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
     const QPointer<QFileDialog> dialog =
-        new QFileDialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
+        new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
     // The desktop's own dialog would be a window of another program, beside which the character cannot live.
     dialog->setOption(QFileDialog::DontUseNativeDialog);
     dialog->setSidebarUrls({QUrl::fromLocalFile(QDir::homePath()),

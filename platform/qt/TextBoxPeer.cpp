@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 
 namespace voxmate::qt
 {
@@ -215,6 +216,32 @@ private:
     LengthLimit* limit_ = nullptr;
 };
 
+/// The text with line ends in its endless paragraphs, behind a blank where there is one. A paragraph is laid out as a
+/// whole before any of it can be shown, which for one as long as a book takes many seconds and a gigabyte.
+QString WithoutEndlessParagraphs(const QString& text)
+{
+    constexpr qsizetype longest = 32768; // QChars; laid out within a frame of the screen
+    QString shown;
+    qsizetype copied = 0;
+    for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {
+        end = text.indexOf(u'\n', begin) + 1;
+        if (end == 0)
+            end = text.size();
+        while (end - std::max(begin, copied) > longest + 1) {
+            const qsizetype at = std::max(begin, copied);
+            qsizetype cut = text.lastIndexOf(u' ', at + longest - 1) + 1;
+            if (cut <= at)
+                cut = at + longest - (text[at + longest].isLowSurrogate() ? 1 : 0);
+            shown += QStringView(text).sliced(copied, cut - copied);
+            shown += u'\n';
+            copied = cut;
+        }
+    }
+    if (copied == 0)
+        return text;
+    return shown += QStringView(text).sliced(copied);
+}
+
 /// A text field of several lines that asks for no more room than a few of them; the form's arrangement gives it more.
 class MultiLineEdit : public FilteredEdit<QPlainTextEdit>
 {
@@ -253,7 +280,8 @@ protected:
     void insertFromMimeData(const QMimeData* source) override
     {
         QMimeData fits;
-        fits.setText(First(source->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n")), Room()));
+        fits.setText(WithoutEndlessParagraphs(
+            First(source->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n")), Room())));
         FilteredEdit::insertFromMimeData(&fits);
     }
 
@@ -262,7 +290,7 @@ private:
     qsizetype Room() const
     {
         if (MaxLength == 0)
-            return QWIDGETSIZE_MAX;
+            return std::numeric_limits<qsizetype>::max() / 2; // room for a replaced text to be added
         return std::max<qsizetype>(0, MaxLength - Count(toPlainText()) + Count(textCursor().selectedText()));
     }
 };
@@ -289,7 +317,7 @@ public:
         UpdateCommon(property);
         if (property == Property::Text) {
             const QSignalBlocker quiet(widget_);
-            widget_->setPlainText(ToQt(control_.Text));
+            widget_->setPlainText(WithoutEndlessParagraphs(ToQt(control_.Text)));
         } else if (property == Property::Locked) {
             widget_->setReadOnly(control_.Locked);
             // What can be read can be gone through and copied by the keyboard, too.

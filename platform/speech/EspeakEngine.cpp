@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <optional>
 
 #include <espeak-ng/espeak_ng.h>
 #include <espeak-ng/speak_lib.h>
@@ -49,15 +50,19 @@ constexpr std::array<CalibrationPoint, 12> RateHeard{{{102.1, 85},
                                                       {476.4, 400},
                                                       {533.2, 450}}};
 
-/// One call's way from the library's callback to the shaper.
+/// A stretch's way from the library's callback to the shaper, piece by piece.
 struct Delivery {
-    Shaper* shaper = nullptr;
-    const EspeakMarkup* markup = nullptr;
+    explicit Delivery(Shaper& to) : shaper(&to) {}
+
+    Shaper* shaper;
     WordFollower words;
-    std::size_t nextMark = 0;
     std::int64_t received = 0;
     int mouth = -1;
     bool stopped = false;
+    // The piece at hand.
+    const EspeakMarkup* markup = nullptr;
+    std::int64_t begin = 0; ///< its first sample within the stretch
+    std::size_t nextMark = 0;
 
     void MarksUpTo(std::size_t end, std::int64_t position)
     {
@@ -67,7 +72,7 @@ struct Delivery {
 
     void Take(const espeak_EVENT& event)
     {
-        const std::int64_t position = std::max<std::int64_t>(event.sample, 0);
+        const std::int64_t position = begin + std::max<std::int64_t>(event.sample, 0);
         switch (event.type) {
         case espeakEVENT_WORD: {
             const int word = markup->ShownWordAt(event.text_position);
@@ -148,20 +153,27 @@ public:
         if (!InitialiseLibrary())
             return false;
         Shaper shaper(EspeakRate, sink);
-        for (const MarkedText& part : Arrange(segments)) {
-            if (part.pauseMilliseconds > 0) {
-                if (!shaper.Silence(part.pauseMilliseconds))
+        Arranger arranger(segments);
+        std::optional<Delivery> delivery; // of the stretch at hand
+        while (const auto part = arranger.Next()) {
+            if (part->pauseMilliseconds > 0) {
+                if (!shaper.Silence(part->pauseMilliseconds))
                     return true;
                 continue;
             }
-            if (part.text.find_first_not_of(U" \n") == std::u32string::npos) {
-                for (const MarkedText::Mark& mark : part.marks)
-                    shaper.EventHere(SpeechEvent::Kind::Bookmark, mark.number);
-                continue;
+            if (!delivery) {
+                if (!SelectVoice(voice, part->prosody))
+                    return false;
+                delivery.emplace(shaper);
+                shaper.Begin(PrepareFor(part->prosody));
             }
-            bool failed = false;
-            if (!Speak(voice, part, shaper, failed))
-                return !failed;
+            if (!Speak(*part, *delivery))
+                return delivery->stopped;
+            if (part->end != MarkedText::End::Stretch)
+                continue;
+            if (!shaper.End())
+                return true;
+            delivery.reset();
         }
         shaper.EventHere(SpeechEvent::Kind::Mouth, 0);
         return true;
@@ -207,36 +219,39 @@ private:
         return true;
     }
 
-    bool Speak(const Voice& voice, const MarkedText& part, Shaper& shaper, bool& failed)
+    // Sets the library's rate; what is left to do is returned.
+    static Shape PrepareFor(const Prosody& prosody)
     {
-        if (!SelectVoice(voice, part.prosody)) {
-            failed = true;
-            return false;
-        }
         Shape shape;
-        shape.whisper = part.prosody.whisper;
-        shape.gain = std::clamp(part.prosody.volume, 0, 65535) / 65535.0;
+        shape.whisper = prosody.whisper;
+        shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
         int rate = NaturalRate;
-        if (part.prosody.wordsPerMinute > 0) {
-            const Setting setting = SettingFor(RateHeard, part.prosody.wordsPerMinute);
+        if (prosody.wordsPerMinute > 0) {
+            const Setting setting = SettingFor(RateHeard, prosody.wordsPerMinute);
             rate = static_cast<int>(std::lround(setting.value));
             shape.speed = setting.remainder;
         }
         espeak_SetParameter(espeakRATE, rate, 0);
+        return shape;
+    }
 
+    // Speaks a piece; false when it was stopped or the library failed.
+    static bool Speak(const MarkedText& part, Delivery& delivery)
+    {
         const EspeakMarkup markup(part);
-        Delivery delivery;
-        delivery.shaper = &shaper;
         delivery.markup = &markup;
-        shaper.Begin(shape);
-        current = &delivery;
-        const espeak_ERROR result = espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0,
-                                                 espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
-        current = nullptr;
-        if (!delivery.stopped && result == EE_OK)
-            delivery.MarksUpTo(part.marks.size(), delivery.received);
-        failed = !delivery.stopped && result != EE_OK;
-        return !delivery.stopped && shaper.End() && !failed;
+        delivery.begin = delivery.received;
+        delivery.nextMark = 0;
+        if (part.text.find_first_not_of(U" \n") != std::u32string::npos) {
+            current = &delivery;
+            const espeak_ERROR result = espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0,
+                                                     espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
+            current = nullptr;
+            if (delivery.stopped || result != EE_OK)
+                return false;
+        }
+        delivery.MarksUpTo(part.marks.size(), delivery.received);
+        return true;
     }
 
     std::vector<Voice> voices_;

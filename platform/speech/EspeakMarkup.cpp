@@ -48,7 +48,9 @@ EspeakMarkup::EspeakMarkup(const MarkedText& text) : marks(text.marks)
         }
     }
     stress(false);
-    add("</speak>");
+    // The element's end is a sentence's end to the library, with its pause.
+    if (text.end != MarkedText::End::Inside)
+        add("</speak>");
 }
 
 int EspeakMarkup::ShownWordAt(int position) const

@@ -16,7 +16,8 @@ struct EspeakMarkup {
     /// The shown word at a position as eSpeak NG reports it: in characters of the markup, from 1 on; -1 for none.
     int ShownWordAt(int position) const;
 
-    std::string ssml; ///< a <speak> element, UTF-8; mark names are indices into `marks`
+    std::string
+        ssml; ///< a <speak> element, left open where a sentence goes on, UTF-8; mark names are indices into `marks`
     std::vector<MarkedText::Mark> marks;
 
 private:

@@ -11,6 +11,8 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <optional>
+#include <utility>
 
 namespace voxmate::speech
 {
@@ -113,6 +115,13 @@ struct {
     std::map<std::string, LoadedVoice> voices;
     std::vector<std::unique_ptr<cst_cg_db>> databases;
 } loadedLibrary;
+
+/// What is known of the stretch at hand from one piece to the next.
+struct Stretch {
+    WordFollower words;
+    bool inside = false;     ///< what comes next has a sentence before it
+    std::int64_t length = 0; ///< samples so far
+};
 
 /// One sentence's way from Flite to the shaper.
 struct Delivery {
@@ -241,15 +250,23 @@ public:
         if (!loaded)
             return false;
         Shaper shaper(loaded->data->sampleRate, sink);
-        for (const MarkedText& part : Arrange(segments)) {
-            if (part.pauseMilliseconds > 0) {
-                if (!shaper.Silence(part.pauseMilliseconds))
+        Arranger arranger(segments);
+        std::optional<Stretch> stretch;
+        while (const auto part = arranger.Next()) {
+            if (part->pauseMilliseconds > 0) {
+                if (!shaper.Silence(part->pauseMilliseconds))
                     return true;
                 continue;
             }
+            if (!stretch) {
+                stretch.emplace();
+                shaper.Begin(PrepareFor(*loaded, part->prosody));
+            }
             bool failed = false;
-            if (!Speak(*loaded, part, shaper, failed))
+            if (!Speak(*loaded, *part, *stretch, shaper, failed))
                 return !failed;
+            if (part->end == MarkedText::End::Stretch)
+                stretch.reset();
         }
         shaper.EventHere(SpeechEvent::Kind::Mouth, 0);
         return true;
@@ -307,37 +324,41 @@ private:
         return setting.remainder;
     }
 
-    bool Speak(const LoadedVoice& loaded, const MarkedText& part, Shaper& shaper, bool& failed)
+    // Sets pitch and rate; what is left to do is returned.
+    Shape PrepareFor(const LoadedVoice& loaded, const Prosody& prosody)
     {
         Shape shape;
-        shape.whisper = part.prosody.whisper;
-        shape.gain = std::clamp(part.prosody.volume, 0, 65535) / 65535.0;
+        shape.whisper = prosody.whisper;
+        shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
         // Below that the sound is made to run slower, and the words are made shorter first.
-        shape.rate = SetPitch(loaded, part.prosody);
+        shape.rate = SetPitch(loaded, prosody);
         double wanted = loaded.database ? 1 : NaturalStretchOfKal;
-        if (part.prosody.wordsPerMinute > 0)
-            wanted = loaded.data->wordsPerMinute / part.prosody.wordsPerMinute;
+        if (prosody.wordsPerMinute > 0)
+            wanted = loaded.data->wordsPerMinute / prosody.wordsPerMinute;
         wanted *= shape.rate;
         const double stretch = std::clamp(wanted, ShortestStretch, LongestStretch);
         shape.speed = stretch / wanted;
         flite_.featSetFloat(loaded.voice->features, "duration_stretch", static_cast<float>(stretch));
+        return shape;
+    }
 
+    // Speaks a piece of a stretch; false when it was stopped or Flite failed.
+    bool Speak(const LoadedVoice& loaded, const MarkedText& part, Stretch& stretch, Shaper& shaper, bool& failed)
+    {
+        const bool isLast = part.end == MarkedText::End::Stretch;
         const std::vector<FliteSentence> sentences = SplitForFlite(part);
-        WordFollower words;
         std::size_t nextMark = 0;
-        std::int64_t offset = 0;
-        shaper.Begin(shape);
         for (std::size_t i = 0; i < sentences.size(); ++i) {
             Delivery delivery;
             delivery.flite = &flite_;
             delivery.shaper = &shaper;
             delivery.text = &part;
             delivery.sentence = &sentences[i];
-            delivery.words = &words;
+            delivery.words = &stretch.words;
             delivery.nextMark = &nextMark;
-            delivery.first = i == 0;
-            delivery.last = i + 1 == sentences.size();
-            delivery.offset = offset;
+            delivery.first = !std::exchange(stretch.inside, true);
+            delivery.last = part.end != MarkedText::End::Sentence && i + 1 == sentences.size();
+            delivery.offset = stretch.length;
             loaded.streaming->userdata = &delivery;
             cst_utterance* const utterance = flite_.synthText(sentences[i].text.c_str(), loaded.voice);
             loaded.streaming->userdata = nullptr;
@@ -349,11 +370,19 @@ private:
             }
             if (delivery.stopped)
                 return false;
-            offset += delivery.to - delivery.from;
+            stretch.length += delivery.to - delivery.from;
         }
-        const bool listening = shaper.End();
-        for (; nextMark < part.marks.size(); ++nextMark)
-            shaper.EventHere(SpeechEvent::Kind::Bookmark, part.marks[nextMark].number);
+        // A sentence that is cut through goes on without the silence round what Flite takes for two.
+        if (part.end == MarkedText::End::Inside)
+            stretch.inside = false;
+        const bool listening = !isLast || shaper.End();
+        for (; nextMark < part.marks.size(); ++nextMark) {
+            const int number = part.marks[nextMark].number;
+            if (isLast)
+                shaper.EventHere(SpeechEvent::Kind::Bookmark, number);
+            else
+                shaper.Event(SpeechEvent::Kind::Bookmark, stretch.length, number);
+        }
         return listening;
     }
 

@@ -90,7 +90,9 @@ bool EndsSentence(std::string_view text, std::size_t start, std::size_t at)
     const std::size_t next = text.find_first_not_of(" \n", at);
     if (next == std::string_view::npos)
         return false;
-    if (text.substr(at, next - at).find("\n\n") != std::string_view::npos)
+    // An empty line, be there blanks in it or a carriage return at its end.
+    if (std::count(text.begin() + static_cast<std::ptrdiff_t>(at), text.begin() + static_cast<std::ptrdiff_t>(next),
+                   '\n') > 1)
         return true;
     std::size_t last = at;
     while (last > start && (text[last - 1] == '"' || text[last - 1] == '\'' || text[last - 1] == ')'))

@@ -5,6 +5,7 @@
 #include "platform/speech/Engine.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,17 +18,54 @@ struct MarkedText {
         std::size_t at = 0; ///< the character before which it stands; text.size() for one behind the last
         int number = 0;
     };
+    /// What is behind the last character: nothing of this stretch, or its next piece, with a sentence between them or
+    /// cutting through one.
+    enum class End { Stretch, Sentence, Inside };
+
     int pauseMilliseconds = 0; ///< not 0: a pause and nothing else
     Prosody prosody;
     std::u32string text;          ///< control characters and invalid bytes are blanks
     std::vector<int> shownWord;   ///< of each character; -1 before the first word
     std::vector<bool> emphasised; ///< of each character
     std::vector<Mark> marks;      ///< in order of place
+    End end = End::Stretch;
 };
 
-/// Joins neighbouring segments that are spoken in the same manner, so that a bookmark or a stressed word in the middle
-/// of a sentence does not break its melody. Nothing is left out; a bookmark belongs to the stretch it follows.
-std::vector<MarkedText> Arrange(std::span<const Segment> segments);
+/// Takes an utterance apart for an engine, one piece after the other, so that a book needs no more memory than a page
+/// and is heard as soon. Neighbouring segments that are spoken in the same manner are one stretch, so that a bookmark
+/// or a stressed word in the middle of a sentence does not break its melody. Nothing is left out; a bookmark belongs to
+/// the stretch it follows.
+class Arranger
+{
+public:
+    /// No piece has more characters. A longer stretch is cut where it is heard least: at a paragraph's end or a
+    /// sentence's, failing that at a line's end, at a blank, anywhere.
+    static constexpr std::size_t LongestPiece = 4096;
+
+    /// The segments must outlive it.
+    explicit Arranger(std::span<const Segment> segments) : segments_(segments) {}
+    /// The next pause, stretch or piece of a stretch; none when all are taken.
+    std::optional<MarkedText> Next();
+
+private:
+    bool BeginText(const Segment& segment);
+    void Gather();
+    void GatherText();
+    MarkedText CutOff(std::size_t length, MarkedText::End end);
+
+    std::span<const Segment> segments_; ///< that are still to come, the first of them maybe begun
+    MarkedText gathered_;               ///< of the stretch at hand
+    bool open_ = false;                 ///< there is a stretch at hand
+    bool hasText_ = false;              ///< with text in it, be it taken already
+    int lastShown_ = -1;                ///< the shown word of its last character
+
+    // The text segment that is being gathered.
+    bool begun_ = false;
+    std::size_t at_ = 0; ///< first byte not gathered
+    int word_ = -1;      ///< its last word so far
+    int words_ = 0;      ///< all its words, where they have to be spread
+    bool blank_ = true;  ///< its last character so far is one
+};
 
 /// Follows the shown words while an engine works through a text: each is reported once, and never an earlier one again.
 class WordFollower

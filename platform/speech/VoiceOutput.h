@@ -62,7 +62,7 @@ public:
     virtual int Status() = 0;
     /// Starts speaking; sound begins before all of it is synthesised. One utterance at a time: a running one is
     /// stopped.
-    virtual void Start(const Utterance& utterance, VoiceEvents events) = 0;
+    virtual void Start(Utterance utterance, VoiceEvents events) = 0;
     /// Silence within one audio buffer; Ended(false) follows from the event loop.
     virtual void Stop() = 0;
 };

@@ -63,7 +63,7 @@ void VoicePlayer::PostToSelf(std::function<void()> action)
     });
 }
 
-void VoicePlayer::Start(const Utterance& utterance, VoiceEvents events)
+void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
 {
     Stop();
     const auto speaking = std::make_shared<Speaking>();
@@ -80,7 +80,7 @@ void VoicePlayer::Start(const Utterance& utterance, VoiceEvents events)
             else
                 End(known, false);
         };
-        Enqueue(speaking->job, [this, utterance, begin](SpeechJob& job) {
+        Enqueue(speaking->job, [this, utterance = std::move(utterance), begin](SpeechJob& job) {
             const std::optional<WaveScore> score = ScoreWave(utterance, [&job] { return job.Cancelled(); });
             const int rate = score ? score->samplesPerSecond : 0;
             if (score) {
@@ -104,7 +104,7 @@ void VoicePlayer::Start(const Utterance& utterance, VoiceEvents events)
     }
     const int rate = entry->engine->SampleRate(entry->voice);
     speaking->job->SetRate(rate);
-    Enqueue(speaking->job, [engine = entry->engine, voice = entry->voice, segments = utterance.segments](
+    Enqueue(speaking->job, [engine = entry->engine, voice = entry->voice, segments = std::move(utterance.segments)](
                                SpeechJob& job) { return engine->Synthesize(voice, segments, job); });
     OpenStream(speaking, rate);
 }

@@ -24,7 +24,7 @@ public:
     ~VoicePlayer() override;
 
     int Status() override;
-    void Start(const Utterance& utterance, VoiceEvents events) override;
+    void Start(Utterance utterance, VoiceEvents events) override;
     void Stop() override;
 
 private:

@@ -228,11 +228,11 @@ class Desk:
             pairs = [line.split("=", 1) for line in file.read().split("\n") if line.startswith('"')]
         return {name.strip('"'): value for name, value in pairs}
 
-    def start(self, **environment):
-        """Starts the program; its messages go to a log file."""
+    def start(self, without=(), **environment):
+        """Starts the program; its messages go to a log file. `without` is a command that takes rights from it."""
         env = dict(self.env, **environment)
         self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
-        return self.spawn(os.path.join(self.build, "voxmate"), env=env, stderr=self.log, stdout=self.log)
+        return self.spawn(*without, os.path.join(self.build, "voxmate"), env=env, stderr=self.log, stdout=self.log)
 
     def start_without_engines(self, **environment):
         """Starts the program where the voices' data and libraries are hidden from it; None where this machine does not

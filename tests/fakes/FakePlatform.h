@@ -175,7 +175,7 @@ public:
         return Made(std::string("Hide") + (fast ? " fast" : ""));
     }
     AgentRequestPtr Play(const std::string& animation) override { return Made("Play " + animation); }
-    AgentRequestPtr Speak(const std::string& text, const std::string& url) override
+    AgentRequestPtr Speak(std::string text, std::string url) override
     {
         return Made("Speak " + text + (url.empty() ? "" : " from " + url));
     }

@@ -15,7 +15,7 @@ class FakeVoiceOutput : public speech::VoiceOutput
 public:
     int Status() override { return status; }
 
-    void Start(const speech::Utterance& utterance, speech::VoiceEvents events) override
+    void Start(speech::Utterance utterance, speech::VoiceEvents events) override
     {
         started.push_back(utterance);
         heard.push_back(std::move(events));

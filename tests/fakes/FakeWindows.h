@@ -102,7 +102,13 @@ public:
     }
     bool clipboardHasText = true; ///< false: empty, or a picture only
     bool ClipboardGetFormat(int format) override { return format == vbCFText && clipboardHasText; }
-    std::string ClipboardGetText() override { return clipboardHasText ? clipboard : ""; }
+    std::function<void()> whenClipboardIsRead; ///< comes before the text is taken
+    std::string ClipboardGetText() override
+    {
+        if (whenClipboardIsRead)
+            whenClipboardIsRead();
+        return clipboardHasText ? clipboard : "";
+    }
     void ClipboardClear() override
     {
         clipboard.clear();

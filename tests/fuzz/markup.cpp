@@ -120,7 +120,8 @@ void CheckText(std::string_view text, const agent::MarkedText& marked)
 void CheckBalloon(const std::string& shown, int width)
 {
     const std::vector<std::string> words = WordsOf(shown);
-    agent::BalloonText lines(shown, width, [](const std::string& text) { return static_cast<int>(Len(text)); });
+    agent::BalloonText lines(std::make_shared<const std::string>(shown), width,
+                             [](const std::string& text) { return static_cast<int>(Len(text)); });
     std::size_t count = 0;
     {
         const InTime inTime("a balloon's text is laid out");
@@ -225,7 +226,9 @@ void CheckSpeech(const std::vector<Segment>& segments, int words)
     std::vector<speech::MarkedText> parts;
     {
         const InTime inTime("a text is arranged for the engines");
-        parts = speech::Arrange(segments);
+        speech::Arranger arranger(segments);
+        while (auto part = arranger.Next())
+            parts.push_back(std::move(*part));
     }
     std::size_t bookmarks = 0;
     int last = -1;

@@ -18,7 +18,8 @@ using Lines = std::vector<std::string>;
 
 BalloonText Text(const std::string& text, int width)
 {
-    return {text, width, [](const std::string& part) { return static_cast<int>(Len(part)); }};
+    return {std::make_shared<const std::string>(text), width,
+            [](const std::string& part) { return static_cast<int>(Len(part)); }};
 }
 
 Lines Wrapped(const std::string& text, int width, int lastWord = kAll)
@@ -116,7 +117,7 @@ TEST(BalloonText, ALongTextIsMeasuredOnlyAsFarAsItIsSeen)
     for (int i = 0; i < 100000; ++i)
         text += "word ";
     int measures = 0;
-    BalloonText balloon(text, 40, [&](const std::string& part) {
+    BalloonText balloon(std::make_shared<const std::string>(text), 40, [&](const std::string& part) {
         ++measures;
         return static_cast<int>(Len(part));
     });
@@ -127,7 +128,7 @@ TEST(BalloonText, ALongTextIsMeasuredOnlyAsFarAsItIsSeen)
 TEST(BalloonText, AWordAsLongAsABookIsBrokenWithoutMeasuringAllOfIt)
 {
     std::size_t measured = 0;
-    BalloonText balloon(std::string(1000000, 'w'), 40, [&](const std::string& part) {
+    BalloonText balloon(std::make_shared<const std::string>(1000000, 'w'), 40, [&](const std::string& part) {
         measured += part.size();
         return static_cast<int>(Len(part));
     });

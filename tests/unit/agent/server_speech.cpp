@@ -48,6 +48,25 @@ TEST_F(ServerSpeech, OneSpokenTextOfTheProgramRunsInItsOrder)
                             "start rest", "end rest 0"}));
 }
 
+// Whoever asked may keep the request for long, and a text can be as long as a library.
+TEST_F(ServerSpeech, ARequestThatHasHadItsTurnHoldsNoText)
+{
+    AgentCharacter& bo = LoadShown();
+    const auto textOf = [](const AgentRequestPtr& request) { return dynamic_cast<const Request&>(*request).text; };
+    const auto spoken = bo.Speak("Hello", "");
+    const auto stopped = bo.Speak("Hello again", "");
+    EXPECT_EQ(textOf(spoken), "Hello");
+    stage.Settle();
+    EXPECT_EQ(textOf(spoken), "");
+    EXPECT_EQ(textOf(stopped), "Hello again");
+    bo.StopAll("");
+    EXPECT_EQ(textOf(stopped), "");
+    // It is said again nevertheless.
+    bo.Speak("\\Lst\\", "");
+    stage.Settle();
+    EXPECT_EQ(voice.started.back().segments.at(0).text, "Hello");
+}
+
 TEST_F(ServerSpeech, AWaveFileIsPlayedInPlaceOfTheText)
 {
     AgentCharacter& bo = LoadShown();
@@ -470,7 +489,7 @@ TEST_F(ServerSpeech, AVoiceThatFailsInsideItsOwnStartIsNoTrouble)
 {
     class DeadVoice : public fakes::FakeVoiceOutput
     {
-        void Start(const speech::Utterance& utterance, speech::VoiceEvents events) override
+        void Start(speech::Utterance utterance, speech::VoiceEvents events) override
         {
             FakeVoiceOutput::Start(utterance, std::move(events));
             End(false);

@@ -95,6 +95,20 @@ TEST(Text, Utf16RoundTripKeepsSurrogatePairsAndReplacesLoneOnes)
     EXPECT_EQ(Utf8ToUtf16(text).size(), 4u);
 }
 
+TEST(Text, Windows1252IsReadAlikeByteByByteAndAsAWhole)
+{
+    std::string bytes;
+    std::string one;
+    for (int i = 1; i < 256; ++i) {
+        const std::string byte(1, static_cast<char>(i));
+        bytes += byte;
+        one += Windows1252ToUtf8(byte);
+    }
+    EXPECT_EQ(Windows1252ToUtf8(bytes), one);
+    EXPECT_EQ(Len(one), 255u);
+    EXPECT_TRUE(IsValidUtf8(one));
+}
+
 TEST(Text, Windows1252HasLettersWhereLatin1HasControls)
 {
     EXPECT_EQ(Windows1252ToUtf8("a\x80\x9F\xE9\xFF"), "a\xE2\x82\xAC\xC5\xB8\xC3\xA9\xC3\xBF");

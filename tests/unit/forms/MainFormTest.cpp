@@ -5,6 +5,7 @@
 #include "tests/fakes/FakePlatform.h"
 
 #include <cstring>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -189,6 +190,17 @@ TEST_F(MainFormTest, TheClipboardsTextIsPutIntoTheTextBoxAndSpokenAsItIs)
     EXPECT_EQ(fake.log, (Lines{"Show", "DoEvents", "Speak \\Pit=50\\ \\Spd=156\\from elsewhere", "Play RestPose"}));
 }
 
+TEST_F(MainFormTest, TheClipboardIsReadOnceForTheTextBoxAndOnceMoreForTheVoice)
+{
+    Start();
+    int asked = 0;
+    fake.windows.whenClipboardIsRead = [&] { fake.windows.clipboard = ++asked == 1 ? "first" : "second"; };
+    form.cmdClip.UserClick();
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(form.txtText.Text.get(), "first");
+    EXPECT_EQ(fake.log.at(2), "Speak \\Pit=50\\ \\Spd=156\\second");
+}
+
 TEST_F(MainFormTest, AClipboardWithoutTextIsPassedOver)
 {
     Start();
@@ -219,22 +231,83 @@ TEST_F(MainFormTest, EachButtonAndItsMenuItemDoTheSame)
     }
 }
 
-TEST_F(MainFormTest, WhileADocumentIsOpenedAnotherCannotBe)
+TEST_F(MainFormTest, WhileADocumentIsReadAnotherCannotBeAndTheButtonKeepsTheKeyboard)
 {
     Start();
-    fake.windows.filesToOpen = {"C:\\letter.doc"};
+    fake.windows.filesToOpen = {"C:\\letter.doc", "C:\\letter.doc"};
     fake.files.texts["C:\\letter.doc"] = "a document";
     fake.word.documents["C:\\letter.doc"] = "hello";
     bool looked = false;
     fake.word.whileOpening = [&] {
         looked = true;
-        EXPECT_FALSE(form.cmdWord.Enabled.get());
-        EXPECT_FALSE(form.mnuWord.Enabled.get());
+        // A button that is disabled loses the keyboard to another one.
+        EXPECT_TRUE(form.cmdWord.Enabled.get());
+        EXPECT_TRUE(form.mnuWord.Enabled.get());
+        form.cmdWord.UserClick();
+        form.mnuWord.Click();
     };
     form.cmdWord.UserClick();
     EXPECT_TRUE(looked);
-    EXPECT_TRUE(form.cmdWord.Enabled.get());
-    EXPECT_TRUE(form.mnuWord.Enabled.get());
+    EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Word Create"), 1);
+    fake.word.whileOpening = nullptr;
+    form.mnuWord.Click();
+    EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Word Create"), 2);
+}
+
+TEST_F(MainFormTest, AnotherDocumentCanBeReadWhenTheFirstOneEndedInAnError)
+{
+    Start();
+    fake.windows.filesToOpen = {"C:\\letter.doc", "C:\\letter.doc"};
+    fake.files.texts["C:\\letter.doc"] = "a document";
+    fake.word.openErrors.emplace("C:\\letter.doc", PermissionDenied());
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(fake.Ends([this] { form.cmdWord.UserClick(); }));
+    EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Word Create"), 2);
+}
+
+TEST_F(MainFormTest, AStopPressedWhileATextIsAboutToBeSpokenMeansThatTextToo)
+{
+    Start();
+    fake.windows.filesToOpen = {"C:\\notes.txt"};
+    fake.files.texts["C:\\notes.txt"] = "hello";
+    fake.windows.whilePending = [this] {
+        fake.windows.whilePending = nullptr;
+        form.cmdStop.UserClick();
+    };
+    form.cmdText.UserClick();
+    EXPECT_EQ(fake.log.back(), "Play RestPose");
+    EXPECT_EQ(
+        std::count_if(fake.log.begin(), fake.log.end(), [](const auto& call) { return call.starts_with("Speak "); }),
+        0);
+}
+
+TEST_F(MainFormTest, AStopPressedDuringTheSecondPartSilencesThatPartToo)
+{
+    Start();
+    fake.windows.filesToOpen = {"C:\\letter.doc"};
+    fake.files.texts["C:\\letter.doc"] = "a document";
+    fake.word.documents["C:\\letter.doc"] =
+        std::string(1000, 'a') + " " + std::string(1000, 'b') + " " + std::string(1000, 'c');
+    fake.windows.whilePending = [this] {
+        if (Status().starts_with("Reading part 2 "))
+            form.cmdStop.UserClick();
+    };
+    form.cmdWord.UserClick();
+    const auto stop = std::find(fake.log.begin(), fake.log.end(), "StopAll Move, Play, Speak");
+    ASSERT_NE(stop, fake.log.end());
+    EXPECT_EQ(std::count_if(stop, fake.log.end(), [](const auto& call) { return call.starts_with("Speak "); }), 0);
+    EXPECT_EQ(StopRequested, False);
+}
+
+TEST_F(MainFormTest, ACounterPastANewLimitAnnouncesAtTheNextTick)
+{
+    Start();
+    Settings.SpeakTimeInterval = 1;
+    Settings.TimeIn24Hour = 1;
+    SpeakTimeCounter = 1000;
+    form.SysTime.Fire();
+    EXPECT_EQ(fake.log.at(3), "Speak \\Pit=50\\ \\Spd=156\\Good Afternoon, Time now is 14:05");
+    EXPECT_EQ(SpeakTimeCounter, 0);
 }
 
 TEST_F(MainFormTest, AWaveFileIsPlayedFromTheFileMenu)
@@ -431,6 +504,36 @@ TEST_F(MainFormTest, AnIntervalOf546IsTheLastThatFits)
         EXPECT_EQ(error.Description, "Overflow");
     }
     EXPECT_EQ(SpeakTimeCounter, 3);
+}
+
+TEST_F(MainFormTest, ACounterThatCannotBeRaisedOverflows)
+{
+    Start();
+    Settings.SpeakTimeInterval = 1;
+    SpeakTimeCounter = std::numeric_limits<std::int32_t>::max();
+    try {
+        form.SysTime.Fire();
+        FAIL() << "no overflow";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number, 6);
+    }
+    EXPECT_EQ(SpeakTimeCounter, std::numeric_limits<std::int32_t>::max());
+}
+
+TEST_F(MainFormTest, TheDateAndTheTimeAreToldAsTheSettingsSay)
+{
+    Start();
+    Settings.TimeIn24Hour = 1;
+    form.cmdTime.UserClick();
+    EXPECT_EQ(fake.log.at(3), "Speak \\Pit=50\\ \\Spd=156\\Good Afternoon, Time now is 14:05");
+    const std::pair<std::int16_t, std::string> dates[] = {
+        {0, "Today is"}, {7, "Today is"}, {4, "Today is Monday, March 17th, 75"}};
+    for (const auto& [format, today] : dates) {
+        fake.log.clear();
+        Settings.DateFormat = format;
+        form.cmdDate.UserClick();
+        EXPECT_EQ(fake.log.at(3), "Speak \\Pit=50\\ \\Spd=156\\" + today);
+    }
 }
 
 TEST_F(MainFormTest, AnIntervalOfZeroAnnouncesNothingAndTheClockStillRuns)

@@ -125,6 +125,18 @@ TEST_F(TextStreamTest, ReadingPastTheEndRaisesAnErrorEveryTime)
     }
 }
 
+TEST_F(TextStreamTest, ALineIsAppendedToWhatIsThere)
+{
+    Write("one\r\ntwo");
+    const auto stream = files.OpenTextFile(Path());
+    std::string text = ">";
+    stream->AppendLine(text);
+    stream->AppendLine(text);
+    EXPECT_EQ(text, ">onetwo");
+    EXPECT_THROW(stream->AppendLine(text), RuntimeError);
+    EXPECT_EQ(text, ">onetwo");
+}
+
 TEST_F(TextStreamTest, LinesCanBeReadWithoutAskingForTheEnd)
 {
     Write("a\r\n\r\nb");

@@ -93,6 +93,13 @@ TEST_F(ReadingTest, ATextFileIsReadWholeWithEachLineTrimmed)
     EXPECT_EQ(CurrentRoutineId, 4);
 }
 
+TEST_F(ReadingTest, ALineOfBlanksIsAnEmptyLine)
+{
+    ChooseText("a\n   \n  b c  \n ");
+    OpenAndReadText();
+    EXPECT_EQ(Spoken(), (Lines{"\r\na\r\n\r\nb c\r\n"}));
+}
+
 TEST_F(ReadingTest, ATextFileOfOneEmptyLineIsNoComplaint)
 {
     ChooseText("\r\n");
@@ -229,6 +236,35 @@ TEST_F(ReadingTest, PartsAndTheirCountForEachLength)
     EXPECT_TRUE(fake.windows.boxes.empty());
 }
 
+TEST_F(ReadingTest, PartsAndTheirCountWithABlankBehindEveryThousandCharacters)
+{
+    struct Case {
+        std::size_t length;
+        Lines parts;
+        std::vector<std::size_t> lengths; ///< of what is spoken
+    };
+    for (const Case& one :
+         {Case{0, {"1 of 1"}, {}}, Case{1, {"1 of 1"}, {1}}, Case{999, {"1 of 1"}, {999}},
+          Case{1000, {"1 of 1"}, {1000}}, Case{1001, {"1 of 1", "2 of 1"}, {1000}},
+          Case{1500, {"1 of 2", "2 of 2"}, {1000, 499}}, Case{2500, {"1 of 2", "2 of 2", "3 of 2"}, {1000, 1000, 498}},
+          Case{3000, {"1 of 3", "2 of 3", "3 of 3"}, {1000, 1000, 998}}}) {
+        window.statuses.clear();
+        fake.log.clear();
+        // The blanks stand where a part may end: behind a thousand characters, and each time one further on.
+        std::string text(one.length, 'x');
+        for (std::size_t at = 1000; at < text.size(); at += 1001)
+            text[at] = ' ';
+        ChooseWord(text);
+        OpenAndReadWord();
+        EXPECT_EQ(Parts(), one.parts) << one.length;
+        std::vector<std::size_t> lengths;
+        for (const std::string& part : Spoken())
+            if (part.starts_with('x'))
+                lengths.push_back(part.size());
+        EXPECT_EQ(lengths, one.lengths) << one.length;
+    }
+}
+
 TEST_F(ReadingTest, ADocumentOfNothingAtAllIsComplainedAbout)
 {
     for (const char* text : {"", "  ", "\r"}) {
@@ -240,6 +276,9 @@ TEST_F(ReadingTest, ADocumentOfNothingAtAllIsComplainedAbout)
         // A paragraph's end is no blank, so it is spoken.
         if (std::string(text) == "\r") {
             EXPECT_EQ(Spoken(), (Lines{"\r"}));
+            EXPECT_EQ(Parts(), (Lines{"1 of 1"}));
+            EXPECT_TRUE(fake.windows.boxes.empty());
+            EXPECT_EQ(window.statuses.back(), "Busy...");
             continue;
         }
         EXPECT_EQ(Parts(), (Lines{"1 of 1"}));
@@ -254,6 +293,36 @@ TEST_F(ReadingTest, APartGoesOnToTheNextBlankWhichBelongsToNone)
     ChooseWord(first + " second\r");
     OpenAndReadWord();
     EXPECT_EQ(Spoken(), (Lines{first, "second\r"}));
+}
+
+TEST_F(ReadingTest, NeitherATabNorAParagraphsEndAtTheSeamEndsAPart)
+{
+    for (const char* mark : {"\t", "\r", "\v", "\u00A0"}) {
+        fake.log.clear();
+        const std::string first = std::string(1000, 'a') + mark + "b";
+        ChooseWord(first + " second\r");
+        OpenAndReadWord();
+        EXPECT_EQ(Spoken(), (Lines{first, "second\r"})) << mark;
+    }
+}
+
+TEST_F(ReadingTest, ABlankThatEndsTheDocumentAtTheSeamLeavesAnEmptyLastPart)
+{
+    ChooseWord(std::string(1000, 'a') + " ");
+    OpenAndReadWord();
+    EXPECT_EQ(Spoken(), (Lines{std::string(1000, 'a')}));
+    EXPECT_EQ(Parts(), (Lines{"1 of 1", "2 of 1"}));
+}
+
+TEST_F(ReadingTest, AnotherErrorOfTheWordProcessorIsReportedAndItStaysAsItIs)
+{
+    ChooseWord("hello");
+    fake.word.openErrors.emplace("C:\\letter.doc", PermissionDenied());
+    EXPECT_TRUE(fake.Ends([] { OpenAndReadWord(); }));
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Unhandled Error");
+    EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Word Quit"), 0);
+    EXPECT_EQ(fake.word.alive, 1);
 }
 
 TEST_F(ReadingTest, ABlankRightAtTheSeamEndsThePartThere)
@@ -325,6 +394,56 @@ TEST_F(ReadingTest, ADocumentThatCannotBeOpenedIsQuiet)
     OpenAndReadWord();
     EXPECT_TRUE(fake.windows.boxes.empty());
     EXPECT_EQ(Lines(fake.log.end() - 2, fake.log.end()), (Lines{"Word Quit", idle}));
+}
+
+TEST_F(ReadingTest, WithoutSoundATextFileLeavesTheProgramIdle)
+{
+    fake.agent.status = AudioStatus::NoSupport;
+    ChooseText("hello");
+    OpenAndReadText();
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(window.statuses.back(), "I am Idle now !");
+}
+
+TEST_F(ReadingTest, WithoutSoundADocumentIsRefusedOnceAndClosed)
+{
+    fake.agent.status = AudioStatus::Unknown;
+    ChooseWord(Words(5000));
+    OpenAndReadWord();
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Audio Output Problem");
+    EXPECT_EQ(Parts(), (Lines{"1 of 5"}));
+    EXPECT_EQ(Lines(fake.log.end() - 5, fake.log.end()), (Lines{"Status Closing Word Document. Please wait...",
+                                                                "Word Close", "Word Quit", "Status Busy...", idle}));
+}
+
+TEST_F(ReadingTest, ADocumentWhoseSoundIsLostOnTheWayStaysBusyWithWhatIsQueued)
+{
+    ChooseWord(Words(5000));
+    fake.windows.whilePending = [&] {
+        if (Parts().size() == 2)
+            fake.agent.status = AudioStatus::NoSupport;
+    };
+    OpenAndReadWord();
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(Parts(), (Lines{"1 of 5", "2 of 5", "3 of 5"}));
+    EXPECT_EQ(Spoken().size(), 2u);
+    EXPECT_EQ(window.statuses.back(), "Busy...");
+}
+
+TEST_F(ReadingTest, WithoutACharacterNothingIsReadAndTheProgramIsIdle)
+{
+    Character = nullptr;
+    ChooseText("hello");
+    OpenAndReadText();
+    EXPECT_EQ(window.statuses.back(), "I am Idle now !");
+    ChooseWord(Words(2500));
+    OpenAndReadWord();
+    EXPECT_EQ(window.statuses.back(), "I am Idle now !");
+    EXPECT_EQ(Parts(), (Lines{"1 of 2"}));
+    ChooseText("RIFF", "C:\\song.wav");
+    OpenAndPlayWave();
+    EXPECT_EQ(window.statuses.back(), "I am Idle now !");
 }
 
 TEST_F(ReadingTest, WithoutAWordProcessorTheErrorIsReported)

@@ -2,14 +2,18 @@
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QEventLoop>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTimer>
 
 namespace voxmate::qt
@@ -104,6 +108,56 @@ TEST_F(QtTest, WhatTheProgramSetsIsShownAndRaisesItsEventOnce)
     EXPECT_TRUE(Find<QCheckBox>("chkWhisper")->isChecked());
     EXPECT_EQ(Find<QPlainTextEdit>("txtText")->toPlainText(), "Hello");
     EXPECT_EQ(Find<QComboBox>("comEngine")->currentText(), "Two");
+}
+
+// A paragraph as long as a book would have to be laid out as a whole before a line of it could be shown.
+TEST_F(QtTest, AParagraphAsLongAsABookIsShownWholeAtOnce)
+{
+    std::string text;
+    while (text.size() < 10'000'000)
+        text += "word Wörter ";
+    QElapsedTimer clock;
+    clock.start();
+    form.txtText.Text = text;
+    Window()->repaint();
+    QCoreApplication::processEvents();
+    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_EQ(form.txtText.Text.get(), text);
+    const auto* box = Find<QPlainTextEdit>("txtText");
+    EXPECT_GT(box->blockCount(), 100);
+    QString shown = box->toPlainText();
+    EXPECT_EQ(shown.remove(u'\n').toStdString(), text);
+    for (QTextBlock block = box->document()->begin(); block.next().isValid(); block = block.next())
+        ASSERT_TRUE(block.text().endsWith(u' '));
+}
+
+TEST_F(QtTest, AWordAsLongAsABookIsShownWithoutTearingItsCharacters)
+{
+    std::string text = "x";
+    for (int i = 0; i < 50000; ++i)
+        text += "😀";
+    form.txtText.Text = text;
+    const QString shown = Find<QPlainTextEdit>("txtText")->toPlainText();
+    EXPECT_GT(shown.count(u'\n'), 1);
+    for (const QString& line : shown.split(u'\n')) {
+        EXPECT_FALSE(line.front().isLowSurrogate());
+        EXPECT_FALSE(line.back().isHighSurrogate());
+    }
+}
+
+TEST_F(QtTest, APastedParagraphIsShownInTheSameWay)
+{
+    QGuiApplication::clipboard()->setText(QStringLiteral("word ").repeated(20000));
+    Find<QPlainTextEdit>("txtText")->paste();
+    EXPECT_EQ(Find<QPlainTextEdit>("txtText")->blockCount(), 4);
+    EXPECT_EQ(form.txtText.Text.get().size(), 100003u);
+}
+
+TEST_F(QtTest, AParagraphOfOrdinaryLengthStaysAsItIs)
+{
+    const std::string text(30000, 'x');
+    form.txtText.Text = text + "\n" + text;
+    EXPECT_EQ(Find<QPlainTextEdit>("txtText")->toPlainText().toStdString(), text + "\n" + text);
 }
 
 TEST_F(QtTest, WhatTheUserDoesIsStoredAndRaisesItsEventOnce)

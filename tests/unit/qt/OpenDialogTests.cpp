@@ -131,6 +131,21 @@ TEST_F(OpenDialogTest, ItHasItsTitleAndItsFilterAndFirstBeginsInTheDocumentsFold
     EXPECT_EQ(Opened(Settings()), home.Path("Documents/notes.txt"));
 }
 
+TEST_F(OpenDialogTest, ATypedFolderIsEnteredAndTheNameFieldIsFreeForTheFilesName)
+{
+    QDir(QString::fromStdString(home.Path(""))).mkpath(QStringLiteral("Documents/letters.txt"));
+    home.Touch("Documents/letters.txt/one.txt");
+    InDialog([&](QFileDialog& dialog) {
+        for (const std::string& folder : {home.Path("Documents/letters.txt"), home.Path("Documents/letters.txt")}) {
+            Type(dialog, folder);
+            EXPECT_EQ(dialog.directory().path().toStdString(), home.Path("Documents/letters.txt"));
+            EXPECT_EQ(NameField(dialog).text(), "");
+        }
+        Type(dialog, "one.txt");
+    });
+    EXPECT_EQ(Opened(Settings()), home.Path("Documents/letters.txt/one.txt"));
+}
+
 TEST_F(OpenDialogTest, WithoutADocumentsFolderItBeginsAtHome)
 {
     ASSERT_TRUE(QDir(QString::fromStdString(home.Path("Documents"))).removeRecursively());

@@ -2,6 +2,7 @@
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
+#include "platform/speech/MarkedText.h"
 #include "platform/speech/Shaper.h"
 
 #include <gtest/gtest.h>
@@ -273,6 +274,67 @@ TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
     RecordingSink again;
     EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello")}, again));
     EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
+}
+
+// One sentence over and over, so that each ought to take as long as the one before, seam or not.
+struct Repeated {
+    explicit Repeated(const std::string& one) : sentence(one)
+    {
+        for (int i = 0; i < Count(); ++i)
+            text += sentence;
+    }
+    static constexpr int Words = 9; ///< of the sentence
+    int Count() const { return static_cast<int>(Arranger::LongestPiece / sentence.size()) + 20; }
+    /// Seconds from the beginning of each to that of the next; the first and the last are left out.
+    std::vector<double> Lengths(const RecordingSink& sink, int rate) const
+    {
+        std::vector<double> lengths;
+        std::int64_t before = -1;
+        for (const SpeechEvent& event : sink.events) {
+            if (event.kind != SpeechEvent::Kind::Word || event.value % Words != 0 || event.value / Words >= Count())
+                continue;
+            if (before > 0)
+                lengths.push_back(static_cast<double>(event.sample - before) / rate);
+            before = event.sample;
+        }
+        return lengths;
+    }
+
+    std::string sentence;
+    std::string text;
+};
+
+TEST_P(EngineTest, TheSeamsOfALongTextAreNotHeard)
+{
+    const Repeated repeated("The old clock in the hall has stopped completely. ");
+    Prosody quick; // beyond the engines' own speed, so that what comes behind them has to keep its place, too
+    quick.wordsPerMinute = 600;
+    Segment last = Text("The end.", quick);
+    last.firstWord = repeated.Count() * Repeated::Words;
+    const RecordingSink sink = Speak({Text(repeated.text, quick), Bookmark(8), last});
+    // An engine may join two words into one.
+    const std::vector<int> inOne = Speak(repeated.sentence).Values(SpeechEvent::Kind::Word);
+    EXPECT_GE(inOne.size(), 7U);
+    std::vector<int> expected;
+    for (int i = 0; i < repeated.Count(); ++i)
+        for (const int word : inOne)
+            expected.push_back(i * Repeated::Words + word);
+    expected.insert(expected.end(), {last.firstWord, last.firstWord + 1});
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), expected);
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Bookmark), (std::vector<int>{8}));
+    EXPECT_LE(sink.latestEventBehind, rate / 10);
+    const std::vector<double> lengths = repeated.Lengths(sink, rate);
+    const auto [shortest, longest] = std::minmax_element(lengths.begin(), lengths.end());
+    EXPECT_LT(*longest - *shortest, 0.03);
+}
+
+TEST_P(EngineTest, WhereALongTextHasNoSentencesASeamIsNoPause)
+{
+    const Repeated repeated("The old clock in the hall has stopped completely ");
+    std::vector<double> lengths = repeated.Lengths(Speak(repeated.text), rate);
+    std::sort(lengths.begin(), lengths.end());
+    // Between two sentences both engines wait for longer than that; the ends of clauses differ by half of it.
+    EXPECT_LT(lengths.back() - lengths[lengths.size() / 2], 0.25);
 }
 
 TEST_P(EngineTest, OddTextIsNoTrouble)

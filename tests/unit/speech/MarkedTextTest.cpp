@@ -1,5 +1,6 @@
 #include "platform/speech/MarkedText.h"
 #include "Fakes.h"
+#include "base/Text.h"
 #include "platform/speech/Calibration.h"
 #include "platform/speech/EspeakMarkup.h"
 #include "platform/speech/FliteText.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 
@@ -14,6 +16,15 @@ namespace voxmate::speech
 {
 namespace
 {
+
+std::vector<MarkedText> Arrange(std::span<const Segment> segments)
+{
+    std::vector<MarkedText> parts;
+    Arranger arranger(segments);
+    while (auto part = arranger.Next())
+        parts.push_back(std::move(*part));
+    return parts;
+}
 
 TEST(MarkedText, JoinsWhatIsSpokenAlikeAndKeepsTheBookmarkInItsPlace)
 {
@@ -62,9 +73,9 @@ TEST(MarkedText, SpreadsAsManyWordsAsABookHas)
         text += "a ";
     Segment segment = Text(text);
     segment.shownWords = words;
-    const MarkedText part = Arrange(std::span(&segment, 1))[0];
-    EXPECT_EQ(part.shownWord.front(), 0);
-    EXPECT_EQ(part.shownWord.back(), words - 1);
+    const std::vector<MarkedText> parts = Arrange(std::span(&segment, 1));
+    EXPECT_EQ(parts.front().shownWord.front(), 0);
+    EXPECT_EQ(parts.back().shownWord.back(), words - 1);
 }
 
 TEST(MarkedText, StressesTheFirstWordOnly)
@@ -74,6 +85,152 @@ TEST(MarkedText, StressesTheFirstWordOnly)
     const MarkedText part = Arrange(std::span(&segment, 1))[0];
     const std::vector<bool> expected{false, true, true, true, true, false, false, false, false};
     EXPECT_EQ(part.emphasised, expected);
+}
+
+// All pieces in one, as a text that was never cut has it.
+MarkedText Joined(const std::vector<MarkedText>& pieces)
+{
+    MarkedText all;
+    for (const MarkedText& piece : pieces) {
+        EXPECT_LE(piece.text.size(), Arranger::LongestPiece);
+        EXPECT_EQ(piece.end == MarkedText::End::Stretch, &piece == &pieces.back());
+        for (const MarkedText::Mark& mark : piece.marks)
+            all.marks.push_back({all.text.size() + mark.at, mark.number});
+        all.text += piece.text;
+        all.shownWord.insert(all.shownWord.end(), piece.shownWord.begin(), piece.shownWord.end());
+        all.emphasised.insert(all.emphasised.end(), piece.emphasised.begin(), piece.emphasised.end());
+    }
+    return all;
+}
+
+TEST(MarkedText, ALongStretchComesInPiecesWithoutLosingItsPlace)
+{
+    // In Greek, two bytes a letter, and with an emoji of four: the seams of pieces and of blocks fall anywhere.
+    std::string text;
+    std::u32string expected;
+    std::vector<int> words;
+    for (int i = 0; i < 3000; ++i) {
+        text += "αβγ😀δ ";
+        expected += U"αβγ😀δ ";
+        words.insert(words.end(), 6, i);
+    }
+    Segment first = Text(text);
+    Segment second = Text(text);
+    second.emphasis = true;
+    second.firstWord = 3000;
+    std::vector<int> secondWords = words;
+    for (int& word : secondWords)
+        word += 3000;
+    words.insert(words.end(), secondWords.begin(), secondWords.end());
+    const std::vector<Segment> segments{Bookmark(1), first, Bookmark(2), second, Bookmark(3)};
+    const std::vector<MarkedText> pieces = Arrange(segments);
+    EXPECT_GT(pieces.size(), 36000 / Arranger::LongestPiece);
+    const MarkedText all = Joined(pieces);
+    EXPECT_EQ(all.text, expected + expected);
+    EXPECT_EQ(all.shownWord, words);
+    ASSERT_EQ(all.marks.size(), 3U);
+    EXPECT_EQ(all.marks[0].at, 0U);
+    EXPECT_EQ(all.marks[1].at, 18000U);
+    EXPECT_EQ(all.marks[2].at, 36000U);
+    EXPECT_EQ(all.marks[2].number, 3);
+    EXPECT_EQ(std::count(all.emphasised.begin(), all.emphasised.end(), true), 5);
+    EXPECT_TRUE(all.emphasised[18000]);
+}
+
+TEST(MarkedText, WordsAreSpreadEvenlyOverAllPieces)
+{
+    std::string text;
+    for (int i = 0; i < 3000; ++i)
+        text += "a bb ";
+    Segment mapped = Text(text);
+    mapped.firstWord = 7;
+    mapped.shownWords = 3;
+    const MarkedText all = Joined(Arrange(std::span(&mapped, 1)));
+    ASSERT_EQ(all.shownWord.size(), 15000U);
+    EXPECT_EQ(all.shownWord[0], 7);
+    EXPECT_EQ(all.shownWord[4999], 7);
+    EXPECT_EQ(all.shownWord[5000], 8);
+    EXPECT_EQ(all.shownWord[10000], 9);
+    EXPECT_EQ(all.shownWord[14999], 9);
+}
+
+struct Seam {
+    std::u32string before;
+    std::u32string after;
+    MarkedText::End end;
+};
+
+// Where a text is cut that has `place` in the middle of what is looked at for that, and words and blanks elsewhere.
+Seam FirstSeam(const std::string& place)
+{
+    std::string text;
+    while (text.size() < Arranger::LongestPiece * 3 / 4)
+        text += "word ";
+    text += place;
+    while (text.size() < Arranger::LongestPiece * 2)
+        text += " word";
+    const Segment segment = Text(text);
+    const std::vector<MarkedText> pieces = Arrange(std::span(&segment, 1));
+    const std::u32string& before = pieces.at(0).text;
+    return {before.substr(before.size() - 6), pieces.at(1).text.substr(0, 4), pieces[0].end};
+}
+
+TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
+{
+    for (const auto& [place, before] : {std::pair{"remember! And", U"mber! "},
+                                        {"remember? and", U"mber? "},
+                                        {"remember. And", U"mber. "},
+                                        {"so\n\nAnd", U"d so\n\n"},
+                                        {"so\r\n \r\nAnd", U"\n  \n "}}) {
+        const Seam seam = FirstSeam(place);
+        EXPECT_EQ(seam.end, MarkedText::End::Sentence) << place;
+        EXPECT_EQ(EncodeUtf8(seam.after), place == std::string("remember? and") ? "and " : "And ") << place;
+        if (place != std::string("so\r\n \r\nAnd")) {
+            EXPECT_EQ(EncodeUtf8(seam.before), EncodeUtf8(before)) << place;
+        }
+    }
+    EXPECT_EQ(FirstSeam("了。我").after, U"我 wo");
+    EXPECT_EQ(FirstSeam("so\nAnd").after, U"And ");
+    EXPECT_EQ(FirstSeam("so\nAnd").end, MarkedText::End::Inside);
+    // Behind a word of middling length it is one only where there is nothing better.
+    EXPECT_EQ(FirstSeam("again. And").after, U"And ");
+    EXPECT_EQ(FirstSeam("again. And").end, MarkedText::End::Sentence);
+    EXPECT_EQ(FirstSeam("remember! Not approx. Nine").after, U"Not ");
+    EXPECT_EQ(FirstSeam("again. And\nso").after, U"And\n");
+    // Neither an abbreviation nor a full stop before a small letter ends a sentence: the last blank it is.
+    for (const char* place : {"Dr. Smith", "p.m. And", "remember. and", "3.14159265 And", "remembers.\" And"}) {
+        EXPECT_EQ(FirstSeam(place).after, U"word") << place;
+        EXPECT_EQ(FirstSeam(place).end, MarkedText::End::Inside) << place;
+    }
+}
+
+TEST(MarkedText, AWordLongerThanAPieceIsCutAnywhere)
+{
+    const Segment segment = Text(std::string(Arranger::LongestPiece * 2 + 10, 'w'));
+    const std::vector<MarkedText> pieces = Arrange(std::span(&segment, 1));
+    ASSERT_EQ(pieces.size(), 3U);
+    EXPECT_EQ(pieces[0].text.size(), Arranger::LongestPiece);
+    EXPECT_EQ(pieces[2].text.size(), 10U);
+    EXPECT_EQ(pieces[2].shownWord.back(), 0);
+}
+
+TEST(MarkedText, AStretchAsLongAsAPieceIsNotCut)
+{
+    const Segment segment = Text(std::string(Arranger::LongestPiece, 'w'));
+    EXPECT_EQ(Arrange(std::span(&segment, 1)).size(), 1U);
+}
+
+TEST(EspeakMarkup, IsLeftOpenWhereASentenceIsCut)
+{
+    MarkedText piece;
+    piece.text = U"so";
+    piece.shownWord = {0, 0};
+    piece.emphasised = {false, false};
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so</speak>");
+    piece.end = MarkedText::End::Sentence;
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so</speak>");
+    piece.end = MarkedText::End::Inside;
+    EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so");
 }
 
 TEST(EspeakMarkup, EscapesWhatIsMarkupAndFindsTheWordsAgain)
@@ -104,6 +261,15 @@ TEST(FliteText, SplitsAtTheEndsOfSentencesAndNotAtAbbreviations)
               (std::vector<std::string>{"Dr. Smith came at 3.15 p.m. today.", "\"Really?\"", "Yes!", "J. Doe left."}));
 }
 
+TEST(FliteText, AnEmptyLineEndsASentenceHoweverLinesAreEnded)
+{
+    const std::vector<std::string> sentences{"Chapter One", "It was late"};
+    EXPECT_EQ(Sentences("Chapter One\n\nIt was late"), sentences);
+    EXPECT_EQ(Sentences("Chapter One\r\n\r\nIt was late"), sentences);
+    EXPECT_EQ(Sentences("Chapter One\n \nIt was late"), sentences);
+    EXPECT_EQ(Sentences("One line\nof two"), (std::vector<std::string>{"One line\nof two"}));
+}
+
 TEST(FliteText, LeavesOutWhatHasNothingToSay)
 {
     EXPECT_EQ(Sentences("... ! Hello. --- "), (std::vector<std::string>{"Hello."}));
@@ -117,9 +283,12 @@ TEST(FliteText, ReadsForeignLettersAndTypographyAsNearAsAsciiComes)
 
 TEST(FliteText, IsSplitQuicklyHoweverManyBlanksPartItsWords)
 {
-    const std::string text = "One" + std::string(100000, ' ') + "two.";
+    MarkedText text;
+    text.text = U"One" + std::u32string(100000, U' ') + U"two.";
     const std::clock_t start = std::clock();
-    EXPECT_EQ(Sentences(text), (std::vector<std::string>{text}));
+    const std::vector<FliteSentence> sentences = SplitForFlite(text);
+    ASSERT_EQ(sentences.size(), 1U);
+    EXPECT_EQ(sentences[0].text.size(), text.text.size());
     EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
