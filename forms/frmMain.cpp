@@ -117,6 +117,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuSpEng2.Click = [] { OpenUrl(HelpPage("voices")); };
     mnuAbout.Click = [this] { mnuAbout_Click(); };
     mnuExit.Click = [this] { mnuExit_Click(); };
+    mnuStop.Click = [this] { cmdStop_Click(); };
     mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
     ConnectAgent();

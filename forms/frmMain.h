@@ -91,6 +91,9 @@ public:
     Menu mnuTray{this, nullptr, "mnuTray", "Tray"};
     Menu mnuTrayExit{this, &mnuTray, "mnuTrayExit", "&Exit"};
 
+    Menu mnuCharRC{this, nullptr, "mnuCharRC", "Char Right Click"};
+    Menu mnuStop{this, &mnuCharRC, "mnuStop", "&Stop"};
+
     // MainWindow.
     void Show() override { Form::Show(); }
     void SetStatus(const std::string& text) override { stsBar.SetPanel(1, text); }

@@ -30,7 +30,6 @@ frmShowRem::frmShowRem(Platform& platform) : Form(platform.Windows, "frmShowRem"
     txtSnooze.AccessibleName = "Snooze minutes";
     txtSnooze.MaxLength = SnoozeLength;
     txtDesc.MultiLine = true;
-    cmdOK.IsDefault = true;
     Arrange();
 
     txtSnooze.KeyPress = [this](int& keyAscii) { txtSnooze_KeyPress(keyAscii); };
@@ -80,6 +79,9 @@ void frmShowRem::txtSnooze_KeyPress(int& keyAscii)
     constexpr int enter = 13;
     if ((keyAscii < '0' || keyAscii > '9') && keyAscii != backspace && keyAscii != enter)
         keyAscii = 0;
+    // Whoever types a number of minutes and presses Enter does not mean OK.
+    if (keyAscii == enter)
+        cmdSnooze_Click();
 }
 
 void frmShowRem::cmdOK_Click()

@@ -112,9 +112,24 @@ Reminder EntryOf(std::size_t at)
             RemHours[at],  RemMinutes[at], RemDescs[at],  false};
 }
 
-bool StillAnnounced(std::size_t at)
+// Where the reminder that was announced under a number stands now; 0 when it is gone or is not to be told from others.
+std::int16_t PlaceNow(std::int16_t id)
 {
-    return at >= RemAnnounced.size() || !RemAnnounced[at] || *RemAnnounced[at] == EntryOf(at);
+    const auto at = static_cast<std::size_t>(std::max<std::int16_t>(id, 0));
+    if (at >= RemAnnounced.size() || !RemAnnounced[at])
+        return InList(id) ? id : std::int16_t{0};
+    const Reminder& announced = *RemAnnounced[at];
+    if (InList(id) && announced == EntryOf(at))
+        return id;
+    std::int16_t place = 0;
+    for (std::int32_t number = 1; number <= RemCount; ++number) {
+        if (RemDone[static_cast<std::size_t>(number)] != "N" || announced != EntryOf(static_cast<std::size_t>(number)))
+            continue;
+        if (place != 0)
+            return 0;
+        place = static_cast<std::int16_t>(number);
+    }
+    return place;
 }
 
 void SpeakSnooze(const DateTime& next, std::int16_t minutes)
@@ -140,6 +155,8 @@ void RemTimer_Timer()
                                                            RemMinutes[at]};
         const std::tuple<int, int, int, int, int> minute{now.year, now.month, now.day, now.hour, now.minute};
         if (schedule > minute)
+            continue;
+        if (std::find(RemUnsaved.begin(), RemUnsaved.end(), EntryOf(at)) != RemUnsaved.end())
             continue;
         const std::string title = RemTitles[at];
         const std::string description = RemDescs[at];
@@ -204,10 +221,12 @@ DateTime SnoozedTime(const DateTime& now, std::int16_t minutes)
 void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
 {
     // A list that could not be read has no entries: the file must not be written then.
-    if (!InList(id) || !StillAnnounced(static_cast<std::size_t>(id)))
+    id = PlaceNow(id);
+    if (id == 0)
         return;
     const auto at = static_cast<std::size_t>(id);
-    Reminder outcome = EntryOf(at);
+    const Reminder before = EntryOf(at);
+    Reminder outcome = before;
     outcome.Done = !snooze;
     if (snooze) {
         const DateTime next = SnoozedTime(Host().Time.Now(), minutes);
@@ -226,12 +245,19 @@ void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
     StoreReminder(id, outcome);
     if (TrySaveReminders(0))
         LoadReminders(false, 0);
+    else
+        RemUnsaved.push_back(before);
 }
 
 void EnableReminders()
 {
     if (Main().ReminderTimerEnabled())
         return;
+    if (RemindersUnread()) {
+        LoadReminders(false, 0);
+        if (RemindersUnread())
+            return;
+    }
     if (RemindersValid == False) {
         ReminderMessage(std::string("Following reminders file is not having valid data:") + CrLf + ReminderFilePath +
                             CrLf + CrLf + "To enable reminders delete the above file and then restart the application.",

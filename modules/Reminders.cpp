@@ -25,6 +25,7 @@ std::vector<std::string> RemDone;
 std::int16_t RemCount = 0;
 Boolean RemindersValid = False;
 std::vector<std::optional<Reminder>> RemAnnounced;
+std::vector<Reminder> RemUnsaved;
 std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
 std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
 
@@ -36,6 +37,8 @@ constexpr std::int32_t MostReminders = std::numeric_limits<std::int16_t>::max();
 // Open only within a load, though that may last as long as a question is up.
 std::unique_ptr<RandomAccessFile> dataFile;
 bool loading = false;
+bool unread = false;  // the last load could not read the file
+bool telling = false; // the box about a file's error is up
 
 void SwitchReminders(bool on)
 {
@@ -202,6 +205,9 @@ std::optional<RuntimeError> Load(bool fillList, std::int16_t selectIndex)
     } const state;
     const bool remindersWereEnabled = Main().EnableRemindersChecked();
     SwitchReminders(false);
+    RemindersValid = False;
+    RemCount = 0;
+    unread = true;
     try {
         RecoverReminders();
         dataFile = Host().Files.OpenRandom(ReminderFilePath, ReminderSlotSize);
@@ -209,11 +215,24 @@ std::optional<RuntimeError> Load(bool fillList, std::int16_t selectIndex)
             AskAboutInvalidFile(fillList);
         else if (remindersWereEnabled)
             SwitchReminders(true);
+        unread = false;
         CloseDataFile();
     } catch (const RuntimeError& error) {
         return error;
     }
     return std::nullopt;
+}
+
+// Shows a box about the file, unless one is up already: several announcements may be answered at a time.
+void Tell(const std::vector<std::string>& lines)
+{
+    if (telling)
+        return;
+    struct Telling {
+        Telling() { telling = true; }
+        ~Telling() { telling = false; }
+    } const state;
+    ReminderMessage(JoinLines(lines), vbOKOnly + vbExclamation, "Decline");
 }
 
 bool IsTooLong(const RuntimeError& error)
@@ -223,13 +242,8 @@ bool IsTooLong(const RuntimeError& error)
 
 void TellOfUnreadFile(const RuntimeError& error)
 {
-    const std::string lines[] = {"The reminders could not be read: " + Reason(error),
-                                 "",
-                                 ReminderFilePath,
-                                 "",
-                                 "Reminders are disabled until the file has been read.",
-                                 NumberAndDescription(error)};
-    ReminderMessage(JoinLines(lines), vbOKOnly + vbExclamation, "Decline");
+    Tell({"The reminders could not be read: " + Reason(error), "", ReminderFilePath, "",
+          "Reminders are disabled until the file has been read.", NumberAndDescription(error)});
 }
 
 // Tells why something could not be saved, once the list is what the file holds again.
@@ -251,7 +265,7 @@ void TellOfUnsavedList(const RuntimeError& error, const std::string& reason)
     if (!read)
         lines.emplace_back("Reminders are disabled until the file has been read.");
     lines.push_back(NumberAndDescription(error));
-    ReminderMessage(JoinLines(lines), vbOKOnly + vbExclamation, "Decline");
+    Tell(lines);
 }
 
 // After a save that could not give the new file its name: whether it has it now.
@@ -337,7 +351,10 @@ void ResetReminders()
 {
     dataFile.reset();
     loading = false;
+    unread = false;
+    telling = false;
     ResizeList(0);
+    RemUnsaved.clear();
     RemCount = 0;
     RemindersValid = False;
     RemNoticeWindows.clear();
@@ -416,7 +433,13 @@ bool TrySaveReminders(std::int16_t skipIndex)
         TellOfUnsavedList(error, tooLong == 0 ? Reason(error) : TooLongReason(RemTitles[tooLong], RemDescs[tooLong]));
         return false;
     }
+    RemUnsaved.clear();
     return true;
+}
+
+bool RemindersUnread()
+{
+    return unread;
 }
 
 bool TryAppendReminder(const Reminder& reminder)

@@ -48,6 +48,9 @@ struct Reminder {
 /// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a reminder is
 /// deleted, and a reminder is changed, while its announcement stands there: the answer must not go to another one.
 extern std::vector<std::optional<Reminder>> RemAnnounced;
+/// Answered reminders whose answer could not be saved, as they stand in the file. They are not announced again until
+/// something could be saved.
+extern std::vector<Reminder> RemUnsaved;
 
 /// Empties the list and its windows.
 void ResetReminders();
@@ -76,6 +79,8 @@ void AppendReminder(const Reminder& reminder);
 /// answer is false.
 bool TrySaveReminders(std::int16_t skipIndex);
 bool TryAppendReminder(const Reminder& reminder);
+/// Whether the last load could not read the file, which says nothing about what is in it.
+bool RemindersUnread();
 /// Puts new values into entry `id` of the list.
 void StoreReminder(std::int16_t id, const Reminder& reminder);
 /// Puts entry `id` into the editor's fields.
@@ -94,8 +99,8 @@ void RemTimer_Timer();
 void ShowReminder(bool missed, std::int16_t id, const std::string& title, const std::string& day,
                   const std::string& month, const std::string& year, const std::string& hour, const std::string& minute,
                   const std::string& description);
-/// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file. Does
-/// nothing when entry `id` is no longer the reminder that was announced under that number.
+/// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file. `id`
+/// is the number under which it was announced; does nothing when that reminder is gone or was changed meanwhile.
 void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes);
 /// The date and time `minutes` from `now`, by the program's own arithmetic: exact within a day, wrong across midnight.
 DateTime SnoozedTime(const DateTime& now, std::int16_t minutes);

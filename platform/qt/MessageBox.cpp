@@ -7,6 +7,7 @@
 #include "platform/qt/QtText.h"
 
 #include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
@@ -169,6 +170,8 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label")))
             label->setAccessibleName(own.at(0).toUpper() + own.mid(1));
     }
+    if (auto* row = box->findChild<QDialogButtonBox*>())
+        row->setAccessibleName(QStringLiteral("Buttons"));
     box->setStandardButtons(cancel  ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel
                             : yesNo ? QMessageBox::Yes | QMessageBox::No
                                     : QMessageBox::Ok);

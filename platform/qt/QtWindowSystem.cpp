@@ -21,6 +21,11 @@ QtWindowSystem::QtWindowSystem(const std::string& shareDirectory)
     : icons_(ToQt(shareDirectory) + QStringLiteral("/icons"))
 {
     QApplication::setWindowIcon(icons_.Icon(QStringLiteral("voxmate")));
+    // When a box closes no window has the keyboard for a moment, and the next box may come just then.
+    QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
+        if (auto* form = now ? dynamic_cast<FormWindow*>(now->window()) : nullptr)
+            lastForm_ = form;
+    });
 }
 
 std::unique_ptr<FormPeer> QtWindowSystem::CreateFormPeer(Form& form)
@@ -45,7 +50,9 @@ int QtWindowSystem::MsgBox(const std::string& text, int style, const std::string
 QWidget* QtWindowSystem::Owner() const
 {
     auto* active = dynamic_cast<FormWindow*>(QApplication::activeWindow());
-    return active ? active : main_.data();
+    if (active)
+        return active;
+    return lastForm_ && lastForm_->isVisible() ? lastForm_.data() : main_.data();
 }
 
 void QtWindowSystem::DoEvents()

@@ -15,6 +15,8 @@
 namespace voxmate::qt
 {
 
+class FormWindow;
+
 class QtWindowSystem : public QtWindowCalls
 {
 public:
@@ -41,7 +43,7 @@ public:
     double TwipsPerPixelX() override { return TwipsPerPixel(); }
 
 private:
-    /// The form that the user is at, over which a box or a dialog stands; the main window when they are at none.
+    /// The form that the user is at or was at last, over which a box or a dialog stands; else the main window.
     QWidget* Owner() const;
 
     IconSet icons_;
@@ -50,6 +52,8 @@ private:
     ItemList lastItemList_ = 0;
     std::string openFolder_; ///< where the dialog for opening a file was last left; empty before the first
     QPointer<QWidget> main_; ///< the main window: the form with a menu bar
+    QPointer<FormWindow> lastForm_;
+    QObject context_; ///< receiver of the application's signals: they end with this
 };
 
 } // namespace voxmate::qt

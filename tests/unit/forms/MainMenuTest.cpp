@@ -81,6 +81,33 @@ TEST_F(MainMenuTest, TheTreeHasEveryItemInItsOrderWithItsCaption)
     lines.clear();
     Describe(form.mnuTray, "", lines);
     EXPECT_EQ(lines, (Lines{"mnuTray Tray", "  mnuTrayExit &Exit"}));
+    lines.clear();
+    Describe(form.mnuCharRC, "", lines);
+    EXPECT_EQ(lines, (Lines{"mnuCharRC Char Right Click", "  mnuStop &Stop"}));
+}
+
+TEST_F(MainMenuTest, StopOfTheCharactersPopUpStopsEverything)
+{
+    Start();
+    form.mnuStop.UserClick();
+    EXPECT_EQ(StopRequested, True);
+    EXPECT_EQ(fake.log, (Lines{"StopAll Move, Play, Speak", "Play RestPose"}));
+}
+
+TEST_F(MainMenuTest, OptionsTipAndAboutOpenTheirWindows)
+{
+    Start();
+    form.mnuOptions.UserClick();
+    form.cmdOptions.UserClick();
+    form.mnuTip.UserClick();
+    form.mnuAbout.UserClick();
+    Lines shown;
+    for (const std::string& call : fake.log) {
+        if (call.starts_with("Window "))
+            shown.push_back(call);
+    }
+    EXPECT_EQ(shown, (Lines{"Window frmOptions shown", "Window frmOptions shown", "Window frmTip shown",
+                            "Window frmAbout shown"}));
 }
 
 TEST_F(MainMenuTest, EveryButtonHasItsToolTip)

@@ -99,7 +99,6 @@ TEST_F(NoticeFormTest, TheControlsSayWhatTheyAreFor)
     EXPECT_EQ(form.lblHeading.Font.get().Name, "Comic Sans MS");
     EXPECT_EQ(form.FontName, "Tahoma");
     EXPECT_EQ(form.txtSnooze.MaxLength, 3U);
-    EXPECT_TRUE(form.cmdOK.IsDefault);
     EXPECT_FALSE(form.ShowActivated);
 }
 
@@ -143,10 +142,21 @@ TEST_F(NoticeFormTest, TheSnoozeFieldTakesDigitsBackspaceAndEnterAlone)
     const frmShowRem& form = Notice(1);
     std::string passed;
     for (int key = 1; key < 256; ++key)
-        if (main.made[0]->txtSnooze.UserKeyPress(key))
+        if (key != '\r' && main.made[0]->txtSnooze.UserKeyPress(key))
             passed += static_cast<char>(key);
-    EXPECT_EQ(passed, "\b\r0123456789");
+    EXPECT_EQ(passed, "\b0123456789");
     EXPECT_TRUE(form.Visible());
+}
+
+TEST_F(NoticeFormTest, EnterInTheSnoozeFieldSnoozesAndDoesNotMeanOk)
+{
+    const frmShowRem& form = Notice(1);
+    main.made[0]->txtSnooze.UserEdit("5");
+    EXPECT_TRUE(main.made[0]->txtSnooze.UserKeyPress('\r'));
+    EXPECT_FALSE(form.Visible());
+    EXPECT_EQ(RemDone[1], "N");
+    EXPECT_NE(Stored(1), "7.3.2004 14:55 N"); // from now on, not from its own time
+    EXPECT_FALSE(form.cmdOK.IsDefault);
 }
 
 TEST_F(NoticeFormTest, OkMarksTheReminderDoneAndUnloadsTheWindow)

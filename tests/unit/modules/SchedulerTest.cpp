@@ -399,8 +399,33 @@ TEST_F(SchedulerTest, AnAnswerDoesNotGoToTheReminderThatHasMovedUp)
     const std::string before = Content();
     ASSERT_EQ(before, Slot(Due("B", "11", "00")) + Slot(Due("C", "12", "00")));
     FinishReminder(1, false, 0); // the window of A, which is no more
-    FinishReminder(2, true, 10); // the window of B, which is number 1 now
     EXPECT_EQ(Content(), before);
+    FinishReminder(2, false, 0); // the window of B, which is number 1 now
+    ReminderFields done = Due("B", "11", "00");
+    done[7] = "Y";
+    EXPECT_EQ(Content(), Slot(done) + Slot(Due("C", "12", "00")));
+}
+
+TEST_F(SchedulerTest, AnswersThatCannotBeSavedMakeOneBoxAndAreNotAskedForAgain)
+{
+    Load({Due("A", "10", "00"), Due("B", "11", "00"), Due("C", "12", "00")});
+    Tick();
+    ASSERT_EQ(Announced().size(), 3u);
+    fake.log.clear();
+    const std::string before = Content();
+    fake.files.failures = {{"DeleteFile " + file, PermissionDenied()}};
+    // While the box is up the others are answered, too.
+    fake.windows.whileBoxIsUp = [](const auto&) {
+        FinishReminder(2, false, 0);
+        FinishReminder(3, false, 0);
+    };
+    FinishReminder(1, false, 0);
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(Content(), before);
+    for (auto* window : window.alerts)
+        window->visible = false;
+    Tick();
+    EXPECT_EQ(Announced(), Lines{});
 }
 
 TEST_F(SchedulerTest, AnAnswerDoesNotTouchAReminderThatWasChangedMeanwhile)
@@ -493,8 +518,34 @@ TEST_F(SchedulerTest, AnAnswerThatCannotBeSavedLeavesTheReminderPending)
     EXPECT_TRUE(fake.windows.boxes[0].text.starts_with("The reminders could not be saved: the disk is full."));
     EXPECT_EQ(RemDone[1], "N");
     EXPECT_EQ(Content(), Slot(Due("A", "14", "05")));
+    // It was answered: it does not come again before something could be saved.
+    Tick();
+    EXPECT_EQ(Announced(), Lines{});
+    fake.files.failures.clear();
+    ASSERT_TRUE(TrySaveReminders(0));
+    LoadReminders(false, 0);
     Tick();
     EXPECT_EQ(Announced(), Lines{"1 New Reminder"});
+}
+
+TEST_F(SchedulerTest, AFileThatCannotBeReadLeavesNoListAndIsTriedAgainWhenRemindersAreSwitchedOn)
+{
+    Load({Due("A", "23", "00")});
+    fake.files.failures = {{"OpenRandom " + file + " 128", PermissionDenied()}};
+    LoadReminders(false, 0);
+    EXPECT_EQ(RemindersValid, False);
+    EXPECT_EQ(RemCount, 0);
+    EXPECT_FALSE(RemindersAreOn());
+    fake.windows.boxes.clear();
+    EnableReminders();
+    EXPECT_FALSE(RemindersAreOn());
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_TRUE(fake.windows.boxes[0].text.starts_with("The reminders could not be read: "));
+    fake.files.failures.clear();
+    EnableReminders();
+    EXPECT_TRUE(RemindersAreOn());
+    EXPECT_EQ(RemCount, 1);
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
 }
 
 // The menu.
