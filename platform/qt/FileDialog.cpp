@@ -15,6 +15,8 @@
 #include <QTreeView>
 #include <QUrl>
 
+#include <utility>
+
 namespace voxmate::qt
 {
 
@@ -31,6 +33,18 @@ void MakeRoom(QFileDialog& dialog)
         files->setColumnHidden(typeColumn, true);
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
+/// Names the parts that the toolkit leaves nameless, for those who cannot see them.
+void NameParts(const QFileDialog& dialog)
+{
+    const std::pair<const char*, const char*> names[] = {{"sidebar", "Places"},    {"listView", "Files"},
+                                                         {"treeView", "Files"},    {"frame", "Folder"},
+                                                         {"splitter", "Contents"}, {"buttonBox", "Buttons"}};
+    for (const auto& [part, name] : names) {
+        if (auto* widget = dialog.findChild<QWidget*>(QString::fromLatin1(part)))
+            widget->setAccessibleName(QString::fromLatin1(name));
     }
 }
 
@@ -75,6 +89,7 @@ QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const Q
     dialog->setWindowModality(Qt::ApplicationModal);
     LetCharacterLiveBeside(*dialog);
     MakeRoom(*dialog);
+    NameParts(*dialog);
     return dialog;
 }
 

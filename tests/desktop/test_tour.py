@@ -13,9 +13,9 @@ from test_reminders import ReminderCase, record
 
 PICTURES = os.path.join(BUILD, "tour")
 SMALL_SCREEN = (1024, 600 - 32)  # a panel takes some of it
-# What a person acts on or reads; each must say what it is.
+# What a person acts on or reads; each must say what it is. (A cell of a list says what is in it, which may be nothing.)
 NAMED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "page tab list",
-         "slider", "scroll bar", "spin button", "list", "table", "tree table", "tree", "table cell", "column header", "menu", "menu item",
+         "slider", "scroll bar", "spin button", "list", "table", "tree table", "tree", "column header", "menu", "menu item",
          "frame", "dialog", "alert", "panel", "label", "image", "calendar"}
 
 

@@ -35,7 +35,7 @@ class Window(ProgramCase):
         # A drop-down list is called by what is chosen in it; its label names it to a screen reader.
         expected = ["Speak the textbox text", "Stop Everything !!!", "eSpeak English (Great Britain)", "Speed", "Pitch",
                     "Whisper", "What's today's date?", "What time is it?", "Speak Clipboard Text",
-                    "Do you know who am I ?", "Open and Read a Text Document", "Open and Read a Word Document",
+                    "Do you know who am I ?", "Open and Read a Text Document", "Open and Read a Word Document", "User Options",
                     "Choose Character by Right Click. Show Character on Left Click", "Text to read"]
         seen = []
         for _ in expected:
