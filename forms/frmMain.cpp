@@ -1,6 +1,7 @@
 #include "forms/frmMain.h"
 
 #include "base/Text.h"
+#include "forms/Command.h"
 #include "forms/frmAbout.h"
 #include "forms/frmAlertWindow.h"
 #include "forms/frmOptions.h"
@@ -336,17 +337,9 @@ void frmMain::cmdText_Click()
 // stays as it is, as a disabled one would lose the keyboard.
 void frmMain::cmdWord_Click()
 {
-    if (readingWord_)
-        return;
-    struct Reading {
-        bool& flag;
-        explicit Reading(bool& isReading) : flag(isReading) { flag = true; }
-        ~Reading() { flag = false; }
-        Reading(const Reading&) = delete;
-        Reading& operator=(const Reading&) = delete;
-    };
-    const Reading reading(readingWord_);
-    OpenAndReadWord();
+    const Command command(readingWord_);
+    if (command.Begun())
+        OpenAndReadWord();
 }
 
 void frmMain::mnuWho_Click()
