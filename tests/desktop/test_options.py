@@ -5,7 +5,7 @@ import time
 import unittest
 
 import desk as desktop
-from program import ProgramCase
+from program import ProgramCase, Watch
 
 # What each control of a tab is changed to, and the values then in the file, in the order in which it is done.
 CHECKS = {  # tab -> check box -> setting; each is toggled
@@ -162,10 +162,17 @@ class Options(ProgramCase):
     def test_the_button_plays_an_animation_and_stops_it(self):
         self.start_and_settle()
         self.open_options()
-        self.desk.find("Acknowledge", role="combo box").queryComponent().grabFocus()
-        self.desk.key("d", "o")
+        self.desk.click(self.desk.find("Acknowledge", role="combo box"))
+        time.sleep(0.3)
+        self.desk.key("d", "o", "m", "Return")
+        self.desk.find("DoMagic1", role="combo box", timeout=3)
+        _, (x, y, width, height) = self.character_window()
+        watch = Watch(self.desk, (x, y, x + width, y + height))
+        self.addCleanup(watch.stop)
         self.press("Animate")
-        self.desk.click(desktop.wait_for(lambda: self.buttons("Stop"), 3, what="the button turning to Stop")[0])
+        stop = desktop.wait_for(lambda: self.buttons("Stop"), 3, what="the button turning to Stop")[0]
+        desktop.wait_for(lambda: len(watch.seen) > 5, 3, what="the character moving")
+        self.desk.click(stop)
         desktop.wait_for(lambda: self.buttons("Animate"), 3, what="the button turning back")
 
     def buttons(self, name):
