@@ -7,14 +7,19 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <future>
+#include <spawn.h>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace voxmate::linux_platform
@@ -48,60 +53,37 @@ std::vector<std::string> SplitCommand(const std::string& command)
     return words;
 }
 
-struct Started {
-    pid_t process;
-    int error;
-};
-
-// In the grandchild: becomes the program, or reports why not.
-[[noreturn]] void Become(const std::vector<char*>& arguments, int report)
-{
-    ::setsid();
-    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    ::dup2(nothing, STDIN_FILENO);
-    ::execvp(arguments.front(), arguments.data());
-    const Started failed{0, errno};
-    [[maybe_unused]] const ssize_t written = ::write(report, &failed, sizeof failed);
-    ::_exit(127);
-}
-
-// Starts a program as nobody's child, so that it outlives this one and leaves no zombie; 0 when it cannot be started.
-pid_t StartDetached(std::vector<std::string> words)
+/// Starts a program in a session of its own, so that it outlives this one; its standard input is empty. The exit status
+/// arrives in `status` (-1 when it was ended by a signal). 0 when it cannot be started.
+pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
 {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
-    std::array<int, 2> pipe{};
-    if (::pipe2(pipe.data(), O_CLOEXEC) != 0)
-        return 0;
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const pid_t grandchild = ::fork();
-        if (grandchild == 0)
-            Become(arguments, pipe[1]);
-        const Started started{grandchild, grandchild < 0 ? errno : 0};
-        [[maybe_unused]] const ssize_t written = ::write(pipe[1], &started, sizeof started);
-        ::_exit(0);
-    }
-    ::close(pipe[1]);
+    posix_spawn_file_actions_t files;
+    posix_spawnattr_t attributes;
+    ::posix_spawn_file_actions_init(&files);
+    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     pid_t process = 0;
-    bool failed = child < 0;
-    // One message comes from the child; a second only when the program could not be run.
-    for (Started message{}; child > 0;) {
-        const ssize_t got = ::read(pipe[0], &message, sizeof message);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got != sizeof message)
-            break;
-        failed = failed || message.error != 0;
-        process = std::max(process, message.process);
-    }
-    ::close(pipe[0]);
-    if (child > 0)
-        ::waitpid(child, nullptr, 0);
-    return failed ? 0 : process;
+    const int error = ::posix_spawnp(&process, arguments.front(), &files, &attributes, arguments.data(), environ);
+    ::posix_spawnattr_destroy(&attributes);
+    ::posix_spawn_file_actions_destroy(&files);
+    if (error != 0)
+        return 0;
+    // Somebody must wait for it as long as this program lives: an ended process that nobody asks after is kept.
+    std::promise<int> ended;
+    status = ended.get_future();
+    std::thread([process, ended = std::move(ended)]() mutable {
+        int state = 0;
+        while (::waitpid(process, &state, 0) < 0 && errno == EINTR)
+            ;
+        ended.set_value(WIFEXITED(state) ? WEXITSTATUS(state) : -1);
+    }).detach();
+    return process;
 }
 
 } // namespace
@@ -150,17 +132,29 @@ bool LinuxProcess::PreviousInstance()
 double LinuxProcess::Shell(const std::string& command, int /*windowStyle*/)
 {
     constexpr std::string_view explorer = "explorer.exe ";
-    std::vector<std::string> words;
-    if (EqualNoCase(std::string_view(command).substr(0, explorer.size()), explorer))
-        words = {"xdg-open", command.substr(explorer.size())};
-    else
-        words = SplitCommand(command);
+    const bool address = EqualNoCase(std::string_view(command).substr(0, explorer.size()), explorer);
+    std::vector<std::string> words =
+        address ? std::vector<std::string>{"xdg-open", command.substr(explorer.size())} : SplitCommand(command);
     if (words.empty())
         throw FileNotFound();
-    const pid_t process = StartDetached(std::move(words));
-    if (process == 0)
+    std::future<int> status;
+    const pid_t process = StartDetached(std::move(words), status);
+    if (process == 0 || (address && EndsInError(status)))
         throw FileNotFound();
     return process;
+}
+
+bool LinuxProcess::EndsInError(std::future<int>& status) const
+{
+    using namespace std::chrono_literals;
+    const auto last = std::chrono::steady_clock::now() + OpenerPatience;
+    while (status.wait_for(10ms) != std::future_status::ready) {
+        if (std::chrono::steady_clock::now() > last)
+            return false;
+        if (WhileWaiting)
+            WhileWaiting();
+    }
+    return status.get() != 0;
 }
 
 void LinuxProcess::EndProcess()

@@ -4,7 +4,9 @@
 #include "platform/Clock.h"
 #include "platform/Process.h"
 
+#include <chrono>
 #include <functional>
+#include <future>
 #include <string>
 
 namespace voxmate::linux_platform
@@ -23,17 +25,24 @@ public:
     std::uint32_t GetWindowsDirectoryA(std::string& buffer, std::uint32_t size) override;
     /// A lock on a file of this user's: the kernel lets go of it when the process ends, however it ends.
     bool PreviousInstance() override;
-    /// "explorer.exe ADDRESS" opens the address with the desktop's own opener; any other command is a program and its
+    /// "explorer.exe ADDRESS" opens the address with the desktop's own opener, which has failed, too, when it ends with
+    /// an error within OpenerPatience: it starts even where there is no browser. Any other command is a program and its
     /// arguments, with double quotes round those that hold blanks.
     double Shell(const std::string& command, int windowStyle) override;
 
     /// What must still be done before the process ends: settings on their way to the disk.
     std::function<void()> BeforeEnd;
+    /// Lets the windows live while the opener is waited for; run every 10 ms.
+    std::function<void()> WhileWaiting;
+    /// An opener that knows no way says so within 0.3 to 0.8 s on an idle machine.
+    static constexpr std::chrono::milliseconds OpenerPatience{2000};
 
 protected:
     void EndProcess() override;
 
 private:
+    bool EndsInError(std::future<int>& status) const;
+
     std::string programFolder_;
     int lock_ = -1;
 };

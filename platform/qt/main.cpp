@@ -43,6 +43,7 @@ int main(int argc, char** argv)
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();
+    process.WhileWaiting = [&windows] { windows.DoEvents(); };
     qt::QtAudioOutput qtSound;
     speech::PulseOutput serverSound(qtSound);
     speech::FallbackOutput sound(qtSound, serverSound);

@@ -1,18 +1,16 @@
 #include "base/FileName.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxProcess.h"
 
+#include "OwnFolder.h"
 #include "base/RuntimeError.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -30,33 +28,15 @@ constexpr std::uint32_t machine = 0x80000002;
 const std::string key = "SOFTWARE\\Voxmate";
 const std::string header = "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate]\n";
 
-class SettingsFileTest : public ::testing::Test
+class SettingsFileTest : public OwnFolder
 {
 protected:
-    fs::path folder;
-    fs::path file;
+    const fs::path file = folder / "config" / "voxmate" / "registry.reg";
 
-    SettingsFileTest()
-    {
-        std::string name = (fs::temp_directory_path() / "voxmate-settings-XXXXXX").string();
-        folder = ::mkdtemp(name.data());
-        file = folder / "config" / "voxmate" / "registry.reg";
-    }
     ~SettingsFileTest() override
     {
         std::error_code error;
         fs::permissions(file, fs::perms::owner_all, error);
-        fs::remove_all(folder, error);
-    }
-    void Write(const fs::path& path, const std::string& text)
-    {
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    std::string Read(const fs::path& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
     }
     FileSettingsStore Store() { return {file.string(), {}}; }
 
@@ -459,100 +439,6 @@ TEST_F(SettingsFileTest, TheNameAsItIsWrittenComesBeforeAnotherCase)
     EXPECT_EQ(InAnyExtensionCase(chars + "Cy.acs"), chars + "Cy.acs");
     EXPECT_EQ(InAnyExtensionCase("/nowhere/at/all.acs"), "/nowhere/at/all.acs");
     EXPECT_EQ(InAnyExtensionCase(""), "");
-}
-
-class LinuxProcessTest : public SettingsFileTest
-{
-protected:
-    LinuxProcessTest()
-    {
-        ::setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
-        ::setenv("VOXMATE_HOME", (folder / "home").c_str(), 1);
-    }
-    ~LinuxProcessTest() override
-    {
-        ::unsetenv("XDG_RUNTIME_DIR");
-        ::unsetenv("VOXMATE_HOME");
-    }
-};
-
-TEST_F(LinuxProcessTest, TheProgramsFolderIsMadeOnFirstStart)
-{
-    LinuxProcess process;
-    EXPECT_EQ(process.ProgramDirectory(), (folder / "home").string());
-    EXPECT_TRUE(fs::is_directory(folder / "home"));
-}
-
-TEST_F(LinuxProcessTest, ASecondCopyIsSeenAndOneThatWasKilledIsNot)
-{
-    std::array<int, 2> ready{};
-    ASSERT_EQ(::pipe(ready.data()), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        LinuxProcess first;
-        const char answer = first.PreviousInstance() ? 'y' : 'n';
-        [[maybe_unused]] const ssize_t written = ::write(ready[1], &answer, 1);
-        ::pause();
-        ::_exit(0);
-    }
-    char answer = 0;
-    ASSERT_EQ(::read(ready[0], &answer, 1), 1);
-    EXPECT_EQ(answer, 'n');
-    {
-        LinuxProcess second;
-        EXPECT_TRUE(second.PreviousInstance());
-    }
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    LinuxProcess third;
-    EXPECT_FALSE(third.PreviousInstance());
-    EXPECT_FALSE(third.PreviousInstance());
-    ::close(ready[0]);
-    ::close(ready[1]);
-}
-
-TEST_F(LinuxProcessTest, AProgramIsStartedWithItsArgumentsAndAMissingOneIsAnError)
-{
-    LinuxProcess process;
-    const fs::path out = folder / "out put";
-    EXPECT_GT(process.Shell("touch \"" + out.string() + "\"", 3), 0);
-    for (int i = 0; i < 200 && !fs::exists(out); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(fs::exists(out));
-    try {
-        process.Shell("/no/such/program at all", 3);
-        FAIL() << "no error";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.Number, 53);
-    }
-    EXPECT_THROW(process.Shell("", 3), RuntimeError);
-}
-
-TEST_F(LinuxProcessTest, AnAddressIsOpenedByTheDesktopsOwnOpener)
-{
-    const fs::path bin = folder / "bin";
-    const fs::path seen = folder / "seen";
-    Write(bin / "xdg-open", "#!/bin/sh\necho $# \"$@\" > '" + seen.string() + "'\n");
-    fs::permissions(bin / "xdg-open", fs::perms::owner_all);
-    const std::string path = std::getenv("PATH");
-    ::setenv("PATH", (bin.string() + ":" + path).c_str(), 1);
-    LinuxProcess process;
-    process.Shell("explorer.exe file:///usr/share/a page.html", 3);
-    for (int i = 0; i < 200 && Read(seen).empty(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(Read(seen), "1 file:///usr/share/a page.html\n");
-    ::setenv("PATH", path.c_str(), 1);
-}
-
-TEST_F(LinuxProcessTest, TheSharedFolderFitsOrTellsItsLength)
-{
-    LinuxProcess process;
-    std::string buffer(500, '\0');
-    const std::uint32_t length = process.GetWindowsDirectoryA(buffer, 500);
-    EXPECT_EQ(buffer.substr(0, length).substr(length - 14), "/share/voxmate");
-    std::string small(3, '\0');
-    EXPECT_EQ(process.GetWindowsDirectoryA(small, 3), length);
-    EXPECT_EQ(small, std::string(3, '\0'));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "platform/linux/SystemInformation.h"
+#include "OwnFolder.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/Folders.h"
 #include "platform/linux/LinuxProcess.h"
@@ -6,9 +7,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <optional>
 #include <string>
 #include <thread>
@@ -21,57 +20,10 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// A folder of its own, with its own idea of where programs and files are.
-class OwnFolder : public ::testing::Test
-{
-protected:
-    fs::path folder;
-
-    OwnFolder()
-    {
-        std::string name = (fs::temp_directory_path() / "voxmate-own-XXXXXX").string();
-        folder = ::mkdtemp(name.data());
-        Set("PATH", (folder / "first").string() + ":" + (folder / "second").string());
-    }
-    ~OwnFolder() override
-    {
-        for (const auto& [name, value] : before_) {
-            if (value)
-                ::setenv(name.c_str(), value->c_str(), 1);
-            else
-                ::unsetenv(name.c_str());
-        }
-        fs::remove_all(folder);
-    }
-    void Set(const char* name, const std::string& value)
-    {
-        const char* old = std::getenv(name);
-        before_.emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
-        ::setenv(name, value.c_str(), 1);
-    }
-    void Write(const fs::path& path, const std::string& text)
-    {
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    std::string Read(const fs::path& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    void Program(const fs::path& path, const std::string& script = "#!/bin/sh\n")
-    {
-        Write(path, script);
-        fs::permissions(path, fs::perms::owner_all);
-    }
-
-private:
-    std::map<std::string, std::optional<std::string>> before_;
-};
-
 class SystemInformationTest : public OwnFolder
 {
 protected:
+    SystemInformationTest() { Set("PATH", (folder / "first").string() + ":" + (folder / "second").string()); }
     static std::optional<std::string> Answer(const std::string& key, const std::string& name)
     {
         const std::optional<RawValue> value = SystemInformationValue(key, name);
