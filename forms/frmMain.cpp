@@ -75,6 +75,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     comSpEng.AccessibleName = "Voice Types";
     scrSpeed.AccessibleName = "Speed";
     scrPitch.AccessibleName = "Pitch";
+    stsBar.AccessibleName = "Status";
     // The item that exists before any character is found.
     mnuMainChar.Load("mnuChar", "Character1");
     Arrange();

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <string_view>
 
 namespace voxmate
 {
@@ -53,6 +54,23 @@ std::int16_t NumberIn(const TextBox& box)
         number = std::min(number * 10 + (c - '0'), most);
     }
     return static_cast<std::int16_t>(number);
+}
+
+/// The field's number; the field then shows it, whatever was pasted into it.
+std::int16_t KeptNumber(TextBox& box)
+{
+    const std::int16_t number = NumberIn(box);
+    box.Text = std::to_string(number);
+    return number;
+}
+
+/// The field's text as far as it comes back at the next start; the field then shows that.
+std::string KeptText(TextBox& box)
+{
+    const std::string& text = box.Text.get();
+    if (text.size() > LongestRegString)
+        box.Text = text.substr(0, WholeUtf8(std::string_view(text).substr(0, LongestRegString)));
+    return box.Text;
 }
 
 std::int16_t Ticked(const CheckBox& box)
@@ -101,6 +119,8 @@ frmOptions::frmOptions(Platform& platform) : Form(platform.Windows, "frmOptions"
     txtTotalLines.MaxLength = 2;
     txtAutoClose.MaxLength = 2;
     txtTimeInterval.MaxLength = 3;
+    for (TextBox* box : {&txtUserName, &txtGreeting, &txtRemText})
+        box->MaxLength = LongestRegString;
     NameControls();
     Arrange();
     ConnectHandlers();
@@ -111,6 +131,7 @@ void frmOptions::Form_Load()
     FillLists();
     FillAnimations();
     cmdAnimate.Caption = animate;
+    AnimationNamesChanged = [this] { FillAnimations(); };
     ShowSettings();
     chkBalloon_Click();
     EnableGreeting(chkGreeting.Value == 1);
@@ -203,7 +224,7 @@ void frmOptions::SaveOptions()
     SaveNumber("GreetingType", &S::GreetingType, Chosen(OptGreet));
     SaveNumber("GreetingEnabled", &S::GreetingEnabled, Ticked(chkGreeting));
     SaveNumber("IntroAtStart", &S::IntroAtStart, Ticked(chkIntroAtStart));
-    SaveText("OtherGreeting", &S::OtherGreeting, txtGreeting.Text);
+    SaveText("OtherGreeting", &S::OtherGreeting, KeptText(txtGreeting));
     SaveNumber("ReadMessages", &S::ReadMessages, Ticked(chkMsgRead));
     SaveNumber("ReadNameWithMessages", &S::ReadNameWithMessages, Ticked(chkMyName));
     SaveNumber("ReadTextBoxTextAtLeftClick", &S::ReadTextBoxTextAtLeftClick, Ticked(chkReadOnLeftClick));
@@ -211,15 +232,15 @@ void frmOptions::SaveOptions()
     SaveNumber("SizeBallonToText", &S::SizeBallonToText, Ticked(chkSizeToText));
     SaveNumber("BalloonAutoHide", &S::BalloonAutoHide, Ticked(chkAutoHide));
     SaveNumber("BalloonAutoPace", &S::BalloonAutoPace, Ticked(chkAutoPace));
-    SaveNumber("BalloonCharactersPerLine", &S::BalloonCharactersPerLine, NumberIn(txtCharPerLine));
-    SaveNumber("BalloonTotalLines", &S::BalloonTotalLines, NumberIn(txtTotalLines));
+    SaveNumber("BalloonCharactersPerLine", &S::BalloonCharactersPerLine, KeptNumber(txtCharPerLine));
+    SaveNumber("BalloonTotalLines", &S::BalloonTotalLines, KeptNumber(txtTotalLines));
     SaveNumber("ShowCharacterAtStart", &S::ShowCharacterAtStart, Ticked(chkShowStart));
     SaveNumber("TimeIn24Hour", &S::TimeIn24Hour, Ticked(chk24Time));
-    SaveText("UserName", &S::UserName, txtUserName.Text);
-    SaveNumber("SpeakTimeInterval", &S::SpeakTimeInterval, NumberIn(txtTimeInterval));
+    SaveText("UserName", &S::UserName, KeptText(txtUserName));
+    SaveNumber("SpeakTimeInterval", &S::SpeakTimeInterval, KeptNumber(txtTimeInterval));
     SaveNumber("ReminderOnTop", &S::ReminderOnTop, Ticked(chkOnTop));
     SaveNumber("ReminderSentenceSpeak", &S::ReminderSentenceSpeak, Ticked(chkSpkSentence));
-    SaveText("ReminderSentence", &S::ReminderSentence, txtRemText.Text);
+    SaveText("ReminderSentence", &S::ReminderSentence, KeptText(txtRemText));
     SaveNumber("ReminderTitleSpeak", &S::ReminderTitleSpeak, Ticked(chkSpkTitle));
     SaveNumber("ReminderDateSpeak", &S::ReminderDateSpeak, Ticked(chkSpkDate));
     SaveNumber("ReminderTimeSpeak", &S::ReminderTimeSpeak, Ticked(chkSpkTime));
@@ -231,7 +252,7 @@ void frmOptions::SaveOptions()
     SaveNumber("RemAlertShape", &S::RemAlertShape, Chosen(optShape));
     SaveNumber("RemAlertColor", &S::RemAlertColor, Chosen(optColor));
     SaveNumber("RemAlertClose", &S::RemAlertClose, Ticked(chkAutoClose));
-    SaveNumber("RemAlertCloseTime", &S::RemAlertCloseTime, NumberIn(txtAutoClose));
+    SaveNumber("RemAlertCloseTime", &S::RemAlertCloseTime, KeptNumber(txtAutoClose));
 }
 
 // The box then shows the folder that is in use, which need not be the one that was asked for.
@@ -240,12 +261,8 @@ void frmOptions::SaveCharacterPath()
     std::string path = Trim(txtCharPath.Text.get());
     if (!path.ends_with(PathSeparator()))
         path += PathSeparator();
-    if (path != Settings.CharacterPath) {
-        const std::string before = Settings.LastCharacter;
+    if (path != Settings.CharacterPath)
         ChangeCharacterPath(path);
-        if (Settings.LastCharacter != before)
-            FillAnimations();
-    }
     SaveText("CharacterPath", &SettingsRecord::CharacterPath, std::string(Settings.CharacterPath));
     txtCharPath.Text = Settings.CharacterPath;
 }
@@ -330,6 +347,7 @@ void frmOptions::Form_Unload()
     if (cmdAnimate.Caption.get() == stop && Character)
         Character->StopAll("Play");
     AnimateEnded = nullptr;
+    AnimationNamesChanged = nullptr;
 }
 
 void frmOptions::cmdDefault_Click()

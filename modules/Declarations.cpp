@@ -29,6 +29,7 @@ AgentRequestPtr CurrentRequest;
 std::unique_ptr<WordApplication> WordApp;
 AgentRequestPtr AnimateRequest;
 std::function<void()> AnimateEnded;
+std::function<void()> AnimationNamesChanged;
 std::int32_t SpeakTimeCounter = 0;
 double ShellTaskId = 0;
 
@@ -94,6 +95,7 @@ void BeginProgram(Platform& platform, MainWindow& window)
     WordApp.reset();
     AnimateRequest.reset();
     AnimateEnded = nullptr;
+    AnimationNamesChanged = nullptr;
     SpeakTimeCounter = 0;
     ShellTaskId = 0;
     // First: an alert window that goes gives its place back.

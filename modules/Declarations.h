@@ -68,6 +68,8 @@ extern std::unique_ptr<WordApplication> WordApp;
 /// The animation that the options dialog has asked for last, until it ends, and what the dialog does then.
 extern AgentRequestPtr AnimateRequest;
 extern std::function<void()> AnimateEnded;
+/// What the options dialog does when AnimationNames have become those of another character.
+extern std::function<void()> AnimationNamesChanged;
 
 /// Ticks of the clock timer since the last time announcement.
 extern std::int32_t SpeakTimeCounter;

@@ -75,6 +75,8 @@ void FillAnimationNames()
             break;
         AnimationNames.at(index++) = name;
     }
+    if (AnimationNamesChanged)
+        AnimationNamesChanged();
 }
 
 void AddCommands()

@@ -19,7 +19,7 @@ std::int32_t LastRegResult = 0;
 namespace
 {
 
-constexpr std::uint32_t BufferLength = 255;
+constexpr std::uint32_t BufferLength = LongestRegString + 1;
 
 std::uint32_t rootKey = 0;
 std::uint32_t openKey = 0;

@@ -4,6 +4,7 @@
 
 #include "base/Checked.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -28,8 +29,10 @@ void CreateRegKey(const std::string& path);
 /// The value as a signed 32-bit integer; integer 0 and RegFailed on failure; empty when the hive name is unknown.
 Variant ReadRegDword(const std::string& path, const std::string& name);
 void WriteRegDword(const std::string& path, const std::string& name, std::int32_t value);
-/// The value's text without blanks round it and up to its first NUL; integer 0 and RegFailed on failure, which data of
-/// 255 bytes or more and data of only blanks are, too; empty when the hive name is unknown.
+/// Bytes of the longest text that ReadRegString gives back.
+inline constexpr std::size_t LongestRegString = 254;
+/// The value's text without blanks round it and up to its first NUL; integer 0 and RegFailed on failure, which longer
+/// data and data of only blanks are, too; empty when the hive name is unknown.
 Variant ReadRegString(const std::string& path, const std::string& name);
 void WriteRegString(const std::string& path, const std::string& name, const std::string& text);
 

@@ -1,0 +1,84 @@
+// What the dialog shows once it has saved, and once the character has changed under it.
+#include "OptionsForm.h"
+
+#include "modules/Settings.h"
+
+namespace voxmate
+{
+
+namespace
+{
+
+class OptionsKeeping : public OptionsForm
+{
+protected:
+    // What a paste brings past the digit filter.
+    void ApplyWith(TextBox& box, const std::string& text)
+    {
+        Open();
+        box.UserEdit(text);
+        form.cmdApply.UserClick();
+    }
+};
+
+TEST_F(OptionsKeeping, TheIntervalShowsTheNumberThatWasMadeOfItsText)
+{
+    ApplyWith(form.txtTimeInterval, "5x");
+    EXPECT_EQ(Settings.SpeakTimeInterval, 5);
+    EXPECT_EQ(form.txtTimeInterval.Text.get(), "5");
+    EXPECT_FALSE(form.cmdApply.Enabled);
+    form.txtTimeInterval.UserEdit("abc");
+    form.cmdApply.UserClick();
+    EXPECT_EQ(Settings.SpeakTimeInterval, 0);
+    EXPECT_EQ(form.txtTimeInterval.Text.get(), "0");
+}
+
+TEST_F(OptionsKeeping, TheOtherNumbersDoSoToo)
+{
+    ApplyWith(form.txtCharPerLine, "032");
+    EXPECT_EQ(form.txtCharPerLine.Text.get(), "32");
+    form.txtTotalLines.UserEdit(" 3");
+    form.txtAutoClose.UserEdit("7 ");
+    form.cmdApply.UserClick();
+    EXPECT_EQ(form.txtTotalLines.Text.get(), "3");
+    EXPECT_EQ(form.txtAutoClose.Text.get(), "7");
+    EXPECT_EQ(Settings.BalloonTotalLines, 3);
+    EXPECT_EQ(Settings.RemAlertCloseTime, 7);
+}
+
+TEST_F(OptionsKeeping, ATextIsSavedAsFarAsItComesBackAtTheNextStart)
+{
+    const std::string letters(253, 'a');
+    for (auto [box, field] : {std::pair{&form.txtUserName, &SettingsRecord::UserName},
+                              std::pair{&form.txtGreeting, &SettingsRecord::OtherGreeting},
+                              std::pair{&form.txtRemText, &SettingsRecord::ReminderSentence}}) {
+        ApplyWith(*box, letters + "é");
+        EXPECT_EQ(Settings.*field, letters) << "a letter of two bytes does not fit any more";
+        EXPECT_EQ(box->Text.get(), letters);
+        EXPECT_EQ(box->MaxLength, 254u);
+        box->UserEdit(letters + "b");
+        form.cmdApply.UserClick();
+        EXPECT_EQ(Settings.*field, letters + "b");
+        form.Unload();
+        LoadSettings();
+        EXPECT_EQ(Settings.SettingsErrorList, "");
+        EXPECT_EQ(Settings.*field, letters + "b");
+    }
+}
+
+TEST_F(OptionsKeeping, TheAnimationsAreThoseOfTheCharacterThatHasComeMeanwhile)
+{
+    fake.agent.prepare = [](fakes::FakeCharacter& character) { character.animations = {"Wave", "Bow"}; };
+    Open();
+    form.comAnimation.UserSelect(1);
+    LoadCharacter("Bravo", false);
+    EXPECT_EQ(form.comAnimation.Items(), (Lines{"Wave", "Bow"}));
+    EXPECT_EQ(form.comAnimation.ListIndex, 0);
+    form.Unload();
+    LoadCharacter("Alfa", false);
+    EXPECT_EQ(form.comAnimation.Items(), (Lines{"Wave", "Bow"})) << "a closed dialog does not care";
+}
+
+} // namespace
+
+} // namespace voxmate
