@@ -37,7 +37,6 @@ std::string NumberText(const std::string& bytes)
 
 frmAbout::frmAbout(Platform& platform) : Form(platform.Windows, "frmAbout"), platform_(platform)
 {
-    Caption = "About Voxmate \u00AE";
     cmdOK.IsDefault = true;
     cmdOK.IsCancel = true;
     Picture1.AccessibleName = "Voxmate's logo";

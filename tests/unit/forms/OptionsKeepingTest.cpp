@@ -3,6 +3,9 @@
 
 #include "modules/Settings.h"
 
+#include <functional>
+#include <utility>
+
 namespace voxmate
 {
 
@@ -20,6 +23,30 @@ protected:
         form.cmdApply.UserClick();
     }
 };
+
+TEST_F(OptionsKeeping, EveryChangeCanBeAppliedWhicheverControlItIsMadeIn)
+{
+    Open();
+    const auto expectChange = [this](const Control& control, const std::function<void()>& change) {
+        form.cmdApply.Enabled = false;
+        change();
+        EXPECT_TRUE(form.cmdApply.Enabled) << control.Name;
+    };
+    for (Control* control : form.Controls()) {
+        if (auto* box = dynamic_cast<CheckBox*>(control)) {
+            expectChange(*box, [box] { box->UserClick(true); });
+            expectChange(*box, [box] { box->UserClick(false); });
+        } else if (auto* text = dynamic_cast<TextBox*>(control)) {
+            expectChange(*text, [text] { text->UserEdit("9"); });
+        } else if (auto* list = dynamic_cast<ComboBox*>(control); list && list != &form.comAnimation) {
+            expectChange(*list, [list] { list->UserSelect(1); });
+            expectChange(*list, [list] { list->UserSelect(0); });
+        } else if (auto* option = dynamic_cast<OptionButton*>(control); option && !option->Value) {
+            option->Enabled = true;
+            expectChange(*option, [option] { option->UserClick(); });
+        }
+    }
+}
 
 TEST_F(OptionsKeeping, TheIntervalShowsTheNumberThatWasMadeOfItsText)
 {
