@@ -134,6 +134,8 @@ void frmOptions::Form_Load()
     AnimationNamesChanged = [this] { FillAnimations(); };
     ShowSettings();
     chkBalloon_Click();
+    EnableGreeting(chkGreeting.Value == 1);
+    chkSpkSentence_Click();
     comRemType_Click();
     cmdApply.Enabled = false;
     SSTab1.Tab = characterTab;

@@ -24,6 +24,23 @@ protected:
     }
 };
 
+// A box that is unticked from the beginning raises nothing when it is unticked: the rules must hold without.
+TEST_F(OptionsKeeping, TheRulesHoldWhenTheFirstThingShownIsThatAllIsOff)
+{
+    Settings.GreetingEnabled = 0;
+    Settings.ShowBalloon = 0;
+    Settings.ReminderSentenceSpeak = 0;
+    Settings.RemAlertClose = 0;
+    Open();
+    EXPECT_FALSE(form.Frame1.Enabled);
+    EXPECT_FALSE(form.OptGreet(3).Enabled);
+    EXPECT_FALSE(form.txtGreeting.Enabled);
+    EXPECT_FALSE(form.Frame2.Enabled);
+    EXPECT_FALSE(form.txtCharPerLine.Enabled);
+    EXPECT_FALSE(form.txtRemText.Enabled);
+    EXPECT_FALSE(form.txtAutoClose.Enabled);
+}
+
 TEST_F(OptionsKeeping, EveryChangeCanBeAppliedWhicheverControlItIsMadeIn)
 {
     Open();
