@@ -27,6 +27,8 @@ protected:
 // A box that is unticked from the beginning raises nothing when it is unticked: the rules must hold without.
 TEST_F(OptionsKeeping, TheRulesHoldWhenTheFirstThingShownIsThatAllIsOff)
 {
+    Settings.ShowCharacterAtStart = 0;
+    Settings.IntroAtStart = 0;
     Settings.GreetingEnabled = 0;
     Settings.ShowBalloon = 0;
     Settings.ReminderSentenceSpeak = 0;
