@@ -18,7 +18,9 @@ frmTip::frmTip(Platform& platform) : Form(platform.Windows, "frmTip")
     lblTipText.Font = {{}, 11};
     Layout tip = Column({Item(Label1), Item(lblTipText).Min(360, 100).Stretch(1)});
     Arrangement = Column({
-        Framed(Picture1, Row({Column({Item(imgTip), Space()}), std::move(tip)}).Spacing(14)).Min(470, 170).Stretch(1),
+        Framed(Picture1, Row({Column({Item(imgTip), Space()}), std::move(tip).Stretch(1)}).Spacing(14))
+            .Min(470, 170)
+            .Stretch(1),
         Row({Item(chkLoadTipsAtStartup), Item(chkAutoRead), Space()}),
         Row({Item(cmdNextTip), Item(cmdReadTip), Space(), Item(cmdOK)}),
     });

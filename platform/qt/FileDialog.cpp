@@ -2,12 +2,15 @@
 
 #include "platform/qt/ModalWindows.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QStandardPaths>
@@ -27,8 +30,11 @@ namespace
 void MakeRoom(QFileDialog& dialog)
 {
     constexpr int typeColumn = 2;
-    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar")))
+    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
+        // A size that all of the toolkit's pictures have, so that all names begin at the same place.
+        places->setIconSize({16, 16});
         places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
+    }
     if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
         files->setColumnHidden(typeColumn, true);
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -46,6 +52,13 @@ void NameParts(const QFileDialog& dialog)
         if (auto* widget = dialog.findChild<QWidget*>(QString::fromLatin1(part)))
             widget->setAccessibleName(QString::fromLatin1(name));
     }
+    // A drop-down list is called by its label.
+    for (const auto& [label, field] : {std::pair{"lookInLabel", "lookInCombo"}, {"fileTypeLabel", "fileTypeCombo"}}) {
+        auto* text = dialog.findChild<QLabel*>(QString::fromLatin1(label));
+        auto* list = dialog.findChild<QWidget*>(QString::fromLatin1(field));
+        if (text && list)
+            text->setBuddy(list);
+    }
 }
 
 /// Enters a folder whose path is typed, and then lets a file's name be typed: left in the field the path would stand
@@ -56,6 +69,16 @@ public:
     using QFileDialog::QFileDialog;
 
 protected:
+    void showEvent(QShowEvent* event) override
+    {
+        // As on all other windows' buttons; the kind of dialog, told later, makes them anew.
+        if (const auto* buttons = findChild<QDialogButtonBox*>()) {
+            for (QAbstractButton* button : buttons->buttons())
+                button->setIcon({});
+        }
+        QFileDialog::showEvent(event);
+    }
+
     void accept() override
     {
         const QStringList chosen = selectedFiles();

@@ -2,11 +2,11 @@
 
 #include "platform/qt/ModalWindows.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/Widgets.h"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStringListModel>
+#include <QVBoxLayout>
 
 namespace voxmate::qt
 {
@@ -26,12 +27,16 @@ constexpr int ListWidth = 300;
 constexpr int ListHeight = 200;
 constexpr int SampleHeight = 84;
 
+/// Each once: of a family from several foundries the toolkit has one entry each, "Courier [foundry]". By the name
+/// alone it takes the best of them.
 QStringList InstalledFamilies()
 {
     QStringList families;
     for (const QString& family : QFontDatabase::families()) {
-        if (!QFontDatabase::isPrivateFamily(family))
-            families << family;
+        const qsizetype foundry = family.endsWith(u']') ? family.lastIndexOf(QStringLiteral(" [")) : -1;
+        const QString name = family.left(foundry);
+        if (!QFontDatabase::isPrivateFamily(family) && !families.contains(name, Qt::CaseInsensitive))
+            families << name;
     }
     return families;
 }
@@ -55,6 +60,7 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
     setWindowModality(Qt::ApplicationModal);
 
     name_->setObjectName(QStringLiteral("fontName"));
+    name_->setTextMargins(2, 0, 2, 0);
     list_->setObjectName(QStringLiteral("fontList"));
     list_->setModel(new QStringListModel(families_, list_));
     list_->setEditTriggers(QListView::NoEditTriggers);
@@ -65,6 +71,7 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
     size_->setRange(minSize, maxSize);
     size_->setValue(qRound(font.Size));
     size_->setSuffix(QStringLiteral(" pt"));
+    name_->setMinimumHeight(size_->sizeHint().height());
     sample_->setObjectName(QStringLiteral("fontSample"));
     sample_->setAlignment(Qt::AlignCenter);
     sample_->setTextFormat(Qt::PlainText);
@@ -73,10 +80,12 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
     sample_->setFixedHeight(SampleHeight);
     sample_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 
-    auto* box = new QGroupBox(QStringLiteral("Sample"));
+    auto* box = new GroupFrame;
+    box->ShowTitle(QStringLiteral("Sample"));
     auto* inBox = new QVBoxLayout(box);
     inBox->addWidget(sample_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->setAccessibleName(QStringLiteral("Buttons"));
     for (QAbstractButton* button : buttons->buttons())
         button->setIcon({});
     ok_ = buttons->button(QDialogButtonBox::Ok);

@@ -5,8 +5,10 @@
 #include "platform/qt/QtText.h"
 
 #include <QAbstractTableModel>
+#include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QProxyStyle>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
@@ -32,10 +34,18 @@ constexpr int LeastRows = 8;
 // Average characters that a column which takes what is left would like to have.
 constexpr int SpareChars = 32;
 
-/// The desktop's style with a little more air between columns.
+/// The desktop's style with a little more air between columns, in the frame that other fields have.
 class AirierStyle : public QProxyStyle
 {
 public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        if (element == PE_Frame)
+            QApplication::style()->drawPrimitive(element, option, painter, widget);
+        else
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
     {
         return metric == PM_FocusFrameHMargin || metric == PM_HeaderMargin
@@ -125,6 +135,21 @@ private:
     std::vector<std::uint32_t> rows_; ///< numbers of the items shown
 };
 
+/// A round picture on a disc of a field's colour, which it is drawn for: it stands out from a selected row, too.
+QPixmap OnField(const QPixmap& picture, const QColor& field)
+{
+    QPixmap disc(picture.size());
+    disc.setDevicePixelRatio(picture.devicePixelRatio());
+    disc.fill(Qt::transparent);
+    QPainter painter(&disc);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(field);
+    painter.drawEllipse(QRectF(QPointF(0, 0), picture.deviceIndependentSize()));
+    painter.drawPixmap(0, 0, picture);
+    return disc;
+}
+
 /// Rows of a comfortable height; a picture keeps its colours in the row that is selected, and no cell shows a frame of
 /// its own, as a row is one thing.
 class RowDelegate : public QStyledItemDelegate
@@ -147,8 +172,8 @@ protected:
         if (pixmap.isNull())
             return;
         option->icon = {};
-        for (const auto mode : {QIcon::Normal, QIcon::Selected})
-            option->icon.addPixmap(pixmap, mode);
+        option->icon.addPixmap(pixmap, QIcon::Normal);
+        option->icon.addPixmap(OnField(pixmap, option->palette.color(QPalette::Base)), QIcon::Selected);
     }
 };
 

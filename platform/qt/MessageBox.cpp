@@ -28,7 +28,9 @@ namespace voxmate::qt
 namespace
 {
 
+// Device-independent pixels.
 constexpr int IconSize = 40;
+constexpr int RightMargin = 4; // to what the box has on both sides
 
 // What the window manager's frame takes of the screen where no other window's tells: a high title bar and two borders.
 constexpr QSize UnknownFrame(8, 40);
@@ -166,6 +168,13 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
             icons->Pixmap(own, IconSize, box->devicePixelRatioF(), box->palette().color(QPalette::WindowText));
         if (!pixmap.isNull())
             box->setIconPixmap(pixmap);
+        // A single line stands in the middle of its picture, and ends as far from the edge as the picture begins.
+        if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+            label->setMinimumHeight(IconSize);
+            QMargins margins = label->contentsMargins();
+            margins.setRight(RightMargin);
+            label->setContentsMargins(margins);
+        }
         // For those who do not see it.
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label")))
             label->setAccessibleName(own.at(0).toUpper() + own.mid(1));

@@ -1,6 +1,8 @@
 #include "platform/qt/MonthCalendar.h"
 
 #include "platform/controls/MonthView.h"
+#include "platform/qt/AccessibleRole.h"
+#include "platform/qt/ReadableStyle.h"
 #include "platform/qt/Widgets.h"
 
 #include <QAccessible>
@@ -174,6 +176,7 @@ MonthCalendar::MonthCalendar(QWidget* parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    SetAccessibleRole(*this, QAccessible::Grouping);
 
     auto* top = new QHBoxLayout;
     top->setSpacing(0);
@@ -360,10 +363,9 @@ void MonthCalendar::showEvent(QShowEvent* event)
 void MonthCalendar::paintEvent(QPaintEvent* /*event*/)
 {
     const QColor ground = FieldGround(*this);
-    const QColor line = Mix(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.24);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 1.5) : QPen(line, 1));
+    painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 1.5) : QPen(Outline(palette()), 1));
     painter.setBrush(ground);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), Rounding, Rounding);
     painter.setPen(QPen(Mix(ground, palette().color(QPalette::Text), 0.14), 1));

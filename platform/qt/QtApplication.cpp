@@ -2,6 +2,7 @@
 
 #include "platform/WindowSystem.h"
 #include "platform/qt/MessageBox.h"
+#include "platform/qt/ReadableStyle.h"
 
 #include <cstdlib>
 #include <new>
@@ -37,6 +38,7 @@ QtApplication::QtApplication(int& argc, char** argv)
     setDesktopFileName(QStringLiteral("voxmate"));
     // Hidden in the tray the program goes on; it ends by its own exit.
     setQuitOnLastWindowClosed(false);
+    UseReadableStyle();
 }
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)

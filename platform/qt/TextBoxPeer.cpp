@@ -30,7 +30,9 @@ constexpr int EnterKey = 13;
 
 // A field for so few characters is no wider than they are.
 constexpr std::size_t FewCharacters = 8;
-constexpr int FieldPadding = 22; // device-independent pixels, with the frame
+// Device-independent pixels.
+constexpr int FieldPadding = 22; // with the frame
+constexpr int TextMargin = 2;    // to what a style leaves, so that texts begin where those of a list do
 
 /// The characters that a key makes, as a control's KeyPress has them; none for a key that only moves or commands.
 QList<uint> CharactersOf(const QKeyEvent& event)
@@ -178,6 +180,7 @@ public:
     LineEditPeer(TextBox& box, QWidget* parent) : Common(box, new FilteredEdit<QLineEdit>(parent))
     {
         widget_->setPlaceholderText(ToQt(control_.PlaceholderText));
+        widget_->setTextMargins(TextMargin, 0, TextMargin, 0);
         Update(Property::Text);
         Update(Property::Locked);
         Update(Property::BackColor);

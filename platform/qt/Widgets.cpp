@@ -1,5 +1,7 @@
 #include "platform/qt/Widgets.h"
 
+#include "platform/qt/ReadableStyle.h"
+
 #include <QApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
@@ -30,13 +32,6 @@ QColor Ink(const QWidget& widget)
     const QPalette& palette = widget.palette();
     return Mix(palette.color(QPalette::Active, QPalette::ButtonText), palette.color(QPalette::Active, QPalette::Button),
                0.2);
-}
-
-/// Outlines of fields and buttons.
-QColor Outline(const QWidget& widget)
-{
-    const QPalette& palette = widget.palette();
-    return Mix(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.24);
 }
 
 /// The face of what can be pressed: lighter than the window in light themes and in dark ones.
@@ -98,7 +93,7 @@ void Button::paintEvent(QPaintEvent* event)
     const QColor face = Face(*this);
     const QColor accent = palette().color(QPalette::Highlight);
     QColor fill = face;
-    QColor line = Outline(*this);
+    QColor line = Outline(palette());
     if (isDown()) {
         fill = Mix(face, accent, 0.35);
         line = accent;
@@ -250,7 +245,7 @@ void ValueBar::paintEvent(QPaintEvent* /*event*/)
     }
     const QColor face = Face(*this);
     painter.setBrush(pressed ? Mix(face, accent, 0.35) : face);
-    painter.setPen(QPen(hot ? accent : Mix(Outline(*this), ink, 0.3), 1));
+    painter.setPen(QPen(hot ? accent : Mix(Outline(palette()), ink, 0.3), 1));
     painter.drawRoundedRect(knob.adjusted(0.5, 0.5, -0.5, -0.5), 7.5, 7.5);
 }
 
@@ -333,9 +328,15 @@ void StatusPanel::paintEvent(QPaintEvent* /*event*/)
 void GroupFrame::ShowTitle(const QString& title)
 {
     setTitle(title);
+    updateGeometry();
+}
+
+QSize GroupFrame::minimumSizeHint() const
+{
     QFont heading = font();
     heading.setWeight(QFont::DemiBold);
-    setMinimumWidth(QFontMetrics(heading).horizontalAdvance(title) + 2 * Margin + 4);
+    const int caption = QFontMetrics(heading).horizontalAdvance(title()) + 2 * Margin + 4;
+    return QGroupBox::minimumSizeHint().expandedTo({caption, 0});
 }
 
 void GroupFrame::paintEvent(QPaintEvent* /*event*/)

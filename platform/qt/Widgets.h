@@ -90,6 +90,8 @@ public:
     /// Sets the caption, for which the frame stays wide enough.
     void ShowTitle(const QString& title);
 
+    QSize minimumSizeHint() const override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 };

@@ -1,6 +1,7 @@
 """Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, options, tip,
 about box, reminder editor and announcements in every style, and each message box, at scale 1 and 2, from the running
-program. With names (main, balloons, dialogs, reminders, alerts, boxes) only those.
+program, and some of them once more in a dark theme. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
+only those.
 
 Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER [NAME...]     (as root: the program is photographed where a user has it)
 """
@@ -15,6 +16,7 @@ import time
 from PIL import Image, ImageDraw, ImageFont
 
 import desk as desktop
+from test_looks import dark_theme
 from test_reminders import record
 
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
@@ -31,9 +33,10 @@ class Photographer:
         self.scale = scale
         desk.scale = scale
         self.environment = {} if scale == 1 else {"QT_SCALE_FACTOR": str(scale)}
+        self.suffix = ""
 
     def path(self, name):
-        return os.path.join(self.out, name + ("" if self.scale == 1 else f"@{self.scale}x") + ".png")
+        return os.path.join(self.out, name + self.suffix + ("" if self.scale == 1 else f"@{self.scale}x") + ".png")
 
     def window(self, name, title):
         """The newest window of that title with its frame and a little of the desktop."""
@@ -229,6 +232,15 @@ class Photographer:
         print(self.path("alerts"), flush=True)
         self.reminders_file()
 
+    def dark(self):
+        """The windows in which most is to be seen, and the desktop with all, in a dark theme."""
+        self.suffix = "-dark"
+        environment, self.environment = self.environment, {**self.environment, **dark_theme(self.desk)}
+        self.main_windows()
+        self.dialogs()
+        self.reminders()
+        self.environment, self.suffix = environment, ""
+
     def boxes(self):
         program = self.start(SpeakTimeInterval=547)
         box = self.desk.find("Voxmate", role="alert", timeout=20)
@@ -324,7 +336,7 @@ def photograph(scale, out, names):
             desk.run("hsetroot", "-add", "#7fb7c9", "-add", "#2f5d7c", "-gradient", "0")
         photographer = Photographer(desk, out, scale)
         parts = {"main": photographer.main_windows, "balloons": photographer.balloons, "dialogs": photographer.dialogs,
-                 "reminders": photographer.reminders, "alerts": photographer.alerts, "boxes": photographer.boxes}
+                 "reminders": photographer.reminders, "alerts": photographer.alerts, "boxes": photographer.boxes, "dark": photographer.dark}
         for name in names or parts:
             parts[name]()
     finally:

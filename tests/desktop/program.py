@@ -19,10 +19,11 @@ IDLE = "I am Idle now !"
 _desk = None
 
 
-def the_desk():
+def the_desk(**options):
+    """The desktop of all tests of this process; whoever asks first may say what it is like."""
     global _desk  # pylint: disable=global-statement
     if _desk is None:
-        _desk = desktop.Desk(BUILD)
+        _desk = desktop.Desk(BUILD, **options)
         atexit.register(_desk.close)
     return _desk
 

@@ -320,6 +320,22 @@ TEST_F(FontDialogTest, AFamilyAndASizeAreChosen)
     EXPECT_EQ(chosen, (FontSpec{"DejaVu Sans", 18}));
 }
 
+TEST_F(FontDialogTest, EveryFamilyIsListedOnceWhoeverItsFoundriesAre)
+{
+    Choose({"DejaVu Serif", 10}, [](FontDialog& dialog) {
+        const auto* list = dialog.findChild<QListView*>(QStringLiteral("fontList"));
+        QStringList listed;
+        for (int row = 0; row < list->model()->rowCount(); ++row)
+            listed << list->model()->index(row, 0).data().toString();
+        EXPECT_TRUE(listed.filter(QStringLiteral("[")).isEmpty()) << listed.join(u'|').toStdString();
+        EXPECT_EQ(listed.removeDuplicates(), 0);
+        for (const QString& family : QFontDatabase::families()) {
+            const QString name = family.section(QStringLiteral(" ["), 0, 0);
+            EXPECT_EQ(listed.contains(name), !QFontDatabase::isPrivateFamily(family)) << name.toStdString();
+        }
+    });
+}
+
 TEST_F(FontDialogTest, ARowOfTheListIsChosenByItsClick)
 {
     const auto chosen = Choose({"DejaVu Serif", 10}, [](FontDialog& dialog) {

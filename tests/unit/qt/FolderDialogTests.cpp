@@ -1,6 +1,8 @@
 // The folder picker.
 #include "tests/unit/qt/QtFixture.h"
 
+#include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -55,6 +57,18 @@ TEST_F(QtTest, ACancelledFolderPickerGivesNoItemList)
 {
     InPicker([](QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     EXPECT_EQ(windows.SHBrowseForFolderA({"Where?", "/no/such/folder", BIF_RETURNONLYFSDIRS}), 0u);
+}
+
+TEST_F(QtTest, AFolderPickersButtonsHaveNoIconsAsNoButtonsHave)
+{
+    InPicker([](QFileDialog& dialog) {
+        const QList<QAbstractButton*> buttons = dialog.findChild<QDialogButtonBox*>()->buttons();
+        EXPECT_EQ(buttons.size(), 2);
+        for (const QAbstractButton* button : buttons)
+            EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
+        dialog.reject();
+    });
+    windows.SHBrowseForFolderA({"Where?", "", BIF_RETURNONLYFSDIRS});
 }
 
 TEST_F(QtTest, AFolderPickerWithoutAFolderToBeginInBeginsAtHome)

@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -57,19 +58,28 @@ private:
     std::vector<QByteArray> before_;
 };
 
+QLineEdit& NameField(QFileDialog& dialog)
+{
+    return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+}
+
 /// Runs `act` on the next dialog.
 void InDialog(const std::function<void(QFileDialog&)>& act)
 {
     QTimer::singleShot(50, &App(), [act] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
+        const QPointer<QFileDialog> shown = dialog;
+        // A field of a window that is not active yet has no keyboard, and what is typed counts less than what is
+        // selected.
+        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
         act(*dialog);
+        if (shown && shown->isVisible()) {
+            ADD_FAILURE() << "the dialog is still open, in " << shown->directory().path().toStdString() << ", with '"
+                          << NameField(*shown).text().toStdString() << "' for a name";
+            shown->reject();
+        }
     });
-}
-
-QLineEdit& NameField(QFileDialog& dialog)
-{
-    return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
 }
 
 /// Types a name and confirms it.

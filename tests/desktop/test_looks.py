@@ -1,0 +1,266 @@
+"""How every window looks on a small screen with a panel, in a dark theme: it is whole, and what it says and what can be
+filled in or pressed stands out from its ground, measured on the screen. A picture of each stays in build/tour-dark."""
+
+import datetime
+import os
+import shutil
+import time
+import unittest
+
+import numpy
+
+import desk as desktop
+import program
+from program import BUILD
+from test_reminders import QUIET, ReminderCase, record
+
+PANEL = 32  # of the screen's height
+TEXT, PART, DISABLED = 4.5, 3.0, 2.5  # contrast that is wanted
+ROWS = {"table cell", "tree item", "list item"}
+READ = {"label", "push button", "check box", "radio button", "page tab", "table column header", "menu item", "menu"} | ROWS
+FIELDS = {"text", "combo box", "spin button"}
+INDICATOR = 20  # room that a check box or option button has for its mark, in device-independent pixels
+ICON = 22  # and a row of a list for its picture
+COLOURS = {"Button": ("49,54,59", "77,77,77", "239,240,241"), "View": ("35,38,41", "49,54,59", "239,240,241"),
+           "Window": ("49,54,59", "77,77,77", "239,240,241"), "Tooltip": ("49,54,59", "77,77,77", "239,240,241"),
+           "Selection": ("61,174,233", "29,153,243", "239,240,241")}
+
+
+def dark_theme(desk):
+    """Puts the dark colours of a desktop that keeps them in a file in place; the environment in which they are looked for."""
+    os.makedirs(desk.env["XDG_CONFIG_HOME"], exist_ok=True)
+    with open(os.path.join(desk.env["XDG_CONFIG_HOME"], "kdeglobals"), "w", encoding="utf-8") as file:
+        for name, (normal, alternate, text) in COLOURS.items():
+            file.write(f"[Colors:{name}]\nBackgroundNormal={normal}\nBackgroundAlternate={alternate}\nForegroundNormal={text}\n\n")
+    return {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "5"}
+
+
+def luminance(pixels):
+    parts = numpy.asarray(pixels, dtype=float) / 255
+    linear = numpy.where(parts <= 0.03928, parts / 12.92, ((parts + 0.055) / 1.055) ** 2.4)
+    return linear @ numpy.array([0.2126, 0.7152, 0.0722])
+
+
+def contrast(one, other):
+    """As the Web Content Accessibility Guidelines 2.1 have it; of two colours or of many."""
+    one, other = luminance(one), luminance(other)
+    return (numpy.maximum(one, other) + 0.05) / (numpy.minimum(one, other) + 0.05)
+
+
+def ground(pixels):
+    """The colour that most of a picture has."""
+    colours, counts = numpy.unique(pixels.reshape(-1, 3), axis=0, return_counts=True)
+    return colours[counts.argmax()]
+
+
+class Looks(ReminderCase):
+    defaults = dict(QUIET, AutoReadTip=0)
+    pictures = ""
+    dark = False
+    environment = {}
+    maxDiff = None
+
+    def setUp(self):
+        super().setUp()
+        shutil.rmtree(os.path.join(BUILD, self.pictures), ignore_errors=True)
+        os.makedirs(os.path.join(self.desk.home, "Documents"), exist_ok=True)
+        self.panel = self.desk.spawn("trayer", "--edge", "top", "--align", "left", "--widthtype", "percent", "--width", "100",
+                                     "--heighttype", "pixel", "--height", str(PANEL), "--SetDockType", "true",
+                                     "--SetPartialStrut", "true")
+        self.addCleanup(self.panel.terminate)
+        self.room = desktop.wait_for(self.room_under_the_panel, 5, what="the panel")
+
+    def room_under_the_panel(self):
+        answer = self.desk.run("xprop", "-root", "-notype", "_NET_WORKAREA").decode()
+        x, y, width, height = (int(number) for number in answer.split("=")[1].split(",")[:4])
+        return (x, y, x + width, y + height) if y == PANEL else None
+
+    # What is looked at.
+
+    def whole(self, window, framed=True):
+        """The window with its frame lies within the screen, beside the panel; its content's place."""
+        x, y, width, height = self.desk.window_rect(window)
+        left, right, top, bottom = 0, 0, 0, 0
+        if framed:
+            answer = self.desk.run("xprop", "-id", window, "-notype", "_NET_FRAME_EXTENTS").decode()
+            left, right, top, bottom = (int(number) for number in answer.split("=")[1].split(","))
+        self.assertTrue(x - left >= self.room[0] and y - top >= self.room[1] and x + width + right <= self.room[2]
+                        and y + height + bottom <= self.room[3],
+                        f"{(x - left, y - top, x + width + right, y + height + bottom)} is not within {self.room}")
+        return x, y, width, height
+
+    def look(self, title, picture, framed=True, hint=None, settle=0.4):
+        """Looks at the newest window of this title, when it has settled; how many of its parts were measured. `hint` names a field
+        that shows what it is for."""
+        pattern = "^" + title.replace("?", "\\?") + "$"
+        window = desktop.wait_for(lambda: self.desk.windows(pattern), 10, what=title)[-1]
+        self.desk.run("xdotool", "mousemove", "2", str(self.desk.screen[1] - 2))
+        time.sleep(settle)
+        x, y, width, height = self.whole(window, framed)
+        self.screen = numpy.asarray(self.desk.screenshot().convert("RGB"))
+        self.desk.screenshot(os.path.join(BUILD, self.pictures, picture + ".png"),
+                             box=(max(x - 8, 0), max(y - 28, 0), x + width + 8, y + height + 8))
+        pyatspi = self.desk.accessible()
+        tops = [node for name, role, node in self.desk.widgets() if name == title and role in ("frame", "dialog", "alert", "window")]
+        faint, seen = [], 0
+        for node in [node for top in tops[-1:] for node in self._descendants(top)]:
+            states = node.getState()
+            try:
+                box = self.desk.rect(node)
+            except NotImplementedError:  # a row that a list has not laid out
+                continue
+            if not states.contains(pyatspi.STATE_SHOWING) or box[2] < 4 or box[3] < 4:
+                continue
+            # A list tells of rows, too, that are scrolled out of it.
+            if node.getRoleName() in ROWS and not self.within(box, self.desk.rect(node.parent)):
+                continue
+            self.assertTrue(self.within(box, (x, y, width, height)), f"{node.getRoleName()} {node.name!r} is cut off")
+            able = states.contains(pyatspi.STATE_SENSITIVE)
+            for what, value, wanted in self.measures(node, box, able, node.name == hint):
+                seen += 1
+                if value < wanted:
+                    faint.append(f"{node.getRoleName()} {node.name!r}: {what} {value:.2f} < {wanted}")
+        self.assertEqual(faint, [], f"in {title}, {picture}")
+        return seen
+
+    def within(self, box, outer):
+        slack = self.desk.scale - 1  # a window may stand at half a unit
+        return (box[0] >= outer[0] - slack and box[1] >= outer[1] - slack and box[0] + box[2] <= outer[0] + outer[2] + slack
+                and box[1] + box[3] <= outer[1] + outer[3] + slack)
+
+    def measures(self, node, box, able, hint):
+        """What of a widget has which contrast, and which it should have."""
+        role, scale = node.getRoleName(), self.desk.scale
+        x, y, width, height = (int(value) for value in box)
+        ticked = role in ("check box", "radio button") and width > 2 * INDICATOR * scale  # not a day of a calendar
+        if role in READ and node.name:
+            mark = INDICATOR * scale if ticked else 0
+            rim = 5 * scale if role == "push button" else 0
+            inside = self.screen[y + rim:y + height - rim, x + mark + rim:x + width - rim]
+            yield "text", contrast(inside, ground(inside)).max(), TEXT if able else DISABLED
+        if ticked and able:
+            around = ground(self.screen[y:y + height, x + INDICATOR * scale:x + width])
+            marked = self.screen[y + height // 2, x:x + 4 * scale]
+            yield "outline", contrast(marked, around).max(), PART
+        if role in FIELDS and able and height < 400 * scale:
+            edge = self.screen[y + height // 2, x:x + 2 * scale]
+            yield "outline from outside", contrast(edge, self.screen[y + height // 2, x - 3 * scale]).max(), PART
+            # A list's face is a button's, which says by itself that it is one.
+            if role != "combo box":
+                yield "outline from inside", contrast(edge, self.screen[y + 3 * scale, x + width // 2]).max(), PART
+        if role == "table cell" and ", " in node.name:  # "1, Pending": a number with its picture
+            image = self.screen[y:y + height, x:x + ICON * scale]
+            yield "picture", contrast(image, ground(image)).max(), PART
+        if hint:
+            inside = self.screen[y + 3 * scale:y + height - 3 * scale, x + 3 * scale:x + width - 3 * scale]
+            yield "hint", contrast(inside, ground(inside)).max(), TEXT
+
+    # The way through all windows.
+
+    def menu(self, *keys):
+        self.desk.click(self.desk.find("Text to read"))
+        for key in keys:
+            self.desk.key(key)
+            time.sleep(0.3)
+
+    def close(self, title):
+        self.desk.key("Escape")
+        desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), 5, what=f"{title} going away")
+
+    def look_at_all(self):
+        later = datetime.datetime(2099, 3, 7, 9, 5)
+        self.write(record("Call the bank", later, "About the card"), record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green", "Y"))
+        self.start(**self.environment)
+        self.desk.find("A desktop assistant", timeout=20)
+        self.assertGreater(self.look("Voxmate", "splash", framed=False, settle=0.1), 3)  # it stays for two seconds
+        self.desk.find("Text to read", timeout=20)
+        self.settle()
+        ground_of_main = self.look_at_main()
+        self.assertEqual(luminance(ground_of_main) < 0.2, self.dark, "the theme's ground")
+        self.look_at_options()
+        self.menu("alt+f", "t")
+        self.assertGreater(self.look("Tip of the Day", "tip"), 6)
+        self.close("Tip of the Day")
+        self.menu("alt+h", "a")
+        self.assertGreater(self.look("About Voxmate ®", "about"), 3)
+        self.close("About Voxmate ®")
+        self.menu("alt+h", "h")
+        self.assertGreater(self.look("Voxmate - Help", "box"), 1)
+        self.close("Voxmate - Help")
+        self.menu("alt+r", "s")
+        self.assertGreater(self.look("Voxmate Reminders - CURRENTLY ENABLED", "editor"), 60)
+        self.press("Close")
+        self.press("No")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+        self.press("Open and Read a Text Document")
+        self.assertGreater(self.look("Open Text File to Read...", "open"), 8)
+        self.close("Open Text File to Read...")
+        self.desk.end(self.program)
+        self.look_at_notice()
+
+    def look_at_main(self):
+        self.assertGreater(self.look("Voxmate", "main", hint="Text to read"), 20)
+        x, y, _, height = self.desk.rect(self.desk.find("Voice Settings"))
+        inside = ground(self.screen[y:y + height, x:x + 200])
+        self.menu("alt+f")
+        item = self.desk.find("Exit", role="menu item")
+        time.sleep(0.2)
+        self.screen = numpy.asarray(self.desk.screenshot(os.path.join(BUILD, self.pictures, "menu.png")).convert("RGB"))
+        left, top, width, height = self.desk.rect(item)
+        items = [(name, self.desk.rect(node)) for name, role, node in self.desk.widgets() if role in ("menu item", "menu") and name]
+        self.assertGreater(len([box for _, box in items if box[0] == left]), 4, items)
+        for name, box in items:
+            if box[0] == left:
+                text = self.screen[box[1]:box[1] + box[3], box[0]:box[0] + box[2]]
+                self.assertGreaterEqual(contrast(text, ground(text)).max(), TEXT, name)
+        edge = self.screen[top + height // 2, left - 3 * self.desk.scale:left + 3 * self.desk.scale]
+        self.assertGreaterEqual(contrast(edge, ground(self.screen[top:top + height, left:left + width])).max(), PART, "the menu's frame")
+        self.desk.key("Escape", "Escape")
+        return inside
+
+    def look_at_options(self):
+        self.press("User Options")
+        for tab, parts in (("Character", 20), ("Reading", 12), ("Misc", 14), ("Reminders", 25)):
+            self.desk.click(self.desk.find(tab, role="page tab"))
+            self.assertGreater(self.look("Voxmate Options", "options-" + tab.lower()), parts)
+        self.press("Preview")
+        alert = desktop.wait_for(self.alerts, 5, what="the alert")[0]
+        desktop.wait_for(lambda: self.desk.window_rect(alert)[1] + self.desk.window_rect(alert)[3] <= self.room[3], 5, what="its rise")
+        x, y, width, height = self.whole(alert, framed=False)
+        time.sleep(0.5)
+        picture = self.desk.screenshot(os.path.join(BUILD, self.pictures, "alert.png"), box=(x, y, x + width, y + height))
+        pixels = numpy.asarray(picture.convert("RGB"))
+        middle = numpy.median(pixels.reshape(-1, 3), axis=0)
+        self.assertGreater(luminance(middle), 0.6, "an alert is pale in every theme")
+        self.assertGreaterEqual(contrast(pixels[6:-6, 6:-6], middle).max(), 10, "its black text")
+        self.desk.click_at(x + width // 2, y + height // 2)
+        self.desk.click(self.desk.find("Character", role="page tab"))
+        self.press("Browse")
+        self.assertGreater(self.look("Select Characters' Location :", "folder"), 8)
+        self.close("Select Characters' Location :")
+        self.press("Font")
+        self.assertGreater(self.look("Font", "font"), 12)
+        self.close("Font")
+        self.close("Voxmate Options")
+
+    def look_at_notice(self):
+        self.desk.install_defaults(**self.defaults, ReminderType=1)
+        self.write(record("Call the bank", datetime.datetime(2004, 3, 7, 9, 5), "About the card, before noon"))
+        self.start(**self.environment)
+        self.assertGreater(self.look("Voxmate Reminder", "notice"), 10)
+
+
+class SmallAndDark(Looks):
+    pictures = "tour-dark"
+    dark = True
+
+    @classmethod
+    def setUpClass(cls):
+        cls.environment = dark_theme(program.the_desk(screen=(1024, 600)))
+
+    def test_every_window_is_whole_and_readable_on_a_small_screen_in_a_dark_theme(self):
+        self.look_at_all()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,298 @@
+// What is drawn can be seen and read in light and dark themes, and no window cuts what it holds.
+#include "forms/frmAbout.h"
+#include "forms/frmMain.h"
+#include "forms/frmOptions.h"
+#include "forms/frmReminder.h"
+#include "forms/frmShowRem.h"
+#include "forms/frmSplash.h"
+#include "forms/frmTip.h"
+#include "modules/Functions.h"
+#include "platform/qt/ReadableStyle.h"
+#include "tests/fakes/FakePlatform.h"
+#include "tests/unit/qt/QtFixture.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QStyle>
+#include <QStyleOptionMenuItem>
+#include <QTabBar>
+#include <QTreeView>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// What a desktop gives the toolkit, before the style has looked at it.
+struct Theme {
+    const char* name;
+    QColor window, button, base, text, disabled, selection, selected;
+};
+
+const Theme Themes[] = {
+    {"light", "#efefef", "#efefef", "#ffffff", "#000000", "#bebebe", "#308cc6", "#ffffff"},
+    {"dark", "#31363b", "#31363b", "#232629", "#eff0f1", "#62666b", "#3daee9", "#eff0f1"},
+    {"black", "#000000", "#1a1a1a", "#000000", "#ffffff", "#303030", "#800080", "#ffffff"},
+    {"pale", "#d6d2d0", "#dddfe4", "#ffffff", "#333333", "#b4b0ae", "#7ac0f0", "#000000"},
+};
+
+QPalette PaletteOf(const Theme& theme)
+{
+    QPalette palette(theme.text, theme.button, Qt::white, Qt::black, Qt::gray, theme.text, Qt::white, theme.base,
+                     theme.window);
+    palette.setColor(QPalette::Highlight, theme.selection);
+    palette.setColor(QPalette::HighlightedText, theme.selected);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, theme.disabled);
+    ReadableStyle().polish(palette);
+    return palette;
+}
+
+class LooksTest : public ::testing::TestWithParam<Theme>
+{
+protected:
+    QtApplication& app = App();
+    const QPalette palette = PaletteOf(GetParam());
+
+    /// The widget, without the keyboard, in the middle of a window, as pixels of `ratio` to a unit.
+    QImage Picture(QWidget& widget, qreal ratio) const
+    {
+        widget.setAttribute(Qt::WA_DontShowOnScreen);
+        widget.setPalette(palette);
+        widget.resize(widget.sizeHint().expandedTo({60, 24}));
+        widget.show();
+        QImage image((QSizeF(widget.size() + QSize(20, 20)) * ratio).toSize(), QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        image.fill(palette.color(QPalette::Window));
+        QPainter painter(&image);
+        widget.render(&painter, QPoint(10, 10));
+        painter.end();
+        widget.hide();
+        return image;
+    }
+    /// Contrast of what stands out most from the window on the way into the middle of the widget's left edge.
+    static qreal EdgeContrast(const QImage& image)
+    {
+        const int ratio = qRound(image.devicePixelRatio());
+        const int y = image.height() / 2;
+        const QColor window = image.pixelColor(0, y);
+        qreal most = 1;
+        for (int x = 0; x < 13 * ratio; ++x)
+            most = std::max(most, Contrast(image.pixelColor(x, y), window));
+        return most;
+    }
+};
+
+std::string NameOf(const ::testing::TestParamInfo<Theme>& info)
+{
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, LooksTest, ::testing::ValuesIn(Themes), NameOf);
+
+/// The parts of a window that are smaller than what they hold, or not all within their surroundings.
+std::string Cut(const QWidget& window)
+{
+    std::string cut;
+    for (const QWidget* widget : window.findChildren<QWidget*>()) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        const bool counts = label || button || qobject_cast<const QTabBar*>(widget) ||
+                            qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget) ||
+                            qobject_cast<const QGroupBox*>(widget);
+        if (!counts || !widget->isVisible() || (label && label->movie()))
+            continue;
+        QSize needed = widget->minimumSizeHint();
+        if (label && label->wordWrap())
+            needed = {0, label->heightForWidth(label->width())};
+        else if (button && button->objectName().isEmpty()) // a calendar's, which has no edge
+            needed = button->fontMetrics().size(0, button->text());
+        if (widget->width() < needed.width() || widget->height() < needed.height() ||
+            !widget->parentWidget()->rect().contains(widget->geometry()))
+            cut += (widget->objectName().isEmpty() ? button->text() : widget->objectName()).toStdString() + ' ';
+    }
+    return cut;
+}
+
+} // namespace
+
+TEST(ContrastTest, IsThatOfTheGuidelines)
+{
+    EXPECT_NEAR(Contrast(Qt::black, Qt::white), 21, 0.001);
+    EXPECT_NEAR(Contrast(QColor("#767676"), Qt::white), 4.54, 0.005);
+    EXPECT_NEAR(Contrast(Qt::white, QColor("#767676")), 4.54, 0.005);
+    EXPECT_DOUBLE_EQ(Contrast(Qt::red, Qt::red), 1);
+}
+
+TEST(ContrastTest, AColourMovesNoFurtherThanItMust)
+{
+    EXPECT_EQ(Readable(Qt::black, Qt::white, {QColor(Qt::white)}, 4.5), QColor(Qt::black));
+    const QColor mended = Readable(QColor("#cccccc"), Qt::black, {QColor(Qt::white)}, 4.5);
+    EXPECT_GE(Contrast(mended, Qt::white), 4.5);
+    EXPECT_LT(Contrast(mended, Qt::white), 4.8);
+    EXPECT_EQ(Readable(QColor("#808080"), QColor("#909090"), {QColor("#808080")}, 4.5), QColor("#909090"));
+}
+
+TEST_P(LooksTest, WhatIsReadHasAContrastOfFourAndAHalf)
+{
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        const auto color = [&](QPalette::ColorRole role) { return palette.color(group, role); };
+        EXPECT_GE(Contrast(color(QPalette::PlaceholderText), color(QPalette::Base)), 4.5);
+        EXPECT_LT(Contrast(color(QPalette::PlaceholderText), color(QPalette::Base)),
+                  Contrast(color(QPalette::Text), color(QPalette::Base)));
+        EXPECT_GE(Contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)), 4.5);
+    }
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        const QColor disabled = palette.color(QPalette::Disabled, role);
+        EXPECT_GE(Contrast(disabled, palette.color(QPalette::Window)), 2.5);
+        EXPECT_LT(Contrast(disabled, palette.color(QPalette::Window)), 4.5);
+    }
+}
+
+TEST_P(LooksTest, WhatIsFilledInOrPressedHasAnOutlineThatCanBeSeen)
+{
+    QCheckBox check;
+    QRadioButton option;
+    QLineEdit line;
+    QPlainTextEdit text;
+    QTreeView list;
+    QSpinBox number;
+    QComboBox choice;
+    QPushButton button;
+    button.setAutoDefault(false);
+    // As the program's own are, whose open lists scroll.
+    choice.setStyleSheet(QStringLiteral("combobox-popup: 0"));
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{&check, &option, &line, &text, &list, &number, &choice, &button}) {
+        for (const qreal ratio : {1.0, 2.0})
+            EXPECT_GE(EdgeContrast(Picture(*widget, ratio)), 3) << widget->metaObject()->className() << " at " << ratio;
+    }
+}
+
+TEST_P(LooksTest, AMenusFrameAndRulesCanBeSeen)
+{
+    QMenu menu;
+    menu.addAction(QStringLiteral("One"));
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("Two"));
+    menu.setPalette(palette);
+    menu.resize(menu.sizeHint());
+    QImage image(menu.size(), QImage::Format_RGB32);
+    menu.render(&image);
+    const QColor ground = image.pixelColor(8, 4);
+    EXPECT_GE(Contrast(image.pixelColor(0, image.height() / 2), ground), 3);
+    qreal rule = 1;
+    for (int y = image.height() / 2 - 4; y < image.height() / 2 + 4; ++y)
+        rule = std::max(rule, Contrast(image.pixelColor(8, y), ground));
+    EXPECT_GE(rule, 1.8);
+}
+
+TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
+{
+    QtApplication& app = App();
+    const QFont usual = app.font();
+    for (const double size : {1.0, 1.5}) {
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * size);
+        app.setFont(font);
+        fakes::FakePlatform fake;
+        fakes::FakeMainWindow main(fake.log);
+        QtWindowSystem windows{VOXMATE_SHARE_DIR};
+        Platform platform{fake.store, fake.agent,   fake.speech, windows,
+                          fake.files, fake.process, fake.clock,  fake.word};
+        BeginProgram(platform, main);
+        fake.StoreDefaults();
+        LoadSettings();
+        const auto check = [&](
+                               const char* name, const std::function<void()>& each = [] {}) {
+            QCoreApplication::processEvents();
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                if (window->objectName() == QLatin1String(name) && window->isVisible()) {
+                    each();
+                    EXPECT_EQ(Cut(*window), "") << name << " at " << size;
+                    return;
+                }
+            }
+            ADD_FAILURE() << "no window " << name;
+        };
+        {
+            frmMain form(platform);
+            form.Show();
+            check("frmMain");
+        }
+        {
+            frmOptions form(platform);
+            form.Show();
+            for (int tab = 0; tab < 4; ++tab) {
+                form.SSTab1.Tab = tab;
+                check("frmOptions");
+            }
+        }
+        {
+            frmTip form(platform);
+            form.Show();
+            check("frmTip");
+        }
+        {
+            frmAbout form(platform);
+            form.Show();
+            check("frmAbout");
+        }
+        {
+            frmReminder form(platform);
+            form.Show();
+            check("frmReminder");
+        }
+        {
+            frmShowRem form(platform);
+            form.ShowNotice({"Missed Reminder", 1, "Call the bank", "03/07/26", "09:05", "About the new card"});
+            check("frmShowRem");
+        }
+        {
+            frmSplash form(platform);
+            form.Show();
+            check("frmSplash");
+        }
+        BeginProgram(fake.platform, main);
+    }
+    app.setFont(usual);
+}
+
+TEST(WindowsTest, TheTipHasAllTheWidthBesideItsPicture)
+{
+    App();
+    fakes::FakePlatform fake;
+    QtWindowSystem windows{VOXMATE_SHARE_DIR};
+    Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
+    frmTip form(platform);
+    form.Show();
+    const auto part = [](const char* name) {
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->objectName() == QLatin1String("frmTip") && window->isVisible()) {
+                const auto* widget = window->findChild<QWidget*>(QLatin1String(name));
+                return QRect(widget->mapTo(window, QPoint(0, 0)), widget->size());
+            }
+        }
+        throw std::logic_error("the tip has no window");
+    };
+    const QRect pane = part("Picture1");
+    EXPECT_EQ(part("lblTipText").left() - part("imgTip").right() - 1, 14);
+    EXPECT_EQ(pane.right() - part("lblTipText").right(), part("imgTip").left() - pane.left());
+}
+
+} // namespace voxmate::qt
