@@ -1,5 +1,6 @@
 #include "platform/qt/FormWindow.h"
 
+#include "platform/qt/AccessibleRole.h"
 #include "platform/qt/ShapedWindow.h"
 #include "platform/qt/Widgets.h"
 #include "platform/qt/X11.h"
@@ -60,7 +61,9 @@ void FormWindow::closeEvent(QCloseEvent* event)
 void FormWindow::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (const auto press = enter ? OnEnter : event->key() == Qt::Key_Escape ? OnEscape : nullptr;
+    if (const auto press = enter                            ? OnEnter
+                           : event->key() == Qt::Key_Escape ? OnEscape
+                                                            : nullptr;
         press && !event->isAutoRepeat()) {
         press();
         return;
@@ -81,6 +84,7 @@ SplashWindow::SplashWindow()
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    SetAccessibleRole(*this, QAccessible::Window);
     // What stands below the product's name is quieter than the name.
     QPalette quiet = palette();
     quiet.setColor(QPalette::WindowText, Mix(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.28));

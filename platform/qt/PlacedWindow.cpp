@@ -1,10 +1,10 @@
 #include "platform/qt/PlacedWindow.h"
 
+#include "platform/qt/AccessibleRole.h"
 #include "platform/qt/ClassicDrawing.h"
 #include "platform/qt/X11.h"
 
 #include <QAccessible>
-#include <QAccessibleWidget>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMouseEvent>
@@ -16,19 +16,6 @@
 
 namespace voxmate::qt
 {
-
-namespace
-{
-
-/// Screen readers are told of the window as an announcement, not as one more window.
-QAccessibleInterface* AccessibleAnnouncement(const QString& className, QObject* object)
-{
-    if (className == QLatin1String(PlacedWindow::staticMetaObject.className()))
-        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::AlertMessage);
-    return nullptr;
-}
-
-} // namespace
 
 QColor ToQColor(std::uint32_t colour, const QPalette& palette)
 {
@@ -46,10 +33,9 @@ PlacedWindow::PlacedWindow()
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
 {
-    [[maybe_unused]] static const bool installed = [] {
-        QAccessible::installFactory(AccessibleAnnouncement);
-        return true;
-    }();
+    // Screen readers are told of an announcement, not of one more window.
+    SetAccessibleRole(*this, QAccessible::AlertMessage);
+    SetAccessiblePress(*this, [this] { Press(); });
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::NoFocus);
@@ -197,9 +183,15 @@ void PlacedWindow::paintEvent(QPaintEvent* event)
 
 void PlacedWindow::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (rect().contains(event->position().toPoint()))
+        Press();
+}
+
+void PlacedWindow::Press()
+{
     // A copy: the form may let its window go from within.
     const auto click = OnClick;
-    if (click && rect().contains(event->position().toPoint()))
+    if (click)
         click();
 }
 

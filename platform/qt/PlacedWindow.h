@@ -24,8 +24,6 @@ struct RoundShape {
 
 class PlacedWindow : public QWidget
 {
-    Q_OBJECT
-
 public:
     PlacedWindow();
 
@@ -57,6 +55,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void Press();
     void UpdateShape();
     void Invalidate();
 

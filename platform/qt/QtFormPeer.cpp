@@ -255,6 +255,8 @@ void QtFormPeer::MakeMenus(FormWindow* window)
         if (menu && !menu->Parent())
             menus_[menu] = std::make_unique<MenuPeer>(*menu, window);
     }
+    if (!form_.MenuBar.empty())
+        window->menuBar()->setAccessibleName(QStringLiteral("Menus"));
     for (Menu* menu : form_.MenuBar) {
         if (menus_.contains(menu))
             window->menuBar()->addAction(menus_[menu]->Action());

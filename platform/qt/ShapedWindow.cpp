@@ -1,5 +1,6 @@
 #include "platform/qt/ShapedWindow.h"
 
+#include "platform/qt/AccessibleRole.h"
 #include "platform/qt/PlacedWindow.h"
 #include "platform/qt/X11.h"
 
@@ -69,6 +70,7 @@ ShapedWindow::ShapedWindow(const QString& name)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                            Qt::NoDropShadowWindowHint)
 {
+    SetAccessibleRole(*this, QAccessible::Animation);
     setObjectName(name);
     setWindowTitle(name);
     setAccessibleName(name);

@@ -30,7 +30,8 @@ public:
     std::function<void()> OnMove;
 
     /// Lets these windows and announcements take the mouse beside the modal window `modal`: the character is nobody's
-    /// dialog to block, it may be moved aside or silenced while a message stands there. nullptr when the last modal window goes.
+    /// dialog to block, it may be moved aside or silenced while a message stands there. nullptr when the last modal
+    /// window goes.
     static void LiveBeside(QWindow* modal);
 
     /// Shows or hides the window without activating it.

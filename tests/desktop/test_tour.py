@@ -1,274 +1,223 @@
-"""A tour of the whole program by real input: every button, menu item, tab and box is opened, has a name for those who
-cannot see it, and fits a small screen; a picture of each stays in build/tour. And the first evening of a new user."""
+"""A tour of the main window by real input: every button, box, bar and menu item is pressed and does what it says; nothing
+is there that nobody presses. A picture of each stays in build/tour."""
 
 import datetime
 import os
-import shutil
 import time
 import unittest
 
 import desk as desktop
+import test_character
 from program import BUILD
-from test_reminders import ReminderCase, record
+from test_reminders import record
+from tour import TourCase
 
-PICTURES = os.path.join(BUILD, "tour")
-SMALL_SCREEN = (1024, 600 - 32)  # a panel takes some of it
-# What a person acts on or reads; each must say what it is. (A cell of a list says what is in it, which may be nothing.)
-NAMED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "page tab list",
-         "slider", "scroll bar", "spin button", "list", "table", "tree table", "tree", "column header", "menu", "menu item",
-         "frame", "dialog", "alert", "panel", "label", "image", "calendar"}
+CHARACTER_BUTTON = test_character.CHARACTER_BUTTON
+OPEN = {  # kinds of files -> the dialog that asks for one
+    "Text Files (*.txt)": "Open Text File to Read...",
+    "Word Files (*.doc)": "Open Word File to Read...",
+    "Wav Files (*.wav)": "Open Text File to Read...",
+}
+PAGES = {  # of the items of the help menu
+    ("Help", "Download More Characters", "site1"): "characters",
+    ("Help", "Download More Characters", "site2"): "installing",
+    ("Help", "Download More Characters", "site3"): "making",
+    ("Help", "Download More Voice Types", "site1"): "installing",  # the same as of the second item above
+    ("Help", "Download More Voice Types", "site2"): "voices",
+}
 
 
-class Tour(ReminderCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0, "AutoReadTip": 0,
-                "ShowCharacterAtStart": 0}
+class MainTour(TourCase):
+    def phrases(self, command):
+        """What is said to a command now, or would have been a moment ago."""
+        return test_character.Character.phrases(self, command)[:1]
 
-    def look(self, title, picture):
-        """Looks at the window or box of this title: names, size, picture."""
-        time.sleep(0.4)
-        window = desktop.wait_for(lambda: self.desk.windows("^" + title.replace("?", "\\?") + "$"), 5, what=title)[-1]
-        x, y, width, height = self.desk.window_rect(window)
-        self.assertTrue(width <= SMALL_SCREEN[0] and height <= SMALL_SCREEN[1] - 24, f"{title} does not fit: {width} x {height}")
-        pyatspi = self.desk.accessible()
-        for name, role, node in self.desk.widgets():
-            # The bars of a field that scrolls belong to the toolkit.
-            inside = role == "scroll bar" and node.parent is not None and node.parent.getRoleName() == "filler"
-            labelled = any(relation.getRelationType() == pyatspi.RELATION_LABELLED_BY for relation in node.getRelationSet())
-            if role in NAMED and not name and not labelled and not inside:
-                parents = []
-                while node is not None and len(parents) < 8:
-                    parents.append((node.getRoleName(), node.name))
-                    node = node.parent
-                self.fail(f"nameless in {title}: {parents}")
-        self.desk.screenshot(os.path.join(PICTURES, picture + ".png"), box=(max(x - 8, 0), max(y - 28, 0), x + width + 8, y + height + 8))
+    def tells_the_time(self, act):
+        before = self.phrases("time")
+        begin = self.now()
+        act()
+        self.hears(before + [phrase for phrase in self.phrases("time") if phrase not in before], begin)
+        self.hush()
 
-    def menu(self, *keys):
-        self.desk.click(self.desk.find("Text to read"))
-        for key in keys:
-            self.desk.key(key)
-            time.sleep(0.3)
+    def opens_a_file_of(self, kind, act, picture):
+        """The file dialog comes up for this kind of file; it is cancelled."""
+        act()
+        self.opened(OPEN[kind])
+        self.assertEqual(self.control("Files of type", "combo box").node.name, kind)
+        self.look(OPEN[kind], picture)
+        self.use("Cancel", window=OPEN[kind])
+        self.closed(OPEN[kind])
 
-    def close_by_escape(self, title):
-        self.desk.key("Escape")
-        desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), 5, what=f"{title} going away")
+    def shows(self, title, act, picture=None):
+        act()
+        self.opened(title)
+        if picture:
+            self.look(title, picture)
+        self.close_by_escape(title)
 
-    def test_every_window_is_reached_has_names_and_fits(self):
-        shutil.rmtree(PICTURES, ignore_errors=True)
-        self.write(record("Call the bank", datetime.datetime(2099, 3, 7, 9, 5), "About the card"),
-                   record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green", "Y"))
-        self.start_and_settle()
+    def setting(self, name, value):
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
+
+    def becomes(self, name):
+        """The character of this name has come on the stage."""
+        self.desk.find(name.upper(), role="label", timeout=10)
+        self.setting("LastCharacter", f'"{name}"')
+        self.settle()
+        self.character_window()
+
+    def copy(self, text):
+        """Puts a text into the clipboard; the text box is empty after that."""
+        self.put("Text to read", text)
+        self.desk.key("ctrl+a", "ctrl+c", "Delete")
+
+
+class Buttons(MainTour):
+    def test_every_control_of_the_main_window_does_what_it_says(self):
+        self.start_touring(listen=True)
         self.look("Voxmate", "main")
-        for number, (key, item) in enumerate((("alt+f", "Exit"), ("alt+s", "Who Am I?"), ("alt+r", "Show All Reminders"), ("alt+h", "About Voxmate"))):
-            self.menu(key)
-            self.desk.find(item, role="menu item")
-            self.desk.screenshot(os.path.join(PICTURES, f"menu{number + 1}.png"), box=self.around_main())
-            self.desk.key("Escape", "Escape")
-        self.press("User Options")
-        for tab in ("Character", "Reading", "Misc", "Reminders"):
-            self.desk.click(self.desk.find(tab, role="page tab"))
-            self.look("Voxmate Options", "options-" + tab.lower())
-        self.close_by_escape("Voxmate Options")
-        self.menu("alt+f", "t")
-        self.look("Tip of the Day", "tip")
-        self.press("Next Tip")
-        self.press("OK")
-        desktop.wait_for(lambda: not self.desk.windows("^Tip of the Day$"), 5, what="the tip going away")
-        self.menu("alt+h", "a")
-        self.look("About Voxmate ®", "about")
-        self.press("OK")
-        self.menu("alt+h", "h")
-        self.look("Voxmate - Help", "box-help")
-        self.assertEqual(self.box_text("Voxmate - Help"), "Help will be available very soon. Author is preparing the help.")
-        self.close_by_escape("Voxmate - Help")
-        self.menu("alt+r", "s")
-        self.look("Voxmate Reminders - CURRENTLY ENABLED", "editor")
-        self.press("Update")
-        self.look("Voxmate - Reminders", "box-question")
-        self.close_by_escape("Voxmate - Reminders")
-        self.press("Close")
-        self.look("Voxmate - Reminders", "box-save")
-        self.press("No")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
-        self.menu("alt+r", "r", "d")
-        self.assertEqual(self.box_text("Voxmate - Reminders"), "Are you sure you want to disable the reminders ?")
-        self.press("Yes")
-        self.desk.gone("Voxmate - Reminders")
-        self.menu("alt+r", "s")
-        self.look("Voxmate Reminders - CURRENTLY DISABLED", "editor-disabled")
-        self.press("Close")
-        self.press("No")
-        self.press("Open and Read a Text Document")
-        self.look("Open Text File to Read...", "open-text")
-        self.close_by_escape("Open Text File to Read...")
+        self.copy("Copied from somewhere")
+        self.says(lambda: self.use("Speak Clipboard Text"), "Copied from somewhere")
+        self.assertEqual(self.text_in("Text to read"), "Copied from somewhere")
+        self.put("Text to read", "Good evening to all of you")
+        self.says(lambda: self.use("Speak the textbox text"), "Good evening to all of you")
+        self.says(lambda: self.use("What's today's date?"), *self.phrases("date"))
+        self.tells_the_time(lambda: self.use("What time is it?"))
+        self.says(lambda: self.use("Do you know who am I ?"), *self.phrases("who"))
+        self.opens_a_file_of("Text Files (*.txt)", lambda: self.use("Open and Read a Text Document"), "open-text")
+        self.opens_a_file_of("Word Files (*.doc)", lambda: self.use("Open and Read a Word Document"), "open-word")
+        self.shows("Voxmate Options", lambda: self.use("User Options"))
 
-    def around_main(self):
-        x, y, width, height = self.desk.window_rect(self.main_window())
-        return (x - 8, y - 28, x + width + 200, y + height + 60)
-
-    def test_the_keyboard_alone_reaches_every_control_of_the_main_window(self):
-        self.start_and_settle()
-        pyatspi = self.desk.accessible()
-        self.desk.run("xdotool", "windowactivate", "--sync", self.main_window())
-
-        def focused():
-            return next((w[0] for w in self.desk.widgets() if w[2].getState().contains(pyatspi.STATE_FOCUSED) and w[1] != "frame"), None)
-
-        wanted = {w[0] for w in self.desk.widgets() if w[2].getState().contains(pyatspi.STATE_FOCUSABLE)
-                  and w[1] in ("push button", "check box", "combo box", "scroll bar", "text")}
-        reached = set()
-        for _ in range(len(wanted) + 6):
-            name = desktop.wait_for(focused, 3, what="the focus")
-            reached.add(name)
-            self.desk.key("Tab")
-            time.sleep(0.15)
-        self.assertEqual(wanted - reached, set())
-
-    def test_a_setting_is_changed_and_a_reminder_added_by_keyboard_alone(self):
-        self.start_and_settle()
-        pyatspi = self.desk.accessible()
-        self.desk.run("xdotool", "windowactivate", "--sync", self.main_window())
-        self.menu_by_keys("alt+f", "o")
-        self.desk.find("Characters Location", role="text")
-        self.tab_to("Show Balloon", pyatspi)
-        self.desk.key("space")
-        self.tab_to("Apply", pyatspi)
-        self.desk.key("space")
-        desktop.wait_for(lambda: self.desk.read_settings()["ShowBalloon"] == "dword:00000000", 5, what="the setting in the file")
-        self.close_by_escape("Voxmate Options")
-        self.desk.run("xdotool", "windowactivate", "--sync", self.main_window())
-        self.menu_by_keys("alt+r", "s")
-        self.desk.find("Description", role="text")
-        tomorrow = datetime.datetime.now().replace(hour=23, minute=59, second=0, microsecond=0)
-        for name, text in (("Title", "Sleep"), ("Time", "23:59"), ("Description", "Lights out")):
-            self.tab_to(name, pyatspi, role="text")
-            self.desk.type(text)
-        self.tab_to("Add", pyatspi)
-        self.desk.key("space")
-        desktop.wait_for(lambda: self.slots() == [record("Sleep", tomorrow, "Lights out")], 5, what="the reminder in the file")
-
-    def menu_by_keys(self, *keys):
-        for key in keys:
+        self.toggle("Whisper")
+        self.setting("Whisper", "dword:00000001")
+        self.toggle("Whisper")
+        self.setting("Whisper", "dword:00000000")
+        for name, key in (("Speed", "Left"), ("Pitch", "Right")):
+            before = int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
+            self.use(name, "scroll bar")  # to the middle
             self.desk.key(key)
-            time.sleep(0.4)
+            desktop.wait_for(lambda: self.desk.read_settings()[name] != f"dword:{before:08x}", 3, what=f"the {name} in the file")
+            now = int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
+            self.desk.find(f"= {now}", role="label", timeout=3)
+        entry = self.next_entry("Voice Types")
+        self.setting("LastSpeechEngine", f'"{entry}"')
 
-    def tab_to(self, name, pyatspi, role=None):
-        """Presses Tab until the control of this name has the keyboard."""
-        for _ in range(40):
-            for widget, kind, node in self.desk.widgets():
-                if widget.removesuffix(":") == name and (role is None or kind == role) and node.getState().contains(pyatspi.STATE_FOCUSED):
-                    return
-            self.desk.key("Tab")
-            time.sleep(0.1)
-        self.fail(f"the keyboard does not reach {name}")
+        self.the_characters_own_menu()
+        # It has hidden itself.
+        self.use(CHARACTER_BUTTON)
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
+        self.use(CHARACTER_BUTTON, button=3)
+        item = self.menu_item(("File", "Characters", "Tock"))
+        desktop.wait_for(lambda: self.has(item, "SHOWING"), 3, what="the cast")
+        self.desk.click(item)
+        self.becomes("Tock")
+        self.everything_was_pressed("Voxmate")
+
+    def the_characters_own_menu(self):
+        def choose(command):
+            places = self.open_character_menu()
+            self.check_names()
+            if command == "time":
+                _, (x, y, width, height) = self.character_window()
+                self.picture("character-menu", (x - 60, y - 120, x + width + 60, y + height + 20))
+            self.desk.click_at(*places[test_character.COMMANDS[command]])
+
+        self.tells_the_time(lambda: choose("time"))
+        self.says(lambda: choose("date"), *self.phrases("date"))
+        begin = self.now()
+        choose("who")
+        self.hears(self.phrases("who"), begin)
+        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 3, what="the balloon")[0]
+        self.check_names()
+        x, y, width, height = self.desk.window_rect(balloon)
+        self.picture("balloon", (x - 8, y - 8, x + width + 8, y + height + 240))
+        choose("stop")
+        self.settle()
+        choose("hide")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
 
 
-class FirstEvening(ReminderCase):
-    """From the first greeting to the last word, in one go and one recording."""
-
-    defaults = {"SpeakTimeInterval": 0, "ReminderType": 0, "RemAlertClose": 0}
-
-    def heard_since(self, begin):
-        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
-
-    def now(self):
-        return int(self.recorder.snapshot()[1][-1])
-
-    def add_reminder(self, title, description):
-        """Sets a reminder for the next minute in the editor."""
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+r")
-        self.desk.find("Show All Reminders", timeout=5)
-        self.desk.key("s")
-        field = self.desk.find("Description", role="text")
-        when = self.minute(room=20) + datetime.timedelta(minutes=1)
-        for name, text in (("Title", title), ("Time", f"{when:%H:%M}"), ("Description", description)):
-            self.desk.click(self.desk.find(name, role="text") if name != "Description" else field)
-            self.desk.key("ctrl+a")
-            self.desk.type(text)
-        self.press("Add")
-        desktop.wait_for(lambda: len(self.slots()) == 1, 5, what="the reminder in the file")
-        self.press("Close")
-        self.desk.find("Do you want to save changes ?", timeout=5)
-        self.press("No")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
-
-    def test_greeted_read_to_reminded_told_a_tip_put_away_and_gone(self):
+class Menus(MainTour):
+    def test_every_item_of_every_menu_does_what_it_says(self):
+        self.write(record("Tea", datetime.datetime(2099, 3, 7, 9, 5), "Green"))
         tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "64", "--height", "32")
         self.addCleanup(tray.terminate)
-        self.recorder = self.desk.recorder()
-        self.addCleanup(self.recorder.stop)
-        begin = self.now()
-        self.start()
-        self.desk.find("Text to read", timeout=20)
-        desktop.wait_for(lambda: self.heard_since(begin) > 3, 30, what="the greeting")
-        self.settle()
+        opened = self.fake("xdg-open")
+        self.start_touring(listen=True)
+        self.look("Voxmate", "main")
+        leaves = set(self.menu_leaves())
 
-        begin = self.now()
-        text = "Good evening, this is my first text."
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(text)
-        self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin) > 0, 5, what="the text")
-        self.settle()
-        self.assertAlmostEqual(self.heard_since(begin), self.rendered_length(text), delta=0.3)
+        for name in ("Gamp", "Tock", "Nalu"):
+            self.choose("File", "Characters", name, picture="menu-characters" if name == "Nalu" else None)
+            self.becomes(name)
+            self.assertTrue(self.has(self.menu_item(("File", "Characters", name)), "CHECKED"), "its check mark")
+        self.opens_a_file_of("Wav Files (*.wav)", lambda: self.choose("File", "Play a WAV File", picture="menu-file"), "open-wave")
+        self.shows("Tip of the Day", lambda: self.choose("File", "Tip of the Day"))
+        self.shows("Voxmate Options", lambda: self.choose("File", "Options"))
 
-        begin = self.now()
-        self.add_reminder("Tea", "Green tea")
-        window = desktop.wait_for(self.alerts, 75, what="the alert")[0]
-        time.sleep(2)
-        self.desk.screenshot(os.path.join(PICTURES, "alert.png"))
-        self.settle()
-        self.assertGreater(self.heard_since(begin), 2, "the reminder")
+        self.says(lambda: self.choose("Speak", "Who Am I?", picture="menu-speak"), *self.phrases("who"))
+        self.says(lambda: self.choose("Speak", "Tell Me the Date"), *self.phrases("date"))
+        self.tells_the_time(lambda: self.choose("Speak", "Tell Me the Time"))
+        self.copy("Copied from there")
+        self.says(lambda: self.choose("Speak", "Read Clipboard"), "Copied from there")
+        self.assertEqual(self.text_in("Text to read"), "Copied from there")
+        self.opens_a_file_of("Word Files (*.doc)", lambda: self.choose("Speak", "Open Word Document to Read"), "open-word")
+        self.opens_a_file_of("Text Files (*.txt)", lambda: self.choose("Speak", "Open Text Document to Read"), "open-text")
 
-        # As long as it waits for its answer it is announced in the other kind of window, too.
-        self.press("User Options")
-        self.desk.click(self.desk.find("Reminders", role="page tab"))
-        self.desk.click(self.desk.find("Alert Window", role="combo box"))
-        time.sleep(0.3)
-        self.desk.key("Down", "Return")
-        self.press("OK")
-        desktop.wait_for(lambda: self.desk.read_settings()["ReminderType"] == "dword:00000001", 5, what="the setting")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), 10, what="the notice")
-        self.settle()
-        self.desk.screenshot(os.path.join(PICTURES, "notice.png"))
-        self.press("OK")
-        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
-        x, y, width, height = self.desk.window_rect(window)
-        self.desk.click_at(x + width // 2, y + height // 2)
-        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert going away")
-        self.settle()
+        self.shows_the_editor("ENABLED")
+        self.switch("Disable", "Are you sure you want to disable the reminders ?")
+        self.shows_the_editor("DISABLED")
+        self.switch("Enable", None)
+        self.shows_the_editor("ENABLED")
 
-        begin = self.now()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Tip of the Day", timeout=5)
-        self.desk.key("t")
-        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 5, what="the tip")
-        self.settle()
-        if self.heard_since(begin) < 1:
-            self.press("Read Tip")
-            self.settle()
-        self.assertGreater(self.heard_since(begin), 1, "the tip")
-        self.press("OK")
+        self.choose("Help", "Help", picture="menu-help")
+        self.assertEqual(self.box_text("Voxmate - Help"), "Help will be available very soon. Author is preparing the help.")
+        self.look("Voxmate - Help", "box-help")
+        self.use("OK", window="Voxmate - Help")
+        self.closed("Voxmate - Help")
+        for path, page in PAGES.items():
+            before = len(opened())
+            self.choose(*path, picture="menu-pages-" + page)
+            desktop.wait_for(lambda: len(opened()) > before, 3, what=f"the page of {path}")
+            file = os.path.join(BUILD, "share", "voxmate", "web", page + ".html")
+            self.assertEqual(opened()[before:], ["file://" + file], path)
+            self.assertTrue(os.path.exists(file), file)
+        self.assertEqual(self.boxes(), [])
+        self.shows("About Voxmate ®", lambda: self.choose("Help", "About Voxmate"))
 
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Put in System Tray", timeout=5)
-        self.desk.key("s")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), 5, what="the hidden window")
+        self.choose("File", "Put in System Tray")
+        self.closed("Voxmate")
+        self.double_click_icon()
+        self.opened("Voxmate")
+        self.choose("File", "Exit")
+        self.has_ended()
+        self.assertEqual(leaves - self.pressed, set(), "nobody has chosen")
+
+    def shows_the_editor(self, state):
+        title = "Voxmate Reminders - CURRENTLY " + state
+        self.choose("Reminders", "Show All Reminders", picture="menu-reminders")
+        self.opened(title)
+        self.look(title, "editor-" + state.lower())
+        self.desk.key("Escape")
+        self.use("No", window="Voxmate - Reminders")
+        self.closed(title)
+
+    def switch(self, way, question):
+        """Switches reminders on or off; that is checked in the menu."""
+        self.choose("Reminders", "Enable/Disable Reminders", way + " Reminders", picture=f"menu-{way.lower()}")
+        if question:
+            self.assertEqual(self.box_text("Voxmate - Reminders"), question)
+            self.look("Voxmate - Reminders", f"box-{way.lower()}")
+            self.use("Yes", window="Voxmate - Reminders")
+            self.closed("Voxmate - Reminders")
+        for item in ("Enable", "Disable"):
+            node = self.menu_item(("Reminders", "Enable/Disable Reminders", item + " Reminders"))
+            desktop.wait_for(lambda: self.has(node, "CHECKED") == (item == way), 3, what=f"the check mark of {item}")
+
+    def double_click_icon(self):
         self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
+        desktop.wait_for(lambda: self.desk.run("xdotool", "search", "--onlyvisible", "--name", "^panel$", check=False), 3, what="the tray")
         time.sleep(0.3)
         self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Exit", timeout=5)
-        self.desk.key("e")
-        self.has_ended()
-        time.sleep(0.5)
-        begin = self.now()
-        time.sleep(0.5)
-        self.assertEqual(self.heard_since(begin), 0, "silence at the end")
 
 
 if __name__ == "__main__":

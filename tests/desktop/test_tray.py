@@ -6,7 +6,7 @@ import time
 import unittest
 
 import desk as desktop
-from program import ProgramCase
+from program import BUILD, ProgramCase
 
 
 class TrayCase(ProgramCase):
@@ -85,6 +85,44 @@ class Tray(TrayCase):
         self.choose_exit(before)
         desktop.wait_for(lambda: not self.icons(), 5, what="the icon going away")
 
+    def test_a_right_click_brings_the_shown_window_to_the_front_before_it_offers_exit(self):
+        self.start_and_settle()
+        window = self.main_window()
+        self.put_in_tray()
+        self.click_icon("--repeat", "2", "--delay", "80", "1")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        x, y, width, height = self.desk.window_rect(window)
+        above = self.desk.spawn("xev", "-geometry", f"{width}x{height}+{x}+{y}", "-event", "button")
+        self.addCleanup(above.terminate)
+        other = desktop.wait_for(lambda: self.desk.windows("^Event Tester$"), 5, what="the window above")[0]
+        self.desk.run("xdotool", "windowactivate", "--sync", other)
+        self.assertEqual(self.front(), (other, other))
+        before = self.visible()
+        self.click_icon("3")
+        desktop.wait_for(lambda: self.front() == (window, window), 5, what="the window coming to the front")
+        self.choose_exit(before)
+
+    def front(self):
+        """The active window and the uppermost of the ordinary ones."""
+        active = int(self.desk.run("xdotool", "getactivewindow"))
+        text = self.desk.run("xprop", "-root", "_NET_CLIENT_LIST_STACKING").decode()
+        stack = [int(number, 16) for number in text.split("#")[1].split(",")]
+        ordinary = {int(window) for title in ("^Voxmate$", "^Event Tester$") for window in self.desk.windows(title)}
+        return str(active), str([window for window in stack if window in ordinary][-1])
+
+    def test_a_second_copy_says_so_and_leaves_the_first_in_the_tray(self):
+        self.start_and_settle()
+        self.put_in_tray()
+        second = self.desk.spawn(os.path.join(BUILD, "voxmate"))
+        self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
+        self.press("OK")
+        self.assertEqual(second.wait(5), 0)
+        self.assertIsNone(self.program.poll())
+        self.assertFalse(self.desk.windows("^Voxmate$"), "the first copy's window")
+        self.assertEqual(len(self.icons()), 1)
+        self.click_icon("--repeat", "2", "--delay", "80", "1")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+
     def test_the_window_comes_back_iconified_when_the_tray_dies(self):
         self.start_and_settle()
         window = self.desk.windows("^Voxmate$")[-1]
@@ -103,6 +141,13 @@ class Tray(TrayCase):
         desktop.wait_for(self.icons, 5, what="the icon")
         self.assertFalse(self.desk.windows("^Voxmate$"))
         self.assertIsNone(self.program.poll())
+
+    def test_closing_ends_the_program_when_the_user_wants_that(self):
+        self.start_and_settle()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+F4")
+        self.has_ended()
+        self.assertEqual(self.icons(), [])
 
 
 class Notifier(TrayCase):

@@ -1,0 +1,123 @@
+"""The first evening of a new user, from the first greeting to the last word."""
+
+import datetime
+import os
+import time
+import unittest
+
+import desk as desktop
+from test_reminders import ReminderCase
+from tour import PICTURES
+
+
+class FirstEvening(ReminderCase):
+    """From the first greeting to the last word, in one go and one recording."""
+
+    defaults = {"SpeakTimeInterval": 0, "ReminderType": 0, "RemAlertClose": 0}
+
+    def heard_since(self, begin):
+        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+
+    def now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def add_reminder(self, title, description):
+        """Sets a reminder for the next minute in the editor."""
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+r")
+        self.desk.find("Show All Reminders", timeout=5)
+        self.desk.key("s")
+        field = self.desk.find("Description", role="text")
+        when = self.minute(room=12) + datetime.timedelta(minutes=1)
+        for name, text in (("Title", title), ("Time", f"{when:%H:%M}"), ("Description", description)):
+            self.desk.click(self.desk.find(name, role="text") if name != "Description" else field)
+            self.desk.key("ctrl+a")
+            self.desk.type(text)
+        self.press("Add")
+        desktop.wait_for(lambda: len(self.slots()) == 1, 5, what="the reminder in the file")
+        self.press("Close")
+        self.desk.find("Do you want to save changes ?", timeout=5)
+        self.press("No")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+
+    def test_greeted_read_to_reminded_told_a_tip_put_away_and_gone(self):
+        tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "64", "--height", "32")
+        self.addCleanup(tray.terminate)
+        self.recorder = self.desk.recorder()
+        self.addCleanup(self.recorder.stop)
+        begin = self.now()
+        self.start()
+        self.desk.find("Text to read", timeout=20)
+        desktop.wait_for(lambda: self.heard_since(begin) > 3, 30, what="the greeting")
+        self.settle()
+
+        begin = self.now()
+        text = "Good evening, this is my first text."
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(text)
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: self.heard_since(begin) > 0, 5, what="the text")
+        self.settle()
+        self.assertAlmostEqual(self.heard_since(begin), self.rendered_length(text), delta=0.3)
+
+        begin = self.now()
+        self.add_reminder("Tea", "Green tea")
+        window = desktop.wait_for(self.alerts, 75, what="the alert")[0]
+        time.sleep(2)
+        self.desk.screenshot(os.path.join(PICTURES, "evening-alert.png"))
+        self.settle()
+        self.assertGreater(self.heard_since(begin), 2, "the reminder")
+
+        # As long as it waits for its answer it is announced in the other kind of window, too.
+        self.press("User Options")
+        self.desk.click(self.desk.find("Reminders", role="page tab"))
+        self.desk.click(self.desk.find("Alert Window", role="combo box"))
+        time.sleep(0.3)
+        self.desk.key("Down", "Return")
+        self.press("OK")
+        desktop.wait_for(lambda: self.desk.read_settings()["ReminderType"] == "dword:00000001", 5, what="the setting")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), 10, what="the notice")
+        self.settle()
+        self.desk.screenshot(os.path.join(PICTURES, "evening-notice.png"))
+        self.press("OK")
+        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
+        x, y, width, height = self.desk.window_rect(window)
+        self.desk.click_at(x + width // 2, y + height // 2)
+        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert going away")
+        self.settle()
+
+        begin = self.now()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Tip of the Day", timeout=5)
+        self.desk.key("t")
+        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 5, what="the tip")
+        self.settle()
+        if self.heard_since(begin) < 1:
+            self.press("Read Tip")
+            self.settle()
+        self.assertGreater(self.heard_since(begin), 1, "the tip")
+        self.press("OK")
+
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Put in System Tray", timeout=5)
+        self.desk.key("s")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), 5, what="the hidden window")
+        self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
+        time.sleep(0.3)
+        self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Exit", timeout=5)
+        self.desk.key("e")
+        self.has_ended()
+        time.sleep(0.5)
+        begin = self.now()
+        time.sleep(0.5)
+        self.assertEqual(self.heard_since(begin), 0, "silence at the end")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,347 @@
+"""What the tours of the program share: a walk over all that a screen reader is told of, and a record of what has been
+pressed by real input, so that a control that nobody presses is found."""
+
+import os
+import stat
+import time
+import wave
+
+import numpy
+
+import desk as desktop
+from program import BUILD, IDLE
+from test_reminders import ReminderCase
+
+PICTURES = os.path.join(BUILD, "tour")
+SMALL_SCREEN = (1024, 600 - 32)  # a panel takes some of it
+# What a person acts on or reads; each must say what it is. (A cell of a list says what is in it, which may be nothing.)
+NAMED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "page tab list",
+         "slider", "scroll bar", "spin button", "list", "table", "tree table", "tree", "table column header", "menu", "menu item", "menu bar",
+         "popup menu", "status bar", "frame", "dialog", "alert", "animation", "panel", "label", "image"}
+WINDOWS = {"frame", "dialog", "alert", "animation"}
+# What can be pressed, typed into or moved. Menus are apart.
+PRESSED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "slider",
+           "scroll bar", "spin button", "list", "tree", "table", "tree table", "table column header"}
+ALIKE = 0.7  # the same text makes 0.8 and more, another 0.6 at most
+DAY = "a day"  # stands for each of the calendar's
+
+
+class Control:
+    """Something on the accessibility bus: the title of its window, its role, what a person calls it."""
+
+    def __init__(self, window, node, role, name, parents):
+        self.window, self.node, self.role, self.name, self.parents = window, node, role, name, parents
+
+    def key(self):
+        return self.window, self.role, self.name
+
+
+def spectra(samples, rate):
+    """How a sound's colour goes on: the loudness, in decibels above that of a quiet room, of bands a third of an octave
+    wide, 100 times a second."""
+    step, size = rate // 100, 1 << (rate // 40).bit_length()
+    frames = numpy.lib.stride_tricks.sliding_window_view(samples, size)[::step] * numpy.hanning(size)
+    power = numpy.abs(numpy.fft.rfft(frames)) ** 2 / size
+    edges = (100 * 2 ** (numpy.arange(19) / 3) * size / rate).astype(int)
+    bands = numpy.stack([power[:, low:max(high, low + 1)].mean(axis=1) for low, high in zip(edges, edges[1:])], axis=1)
+    return 10 * numpy.log10(numpy.maximum(bands, 1e-5)) + 50
+
+
+def likeness(heard, wanted):
+    """How alike the best matching stretch of one sound is to another, from 0 to 1; both as spectra() has them."""
+    best = 0.0
+    wanted = wanted - wanted.mean(axis=0)
+    for at in range(len(heard) - len(wanted) + 1):
+        part = heard[at:at + len(wanted)]
+        part = part - part.mean(axis=0)
+        best = max(best, float((part * wanted).sum() / numpy.sqrt((part ** 2).sum() * (wanted ** 2).sum() + 1e-9)))
+    return best
+
+
+class TourCase(ReminderCase):
+    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0, "AutoReadTip": 0}
+
+    def setUp(self):
+        super().setUp()
+        self.seen = set()
+        self.pressed = set()
+        self.recorder = None
+        # Programs that stand before the machine's own: each writes down what it was started with.
+        self.bin = os.path.join(self.desk.home, "bin")
+        os.makedirs(self.bin, exist_ok=True)
+        for name in os.listdir(self.bin):
+            os.remove(os.path.join(self.bin, name))
+
+    def tearDown(self):
+        if self.recorder:
+            self.recorder.stop()
+        super().tearDown()
+
+    def fake(self, program, status=0):
+        """Puts a program in place that notes its arguments; returns what it has noted, line by line, as a function."""
+        notes = os.path.join(self.bin, program + ".notes")
+        path = os.path.join(self.bin, program)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(f'#!/bin/sh\necho "$*" >>"{notes}"\nexit {status}\n')
+        os.chmod(path, os.stat(path).st_mode | stat.S_IXUSR)
+
+        def noted():
+            if not os.path.exists(notes):
+                return []
+            with open(notes, encoding="utf-8") as file:
+                return file.read().splitlines()
+        return noted
+
+    def start_touring(self, listen=False, **environment):
+        """Starts the program where only the programs of fake() are found."""
+        self.start_and_settle(PATH=self.bin, **environment)
+        if listen:
+            self.recorder = self.desk.recorder()
+
+    # Looking.
+
+    def walk(self, window=None):
+        """Everything on the bus that is showing, of one window or of all."""
+        pyatspi = self.desk.accessible()
+        found = []
+
+        def visit(node, window, parents):
+            try:
+                if not node.getState().contains(pyatspi.STATE_SHOWING):
+                    return
+                role = node.getRoleName()
+                name = node.name
+                if role == "combo box":  # its own name is what is chosen in it
+                    name = self.label_of(node)
+                if role == "check box" and parents and parents[-1] == ("panel", "Date"):
+                    name = DAY
+                found.append(Control(window or name, node, role, name.removesuffix(":"), parents))
+                for child in node:
+                    if child is not None:
+                        visit(child, window or name, parents + [(role, name)])
+            except Exception:  # it went while it was looked at
+                return
+
+        for application in pyatspi.Registry.getDesktop(0):
+            if application is not None and application.name.lower() == "voxmate":
+                for top in application:
+                    if top is not None and (window is None or top.name == window):
+                        visit(top, None, [])
+        return found
+
+    def label_of(self, node):
+        pyatspi = self.desk.accessible()
+        for relation in node.getRelationSet():
+            if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY:
+                return relation.getTarget(0).name
+        return ""
+
+    def look(self, title, picture):
+        """Looks at the window of this title: what can be pressed there, names and roles of all that is on the bus, its
+        size. A picture of it stays."""
+        window = desktop.wait_for(lambda: self.desk.windows("^" + title.replace("?", "\\?") + "$"), 5, what=title)[-1]
+        time.sleep(0.2)  # painted
+        x, y, width, height = self.desk.window_rect(window)
+        self.assertTrue(width <= SMALL_SCREEN[0] and height <= SMALL_SCREEN[1] - 24, f"{title} does not fit: {width} x {height}")
+        self.check_names()
+        self.picture(picture, (x - 8, y - 28, x + width + 8, y + height + 8))
+
+    def picture(self, name, box):
+        left, top, right, bottom = box
+        inside = (max(left, 0), max(top, 0), min(right, desktop.SCREEN[0]), min(bottom, desktop.SCREEN[1]))
+        self.desk.screenshot(os.path.join(PICTURES, name + ".png"), box=inside)
+
+    def check_names(self):
+        """All that is on the bus says what it is; what can be pressed is noted."""
+        pyatspi = self.desk.accessible()
+        for control in self.walk():
+            if self.is_pressed(control):
+                self.seen.add(control.key())
+            # The bars of a field that scrolls belong to the toolkit.
+            inside = control.role == "scroll bar" and control.parents and control.parents[-1][0] == "filler"
+            # A label without a caption takes no room.
+            empty = control.role == "label" and self.desk.rect(control.node)[2] < 8
+            if control.role in NAMED and not control.name and not inside and not empty:
+                self.fail(f"a nameless {control.role} in {control.window}: {control.parents}")
+            if not control.parents:
+                self.assertIn(control.role, WINDOWS, f"the window {control.name}")
+            elif control.node.getState().contains(pyatspi.STATE_FOCUSABLE):
+                # The widget round some tabs hands the keyboard to them.
+                tabs = control.role == "filler" and any(child.getRoleName() == "page tab list" for child in control.node)
+                self.assertFalse(control.role in ("filler", "unknown") and not tabs,
+                                 f"{control.name or control.parents} takes the keyboard and is {control.role}")
+
+    def is_pressed(self, control):
+        if control.role == "table column header":
+            # One that is hidden is on the bus, but nowhere on the screen.
+            return "Component" in self.desk.accessible().utils.listInterfaces(control.node)
+        return control.role in PRESSED and not (control.role == "scroll bar" and control.parents[-1][0] in ("filler", "tree", "list"))
+
+    def everything_was_pressed(self, *windows):
+        """Whatever look() has seen in these windows has been pressed since."""
+        self.assertEqual({key for key in self.seen if key[0] in windows} - self.pressed, set(), "nobody has pressed")
+
+    def control(self, name, role="push button", window=None, timeout=5):
+        def one():
+            found = [c for c in self.walk(window) if c.name == name and c.role == role]
+            return found[-1] if found else None
+        return desktop.wait_for(one, timeout, what=f"the {role} {name!r}")
+
+    # Pressing.
+
+    def use(self, name, role="push button", window=None, button=1):
+        """Clicks a control and notes that."""
+        control = self.control(name, role, window)
+        self.click(control, button)
+        return control
+
+    def click(self, control, button=1):
+        self.pressed.add(control.key())
+        self.click_node(control.node, button)
+
+    def click_node(self, node, button=1):
+        x, y, width, height = self.desk.rect(node)
+        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "sleep", "0.04", "click", str(button))
+
+    def press(self, name):
+        self.use(name)
+
+    def put(self, name, text, window=None):
+        """Replaces the text of a field."""
+        control = self.use(name, "text", window)
+        self.desk.key("ctrl+a", "Delete")
+        self.desk.type(text)
+        desktop.wait_for(lambda: control.node.queryText().getText(0, -1) == text, 3, what=f"{text!r} in {name}")
+
+    def text_in(self, name, window=None):
+        return self.control(name, "text", window).node.queryText().getText(0, -1)
+
+    def has(self, node, state):
+        return node.getState().contains(getattr(self.desk.accessible(), "STATE_" + state))
+
+    def toggle(self, name, role="check box", window=None):
+        """Clicks a box or an option button; its check changes."""
+        control = self.control(name, role, window)
+        before = self.has(control.node, "CHECKED")
+        self.click(control)
+        desktop.wait_for(lambda: self.has(control.node, "CHECKED") != before, 3, what=f"the check of {name}")
+
+    def next_entry(self, name, window=None):
+        """Opens a drop-down list by the mouse and takes the next entry, or the one before where there is none."""
+        control = self.use(name, "combo box", window)
+        before = control.node.name
+        time.sleep(0.3)
+        self.desk.key("Down", "Return")
+        time.sleep(0.1)
+        if control.node.name == before:
+            self.click_node(control.node)
+            time.sleep(0.3)
+            self.desk.key("Up", "Return")
+        return desktop.wait_for(lambda: control.node.name if control.node.name != before else None, 3, what=f"another entry of {name}")
+
+    def opened(self, title):
+        desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), 5, what=title)
+
+    def closed(self, title):
+        desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), 5, what=f"{title} going away")
+
+    def close_by_escape(self, title):
+        self.desk.key("Escape")
+        self.closed(title)
+
+    # Menus.
+
+    def menu_bar(self):
+        return next(c.node for c in self.walk() if c.role == "menu bar")
+
+    def menu_leaves(self):
+        """Paths of all items of the menu bar that have no menu of their own, open or not."""
+        leaves = []
+
+        def visit(node, path):
+            items = [child for child in node if child is not None]
+            menus = [child for child in items if child.getRoleName() == "popup menu"]
+            if menus or node.getRoleName() == "popup menu" or not path:
+                for child in items:
+                    role = child.getRoleName()
+                    if role == "popup menu":
+                        visit(child, path)
+                    elif role != "separator":
+                        visit(child, path + (child.name,))
+            else:
+                leaves.append(path)
+
+        visit(self.menu_bar(), ())
+        return leaves
+
+    def menu_item(self, path):
+        """The item of this path."""
+        node = self.menu_bar()
+        for name in path:
+            nodes = [child for child in node if child is not None]
+            if len(nodes) == 1 and nodes[0].getRoleName() == "popup menu":
+                nodes = [child for child in nodes[0] if child is not None]
+            node = next(child for child in nodes if child.name == name)
+        return node
+
+    def choose(self, *path, picture=None):
+        """Goes through the menu by the mouse."""
+        for depth in range(1, len(path) + 1):
+            item = self.menu_item(path[:depth])
+            desktop.wait_for(lambda: self.has(item, "SHOWING"), 3, what=f"the menu item {path[:depth]}")
+            time.sleep(0.1)
+            if picture and depth == len(path):
+                time.sleep(0.2)
+                self.check_names()
+                self.picture(picture, self.around_main())
+            self.click_node(item)
+        self.pressed.add(path)
+
+    def around_main(self):
+        x, y, width, height = self.desk.window_rect(self.main_window())
+        return (x - 8, y - 28, x + width + 200, y + height + 60)
+
+    # Listening.
+
+    def now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def heard_since(self, begin):
+        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+
+    def hears(self, texts, begin, seconds=1.2):
+        """What is heard since then begins like the engine's own rendering of one of the texts."""
+        wanted = []
+        for text in texts:
+            with wave.open(self.render(text)) as file:
+                rate = file.getframerate()
+                samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+            first = numpy.flatnonzero(numpy.abs(samples) > 0.01)[0]
+            wanted.append(spectra(samples[first:first + int(seconds * rate)], rate))
+        best = [0.0]
+
+        def alike():
+            heard = spectra(self.recorder.snapshot()[0][begin:], desktop.RATE)
+            best[0] = max([best[0]] + [likeness(heard, one) for one in wanted])
+            return best[0] > ALIKE
+
+        try:
+            desktop.wait_for(alike, 10, step=0.1)
+        except AssertionError:
+            raise self.failureException(f"not heard: {texts} (the best likeness is {best[0]:.2f})") from None
+
+    def says(self, act, *texts):
+        """Does something and hears one of the texts; then all is stopped."""
+        begin = self.now()
+        act()
+        self.hears(texts, begin)
+        self.hush()
+
+    def hush(self):
+        """Presses Stop: idle and silent."""
+        self.use("Stop Everything !!!")
+        desktop.wait_for(lambda: IDLE in self.desk.texts(), 3, what="the idle status")
+        time.sleep(0.2)
+        begin = self.now()
+        time.sleep(0.15)
+        self.assertEqual(self.heard_since(begin), 0, "it goes on talking")
