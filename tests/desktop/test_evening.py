@@ -6,14 +6,26 @@ import time
 import unittest
 
 import desk as desktop
+from program import BUILD, ROOT
 from test_reminders import ReminderCase
 from tour import PICTURES
 
 
 class FirstEvening(ReminderCase):
-    """From the first greeting to the last word, in one go and one recording."""
+    """From the command that the README names first to the last word, in one go and one recording, with the settings that
+    a new user has."""
 
-    defaults = {"SpeakTimeInterval": 0, "ReminderType": 0, "RemAlertClose": 0}
+    def start_as_new_user(self):
+        self.desk.remove_settings()
+        if BUILD == os.path.join(ROOT, "build", "release"):
+            self.log = open(os.path.join(self.desk.home, "run.log"), "wb")
+            self.addCleanup(self.log.close)
+            program = self.desk.spawn(os.path.join(ROOT, "run"), stdout=self.log, stderr=self.log)
+            self.addCleanup(lambda: program.poll() is None and program.kill())
+            return program
+        # What the command does where it has nothing to build.
+        self.desk.run(os.path.join(ROOT, "packaging", "install-defaults"), os.path.join(BUILD, "share", "voxmate"))
+        return self.start()
 
     def heard_since(self, begin):
         return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
@@ -46,10 +58,12 @@ class FirstEvening(ReminderCase):
         self.recorder = self.desk.recorder()
         self.addCleanup(self.recorder.stop)
         begin = self.now()
-        self.start()
-        self.desk.find("Text to read", timeout=20)
+        program = self.start_as_new_user()
+        self.desk.find("Text to read", timeout=60)
         desktop.wait_for(lambda: self.heard_since(begin) > 3, 30, what="the greeting")
-        self.settle()
+        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 30, what="the tip of the first start")
+        self.settle(60)
+        self.press("OK")
 
         begin = self.now()
         text = "Good evening, this is my first text."
@@ -112,7 +126,7 @@ class FirstEvening(ReminderCase):
         self.desk.key("alt+f")
         self.desk.find("Exit", timeout=5)
         self.desk.key("e")
-        self.has_ended()
+        self.assertEqual(program.wait(5), 0)
         time.sleep(0.5)
         begin = self.now()
         time.sleep(0.5)

@@ -1,0 +1,453 @@
+"""What is applied in the options dialog is in effect at once: on the character that stands there and its balloon, in what is
+heard, at the next start, and in the reminders that come."""
+
+import datetime
+import os
+import sys
+import time
+import unittest
+import wave as wave_file
+
+import numpy
+
+import desk as desktop
+from program import IDLE, ROOT
+from test_options import OptionsCase, disc
+from test_reminders import QUIET, ReminderCase, record
+
+sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
+from acs_maker import animation, frame, wave  # noqa: E402  pylint: disable=wrong-import-position
+
+WHEN = datetime.datetime(2004, 3, 7, 9, 5)
+TEXT = "One two three four five six seven eight"
+LOUD = 0.005  # seconds that are enough to be heard
+
+
+def spectrum(samples):
+    """The loudness of a sound in 24 bands of hearing (100 to 7000 Hz), 100 times a second: a row each, logarithmic."""
+    step = desktop.RATE // 100
+    count = max(0, len(samples) // step - 2)
+    windows = numpy.stack([samples[i * step:(i + 3) * step] for i in range(count)]) * numpy.hanning(3 * step)
+    levels = numpy.abs(numpy.fft.rfft(windows, 2048))
+    frequencies = numpy.fft.rfftfreq(2048, 1 / desktop.RATE)
+    edges = 700 * (10 ** (numpy.linspace(*numpy.log10(1 + numpy.array([100, 7000]) / 700), 25)) - 1)
+    bands = [levels[:, (frequencies >= low) & (frequencies < high)].mean(axis=1) for low, high in zip(edges, edges[1:])]
+    return numpy.log(numpy.stack(bands, axis=1) + 0.05)
+
+
+def likeness(recording, rendering):
+    """How like its rendering a text is heard, from 0 to 1: the least of the best correlations of its parts of 0.6 seconds.
+    The spectra are compared, as no sentence's wave is the same when others have been said before it; another word, number or
+    name gives 0.65 and less, the same ones 0.88 and more."""
+    if len(recording) < max(len(rendering), desktop.RATE // 10):
+        return 0.0
+    heard, expected = spectrum(recording), spectrum(rendering)
+    least, last = 1.0, max(0, len(expected) - 60)
+    for start in [*range(0, last, 60), last]:
+        part = expected[start:start + 60]
+        part = part - part.mean(axis=0)
+        best = 0.0
+        for at in range(len(heard) - len(part) + 1):
+            there = heard[at:at + len(part)]
+            there = there - there.mean(axis=0)
+            best = max(best, float((there * part).sum() / numpy.sqrt((there ** 2).sum() * (part ** 2).sum() + 1e-9)))
+        least = min(least, best)
+    return least
+
+
+class EffectsCase(OptionsCase):
+    """Tells by the sound what is said: the recording is compared with the engine's own rendering of the words."""
+
+    def install(self, **values):
+        # Of all voices this one says a thing always the same way.
+        super().install(**{"LastSpeechEngine": "Flite KAL (American English)", "Pitch": 105, "Speed": 220, **values})
+
+    def setUp(self):
+        super().setUp()
+        self.recorder = self.desk.recorder()
+
+    def tearDown(self):
+        self.recorder.stop()
+        super().tearDown()
+
+    def start_here(self):
+        super().start_here()
+        # Beside one another, so that each can be clicked.
+        self.desk.run("xdotool", "windowmove", self.main_window(), "720", "40")
+
+    def open_options(self):
+        super().open_options()
+        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Options$"), 3, what="the dialog")[-1]
+        self.desk.run("xdotool", "windowmove", window, "20", "40")
+        # The toolkit learns of it a little later.
+        desktop.wait_for(lambda: self.desk.rect(self.dialog)[0] < 40, 3, what="the dialog beside the main window")
+
+    def set(self, tab, *changes):
+        """Makes changes on a tab, each a kind, a name and what the control shows then, and applies them."""
+        self.turn_to(tab)
+        for change in changes:
+            self.change(*change)
+        self.apply()
+
+    def silence(self):
+        self.press("Stop Everything !!!")
+        self.desk.find(IDLE)
+
+    def now(self):
+        return int(self.recorder.snapshot()[1][-1])
+
+    def rendered(self, text, seconds):
+        """Samples of a text, or of its beginning, at the rate of the recording and without silence at its ends."""
+        with wave_file.open(self.render(text)) as file:
+            rate = file.getframerate()
+            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        there = numpy.arange(int(len(samples) * desktop.RATE / rate)) * rate / desktop.RATE
+        samples = numpy.interp(there, numpy.arange(len(samples)), samples)
+        first, last = desktop.loud_span(samples)
+        return samples[first:last][:int(seconds * desktop.RATE)]
+
+    def hear(self, begin, text, seconds=60.0, timeout=12):
+        """Waits until a text, or so many seconds of its beginning, has been said since `begin`."""
+        rendering = self.rendered(text, seconds)
+        end = time.monotonic() + timeout
+        while True:
+            like = likeness(self.recorder.snapshot()[0][begin:], rendering)
+            if like > 0.8:
+                return
+            self.assertLess(time.monotonic(), end, f"not heard: {text!r} (likeness {like:.2f})")
+            time.sleep(0.1)
+
+    def heard(self, begin):
+        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+
+    def quiet(self, begin, seconds=1.0):
+        time.sleep(seconds)
+        self.assertLess(self.heard(begin), LOUD)
+
+
+class AtOnce(EffectsCase, ReminderCase):
+    # The program counts the seconds to the next time it tells all along.
+    values = dict(QUIET, ShowCharacterAtStart=1, SpeakTimeInterval=240, BalloonAutoHide=0, BalloonCharactersPerLine=20,
+                  ReadTextBoxTextAtLeftClick=0, ReadNameWithMessages=0, UserName="Ada", RemAlertCloseTime=9)
+
+    def character(self):
+        gestures = [animation("RestPose", [frame((0, 0, 0))]), animation("DoMagic2", [frame((0, 0, 0), sound=0, duration=30)])]
+        return disc(animations=gestures, sounds=[wave(6000)])
+
+    def test_character_balloon_voice_reminders_messages_and_window_follow_each_setting(self):
+        started = time.monotonic()
+        self.start_here()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(TEXT)
+        self.assertGreater(self.speak(), 4, "a word at a time")
+        self.open_options()
+        for follow in (self.size_follows, self.balloon_follows, self.click_follows, self.sound_effects_follow,
+                       self.time_and_date_follow, self.reminders_follow, self.messages_follow, self.folder_follows,
+                       self.closing_follows):
+            follow()
+        self.the_minute_follows(started)
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+F4")
+        self.has_ended()
+
+    def size_follows(self):
+        for entry, side in (("Big", 240), ("Small", 60), ("Normal", 120)):
+            self.set("Character", ("combo box", "Character Size", entry))
+            self.become(lambda s=side: self.character_window()[1][2:], (side, side), entry)
+
+    def balloon(self):
+        windows = self.desk.windows("^Voxmate balloon$")
+        return self.desk.window_rect(windows[0]) if windows else None
+
+    def picture(self):
+        x, y, width, height = self.balloon()
+        return self.desk.screenshot(box=(x + 10, y + 10, x + width - 10, y + height - 10)).tobytes()
+
+    def speak(self):
+        """Has the text in the box spoken; returns how many pictures of the balloon were seen."""
+        begin = self.now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: self.heard(begin) > 0.1 and self.balloon(), 5, what="the balloon")
+        pictures = set()
+        while IDLE not in self.desk.texts():
+            pictures.add(self.picture())
+        return len(pictures)
+
+    def resized(self, before, what):
+        """The new width and height of the balloon."""
+        return desktop.wait_for(lambda: self.balloon() and self.balloon()[2:] != before and self.balloon()[2:], 3, what=what)
+
+    def balloon_follows(self):
+        # It does not hide by itself and stands there for what follows.
+        first = self.balloon()[2:]
+        self.set("Character", ("text", "Total lines", "4"))
+        higher = self.resized(first, "a balloon of four lines")
+        self.assertEqual(higher[0], first[0])
+        line = (higher[1] - first[1]) / 2
+        self.assertGreater(line, 8)
+        self.set("Character", ("text", "Characters per line", "40"))
+        wider = self.resized(higher, "a balloon twice as wide")
+        self.assertEqual(wider[1], higher[1])
+        self.assertAlmostEqual(wider[0] / higher[0], 2, delta=0.3)
+        self.set("Character", ("check box", "Size to text", "on"))
+        fitting = self.resized(wider, "a balloon as high as its text")
+        self.assertAlmostEqual(fitting[1], wider[1] - 3 * line, delta=1)
+        self.choose_font("DejaVu Serif", "24")
+        self.apply()
+        larger = self.resized(fitting, "larger letters")
+        self.assertGreater(larger[0], 1.7 * fitting[0])
+        before = self.picture()
+        self.choose_font("DejaVu Sans Mono", "24")
+        self.apply()
+        desktop.wait_for(lambda: self.picture() != before, 3, what="other letters")
+        self.set("Character", ("check box", "Auto Pace", "off"))
+        self.assertEqual(self.speak(), 1, "all words at once")
+        self.set("Character", ("check box", "Show Balloon", "off"))
+        desktop.wait_for(lambda: not self.balloon(), 3, what="the balloon going")
+        self.set("Character", ("check box", "Show Balloon", "on"))
+        desktop.wait_for(self.balloon, 3, what="the balloon coming back")
+        time.sleep(0.5)
+        self.assertTrue(self.balloon(), "it stays")
+        self.set("Character", ("check box", "Auto Hide", "on"))
+        desktop.wait_for(lambda: not self.balloon(), 4, what="the balloon hiding by itself")
+
+    def click_character(self):
+        _, (x, y, width, height) = self.character_window()
+        begin = self.now()
+        self.desk.click_at(x + width // 2, y + height // 2)
+        return begin
+
+    def click_follows(self):
+        self.quiet(self.click_character(), 0.7)
+        self.set("Reading", ("check box", "Read text box text on character left click", "on"))
+        self.hear(self.click_character(), TEXT, 1)
+        self.silence()
+
+    def sound_effects_follow(self):
+        begin = self.now()
+        self.set("Character", ("check box", "Enable character sound effects", "on"))
+        desktop.wait_for(lambda: self.heard(begin) > 0.2, 3, what="the sound of the gesture that follows")
+        time.sleep(0.3)
+        begin = self.now()
+        self.set("Character", ("check box", "Enable character sound effects", "off"))
+        self.quiet(begin)
+
+    def clock(self, hours):
+        """What is said of the time now, which stays true for some seconds."""
+        now = datetime.datetime.now()
+        while now.second > 57:
+            time.sleep(0.1)
+            now = datetime.datetime.now()
+        part = "Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening"
+        return f"Good {part}, Time now is " + (f"{now.hour % 12 or 12}:{now:%M %p}" if hours == 12 else f"{now:%H:%M}")
+
+    def ask(self, button, text):
+        begin = self.now()
+        self.press(button)
+        self.hear(begin, text)
+        self.silence()
+
+    def time_and_date_follow(self):
+        self.set("Reading", ("check box", "Read time in 24 Hour format", "on"))
+        self.ask("What time is it?", self.clock(24))
+        self.set("Reading", ("check box", "Read time in 24 Hour format", "off"))
+        self.ask("What time is it?", self.clock(12))
+        self.set("Reading", ("combo box", "Read System Date in", "DECEMBER-31"))
+        now = datetime.datetime.now()
+        suffix = {1: "st", 21: "st", 31: "st", 2: "nd", 22: "nd", 3: "rd", 23: "rd"}.get(now.day, "th")
+        self.ask("What's today's date?", f"Today is {now:%A}, {now:%B} {now.day}{suffix}")
+
+    def announce(self):
+        """Has the running program find a reminder of long ago in its file."""
+        self.write(record("Tea", WHEN, "Green"))
+        begin = self.now()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+r")
+        self.desk.find("Show All Reminders", timeout=5)
+        self.desk.key("s")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders"), 5, what="the editor")
+        self.desk.find("Update", role="push button")
+        self.desk.key("Escape")
+        self.desk.find("Do you want to save changes ?", timeout=5)
+        self.desk.key("alt+n")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+        return begin
+
+    def says(self, begin, *texts):
+        for text in texts:
+            self.hear(begin, text)
+        self.settle()
+        expected = sum(self.rendered_length(text) for text in texts)
+        self.assertAlmostEqual(self.heard(begin) / expected, 1, delta=0.06, msg="and nothing else")
+
+    def notice(self):
+        """The notice's window, when it has come, and whether it is kept above others."""
+        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), 10, what="the notice")[0]
+        self.desk.find("Snooze", role="push button")
+        return b"_NET_WM_STATE_ABOVE" in self.desk.run("xprop", "-id", window, "_NET_WM_STATE")
+
+    def snooze(self):
+        self.settle()
+        begin = self.now()
+        self.press("Snooze")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminder$"), 5, what="the notice going away")
+        return begin
+
+    def alert(self):
+        return desktop.wait_for(self.alerts, 10, step=0.005, what="the alert")[0]
+
+    def pixels(self, window, *places):
+        """Colours at places of an alert: right and bottom are counted from the other side where they are negative."""
+        x, y, width, height = self.desk.window_rect(window)
+        picture = self.desk.screenshot(box=(x, y, x + width, y + height))
+        return [picture.getpixel((column % width, row % height)) for column, row in places]
+
+    def reminders_follow(self):
+        self.set("Reminders", ("combo box", "Show Reminder as", "Normal Window"), ("check box", "Always on top", "off"),
+                 ("check box", "Speak below sentence while showing reminder", "on"), ("text", "Sentence to speak", "Listen please"),
+                 ("check box", "Title", "on"), ("check box", "Time", "on"), ("check box", "Next schedule if snoozed", "on"))
+        begin = self.announce()
+        # Users know it so: it is the box left unticked that keeps the notice above other windows.
+        self.assertTrue(self.notice())
+        self.says(begin, "Listen please", "Title: Tea\r\n", "Time: 9:05 AM\r\n")
+        self.hear(self.snooze(), "Your reminder has been snoozed by 10 minute(s)\r\nNew schedule for this reminder is", 1.5)
+        self.silence()
+
+        self.set("Reminders", ("check box", "Always on top", "on"), ("check box", "Speak below sentence while showing reminder", "off"),
+                 ("check box", "Title", "off"), ("check box", "Time", "off"), ("check box", "Date", "on"),
+                 ("check box", "Description", "on"), ("check box", "Next schedule if snoozed", "off"))
+        begin = self.announce()
+        self.assertFalse(self.notice())
+        self.says(begin, "Date: Sunday, March 7th\r\n", "Description: Green")
+        self.quiet(self.snooze())
+
+        self.set("Reminders", ("check box", "Date", "off"), ("check box", "Description", "off"),
+                 ("combo box", "Show Reminder as", "Alert Window"), ("radio button", "Fade", "on"),
+                 ("radio button", "Corner", "on"), ("radio button", "Square", "on"), ("radio button", "Red", "on"),
+                 ("check box", "Auto Close in", "on"), ("text", "Auto close time in seconds", "4"))
+        begin = self.announce()
+        window = self.alert()
+        came = time.monotonic()
+        tops = {self.desk.window_rect(window)[1] for _ in range(20)}
+        self.assertEqual(len(tops), 1, "it slides")
+        time.sleep(0.5)
+        upper_left, lower_right = self.pixels(window, (3, 3), (-3, -3))
+        self.assertGreater(min(upper_left), 245, "white in the upper corner: the colour comes from the lower one")
+        self.assertLess(max(abs(a - b) for a, b in zip(lower_right, (255, 200, 200))), 8, "red, and in the very corner")
+        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert going away")
+        self.assertAlmostEqual(time.monotonic() - came, 5, delta=0.7)  # it comes and goes in half a second each
+        self.become(self.done, ["Y"])
+        self.quiet(begin, 0)
+
+        self.set("Reminders", ("radio button", "Scroll", "on"), ("radio button", "Tube", "on"), ("radio button", "Round corners", "on"),
+                 ("radio button", "Yellow", "on"), ("check box", "Auto Close in", "off"))
+        self.announce()
+        window = self.alert()
+        tops = [self.desk.window_rect(window)[1] for _ in range(40)]
+        self.assertGreater(len(set(tops)), 3, "it does not slide")
+        bottom = desktop.SCREEN[1]
+        desktop.wait_for(lambda: sum(self.desk.window_rect(window)[1::2]) == bottom, 5, what="the alert in its place")
+        time.sleep(0.2)
+        upper, middle, lower_right = self.pixels(window, (80, 3), (80, -30), (-3, -3))
+        self.assertLess(max(abs(a - b) for a, b in zip(upper, (255, 255, 192))), 8, "yellow above")
+        self.assertEqual(lower_right, (0x3b, 0x6e, 0x8f), "the desktop beside a round corner")
+        x, y, width, height = self.desk.window_rect(window)
+        self.desk.click_at(x + width // 2, y + height // 2)
+        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert sliding away")
+
+    def help_box(self, said):
+        """Has a message shown; its first second or two is read as told, or none of it."""
+        begin = self.now()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+h", "h")
+        self.desk.find("Voxmate - Help", role="alert", timeout=5)
+        if said:
+            self.hear(begin, said, 1.5)
+        else:
+            self.quiet(begin)
+        self.desk.key("Return")
+        self.desk.gone("Voxmate - Help")
+        if said:
+            self.silence()
+
+    def messages_follow(self):
+        message = "Help will be available very soon. Author is preparing the help."
+        self.help_box(None)
+        self.set("Reading", ("check box", "Also read application messages when showing", "on"))
+        self.help_box(message)
+        self.set("Reading", ("check box", "Always read my name before messages and greetings", "on"), ("text", "Your Name", "Tom"))
+        self.help_box("Dear Tom, \r\n" + message)
+
+    def folder_follows(self):
+        other = os.path.join(self.desk.home, "others", "")
+        os.makedirs(other, exist_ok=True)
+        for name in ("Dot", "Spot"):
+            with open(os.path.join(other, name + ".acs"), "wb") as file:
+                file.write(disc())
+        self.turn_to("Character")
+        self.browse(other.rstrip("/"))
+        self.apply()
+        self.desk.find("DOT", timeout=5)
+        self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f", "c")
+        desktop.wait_for(lambda: {"Dot", "Spot"} <= set(self.desk.texts()), 5, what="the characters in the menu")
+        self.assertNotIn("Disc", self.desk.texts())
+        self.desk.key("Escape", "Escape", "Escape")
+
+    def closing_follows(self):
+        # Where there is no tray the window is iconified.
+        window = self.main_window()
+        self.set("Misc", ("check box", "When closed minimize to system tray", "on"))
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+F4")
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 5, what="the iconified window")
+        self.desk.run("xdotool", "windowactivate", "--sync", window)
+        self.desk.find("Text to read", timeout=5)
+        self.set("Misc", ("check box", "When closed minimize to system tray", "off"))
+
+    def the_minute_follows(self, started):
+        begin = self.now()
+        self.set("Reading", ("text", "Speak Time Every, in minutes", "1"))
+        # A minute since the start, or now when that is over.
+        rest = max(0.0, 60 - (time.monotonic() - started))
+        self.quiet(begin, max(0.0, rest - 4))
+        desktop.wait_for(lambda: self.heard(begin) > 0.5, 12, what="the time told by itself")
+        self.hear(begin, self.clock(12), 1.2)
+
+
+class NextStart(EffectsCase):
+    values = {"ShowCharacterAtStart": 0, "UserName": "Ada"}
+
+    def restart(self):
+        """Starts the program anew and returns since when it is listened to."""
+        self.silence()
+        begin = self.now()
+        super().restart()
+        return begin
+
+    def test_greeting_introduction_and_character_come_as_set(self):
+        self.start_here()
+        self.settle()
+        self.assertFalse(self.desk.windows("^Voxmate character$"))
+        self.open_options()
+        self.set("Misc", ("check box", "Enable startup greeting", "on"), ("radio button", "Other Only", "on"),
+                 ("text", "Other Greeting", "Nice to see you"))
+        begin = self.restart()
+        self.hear(begin, "Hello Ada.")
+        self.hear(begin, "Nice to see you")
+        self.assertTrue(self.desk.windows("^Voxmate character$"))
+        self.open_options()
+        self.set("Misc", ("check box", "Speak character intro at startup", "on"))
+        begin = self.restart()
+        self.hear(begin, "Hello Ada. My name is Disc")
+        self.open_options()
+        self.set("Misc", ("check box", "Show character at startup", "off"))
+        begin = self.restart()
+        self.settle()
+        self.assertFalse(self.desk.windows("^Voxmate character$"))
+        self.quiet(begin, 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
