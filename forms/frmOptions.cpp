@@ -1,6 +1,7 @@
 #include "forms/frmOptions.h"
 
 #include "base/Text.h"
+#include "forms/Command.h"
 #include "modules/BrowseFolder.h"
 #include "modules/Declarations.h"
 #include "modules/Functions.h"
@@ -19,7 +20,6 @@ namespace
 {
 
 constexpr int characterTab = 0;
-constexpr int readingTab = 1;
 constexpr int remindersTab = 3;
 
 constexpr const char* animate = "Animate";
@@ -108,6 +108,12 @@ void SaveText(const char* name, std::string SettingsRecord::*field, const std::s
 }
 
 } // namespace
+
+frmOptions::~frmOptions()
+{
+    AnimateEnded = nullptr;
+    AnimationNamesChanged = nullptr;
+}
 
 frmOptions::frmOptions(Platform& platform) : Form(platform.Windows, "frmOptions"), platform_(platform)
 {
@@ -261,8 +267,13 @@ void frmOptions::SaveCharacterPath()
     std::string path = Trim(txtCharPath.Text.get());
     if (!path.ends_with(PathSeparator()))
         path += PathSeparator();
-    if (path != Settings.CharacterPath)
+    if (path.size() > LongestRegString) {
+        const std::string lines[] = {"The path of the following folder is too long to be kept:", path,
+                                     "CharacterPath setting will not take effect."};
+        platform_.Windows.MsgBox(JoinLines(lines), vbExclamation, "Voxmate - Path Error");
+    } else {
         ChangeCharacterPath(path);
+    }
     SaveText("CharacterPath", &SettingsRecord::CharacterPath, std::string(Settings.CharacterPath));
     txtCharPath.Text = Settings.CharacterPath;
 }
@@ -306,18 +317,14 @@ bool frmOptions::Valid()
 void frmOptions::cmdApply_Click()
 {
     // A complaint lets pending events run: a second press must not come in between.
-    if (applying_)
-        return;
-    struct Applying {
-        bool& flag;
-        explicit Applying(bool& f) : flag(f) { flag = true; }
-        ~Applying() { flag = false; }
-    } applying(applying_);
-    if (!Valid())
+    const Command command(applying_);
+    if (!command.Begun() || !Valid())
         return;
     SaveOptions();
     if (Character)
         ApplyCharacterSettings();
+    // Where Apply was pressed it gives the keyboard away: to what Enter stands for, not to Default beside it.
+    cmdOK.SetFocus();
     cmdApply.Enabled = false;
     Play("DoMagic2");
 }

@@ -19,6 +19,7 @@ class frmOptions : public Form
 {
 public:
     explicit frmOptions(Platform& platform);
+    ~frmOptions() override;
 
     TabStrip SSTab1{this, "SSTab1", {"Character", "Reading", "Misc", "Reminders"}};
 

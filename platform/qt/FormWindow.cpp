@@ -25,23 +25,6 @@ constexpr qreal CardRounding = 14;
 
 } // namespace
 
-void Centre(QWidget& window, const QWidget* over)
-{
-    if (over && (!over->isVisible() || over->isMinimized()))
-        over = nullptr;
-    const QScreen* screen = over ? over->screen() : QGuiApplication::primaryScreen();
-    if (!screen)
-        return;
-    const QRect area = screen->availableGeometry();
-    // The window manager's frame is as large as that of the other window.
-    const QSize frame = over ? over->frameGeometry().size() - over->size() : QSize(0, 0);
-    QRect place(QPoint(0, 0), window.size() + frame);
-    place.moveCenter(over ? over->frameGeometry().center() : area.center());
-    place.moveLeft(std::max(std::min(place.left(), area.right() - place.width()), area.left()));
-    place.moveTop(std::max(std::min(place.top(), area.bottom() - place.height()), area.top()));
-    window.move(place.topLeft());
-}
-
 FormWindow::FormWindow(BorderStyle border)
 {
     setContextMenuPolicy(Qt::NoContextMenu);

@@ -10,10 +10,6 @@
 namespace voxmate::qt
 {
 
-/// Moves a window that knows its size to the middle of `over`, or of the primary screen where that is not to be seen,
-/// and wholly onto the screen.
-void Centre(QWidget& window, const QWidget* over);
-
 /// An ordinary window. The user's wish to close it goes to `OnClose`; it never closes by itself.
 class FormWindow : public QMainWindow
 {

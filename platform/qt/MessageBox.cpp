@@ -4,6 +4,7 @@
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/IconSet.h"
 #include "platform/qt/ModalWindows.h"
+#include "platform/qt/Placement.h"
 #include "platform/qt/QtText.h"
 
 #include <QAbstractButton>

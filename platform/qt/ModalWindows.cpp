@@ -1,5 +1,6 @@
 #include "platform/qt/ModalWindows.h"
 
+#include "platform/qt/Placement.h"
 #include "platform/qt/ShapedWindow.h"
 
 #include <QDialog>
@@ -35,6 +36,7 @@ private:
     {
         if (std::find(shown.begin(), shown.end(), this) == shown.end())
             shown.push_back(this);
+        Centre(dialog_, dialog_.parentWidget());
         ShapedWindow::LiveBeside(dialog_.windowHandle());
     }
     void Leave()

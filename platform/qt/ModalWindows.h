@@ -6,7 +6,8 @@ class QDialog;
 namespace voxmate::qt
 {
 
-/// Lets the character and its balloon take the mouse while the dialog is up, and beside the one below when it goes.
+/// Lets the character and its balloon take the mouse while the dialog is up, and beside the one below when it goes. The
+/// dialog comes up in the middle of its owner, beside the character where there is room.
 void LetCharacterLiveBeside(QDialog& dialog);
 
 } // namespace voxmate::qt

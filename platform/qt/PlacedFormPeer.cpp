@@ -38,9 +38,10 @@ public:
         UpdateCommon(property);
         if (property == Property::Caption) {
             widget_->setText(ToQt(control_.Caption));
-            // The window is announced with what it says; an ampersand in it is one.
-            widget_->setAccessibleName(widget_->text());
-            widget_->window()->setAccessibleName(widget_->text());
+            // The window is announced with what it says, line ends being no words; an ampersand in it is one.
+            const QString said = widget_->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n")).trimmed();
+            widget_->setAccessibleName(said);
+            widget_->window()->setAccessibleName(said);
         } else if (property == Property::Font) {
             widget_->setFont(ToQFont(control_.Font, QApplication::font()));
         } else if (property == Property::Place) {

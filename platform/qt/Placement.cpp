@@ -1,5 +1,7 @@
 #include "platform/qt/Placement.h"
 
+#include "platform/qt/ShapedWindow.h"
+
 #include <QApplication>
 #include <QScreen>
 #include <QWidget>
@@ -71,6 +73,46 @@ void PlaceAmongOthers(QWidget& window)
         taken.append({other->frameGeometry().topLeft(), other->size() + frame});
     }
     window.move(FreePlace(screen->availableGeometry(), window.size() + frame, taken));
+}
+
+QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken)
+{
+    if (!place.intersects(taken))
+        return place;
+    const QRect room = area.adjusted(0, 0, 1, 1); // a rectangle's right and lower edges are its last pixels
+    QRect best;
+    const auto consider = [&](int dx, int dy) {
+        const QRect moved = place.translated(dx, dy);
+        const auto way = [&place](const QRect& to) { return (to.topLeft() - place.topLeft()).manhattanLength(); };
+        if (room.contains(moved) && (best.isNull() || way(moved) < way(best)))
+            best = moved;
+    };
+    consider(taken.left() - Gap - place.right(), 0);
+    consider(taken.right() + Gap - place.left(), 0);
+    consider(0, taken.top() - Gap - place.bottom());
+    consider(0, taken.bottom() + Gap - place.top());
+    return best.isNull() ? place : best;
+}
+
+void Centre(QWidget& window, const QWidget* over)
+{
+    if (over && (!over->isVisible() || over->isMinimized()))
+        over = nullptr;
+    const QScreen* screen = over ? over->screen() : QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect area = screen->availableGeometry();
+    // The window manager's frame is as large as that of the other window.
+    const QSize frame = over ? over->frameGeometry().size() - over->size() : QSize(0, 0);
+    QRect place(QPoint(0, 0), window.size() + frame);
+    place.moveCenter(over ? over->frameGeometry().center() : area.center());
+    place.moveLeft(std::max(std::min(place.left(), area.right() - place.width()), area.left()));
+    place.moveTop(std::max(std::min(place.top(), area.bottom() - place.height()), area.top()));
+    for (const QWidget* other : QApplication::topLevelWidgets()) {
+        if (other->isVisible() && other->windowTitle() == QLatin1String(CharacterTitle))
+            place = ClearOf(area, place, other->geometry());
+    }
+    window.move(place.topLeft());
 }
 
 } // namespace voxmate::qt

@@ -1,4 +1,4 @@
-// Where a window goes that comes by itself, without the user having asked for it.
+// Where windows go: those that come by themselves, without the user having asked for them, and those over others.
 #pragma once
 
 #include <QList>
@@ -19,5 +19,13 @@ QPoint FreePlace(const QRect& area, const QSize& size, const QList<QRect>& taken
 /// Moves a window that knows its size and shows without taking the keyboard to a free place among the others like it,
 /// on the primary screen.
 void PlaceAmongOthers(QWidget& window);
+
+/// `place` moved by the shortest way, along one edge of the screen, so that it does not touch `taken` and is still in
+/// `area`; as it is when it does not touch it or there is no such way.
+QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken);
+
+/// Moves a window that knows its size into the middle of another, or of the primary screen when that is none, not
+/// visible or minimised, and beside the character, which stands above all windows, where there is room.
+void Centre(QWidget& window, const QWidget* over);
 
 } // namespace voxmate::qt

@@ -25,7 +25,7 @@ private:
     QImage Draw(qreal ratio) const;
     void ComparePlace();
 
-    ShapedWindowPtr window_{new ShapedWindow(QStringLiteral("Voxmate character"))};
+    ShapedWindowPtr window_{new ShapedWindow(QString::fromLatin1(CharacterTitle))};
     Bitmap frame_;
     Point place_; ///< as asked for or told last
     QTimer echoes_;

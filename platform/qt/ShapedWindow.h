@@ -15,6 +15,9 @@
 namespace voxmate::qt
 {
 
+/// Title of the character's window, which nobody sees but who lists windows.
+inline constexpr const char* CharacterTitle = "Voxmate character";
+
 /// Where a premultiplied image is drawn: its pixels that are at least half opaque.
 QRegion ShapeOf(const QImage& image);
 

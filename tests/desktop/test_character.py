@@ -2,15 +2,12 @@
 
 import datetime
 import os
-import sys
 import time
 import unittest
 
 import desk as desktop
-from program import IDLE, ROOT, ProgramCase, StatusWatch
-
-sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
-from acs_maker import BLANK, animation, frame, image, make  # noqa: E402  pylint: disable=wrong-import-position
+from disc import DISC, disc
+from program import IDLE, ProgramCase, StatusWatch
 
 CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
 SENTENCE = "This is a sentence of some length, so that there is time to interrupt it before it comes to its end."
@@ -158,19 +155,6 @@ class Character(ProgramCase):
         self.desk.run("xdotool", "mouseup", "1")
         _, (x2, y2, _, _) = self.character_window()
         self.assertEqual((x2 - x, y2 - y), (-300, -150))
-
-
-DISC = (200, 90, 40)
-
-
-def disc(side=120, radius=50):
-    """A character that is one disc and never moves."""
-    middle = side / 2
-    rows = [bytes(1 if (x + 0.5 - middle) ** 2 + (y + 0.5 - middle) ** 2 < radius ** 2 else 0 for x in range(side))
-            for y in range(side)]
-    return make({**BLANK, "width": side, "height": side, "names": [(0x0409, "Disc", "", "")],
-                 "palette": [(1, 2, 3), DISC], "images": [image(side, rows)],
-                 "animations": [animation("RestPose", [frame((0, 0, 0))])]}).data
 
 
 class Sizes(ProgramCase):

@@ -11,8 +11,9 @@ import wave as wave_file
 import numpy
 
 import desk as desktop
+from disc import disc
 from program import IDLE, ROOT
-from test_options import OptionsCase, disc
+from test_options import OptionsCase
 from test_reminders import QUIET, ReminderCase, record
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))

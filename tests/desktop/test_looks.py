@@ -261,6 +261,31 @@ class SmallAndDark(Looks):
     def test_every_window_is_whole_and_readable_on_a_small_screen_in_a_dark_theme(self):
         self.look_at_all()
 
+    def test_no_dialog_comes_up_beneath_the_character(self):
+        self.desk.install_defaults(**{**self.defaults, "ShowCharacterAtStart": 1})
+        self.start_and_settle(**self.environment)
+        _, (x, y, width, height) = self.character_window()
+
+        def beside(title, picture):
+            window = desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), 5, what=title)[-1]
+            time.sleep(0.3)
+            left, top, wide, high = self.whole(window)
+            self.desk.screenshot(os.path.join(BUILD, self.pictures, "beside-" + picture + ".png"))
+            self.assertTrue(left + wide <= x or left >= x + width or top + high <= y or top >= y + height, title)
+
+        self.press("User Options")
+        beside("Voxmate Options", "options")
+        self.press("Browse")
+        beside("Select Characters' Location :", "folder")
+        self.close("Select Characters' Location :")
+        self.press("Font")
+        beside("Font", "font")
+        self.close("Font")
+        self.close("Voxmate Options")
+        self.menu("alt+h", "h")
+        beside("Voxmate - Help", "box")
+        self.close("Voxmate - Help")
+
 
 if __name__ == "__main__":
     unittest.main()

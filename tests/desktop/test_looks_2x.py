@@ -1,5 +1,5 @@
-"""How every window looks on a screen of twice as many pixels to the inch, in a light theme. A picture of each stays in
-build/tour-2x."""
+"""How every window looks on a screen of twice as many pixels to the inch, in a light theme and in a dark one. A picture of
+each stays in build/tour-2x and build/tour-dark-2x."""
 
 import unittest
 
@@ -7,13 +7,30 @@ import program
 import test_looks
 
 
-class LargeAndLight(test_looks.Looks):
-    pictures = "tour-2x"
+class Large(test_looks.Looks):
     environment = {"QT_SCALE_FACTOR": "2"}
 
     @classmethod
     def setUpClass(cls):
-        program.the_desk(screen=(2048, 1200)).scale = 2
+        cls.desk = program.the_desk(screen=(2048, 1200))
+        cls.desk.scale = 2
+
+
+class LargeAndDark(Large):
+    pictures = "tour-dark-2x"
+    dark = True
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.environment = {**Large.environment, **test_looks.dark_theme(cls.desk)}
+
+    def test_every_window_is_whole_and_readable_at_twice_the_size_in_a_dark_theme(self):
+        self.look_at_all()
+
+
+class LargeAndLight(Large):
+    pictures = "tour-2x"
 
     def test_every_window_is_whole_and_readable_at_twice_the_size(self):
         self.look_at_all()

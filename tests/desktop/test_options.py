@@ -3,16 +3,13 @@ a restart, and the keyboard alone."""
 
 import os
 import shutil
-import sys
 import time
 import unittest
 
 import desk as desktop
-from program import BUILD, ROOT, ProgramCase, Watch
+from disc import disc
+from program import BUILD, ProgramCase, Watch
 from test_start import catalogue
-
-sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
-from acs_maker import BLANK, animation, frame, image, make  # noqa: E402  pylint: disable=wrong-import-position
 
 TABS = ("Character", "Reading", "Misc", "Reminders")
 # Settings with a place of their own: the main window, the tip, the character's menu.
@@ -186,16 +183,6 @@ RULES = {
         ("Auto Close in", {"Always on top", "Auto close time in seconds"}), ("Normal Window", ALERT),
         ("Alert Window", {"Always on top", "Auto close time in seconds"})],
 }
-
-
-def disc(**more):
-    """A character that is one disc, with nothing to do but rest; `more` goes into its file."""
-    side, middle = 120, 60
-    rows = [bytes(1 if (x + 0.5 - middle) ** 2 + (y + 0.5 - middle) ** 2 < 50 ** 2 else 0 for x in range(side))
-            for y in range(side)]
-    return make({**BLANK, "width": side, "height": side, "names": [(0x0409, "Disc", "", "")],
-                 "palette": [(1, 2, 3), (200, 90, 40)], "images": [image(side, rows)],
-                 "animations": [animation("RestPose", [frame((0, 0, 0))])], **more}).data
 
 
 def in_file(value):

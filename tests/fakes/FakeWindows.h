@@ -109,8 +109,10 @@ public:
             whenClipboardIsRead();
         return clipboardHasText ? clipboard : "";
     }
+    int clipboardClears = 0;
     void ClipboardClear() override
     {
+        ++clipboardClears;
         clipboard.clear();
         clipboardHasText = false;
     }

@@ -166,6 +166,7 @@ TEST_F(MainMenuTest, APageThatCannotBeOpenedIsLeftOnTheClipboard)
     Start();
     fake.process.shellFails = true;
     form.mnuSpEng2.UserClick();
+    EXPECT_EQ(fake.windows.clipboardClears, 1);
     EXPECT_EQ(fake.windows.clipboard, "file:///C:/WINDOWS/web/voices.html");
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - URL Open Error");
@@ -223,6 +224,49 @@ TEST_F(MainMenuTest, MovesOverTheWindowAreReadLikeTheIconsMessages)
     form.UserMouseMove(515 * 15);
     form.UserMouseMove(517 * 15);
     EXPECT_EQ(fake.log, (Lines{"Window frmMain shown", "PopupMenu mnuTrayExit"}));
+}
+
+// A whole number of pixels is the nearest one, not the one below.
+TEST_F(MainMenuTest, MouseMessagesAreRoundedToWholeNumbers)
+{
+    Start();
+    form.mnuSysTray.UserClick();
+    const Lines expected{"Window frmMain shown", "Window frmMain activated", "PopupMenu mnuTray"};
+    fake.log.clear();
+    for (const double message : {514.4, 514.6, 515.6, 516.4, 517.4, 517.6})
+        form.TrayPict.UserMouseMove(message * 15);
+    EXPECT_EQ(fake.log, expected);
+    fake.log.clear();
+    for (const double column : {514.4, 514.6, 515.6, 516.4, 517.4, 517.6})
+        form.UserMouseMove(column * 15);
+    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown", "PopupMenu mnuTrayExit"}));
+}
+
+TEST_F(MainMenuTest, TheTipsMenuItemFillsItsWindow)
+{
+    fake.files.texts["C:\\Voxmate\\VoxmateTips.txt"] = "Only one";
+    Start();
+    form.mnuTip.UserClick();
+    EXPECT_EQ(form.Tip().TipText(), "Only one");
+}
+
+TEST_F(MainMenuTest, TheTimersTheIconAndTheFrameAreAsLaidOut)
+{
+    EXPECT_EQ(form.SysTime.Interval, 1000);
+    EXPECT_TRUE(form.SysTime.Enabled);
+    EXPECT_EQ(form.RemTimer.Interval, 800);
+    EXPECT_FALSE(form.RemTimer.Enabled);
+    EXPECT_EQ(form.TrayPict.Picture, "voxmate");
+    const auto plain = [](std::string caption) {
+        std::erase(caption, '&');
+        return caption;
+    };
+    EXPECT_EQ(plain(form.Frame2.Caption), "Voice Settings");
+    EXPECT_EQ(plain(form.chkWhisper.Caption), "Whisper");
+    EXPECT_EQ(plain(form.lblVoice.Caption), "Voice Types");
+    EXPECT_EQ(plain(form.lblSpeedName.Caption), "Speed");
+    EXPECT_EQ(plain(form.lblPitchName.Caption), "Pitch");
+    EXPECT_EQ(plain(form.lblVoiceName.Caption), "Voice");
 }
 
 } // namespace

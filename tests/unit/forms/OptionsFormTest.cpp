@@ -329,6 +329,7 @@ TEST_F(OptionsForm, EveryWriteComesInItsOrderAndOfItsType)
     form.cmdApply.UserClick();
     EXPECT_EQ(Logged("RegSetValueExA "), (Lines{"BalloonFontName 0 1 13 bytes",
                                                 "BalloonFontSize 0 4 4 bytes",
+                                                "CharacterPath 0 1 9 bytes", // by the search
                                                 "CharacterPath 0 1 9 bytes",
                                                 "CharacterSize 0 4 4 bytes",
                                                 "CloseToTray 0 4 4 bytes",

@@ -112,6 +112,55 @@ TEST_F(OptionsKeeping, ATextIsSavedAsFarAsItComesBackAtTheNextStart)
     }
 }
 
+TEST_F(OptionsKeeping, AFolderWhosePathWouldNotComeBackIsNotTaken)
+{
+    const std::string before = Settings.CharacterPath;
+    const std::string longest = "C:\\" + std::string(251, 'a') + "\\";
+    fake.AddCharacters(longest, {"Alfa"});
+    ApplyWith(form.txtCharPath, longest);
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Path Error");
+    EXPECT_EQ(fake.windows.boxes[0].style, 48);
+    EXPECT_EQ(fake.windows.boxes[0].text, "The path of the following folder is too long to be kept:\r\n" + longest +
+                                              "\r\nCharacterPath setting will not take effect.");
+    EXPECT_EQ(Settings.CharacterPath, before);
+    EXPECT_EQ(form.txtCharPath.Text.get(), before);
+    EXPECT_EQ(Logged("Load "), Lines{});
+}
+
+TEST_F(OptionsKeeping, AFolderThatHasGoneIsReportedAtTheNextApply)
+{
+    Open();
+    fake.files.folders.erase(Settings.CharacterPath);
+    fake.windows.answers = {vbNo};
+    form.chk24Time.UserClick(true);
+    form.cmdApply.UserClick();
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Path Error");
+    EXPECT_EQ(Settings.TimeIn24Hour, 1);
+}
+
+// Apply gives the keyboard away when it is disabled; Default beside it must not be what Enter then means.
+TEST_F(OptionsKeeping, AfterApplyTheKeyboardIsOnOk)
+{
+    Open();
+    FocusPeer ok;
+    form.cmdOK.SetPeer(&ok);
+    form.chk24Time.UserClick(true);
+    form.cmdApply.UserClick();
+    EXPECT_EQ(ok.focused, 1);
+    form.cmdOK.SetPeer(nullptr);
+}
+
+TEST_F(OptionsKeeping, TheGreetingShowsTheCharacter)
+{
+    Settings.ShowCharacterAtStart = 0;
+    Settings.GreetingEnabled = 0;
+    Open();
+    form.chkGreeting.UserClick(true);
+    EXPECT_EQ(form.chkShowStart.Value, 1);
+}
+
 TEST_F(OptionsKeeping, TheAnimationsAreThoseOfTheCharacterThatHasComeMeanwhile)
 {
     fake.agent.prepare = [](fakes::FakeCharacter& character) { character.animations = {"Wave", "Bow"}; };

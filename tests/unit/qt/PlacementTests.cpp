@@ -93,6 +93,24 @@ TEST(Placement, FortyWindowsStayOnTheScreenWithTheirTitlesApart)
     }
 }
 
+TEST(Placement, AWindowOverTheCharacterMovesBesideItByTheShortestWay)
+{
+    const QRect screen(0, 0, 1024, 568);
+    const QRect dialog(182, 66, 660, 437);
+    EXPECT_EQ(ClearOf(screen, dialog, {850, 300, 160, 200}), dialog) << "they do not touch";
+    const QRect character(780, 380, 160, 180);
+    const QRect moved = ClearOf(screen, dialog, character);
+    EXPECT_FALSE(moved.intersects(character));
+    EXPECT_TRUE(screen.contains(moved));
+    EXPECT_EQ(moved.top(), dialog.top());
+    EXPECT_LT(moved.left(), dialog.left());
+    EXPECT_EQ(moved.size(), dialog.size());
+    EXPECT_GT(ClearOf(screen, dialog, {100, 300, 100, 100}).left(), dialog.left());
+    EXPECT_LT(ClearOf(screen, {182, 66, 660, 200}, {400, 250, 160, 180}).top(), 66);
+    EXPECT_GT(ClearOf(screen, {182, 66, 660, 200}, {400, 10, 160, 80}).top(), 66);
+    EXPECT_EQ(ClearOf(screen, dialog, {400, 200, 160, 180}), dialog) << "there is room nowhere";
+}
+
 TEST(Placement, AWindowLargerThanTheScreenBeginsInItsCorner)
 {
     const QRect small(100, 50, 300, 200);
