@@ -82,9 +82,10 @@ ShapedWindow::ShapedWindow(const QString& name)
 
 void ShapedWindow::LiveBeside(QWindow* modal)
 {
-    // Qt lets the transient windows of a modal window live.
+    // Qt lets the transient windows of a modal window live. The window of an icon in the tray it keeps to itself.
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window);
+        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window) ||
+                           window->inherits("QSystemTrayIconSys");
         if (lives && window->windowHandle())
             window->windowHandle()->setTransientParent(modal);
     }

@@ -32,9 +32,9 @@ public:
     /// The window stands elsewhere, for whatever reason; pos() tells where.
     std::function<void()> OnMove;
 
-    /// Lets these windows and announcements take the mouse beside the modal window `modal`: the character is nobody's
-    /// dialog to block, it may be moved aside or silenced while a message stands there. nullptr when the last modal
-    /// window goes.
+    /// Lets these windows, announcements and the tray's icon take the mouse beside the modal window `modal`: the
+    /// character is nobody's dialog to block, it may be moved aside or silenced while a message stands there. nullptr
+    /// when the last modal window goes.
     static void LiveBeside(QWindow* modal);
 
     /// Shows or hides the window without activating it.

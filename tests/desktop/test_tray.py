@@ -102,6 +102,21 @@ class Tray(TrayCase):
         desktop.wait_for(lambda: self.front() == (window, window), 5, what="the window coming to the front")
         self.choose_exit(before)
 
+    def test_the_icon_offers_exit_while_a_box_is_up(self):
+        self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+h")
+        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.key("a")
+        about = desktop.wait_for(lambda: self.desk.windows("^About Voxmate"), 5, what="the about box")[-1]
+        self.desk.run("xdotool", "windowmove", "--sync", about, "10", "10")
+        self.put_in_tray()
+        self.press("System Info...")
+        self.desk.find("System Information Is Unavailable At This Time", timeout=5)
+        before = self.visible()
+        self.click_icon("3")
+        self.choose_exit(before)
+
     def front(self):
         """The active window and the uppermost of the ordinary ones."""
         active = int(self.desk.run("xdotool", "getactivewindow"))
