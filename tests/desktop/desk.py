@@ -95,6 +95,18 @@ def loud_span(samples, threshold=0.01, window=0.005):
     return loud[0] * size, (loud[-1] + 1) * size
 
 
+def best_match(rows, part):
+    """How alike the most similar stretch of rows is to a part of as many columns, from 0 to 1: their correlation, each
+    column without its mean."""
+    part = part - part.mean(axis=0)
+    best = 0.0
+    for at in range(len(rows) - len(part) + 1):
+        there = rows[at:at + len(part)]
+        there = there - there.mean(axis=0)
+        best = max(best, float((there * part).sum() / numpy.sqrt((there ** 2).sum() * (part ** 2).sum() + 1e-9)))
+    return best
+
+
 class Desk:
     def __init__(self, build, compositor=False, screen=SCREEN, home=None):
         self.build = os.path.abspath(build)

@@ -98,6 +98,19 @@ class ProgramCase(unittest.TestCase):
         if self.program:
             self.desk.end(self.program)
 
+    def listen(self):
+        """Records what is heard from now on."""
+        self.recorder = self.desk.recorder()
+        self.addCleanup(self.recorder.stop)
+
+    def now(self):
+        """The number of the sample that was recorded last."""
+        return int(self.recorder.snapshot()[1][-1])
+
+    def sound_since(self, begin):
+        """Seconds of sound from that sample on, silence left out."""
+        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+
     def start(self, **environment):
         self.program = self.desk.start(**environment)
         return self.program

@@ -21,20 +21,13 @@ class Character(ProgramCase):
     def setUp(self):
         super().setUp()
         self.start_and_settle()
-        self.recorder = self.desk.recorder()
-
-    def tearDown(self):
-        self.recorder.stop()
-        super().tearDown()
+        self.listen()
 
     def choose(self, command):
         self.desk.click_at(*self.open_character_menu()[COMMANDS[command]])
 
     def heard_since(self, begin):
         return desktop.loud_span(self.recorder.snapshot()[0][begin:])
-
-    def now(self):
-        return int(self.recorder.snapshot()[1][-1])
 
     def speak(self, text=SENTENCE):
         self.desk.click(self.desk.find("Text to read"))

@@ -45,14 +45,7 @@ def likeness(recording, rendering):
     heard, expected = spectrum(recording), spectrum(rendering)
     least, last = 1.0, max(0, len(expected) - 60)
     for start in [*range(0, last, 60), last]:
-        part = expected[start:start + 60]
-        part = part - part.mean(axis=0)
-        best = 0.0
-        for at in range(len(heard) - len(part) + 1):
-            there = heard[at:at + len(part)]
-            there = there - there.mean(axis=0)
-            best = max(best, float((there * part).sum() / numpy.sqrt((there ** 2).sum() * (part ** 2).sum() + 1e-9)))
-        least = min(least, best)
+        least = min(least, desktop.best_match(heard, expected[start:start + 60]))
     return least
 
 
@@ -65,11 +58,7 @@ class EffectsCase(OptionsCase):
 
     def setUp(self):
         super().setUp()
-        self.recorder = self.desk.recorder()
-
-    def tearDown(self):
-        self.recorder.stop()
-        super().tearDown()
+        self.listen()
 
     def start_here(self):
         super().start_here()
@@ -94,9 +83,6 @@ class EffectsCase(OptionsCase):
         self.press("Stop Everything !!!")
         self.desk.find(IDLE)
 
-    def now(self):
-        return int(self.recorder.snapshot()[1][-1])
-
     def rendered(self, text, seconds):
         """Samples of a text, or of its beginning, at the rate of the recording and without silence at its ends."""
         with wave_file.open(self.render(text)) as file:
@@ -118,12 +104,9 @@ class EffectsCase(OptionsCase):
             self.assertLess(time.monotonic(), end, f"not heard: {text!r} (likeness {like:.2f})")
             time.sleep(0.1)
 
-    def heard(self, begin):
-        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
-
     def quiet(self, begin, seconds=1.0):
         time.sleep(seconds)
-        self.assertLess(self.heard(begin), LOUD)
+        self.assertLess(self.sound_since(begin), LOUD)
 
 
 class AtOnce(EffectsCase, ReminderCase):
@@ -168,7 +151,7 @@ class AtOnce(EffectsCase, ReminderCase):
         """Has the text in the box spoken; returns how many pictures of the balloon were seen."""
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard(begin) > 0.1 and self.balloon(), 5, what="the balloon")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.1 and self.balloon(), 5, what="the balloon")
         pictures = set()
         while IDLE not in self.desk.texts():
             pictures.add(self.picture())
@@ -227,7 +210,7 @@ class AtOnce(EffectsCase, ReminderCase):
     def sound_effects_follow(self):
         begin = self.now()
         self.set("Character", ("check box", "Enable character sound effects", "on"))
-        desktop.wait_for(lambda: self.heard(begin) > 0.2, 3, what="the sound of the gesture that follows")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, 3, what="the sound of the gesture that follows")
         time.sleep(0.3)
         begin = self.now()
         self.set("Character", ("check box", "Enable character sound effects", "off"))
@@ -279,7 +262,7 @@ class AtOnce(EffectsCase, ReminderCase):
             self.hear(begin, text)
         self.settle()
         expected = sum(self.rendered_length(text) for text in texts)
-        self.assertAlmostEqual(self.heard(begin) / expected, 1, delta=0.06, msg="and nothing else")
+        self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.06, msg="and nothing else")
 
     def notice(self):
         """The notice's window, when it has come, and whether it is kept above others."""
@@ -413,7 +396,7 @@ class AtOnce(EffectsCase, ReminderCase):
         # A minute since the start, or now when that is over.
         rest = max(0.0, 60 - (time.monotonic() - started))
         self.quiet(begin, max(0.0, rest - 4))
-        desktop.wait_for(lambda: self.heard(begin) > 0.5, 12, what="the time told by itself")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.5, 12, what="the time told by itself")
         self.hear(begin, self.clock(12), 1.2)
 
 

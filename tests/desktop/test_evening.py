@@ -59,7 +59,7 @@ class FirstEvening(TourCase):
     def test_greeted_read_to_reminded_told_a_tip_put_away_and_gone(self):
         tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "64", "--height", "32")
         self.addCleanup(tray.terminate)
-        self.recorder = self.desk.recorder()
+        self.listen()
         begin = self.now()
         program = self.start_as_new_user()
         self.desk.find("Text to read", timeout=60)
@@ -75,9 +75,9 @@ class FirstEvening(TourCase):
         self.desk.click(self.desk.find("Text to read"))
         self.desk.type(text)
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin) > 0, 5, what="the text")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0, 5, what="the text")
         self.settle()
-        self.assertAlmostEqual(self.heard_since(begin), self.rendered_length(text), delta=0.3)
+        self.assertAlmostEqual(self.sound_since(begin), self.rendered_length(text), delta=0.3)
 
         self.add_reminder("Tea", "Green tea")
         window = desktop.wait_for(self.alerts, 90, what="the alert")[0]
@@ -113,10 +113,10 @@ class FirstEvening(TourCase):
         self.desk.key("t")
         desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 5, what="the tip")
         self.settle()
-        if self.heard_since(begin) < 1:
+        if self.sound_since(begin) < 1:
             self.press("Read Tip")
             self.settle()
-        self.assertGreater(self.heard_since(begin), 1, "the tip")
+        self.assertGreater(self.sound_since(begin), 1, "the tip")
         self.press("OK")
 
         self.desk.click(self.desk.find("Text to read"))
@@ -136,7 +136,7 @@ class FirstEvening(TourCase):
         time.sleep(0.5)
         begin = self.now()
         time.sleep(0.5)
-        self.assertEqual(self.heard_since(begin), 0, "silence at the end")
+        self.assertEqual(self.sound_since(begin), 0, "silence at the end")
         self.keep_recording()
 
 

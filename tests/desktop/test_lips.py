@@ -79,11 +79,7 @@ class Lips(ProgramCase):
             file.write(lips_character())
         self.desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, CharacterPath=folder, LastCharacter="Lips",
                                    ShowBalloon=1, BalloonAutoPace=1, SizeBallonToText=1, BalloonCharactersPerLine=40)
-        self.recorder = self.desk.recorder()
-
-    def tearDown(self):
-        self.recorder.stop()
-        super().tearDown()
+        self.listen()
 
     def speak(self):
         """Has the text spoken; returns the changes of the mouth and of the balloon, and the recording."""

@@ -62,7 +62,6 @@ class Looks(ReminderCase):
 
     def setUp(self):
         super().setUp()
-        shutil.rmtree(os.path.join(BUILD, self.pictures), ignore_errors=True)
         os.makedirs(os.path.join(self.desk.home, "Documents"), exist_ok=True)
         self.panel = self.desk.spawn("trayer", "--edge", "top", "--align", "left", "--widthtype", "percent", "--width", "100",
                                      "--heighttype", "pixel", "--height", str(PANEL), "--SetDockType", "true",
@@ -168,6 +167,7 @@ class Looks(ReminderCase):
         desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), 5, what=f"{title} going away")
 
     def look_at_all(self):
+        shutil.rmtree(os.path.join(BUILD, self.pictures), ignore_errors=True)
         later = datetime.datetime(2099, 3, 7, 9, 5)
         self.write(record("Call the bank", later, "About the card"), record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green", "Y"))
         self.start(**self.environment)

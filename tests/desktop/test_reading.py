@@ -41,20 +41,13 @@ class ReadingCase(ProgramCase):
         self.temporary = os.path.join(self.desk.home, "tmp")
         os.makedirs(self.temporary, exist_ok=True)
         self.start_and_settle(TMPDIR=self.temporary)
-        self.recorder = self.desk.recorder()
-
-    def tearDown(self):
-        self.recorder.stop()
-        super().tearDown()
+        self.listen()
 
     def file(self, name, data):
         path = os.path.join(self.folder, name)
         with open(path, "wb") as out:
             out.write(data)
         return path
-
-    def now(self):
-        return int(self.recorder.snapshot()[1][-1])
 
     def heard_since(self, begin):
         return desktop.loud_span(self.recorder.snapshot()[0][begin:])

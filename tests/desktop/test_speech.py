@@ -24,11 +24,7 @@ class Speech(ProgramCase):
 
     def setUp(self):
         super().setUp()
-        self.recorder = self.desk.recorder()
-
-    def tearDown(self):
-        self.recorder.stop()
-        super().tearDown()
+        self.listen()
 
     def type_sentence(self):
         self.desk.click(self.desk.find("Text to read"))

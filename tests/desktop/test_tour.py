@@ -92,12 +92,14 @@ class Buttons(MainTour):
         self.toggle("Whisper")
         self.setting("Whisper", "dword:00000000")
         for name, key in (("Speed", "Left"), ("Pitch", "Right")):
-            before = int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
+            def in_file(name=name):
+                return int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
+
+            before = in_file()
             self.use(name, "scroll bar")  # to the middle
             self.desk.key(key)
-            desktop.wait_for(lambda: self.desk.read_settings()[name] != f"dword:{before:08x}", 3, what=f"the {name} in the file")
-            now = int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
-            self.desk.find(f"= {now}", role="label", timeout=3)
+            # Either of them may be the one that is in the file just now.
+            desktop.wait_for(lambda: in_file() != before and f"= {in_file()}" in self.desk.texts(), 3, what=f"the {name} shown and in the file")
         entry = self.next_entry("Voice Types")
         self.setting("LastSpeechEngine", f'"{entry}"')
 

@@ -47,17 +47,6 @@ def spectra(samples, rate):
     return 10 * numpy.log10(numpy.maximum(bands, 1e-5)) + 50
 
 
-def likeness(heard, wanted):
-    """How alike the best matching stretch of one sound is to another, from 0 to 1; both as spectra() has them."""
-    best = 0.0
-    wanted = wanted - wanted.mean(axis=0)
-    for at in range(len(heard) - len(wanted) + 1):
-        part = heard[at:at + len(wanted)]
-        part = part - part.mean(axis=0)
-        best = max(best, float((part * wanted).sum() / numpy.sqrt((part ** 2).sum() * (wanted ** 2).sum() + 1e-9)))
-    return best
-
-
 class TourCase(ReminderCase):
     defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0, "AutoReadTip": 0}
 
@@ -65,17 +54,11 @@ class TourCase(ReminderCase):
         super().setUp()
         self.seen = set()
         self.pressed = set()
-        self.recorder = None
         # Programs that stand before the machine's own: each writes down what it was started with.
         self.bin = os.path.join(self.desk.home, "bin")
         os.makedirs(self.bin, exist_ok=True)
         for name in os.listdir(self.bin):
             os.remove(os.path.join(self.bin, name))
-
-    def tearDown(self):
-        if self.recorder:
-            self.recorder.stop()
-        super().tearDown()
 
     def fake(self, program, status=0):
         """Puts a program in place that notes its arguments; returns what it has noted, line by line, as a function."""
@@ -96,7 +79,7 @@ class TourCase(ReminderCase):
         """Starts the program where only the programs of fake() are found."""
         self.start_and_settle(PATH=self.bin, **environment)
         if listen:
-            self.recorder = self.desk.recorder()
+            self.listen()
 
     # Looking.
 
@@ -303,12 +286,6 @@ class TourCase(ReminderCase):
 
     # Listening.
 
-    def now(self):
-        return int(self.recorder.snapshot()[1][-1])
-
-    def heard_since(self, begin):
-        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
-
     def hears(self, texts, begin, seconds=1.2):
         """What is heard since then begins like the engine's own rendering of one of the texts."""
         wanted = []
@@ -322,7 +299,7 @@ class TourCase(ReminderCase):
 
         def alike():
             heard = spectra(self.recorder.snapshot()[0][begin:], desktop.RATE)
-            best[0] = max([best[0]] + [likeness(heard, one) for one in wanted])
+            best[0] = max([best[0]] + [desktop.best_match(heard, one) for one in wanted])
             return best[0] > ALIKE
 
         try:
@@ -344,4 +321,4 @@ class TourCase(ReminderCase):
         time.sleep(0.2)
         begin = self.now()
         time.sleep(0.15)
-        self.assertEqual(self.heard_since(begin), 0, "it goes on talking")
+        self.assertEqual(self.sound_since(begin), 0, "it goes on talking")
