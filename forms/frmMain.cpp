@@ -288,8 +288,8 @@ void frmMain::cmdSpeak_Click()
 {
     std::string text = Trim(txtText.Text.get());
     if (text.empty()) {
+        const BusyScope busy;
         ShowMessage("There is nothing to read from the textbox.", "Confused");
-        IsBusy = False;
         return;
     }
     SpeakText(std::move(text), "");
@@ -401,10 +401,8 @@ void frmMain::mnuAbout_Click()
 
 void frmMain::mnuHelp_Click()
 {
-    MessageText = "Help will be available very soon. Author is preparing the help.";
-    ShowMessage(MessageText, "Suggest");
-    platform_.Windows.MsgBox(MessageText, vbInformation, "Voxmate - Help");
-    IsBusy = False;
+    Announce("Help will be available very soon. Author is preparing the help.", vbInformation, "Voxmate - Help",
+             "Suggest");
 }
 
 void frmMain::cmdCharacter_Click()

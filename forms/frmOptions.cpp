@@ -280,10 +280,7 @@ void frmOptions::SaveCharacterPath()
 
 void frmOptions::Complain(const char* message, int tab, TextBox& box)
 {
-    MessageText = message;
-    ShowMessage(MessageText, "Confused");
-    platform_.Windows.MsgBox(MessageText, vbExclamation, "Voxmate - Options in Error");
-    IsBusy = False;
+    Announce(message, vbExclamation, "Voxmate - Options in Error", "Confused");
     SSTab1.Tab = tab;
     box.SetFocus();
 }

@@ -168,11 +168,8 @@ void LoadCharacter(const std::string& name, bool atStartUp)
     NumberedRoutine(2, [&name, atStartUp] {
         const std::string path = Settings.CharacterPath + name + extension;
         if (!Host().Files.FileExists(path)) {
-            MessageText =
-                std::string("Please make sure following file is available to load this charater:") + CrLf + path;
-            ShowMessage(MessageText, "Decline");
-            Host().Windows.MsgBox(MessageText, vbExclamation, "Voxmate - File Error");
-            IsBusy = False;
+            Announce(std::string("Please make sure following file is available to load this charater:") + CrLf + path,
+                     vbExclamation, "Voxmate - File Error", "Decline");
             return;
         }
         if (!atStartUp) {

@@ -33,14 +33,12 @@ enum class Manner { Declining, Calling };
 // A complaint about a file, by the character and in a box.
 void Complain(const char* sentence, const std::string& file, Manner manner)
 {
-    MessageText = sentence + std::string(CrLf) + file;
+    const std::string text = sentence + std::string(CrLf) + file;
     if (manner == Manner::Declining)
-        ShowMessage(MessageText, "Decline");
+        Announce(text, vbExclamation, "Voxmate - File Error", "Decline");
     else
-        ShowMessage(MessageText, "GetAttention", "GetAttentionContinued", "GetAttentionContinued",
-                    "GetAttentionReturn");
-    Host().Windows.MsgBox(MessageText, vbExclamation, "Voxmate - File Error");
-    IsBusy = False;
+        Announce(text, vbExclamation, "Voxmate - File Error", "GetAttention", "GetAttentionContinued",
+                 "GetAttentionContinued", "GetAttentionReturn");
     Main().SetStatus(StatusIdle);
 }
 

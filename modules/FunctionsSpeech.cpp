@@ -43,9 +43,8 @@ void GiveCharacterEngine(int number)
 
 void AudioProblem(const char* text)
 {
-    IsBusy = True;
+    const BusyScope busy;
     Host().Windows.MsgBox(text, vbCritical, "Voxmate - Audio Output Problem");
-    IsBusy = False;
 }
 
 } // namespace

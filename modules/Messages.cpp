@@ -3,8 +3,28 @@
 #include "base/Text.h"
 #include "modules/Functions.h"
 
+#include <utility>
+
 namespace voxmate
 {
+
+BusyScope::BusyScope() : before_(std::exchange(IsBusy, True)) {}
+
+BusyScope::~BusyScope()
+{
+    IsBusy = before_;
+}
+
+int Announce(const std::string& text, int style, const std::string& title, const std::string& animation1,
+             const std::string& animation2, const std::string& animation3, const std::string& animation4)
+{
+    const BusyScope busy;
+    MessageText = text;
+    ShowMessage(text, animation1, animation2, animation3, animation4);
+    // Speaking lets events run, and with them other messages, which share MessageText.
+    MessageText = text;
+    return Host().Windows.MsgBox(text, style, title);
+}
 
 void ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2,
                  const std::string& animation3, const std::string& animation4)

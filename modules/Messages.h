@@ -1,6 +1,7 @@
 // Telling the user: announcements through the character, and the last report of an unexpected error.
 #pragma once
 
+#include "base/Checked.h"
 #include "base/RuntimeError.h"
 
 #include <cstdint>
@@ -9,8 +10,28 @@
 namespace voxmate
 {
 
+/// Announces a message (ShowMessage), then shows it in a box with this style and title, and gives the box's answer. The box
+/// shows this text whatever other message came while the character spoke; IsBusy is True until it is closed.
+int Announce(const std::string& text, int style, const std::string& title, const std::string& animation1 = {},
+             const std::string& animation2 = {}, const std::string& animation3 = {},
+             const std::string& animation4 = {});
+
+/// Holds IsBusy at True for its own life and then puts back what it was: a box that comes up while another one is up leaves
+/// the program busy when it is closed.
+class BusyScope
+{
+public:
+    BusyScope();
+    ~BusyScope();
+    BusyScope(const BusyScope&) = delete;
+    BusyScope& operator=(const BusyScope&) = delete;
+
+private:
+    Boolean before_;
+};
+
 /// Has the character play the leading non-empty animations and read the message, as the settings say, and leaves IsBusy
-/// True. The caller then shows its own message box with MessageText and puts IsBusy back to False.
+/// True; a BusyScope around the call and whatever box follows it puts that back.
 void ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2 = {},
                  const std::string& animation3 = {}, const std::string& animation4 = {});
 

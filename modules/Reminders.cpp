@@ -365,12 +365,7 @@ void ResetReminders()
 int ReminderMessage(const std::string& text, int style, const std::string& animation1, const std::string& animation2,
                     const std::string& animation3, const std::string& animation4)
 {
-    MessageText = text;
-    ShowMessage(MessageText, animation1, animation2, animation3, animation4);
-    // Not MessageText, which another message may have taken while the character spoke.
-    const int answer = Host().Windows.MsgBox(text, style, "Voxmate - Reminders");
-    IsBusy = False;
-    return answer;
+    return Announce(text, style, "Voxmate - Reminders", animation1, animation2, animation3, animation4);
 }
 
 void LoadReminders(bool fillList, std::int16_t selectIndex)

@@ -156,13 +156,11 @@ void LoadSettings()
 void ReportSettingsInError()
 {
     if (!Settings.SettingsErrorList.empty()) {
-        MessageText = std::string("Following option(s) not found (or inavlid values found) in your system registry:") +
-                      CrLf + CrLf + Settings.SettingsErrorList + CrLf +
-                      "Default value(s) will be used for all these option(s)";
-        // Four animations and no more to follow.
-        ShowMessage(MessageText, "GetAttention", "GetAttentionContinued", "GetAttentionReturn", "Suggest");
-        Host().Windows.MsgBox(MessageText, vbExclamation, "Voxmate - Options in Error");
-        IsBusy = False;
+        const std::string text =
+            std::string("Following option(s) not found (or inavlid values found) in your system registry:") + CrLf +
+            CrLf + Settings.SettingsErrorList + CrLf + "Default value(s) will be used for all these option(s)";
+        Announce(text, vbExclamation, "Voxmate - Options in Error", "GetAttention", "GetAttentionContinued",
+                 "GetAttentionReturn", "Suggest");
     }
     Settings.SettingsErrorList.clear();
 }

@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "modules/Declarations.h"
+#include "modules/Functions.h"
 #include "platform/Platform.h"
 #include "tests/fakes/FakeFiles.h"
 #include "tests/fakes/FakeLog.h"
@@ -369,6 +370,14 @@ struct FakePlatform {
         store.SetText("CharacterPath", "C:\\Chars\\");
         store.SetText("LastCharacter", "Alfa");
         store.SetText("LastSpeechEngine", "First Voice");
+    }
+    /// While the next message is spoken another one comes, with a box of its own.
+    void LetAnotherMessageCome()
+    {
+        windows.whilePending = [this] {
+            windows.whilePending = nullptr;
+            LoadCharacter("Nobody", false);
+        };
     }
     /// Runs something that ends the program; true when it did.
     template <class Body>

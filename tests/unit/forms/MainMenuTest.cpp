@@ -148,6 +148,15 @@ TEST_F(MainMenuTest, HelpIsAnnouncedAndShown)
     EXPECT_EQ(form.stsBar.Panels()[0].text, "Busy...");
 }
 
+TEST_F(MainMenuTest, HelpShowsItsOwnTextWhenAnotherMessageComesMeanwhile)
+{
+    Start();
+    fake.LetAnotherMessageCome();
+    form.mnuHelp.UserClick();
+    ASSERT_EQ(fake.windows.boxes.size(), 2U);
+    EXPECT_EQ(fake.windows.boxes[1].text, "Help will be available very soon. Author is preparing the help.");
+}
+
 TEST_F(MainMenuTest, EachDownloadItemOpensItsPageMaximised)
 {
     Start();

@@ -278,6 +278,16 @@ TEST_F(OptionsRules, AutoCloseTimeMustBeBetween4And20EvenWhenItIsOff)
     }
 }
 
+TEST_F(OptionsRules, AComplaintShowsItsOwnTextWhenAnotherMessageComesMeanwhile)
+{
+    Open();
+    form.txtAutoClose.UserEdit("3");
+    fake.LetAnotherMessageCome();
+    form.cmdApply.UserClick();
+    ASSERT_EQ(fake.windows.boxes.size(), 2U);
+    EXPECT_EQ(fake.windows.boxes[1].text, "Auto close time should be between 4 and 20.");
+}
+
 TEST_F(OptionsRules, TheFirstFailureStopsTheChecksAndNothingIsSaved)
 {
     const auto before = fake.store.keys;
