@@ -38,7 +38,8 @@ void ShowMessage(const std::string& message, const std::string& animation1, cons
 /// Shows the report of an unexpected error and ends the program.
 [[noreturn]] void ReportError(std::int32_t errorNumber, const std::string& errorDescription, std::int16_t routineId);
 
-/// Runs a numbered routine: sets CurrentRoutineId and hands a run-time error that it lets through to ReportError.
+/// Runs a numbered routine: sets CurrentRoutineId and hands an error that it lets through, memory that ran out included, to
+/// ReportError.
 template <class Body>
 void NumberedRoutine(std::int16_t routineId, Body body);
 
@@ -52,7 +53,8 @@ void voxmate::NumberedRoutine(std::int16_t routineId, Body body)
     CurrentRoutineId = routineId;
     try {
         body();
-    } catch (const RuntimeError& error) {
+    } catch (const std::exception& thrown) {
+        const RuntimeError error = AsRuntimeError(thrown);
         ReportError(error.Number, error.Description, CurrentRoutineId);
     }
 }

@@ -197,8 +197,14 @@ void FileSettingsStore::RunSaver()
         toSave_.reset();
         saving_ = true;
         lock.unlock();
-        const bool good = Save(userFile_, text);
-        const Stamp stamp = StampOf(userFile_);
+        bool good = false;
+        Stamp stamp{};
+        try {
+            stamp = (good = Save(userFile_, text)) ? StampOf(userFile_) : Stamp{};
+        } catch (const std::exception&) {
+            // Memory that ran out counts as a disk that failed: the caller that sets the next value is told.
+            good = false;
+        }
         lock.lock();
         saving_ = false;
         saveFailed_ = !good;

@@ -4,8 +4,9 @@
 #include "platform/qt/MessageBox.h"
 #include "platform/qt/ReadableStyle.h"
 
+#include <QThread>
+
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace voxmate::qt
@@ -43,23 +44,20 @@ QtApplication::QtApplication(int& argc, char** argv)
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)
 {
-    // The classic Basic run-time's numbers for what is not an error of the program's own making.
-    constexpr std::int32_t OutOfMemory = 7;
-    constexpr std::int32_t InternalError = 51;
     try {
         return QApplication::notify(receiver, event);
-    } catch (const RuntimeError& error) {
-        Report(error);
-    } catch (const std::bad_alloc&) {
-        Report({OutOfMemory, "Out of memory"});
     } catch (const std::exception& error) {
-        Report({InternalError, error.what()});
+        Report(AsRuntimeError(error));
     }
     return true;
 }
 
 void QtApplication::Report(const RuntimeError& error)
 {
+    if (QThread::currentThread() != thread()) {
+        QMetaObject::invokeMethod(this, [this, error] { Report(error); }, Qt::QueuedConnection);
+        return;
+    }
     // While the box is up timers go on and may fail, too: the first error is the one to tell.
     if (std::exchange(reporting_, true))
         return;

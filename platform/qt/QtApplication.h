@@ -27,7 +27,8 @@ public:
     /// Catches what an event handler throws and reports it.
     bool notify(QObject* receiver, QEvent* event) override;
 
-    /// Shows "Run-time error 'N':", an empty line and the description, then ends the program.
+    /// Shows "Run-time error 'N':", an empty line and the description, then ends the program. From another thread the box
+    /// comes up in the user interface's, soon after.
     void Report(const RuntimeError& error);
 
 private:

@@ -19,16 +19,20 @@
 
 #include <QLocale>
 
+#include <cstdlib>
+#include <exception>
 #include <memory>
 #include <utility>
 #include <vector>
 
 using namespace voxmate;
 
-int main(int argc, char** argv)
+namespace
 {
-    qt::QtApplication application(argc, argv);
 
+// Makes the parts of the program, and runs it until it ends.
+int Run(qt::QtApplication& application)
+{
     const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
     linux_platform::LinuxFileSystem files;
     linux_platform::LinuxProcess process;
@@ -58,4 +62,20 @@ int main(int argc, char** argv)
     BeginProgram(platform, mainForm);
     splash.Show();
     return application.exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qt::QtApplication application(argc, argv);
+    try {
+        return Run(application);
+    } catch (const std::exception& error) {
+        // The parts are gone again: the report is all that is left to do.
+        application.Icons = nullptr;
+        application.EndProgram = [] { std::_Exit(EXIT_FAILURE); };
+        application.Report(AsRuntimeError(error));
+    }
+    return EXIT_FAILURE;
 }

@@ -3,6 +3,7 @@
 #include "platform/speech/WaveSpeech.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <utility>
 
@@ -132,6 +133,17 @@ void VoicePlayer::Enqueue(const std::shared_ptr<SpeechJob>& job, Work work)
     wake_.notify_one();
 }
 
+bool VoicePlayer::Run(const Work& work, SpeechJob& job)
+{
+    try {
+        return work(job);
+    } catch (...) {
+        // Only the event loop can tell the user.
+        PostToSelf([error = std::current_exception()] { std::rethrow_exception(error); });
+        return false;
+    }
+}
+
 void VoicePlayer::RunWorker()
 {
     while (true) {
@@ -143,7 +155,7 @@ void VoicePlayer::RunWorker()
         const Work work = std::exchange(nextWork_, nullptr);
         lock.unlock();
         if (!job->Cancelled())
-            job->Finish(work(*job));
+            job->Finish(Run(work, *job));
     }
 }
 

@@ -43,6 +43,8 @@ private:
 
     void Enqueue(const std::shared_ptr<SpeechJob>& job, Work work);
     void RunWorker();
+    /// Does an utterance's work; what it throws is thrown again in the event loop, and the utterance ends badly.
+    bool Run(const Work& work, SpeechJob& job);
     void OpenStream(const SpeakingPtr& speaking, int samplesPerSecond);
     void Poll(const SpeakingPtr& speaking);
     /// Reports what lies before sample `heard`; false when a callback has put an end to this utterance.

@@ -1,5 +1,8 @@
 #include "ModuleTest.h"
 
+#include <new>
+#include <stdexcept>
+
 namespace voxmate
 {
 
@@ -106,6 +109,22 @@ TEST_F(MessagesTest, TheErrorReportIsShownAndEndsTheProgram)
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Unhandled Error");
     EXPECT_EQ(fake.log, (Lines{"MsgBox Voxmate - Unhandled Error", "EndProgram"}));
     EXPECT_EQ(busyMeanwhile, True);
+}
+
+TEST_F(MessagesTest, WhatIsNoRunTimeErrorEndsANumberedRoutineInTheSameReport)
+{
+    WithCharacter();
+    const auto reported = [this](const auto& error) {
+        fake.windows.boxes.clear();
+        EXPECT_TRUE(fake.Ends([&] { NumberedRoutine(4, [&] { throw error; }); }));
+        return fake.windows.boxes.size() == 1 ? fake.windows.boxes[0].text.substr(0, 110) : "no box";
+    };
+    const std::string outOfMemory = "Following error has occurred:\r\nError No. - 7\r\nError Description - Out of memory\r\n"
+                                    "Function/Module ID - 4\r\n";
+    EXPECT_EQ(reported(std::bad_alloc()).substr(0, outOfMemory.size()), outOfMemory);
+    EXPECT_EQ(reported(std::length_error("basic_string::append")).substr(0, outOfMemory.size()), outOfMemory);
+    const std::string other = "Following error has occurred:\r\nError No. - 51\r\nError Description - not there\r\n";
+    EXPECT_EQ(reported(std::out_of_range("not there")).substr(0, other.size()), other);
 }
 
 TEST_F(MessagesTest, AnErrorInTheVoicesAndOneInTheCharacterSearchBothReportRoutineOne)

@@ -13,8 +13,11 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
+
+#include <new>
 
 namespace voxmate::qt
 {
@@ -44,6 +47,22 @@ void LookAtBox(const std::function<void(QMessageBox&)>& look)
         look(*box);
         QTest::keyClick(box, Qt::Key_Escape);
     });
+}
+
+/// Runs `look` on the message box that comes up next, whenever that is, then ends it with Escape.
+void LookAtNextBox(const std::function<void(QMessageBox&)>& look)
+{
+    auto* timer = new QTimer(&App());
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, look] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        look(*box);
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+    timer->start(5);
 }
 
 std::string Numbered(int lines)
@@ -249,6 +268,28 @@ TEST_F(QtTest, AnErrorThatNobodyCaughtIsShownAndEndsTheProgram)
     QTest::mouseClick(Find("cmdOk"), Qt::LeftButton);
     EXPECT_EQ(text, "Run-time error '6':\n\nOverflow");
     EXPECT_EQ(ended, 1);
+}
+
+TEST_F(QtTest, AnErrorInAnotherThreadIsShownInTheUserInterfacesThread)
+{
+    QThread* endedIn = nullptr;
+    app.EndProgram = [&endedIn] { endedIn = QThread::currentThread(); };
+    QThread thread;
+    thread.start();
+    auto* worker = new QObject;
+    worker->moveToThread(&thread);
+    QMetaObject::invokeMethod(worker, [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
+    QThread* boxIn = nullptr;
+    LookAtNextBox([&](QMessageBox& box) {
+        boxIn = box.thread();
+        EXPECT_EQ(box.text().toStdString(), "Run-time error '7':\n\nOut of memory");
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return endedIn != nullptr; }));
+    EXPECT_EQ(boxIn, app.thread());
+    EXPECT_EQ(endedIn, app.thread());
+    QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
+    thread.quit();
+    thread.wait();
 }
 
 TEST_F(StageTest, AFontTheSystemLacksFallsBackToItsOwnSansSerif)

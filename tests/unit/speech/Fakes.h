@@ -115,7 +115,7 @@ public:
         return got;
     }
 
-    /// Runs what has been posted so far, and what was to come after a while.
+    /// Runs what has been posted so far, and what was to come after a while. An action may throw; the others stay.
     void RunEvents()
     {
         std::deque<std::function<void()>> actions;
@@ -125,8 +125,17 @@ public:
         }
         actions.insert(actions.end(), later_.begin(), later_.end());
         later_.clear();
-        for (const auto& action : actions)
-            action();
+        while (!actions.empty()) {
+            const std::function<void()> action = std::move(actions.front());
+            actions.pop_front();
+            try {
+                action();
+            } catch (...) {
+                const std::lock_guard lock(mutex_);
+                posted_.insert(posted_.begin(), actions.begin(), actions.end());
+                throw;
+            }
+        }
     }
 
     /// Plays until nothing is left to be heard or to be reported.

@@ -468,6 +468,23 @@ TEST_F(WavePlayerTest, NeitherWidthNorChannelsNorRateChangeLengthAndLevel)
             }
 }
 
+TEST_F(VoicePlayerTest, WhatAnEngineThrowsIsThrownInTheEventLoopAndEndsTheUtterance)
+{
+    engine->synthesize = [](SampleSink&) -> bool { throw std::bad_alloc(); };
+    player->Start(Say("hello"), Log());
+    int thrown = 0;
+    EXPECT_TRUE(Eventually([&] {
+        try {
+            output.Play(10);
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+        return thrown > 0 && !log.empty();
+    }));
+    EXPECT_EQ(thrown, 1);
+    EXPECT_EQ(log, Lines{"ended badly"});
+}
+
 TEST_F(WavePlayerTest, APipeIsNoWaveFileAndHoldsNobodyUp)
 {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
