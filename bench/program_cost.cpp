@@ -17,8 +17,6 @@
 #include "platform/qt/QtAudioOutput.h"
 #include "platform/qt/QtStage.h"
 #include "platform/qt/QtWindowSystem.h"
-#include "platform/speech/FallbackOutput.h"
-#include "platform/speech/PulseDevice.h"
 #include "platform/speech/VoiceCatalog.h"
 #include "platform/speech/VoicePlayer.h"
 
@@ -88,9 +86,7 @@ struct Program {
     linux_platform::LinuxClock clock;
     speech::VoiceCatalog voices{Engines(), "en"};
     qt::QtWindowSystem windows{linux_platform::SharedDataFolder()};
-    qt::QtAudioOutput qtSound;
-    speech::PulseOutput serverSound{qtSound};
-    speech::FallbackOutput sound{qtSound, serverSound};
+    qt::QtAudioOutput sound;
     Watched watched{sound};
     speech::VoicePlayer voice{voices, watched};
     qt::QtStage stage{watched};

@@ -1,48 +1,32 @@
-// The sound output of the Qt front end: Qt Multimedia's sink, with Qt's event loop as the way back.
-//
-// Qt's sound code waits for the sound server in places; it is therefore used in a thread of its own only, which nobody
-// ever waits for without a limit.
+// The sound output of the Qt front end: the sound server's device, with Qt's event loop as the way back.
 #pragma once
 
-#include "platform/speech/AudioOutput.h"
+#include "platform/speech/PulseDevice.h"
 
 #include <QObject>
-
-class QThread;
 
 namespace voxmate::qt
 {
 
-/// Made and used on the user-interface thread. Costs nothing until the first Check or Open.
+/// Made and used on the user-interface thread. Costs nothing until it looks for the server.
 class QtAudioOutput final : public speech::AudioOutput
 {
 public:
     QtAudioOutput();
-    ~QtAudioOutput() override;
 
-    /// As AudioOutput says. The first call waits up to 300 ms for the devices' list; Other when it does not come in
-    /// that time. Later calls answer at once from what the sound thread found last.
-    State Check() override;
+    /// Begins to look for the sound server and returns at once, so that a server which is slow to answer is known by
+    /// the time somebody wants to speak.
+    void Look() { device_.Look(); }
+
+    State Check() override { return device_.Check(); }
     std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> source,
                                               std::function<void()> drained, std::function<void()> failed) override;
     void Post(std::function<void()> action) override;
     void PostAfter(int milliseconds, std::function<void()> action) override;
 
 private:
-    struct Known;
-    class Samples;
-    struct Playing;
-    class Worker;
-    class Stream;
-
-    void Begin();
-    void Watch(const std::shared_ptr<Playing>& playing);
-
-    QObject context_; // actions are posted to it and go with it
-    std::shared_ptr<Known> known_;
-    QThread* thread_ = nullptr; // left to itself when it does not end in time
-    Worker* worker_ = nullptr;
-    bool asked_ = false;
+    QObject context_; // actions that are still to run go with it; it outlives the device, which posts them
+    speech::PulseDevice device_;
 };
 
 } // namespace voxmate::qt

@@ -12,8 +12,6 @@
 #include "platform/qt/QtAudioOutput.h"
 #include "platform/qt/QtStage.h"
 #include "platform/qt/QtWindowSystem.h"
-#include "platform/speech/FallbackOutput.h"
-#include "platform/speech/PulseDevice.h"
 #include "platform/speech/VoiceCatalog.h"
 #include "platform/speech/VoicePlayer.h"
 
@@ -48,9 +46,7 @@ int Run(qt::QtApplication& application)
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();
     process.WhileWaiting = [&windows] { windows.DoEvents(); };
-    qt::QtAudioOutput qtSound;
-    speech::PulseOutput serverSound(qtSound);
-    speech::FallbackOutput sound(qtSound, serverSound);
+    qt::QtAudioOutput sound;
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
     agent::Server server(stage, voice);
@@ -60,6 +56,7 @@ int Run(qt::QtApplication& application)
     frmMain mainForm(platform);
     frmSplash splash(platform);
     BeginProgram(platform, mainForm);
+    sound.Look();
     splash.Show();
     return application.exec();
 }

@@ -1,5 +1,7 @@
 #include "platform/speech/PulseDevice.h"
 
+#include "platform/speech/HeardClock.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -21,11 +23,38 @@ constexpr int BufferMilliseconds = 80;
 // The server starts to play, and goes on after it ran dry, with this much.
 constexpr int FirstMilliseconds = 20;
 constexpr std::int64_t FeedMicroseconds = 10'000;
+constexpr std::chrono::milliseconds ClockInterval{20};
 // A server that neither opens a stream nor tells the time for so long has given out.
 constexpr std::chrono::seconds Patience{3};
 constexpr std::chrono::milliseconds ConnectPatience{300};
-// The clock between two looks at the server's is our own, no further than this.
-constexpr std::chrono::milliseconds LongestGuess{40};
+// When a desktop has just been logged in to, its sound server may still be starting: so long after the first look a
+// server that is there may answer for the first time, or one that is not may come.
+constexpr std::chrono::seconds FirstAnswer{10};
+constexpr std::chrono::seconds FirstArrival{5};
+constexpr std::chrono::milliseconds LookInterval{100};
+
+using Properties = std::unique_ptr<pa_proplist, decltype(&pa_proplist_free)>;
+
+/// What mixers show of the program, and which rules of theirs it falls under.
+Properties ProgramProperties()
+{
+    Properties properties(pa_proplist_new(), &pa_proplist_free);
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Voxmate");
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, "voxmate");
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "voxmate");
+    return properties;
+}
+
+Properties StreamProperties()
+{
+    Properties properties = ProgramProperties();
+    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_NAME, "Voice");
+    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ICON_NAME, "voxmate");
+    // The role of what reads aloud. That of an event would put the voice under the desktop's "System Sounds", which
+    // many people silence.
+    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "a11y");
+    return properties;
+}
 
 } // namespace
 
@@ -53,18 +82,18 @@ struct PulseDevice::Playing {
     // Guarded by the library's lock.
     pa_stream* stream = nullptr;
     pa_time_event* timer = nullptr;
+    pa_operation* question = nullptr; // how far the server is, while it has not answered
+    Clock::time_point asked;
     bool ready = false;
     bool over = false;
     std::int64_t end = -1; // samples in all, once known
     Clock::time_point lastNews = Clock::now();
-    timeval lastTiming{};
 
     std::atomic<bool> abandoned = false; // the stream object is gone: nobody is to be called
     std::atomic<std::int64_t> written = 0;
 
     std::mutex clockMutex;
-    std::int64_t heardMicroseconds = 0;
-    Clock::time_point heardAt;
+    HeardClock clock;
 };
 
 class PulseDevice::Stream final : public AudioStream
@@ -81,17 +110,9 @@ public:
 
     std::int64_t SamplesHeard() override
     {
-        std::int64_t microseconds = 0;
-        {
-            const std::lock_guard lock(playing_->clockMutex);
-            if (playing_->heardMicroseconds > 0)
-                microseconds = playing_->heardMicroseconds +
-                               std::chrono::duration_cast<std::chrono::microseconds>(
-                                   std::clamp<Clock::duration>(Clock::now() - playing_->heardAt, {}, LongestGuess))
-                                   .count();
-        }
-        const std::int64_t heard = std::min(microseconds * playing_->rate / 1'000'000, playing_->written.load());
-        heard_ = std::max(heard_, heard);
+        const std::lock_guard lock(playing_->clockMutex);
+        const std::int64_t samples = playing_->clock.At(Clock::now()) * playing_->rate / 1'000'000;
+        heard_ = std::max(heard_, std::min(samples, playing_->written.load()));
         return heard_;
     }
 
@@ -123,6 +144,13 @@ void PulseDevice::SetServer(Server server)
     known_.notify_all();
 }
 
+void PulseDevice::Look()
+{
+    if (!firstLook_)
+        firstLook_ = Clock::now();
+    Connect();
+}
+
 void PulseDevice::Connect()
 {
     if (!loop_) {
@@ -140,7 +168,7 @@ void PulseDevice::Connect()
         return;
     Disconnect();
     SetServer(Server::Unknown);
-    context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "Voxmate");
+    context_ = pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop_), nullptr, ProgramProperties().get());
     pa_context_set_state_callback(
         context_, [](pa_context*, void* self) { static_cast<PulseDevice*>(self)->ContextChanged(); }, this);
     // The desktop's session runs the server; starting one from here could keep this thread waiting.
@@ -215,11 +243,28 @@ void PulseDevice::SinkKnown(const pa_sink_info* sink, int end)
     known_.notify_all();
 }
 
-AudioOutput::State PulseDevice::Check()
+void PulseDevice::AwaitServer()
 {
-    Connect();
     std::unique_lock lock(mutex_);
     known_.wait_for(lock, ConnectPatience, [this] { return server_ != Server::Unknown; });
+    const auto patience = [this]() -> Clock::duration {
+        return server_ == Server::Unknown ? FirstAnswer : FirstArrival;
+    };
+    while (server_ != Server::Ready && Clock::now() < *firstLook_ + patience()) {
+        known_.wait_for(lock, LookInterval, [this] { return server_ == Server::Ready; });
+        if (server_ == Server::Absent) {
+            lock.unlock();
+            Connect();
+            lock.lock();
+        }
+    }
+}
+
+AudioOutput::State PulseDevice::Check()
+{
+    Look();
+    AwaitServer();
+    const std::lock_guard lock(mutex_);
     switch (server_) {
     case Server::Ready:
         return openFailed_ ? AudioOutput::State::CannotOpen : AudioOutput::State::Available;
@@ -265,7 +310,9 @@ void PulseDevice::Begin(const PlayingPtr& playing)
     format.format = PA_SAMPLE_S16NE;
     format.rate = static_cast<std::uint32_t>(playing->rate);
     format.channels = 1;
-    playing->stream = pa_sample_spec_valid(&format) ? pa_stream_new(context_, "Speech", &format, nullptr) : nullptr;
+    playing->stream = pa_sample_spec_valid(&format) ? pa_stream_new_with_proplist(context_, nullptr, &format, nullptr,
+                                                                          StreamProperties().get())
+                                            : nullptr;
     if (!playing->stream) {
         Fail(playing);
         return;
@@ -293,9 +340,7 @@ void PulseDevice::Begin(const PlayingPtr& playing)
     buffer.prebuf = bytes(FirstMilliseconds);
     buffer.minreq = static_cast<std::uint32_t>(-1);
     buffer.fragsize = static_cast<std::uint32_t>(-1);
-    constexpr auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE |
-                                                          PA_STREAM_ADJUST_LATENCY);
-    if (pa_stream_connect_playback(playing->stream, nullptr, &buffer, flags, nullptr, nullptr) < 0)
+    if (pa_stream_connect_playback(playing->stream, nullptr, &buffer, PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0)
         Fail(playing);
 }
 
@@ -363,29 +408,52 @@ void PulseDevice::Watch(const PlayingPtr& playing)
     Feed(playing);
     if (playing->over)
         return;
-    if (playing->ready) {
-        if (const pa_timing_info* timing = pa_stream_get_timing_info(playing->stream);
-            timing && (timing->timestamp.tv_sec != playing->lastTiming.tv_sec ||
-                       timing->timestamp.tv_usec != playing->lastTiming.tv_usec)) {
-            playing->lastTiming = timing->timestamp;
-            playing->lastNews = now;
-        }
-        pa_usec_t heard = 0;
-        if (pa_stream_get_time(playing->stream, &heard) == 0) {
-            const std::lock_guard lock(playing->clockMutex);
-            playing->heardMicroseconds = static_cast<std::int64_t>(heard);
-            playing->heardAt = now;
-        }
-        if (playing->end >= 0 && static_cast<std::int64_t>(heard) * playing->rate >= playing->end * 1'000'000) {
-            Drained(playing);
-            return;
-        }
-    }
+    if (playing->ready && !playing->question && now - playing->asked >= ClockInterval)
+        AskForClock(playing);
     if (now - playing->lastNews > Patience) {
         Fail(playing);
         return;
     }
     pa_context_rttime_restart(context_, playing->timer, pa_rtclock_now() + static_cast<pa_usec_t>(FeedMicroseconds));
+}
+
+void PulseDevice::AskForClock(const PlayingPtr& playing)
+{
+    playing->asked = Clock::now();
+    playing->question = pa_stream_update_timing_info(
+        playing->stream,
+        [](pa_stream*, int success, void* data) {
+            if (const PlayingPtr known = static_cast<Playing*>(data)->self.lock())
+                known->device->ClockTold(known, success != 0);
+        },
+        playing.get());
+}
+
+/// The server tells how much it has taken of the stream and how long its sink takes for what it was given before. The
+/// library's own interpolation of the two is not asked: it smooths over seconds, and so is far off while a sink with a
+/// long queue plays its first sound.
+void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
+{
+    if (playing->question)
+        pa_operation_unref(std::exchange(playing->question, nullptr));
+    const pa_timing_info* const timing = success ? pa_stream_get_timing_info(playing->stream) : nullptr;
+    if (!timing)
+        return;
+    const Clock::time_point now = Clock::now();
+    playing->lastNews = now;
+    const auto taken = static_cast<std::uint64_t>(std::max<std::int64_t>(timing->read_index, 0));
+    const std::int64_t heard =
+        static_cast<std::int64_t>(pa_bytes_to_usec(taken, pa_stream_get_sample_spec(playing->stream))) -
+        static_cast<std::int64_t>(timing->sink_usec);
+    // By the wall clock, which may have been set meanwhile; the answer is no older than the question.
+    const Clock::duration age = std::clamp<Clock::duration>(
+        std::chrono::microseconds(pa_timeval_age(&timing->timestamp)), {}, now - playing->asked);
+    {
+        const std::lock_guard lock(playing->clockMutex);
+        playing->clock.Set(heard, now - age, timing->playing != 0);
+    }
+    if (playing->end >= 0 && heard * playing->rate >= playing->end * 1'000'000)
+        Drained(playing);
 }
 
 void PulseDevice::Drained(const PlayingPtr& playing)
@@ -419,6 +487,10 @@ void PulseDevice::Close(const PlayingPtr& playing)
     playing->over = true;
     if (playing->timer)
         pa_threaded_mainloop_get_api(loop_)->time_free(std::exchange(playing->timer, nullptr));
+    if (playing->question) {
+        pa_operation_cancel(playing->question);
+        pa_operation_unref(std::exchange(playing->question, nullptr));
+    }
     if (playing->stream) {
         pa_stream_set_state_callback(playing->stream, nullptr, nullptr);
         pa_stream_set_write_callback(playing->stream, nullptr, nullptr);

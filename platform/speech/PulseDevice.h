@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -31,8 +32,11 @@ public:
     PulseDevice(const PulseDevice&) = delete;
     PulseDevice& operator=(const PulseDevice&) = delete;
 
-    /// As AudioOutput says. The first call connects to the server and waits up to 300 ms for it; Other when it does not
-    /// answer in that time. Later calls answer at once from what the server reports.
+    /// Begins to connect to the server, if it is not connected; returns at once.
+    void Look();
+    /// As AudioOutput says, from what the server reports; connects when need be and waits up to 300 ms for an answer,
+    /// Other when none comes. In the first seconds after the first look it waits longer: up to ten after it for a
+    /// server that has not answered yet, up to five for one that is not there or has no sink yet.
     AudioOutput::State Check();
     std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                       std::function<void()> drained, std::function<void()> failed);
@@ -46,6 +50,7 @@ private:
     enum class Server { Unknown, Absent, WithoutSink, Ready };
 
     void Connect();
+    void AwaitServer();
     void Disconnect();
     void SetServer(Server server);
     void AskForSink();
@@ -55,11 +60,14 @@ private:
     void StreamChanged(const PlayingPtr& playing);
     void Feed(const PlayingPtr& playing);
     void Watch(const PlayingPtr& playing);
+    void AskForClock(const PlayingPtr& playing);
+    void ClockTold(const PlayingPtr& playing, bool success);
     void Drained(const PlayingPtr& playing);
     void Fail(const PlayingPtr& playing);
     void Close(const PlayingPtr& playing);
 
     const std::function<void(std::function<void()>)> post_;
+    std::optional<std::chrono::steady_clock::time_point> firstLook_; // the user-interface thread's alone
 
     // Guarded by the library's own lock.
     pa_threaded_mainloop* loop_ = nullptr;
@@ -71,31 +79,6 @@ private:
     std::condition_variable known_;
     Server server_ = Server::Unknown;
     bool openFailed_ = false;
-};
-
-/// The device as an AudioOutput; actions are posted through another one's event loop, which must outlive it.
-class PulseOutput final : public AudioOutput
-{
-public:
-    explicit PulseOutput(AudioOutput& loop)
-        : loop_(loop), device_([&loop](std::function<void()> action) { loop.Post(std::move(action)); })
-    {
-    }
-    State Check() override { return device_.Check(); }
-    std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
-                                      std::function<void()> drained, std::function<void()> failed) override
-    {
-        return device_.Open(samplesPerSecond, std::move(source), std::move(drained), std::move(failed));
-    }
-    void Post(std::function<void()> action) override { loop_.Post(std::move(action)); }
-    void PostAfter(int milliseconds, std::function<void()> action) override
-    {
-        loop_.PostAfter(milliseconds, std::move(action));
-    }
-
-private:
-    AudioOutput& loop_;
-    PulseDevice device_;
 };
 
 } // namespace voxmate::speech

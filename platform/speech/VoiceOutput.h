@@ -47,7 +47,7 @@ struct Utterance {
 
 /// Callbacks on the user-interface thread, each when its moment is heard. After Stop none comes but Ended.
 struct VoiceEvents {
-    std::function<void()> Started;        ///< the first sample has been handed to the device
+    std::function<void()> Started;        ///< the first sample is heard
     std::function<void(int word)> Word;   ///< index of the shown word that begins now
     std::function<void(int mouth)> Mouth; ///< 0 closed, 1 to 4 wide in four shapes, 5 medium, 6 narrow
     std::function<void(int number)> Bookmark;

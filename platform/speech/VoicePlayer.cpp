@@ -209,7 +209,7 @@ bool VoicePlayer::Report(const SpeakingPtr& speaking, std::int64_t heard)
     // A callback may destroy the player together with its owner's other parts.
     const std::weak_ptr<int> alive = alive_;
     const auto goesOn = [&] { return !alive.expired() && speaking == current_; };
-    if (!speaking->started && speaking->job->Pulled()) {
+    if (!speaking->started && heard > 0 && speaking->job->Pulled()) {
         speaking->started = true;
         if (speaking->events.Started)
             speaking->events.Started();

@@ -1,10 +1,9 @@
 """The main job for real: a sentence is typed, read aloud by the character, and stopped."""
 
+import os
+import signal
 import time
 import unittest
-import wave
-
-import numpy
 
 import desk as desktop
 from program import IDLE, ProgramCase, StatusWatch, Watch
@@ -13,130 +12,102 @@ SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mi
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 
 
-def read_wave(path):
-    with wave.open(path) as file:
-        samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        return samples, file.getframerate()
-
-
-class Speech(ProgramCase):
+class SpeechCase(ProgramCase):
     defaults = QUIET
 
+    def type_text(self, text):
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type(text)
+
+    def streams(self):
+        """What the sound server says of those who play, a text each."""
+        listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
+        return ["Sink Input" + part for part in listed.split("Sink Input")[1:]]
+
+
+class Speech(SpeechCase):
     def setUp(self):
         super().setUp()
         self.listen()
 
-    def type_sentence(self):
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(SENTENCE)
-        # The pointer rests on the button, so that what is measured from the press on is the program alone.
-        x, y, width, height = self.desk.rect(self.desk.find("Speak the textbox text"))
-        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
-        time.sleep(0.2)
+    def hear(self, begin):
+        """Waits until something is heard that came after a sample."""
+        desktop.wait_for(lambda: self.sound_since(begin), 10, what="sound")
 
-    def press_pointer(self):
-        pressed = time.monotonic()
-        self.desk.run("xdotool", "click", "1")
-        return pressed
-
-    def sound_since(self, start):
-        """The samples recorded since a sample number, and what tells their times."""
-        samples, ends, times = self.recorder.snapshot()
-        return samples[start:], lambda sample: self.recorder.time_of(start + sample, ends, times)
-
-    def samples_now(self):
-        return int(self.recorder.snapshot()[1][-1])
-
-    def test_a_typed_sentence_is_heard_at_once_and_as_long_as_the_engine_makes_it(self):
+    def test_a_typed_sentence_is_heard_and_as_much_of_it_as_the_engine_makes(self):
         self.start_and_settle()
-        self.type_sentence()
+        self.type_text(SENTENCE)
         _, (x, y, width, height) = self.character_window()
-        begin = self.samples_now()
+        begin = self.now()
         status = StatusWatch(self.status_panel())
         # The mouth of the character that ships, where it stands at rest.
         mouth_x, mouth_y = x + width // 2, y + height * 5 // 9
         frames = Watch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
-        pressed = self.press_pointer()
-        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
-        self.settle(quiet=0.8)
+        self.press("Speak the textbox text")
+        self.hear(begin)
+        self.settle()
         frames.stop()
         status.stop()
-
-        samples, time_of = self.sound_since(begin)
-        first, last = desktop.loud_span(samples)
-        delay = time_of(first) - pressed
-        heard = (last - first) / desktop.RATE
-        rendered, rate = read_wave(self.render(SENTENCE))
-        size = int(rate * 0.005)
-        blocks = numpy.abs(rendered[:len(rendered) // size * size]).reshape(-1, size).max(axis=1)
-        loud = numpy.flatnonzero(blocks > 0.01)
-        expected = (loud[-1] + 1 - loud[0]) * 0.005
-        print(f"\n  press to sound {delay * 1000:.0f} ms; heard {heard:.3f} s, rendered {expected:.3f} s; "
-              f"{len(frames.seen)} pictures", flush=True)
-        self.assertLess(delay, 0.300)
-        self.assertAlmostEqual(heard / expected, 1.0, delta=0.03)
-
-        # The mouth takes many shapes while there is sound and rests once it has ended. (Before the press the character may
-        # be looking round.)
-        start, end = time_of(first), time_of(last)
-        shapes = {picture for when, picture in frames.seen if start <= when <= end}
-        self.assertGreaterEqual(len(shapes), 5)
-        self.assertGreater(sum(start <= when <= end for when, _ in frames.seen) / heard, 4)
-        self.assertEqual([when - end for when, _ in frames.seen if when > end + 0.25], [])
+        # Silence is left out: a busy sound server may put some in.
+        self.assertAlmostEqual(self.sound_since(begin) / self.rendered_length(SENTENCE), 1.0, delta=0.05)
+        # (Before the press the character may be looking round.)
+        samples, ends, times = self.recorder.snapshot()
+        start, end = (self.recorder.time_of(begin + at, ends, times) for at in desktop.loud_span(samples[begin:]))
+        self.assertGreaterEqual(len({picture for when, picture in frames.seen if start <= when <= end}), 5)
         texts = status.texts()
         self.assertEqual(texts[:2], [IDLE, "Busy..."])
         self.assertEqual(texts[-1], IDLE)
 
-    def test_stop_in_mid_sentence_is_silence_at_once(self):
+    def test_stop_in_mid_sentence_is_silence(self):
         self.start_and_settle()
-        self.type_sentence()
-        stop = self.desk.rect(self.desk.find("Stop Everything !!!"))
-        begin = self.samples_now()
-        self.press_pointer()
-        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
-        time.sleep(1.0)
-        self.desk.run("xdotool", "mousemove", str(stop[0] + stop[2] // 2), str(stop[1] + stop[3] // 2))
-        pressed = self.press_pointer()
-        time.sleep(1.5)
-        samples, time_of = self.sound_since(begin)
-        _, last = desktop.loud_span(samples)
-        print(f"\n  stop to silence {(time_of(last) - pressed) * 1000:.0f} ms", flush=True)
-        self.assertLess(time_of(last) - pressed, 0.150)
+        self.type_text(SENTENCE * 3)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        self.hear(begin)
+        self.press("Stop Everything !!!")
+        desktop.wait_for(lambda: not self.streams(), what="the end of the sound")
+        self.assertLess(self.sound_since(begin), 0.5 * self.rendered_length(SENTENCE * 3))
         self.assertIn(IDLE, self.desk.texts())
         self.assertIsNone(self.program.poll())
 
     def test_a_second_sentence_waits_for_the_first(self):
         self.start_and_settle()
-        self.type_sentence()
-        begin = self.samples_now()
-        self.press_pointer()
-        time.sleep(0.5)
-        self.press_pointer()
+        self.type_text(SENTENCE)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        self.hear(begin)
+        self.press("Speak the textbox text")
         self.settle(quiet=0.8)
-        samples, _ = self.sound_since(begin)
-        first, last = desktop.loud_span(samples)
-        rendered, rate = read_wave(self.render(SENTENCE))
-        self.assertGreater((last - first) / desktop.RATE, 1.9 * len(rendered) / rate)
+        self.assertGreater(self.sound_since(begin), 1.9 * self.rendered_length(SENTENCE))
+
+    def test_mixers_show_the_programs_own_name_and_icon(self):
+        self.start_and_settle()
+        self.type_text(SENTENCE)
+        self.press("Speak the textbox text")
+        stream = desktop.wait_for(self.streams, what="the program's stream")[0]
+        shown = [line.strip() for line in stream.split("\n")]
+        for line in ('application.name = "Voxmate"', 'application.id = "voxmate"',
+                     'application.icon_name = "voxmate"', 'media.name = "Voice"', 'media.icon_name = "voxmate"',
+                     'media.role = "a11y"'):
+            self.assertIn(line, shown)
 
     def test_nothing_to_read_is_complained_about_aloud(self):
         self.start_and_settle()
-        begin = self.samples_now()
+        begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 10, what="the complaint")
+        self.hear(begin)
         self.assertEqual(self.boxes(), [])
 
     def test_a_left_click_on_the_character_reads_the_text_box(self):
         self.start_and_settle()
-        self.type_sentence()
+        self.type_text(SENTENCE)
         _, (x, y, width, height) = self.character_window()
-        begin = self.samples_now()
+        begin = self.now()
         self.desk.click_at(x + width // 2, y + height // 2)
-        desktop.wait_for(lambda: desktop.loud_span(self.sound_since(begin)[0]), 5, what="sound")
+        self.hear(begin)
 
 
-class SoundServer(ProgramCase):
-    defaults = QUIET
-
+class SoundServer(SpeechCase):
     def hear(self):
         recorder = self.desk.recorder()
         try:
@@ -147,8 +118,7 @@ class SoundServer(ProgramCase):
 
     def test_speech_goes_on_after_the_sound_server_crashed_in_mid_sentence_and_came_back(self):
         self.start_and_settle()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(SENTENCE)
+        self.type_text(SENTENCE)
         self.hear()
         self.desk.kill_sound()
         try:
@@ -189,6 +159,22 @@ class Greeting(ProgramCase):
             self.assertGreater((last - first) / desktop.RATE, 3)
         finally:
             recorder.stop()
+
+    def test_it_is_heard_although_the_sound_server_answers_late(self):
+        recorder = self.desk.recorder()
+        self.addCleanup(recorder.stop)
+        os.kill(self.desk.sound.pid, signal.SIGSTOP)
+        try:
+            self.start()
+            # The main window comes while the splash is still there, and then the greeting.
+            desktop.wait_for(lambda: len(self.desk.windows("^Voxmate$")) == 2, 20, what="the main window")
+            # So long after the program wanted to speak.
+            time.sleep(1)
+        finally:
+            os.kill(self.desk.sound.pid, signal.SIGCONT)
+        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 20, what="the greeting")
+        self.settle()
+        self.assertEqual(self.boxes(), [])
 
 
 if __name__ == "__main__":

@@ -84,6 +84,7 @@ public:
         source = std::move(newSource);
         drained = std::move(newDrained);
         failed = std::move(newFailed);
+        taken = 0;
         heard = 0;
         return std::make_unique<Stream>(*this);
     }
@@ -96,8 +97,8 @@ public:
 
     void PostAfter(int, std::function<void()> action) override { later_.push_back(std::move(action)); }
 
-    /// Takes up to `count` samples from the source, which are heard at once; how many there were. At the end of the
-    /// source the stream is drained.
+    /// Takes up to `count` samples from the source, which are heard at once or, where there is a queue, behind it; how
+    /// many there were. At the end of the source the stream is drained.
     std::size_t Play(std::size_t count)
     {
         if (!source) {
@@ -107,7 +108,8 @@ public:
         std::vector<std::int16_t> block(count);
         bool ended = false;
         const std::size_t got = source->Pull(block, ended);
-        heard += static_cast<std::int64_t>(got);
+        taken += static_cast<std::int64_t>(got);
+        heard = std::max<std::int64_t>(taken - queue, 0);
         played.insert(played.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
         if (ended && drained)
             Post(std::exchange(drained, nullptr));
@@ -153,6 +155,8 @@ public:
     int opens = 0;
     int openStreams = 0;
     int rate = 0;
+    std::int64_t taken = 0; ///< of the stream's samples
+    std::int64_t queue = 0; ///< how many of those are still under way to the listener
     std::int64_t heard = 0;
     std::vector<std::int16_t> played;
     std::shared_ptr<SampleSource> source;

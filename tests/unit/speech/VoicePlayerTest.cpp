@@ -88,6 +88,35 @@ TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithIts
     EXPECT_EQ(output.rate, FakeEngine::Rate);
 }
 
+TEST_F(VoicePlayerTest, BeginsWithTheFirstSampleThatIsHeardHoweverLongTheDevicesQueueIs)
+{
+    engine->synthesize = [](SampleSink& sink) {
+        sink.Event({SpeechEvent::Kind::Word, 0, 0});
+        sink.Event({SpeechEvent::Kind::Mouth, 0, 1});
+        return sink.Samples(std::vector<std::int16_t>(700, 5));
+    };
+    output.queue = 500;
+    player->Start(Say("hello there"), Log());
+    ASSERT_TRUE(Eventually([this] { return engine->returns == 1; }));
+    ASSERT_EQ(output.Play(500), 500U);
+    output.RunEvents();
+    EXPECT_EQ(log, Lines{});
+    ASSERT_EQ(output.Play(1), 1U);
+    EXPECT_EQ(log, (Lines{"started", "word 0", "mouth 1"}));
+}
+
+TEST_F(VoicePlayerTest, WhatIsOverBeforeTheDeviceSaidThatItIsHeardHasBegunAllTheSame)
+{
+    engine->synthesize = [](SampleSink& sink) {
+        sink.Event({SpeechEvent::Kind::Word, 0, 0});
+        return sink.Samples(std::vector<std::int16_t>(20, 5));
+    };
+    output.queue = 500;
+    player->Start(Say("hi"), Log());
+    ASSERT_TRUE(output.PlayAll());
+    EXPECT_EQ(log, (Lines{"started", "word 0", "ended well"}));
+}
+
 TEST_F(VoicePlayerTest, IsHeardBeforeAllOfItIsSynthesised)
 {
     std::atomic<bool> goOn = false;
