@@ -310,9 +310,10 @@ void PulseDevice::Begin(const PlayingPtr& playing)
     format.format = PA_SAMPLE_S16NE;
     format.rate = static_cast<std::uint32_t>(playing->rate);
     format.channels = 1;
-    playing->stream = pa_sample_spec_valid(&format) ? pa_stream_new_with_proplist(context_, nullptr, &format, nullptr,
-                                                                          StreamProperties().get())
-                                            : nullptr;
+    const Properties properties = StreamProperties();
+    playing->stream = pa_sample_spec_valid(&format)
+                          ? pa_stream_new_with_proplist(context_, nullptr, &format, nullptr, properties.get())
+                          : nullptr;
     if (!playing->stream) {
         Fail(playing);
         return;

@@ -30,12 +30,13 @@ def wait_for(condition, timeout=10.0, step=0.02, what="condition"):
 
 
 class Recorder:
-    """Records what the sink plays, with the time at which each block arrived."""
+    """Records what the sink plays, with the time at which each block arrived. One that is hurried has each block soon,
+    and makes the sink's own queue as short; the other leaves the sink as it is."""
 
-    def __init__(self, env):
+    def __init__(self, env, hurried=True):
         self.process = subprocess.Popen(
             ["parec", "-d", "rec.monitor", "--raw", "--format=s16le", f"--rate={RATE}", "--channels=1",
-             "--latency-msec=10"],
+             *(["--latency-msec=10"] if hurried else [])],
             env=env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=0)
         self.blocks = []
         self.times = []
@@ -356,5 +357,5 @@ class Desk:
 
     # Ears.
 
-    def recorder(self):
-        return Recorder(self.env)
+    def recorder(self, hurried=True):
+        return Recorder(self.env, hurried)

@@ -111,6 +111,11 @@ class ProgramCase(unittest.TestCase):
         """Seconds of sound from that sample on, silence left out."""
         return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
 
+    def streams(self):
+        """What the sound server says of those who play, a text each."""
+        listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
+        return ["Sink Input" + part for part in listed.split("Sink Input")[1:]]
+
     def start(self, **environment):
         self.program = self.desk.start(**environment)
         return self.program

@@ -19,11 +19,6 @@ class SpeechCase(ProgramCase):
         self.desk.click(self.desk.find("Text to read"))
         self.desk.type(text)
 
-    def streams(self):
-        """What the sound server says of those who play, a text each."""
-        listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
-        return ["Sink Input" + part for part in listed.split("Sink Input")[1:]]
-
 
 class Speech(SpeechCase):
     def setUp(self):

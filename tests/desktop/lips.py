@@ -1,0 +1,248 @@
+"""What the test and the benchmark of the lips share: a character whose mouths are colours, what is to be seen of a text
+at each of its moments, and a loudspeaker that plays only as far as it is told."""
+
+import os
+import subprocess
+import sys
+import threading
+import time
+import wave
+
+import numpy
+
+import desk as desktop
+from program import ROOT
+
+sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
+from acs_maker import BLANK, MOUTHS, animation, frame, image, make, overlay  # noqa: E402  pylint: disable=wrong-import-position
+
+# Every clause begins with a vowel, so that the sound after each pause is that of an open mouth.
+TEXT = ("Every evening at eight, all animals of the old farm meet under one apple tree. A brown owl opens the evening. "
+        "Under her eyes, a family of foxes plays with a paper boat. Other animals prefer to watch, eating apples, "
+        "emptying bowls, or asking about tomorrow. An hour before midnight, everybody moves home. "
+        "Only a mouse remains, and it is happy.")
+COLOURS = [(250, 250, 250), (250, 0, 0), (0, 250, 0), (0, 0, 250), (250, 250, 0), (0, 250, 250), (250, 0, 250)]
+AT_REST = (90, 90, 90)
+SIDE = 120
+LOUD = 0.01  # of full scale
+
+
+def lips_character():
+    """A character that is one square, of another colour for each mouth."""
+    square = [bytes([1]) * SIDE] * SIDE
+    images = [image(SIDE, square)]
+    images += [image(SIDE, [bytes([2 + mouth]) * SIDE] * SIDE) for mouth in range(7)]
+    rest = frame((0, 0, 0), overlays=[overlay(name, 1 + mouth, 0, 0, SIDE, SIDE, replace=True)
+                                      for mouth, name in enumerate(MOUTHS)])
+    made = make({**BLANK, "width": SIDE, "height": SIDE, "names": [(0x0409, "Lips", "", "")],
+                 "palette": [(1, 2, 3), AT_REST, *COLOURS], "images": images,
+                 "animations": [animation("RestPose", [rest])]})
+    return bytes(made.data)
+
+
+def install_lips(desk):
+    """Makes that character the program's, with a balloon of words that come as they are spoken, and nothing else to be
+    heard."""
+    folder = os.path.join(desk.home, "lips", "")
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, "Lips.acs"), "wb") as file:
+        file.write(lips_character())
+    desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, EnableSoundEffects=0, CharacterPath=folder,
+                          LastCharacter="Lips", ShowBalloon=1, BalloonAutoPace=1, SizeBallonToText=1,
+                          BalloonCharactersPerLine=40)
+
+
+def mouth_in(picture):
+    """The mouth in a picture of the character: None at rest."""
+    return {AT_REST: None, **{colour: mouth for mouth, colour in enumerate(COLOURS)}}[picture.getpixel((1, 1))]
+
+
+def words_in(picture):
+    """How many words stand in a picture of the balloon's text: stretches of ink with more than a letter's gap between
+    them."""
+    grey = numpy.asarray(picture.convert("L"), dtype=int)
+    ink = numpy.abs(grey - grey[0, 0]) > 60
+    words, rows = 0, ink.any(axis=1)
+    edges = numpy.flatnonzero(numpy.diff(numpy.concatenate([[0], rows.astype(int), [0]])))
+    for top, bottom in zip(edges[::2], edges[1::2]):
+        columns = numpy.flatnonzero(ink[top:bottom].any(axis=0))
+        words += 1 + int((numpy.diff(columns) > 3).sum())
+    return words
+
+
+class Rendering:
+    """A text's speech without the program: its samples, and the seconds at which its mouths and words begin."""
+
+    def __init__(self, path, events, rate):
+        """Of a wave file and the lines that came with it; `rate` samples a second are wanted."""
+        with wave.open(path) as file:
+            made = file.getframerate()
+            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
+        there = numpy.arange(int(len(samples) * rate / made)) * made / rate
+        self.rate = rate
+        self.samples = numpy.interp(there, numpy.arange(len(samples)), samples)
+        self.first_sound = self.seconds_of_first_sound()
+        self.mouths, self.words = [], []
+        for line in events.split("\n"):
+            if line:
+                kind, at, value = line.split()
+                known = self.mouths if kind == "mouth" else self.words
+                if kind in ("mouth", "word") and (not known or known[-1][1] != int(value)):
+                    known.append((int(at) / made, int(value)))
+
+    def seconds_of_first_sound(self):
+        return int(numpy.flatnonzero(numpy.abs(self.samples) > LOUD)[0]) / self.rate
+
+    def held_mouths(self, at_least):
+        """The beginning and the shape of each mouth that stays so many seconds, but for the last."""
+        ends = [begin for begin, _ in self.mouths[1:]] + [len(self.samples) / self.rate]
+        # Behind the last one the speech is over.
+        return [(begin, mouth) for (begin, mouth), end in zip(self.mouths[:-1], ends) if end - begin >= at_least]
+
+    def words_at(self, seconds):
+        """How many words have begun by then."""
+        return max((word + 1 for begin, word in self.words if begin <= seconds), default=0)
+
+
+    def late_at(self, seconds, heard):
+        """How many samples later than its place `heard` is, which should be all before that moment; 0 when it is where it
+        belongs, give or take 2 ms."""
+        end, reach = int(seconds * self.rate), self.rate // 2
+        heard = heard[-min(len(heard), end):]
+        first = max(0, end - len(heard) - reach)
+        around = self.samples[first:end + reach]
+        if len(heard) < self.rate // 4:
+            return 0
+        late = end - len(heard) - first - place_in(around, heard)
+        return late if abs(late) > self.rate // 500 else 0
+
+
+def place_in(recording, rendered):
+    """Where in a recording a rendering begins, in samples: the place of the highest correlation."""
+    size = 1 << (len(recording) + len(rendered)).bit_length()
+    product = numpy.fft.irfft(numpy.fft.rfft(recording, size) * numpy.conj(numpy.fft.rfft(rendered, size)), size)
+    return int(numpy.argmax(product[:len(recording)]))
+
+
+class DistantEar:
+    """Records what the desk's sink plays and leaves the sink its long queue, so that what is recorded comes late and in
+    large pieces. When it was heard is known from a click that was also heard close by: the sink plays as many samples
+    each second, from first to last."""
+
+    RATE = desktop.RATE
+
+    def __init__(self, desk):
+        self.recorder = desk.recorder(hurried=False)
+        close = desk.recorder()
+        try:
+            click = numpy.full(desktop.RATE // 20, 16000, dtype="<i2").tobytes()
+            subprocess.run(["pacat", "--raw", "--format=s16le", "--channels=1", f"--rate={desktop.RATE}"], input=click,
+                           env=desk.env, check=True)
+            here, there = (desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0], 0.1), 20, what="a click")[0]
+                           for recorder in (close, self.recorder))
+            _, ends, times = close.snapshot()
+            self.origin = close.time_of(here, ends, times) - there / desktop.RATE
+        finally:
+            close.stop()
+
+    def heard(self, begin=0):
+        """What was recorded from a sample on."""
+        return self.recorder.snapshot()[0][begin:]
+
+    def time_of(self, sample):
+        return self.origin + sample / self.RATE
+
+    def stop(self):
+        self.recorder.stop()
+
+
+class Speaker:
+    """A sink with a queue of half a second, as that of a headset far away. What it has played is known to the sample; it
+    can be held at any of them, for as long as one likes."""
+
+    RATE = 64000  # of which a pipe's 64 KiB are 0.512 s
+    STEP = 320    # samples that are played at once
+
+    def __init__(self, desk, pace=1.0):
+        """Becomes the desk's default sink. `pace` is how fast it plays, 1 being as fast as it should."""
+        self.desk, self.pace = desk, pace
+        path = os.path.join(desk.home, "speaker")
+        self.module = desk.run("pactl", "load-module", "module-pipe-sink", "sink_name=speaker", "file=" + path,
+                               "format=s16le", f"rate={self.RATE}", "channels=1").decode().strip()
+        self.pipe = os.open(path, os.O_RDONLY | os.O_NONBLOCK)
+        desk.run("pactl", "set-default-sink", "speaker")
+        self.lock = threading.Condition()
+        self.blocks = []
+        self.times = []
+        self.played = 0
+        self.end = None  # the sample to hold at, or none
+        self.at_sound = False  # whether to hold as soon as there is a sound
+        self.running = True
+        self.thread = threading.Thread(target=self._play, daemon=True)
+        self.thread.start()
+
+    def _play(self):
+        due = time.monotonic()
+        while self.running:
+            due = max(due + self.STEP / self.RATE / self.pace, time.monotonic() - 0.05)
+            time.sleep(max(0.0, due - time.monotonic()))
+            with self.lock:
+                count = self.STEP if self.end is None else min(self.STEP, self.end - self.played)
+                if count <= 0:
+                    continue
+                try:
+                    data = os.read(self.pipe, 2 * count)
+                except BlockingIOError:
+                    continue
+                block = numpy.frombuffer(data, dtype="<i2").astype(float) / 32768
+                self.blocks.append(block)
+                self.played += len(block)
+                self.times.append(time.monotonic())
+                if self.at_sound and numpy.abs(block).max(initial=0) > LOUD:
+                    self.at_sound, self.end = False, self.played
+                self.lock.notify_all()
+
+    def hold(self):
+        """Plays nothing more from now on; returns the number of samples played."""
+        with self.lock:
+            self.end = self.played
+            return self.played
+
+    def play_to(self, sample, timeout=60):
+        """Plays to that sample and holds there."""
+        with self.lock:
+            self.end = sample
+            if not self.lock.wait_for(lambda: self.played >= sample, timeout):
+                raise AssertionError(f"played {self.played} of {sample} samples")
+
+    def play_to_sound(self, timeout=60):
+        """Plays until something is heard and holds there; returns the number of its first sample."""
+        with self.lock:
+            begin = self.played
+            self.at_sound, self.end = True, None
+            if not self.lock.wait_for(lambda: self.end is not None, timeout):
+                raise AssertionError("nothing was heard")
+        return begin + int(numpy.flatnonzero(numpy.abs(self.heard(begin)) > LOUD)[0])
+
+    def play_on(self):
+        with self.lock:
+            self.end = None
+
+    def heard(self, begin=0):
+        """What has been played from a sample on."""
+        with self.lock:
+            return numpy.concatenate([numpy.zeros(0), *self.blocks])[begin:]
+
+    def time_of(self, sample):
+        """When that sample was played."""
+        with self.lock:
+            ends = numpy.cumsum([len(block) for block in self.blocks])
+            index = int(numpy.searchsorted(ends, sample + 1))
+            return self.times[index] - (ends[index] - sample) / self.RATE
+
+    def stop(self):
+        """Takes the sink away; the desk's other one is the default again."""
+        self.running = False
+        self.thread.join()
+        self.desk.run("pactl", "unload-module", self.module, check=False)
+        os.close(self.pipe)
