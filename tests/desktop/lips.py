@@ -104,19 +104,6 @@ class Rendering:
         return max((word + 1 for begin, word in self.words if begin <= seconds), default=0)
 
 
-    def late_at(self, seconds, heard):
-        """How many samples later than its place `heard` is, which should be all before that moment; 0 when it is where it
-        belongs, give or take 2 ms."""
-        end, reach = int(seconds * self.rate), self.rate // 2
-        heard = heard[-min(len(heard), end):]
-        first = max(0, end - len(heard) - reach)
-        around = self.samples[first:end + reach]
-        if len(heard) < self.rate // 4:
-            return 0
-        late = end - len(heard) - first - place_in(around, heard)
-        return late if abs(late) > self.rate // 500 else 0
-
-
 def place_in(recording, rendered):
     """Where in a recording a rendering begins, in samples: the place of the highest correlation."""
     size = 1 << (len(recording) + len(rendered)).bit_length()
@@ -161,11 +148,12 @@ class Speaker:
     can be held at any of them, for as long as one likes."""
 
     RATE = 64000  # of which a pipe's 64 KiB are 0.512 s
-    STEP = 320    # samples that are played at once
 
-    def __init__(self, desk, pace=1.0):
-        """Becomes the desk's default sink. `pace` is how fast it plays, 1 being as fast as it should."""
-        self.desk, self.pace = desk, pace
+    def __init__(self, desk, patient=False):
+        """Becomes the desk's default sink. A patient one plays on only when the sound server has more, so that on a
+        busy machine there is never a gap in the sound."""
+        self.desk, self.patient = desk, patient
+        self.step = 2048 if patient else 320  # samples that are played at once; the server writes 2048
         path = os.path.join(desk.home, "speaker")
         self.module = desk.run("pactl", "load-module", "module-pipe-sink", "sink_name=speaker", "file=" + path,
                                "format=s16le", f"rate={self.RATE}", "channels=1").decode().strip()
@@ -184,10 +172,12 @@ class Speaker:
     def _play(self):
         due = time.monotonic()
         while self.running:
-            due = max(due + self.STEP / self.RATE / self.pace, time.monotonic() - 0.05)
+            due = max(due + self.step / self.RATE, time.monotonic() - 0.05)
             time.sleep(max(0.0, due - time.monotonic()))
+            if self.patient and not self._has_more():
+                continue
             with self.lock:
-                count = self.STEP if self.end is None else min(self.STEP, self.end - self.played)
+                count = self.step if self.end is None else min(self.step, self.end - self.played)
                 if count <= 0:
                     continue
                 try:
@@ -201,6 +191,12 @@ class Speaker:
                 if self.at_sound and numpy.abs(block).max(initial=0) > LOUD:
                     self.at_sound, self.end = False, self.played
                 self.lock.notify_all()
+
+    def _has_more(self):
+        """Whether the sound server could do with its programs' sound for longer than it takes to play the next step."""
+        listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
+        waiting = [int(line.split()[2]) for line in listed.split("\n") if "Buffer Latency:" in line]
+        return all(microseconds > 1.25e6 * self.step / self.RATE for microseconds in waiting)
 
     def hold(self):
         """Plays nothing more from now on; returns the number of samples played."""
