@@ -4,9 +4,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
@@ -29,6 +31,12 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
     return pointers;
 }
 
+// A namespace's map of one user or group that stays what it is outside.
+std::string OneToItself(unsigned int number)
+{
+    return std::to_string(number) + " " + std::to_string(number) + " 1";
+}
+
 // Everything the guard needs, made before it is: a process that comes out of one with threads may not allocate.
 struct Plan {
     const char* program;
@@ -36,6 +44,8 @@ struct Plan {
     char** environment;
     const char* folder;
     char** removal; ///< the command that removes the leavings
+    const char* users;  ///< what maps our user to itself in a namespace; null when the program may have the network
+    const char* groups; ///< the same for our group
     int life;
     int report;
 };
@@ -57,10 +67,33 @@ void CloseFrom(unsigned int first, unsigned int last)
         ::close_range(first, last, 0);
 }
 
+void WriteTo(const char* path, const char* text)
+{
+    const int file = ::open(path, O_WRONLY | O_CLOEXEC);
+    if (file < 0)
+        return;
+    // A map that is refused leaves us without a name of our own, but with all our rights to our files.
+    [[maybe_unused]] const ssize_t written = ::write(file, text, std::strlen(text));
+    ::close(file);
+}
+
+// Goes where there is no network, not even the machine's own. An ordinary user may only do so in a namespace of users,
+// in which we stay who we are.
+void LeaveNetwork(const Plan& plan)
+{
+    if (::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
+        return;
+    WriteTo("/proc/self/setgroups", "deny");
+    WriteTo("/proc/self/uid_map", plan.users);
+    WriteTo("/proc/self/gid_map", plan.groups);
+}
+
 [[noreturn]] void BecomeProgram(const Plan& plan)
 {
     ::setpgid(0, 0);
     SetSignals(SIG_DFL);
+    if (plan.users)
+        LeaveNetwork(plan);
     const int nothing = ::open("/dev/null", O_RDWR);
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         ::dup2(nothing, standard);
@@ -169,6 +202,8 @@ GuardedProcess::GuardedProcess(const GuardedCommand& command)
     const std::vector<char*> argumentPointers = Pointers(arguments);
     const std::vector<char*> environmentPointers = Pointers(environment);
     const std::vector<char*> removalPointers = Pointers(removal);
+    const std::string users = OneToItself(::geteuid());
+    const std::string groups = OneToItself(::getegid());
 
     std::array<int, 2> life{-1, -1};
     std::array<int, 2> report{-1, -1};
@@ -179,6 +214,8 @@ GuardedProcess::GuardedProcess(const GuardedCommand& command)
                         const_cast<char**>(environmentPointers.data()),
                         command.folder.c_str(),
                         const_cast<char**>(removalPointers.data()),
+                        command.withoutNetwork ? users.c_str() : nullptr,
+                        groups.c_str(),
                         life[0],
                         report[1]};
         guard_ = ::fork();

@@ -8,6 +8,7 @@
 #include "platform/linux/WordSignature.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -30,8 +31,15 @@ namespace
 constexpr const char* UsualFolders = "/usr/bin:/usr/lib/libreoffice/program";
 constexpr std::chrono::milliseconds Interval{10}; ///< between two calls that let the program live
 
+// Where nobody listens: the port of this machine that is for throwing away (RFC 863). No name has to be looked up.
+constexpr const char* DeadHost = "127.0.0.1";
+constexpr const char* DeadPort = "9";
+
 // What a document must not do while it is only read: run macros, load anything over the network, follow its links.
-constexpr const char* Settings = R"(<?xml version="1.0" encoding="UTF-8"?>
+// Importers of several formats load pictures without asking whether links may be followed, so LibreOffice is left with
+// nothing that could: of its providers of contents only those for files, and for what lies inside files. A proxy that
+// leads nowhere is for what does without providers.
+constexpr const char* Prohibitions = R"(<?xml version="1.0" encoding="UTF-8"?>
 <oor:items xmlns:oor="http://openoffice.org/2001/registry" xmlns:xs="http://www.w3.org/2001/XMLSchema">
 <item oor:path="/org.openoffice.Office.Common/Security/Scripting">
 <prop oor:name="MacroSecurityLevel" oor:op="fuse"><value>3</value></prop>
@@ -41,8 +49,39 @@ constexpr const char* Settings = R"(<?xml version="1.0" encoding="UTF-8"?>
 <item oor:path="/org.openoffice.Office.Writer/Content/Update">
 <prop oor:name="Link" oor:op="fuse"><value>0</value></prop>
 </item>
-</oor:items>
 )";
+
+// The providers that are left: the scheme of an address and what serves it.
+constexpr std::array<std::pair<const char*, const char*>, 6> Providers{{
+    {"file", "com.sun.star.ucb.FileContentProvider"},
+    {"vnd.sun.star.expand", "com.sun.star.ucb.ExpandContentProvider"},
+    {"vnd.sun.star.hier", "com.sun.star.ucb.HierarchyContentProvider"},
+    {"vnd.sun.star.pkg", "com.sun.star.ucb.PackageContentProvider"},
+    {"vnd.sun.star.tdoc", "com.sun.star.ucb.TransientDocumentsContentProvider"},
+    {"vnd.sun.star.zip", "com.sun.star.ucb.PackageContentProvider"},
+}};
+
+std::string Property(const std::string& name, const std::string& value)
+{
+    return "<prop oor:name=\"" + name + "\" oor:op=\"fuse\"><value>" + value + "</value></prop>\n";
+}
+
+// LibreOffice's configuration for one conversion.
+std::string Settings()
+{
+    std::string text = Prohibitions;
+    text += "<item oor:path=\"/org.openoffice.Inet/Settings\">\n" + Property("ooInetProxyType", "2") +
+            Property("ooInetNoProxy", "");
+    for (const std::string kind : {"HTTP", "HTTPS", "FTP"})
+        text += Property("ooInet" + kind + "ProxyName", DeadHost) + Property("ooInet" + kind + "ProxyPort", DeadPort);
+    text += "</item>\n<item oor:path=\"/org.openoffice.ucb.Configuration/ContentProviders\">\n"
+            "<node oor:name=\"Local\" oor:op=\"replace\"><node oor:name=\"SecondaryKeys\">"
+            "<node oor:name=\"Office\" oor:op=\"replace\"><node oor:name=\"ProviderData\">\n";
+    for (const auto& [scheme, service] : Providers)
+        text += "<node oor:name=\"" + std::string(scheme) + "\" oor:op=\"replace\">" + Property("URLTemplate", scheme) +
+                Property("ServiceName", service) + Property("Arguments", "") + "</node>\n";
+    return text + "</node></node></node></node>\n</item>\n</oor:items>\n";
+}
 
 std::string Environment(const char* name)
 {
@@ -143,6 +182,9 @@ GuardedCommand Conversion(const std::string& program, const std::string& folder)
     for (const char* name : {"PATH", "LANG", "LANGUAGE", "LC_ALL", "LC_CTYPE", "LC_TIME", "LC_NUMERIC", "TZ"})
         if (const std::string value = Environment(name); !value.empty())
             command.environment.push_back(std::string(name) + "=" + value);
+    for (const char* name : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy"})
+        command.environment.push_back(std::string(name) + "=http://" + DeadHost + ":" + DeadPort);
+    command.withoutNetwork = true;
     command.folder = folder;
     const std::string socket = SocketName(profile);
     command.leavings = {folder, "/tmp/" + socket, "/var/tmp/" + socket};
@@ -218,7 +260,7 @@ private:
         std::error_code error;
         for (const char* part : {"/profile/user", "/home", "/tmp", "/out"})
             fs::create_directories(folder.Path() + part, error);
-        std::ofstream(folder.Path() + "/profile/user/registrymodifications.xcu") << Settings;
+        std::ofstream(folder.Path() + "/profile/user/registrymodifications.xcu") << Settings();
         // A plain name in a folder of its own, whatever characters the document's name has and wherever it stands.
         fs::create_symlink(fs::absolute(name, error), folder.Path() + "/document.doc", error);
         GuardedProcess process(Conversion(program_, folder.Path()));

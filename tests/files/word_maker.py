@@ -109,6 +109,12 @@ def flat(body, styles=""):
             '</office:body></office:document>' % (_NAMES, _STYLES, styles, body))
 
 
+def flat_picture(address):
+    """A picture in the line that is not in the document, for a flat one."""
+    return ('<draw:frame text:anchor-type="as-char" svg:width="2cm" svg:height="2cm"><draw:image xlink:href="%s" '
+            'xlink:type="simple" xlink:show="embed" xlink:actuate="onLoad"/></draw:frame>' % address)
+
+
 class Office:
     """LibreOffice with a profile in a folder of the tests'."""
 

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sched.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -227,16 +228,47 @@ TEST_F(Word, IsStartedWithoutWindowsInAProfileOfItsOwn)
     EXPECT_NE(arguments.find("-env:UserInstallation=file://" + work + "/profile\n"), std::string::npos);
     EXPECT_NE(arguments.find("\n--headless\n"), std::string::npos);
     EXPECT_NE(arguments.find("\n--norestore\n"), std::string::npos);
-    const std::string environment = Record("environment");
+    const std::string environment = "\n" + Record("environment");
     EXPECT_NE(environment.find("HOME=" + work + "/home\n"), std::string::npos);
     EXPECT_NE(environment.find("TMPDIR=" + work + "/tmp\n"), std::string::npos);
     EXPECT_EQ(environment.find("DISPLAY="), std::string::npos);
     EXPECT_EQ(environment.find("DBUS_"), std::string::npos);
+    for (const char* proxy : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy"})
+        EXPECT_NE(environment.find(std::string("\n") + proxy + "=http://127.0.0.1:9\n"), std::string::npos) << proxy;
+    EXPECT_EQ(environment.find("no_proxy"), std::string::npos);
     const std::string settings = Record("settings");
     EXPECT_NE(settings.find("<prop oor:name=\"DisableMacrosExecution\" oor:op=\"fuse\"><value>true</value>"),
               std::string::npos);
     EXPECT_NE(settings.find("<prop oor:name=\"BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true</value>"),
               std::string::npos);
+    EXPECT_NE(settings.find("<prop oor:name=\"ooInetProxyType\" oor:op=\"fuse\"><value>2</value>"), std::string::npos);
+    EXPECT_NE(settings.find("<node oor:name=\"Local\" oor:op=\"replace\">"), std::string::npos);
+    EXPECT_NE(settings.find("<prop oor:name=\"URLTemplate\" oor:op=\"fuse\"><value>file</value>"), std::string::npos);
+    EXPECT_EQ(settings.find("<value>http</value>"), std::string::npos);
+}
+
+TEST_F(Word, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
+{
+    const pid_t probe = ::fork();
+    if (probe == 0)
+        ::_exit(::unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0 ? 0 : 1);
+    int status = 0;
+    ASSERT_EQ(::waitpid(probe, &status, 0), probe);
+    if (status != 0)
+        GTEST_SKIP() << "this system grants an ordinary user no network of one's own";
+    // Behind two lines of headings each device of the network has one of its own.
+    Soffice("readlink /proc/self/ns/net > $record/network\nsed 1,2d /proc/net/dev | cut -d: -f1 > $record/devices\n"
+            "echo $(id -u) $(id -g) > $record/user\nstat -c '%u %g' $document > $record/owner\n" +
+            Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    word->Open(Document().string(), GoOn);
+    EXPECT_EQ(word->RangeEnd(), 4);
+    EXPECT_NE(Record("network"), "");
+    EXPECT_NE(Record("network"), fs::read_symlink("/proc/self/ns/net").string() + "\n");
+    EXPECT_TRUE(Record("devices") == "" || Record("devices") == "    lo\n") << Record("devices");
+    EXPECT_EQ(Record("user"), std::to_string(::getuid()) + " " + std::to_string(::getgid()) + "\n");
+    EXPECT_EQ(Record("owner"), Record("user"));
+    ExpectNothingLeft();
 }
 
 TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
@@ -245,12 +277,27 @@ TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
     constexpr int high = 200;
     ASSERT_GE(held, 0);
     ASSERT_EQ(::dup2(held, high), high);
-    Soffice("ls -l /proc/$PPID/fd /proc/$$/fd > $record/files\n" + Gives("<text:p>abc</text:p>"));
-    Create()->Open(Document().string(), GoOn);
+    Soffice("echo $PPID $$ > $record/family\nwhile [ ! -e $record/seen ]; do sleep 0.01; done\n" +
+            Gives("<text:p>abc</text:p>"));
+    // Looked at from here: from within its namespace it must not look at others'.
+    std::string files;
+    Create()->Open(Document().string(), [&] {
+        std::istringstream family(Record("family"));
+        if (files.empty() && Record("family").ends_with('\n')) {
+            for (pid_t pid = 0; family >> pid;)
+                for (const fs::directory_entry& file : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd")) {
+                    std::error_code gone;
+                    files += fs::read_symlink(file, gone).string() + "\n";
+                }
+            Write(folder_ / "record" / "seen", "");
+        }
+        return true;
+    });
     ::close(held);
     ::close(high);
-    EXPECT_NE(Record("files").find("pipe:"), std::string::npos);
-    EXPECT_EQ(Record("files").find(Document().string() + "\n"), std::string::npos);
+    EXPECT_NE(files.find("pipe:"), std::string::npos) << files;
+    EXPECT_NE(files.find("/dev/null\n"), std::string::npos) << files;
+    EXPECT_EQ(files.find(Document().string() + "\n"), std::string::npos) << files;
 }
 
 TEST_F(Word, TakesADocumentWhateverItsNameAndWhereverItStands)
