@@ -17,7 +17,8 @@ class LibreOfficeWord : public WordAutomation
 public:
     static constexpr std::chrono::milliseconds DefaultTimeLimit = std::chrono::seconds(60);
 
-    /// Looks for soffice in these folders, parted by colons, and lets a conversion take this long.
+    /// Looks for soffice in these folders, parted by colons, and lets a conversion take this long; time in which
+    /// the program does something else, as long as a box is up, is not counted.
     explicit LibreOfficeWord(std::string folders = Folders(), std::chrono::milliseconds timeLimit = DefaultTimeLimit);
 
     /// $PATH and the places where distributions put soffice.

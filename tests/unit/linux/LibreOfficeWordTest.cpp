@@ -391,6 +391,40 @@ TEST_F(Word, AConversionThatTakesTooLongIsEnded)
     ExpectNothingLeft();
 }
 
+TEST_F(Word, OnlyTheConvertersTimeCountsWhileTheProgramDoesOtherThings)
+{
+    // As when a box of the program's waits for its user: the call that lets the program live does not come back.
+    constexpr std::chrono::milliseconds limit = 1500ms;
+    Soffice("while [ ! -e $record/box ]; do sleep 0.01; done\n" + Gives("<text:p>abc</text:p>"));
+    const auto word = Create(limit);
+    bool stood = false;
+    word->Open(Document().string(), [&] {
+        if (!std::exchange(stood, true)) {
+            Write(folder_ / "record" / "box", "is up");
+            std::this_thread::sleep_for(2 * limit);
+        }
+        return true;
+    });
+    EXPECT_TRUE(stood);
+    EXPECT_EQ(word->RangeEnd(), 4);
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, AConverterThatHangsIsEndedThoughTheProgramDoesOtherThings)
+{
+    Soffice("sleep 600\n");
+    int calls = 0;
+    EXPECT_EQ(ErrorOfOpening(*Create(500ms), Document(),
+                             [&] {
+                                 ++calls;
+                                 std::this_thread::sleep_for(150ms);
+                                 return calls < 100;
+                             }),
+              4198);
+    EXPECT_LT(calls, 100);
+    ExpectNothingLeft();
+}
+
 TEST_F(Word, AConversionThatIsBrokenOffIsEnded)
 {
     Soffice("touch $TMPDIR/something ${profile#file://}/lock $out/half\necho ready > $record/ready\nsleep 600\n");
