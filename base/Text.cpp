@@ -312,6 +312,11 @@ std::string Windows1252ToUtf8(std::string_view bytes)
 
 bool IsValidUtf8(std::string_view text)
 {
+    return ValidUtf8End(text) == text.size();
+}
+
+std::size_t ValidUtf8End(std::string_view text)
+{
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     for (std::size_t at = 0; at < text.size();) {
         if (byte(at) < 0x80) {
@@ -325,11 +330,11 @@ bool IsValidUtf8(std::string_view text)
         if (at == begin) {
             const Decoded c = DecodeAt(text, at);
             if (!c.valid)
-                return false;
+                return at;
             at += c.bytes;
         }
     }
-    return true;
+    return text.size();
 }
 
 std::size_t WholeUtf8(std::string_view text)

@@ -52,6 +52,8 @@ std::u16string Utf8ToUtf16(std::string_view text);
 /// The code page's five unassigned bytes become the C1 controls of the same number, as the Encoding Standard has it.
 std::string Windows1252ToUtf8(std::string_view bytes);
 bool IsValidUtf8(std::string_view text);
+/// Where the first byte stands that is part of no UTF-8 character; the text's size when there is none.
+std::size_t ValidUtf8End(std::string_view text);
 /// The length in bytes of UTF-8 text without the character that breaks off at its end, if one does.
 std::size_t WholeUtf8(std::string_view text);
 

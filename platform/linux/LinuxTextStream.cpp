@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,9 +35,14 @@ RuntimeError ErrorOf(int number)
     }
 }
 
-bool IsHighSurrogate(char16_t unit)
+// The length in bytes of UTF-16 without the half of a character at its end, if there is one.
+std::size_t WholeUtf16(std::string_view text, bool littleEndian)
 {
-    return unit >= 0xD800 && unit <= 0xDBFF;
+    const std::size_t even = text.size() / 2 * 2;
+    if (even == 0)
+        return 0;
+    const auto high = static_cast<unsigned char>(text[even - (littleEndian ? 1 : 2)]);
+    return high >= 0xD8 && high <= 0xDB ? even - 2 : even;
 }
 
 } // namespace
@@ -82,7 +88,8 @@ std::size_t LinuxTextStream::File::Read(std::int64_t position, std::string& buff
     return filled;
 }
 
-LinuxTextStream::LinuxTextStream(const std::string& path) : file_(path), block_(BlockSize, '\0')
+LinuxTextStream::LinuxTextStream(const std::string& path, const CodePage& codePage)
+    : file_(path), codePage_(codePage), block_(BlockSize, '\0')
 {
     if (file_.Size() > LargestTextFile)
         throw OutOfMemory();
@@ -91,31 +98,34 @@ LinuxTextStream::LinuxTextStream(const std::string& path) : file_(path), block_(
 
 void LinuxTextStream::FindEncoding()
 {
+    bool marked = false;
+    Utf8Census census;
     for (std::int64_t at = 0;;) {
         const std::size_t got = file_.Read(at, block_);
         std::string_view block(block_.data(), got);
-        if (at == 0 && (block.starts_with("\xFF\xFE") || block.starts_with("\xFE\xFF"))) {
-            encoding_ = block.front() == '\xFF' ? Encoding::Utf16LittleEndian : Encoding::Utf16BigEndian;
-            position_ = 2;
-            return;
+        if (at == 0) {
+            const std::optional<ByteOrderMark> mark = FindByteOrderMark(block);
+            marked = mark.has_value();
+            position_ = mark ? static_cast<std::int64_t>(mark->length) : 0;
+            encoding_ = mark ? mark->encoding : GuessUtf16(block).value_or(TextEncoding::Utf8);
+            if (encoding_ != TextEncoding::Utf8)
+                return;
         }
-        if (at == 0 && block.starts_with("\xEF\xBB\xBF"))
-            position_ = 3;
         const bool last = got < BlockSize;
         if (!last)
             block = block.substr(0, WholeUtf8(block));
-        if (!IsValidUtf8(block)) {
-            encoding_ = Encoding::Windows1252;
-            return;
-        }
+        census.Count(block);
         at += static_cast<std::int64_t>(block.size());
         if (at > LargestTextFile)
             throw OutOfMemory();
         if (last) {
             end_ = at;
-            return;
+            break;
         }
     }
+    damaged_ = census.Strays() > 0;
+    if (!marked && !census.IsUtf8())
+        encoding_ = TextEncoding::CodePage;
 }
 
 bool LinuxTextStream::Fill()
@@ -125,14 +135,8 @@ bool LinuxTextStream::Fill()
         const std::string_view block(block_.data(), std::min(file_.Read(position_, block_), room));
         if (block.size() < room)
             end_ = position_ + static_cast<std::int64_t>(block.size());
-        std::size_t taken = block.size();
-        if (encoding_ == Encoding::Utf8)
-            text_ = block;
-        else if (encoding_ == Encoding::Windows1252)
-            text_ = decoded_ = Windows1252ToUtf8(block);
-        else
-            taken = TakeUtf16(block, position_ + static_cast<std::int64_t>(block.size()) == end_);
-        position_ += static_cast<std::int64_t>(taken);
+        position_ +=
+            static_cast<std::int64_t>(Take(block, position_ + static_cast<std::int64_t>(block.size()) == end_));
         at_ = 0;
         nextLf_ = std::min(text_.find('\n'), text_.size());
         nextCr_ = std::min(text_.find('\r'), text_.size());
@@ -140,21 +144,27 @@ bool LinuxTextStream::Fill()
     return at_ < text_.size();
 }
 
-std::size_t LinuxTextStream::TakeUtf16(std::string_view block, bool last)
+std::size_t LinuxTextStream::Take(std::string_view block, bool last)
 {
-    const std::size_t low = encoding_ == Encoding::Utf16LittleEndian ? 0 : 1;
-    units_.resize(block.size() / 2);
-    for (std::size_t i = 0; i < units_.size(); ++i) {
-        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(block[2 * i + at]); };
-        units_[i] = static_cast<char16_t>(byte(1 - low) << 8 | byte(low));
+    std::size_t taken = block.size();
+    if (encoding_ == TextEncoding::Utf8 && !damaged_) {
+        text_ = block;
+        return taken;
     }
-    if (!last && IsHighSurrogate(units_.back()))
-        units_.pop_back();
-    decoded_ = Utf16ToUtf8(units_);
-    if (last && block.size() % 2 == 1)
-        AppendUtf8(decoded_, 0xFFFD);
+    if (encoding_ == TextEncoding::Utf8) {
+        taken = last ? taken : WholeUtf8(block);
+        decoded_ = codePage_.Repair(block.substr(0, taken));
+    } else if (encoding_ == TextEncoding::CodePage) {
+        decoded_.clear();
+        taken = codePage_.Decode(block, last, decoded_);
+    } else {
+        const bool littleEndian = encoding_ == TextEncoding::Utf16LittleEndian;
+        if (!last)
+            taken = WholeUtf16(block, littleEndian);
+        decoded_ = DecodeUtf16(block.substr(0, taken), littleEndian);
+    }
     text_ = decoded_;
-    return last ? block.size() : 2 * units_.size();
+    return taken;
 }
 
 bool LinuxTextStream::AtEndOfStream()
@@ -203,7 +213,7 @@ std::size_t LinuxTextStream::SizeHint()
 {
     // A line's end of one byte makes two; elsewhere a byte makes three of UTF-8 at most (the Euro sign of
     // Windows-1252). The last line may have had no end.
-    const std::size_t most = encoding_ == Encoding::Utf8 ? 2 : 3;
+    const std::size_t most = encoding_ == TextEncoding::Utf8 && !damaged_ ? 2 : 3;
     const std::size_t inFile =
         static_cast<std::size_t>(std::max(std::min(end_, file_.Size()) - position_, std::int64_t{0}));
     return most * (inFile + text_.size() - at_) + 2;

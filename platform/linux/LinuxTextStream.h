@@ -1,7 +1,9 @@
 // Text files on Linux, read line by line.
 #pragma once
 
+#include "base/TextEncoding.h"
 #include "platform/FileSystem.h"
+#include "platform/linux/CodePage.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,9 +22,10 @@ inline constexpr std::int64_t LargestTextFile = std::int64_t{256} << 20;
 class LinuxTextStream : public TextStream
 {
 public:
-    /// Opens the file and finds out how it is encoded, for which a file in UTF-8 is read once through. Raises what
+    /// Opens the file and finds out how it is encoded, for which a file that is not UTF-16 is read once through; one
+    /// that is not UTF-8 either is taken for one of the code page, which has to outlive the stream. Raises what
     /// FileSystem::OpenTextFile does.
-    explicit LinuxTextStream(const std::string& path);
+    explicit LinuxTextStream(const std::string& path, const CodePage& codePage = CodePage::OfUser());
 
     bool AtEndOfStream() override;
     std::string ReadLine() override;
@@ -30,8 +33,6 @@ public:
     std::size_t SizeHint() override;
 
 private:
-    enum class Encoding { Utf8, Windows1252, Utf16LittleEndian, Utf16BigEndian };
-
     /// An open file.
     class File
     {
@@ -58,17 +59,18 @@ private:
     bool Fill();
     /// Where the line that begins at at_ ends in text_: at a line feed or carriage return, or at the end of it.
     std::size_t LineEnd();
-    /// Puts a block of UTF-16 into text_ and returns how many of its bytes that took: without the half of a character
-    /// at its end, unless it is the file's last block.
-    std::size_t TakeUtf16(std::string_view block, bool last);
+    /// Puts a block of the file into text_ and returns how many of its bytes that took: without what there is of a
+    /// character that breaks off at its end, unless it is the file's last block.
+    std::size_t Take(std::string_view block, bool last);
 
     File file_;
-    Encoding encoding_ = Encoding::Utf8;
+    const CodePage& codePage_;
+    TextEncoding encoding_ = TextEncoding::Utf8;
+    bool damaged_ = false;      ///< UTF-8 with bytes in it that are none
     std::int64_t position_ = 0; ///< of the next block in the file
     std::int64_t end_ = LargestTextFile;
     std::string block_;
     std::string decoded_;    ///< a block in UTF-8, where the file is not
-    std::u16string units_;   ///< a block in UTF-16
     std::string_view text_;  ///< the block at hand in UTF-8
     std::size_t at_ = 0;     ///< where the next line begins in it
     std::size_t nextLf_ = 0; ///< the first line feed and the first carriage return from there on

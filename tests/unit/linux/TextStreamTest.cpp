@@ -52,10 +52,13 @@ protected:
             lines.push_back(stream.ReadLine());
         return lines;
     }
-    Lines LinesOf(const std::string& content)
+    /// The lines of a file, as whoever uses this code page reads them.
+    Lines LinesOf(const std::string& content, const char* codePage = "CP1252") const
     {
         Write(content);
-        return LinesOf(*files.OpenTextFile(Path()));
+        const CodePage page(codePage);
+        LinuxTextStream stream(Path(), page);
+        return LinesOf(stream);
     }
     /// Number and description of what opening raises, or "none".
     std::string ErrorOf(const std::string& path)
@@ -174,16 +177,138 @@ TEST_F(TextStreamTest, AFileThatIsNotUtf8IsWindows1252)
               (Lines{"Gr\u00FC\u00DFe \u20AC\u2026", "\u0081\u00FF"}));
 }
 
-TEST_F(TextStreamTest, OneByteAnywhereDecidesForTheWholeFile)
+TEST_F(TextStreamTest, OneByteAnywhereDecidesForAFileWithoutOtherSigns)
 {
     const std::string much(3 * block, 'x');
-    EXPECT_EQ(LinesOf("\u00E9\n" + much + "\xE9"), (Lines{"\u00C3\u00A9", much + "\u00E9"}));
-    EXPECT_EQ(LinesOf("\u00E9\n" + much + "\xC3\xA9"), (Lines{"\u00E9", much + "\u00E9"}));
+    EXPECT_EQ(LinesOf(much + "\xE9"), Lines{much + "\u00E9"});
+    EXPECT_EQ(LinesOf(much + "\xC3\xA9"), Lines{much + "\u00E9"});
 }
 
-TEST_F(TextStreamTest, ACharacterBrokenOffAtTheFilesEndMakesItWindows1252)
+TEST_F(TextStreamTest, AStrayByteDoesNotMakeUtf8Windows1252)
 {
-    EXPECT_EQ(LinesOf("\u20AC\xE2\x82"), Lines{"\u00E2\u201A\u00AC\u00E2\u201A"});
+    const std::string much(3 * block, 'x');
+    EXPECT_EQ(LinesOf("\u00E9\n" + much + "\xE9"), (Lines{"\u00E9", much + "\u00E9"}));
+    EXPECT_EQ(LinesOf("Gr\u00FC\u00DFe \xFC\x80\xFF \u20AC\u0416"),
+              Lines{"Gr\u00FC\u00DFe \u00FC\u20AC\u00FF \u20AC\u0416"});
+    // What breaks off at the end is strays as well.
+    EXPECT_EQ(LinesOf("\u00E4\u00F6\u20AC\xE2\x82"), Lines{"\u00E4\u00F6\u20AC\u00E2\u201A"});
+    // Where they are the most, such characters have come about by chance.
+    EXPECT_EQ(LinesOf("\xC3\xA9\xE9\xE8"), Lines{"\u00C3\u00A9\u00E9\u00E8"});
+}
+
+TEST_F(TextStreamTest, StrayBytesAndCharactersMayLieAcrossTheEndsOfBlocks)
+{
+    for (std::size_t before = 0; before < 4; ++before) {
+        std::string text(before, 'a');
+        std::string expected = text;
+        while (text.size() < 3 * block) {
+            text += "\u20AC\u20AC\xE9";
+            expected += "\u20AC\u20AC\u00E9";
+        }
+        EXPECT_TRUE(LinesOf(text) == Lines{expected}) << before;
+    }
+}
+
+TEST_F(TextStreamTest, WhatIsNotUtf8IsInTheCodePageOfTheUsersLanguage)
+{
+    const std::string cyrillic = "\xCF\xF0\xE8\xE2\xE5\xF2, \xEC\xE8\xF0";
+    EXPECT_EQ(LinesOf(cyrillic, "CP1251"), Lines{"\u041F\u0440\u0438\u0432\u0435\u0442, \u043C\u0438\u0440"});
+    EXPECT_EQ(LinesOf("za\xBF\xF3\xB3\xE6", "CP1250"), Lines{"za\u017C\u00F3\u0142\u0107"});
+    EXPECT_EQ(LinesOf("\xF0\xD2\xC9", "KOI8-R"), Lines{"\u041F\u0440\u0438"});
+    // Stray bytes as well.
+    EXPECT_EQ(LinesOf("\u041F\u0440\u0438 \xE8", "CP1251"), Lines{"\u041F\u0440\u0438 \u0438"});
+    // One the system does not know is Western.
+    EXPECT_EQ(LinesOf("\xE9\x80", "NO-SUCH-PAGE"), Lines{"\u00E9\u20AC"});
+}
+
+TEST_F(TextStreamTest, CodePagesMayHaveCharactersOfSeveralBytesAlsoAcrossTheEndsOfBlocks)
+{
+    for (std::size_t before = 0; before < 2; ++before) {
+        std::string text(before, 'a');
+        std::string expected = text;
+        while (text.size() < 2 * block) {
+            text += "\x93\xFA\x96\x7B";
+            expected += "\u65E5\u672C";
+        }
+        EXPECT_TRUE(LinesOf(text, "CP932") == Lines{expected}) << before;
+    }
+    EXPECT_EQ(LinesOf("\xC4\xE3\xBA\xC3\r\n\xD6\xD0\xCE\xC4", "CP936"), (Lines{"\u4F60\u597D", "\u4E2D\u6587"}));
+    EXPECT_EQ(LinesOf("\x93\xFA\x93", "CP932"), Lines{"\u65E5\uFFFD"});
+    EXPECT_EQ(LinesOf("\x93\xFA\xFF-", "CP932"), Lines{"\u65E5\uFFFD-"});
+}
+
+TEST_F(TextStreamTest, ALocaleHasItsOwnCodePageOrThatOfItsLanguage)
+{
+    for (const auto& [locale, name] :
+         std::vector<std::pair<const char*, const char*>>{{"", "CP1252"},
+                                                          {"C", "CP1252"},
+                                                          {"C.UTF-8", "CP1252"},
+                                                          {"de_DE.UTF-8", "CP1252"},
+                                                          {"ru_RU.utf8", "CP1251"},
+                                                          {"ru", "CP1251"},
+                                                          {"pl_PL.UTF-8@x", "CP1250"},
+                                                          {"el_GR", "CP1253"},
+                                                          {"tr_TR.UTF-8", "CP1254"},
+                                                          {"ja_JP.UTF-8", "CP932"},
+                                                          {"zh_CN.UTF-8", "CP936"},
+                                                          {"zh_TW.UTF-8", "CP950"},
+                                                          {"zh_HK", "CP950"},
+                                                          {"sr_RS.UTF-8@latin", "CP1250"},
+                                                          {"sr_RS.UTF-8", "CP1251"},
+                                                          {"ru_RU.KOI8-R", "KOI8-R"},
+                                                          {"de_DE.ISO-8859-1", "CP1252"},
+                                                          {"de_DE.ISO-8859-15@euro", "ISO-8859-15"},
+                                                          {"fr_FR@euro", "CP1252"}})
+        EXPECT_EQ(CodePage::NameFor(locale), name) << locale;
+}
+
+TEST_F(TextStreamTest, Utf16IsKnownWithoutItsMark)
+{
+    const std::u16string longText = [] {
+        std::u16string text;
+        while (text.size() < 2 * block)
+            text += u"\u041F\u0440\u0438 \U0001F600\u4E00\r\n";
+        return text;
+    }();
+    for (const std::u16string& text :
+         {std::u16string(u"Hello"), std::u16string(u"a\r\nb"),
+          std::u16string(u"Gr\u00FC\u00DFe \u20AC\r\n\r\nEnde.\r\n"),
+          std::u16string(u"\u041F\u0440\u0438\u0432\u0435\u0442, \u043C\u0438\u0440!\r\n"),
+          std::u16string(u"\u3000\u4E00\u4E8C\u4E09\u3002\u4E00\u3000\r\n\u4F60\u597D\r\n"),
+          std::u16string(u"\u0645\u0631\u062D\u0628\u0627 \u0628\u0643\r\n"), longText})
+        for (const bool littleEndian : {true, false}) {
+            std::string expected;
+            for (const std::string& line : LinesOf("\xEF\xBB\xBF" + Utf16ToUtf8(text)))
+                expected += line + "\n";
+            std::string got;
+            for (const std::string& line : LinesOf(Utf16(text, littleEndian)))
+                got += line + "\n";
+            EXPECT_TRUE(got == expected) << Utf16ToUtf8(text).substr(0, 40) << " " << littleEndian;
+        }
+}
+
+TEST_F(TextStreamTest, TextsInBytesAreNotTakenForUtf16)
+{
+    for (const std::string& text :
+         {std::string("an even number"), std::string("hello\0world!", 12), std::string("\0\0", 2),
+          std::string("a\0", 2) + std::string("b c d e f g h i j k l m"), std::string("\x01\x02", 2)})
+        EXPECT_EQ(LinesOf(text), Lines{text});
+    EXPECT_EQ(LinesOf("Gr\xFC\xDF"
+                      "e!"),
+              Lines{"Gr\u00FC\u00DFe!"});
+    EXPECT_EQ(LinesOf("\xC4\xE3\xBA\xC3\r\n", "CP936"), Lines{"\u4F60\u597D"});
+}
+
+TEST_F(TextStreamTest, AStringIsDecodedAsAFileIs)
+{
+    const CodePage western("CP1252");
+    for (const std::string& text :
+         {std::string(), std::string("plain"), std::string("\xEF\xBB\xBFGr\u00FC\u00DFe"), std::string("na\xEFve"),
+          std::string("\u20AC \x80"), "\xFF\xFE" + Utf16(u"Gr\u00FC\u00DFe", true), Utf16(u"Hello you", false)}) {
+        const Lines lines = LinesOf(text);
+        EXPECT_EQ(DecodeText(text, western), lines.empty() ? "" : lines.front());
+    }
+    EXPECT_EQ(DecodeText("\xCF\xF0\xE8", CodePage("CP1251")), "\u041F\u0440\u0438");
 }
 
 TEST_F(TextStreamTest, AMarkInFrontOfWhatIsNotUtf8IsStillNoText)
