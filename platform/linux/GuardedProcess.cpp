@@ -43,7 +43,7 @@ struct Plan {
     char** arguments;
     char** environment;
     const char* folder;
-    char** removal; ///< the command that removes the leavings
+    char** removal;     ///< the command that removes the leavings
     const char* users;  ///< what maps our user to itself in a namespace; null when the program may have the network
     const char* groups; ///< the same for our group
     int life;

@@ -10,9 +10,9 @@ namespace voxmate::linux_platform
 {
 
 /// What to start: a program by its full path, its arguments behind its name, the whole of its environment
-/// ("NAME=value"), the folder it starts in, the files and folders that are removed when all is over, and whether it shall
-/// have no network: then it gets a network namespace with nothing in it, where the system grants one to an ordinary
-/// user. Where it doesn't, the program runs all the same and has to be kept from the network by other means.
+/// ("NAME=value"), the folder it starts in, the files and folders that are removed when all is over, and whether it
+/// shall have no network: then it gets a network namespace with nothing in it, where the system grants one to an
+/// ordinary user. Where it doesn't, the program runs all the same and has to be kept from the network by other means.
 struct GuardedCommand {
     std::string program;
     std::vector<std::string> arguments;

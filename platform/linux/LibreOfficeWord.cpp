@@ -5,7 +5,7 @@
 #include "platform/linux/FlatText.h"
 #include "platform/linux/GuardedProcess.h"
 #include "platform/linux/Md5.h"
-#include "platform/linux/WordSignature.h"
+#include "platform/linux/WordSource.h"
 
 #include <algorithm>
 #include <array>
@@ -221,8 +221,6 @@ public:
     void Open(const std::string& name, const std::function<bool()>& goOn) override
     {
         Close();
-        if (!IsWordDocument(name))
-            throw CommandFailed();
         std::optional<std::string> text = Convert(name, goOn);
         if (!text)
             throw CommandFailed();
@@ -263,7 +261,8 @@ private:
             fs::create_directories(folder.Path() + part, error);
         std::ofstream(folder.Path() + "/profile/user/registrymodifications.xcu") << Settings();
         // A plain name in a folder of its own, whatever characters the document's name has and wherever it stands.
-        fs::create_symlink(fs::absolute(name, error), folder.Path() + "/document.doc", error);
+        if (!PlaceDocument(name, folder.Path() + "/document.doc"))
+            return std::nullopt;
         GuardedProcess process(Conversion(program_, folder.Path()));
         // A call that lets the program live may come back late, as when a box is up: the user's time is not the
         // converter's.

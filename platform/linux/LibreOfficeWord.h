@@ -9,9 +9,10 @@
 namespace voxmate::linux_platform
 {
 
-/// Reads Word's binary documents, its XML documents and rich text. Each document is converted by a LibreOffice of its
-/// own with a fresh profile, in which macros don't run and which can load nothing but files, and without any network where
-/// the system grants that; an open LibreOffice of the user's is neither used nor disturbed. Positions count code points.
+/// Reads Word's binary documents, its XML documents and rich text, and whatever else LibreOffice knows as a document or
+/// a text: what is in a file counts, not what it is called. Each document is converted by a LibreOffice of its own with
+/// a fresh profile, in which macros don't run and which can load nothing but files, and without any network where the
+/// system grants that; an open LibreOffice of the user's is neither used nor disturbed. Positions count code points.
 class LibreOfficeWord : public WordAutomation
 {
 public:

@@ -149,6 +149,37 @@ class MainText(WordCase):
         self.assertLess(result.pause, 300)
 
 
+class OtherFormats(WordCase):
+    """Files called .doc with something else inside."""
+
+    TEXT = "Käthe & Jürgen.\rTwo.\r"
+    PAGE = "<html>%s<body><p>Käthe &amp; Jürgen.</p><p>Two.</p></body></html>"
+
+    def check(self, name, content):
+        self.assertEqual(self.read(self.write(name, content)).text, self.TEXT, name)
+
+    def test_what_other_programs_save_is_read(self):
+        document = maker.paragraphs(["Käthe &amp; Jürgen.", "Two."])
+        for kind in ("odt", "xml"):
+            self.assertEqual(self.read(self.office.save(kind, document, kind)).text, self.TEXT, kind)
+        self.check("flat.doc", document.encode())
+
+    def test_plain_text_is_read_in_each_encoding(self):
+        text = "Käthe & Jürgen.\r\nTwo.\r\n"
+        for encoding in ("utf-8", "cp1252", "utf-16", "utf-16-be"):
+            self.check("text-%s.doc" % encoding, text.encode(encoding))
+
+    def test_web_pages_are_read_in_each_encoding(self):
+        for encoding, head in (("utf-8", ""), ("cp1252", ""), ("utf-16", ""), ("iso-8859-15", '<head><meta charset="iso-8859-15"></head>')):
+            self.check("page-%s.doc" % encoding, (self.PAGE % head).encode(encoding))
+
+    def test_web_archives_are_read(self):
+        self.check("archive.doc", maker.web_archive(self.PAGE % "", "windows-1252"))
+
+    def test_a_text_without_text_has_no_length(self):
+        self.assertEqual(self.read(self.write("zero.doc", b"")).length, 0)
+
+
 class Refusals(WordCase):
     @classmethod
     def setUpClass(cls):
@@ -159,10 +190,7 @@ class Refusals(WordCase):
     def refused(self, name, content):
         self.assertEqual(self.read(self.write(name, content)).error, 4198, name)
 
-    def test_what_is_no_word_document_is_refused(self):
-        self.refused("zero.doc", b"")
-        self.refused("text.doc", "Ein Text für sich.\n".encode() * 100)
-        self.refused("page.doc", b"<html><body>Hello</body></html>")
+    def test_what_is_no_document_is_refused(self):
         self.refused("picture.doc", b"\x89PNG\r\n\x1a\n" + bytes(2000))
         self.refused("book.doc", self.good.replace("WordDocument".encode("utf-16le"), "WordDokument".encode("utf-16le")))
 
@@ -284,6 +312,19 @@ class Network(WordCase):
             [("rId1", "attachedTemplate", self.address + "template.dotm")])
         self.check(path, "A picture:\rincluded\r")
         self.check_that_it_asks(path)
+
+    def test_a_web_page_and_an_archived_one_load_nothing(self):
+        page = ('<html><head><link rel="stylesheet" href="%s.css"></head><body><p>A picture: <img src="%s.png">.</p><iframe src='
+                '"%s.html"></iframe></body></html>') % ((self.address + "file",) * 3)
+        self.check(self.write("page.doc", page.encode()), "A picture: .\r\r")
+        self.check_that_it_asks(self.path("page.doc"))
+        self.check(self.write("archive.doc", maker.web_archive(page, "utf-8")), "A picture: .\r\r")
+
+    def test_xml_loads_no_entities(self):
+        self.read(self.write("xml.doc", ('<?xml version="1.0"?><!DOCTYPE a SYSTEM "%sa.dtd" [<!ENTITY b SYSTEM "%sb.txt">'
+                                         '<!ENTITY %% c SYSTEM "%sc.ent"> %%c;]><a>&b;</a>' % ((self.address,) * 3)).encode()),
+                  before=no_namespaces.refuse)
+        self.assertEqual(self.asked, [])
 
     def test_rich_text_loads_no_linked_picture(self):
         # LibreOffice 7.4 doesn't ask for it even where it may.

@@ -2,6 +2,7 @@
 XML documents written part by part."""
 
 import os
+import quopri
 import shutil
 import subprocess
 import zipfile
@@ -109,6 +110,16 @@ def flat(body, styles=""):
             '</office:body></office:document>' % (_NAMES, _STYLES, styles, body))
 
 
+def web_archive(page, charset):
+    """A page as one saves it from a browser with all that belongs to it."""
+    return b"".join([
+        b'MIME-Version: 1.0\r\nContent-Type: multipart/related; boundary="----=_Next"; type="text/html"\r\n\r\n'
+        b'This is a message in several parts.\r\n\r\n------=_Next\r\nContent-Type: text/html; charset="',
+        charset.encode(), b'"\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n', quopri.encodestring(page.encode(charset)),
+        b'\r\n------=_Next\r\nContent-Type: image/png\r\nContent-Transfer-Encoding: base64\r\n\r\niVBORw0KGgo=\r\n'
+        b'------=_Next--\r\n'])
+
+
 def flat_picture(address):
     """A picture in the line that is not in the document, for a flat one."""
     return ('<draw:frame text:anchor-type="as-char" svg:width="2cm" svg:height="2cm"><draw:image xlink:href="%s" '
@@ -118,7 +129,8 @@ def flat_picture(address):
 class Office:
     """LibreOffice with a profile in a folder of the tests'."""
 
-    FILTERS = {"doc": "MS Word 97", "docx": "MS Word 2007 XML", "rtf": "Rich Text Format"}
+    FILTERS = {"doc": "MS Word 97", "docx": "MS Word 2007 XML", "rtf": "Rich Text Format",
+               "odt": "writer8", "html": "HTML (StarWriter)", "xml": "MS Word 2003 XML"}
 
     def __init__(self, folder):
         self.folder = folder
@@ -129,7 +141,7 @@ class Office:
                        check=True, timeout=120, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def save(self, name, document, kind="doc"):
-        """Saves a flat document in one of Word's formats, as name.doc whatever the format, and returns its path."""
+        """Saves a flat document in one of the formats, as name.doc whatever the format, and returns its path."""
         source, folder = os.path.join(self.folder, name + ".fodt"), os.path.join(self.folder, "out")
         with open(source, "w", encoding="utf-8") as file:
             file.write(document)

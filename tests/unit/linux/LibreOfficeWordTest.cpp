@@ -339,13 +339,27 @@ TEST_F(Word, LetsTheProgramLiveWhileItConverts)
     EXPECT_GE(calls, 10);
 }
 
-TEST_F(Word, IsNotStartedForWhatIsNoWordDocument)
+TEST_F(Word, TriesWhateverMayBeADocumentUnderItsName)
+{
+    Soffice("cp $document $record/content\n" + Gives("<text:p>abc</text:p>"));
+    const auto word = Create();
+    for (const char* content : {"", "A text.", "<html>", "<?xml version=\"1.0\"?><a/>", "PK\x03\x04"}) {
+        Write(folder_ / "other.doc", content);
+        EXPECT_EQ(ErrorOfOpening(*word, folder_ / "other.doc"), 0) << content;
+        const std::string mark =
+            *content == 'A' || *content == '\0' || std::string(content) == "<html>" ? "\xEF\xBB\xBF" : "";
+        EXPECT_EQ(Record("content"), mark + content);
+    }
+    ExpectNothingLeft();
+}
+
+TEST_F(Word, IsNotStartedForBytesThatAreNoDocument)
 {
     Soffice(Gives("<text:p>abc</text:p>"));
     const auto word = Create();
-    for (const char* content : {"", "A text.", "\x89PNG\r\n\x1A\n", "<html>"}) {
+    for (const std::string& content : {std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16), std::string(40, '\0')}) {
         Write(folder_ / "wrong.doc", content);
-        EXPECT_EQ(ErrorOfOpening(*word, folder_ / "wrong.doc"), 4198) << content;
+        EXPECT_EQ(ErrorOfOpening(*word, folder_ / "wrong.doc"), 4198);
     }
     EXPECT_EQ(ErrorOfOpening(*word, folder_ / "nowhere.doc"), 4198);
     EXPECT_EQ(Record("pids"), "");
