@@ -14,7 +14,7 @@ namespace voxmate::speech
 
 struct WaveData {
     int samplesPerSecond = 0;
-    std::vector<std::int16_t> samples; ///< mono: several channels are averaged
+    std::vector<std::int16_t> samples; ///< mono: several channels are averaged (see MonoMix)
 };
 
 /// What a wave file's header says of it.

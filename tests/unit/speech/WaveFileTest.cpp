@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -92,6 +93,118 @@ TEST(WaveFile, AveragesTwoChannels)
     const auto wave = DecodeWave(Wave(1, 2, 8000, 16, {0xE8, 0x03, 0xD0, 0x07, 0x00, 0x00, 0x0C, 0xFE}));
     ASSERT_TRUE(wave);
     EXPECT_EQ(wave->samples, (Samples{1500, -250}));
+}
+
+std::vector<std::uint8_t> Sixteen(const Samples& samples)
+{
+    std::vector<std::uint8_t> bytes;
+    for (const std::int16_t sample : samples)
+        Put(bytes, static_cast<std::uint16_t>(sample), 2);
+    return bytes;
+}
+
+/// So many frames of a tone at this amplitude in some channels, silence in the others.
+Samples Tone(std::size_t frames, const std::vector<double>& amplitudes)
+{
+    Samples samples;
+    for (std::size_t i = 0; i < frames; ++i)
+        for (const double amplitude : amplitudes)
+            samples.push_back(
+                static_cast<std::int16_t>(std::lround(amplitude * std::sin(0.05 * static_cast<double>(i)))));
+    return samples;
+}
+
+TEST(WaveFile, AChannelThatIsTheOtherUpsideDownDoesNotCancelIt)
+{
+    const auto wave = DecodeWave(Wave(1, 2, 22050, 16, Sixteen(Tone(20000, {8000, -8000}))));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, Tone(20000, {8000}));
+    const auto louder = DecodeWave(Wave(1, 2, 22050, 16, Sixteen(Tone(20000, {-4000, 8000}))));
+    ASSERT_TRUE(louder);
+    const Samples expected = Tone(20000, {6000});
+    ASSERT_EQ(louder->samples.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        ASSERT_NEAR(louder->samples[i], expected[i], 1) << i;
+}
+
+TEST(WaveFile, ChannelsThatHaveLittleInCommonAreAveragedAsTheyAre)
+{
+    Samples frames;
+    Samples average;
+    for (int i = 0; i < 20000; ++i) {
+        const auto left = static_cast<std::int16_t>(8000 * (i / 50 % 2) - 4000);
+        const auto right = static_cast<std::int16_t>(6000 * (i / 77 % 2) - 3000);
+        frames.insert(frames.end(), {left, right});
+        average.push_back(static_cast<std::int16_t>((left + right) / 2));
+    }
+    const auto wave = DecodeWave(Wave(1, 2, 22050, 16, Sixteen(frames)));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, average);
+}
+
+TEST(WaveFile, WhatIsInTheCentreAloneOfSixChannelsKeepsItsLoudness)
+{
+    Samples frames = Tone(20000, {0, 0, 8000, 0, 0, 0});
+    const auto wave = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples, Tone(20000, {8000}));
+    // Also behind silence, which is longer than what is read at once.
+    frames.insert(frames.begin(), 60000, 0);
+    const auto later = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
+    ASSERT_TRUE(later);
+    EXPECT_EQ(Samples(later->samples.begin() + 10000, later->samples.end()), Tone(20000, {8000}));
+}
+
+TEST(WaveFile, ChannelsThatComeInLaterAreAveragedFromThenOnWithoutAJump)
+{
+    Samples frames = Tone(20480, {0, 0, 8000, 0, 0, 0});
+    const Samples full = Tone(20480, {8000, 8000, 8000, 8000, 8000, 8000});
+    frames.insert(frames.end(), full.begin(), full.end());
+    const auto wave = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
+    ASSERT_TRUE(wave);
+    ASSERT_EQ(wave->samples.size(), 40960U);
+    const Samples end(wave->samples.end() - 10000, wave->samples.end());
+    const Samples expected = Tone(20480, {8000});
+    for (std::size_t i = 0; i < end.size(); ++i)
+        ASSERT_NEAR(end[i], expected[expected.size() - 10000 + i], 1) << i;
+}
+
+TEST(WaveFile, TakesTheSamplesBehindALengthThatWasNeverFilledIn)
+{
+    const Samples samples = Tone(5000, {8000});
+    for (const std::uint32_t riff : {0U, 36U, 0xFFFFFFFFU})
+        for (const std::uint32_t length : {0U, 0xFFFFFFFFU}) {
+            std::vector<std::uint8_t> file = Wave(1, 1, 22050, 16, Sixteen(samples));
+            for (std::size_t i = 0; i < 4; ++i) {
+                file[4 + i] = static_cast<std::uint8_t>(riff >> (8 * i));
+                file[40 + i] = static_cast<std::uint8_t>(length >> (8 * i));
+            }
+            const auto wave = DecodeWave(file);
+            ASSERT_TRUE(wave) << riff << " " << length;
+            EXPECT_EQ(wave->samples, samples) << riff << " " << length;
+            const std::filesystem::path path = TemporaryPath();
+            std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(file.data()), std::ssize(file));
+            const auto read = ReadWaveFile(path.string());
+            std::filesystem::remove(path);
+            ASSERT_TRUE(read) << riff << " " << length;
+            EXPECT_EQ(read->samples, samples) << riff << " " << length;
+        }
+}
+
+TEST(WaveFile, ChunksBehindNoSamplesAreNoSamples)
+{
+    std::vector<std::uint8_t> file = Wave(1, 1, 22050, 16, {});
+    for (const char c : std::string("LIST"))
+        file.push_back(static_cast<std::uint8_t>(c));
+    Put(file, 4, 4);
+    for (const char c : std::string("INFO"))
+        file.push_back(static_cast<std::uint8_t>(c));
+    EXPECT_FALSE(DecodeWave(file));
+    // One that reaches beyond the file is none.
+    file[48] = 200;
+    const auto wave = DecodeWave(file);
+    ASSERT_TRUE(wave);
+    EXPECT_EQ(wave->samples.size(), 6U);
 }
 
 TEST(WaveFile, RefusesWhatIsNotAWaveFile)
