@@ -34,7 +34,7 @@ std::string_view Stripped(std::string_view text)
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-// A part of a message: its header fields, by their names in capitals, and what follows them.
+// A part of a message: those header fields that say what it is, by their names in capitals, and what follows them.
 struct Part {
     std::map<std::string, std::string> fields;
     std::string_view body;
@@ -47,8 +47,9 @@ struct Part {
             const std::string_view line = TakeLine(text);
             if (Stripped(line).empty())
                 break;
-            if ((line.front() == ' ' || line.front() == '\t') && last) {
-                *last += line;
+            if (line.front() == ' ' || line.front() == '\t') {
+                if (last)
+                    *last += line;
                 continue;
             }
             const std::size_t colon = line.find(':');
@@ -56,8 +57,11 @@ struct Part {
                 text = rest;
                 break;
             }
-            last = &fields[UCase(line.substr(0, colon))];
-            *last = Stripped(line.substr(colon + 1));
+            const std::string name = UCase(line.substr(0, colon));
+            const bool wanted = name == "MIME-VERSION" || name == "CONTENT-TYPE" || name == "CONTENT-TRANSFER-ENCODING";
+            last = wanted ? &fields[name] : nullptr;
+            if (last)
+                *last = Stripped(line.substr(colon + 1));
         }
         body = text;
     }
@@ -115,9 +119,10 @@ std::string FromQuotedPrintable(std::string_view text)
         text.remove_prefix(std::min(equals, text.size()));
         if (text.empty())
             break;
-        const std::size_t lineEnd = std::min(text.find('\n'), text.size());
-        if (Stripped(text.substr(1, lineEnd - 1)).empty()) {
-            text.remove_prefix(std::min(lineEnd + 1, text.size()));
+        // A line is broken so, with blanks behind it at most.
+        const std::size_t next = std::min(text.find_first_not_of(" \t\r", 1), text.size());
+        if (next == text.size() || text[next] == '\n') {
+            text.remove_prefix(std::min(next + 1, text.size()));
             continue;
         }
         const int high = text.size() > 2 ? HexDigit(text[1]) : -1;

@@ -132,6 +132,20 @@ TEST_F(WordSource, OfAMessageThePageIsTakenBeforeTheText)
               Mark + std::string("Note: this is a text\nContent-Type: none\n\nyes\n"));
 }
 
+TEST_F(WordSource, CodedTextWithoutLineEndsIsDecodedInOneGo)
+{
+    // Twelve megabytes: with a look at the rest of the line for each code this would take hours.
+    std::string text = "MIME-Version: 1.0\nContent-Type: text/plain\nContent-Transfer-Encoding: quoted-printable\n\n";
+    constexpr std::size_t count = 4'000'000;
+    for (std::size_t i = 0; i < count; ++i)
+        text += "=41";
+    EXPECT_TRUE(PageOfWebArchive(text)->content == std::string(count, 'A'));
+    EXPECT_EQ(PageOfWebArchive("MIME-Version: 1.0\nContent-Type: text/plain\nContent-Transfer-Encoding: "
+                               "quoted-printable\n\na= \t\r\nb=\nc=")
+                  ->content,
+              "abc");
+}
+
 TEST_F(WordSource, ADamagedWebArchiveGivesWhatThereIsOrNothing)
 {
     const std::string whole =
