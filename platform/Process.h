@@ -17,7 +17,8 @@ public:
     /// Writes the Windows directory (on Linux the folder of the shared data) into `buffer`, which has room for `size`
     /// characters, and returns its length; when it does not fit, the needed size, and the buffer stays as it is.
     virtual std::uint32_t GetWindowsDirectoryA(std::string& buffer, std::uint32_t size) = 0;
-    /// True when another copy of the program runs for this user. The first call claims the place for this process.
+    /// True when another copy of the program works on the same folder of data. The first call claims the place for this
+    /// process.
     virtual bool PreviousInstance() = 0;
     /// Starts a program and returns its task id; raises run-time error 53 "File not found" when it cannot be started.
     /// Window style 3 is maximised with focus.

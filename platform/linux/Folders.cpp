@@ -89,10 +89,13 @@ void PlaceTips(const std::string& sharedFolder, const std::string& programFolder
         fs::rename(fresh, target, error);
 }
 
-std::string LockFilePath()
+std::vector<std::string> LockFilePaths()
 {
-    const std::string runtime = AbsoluteFromEnvironment("XDG_RUNTIME_DIR");
-    return (runtime.empty() ? ProgramFolder() : runtime) + "/voxmate.lock";
+    const char* name = "/voxmate.lock";
+    std::vector<std::string> paths{ProgramFolder() + name};
+    if (const std::string runtime = AbsoluteFromEnvironment("XDG_RUNTIME_DIR"); !runtime.empty())
+        paths.push_back(runtime + name);
+    return paths;
 }
 
 } // namespace voxmate::linux_platform

@@ -17,7 +17,8 @@ std::string ProgramFolder();
 std::string SharedDataFolder();
 /// Puts the shipped tips into the program's folder, unless a file of that name is there: the user's own stays.
 void PlaceTips(const std::string& sharedFolder, const std::string& programFolder);
-/// Where this user's lock file stands: $XDG_RUNTIME_DIR, or the program's folder.
-std::string LockFilePath();
+/// Where the lock file of the one program that works on the program's folder may stand: in that folder, or, where that
+/// cannot be written or takes no locks, in $XDG_RUNTIME_DIR.
+std::vector<std::string> LockFilePaths();
 
 } // namespace voxmate::linux_platform

@@ -116,16 +116,20 @@ bool LinuxProcess::PreviousInstance()
 {
     if (lock_ >= 0)
         return false;
-    const int file = ::open(LockFilePath().c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    // Where no lock can be had (a read-only folder), a second copy is better than none.
-    if (file < 0)
-        return false;
-    if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    for (const std::string& path : LockFilePaths()) {
+        const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        if (file < 0)
+            continue;
+        if (::flock(file, LOCK_EX | LOCK_NB) == 0) {
+            lock_ = file;
+            return false;
+        }
         const bool taken = errno == EWOULDBLOCK;
         ::close(file);
-        return taken;
+        if (taken)
+            return true;
     }
-    lock_ = file;
+    // Where no lock can be had, a second copy is better than none.
     return false;
 }
 

@@ -23,7 +23,8 @@ public:
 
     std::string ProgramDirectory() override;
     std::uint32_t GetWindowsDirectoryA(std::string& buffer, std::uint32_t size) override;
-    /// A lock on a file of this user's: the kernel lets go of it when the process ends, however it ends.
+    /// A lock on a file in the program's folder, because two copies would write over each other's reminders there. The
+    /// kernel lets go of it when the process ends, however it ends.
     bool PreviousInstance() override;
     /// "explorer.exe ADDRESS" opens the address with the desktop's own opener, which has failed, too, when it ends with
     /// an error within OpenerPatience: it starts even where there is no browser. Any other command is a program and its

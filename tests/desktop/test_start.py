@@ -109,6 +109,17 @@ class Instances(ProgramCase):
         self.assertEqual(second.wait(5), 0)
         self.assertIsNone(self.program.poll())
 
+    def test_a_second_copy_in_another_session_says_so_too_because_the_folder_of_data_is_one(self):
+        self.start_and_settle()
+        with tempfile.TemporaryDirectory() as runtime:
+            os.chmod(runtime, 0o700)
+            second = self.desk.spawn(os.path.join(BUILD, "voxmate"), env=dict(self.desk.env, XDG_RUNTIME_DIR=runtime))
+            self.addCleanup(self.desk.end, second)
+            self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
+            self.press("OK")
+            self.assertEqual(second.wait(5), 0)
+        self.assertIsNone(self.program.poll())
+
     def test_a_crash_leaves_nothing_that_blocks_the_next_start(self):
         self.start_and_settle()
         self.program.send_signal(signal.SIGKILL)

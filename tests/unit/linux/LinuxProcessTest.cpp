@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxProcess.h"
 
+#include "OrdinaryUser.h"
 #include "OwnFolder.h"
 #include "base/RuntimeError.h"
 
@@ -64,6 +65,54 @@ TEST_F(LinuxProcessTest, ASecondCopyIsSeenAndOneThatWasKilledIsNot)
     EXPECT_FALSE(third.PreviousInstance());
     ::close(ready[0]);
     ::close(ready[1]);
+}
+
+class OneCopyTest : public LinuxProcessTest
+{
+protected:
+    /// Whether another process that is started with this environment finds a previous instance.
+    bool AnotherIsSeen(const std::string& home, const std::string& runtime)
+    {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            Set("VOXMATE_HOME", home);
+            Set("XDG_RUNTIME_DIR", runtime);
+            LinuxProcess another;
+            ::_exit(another.PreviousInstance() ? 1 : 0);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WEXITSTATUS(status) == 1;
+    }
+    std::string Home(const std::string& name = "home") const { return (folder / name).string(); }
+};
+
+TEST_F(OneCopyTest, TwoSessionsWithOneFolderOfDataAreOneTooMany)
+{
+    LinuxProcess first;
+    EXPECT_FALSE(first.PreviousInstance());
+    fs::create_directory(folder / "other session");
+    EXPECT_TRUE(AnotherIsSeen(Home(), (folder / "other session").string()));
+    fs::create_directory_symlink(Home(), folder / "linked");
+    EXPECT_TRUE(AnotherIsSeen(Home("linked"), folder.string()));
+}
+
+TEST_F(OneCopyTest, TwoFoldersOfDataMayBeUsedInOneSession)
+{
+    LinuxProcess first;
+    EXPECT_FALSE(first.PreviousInstance());
+    EXPECT_FALSE(AnotherIsSeen(Home("other home"), folder.string()));
+}
+
+TEST_F(OneCopyTest, AFolderThatMayNotBeWrittenIsWatchedFromTheSession)
+{
+    fs::create_directory(folder / "home");
+    fs::permissions(folder / "home", fs::perms(0555));
+    fs::permissions(folder, fs::perms(0777));
+    const OrdinaryUser user;
+    LinuxProcess first;
+    EXPECT_FALSE(first.PreviousInstance());
+    EXPECT_TRUE(AnotherIsSeen(Home(), folder.string()));
 }
 
 TEST_F(LinuxProcessTest, AProgramIsStartedWithItsArgumentsAndAMissingOneIsAnError)
