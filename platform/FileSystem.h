@@ -29,6 +29,13 @@ public:
     virtual std::size_t SizeHint() { return 0; }
 };
 
+/// Holds a file for this program until it goes.
+class FileLock
+{
+public:
+    virtual ~FileLock() = default;
+};
+
 class FileSystem
 {
 public:
@@ -51,16 +58,25 @@ public:
     /// the folder cannot be read.
     virtual std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) = 0;
 
-    /// Opens a file of slots of `recordLength` bytes, for reading alone where it may not be written; a missing one is
-    /// created empty. Raises run-time error 70 "Permission denied" when another process has it open, 75 "Path/File
+    /// Opens a file of slots of `recordLength` bytes, for reading alone where it may not be written. A missing one is
+    /// created; it has its name from the first Flush or Close on, so that there is never half a file of that name.
+    /// Raises run-time error 70 "Permission denied" when another process has it open and goes on to, 75 "Path/File
     /// access error" when it may be neither read nor made or is no file, 76 "Path not found" when there is no such
     /// folder, 61 "Disk full" and 57 "Device I/O error".
     virtual std::unique_ptr<RandomAccessFile> OpenRandom(const std::string& path, std::size_t recordLength) = 0;
+    /// The same for a file that is there; raises run-time error 53 "File not found" instead of creating one.
+    virtual std::unique_ptr<RandomAccessFile> OpenRandomExisting(const std::string& path, std::size_t recordLength) = 0;
+    /// Holds a file, which may be missing, against everybody else who asks for it in this way, until what is returned
+    /// goes. Waits two seconds for its turn, then raises run-time error 70. Nothing is returned where its folder takes
+    /// no lock.
+    virtual std::unique_ptr<FileLock> Lock(const std::string& path) = 0;
+    /// What a symbolic link leads to in the end, which may be missing; any other path as it is.
+    virtual std::string LinkTarget(const std::string& path) = 0;
     /// Creates an empty file, emptying the one that is there. Raises what OpenRandom does, and 75 as well when the file
     /// may only be read.
     virtual void CreateTextFile(const std::string& path) = 0;
     /// Deletes a file. Raises run-time error 53 "File not found", 70 when another process has it open as a file of
-    /// slots, when it or its folder may not be written or it is no file, and 57.
+    /// slots and goes on to, when it or its folder may not be written or it is no file, and 57.
     virtual void DeleteFile(const std::string& path) = 0;
     /// Renames a file within its folder and returns when the disk knows it. Raises run-time error 53, 58 "File already
     /// exists" when there is a file of the new name, 70 when the folder may not be written, 61 and 57.

@@ -8,7 +8,7 @@ namespace voxmate
 {
 
 /// An open file of slots, counted from 1: slot k begins at byte (k - 1) times the slot's size. No other process can
-/// open it meanwhile. What was put and not flushed or closed is lost when the object goes.
+/// open it meanwhile. What was put and not flushed or closed is lost when the object goes, and so is a new file.
 class RandomAccessFile
 {
 public:
@@ -23,7 +23,7 @@ public:
     /// before anything is touched when the record is longer than a slot, 75 "Path/File access error" when the file may
     /// only be read, 61 "Disk full" and 57 when writing fails; the two last may come as late as Flush or Close.
     virtual void Put(std::int32_t slot, std::string_view record) = 0;
-    /// Returns when all that was put is on the disk, and the file's name, too, if opening it has made it.
+    /// Returns when all that was put is on the disk, and the file's name, too, if it is new.
     virtual void Flush() = 0;
     /// Writes what was put and closes the file, which takes no other call afterwards. It is closed after an error, too.
     virtual void Close() = 0;

@@ -1,13 +1,14 @@
 // What the file system changes: files of slots, and making, deleting and renaming files.
 #include "base/FileName.h"
+#include "platform/linux/LinuxFileLock.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxRandomFile.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace voxmate::linux_platform
@@ -34,28 +35,38 @@ RuntimeError ChangeErrorOf(int number)
     }
 }
 
-// Renames without ever replacing a file; 0 or -1 with errno.
-int RenameToNew(const char* from, const char* to)
-{
-    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
-        return 0;
-    // Not every file system can.
-    if (errno != EINVAL && errno != ENOSYS)
-        return -1;
-    struct stat status {
-    };
-    if (::lstat(to, &status) == 0) {
-        errno = EEXIST;
-        return -1;
-    }
-    return std::rename(from, to);
-}
-
 } // namespace
 
 std::unique_ptr<RandomAccessFile> LinuxFileSystem::OpenRandom(const std::string& path, std::size_t recordLength)
 {
-    return std::make_unique<LinuxRandomFile>(InAnyExtensionCase(path), recordLength);
+    return std::make_unique<LinuxRandomFile>(InAnyExtensionCase(path), recordLength, true);
+}
+
+std::unique_ptr<RandomAccessFile> LinuxFileSystem::OpenRandomExisting(const std::string& path, std::size_t recordLength)
+{
+    const std::string found = InAnyExtensionCase(path);
+    struct stat status {
+    };
+    if (::stat(found.c_str(), &status) != 0 && errno == ENOENT)
+        throw FileNotFound();
+    return std::make_unique<LinuxRandomFile>(found, recordLength, false);
+}
+
+std::unique_ptr<FileLock> LinuxFileSystem::Lock(const std::string& path)
+{
+    return LockBeside(path);
+}
+
+std::string LinuxFileSystem::LinkTarget(const std::string& path)
+{
+    constexpr int mostLinks = 40; // as many as the kernel follows
+    std::filesystem::path target = path;
+    std::error_code error;
+    for (int i = 0; i < mostLinks && std::filesystem::is_symlink(target, error); ++i) {
+        const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+        target = next.is_absolute() ? next : target.parent_path() / next;
+    }
+    return target.string();
 }
 
 void LinuxFileSystem::CreateTextFile(const std::string& path)
@@ -78,7 +89,7 @@ void LinuxFileSystem::DeleteFile(const std::string& path)
         throw PermissionDenied();
     // Held until it is gone, so that nobody opens it meanwhile.
     const Descriptor file(::open(found.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
-    if (file.Number() >= 0 && ::flock(file.Number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    if (file.Number() >= 0 && !LockedInTime(file.Number()))
         throw PermissionDenied();
     if (::unlink(found.c_str()) != 0)
         throw ChangeErrorOf(errno);

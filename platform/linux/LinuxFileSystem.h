@@ -17,6 +17,9 @@ public:
     std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override;
     std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override;
     std::unique_ptr<RandomAccessFile> OpenRandom(const std::string& path, std::size_t recordLength) override;
+    std::unique_ptr<RandomAccessFile> OpenRandomExisting(const std::string& path, std::size_t recordLength) override;
+    std::unique_ptr<FileLock> Lock(const std::string& path) override;
+    std::string LinkTarget(const std::string& path) override;
     void CreateTextFile(const std::string& path) override;
     void DeleteFile(const std::string& path) override;
     void MoveFile(const std::string& from, const std::string& to) override;

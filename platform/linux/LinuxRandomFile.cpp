@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace voxmate::linux_platform
@@ -17,6 +20,10 @@ namespace
 // Large enough that reading costs more than asking for it, small enough to stay in the processor's cache.
 constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
+// How long a file may be another's before that is an error, and how often it is looked at meanwhile.
+constexpr std::chrono::milliseconds Patience{500};
+constexpr std::chrono::milliseconds LookEvery{5};
+
 bool Exists(const std::string& path)
 {
     struct stat status {
@@ -24,11 +31,22 @@ bool Exists(const std::string& path)
     return ::stat(path.c_str(), &status) == 0;
 }
 
+// Whether a path still leads to this open file, which another program may have replaced.
+bool IsAt(int number, const std::string& path)
+{
+    struct stat open {
+    };
+    struct stat named {
+    };
+    return ::fstat(number, &open) == 0 && ::stat(path.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
+           open.st_ino == named.st_ino;
+}
+
 // Opens for reading and writing, and for reading alone where that is all that is allowed.
 int OpenForSlots(const std::string& path, bool& readOnly)
 {
     try {
-        return OpenLocked(path, O_RDWR | O_CREAT);
+        return OpenLocked(path, O_RDWR);
     } catch (const RuntimeError& error) {
         if (error.Number != PathFileAccessError().Number || !Exists(path))
             throw;
@@ -75,6 +93,18 @@ RuntimeError WriteErrorOf(int number)
     }
 }
 
+bool LockedInTime(int number)
+{
+    const auto last = std::chrono::steady_clock::now() + Patience;
+    // A file system without locks has none to respect.
+    while (::flock(number, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        if (std::chrono::steady_clock::now() > last)
+            return false;
+        std::this_thread::sleep_for(LookEvery);
+    }
+    return true;
+}
+
 int OpenLocked(const std::string& path, int flags)
 {
     // Not blocking, because what stands there may be a pipe.
@@ -84,12 +114,30 @@ int OpenLocked(const std::string& path, int flags)
     struct stat status {
     };
     const bool regular = ::fstat(number, &status) == 0 && S_ISREG(status.st_mode);
-    // A file system without locks has none to respect.
-    const bool held = regular && ::flock(number, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    if (regular && !held)
+    const bool free = regular && LockedInTime(number);
+    if (free && IsAt(number, path))
         return number;
     ::close(number);
-    throw held ? PermissionDenied() : PathFileAccessError();
+    // Whoever had it has replaced it.
+    if (free)
+        return OpenLocked(path, flags);
+    throw regular ? PermissionDenied() : PathFileAccessError();
+}
+
+int RenameToNew(const char* from, const char* to)
+{
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return 0;
+    // Not every file system can.
+    if (errno != EINVAL && errno != ENOSYS)
+        return -1;
+    struct stat status {
+    };
+    if (::lstat(to, &status) == 0) {
+        errno = EEXIST;
+        return -1;
+    }
+    return std::rename(from, to);
 }
 
 void SyncFolderOf(const std::string& path)
@@ -100,10 +148,29 @@ void SyncFolderOf(const std::string& path)
         ::fsync(opened.Number());
 }
 
-LinuxRandomFile::LinuxRandomFile(const std::string& path, std::size_t recordLength)
-    : path_(path), recordLength_(static_cast<std::int64_t>(recordLength)), created_(!Exists(path)),
-      file_(OpenForSlots(path, readOnly_))
+LinuxRandomFile::LinuxRandomFile(const std::string& path, std::size_t recordLength, bool create)
+    : path_(path), recordLength_(static_cast<std::int64_t>(recordLength)),
+      unnamed_(create && !Exists(path) ? path + ".new" : ""),
+      file_(unnamed_.empty() ? OpenForSlots(path, readOnly_) : OpenLocked(unnamed_, O_RDWR | O_CREAT))
 {
+    // What a crash has left there was never whole.
+    if (!unnamed_.empty() && ::ftruncate(file_.Number(), 0) != 0)
+        throw DeviceIOError();
+}
+
+LinuxRandomFile::~LinuxRandomFile()
+{
+    if (!unnamed_.empty())
+        ::unlink(unnamed_.c_str());
+}
+
+void LinuxRandomFile::Name()
+{
+    if (unnamed_.empty())
+        return;
+    if (RenameToNew(unnamed_.c_str(), path_.c_str()) != 0)
+        throw errno == EEXIST ? PermissionDenied() : WriteErrorOf(errno);
+    unnamed_.clear();
 }
 
 std::int64_t LinuxRandomFile::Position(std::int32_t slot) const
@@ -202,15 +269,17 @@ void LinuxRandomFile::Flush()
     WriteOut();
     if (::fdatasync(file_.Number()) != 0)
         throw WriteErrorOf(errno);
-    if (created_)
-        SyncFolderOf(path_);
-    created_ = false;
+    if (unnamed_.empty())
+        return;
+    Name();
+    SyncFolderOf(path_);
 }
 
 void LinuxRandomFile::Close()
 {
     try {
         WriteOut();
+        Name();
     } catch (const RuntimeError&) {
         file_.Close();
         throw;

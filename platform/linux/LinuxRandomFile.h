@@ -28,9 +28,14 @@ private:
     int number_;
 };
 
-/// Opens a regular file, creating a missing one readable by its user alone, and locks it against other processes until
-/// it is closed. Raises what FileSystem::OpenRandom does.
+/// Locks an open file against other processes until it is closed; false when another has it. Whoever looks at a file,
+/// as programs that make copies do, has it for a moment, which is waited for.
+bool LockedInTime(int number);
+/// Opens a regular file, with O_CREAT creating a missing one readable by its user alone, and locks it in that way.
+/// Raises what FileSystem::OpenRandom does.
 int OpenLocked(const std::string& path, int flags);
+/// Renames without ever replacing a file; 0, or -1 with errno.
+int RenameToNew(const char* from, const char* to);
 /// Has the disk know of new and changed names in the folder of a file, as far as its file system can.
 void SyncFolderOf(const std::string& path);
 /// The run-time error of a failed call that opens or writes a file, by its errno.
@@ -40,8 +45,12 @@ RuntimeError WriteErrorOf(int number);
 class LinuxRandomFile : public RandomAccessFile
 {
 public:
-    /// Raises what FileSystem::OpenRandom does.
-    LinuxRandomFile(const std::string& path, std::size_t recordLength);
+    /// Opens the file, or, with `create`, makes a missing one. Raises what FileSystem::OpenRandom does, and run-time
+    /// error 53 for a missing file that is not to be made.
+    LinuxRandomFile(const std::string& path, std::size_t recordLength, bool create);
+    ~LinuxRandomFile() override;
+    LinuxRandomFile(const LinuxRandomFile&) = delete;
+    LinuxRandomFile& operator=(const LinuxRandomFile&) = delete;
 
     std::int64_t Count() override;
     std::string_view Get(std::int32_t slot) override;
@@ -54,10 +63,12 @@ private:
     void ReadBlock(std::int64_t position);
     /// Writes what is pending. Where that fails, the file gets back the size it had.
     void WriteOut();
+    /// Gives a new file its name.
+    void Name();
 
     std::string path_;
     std::int64_t recordLength_;
-    bool created_; ///< its name may not be on the disk yet
+    std::string unnamed_; ///< where a new file stands until it has its name; else empty
     bool readOnly_ = false;
     Descriptor file_;
     std::string block_; ///< read last, from blockAt_ on

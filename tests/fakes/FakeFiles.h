@@ -54,6 +54,25 @@ public:
         Call("OpenRandom " + path + " " + std::to_string(recordLength));
         return std::make_unique<Slots>(*this, path, texts[path], recordLength);
     }
+    std::unique_ptr<RandomAccessFile> OpenRandomExisting(const std::string& path, std::size_t recordLength) override
+    {
+        Call("OpenRandom " + path + " " + std::to_string(recordLength));
+        if (!FileExists(path))
+            throw FileNotFound();
+        return std::make_unique<Slots>(*this, path, texts[path], recordLength);
+    }
+    std::map<std::string, std::string> links; ///< path -> what it leads to
+    std::string LinkTarget(const std::string& path) override { return links.contains(path) ? links[path] : path; }
+    std::set<std::string> locks; ///< what is held just now
+    bool logLocks = false;
+    std::unique_ptr<FileLock> Lock(const std::string& path) override
+    {
+        if (logLocks)
+            Call("Lock " + path);
+        if (!locks.insert(path).second)
+            throw PermissionDenied();
+        return std::make_unique<Held>(*this, path);
+    }
     void CreateTextFile(const std::string& path) override
     {
         Call("CreateTextFile " + path);
@@ -91,7 +110,10 @@ public:
     std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern) override
     {
         std::vector<std::string> names;
-        for (const std::string& file : files) {
+        std::set<std::string> all = files;
+        for (const auto& text : texts)
+            all.insert(text.first);
+        for (const std::string& file : all) {
             const std::string name = file.substr(file.rfind('\\') + 1);
             if (file == folder + name && ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
                 names.push_back(name);
@@ -109,6 +131,22 @@ private:
         if (whenCalled)
             whenCalled(call);
     }
+
+    class Held : public FileLock
+    {
+    public:
+        Held(FakeFiles& owner, std::string path) : owner_(owner), path_(std::move(path)) {}
+        ~Held() override
+        {
+            owner_.locks.erase(path_);
+            if (owner_.logLocks && owner_.log)
+                owner_.log->push_back("Unlock " + path_);
+        }
+
+    private:
+        FakeFiles& owner_;
+        std::string path_;
+    };
 
     /// Get is told of only where it fails: there are too many of them.
     class Slots : public RandomAccessFile

@@ -5,6 +5,7 @@
 
 #include "base/RuntimeError.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -12,9 +13,11 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <memory>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace voxmate::linux_platform
@@ -72,6 +75,109 @@ TEST_F(RandomFileTest, AMissingFileIsCreatedEmptyForItsUserAlone)
     EXPECT_TRUE(fs::exists(Path()));
     EXPECT_EQ(Content(), "");
     EXPECT_EQ(fs::status(Path()).permissions(), fs::perms(0600));
+}
+
+TEST_F(RandomFileTest, AFileThatIsOnlyToBeReadIsNotMade)
+{
+    EXPECT_EQ(ErrorOf([&] { files.OpenRandomExisting(Path(), 8); }), 53);
+    EXPECT_EQ(ErrorOf([&] { files.OpenRandomExisting(Path("nowhere/slots"), 8); }), 53);
+    EXPECT_TRUE(fs::is_empty(folder));
+    Write("abcdefgh");
+    EXPECT_EQ(files.OpenRandomExisting(Path(), 8)->Get(1), "abcdefgh");
+}
+
+TEST_F(RandomFileTest, ANewFileHasItsNameOnlyWhenItIsWhole)
+{
+    Write("half of one that a crash has left", "slots.new");
+    {
+        const auto file = files.OpenRandom(Path(), 8);
+        file->Put(1, "a");
+        EXPECT_FALSE(fs::exists(Path()));
+    }
+    EXPECT_TRUE(fs::is_empty(folder));
+    const auto file = files.OpenRandom(Path(), 8);
+    file->Put(1, "a");
+    file->Flush();
+    EXPECT_EQ(Content(), std::string("a\0\0\0\0\0\0\0", 8));
+    file->Put(2, "b");
+    file->Close();
+    EXPECT_EQ(Content(), std::string("a\0\0\0\0\0\0\0b\0\0\0\0\0\0\0", 16));
+    EXPECT_FALSE(fs::exists(Path("slots.new")));
+}
+
+TEST_F(RandomFileTest, AFileThatSomebodyElseHasMadeMeanwhileIsNotReplaced)
+{
+    const auto file = files.OpenRandom(Path(), 8);
+    file->Put(1, "mine");
+    Write("another");
+    EXPECT_EQ(ErrorOf([&] { file->Flush(); }), 70);
+    EXPECT_EQ(Content(), "another");
+}
+
+TEST_F(RandomFileTest, ALockIsHadByOneProcessAtATimeAndLetGoOfWhenThatEnds)
+{
+    const auto others = [&] {
+        const pid_t process = ::fork();
+        if (process == 0)
+            ::_exit(ErrorOf([&] { files.Lock(Path()); }));
+        int status = 0;
+        ::waitpid(process, &status, 0);
+        return WEXITSTATUS(status);
+    };
+    {
+        const auto lock = files.Lock(Path());
+        EXPECT_TRUE(lock);
+        EXPECT_FALSE(fs::exists(Path())) << "locking makes the file";
+        EXPECT_EQ(others(), 70);
+    }
+    EXPECT_EQ(others(), 0);
+    // One that is killed holds nothing any longer.
+    const pid_t process = ::fork();
+    if (process == 0) {
+        const auto lock = files.Lock(Path());
+        ::kill(::getpid(), SIGKILL);
+    }
+    ::waitpid(process, nullptr, 0);
+    EXPECT_TRUE(files.Lock(Path()));
+}
+
+TEST_F(RandomFileTest, ALockIsWaitedForAndSoIsAFileThatIsHeldForAMoment)
+{
+    Write("abcdefgh");
+    auto holder = std::make_unique<FileHolder>(Path());
+    std::thread freeing([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        holder.reset();
+    });
+    EXPECT_EQ(OpenError(), 0);
+    freeing.join();
+    auto lock = files.Lock(Path());
+    std::thread unlocking([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        lock.reset();
+    });
+    EXPECT_EQ(ErrorOf([&] { EXPECT_TRUE(files.Lock(Path())); }), 0);
+    unlocking.join();
+}
+
+TEST_F(RandomFileTest, AFolderThatMayNotBeWrittenTakesNoLock)
+{
+    fs::permissions(folder, fs::perms(0555));
+    const OrdinaryUser user;
+    EXPECT_FALSE(files.Lock(Path()));
+    EXPECT_FALSE(files.Lock(Path("nowhere/slots")));
+}
+
+TEST_F(RandomFileTest, ALinkIsFollowedToItsEndThoughNothingIsThere)
+{
+    EXPECT_EQ(files.LinkTarget(Path()), Path());
+    fs::create_symlink("second", Path("first"));
+    fs::create_symlink(Path("third"), Path("second"));
+    EXPECT_EQ(files.LinkTarget(Path("first")), Path("third"));
+    Write("x", "third");
+    EXPECT_EQ(files.LinkTarget(Path("first")), Path("third"));
+    fs::create_symlink("round", Path("round"));
+    EXPECT_EQ(files.LinkTarget(Path("round")), Path("round"));
 }
 
 TEST_F(RandomFileTest, ASlotIsReadAsFarAsTheFileHasIt)
