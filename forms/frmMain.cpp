@@ -107,6 +107,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuOptions.Click = [this] { mnuOptions_Click(); };
     mnuSysTray.Click = [this] { mnuSysTray_Click(); };
     RemTimer.Tick = [] { RemTimer_Timer(); };
+    RemRetryTimer.Tick = [] { RetryReminders(); };
     mnuShowAll.Click = [this] { mnuShowAll_Click(); };
     mnuEReminders.Click = [this] { mnuEReminders_Click(); };
     mnuDReminders.Click = [this] { mnuDReminders_Click(); };

@@ -25,6 +25,7 @@ public:
 
     Timer SysTime{this, "SysTime", 1000, true};
     Timer RemTimer{this, "RemTimer", 800, false};
+    Timer RemRetryTimer{this, "RemRetryTimer", 1000, false};
     PictureBox TrayPict{this, "TrayPict", "voxmate"};
     CommandButton cmdDate{this, "cmdDate"};
     CommandButton cmdTime{this, "cmdTime"};
@@ -106,6 +107,7 @@ public:
     void SetVoiceControls(int pitch, int speed, int whisper) override;
     void EnableReminderTimer(bool enabled) override { RemTimer.Enabled = enabled; }
     bool ReminderTimerEnabled() const override { return RemTimer.Enabled; }
+    void EnableReminderRetry(bool enabled) override { RemRetryTimer.Enabled = enabled; }
     void CheckReminderMenus(bool enable, bool disable) override;
     bool EnableRemindersChecked() const override { return mnuEReminders.Checked; }
     std::unique_ptr<AlertWindow> NewAlertWindow() override;

@@ -121,6 +121,8 @@ void frmReminder::SelectListItem(std::int16_t index)
 void frmReminder::ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
                              const std::string& time, const std::string& description, bool done)
 {
+    shownTitle_ = title;
+    shownDescription_ = description;
     txtTitle.Text = title;
     mvDate.SetValue({year, month, day});
     timeByCode_ = true;
@@ -202,7 +204,11 @@ bool frmReminder::UpdateSelected()
     if (!Confirmed("Are you sure you want to update the selected reminder ?", "Suggest") ||
         !ValidateReminderInput(false))
         return true;
-    const std::int16_t id = SelectedId();
+    const std::int16_t id = PlaceOfShown();
+    if (id == 0) {
+        TellOfListReadAnew();
+        return false;
+    }
     StoreReminder(id, Fields());
     if (!TrySaveReminders(0))
         return false;
@@ -216,8 +222,10 @@ void frmReminder::cmdDelete_Click()
     const Command command(working_);
     if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?", "Suggest"))
         return;
-    const std::int16_t id = SelectedId();
-    if (id > 0 && TrySaveReminders(id))
+    const std::int16_t id = PlaceOfShown();
+    if (id == 0)
+        TellOfListReadAnew();
+    else if (TrySaveReminders(id))
         LoadReminders(true, 0);
 }
 
@@ -246,6 +254,23 @@ std::int16_t frmReminder::SelectedId() const
 {
     const std::size_t number = lstvReminders.SelectedItem();
     return number == 0 ? std::int16_t{0} : ToInt16(WholeNumber(lstvReminders.ListItems()[number - 1].Text).value_or(0));
+}
+
+// Where the reminder that is shown stands in the list, which may have been read anew with what another program has done
+// to it; 0 when it is not there any more.
+std::int16_t frmReminder::PlaceOfShown() const
+{
+    const auto isShown = [this](std::int16_t id) {
+        const auto at = static_cast<std::size_t>(id);
+        return RemTitles[at] == shownTitle_ && RemDescs[at] == shownDescription_;
+    };
+    const std::int16_t selected = SelectedId();
+    if (RemindersValid == False || selected == 0 || (selected <= RemCount && isShown(selected)))
+        return selected;
+    for (std::int32_t id = 1; id <= RemCount; ++id)
+        if (isShown(static_cast<std::int16_t>(id)))
+            return static_cast<std::int16_t>(id);
+    return 0;
 }
 
 Reminder frmReminder::Fields() const

@@ -53,6 +53,8 @@ private:
     Platform& platform_;
     bool working_ = false;    ///< a command runs
     bool timeByCode_ = false; ///< the program fills txtTime, not the user
+    std::string shownTitle_;  ///< of the reminder that was put into the fields last
+    std::string shownDescription_;
 
     void Arrange();
     void MarkChanged();
@@ -65,6 +67,7 @@ private:
     void cmdClose_Click();
 
     std::int16_t SelectedId() const;
+    std::int16_t PlaceOfShown() const;
     Reminder Fields() const;
     bool ValidateReminderInput(bool adding);
     bool Refuse(const char* text, Control& field);

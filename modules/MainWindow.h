@@ -35,6 +35,8 @@ public:
     /// The reminder timer.
     virtual void EnableReminderTimer(bool enabled) = 0;
     virtual bool ReminderTimerEnabled() const = 0;
+    /// The timer that calls RetryReminders once a second; it is off unless something is to be tried again.
+    virtual void EnableReminderRetry(bool enabled) = 0;
     /// The check marks of the two menu items that switch reminders on and off.
     virtual void CheckReminderMenus(bool enable, bool disable) = 0;
     virtual bool EnableRemindersChecked() const = 0;

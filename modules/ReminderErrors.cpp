@@ -31,11 +31,14 @@ std::string NumberAndDescription(const RuntimeError& error)
     return "Error " + std::to_string(error.Number) + " - " + error.Description;
 }
 
-std::string TooLongReason(const std::string& title, const std::string& description)
+std::string TooLongReason(const std::string& title, const std::string& record)
 {
+    // The numbers of a date need more room when one is negative.
+    const ReminderRecord fields = ReadReminder(record);
+    const std::size_t texts = fields.Title.size() + fields.Description.size();
+    const std::size_t others = record.size() - texts;
     return "the title and the description of \"" + Trim(title) + "\" are too long. Together they take up " +
-           std::to_string(title.size() + description.size()) + " bytes, and there is room for " +
-           std::to_string(ReminderTextSize) +
+           std::to_string(texts) + " bytes, and there is room for " + std::to_string(ReminderSlotSize - others) +
            ". A letter from A to Z, a digit or a blank takes up one byte, any other character up to four.";
 }
 

@@ -10,8 +10,8 @@ namespace voxmate
 
 /// A run-time error of the file in a person's words, as the end of a sentence: "the disk is full."
 std::string Reason(const RuntimeError& error);
-/// The same for a reminder that does not fit its slot, which is named.
-std::string TooLongReason(const std::string& title, const std::string& description);
+/// The same for a reminder of this title whose record does not fit its slot.
+std::string TooLongReason(const std::string& title, const std::string& record);
 /// "Error 61 - Disk full".
 std::string NumberAndDescription(const RuntimeError& error);
 

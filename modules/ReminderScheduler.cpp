@@ -3,11 +3,13 @@
 #include "modules/Declarations.h"
 #include "modules/Format.h"
 #include "modules/Functions.h"
+#include "modules/ReminderList.h"
 #include "modules/ReminderRecord.h"
 #include "modules/Reminders.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <tuple>
 
 namespace voxmate
@@ -100,16 +102,10 @@ void SpeakReminder(const std::string& title, const Schedule& schedule, const std
     speak(Settings.ReminderDescSpeak, trimmed.empty() ? "" : "Description: " + trimmed);
 }
 
-bool InList(std::int16_t id)
-{
-    return id >= 1 && id <= RemCount;
-}
-
 /// The list's entry as it is announced.
 Reminder EntryOf(std::size_t at)
 {
-    return {RemTitles[at], RemDays[at],    RemMonths[at], RemYears[at],
-            RemHours[at],  RemMinutes[at], RemDescs[at],  false};
+    return {RemTitles[at], RemDays[at], RemMonths[at], RemYears[at], RemHours[at], RemMinutes[at], RemDescs[at], false};
 }
 
 // Where the reminder that was announced under a number stands now; 0 when it is gone or is not to be told from others.
@@ -130,6 +126,17 @@ std::int16_t PlaceNow(std::int16_t id)
         place = static_cast<std::int16_t>(number);
     }
     return place;
+}
+
+// The reminder that was announced under a number, as the list has it or, while the file cannot be read, as it was
+// announced; nothing when it is gone.
+std::optional<Reminder> ToBeAnswered(std::int16_t id)
+{
+    if (const std::int16_t place = PlaceNow(id); place != 0)
+        return EntryAt(place);
+    const auto at = static_cast<std::size_t>(std::max<std::int16_t>(id, 0));
+    const bool unread = RemindersValid == False && RemindersUnread();
+    return unread && at < RemAnnounced.size() ? RemAnnounced[at] : std::nullopt;
 }
 
 void SpeakSnooze(const DateTime& next, std::int16_t minutes)
@@ -156,13 +163,14 @@ void RemTimer_Timer()
         const std::tuple<int, int, int, int, int> minute{now.year, now.month, now.day, now.hour, now.minute};
         if (schedule > minute)
             continue;
-        if (std::find(RemUnsaved.begin(), RemUnsaved.end(), EntryOf(at)) != RemUnsaved.end())
-            continue;
         const std::string title = RemTitles[at];
         const std::string description = RemDescs[at];
         ShowReminder(schedule < minute, static_cast<std::int16_t>(number), title, std::to_string(RemDays[at]),
                      std::to_string(RemMonths[at]), std::to_string(RemYears[at]), std::to_string(RemHours[at]),
                      std::to_string(RemMinutes[at]), description);
+        // The user may have switched them off meanwhile.
+        if (!Main().ReminderTimerEnabled())
+            return;
         now = Host().Time.Now();
     }
 }
@@ -220,33 +228,28 @@ DateTime SnoozedTime(const DateTime& now, std::int16_t minutes)
 
 void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
 {
-    // A list that could not be read has no entries: the file must not be written then.
-    id = PlaceNow(id);
-    if (id == 0)
+    const std::optional<Reminder> before = ToBeAnswered(id);
+    if (!before)
         return;
-    const auto at = static_cast<std::size_t>(id);
-    const Reminder before = EntryOf(at);
-    Reminder outcome = before;
+    Reminder outcome = *before;
     outcome.Done = !snooze;
+    DateTime next = Host().Time.Now();
     if (snooze) {
-        const DateTime next = SnoozedTime(Host().Time.Now(), minutes);
+        next = SnoozedTime(next, minutes);
         outcome.Day = ToInt16(next.day);
         outcome.Month = ToInt16(next.month);
         outcome.Year = ToInt16(next.year);
         outcome.Hour = ToInt16(next.hour);
         outcome.Minute = ToInt16(next.minute);
-        StoreReminder(id, outcome);
-        if (Settings.ReminderNextSchSpeak == 1)
-            SpeakSnooze(next, minutes);
-        // Events ran meanwhile, and the list may have been read anew without what was stored.
-        if (!InList(id) || RemTitles[at] != outcome.Title || RemDescs[at] != outcome.Description)
-            return;
     }
-    StoreReminder(id, outcome);
-    if (TrySaveReminders(0))
-        LoadReminders(false, 0);
-    else
-        RemUnsaved.push_back(before);
+    if (!KeepAnswer({*before, outcome})) {
+        TellOfTooLongAnswer(outcome);
+        return;
+    }
+    // Events run meanwhile, which may save the answer, too, or find that its reminder has been deleted.
+    if (snooze && Settings.ReminderNextSchSpeak == 1)
+        SpeakSnooze(next, minutes);
+    SaveAnswers();
 }
 
 void EnableReminders()
@@ -254,8 +257,9 @@ void EnableReminders()
     if (Main().ReminderTimerEnabled())
         return;
     if (RemindersUnread()) {
-        LoadReminders(false, 0);
-        if (RemindersUnread())
+        ReadRemindersNow();
+        // The user has been told why there is no list, or has had the file emptied, which has switched them on.
+        if (RemindersValid == False)
             return;
     }
     if (RemindersValid == False) {

@@ -1,44 +1,44 @@
-// The list of reminders and its file.
+// Loading and saving the reminders, and what the user is told of it.
 #include "modules/Reminders.h"
 
 #include "base/Text.h"
 #include "modules/Declarations.h"
 #include "modules/Messages.h"
 #include "modules/ReminderErrors.h"
+#include "modules/ReminderFile.h"
+#include "modules/ReminderList.h"
 #include "modules/ReminderRecord.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
+#include <utility>
 
 namespace voxmate
 {
 
-std::vector<std::string> RemTitles;
-std::vector<std::int16_t> RemDays;
-std::vector<std::int16_t> RemMonths;
-std::vector<std::int16_t> RemYears;
-std::vector<std::int16_t> RemHours;
-std::vector<std::int16_t> RemMinutes;
-std::vector<std::string> RemDescs;
-std::vector<std::string> RemDone;
-std::int16_t RemCount = 0;
 Boolean RemindersValid = False;
 std::vector<std::optional<Reminder>> RemAnnounced;
-std::vector<Reminder> RemUnsaved;
+std::vector<Answer> RemUnsaved;
 std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
 std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
 
 namespace
 {
 
-constexpr std::int32_t MostReminders = std::numeric_limits<std::int16_t>::max();
-
-// Open only within a load, though that may last as long as a question is up.
-std::unique_ptr<RandomAccessFile> dataFile;
 bool loading = false;
-bool unread = false;  // the last load could not read the file
-bool telling = false; // the box about a file's error is up
+bool unread = false;          // the last load could not read the file
+bool emptied = false;         // the last load emptied the file, as the user wanted
+bool wereEnabled = false;     // reminders were on before the load that could not read the file
+bool editorWaits = false;     // that load was to fill the editor's list, too,
+std::int16_t editorIndex = 0; // and to select this item
+bool telling = false;         // the box about a file's error is up
+bool toldUnread = false;      // the user knows that the file cannot be read, or
+bool toldUnsaved = false;     // that answers cannot be saved
+int retries = 0;
+
+// Retries are a second apart. What another program holds is mostly free again within the first ones.
+constexpr int QuickRetries = 5;
+constexpr int SeldomRetry = 10;
 
 void SwitchReminders(bool on)
 {
@@ -46,97 +46,21 @@ void SwitchReminders(bool on)
     Main().CheckReminderMenus(on, !on);
 }
 
-void CloseDataFile()
+void BeginRetrying()
 {
-    if (dataFile)
-        dataFile->Close();
-    dataFile.reset();
+    retries = 0;
+    Main().EnableReminderRetry(true);
 }
 
-bool DataFileExists()
+// Puts the answers that are not in the file into the list as it was read; those to reminders that are no longer as they
+// were announced have gone to none.
+void AnswerAgain()
 {
-    return Host().Files.FileExists(ReminderFilePath);
-}
-
-bool TempFileExists()
-{
-    return Host().Files.FileExists(ReminderTempPath);
-}
-
-// A save that ended between deleting the old file and renaming the new one has left all reminders in the new one, under
-// its temporary name. Opening the missing file would make an empty one, and the next save would delete them.
-void RecoverReminders()
-{
-    if (!DataFileExists() && TempFileExists())
-        Host().Files.MoveFile(ReminderTempPath, ReminderFilePath);
-}
-
-// Room for so many reminders, if there can be so many.
-void ReserveList(std::int64_t count)
-{
-    const auto size = static_cast<std::size_t>(std::min<std::int64_t>(count, MostReminders)) + 1;
-    for (auto* texts : {&RemTitles, &RemDescs, &RemDone})
-        texts->reserve(size);
-    for (auto* numbers : {&RemDays, &RemMonths, &RemYears, &RemHours, &RemMinutes})
-        numbers->reserve(size);
-}
-
-// Cuts the list off, or fills it up, to this number of entries.
-void ResizeList(std::int32_t count)
-{
-    const auto size = static_cast<std::size_t>(count) + 1;
-    for (auto* texts : {&RemTitles, &RemDescs, &RemDone})
-        texts->resize(size);
-    for (auto* numbers : {&RemDays, &RemMonths, &RemYears, &RemHours, &RemMinutes})
-        numbers->resize(size);
-}
-
-// Puts a record into entry `id`, which the list has or which is its next.
-void StoreRecord(std::int32_t id, const ReminderRecord& record, const ReminderSchedule& schedule)
-{
-    const auto at = static_cast<std::size_t>(id);
-    if (at >= RemTitles.size())
-        ResizeList(id);
-    // Assigned to what is there, so that a list read anew needs no new memory.
-    RemTitles[at].assign(record.Title);
-    RemDays[at] = schedule.Day;
-    RemMonths[at] = schedule.Month;
-    RemYears[at] = schedule.Year;
-    RemHours[at] = schedule.Time.Hour;
-    RemMinutes[at] = schedule.Time.Minute;
-    RemDescs[at].assign(record.Description);
-    RemDone[at].assign(record.Done);
-}
-
-std::string Joined(std::initializer_list<std::string_view> parts)
-{
-    std::string text;
-    for (const std::string_view part : parts)
-        text += part;
-    return text;
-}
-
-// Reads the records of the open data file into the list, up to the first that is not valid or the end; true when all
-// are valid. `count` is how many were stored.
-bool ReadRecords(ReminderEditor* editor, std::int32_t& count)
-{
-    ReserveList(dataFile->Count());
-    for (;;) {
-        const ReminderRecord record = ReadReminder(dataFile->Get(count + 1));
-        if (record.Title.find_first_not_of(' ') == std::string_view::npos)
-            return true;
-        const std::optional<ReminderSchedule> schedule = Validate(record);
-        if (!schedule)
-            return false;
-        if (count == MostReminders)
-            throw Overflow();
-        ++count;
-        StoreRecord(count, record, *schedule);
-        if (editor)
-            editor->AddListItem(ToInt16(count), record.Done == "Y" ? 1 : 2, std::string(record.Title),
-                                Joined({record.Year, "/", record.Month, "/", record.Day}),
-                                Joined({record.Hour, ":", record.Minute}));
-    }
+    std::erase_if(RemUnsaved, [](const Answer& answer) {
+        const std::int32_t id = FindEntry(answer.Before);
+        StoreReminder(static_cast<std::int16_t>(id), answer.After);
+        return id == 0;
+    });
 }
 
 // Reads the open data file into the list, and into the editor's; true when every record is valid.
@@ -147,17 +71,11 @@ bool ReadReminderRecords(bool fillList, std::int16_t selectIndex)
     ReminderEditor* editor = fillList ? &Main().Editor() : nullptr;
     if (editor)
         editor->ClearList();
-    std::int32_t count = 0;
-    try {
-        const bool valid = ReadRecords(editor, count);
-        ResizeList(count);
-        if (!valid)
-            return false;
-    } catch (const RuntimeError&) {
-        ResizeList(count);
-        throw;
-    }
-    RemCount = ToInt16(count);
+    if (!ReadDataFile(editor))
+        return false;
+    RemCount = ToInt16(EntryCount());
+    RemindersValid = True;
+    AnswerAgain();
     if (editor && RemCount > 0) {
         const std::int16_t selected = selectIndex == 0 ? std::int16_t{1} : selectIndex;
         editor->SelectListItem(selected);
@@ -165,7 +83,6 @@ bool ReadReminderRecords(bool fillList, std::int16_t selectIndex)
     } else if (editor) {
         editor->ClearFields();
     }
-    RemindersValid = True;
     return true;
 }
 
@@ -180,13 +97,31 @@ void AskAboutInvalidFile(bool fillList)
                                  "Do you want Voxmate to delete this file and create the new file?";
     if (ReminderMessage(question, vbYesNo + vbCritical, "Decline") == vbYes) {
         CloseDataFile();
-        Host().Files.CreateTextFile(ReminderFilePath);
+        KeepDated(DataPath());
+        Host().Files.CreateTextFile(DataPath());
+        emptied = true;
         SwitchReminders(true);
         return;
     }
     const std::string refusal = std::string("Reminders will not be available until following file is deleted:") + CrLf +
                                 CrLf + ReminderFilePath;
     ReminderMessage(refusal, vbOKOnly + vbCritical, "Decline");
+}
+
+// What a load does while it holds the file.
+void LoadHeld(bool fillList, std::int16_t selectIndex)
+{
+    const std::unique_ptr<FileLock> lock = HoldReminders();
+    RecoverReminders();
+    const bool exists = OpenDataFile();
+    const bool valid = ReadReminderRecords(fillList, selectIndex);
+    if (!valid)
+        AskAboutInvalidFile(fillList);
+    else if (wereEnabled)
+        SwitchReminders(true);
+    CloseDataFile();
+    if (valid && exists)
+        DeleteStaleCopy();
 }
 
 // Loads the list; the run-time error that kept the file from being read, if one did. While one load asks about an
@@ -199,27 +134,27 @@ std::optional<RuntimeError> Load(bool fillList, std::int16_t selectIndex)
         Loading() { loading = true; }
         ~Loading()
         {
+            DropDataFile();
             loading = false;
-            dataFile.reset();
         }
     } const state;
-    const bool remindersWereEnabled = Main().EnableRemindersChecked();
+    // What a load that could not read the file has switched off does not tell what the user wants.
+    if (!unread)
+        wereEnabled = Main().EnableRemindersChecked();
     SwitchReminders(false);
     RemindersValid = False;
     RemCount = 0;
     unread = true;
+    emptied = false;
     try {
-        RecoverReminders();
-        dataFile = Host().Files.OpenRandom(ReminderFilePath, ReminderSlotSize);
-        if (!ReadReminderRecords(fillList, selectIndex))
-            AskAboutInvalidFile(fillList);
-        else if (remindersWereEnabled)
-            SwitchReminders(true);
-        unread = false;
-        CloseDataFile();
+        LoadHeld(fillList, selectIndex);
     } catch (const RuntimeError& error) {
+        editorWaits = fillList;
+        editorIndex = selectIndex;
         return error;
     }
+    unread = false;
+    toldUnread = false;
     return std::nullopt;
 }
 
@@ -240,10 +175,35 @@ bool IsTooLong(const RuntimeError& error)
     return error.Number == BadRecordLength().Number;
 }
 
+// Another program has the file, for a moment as a rule.
+bool IsHeld(const RuntimeError& error)
+{
+    return error.Number == PermissionDenied().Number;
+}
+
 void TellOfUnreadFile(const RuntimeError& error)
 {
-    Tell({"The reminders could not be read: " + Reason(error), "", ReminderFilePath, "",
-          "Reminders are disabled until the file has been read.", NumberAndDescription(error)});
+    toldUnread = true;
+    std::vector<std::string> lines{"The reminders could not be read: " + Reason(error), "", ReminderFilePath, "",
+                                   "Reminders are disabled until the file has been read."};
+    if (!RemUnsaved.empty())
+        lines.emplace_back("Your answer is kept in memory until then.");
+    lines.push_back(NumberAndDescription(error));
+    Tell(lines);
+}
+
+void AddWhereTheyAre(std::vector<std::string>& lines)
+{
+    if (DataFileExists()) {
+        lines.insert(lines.end(), {"Their file is as it was before this change:", ReminderFilePath});
+    } else if (CopyExists()) {
+        lines.insert(lines.end(), {"All of them are in this file:", CopyPath()});
+    } else {
+        // The list in memory is all there is.
+        lines.insert(lines.end(),
+                     {"They are kept in memory until Voxmate ends. Their file should be:", ReminderFilePath});
+    }
+    lines.emplace_back();
 }
 
 // Tells why something could not be saved, once the list is what the file holds again.
@@ -251,109 +211,47 @@ void TellOfUnsavedList(const RuntimeError& error, const std::string& reason)
 {
     std::vector<std::string> lines{"The reminders could not be saved: " + reason, ""};
     bool read = true;
-    if (DataFileExists() || TempFileExists()) {
+    if (DataFileExists() || CopyExists())
         read = !Load(false, 0);
-        const bool whole = DataFileExists();
-        lines.emplace_back(whole ? "Their file is as it was before this change:" : "All of them are in this file:");
-        lines.push_back(whole ? ReminderFilePath : ReminderTempPath);
-    } else {
-        // The list in memory is all there is.
-        lines.emplace_back("They are kept in memory until Voxmate ends. Their file should be:");
-        lines.push_back(ReminderFilePath);
-    }
-    lines.emplace_back();
-    if (!read)
+    AddWhereTheyAre(lines);
+    if (!read) {
+        BeginRetrying();
+        toldUnread = true;
         lines.emplace_back("Reminders are disabled until the file has been read.");
+    }
     lines.push_back(NumberAndDescription(error));
     Tell(lines);
 }
 
-// After a save that could not give the new file its name: whether it has it now.
-bool CompletedLater()
+void TellOfUnsavedAnswers(const RuntimeError& error)
+{
+    toldUnsaved = true;
+    std::vector<std::string> lines{"The reminders could not be saved: " + Reason(error), ""};
+    AddWhereTheyAre(lines);
+    lines.emplace_back("Your answer is kept in memory and will be saved as soon as that is possible.");
+    lines.push_back(NumberAndDescription(error));
+    Tell(lines);
+}
+
+// Saves the list; the error, if there was one. Where another program has left an invalid file, the user is asked.
+std::optional<RuntimeError> SaveForAnswers()
 {
     try {
-        const bool cutOff = !DataFileExists() && TempFileExists();
-        RecoverReminders();
-        return cutOff;
-    } catch (const RuntimeError&) {
-        return false;
+        WriteReminders(0);
+    } catch (const RuntimeError& error) {
+        return error;
     }
-}
-
-std::string EncodedEntry(std::int32_t id)
-{
-    const auto at = static_cast<std::size_t>(id);
-    const std::string day = Padded(RemDays[at], 2);
-    const std::string month = Padded(RemMonths[at], 2);
-    const std::string year = Padded(RemYears[at], 4);
-    const std::string hour = Padded(RemHours[at], 2);
-    const std::string minute = Padded(RemMinutes[at], 2);
-    return WriteReminder({RemTitles[at], day, month, year, hour, minute, RemDescs[at], RemDone[at]});
-}
-
-std::string Encoded(const Reminder& reminder)
-{
-    const std::string day = Padded(reminder.Day, 2);
-    const std::string month = Padded(reminder.Month, 2);
-    const std::string year = Padded(reminder.Year, 4);
-    const std::string hour = Padded(reminder.Hour, 2);
-    const std::string minute = Padded(reminder.Minute, 2);
-    return WriteReminder(
-        {reminder.Title, day, month, year, hour, minute, reminder.Description, reminder.Done ? "Y" : "N"});
-}
-
-bool Fits(std::int32_t id)
-{
-    // Most are so short that whatever their numbers need they fit.
-    constexpr std::size_t mostDigits = 6; // -32768
-    constexpr std::size_t room = ReminderSlotSize - std::size_t{8} * 2 - 5 * mostDigits;
-    const auto at = static_cast<std::size_t>(id);
-    return RemTitles[at].size() + RemDescs[at].size() + RemDone[at].size() <= room ||
-           EncodedEntry(id).size() <= ReminderSlotSize;
-}
-
-// The first entry that does not fit its slot, 0 when all do.
-std::int32_t TooLongEntry(std::int16_t skipIndex)
-{
-    for (std::int32_t id = 1; id <= RemCount; ++id)
-        if (id != skipIndex && !Fits(id))
-            return id;
-    return 0;
-}
-
-void WriteTempFile(std::int16_t skipIndex)
-{
-    const std::unique_ptr<RandomAccessFile> tempFile = Host().Files.OpenRandom(ReminderTempPath, ReminderSlotSize);
-    for (std::int32_t id = 1; id <= RemCount; ++id)
-        if (id != skipIndex)
-            tempFile->Put(skipIndex == 0 || id < skipIndex ? id : id - 1, EncodedEntry(id));
-    tempFile->Flush();
-    tempFile->Close();
-}
-
-void DeleteTempFile()
-{
-    if (TempFileExists())
-        Host().Files.DeleteFile(ReminderTempPath);
-}
-
-void DeleteTempFileIfPossible()
-{
-    try {
-        DeleteTempFile();
-    } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): the next save deletes it
-    }
+    toldUnsaved = false;
+    return std::nullopt;
 }
 
 } // namespace
 
 void ResetReminders()
 {
-    dataFile.reset();
-    loading = false;
-    unread = false;
-    telling = false;
-    ResizeList(0);
+    ForgetDataFile();
+    loading = unread = emptied = wereEnabled = editorWaits = telling = toldUnread = toldUnsaved = false;
+    retries = 0;
     RemUnsaved.clear();
     RemCount = 0;
     RemindersValid = False;
@@ -370,42 +268,39 @@ int ReminderMessage(const std::string& text, int style, const std::string& anima
 
 void LoadReminders(bool fillList, std::int16_t selectIndex)
 {
-    if (const std::optional<RuntimeError> error = Load(fillList, selectIndex))
+    const std::optional<RuntimeError> error = Load(fillList, selectIndex);
+    if (error) {
+        BeginRetrying();
+        if (!IsHeld(*error) && !toldUnread)
+            TellOfUnreadFile(*error);
+    } else if (!RemUnsaved.empty() && RemindersValid != False) {
+        BeginRetrying();
+    }
+}
+
+void ReadRemindersNow()
+{
+    if (const std::optional<RuntimeError> error = Load(false, 0)) {
+        BeginRetrying();
         TellOfUnreadFile(*error);
+    }
 }
 
 void SaveReminders(std::int16_t skipIndex)
 {
-    if (TooLongEntry(skipIndex) != 0)
-        throw BadRecordLength();
-    DeleteTempFile();
-    bool written = false;
-    try {
-        WriteTempFile(skipIndex);
-        written = true;
-        CloseDataFile();
-        if (DataFileExists())
-            Host().Files.DeleteFile(ReminderFilePath);
-    } catch (const RuntimeError&) {
-        // Half a copy must never be taken for one; a whole one may be the only one.
-        if (!written || DataFileExists())
-            DeleteTempFileIfPossible();
-        throw;
-    }
-    Host().Files.MoveFile(ReminderTempPath, ReminderFilePath);
+    WriteReminders(skipIndex);
 }
 
 void AppendReminder(const Reminder& reminder)
 {
-    const std::string record = Encoded(reminder);
-    if (record.size() > ReminderSlotSize)
-        throw BadRecordLength();
-    const std::int16_t slot = ToInt16(RemCount + 1);
-    RecoverReminders();
-    const std::unique_ptr<RandomAccessFile> file = Host().Files.OpenRandom(ReminderFilePath, ReminderSlotSize);
-    file->Put(slot, record);
-    file->Flush();
-    file->Close();
+    AppendRecord(Encoded(reminder));
+}
+
+void TellOfListReadAnew()
+{
+    ReminderMessage("The reminders have been read anew from their file, and your last change is not among them. "
+                    "Please make it again.",
+                    vbOKOnly + vbExclamation, "Decline");
 }
 
 bool TrySaveReminders(std::int16_t skipIndex)
@@ -413,28 +308,24 @@ bool TrySaveReminders(std::int16_t skipIndex)
     if (RemindersValid == False) {
         LoadReminders(false, 0);
         if (RemindersValid != False)
-            ReminderMessage(
-                "The reminders have been read anew from their file, and your last change is not among them. "
-                "Please make it again.",
-                vbOKOnly + vbExclamation, "Decline");
+            TellOfListReadAnew();
         return false;
     }
     try {
-        SaveReminders(skipIndex);
-    } catch (const RuntimeError& error) {
-        if (CompletedLater())
+        if (WriteReminders(skipIndex))
             return true;
-        const auto tooLong = static_cast<std::size_t>(IsTooLong(error) ? TooLongEntry(skipIndex) : 0);
-        TellOfUnsavedList(error, tooLong == 0 ? Reason(error) : TooLongReason(RemTitles[tooLong], RemDescs[tooLong]));
+    } catch (const RuntimeError& error) {
+        const std::int32_t tooLong = IsTooLong(error) ? TooLongEntry(skipIndex) : 0;
+        TellOfUnsavedList(
+            error, tooLong == 0 ? Reason(error)
+                                : TooLongReason(RemTitles[static_cast<std::size_t>(tooLong)], EncodedEntry(tooLong)));
         return false;
     }
-    RemUnsaved.clear();
-    return true;
-}
-
-bool RemindersUnread()
-{
-    return unread;
+    // Another program has changed what was to be changed here, or has left something invalid.
+    LoadReminders(false, 0);
+    if (RemindersValid != False)
+        TellOfListReadAnew();
+    return false;
 }
 
 bool TryAppendReminder(const Reminder& reminder)
@@ -443,34 +334,98 @@ bool TryAppendReminder(const Reminder& reminder)
         LoadReminders(false, 0);
     if (RemindersValid == False)
         return false;
+    const std::string record = Encoded(reminder);
     try {
-        AppendReminder(reminder);
+        if (AppendRecord(record))
+            return true;
     } catch (const RuntimeError& error) {
-        TellOfUnsavedList(error,
-                          IsTooLong(error) ? TooLongReason(reminder.Title, reminder.Description) : Reason(error));
+        TellOfUnsavedList(error, IsTooLong(error) ? TooLongReason(reminder.Title, record) : Reason(error));
         return false;
     }
+    LoadReminders(false, 0);
+    return false;
+}
+
+bool KeepAnswer(const Answer& answer)
+{
+    const auto id = static_cast<std::int16_t>(FindEntry(answer.Before));
+    StoreReminder(id, answer.After);
+    if (id != 0 && !EntryFits(id)) {
+        StoreReminder(id, answer.Before);
+        return false;
+    }
+    // A reminder whose answer is not in the file yet may be announced and answered again.
+    const auto earlier = std::ranges::find(RemUnsaved, answer.Before, &Answer::After);
+    if (earlier != RemUnsaved.end())
+        earlier->After = answer.After;
+    else
+        RemUnsaved.push_back(answer);
     return true;
 }
 
-void StoreReminder(std::int16_t id, const Reminder& reminder)
+void SaveAnswers()
 {
-    if (id < 1 || id > RemCount)
+    if (RemUnsaved.empty() || loading)
         return;
-    const auto at = static_cast<std::size_t>(id);
-    RemTitles[at] = reminder.Title;
-    RemDays[at] = reminder.Day;
-    RemMonths[at] = reminder.Month;
-    RemYears[at] = reminder.Year;
-    RemHours[at] = reminder.Hour;
-    RemMinutes[at] = reminder.Minute;
-    RemDescs[at] = reminder.Description;
-    RemDone[at] = reminder.Done ? "Y" : "N";
+    if (RemindersValid == False) {
+        BeginRetrying();
+        return;
+    }
+    const std::optional<RuntimeError> error = SaveForAnswers();
+    if (!error) {
+        LoadReminders(false, 0);
+        return;
+    }
+    BeginRetrying();
+    if (!IsHeld(*error) && !toldUnsaved)
+        TellOfUnsavedAnswers(*error);
+}
+
+void RetryReminders()
+{
+    if (loading)
+        return;
+    ++retries;
+    if (retries > QuickRetries && retries % SeldomRetry != 0)
+        return;
+    const bool tell = retries >= QuickRetries;
+    // A load may want to ask something, for which it waits until no box is up.
+    if (unread && IsBusy == False) {
+        // Later the user may have typed something into the editor, which filling it would overwrite.
+        const bool fill = std::exchange(editorWaits, false) && retries <= QuickRetries;
+        const std::optional<RuntimeError> error = Load(fill, editorIndex);
+        if (error && tell && !toldUnread)
+            TellOfUnreadFile(*error);
+    }
+    if (!RemUnsaved.empty() && RemindersValid != False) {
+        const std::optional<RuntimeError> error = SaveForAnswers();
+        if (!error)
+            LoadReminders(false, 0);
+        else if (tell && !toldUnsaved)
+            TellOfUnsavedAnswers(*error);
+    }
+    if (!unread && (RemUnsaved.empty() || RemindersValid == False))
+        Main().EnableReminderRetry(false);
+}
+
+void TellOfTooLongAnswer(const Reminder& after)
+{
+    const RuntimeError error = BadRecordLength();
+    std::vector<std::string> lines{"The reminders could not be saved: " + TooLongReason(after.Title, Encoded(after)),
+                                   ""};
+    AddWhereTheyAre(lines);
+    lines.push_back(NumberAndDescription(error));
+    Tell(lines);
+}
+
+bool RemindersUnread()
+{
+    return unread || emptied;
 }
 
 void ShowReminderInEditor(std::int16_t id)
 {
-    if (id < 1 || id > RemCount)
+    if (!InList(id))
         return;
     const auto at = static_cast<std::size_t>(id);
     Main().Editor().ShowFields(RemTitles[at], RemDays[at], RemMonths[at], RemYears[at],

@@ -45,12 +45,17 @@ struct Reminder {
     bool operator==(const Reminder&) const = default;
 };
 
-/// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a reminder is
-/// deleted, and a reminder is changed, while its announcement stands there: the answer must not go to another one.
+/// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a
+/// reminder is deleted, and a reminder is changed, while its announcement stands there: the answer must not go to
+/// another one.
 extern std::vector<std::optional<Reminder>> RemAnnounced;
-/// Answered reminders whose answer could not be saved, as they stand in the file. They are not announced again until
-/// something could be saved.
-extern std::vector<Reminder> RemUnsaved;
+/// An answer to an announcement: the reminder as the file has it, and as it is to become.
+struct Answer {
+    Reminder Before;
+    Reminder After;
+};
+/// The answers that are not in the file yet. They are in the list, and whatever is saved next saves them, too.
+extern std::vector<Answer> RemUnsaved;
 
 /// Empties the list and its windows.
 void ResetReminders();
@@ -64,13 +69,14 @@ int ReminderMessage(const std::string& text, int style, const std::string& anima
 // The file.
 
 /// Reads the whole file into the list and switches the reminder timer accordingly; tells the user of an invalid file.
-/// With `fillList` the editor's list is filled, too, and its item `selectIndex` (0 means 1) selected. A file that
-/// cannot be read is told of in a box and leaves reminders off. A save that was cut off between the old file and the
-/// new one is completed first.
+/// With `fillList` the editor's list is filled, too, and its item `selectIndex` (0 means 1) selected. A save that was
+/// cut off between the old file and the new one is completed first. A missing file is an empty list. A file that cannot
+/// be read leaves reminders off; it is told of in a box, when another program has it open only after a while, and tried
+/// again (RetryReminders).
 void LoadReminders(bool fillList, std::int16_t selectIndex);
 /// Writes the whole list to the file, leaving out entry `skipIndex` (0: none). Raises run-time error 59 "Bad record
 /// length" when an entry does not fit its slot of 128 bytes, and the file system's errors; the file is then as before,
-/// or its temporary copy holds all that was to be saved.
+/// or its temporary copy holds all that was to be saved. What another program has changed in the file meanwhile stays.
 void SaveReminders(std::int16_t skipIndex);
 /// Writes one reminder behind the last one of the file, in place. Raises the same errors.
 void AppendReminder(const Reminder& reminder);
@@ -79,8 +85,24 @@ void AppendReminder(const Reminder& reminder);
 /// answer is false.
 bool TrySaveReminders(std::int16_t skipIndex);
 bool TryAppendReminder(const Reminder& reminder);
-/// Whether the last load could not read the file, which says nothing about what is in it.
+/// Tells the user that a change was made to a list which the file no longer holds.
+void TellOfListReadAnew();
+/// Stores an answer, whose reminder the list has unless the file cannot be read just now, and keeps it until it is
+/// saved; false when the reminder it makes is too long for the file.
+bool KeepAnswer(const Answer& answer);
+/// Saves the list with the answers that are not in the file yet, and loads it again. What fails is told of once and
+/// tried again.
+void SaveAnswers();
+/// Once a second while something is to be tried again: reads a file that could not be read and saves answers that could
+/// not be saved. After five times it tries every tenth time only.
+void RetryReminders();
+/// Tells the user that a reminder as an answer would make it is too long for the file.
+void TellOfTooLongAnswer(const Reminder& after);
+/// Whether nothing is known of what the file holds now: the last load could not read it, or emptied it.
 bool RemindersUnread();
+/// The same as LoadReminders(false, 0) for a user who has asked for it and is told at once when the file cannot be
+/// read.
+void ReadRemindersNow();
 /// Puts new values into entry `id` of the list.
 void StoreReminder(std::int16_t id, const Reminder& reminder);
 /// Puts entry `id` into the editor's fields.

@@ -1,6 +1,8 @@
 """Reminders on a real display: announced in both kinds of window, answered, kept in the file; the editor by real input."""
 
 import datetime
+import fcntl
+import glob
 import os
 import struct
 import time
@@ -42,9 +44,8 @@ class ReminderCase(ProgramCase):
         self.folder = os.path.join(self.desk.env["XDG_DATA_HOME"], "voxmate")
         os.makedirs(self.folder, exist_ok=True)
         self.path = os.path.join(self.folder, "VoxmateReminders.txt")
-        for name in ("VoxmateReminders.txt", "VoxmateReminders.tmp"):
-            if os.path.exists(os.path.join(self.folder, name)):
-                os.remove(os.path.join(self.folder, name))
+        for path in glob.glob(os.path.join(self.folder, "VoxmateReminders*")):
+            os.remove(path)
 
     def write(self, *records):
         with open(self.path, "wb") as file:
@@ -211,6 +212,87 @@ class Notices(ReminderCase):
         self.assertEqual(self.done(), ["N", "N", "N"])
 
 
+class Kept(ReminderCase):
+    """What cannot be written just now is written later."""
+
+    call = datetime.datetime(2004, 3, 7, 9, 5)
+
+    def setUp(self):
+        super().setUp()
+        self.desk.install_defaults(**self.defaults, ReminderType=1)
+
+    def notices(self):
+        return self.desk.windows("^Voxmate Reminder$")
+
+    def answer(self):
+        self.press("OK")
+        desktop.wait_for(lambda: not self.notices(), 10, what="the notice going away")
+
+    def test_an_answer_given_while_another_program_has_the_file_is_in_it_afterwards(self):
+        self.write(record("Call", self.call, "Bank"))
+        self.start()
+        desktop.wait_for(self.notices, 20, what="the notice")
+        with open(self.path, "rb") as held:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            self.answer()
+            self.assertEqual(self.done(), ["N"])
+        desktop.wait_for(lambda: self.done() == ["Y"], 15, what="the mark in the file")
+        self.assertEqual(self.boxes(), [])
+
+    def test_a_file_that_is_held_at_the_start_is_read_when_it_is_free(self):
+        self.write(record("Call", self.call, "Bank"))
+        with open(self.path, "rb") as held:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            self.start()
+            text = self.box_text("Voxmate - Reminders")
+            self.assertTrue(text.startswith("The reminders could not be read: another program has the file open"), text)
+            self.assertEqual(self.notices(), [])
+        self.press("OK")
+        self.desk.gone("Voxmate - Reminders")
+        desktop.wait_for(self.notices, 20, what="the notice")
+        self.answer()
+        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
+
+    def test_an_answer_that_cannot_be_written_is_told_of_once_and_written_when_it_can_be(self):
+        self.write(record("Call", self.call, "Bank"), record("Tea", self.call, "Green"))
+        self.start()
+        desktop.wait_for(lambda: len(self.notices()) == 2, 20, what="two notices")
+        obstacle = os.path.join(self.folder, "VoxmateReminders.tmp.new")
+        os.mkdir(obstacle)
+        self.addCleanup(lambda: os.path.isdir(obstacle) and os.rmdir(obstacle))
+        self.press("OK")
+        text = self.box_text("Voxmate - Reminders")
+        self.assertTrue(text.startswith("The reminders could not be saved: "), text)
+        self.assertIn("Your answer is kept in memory", text)
+        self.assertEqual(self.done(), ["N", "N"])
+        os.rmdir(obstacle)
+        desktop.wait_for(lambda: sorted(self.done() or []) == ["N", "Y"], 20, what="the mark in the file")
+
+    def test_a_file_that_is_a_symbolic_link_stays_one(self):
+        target = os.path.join(self.desk.home, "cloud")
+        os.makedirs(target, exist_ok=True)
+        target = os.path.join(target, "Reminders of mine.txt")
+        with open(target, "wb") as file:
+            file.write(record("Call", self.call, "Bank"))
+        os.symlink(target, self.path)
+        self.addCleanup(os.remove, self.path)
+        self.start()
+        desktop.wait_for(self.notices, 20, what="the notice")
+        self.answer()
+        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
+        self.assertEqual(os.readlink(self.path), target)
+        self.assertEqual(self.slots(), [record("Call", self.call, "Bank", "Y")])
+
+    def test_a_text_of_an_older_system_is_shown_and_kept_byte_for_byte(self):
+        old = record("Call", self.call, "Bank").replace(b"\x04\0Call", b"\x04\0Caf\xe9")
+        self.write(old)
+        self.start()
+        desktop.wait_for(self.notices, 20, what="the notice")
+        self.assertIn("Caf\u00e9", self.desk.texts())
+        self.answer()
+        desktop.wait_for(lambda: self.slots() == [old.replace(b"\x01\0N", b"\x01\0Y")], 5, what="the mark in the file")
+
+
 class InvalidFile(ReminderCase):
     bad = record("Call", datetime.datetime(2004, 2, 3, 9, 5), "Bank").replace(b"\x02\x0003\x02\x0002", b"\x02\x0031\x02\x0002")
 
@@ -226,6 +308,10 @@ class InvalidFile(ReminderCase):
         self.press("Yes")
         self.desk.gone("Voxmate - Reminders")
         desktop.wait_for(lambda: os.path.getsize(self.path) == 0, 5, what="the empty file")
+        copies = glob.glob(os.path.join(self.folder, "VoxmateReminders-*.txt"))
+        self.assertEqual(len(copies), 1, "a dated copy of what was in it")
+        with open(copies[0], "rb") as file:
+            self.assertEqual(file.read(), self.bad)
         self.settle()
 
     def test_no_keeps_the_file_and_reminders_are_off(self):

@@ -137,6 +137,7 @@ public:
     }
 
     bool reminderTimer = false;
+    bool reminderRetry = false;
     bool enableChecked = false;
     bool disableChecked = false;
     std::vector<FakeAlertWindow*> alerts; ///< every alert window made, and notice window
@@ -146,6 +147,7 @@ public:
 
     void EnableReminderTimer(bool enabled) override { reminderTimer = enabled; }
     bool ReminderTimerEnabled() const override { return reminderTimer; }
+    void EnableReminderRetry(bool enabled) override { reminderRetry = enabled; }
     void CheckReminderMenus(bool enable, bool disable) override
     {
         enableChecked = enable;

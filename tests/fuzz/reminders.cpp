@@ -44,7 +44,8 @@ void RequireValidList(std::size_t bytes, std::size_t rows)
             "an entry for each reminder");
     for (std::size_t i = 1; i <= count; ++i) {
         Require(!Trim(RemTitles[i]).empty(), "a title that is not blank");
-        Require(RemTitles[i].size() + RemDescs[i].size() <= ReminderSlotSize, "texts that fit a slot");
+        // A byte that is not UTF-8 is shown as a character of up to three.
+        Require(RemTitles[i].size() + RemDescs[i].size() <= ReminderSlotSize * 3, "texts that fit a slot");
         Require(IsRealDate(RemDays[i], RemMonths[i], RemYears[i]), "a real date");
         Require(RemHours[i] >= 0 && RemHours[i] <= 23 && RemMinutes[i] >= 0 && RemMinutes[i] <= 59, "a time of day");
         Require(Trim(RemDone[i]) == "Y" || Trim(RemDone[i]) == "N", "a flag");

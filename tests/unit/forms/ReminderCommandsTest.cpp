@@ -332,6 +332,44 @@ TEST_F(ReminderCommandsTest, AnEditorWhoseListIsNoLongerTheFilesWritesNothing)
     EXPECT_EQ(Content(), bad);
 }
 
+TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasMovedIsTheOneThatIsChangedAndDeleted)
+{
+    Open(Three());
+    std::vector<Record> moved{Three()[1], Three()[0], Three()[2]};
+    fake.files.texts[file] = Slots(moved);
+    LoadReminders(false, 0); // as an answer to an announcement does
+    form.txtTitle.UserEdit("Ring");
+    fake.windows.answers = {vbYes, vbYes};
+    form.cmdUpdate.UserClick();
+    moved[1][0] = "Ring";
+    EXPECT_EQ(Content(), Slots(moved));
+
+    Open(Three());
+    fake.files.texts[file] = Slots({Three()[1], Three()[0], Three()[2]});
+    LoadReminders(false, 0);
+    fake.windows.answers = {vbYes};
+    form.cmdDelete.UserClick();
+    EXPECT_EQ(Content(), Slots({Three()[1], Three()[2]}));
+}
+
+TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasDeletedIsNotChangedAndWhatWasTypedStays)
+{
+    Open(Three());
+    fake.files.texts[file] = Slots({Three()[1], Three()[2]});
+    LoadReminders(false, 0);
+    form.txtTitle.UserEdit("Ring");
+    fake.windows.answers = {vbYes, vbYes};
+    form.cmdUpdate.UserClick();
+    EXPECT_EQ(Content(), Slots({Three()[1], Three()[2]}));
+    EXPECT_EQ(form.txtTitle.Text.get(), "Ring");
+    ASSERT_FALSE(fake.windows.boxes.empty());
+    EXPECT_EQ(fake.windows.boxes.back().text, "The reminders have been read anew from their file, and your last change "
+                                              "is not among them. Please make it again.");
+    fake.windows.answers = {vbYes};
+    form.cmdDelete.UserClick();
+    EXPECT_EQ(Content(), Slots({Three()[1], Three()[2]}));
+}
+
 TEST_F(ReminderCommandsTest, AnInvalidFileFoundByTheReloadUnloadsTheEditorWhileItsHandlerRuns)
 {
     Open(Three());

@@ -260,8 +260,9 @@ TEST_F(ReminderFileTest, TheNewFileIsOnTheDiskBeforeTheOldOneGoesAndItsNameAfter
     const auto calls = DiskCalls([] { SaveReminders(0); });
     if (calls.empty())
         GTEST_SKIP() << "processes may not be traced here";
-    // The copy's bytes and its name in the folder; the old file; the copy's new name, and that on the disk.
-    EXPECT_EQ(calls, (std::vector<std::string>{"fdatasync", "fsync", "unlink", "rename", "fsync"}));
+    // The copy's bytes, the name that it has once it is whole, and that in the folder; the old file; the copy's new
+    // name, and that on the disk.
+    EXPECT_EQ(calls, (std::vector<std::string>{"fdatasync", "rename", "fsync", "unlink", "rename", "fsync"}));
     EXPECT_EQ(DiskCalls([] {
                   AppendReminder({"More", 7, 3, 2004, 9, 5, "", false});
               }),
@@ -286,7 +287,8 @@ TEST_F(ReminderFileTest, ASaveCutOffWithinAWriteLosesNoReminder)
             SaveReminders(0);
         });
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << limit;
-        ASSERT_EQ(fs::file_size(ReminderTempPath), limit);
+        ASSERT_EQ(fs::file_size(ReminderTempPath + ".new"), limit);
+        ASSERT_FALSE(fs::exists(ReminderTempPath)); // half a copy never has the name of one
         ASSERT_EQ(Content(ReminderFilePath), before) << limit;
         ResetReminders();
         LoadReminders(false, 0);
@@ -295,7 +297,54 @@ TEST_F(ReminderFileTest, ASaveCutOffWithinAWriteLosesNoReminder)
         SaveReminders(0);
         ASSERT_EQ(Content(ReminderFilePath), before) << limit;
         ASSERT_FALSE(fs::exists(ReminderTempPath)) << limit;
+        ASSERT_FALSE(fs::exists(ReminderTempPath + ".new")) << limit;
     }
+}
+
+TEST_F(ReminderFileTest, AFileThatIsASymbolicLinkStaysOneAndItsTargetIsReplaced)
+{
+    const fs::path elsewhere = folder / "elsewhere";
+    fs::create_directory(elsewhere);
+    const std::string target = (elsewhere / "Mine.txt").string();
+    Write(target, Reminders(3));
+    fs::create_symlink("elsewhere/Mine.txt", ReminderFilePath);
+    const auto inode = [&] {
+        struct stat status {
+        };
+        ::stat(target.c_str(), &status);
+        return status.st_ino;
+    };
+    const ino_t before = inode();
+    LoadReminders(false, 0);
+    ASSERT_EQ(RemCount, 3);
+    Change(2);
+    EXPECT_TRUE(TrySaveReminders(0));
+    EXPECT_TRUE(fs::is_symlink(ReminderFilePath));
+    EXPECT_EQ(Content(target), Reminders(3, 0, 2));
+    EXPECT_NE(inode(), before) << "not replaced but written over";
+    EXPECT_TRUE(TryAppendReminder({"Reminder 4", 7, 3, 2004, 9, 5, "Bank", false}));
+    EXPECT_EQ(Content(target), Reminders(4, 0, 2));
+    // Cut off between the old file and the new one, when the link leads nowhere.
+    fs::rename(target, elsewhere / "Mine.tmp");
+    LoadReminders(false, 0);
+    EXPECT_EQ(RemCount, 4);
+    EXPECT_TRUE(fs::is_symlink(ReminderFilePath));
+    EXPECT_EQ(Content(target), Reminders(4, 0, 2));
+    EXPECT_TRUE(fake.windows.boxes.empty());
+}
+
+TEST_F(ReminderFileTest, ReadingMakesNoFile)
+{
+    LoadReminders(false, 0);
+    EXPECT_NE(RemindersValid, False);
+    EXPECT_FALSE(fs::exists(ReminderFilePath));
+    fs::create_symlink("nowhere.txt", ReminderFilePath);
+    LoadReminders(false, 0);
+    EXPECT_NE(RemindersValid, False);
+    EXPECT_FALSE(fs::exists(folder / "nowhere.txt"));
+    EXPECT_TRUE(TryAppendReminder({"Reminder 1", 7, 3, 2004, 9, 5, "Bank", false}));
+    EXPECT_EQ(Content((folder / "nowhere.txt").string()), Reminders(1));
+    EXPECT_TRUE(fs::is_symlink(ReminderFilePath));
 }
 
 TEST_F(ReminderFileTest, AFullDiskIsToldOfAndLosesNothing)
@@ -361,17 +410,40 @@ TEST_F(ReminderFileTest, AReadOnlyFolderIsToldOfAndLosesNothing)
     EXPECT_TRUE(window.reminderTimer);
 }
 
-TEST_F(ReminderFileTest, AReadOnlyFolderWithoutAFileIsToldOfWhenItIsRead)
+TEST_F(ReminderFileTest, AReadOnlyFolderWithoutAFileIsToldOfWhenSomethingIsAdded)
 {
     fs::permissions(folder, fs::perms(0555));
     const OrdinaryUser user;
     LoadReminders(false, 0);
+    EXPECT_TRUE(fake.windows.boxes.empty());
+    EXPECT_TRUE(window.reminderTimer);
+    EXPECT_FALSE(TryAppendReminder({"More", 7, 3, 2004, 9, 5, "", false}));
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].text,
+              "The reminders could not be saved: access to the file or its folder is not "
+              "allowed.\r\n\r\nThey are kept in memory until Voxmate ends. Their file should "
+              "be:\r\n" +
+                  ReminderFilePath + "\r\n\r\nError 75 - Path/File access error");
+}
+
+TEST_F(ReminderFileTest, AFileThatMayNotBeReadIsToldOfAndReadOnceItMay)
+{
+    Load(3);
+    fs::permissions(ReminderFilePath, fs::perms(0000));
+    {
+        const OrdinaryUser user;
+        LoadReminders(false, 0);
+    }
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].text,
               "The reminders could not be read: access to the file or its folder is not allowed.\r\n\r\n" +
                   ReminderFilePath +
                   "\r\n\r\nReminders are disabled until the file has been read.\r\nError 75 - Path/File access error");
     EXPECT_FALSE(window.reminderTimer);
+    EXPECT_TRUE(window.reminderRetry);
+    RetryReminders();
+    EXPECT_TRUE(window.reminderTimer);
+    EXPECT_EQ(RemCount, 3);
 }
 
 TEST_F(ReminderFileTest, AReadOnlyFileIsReadAndNeitherReplacedNorChanged)
@@ -409,10 +481,26 @@ TEST_F(ReminderFileTest, AFileHeldByAnotherProcessIsToldOfAndLosesNothing)
         EXPECT_EQ(Content(ReminderFilePath), Reminders(3));
         EXPECT_FALSE(fs::exists(ReminderTempPath));
     }
-    LoadReminders(false, 0);
+    RetryReminders();
     EXPECT_EQ(RemCount, 3);
     EXPECT_EQ(RemTitles.at(1), "Reminder 1");
-    EnableReminders();
+    EXPECT_TRUE(window.reminderTimer);
+    EXPECT_FALSE(window.reminderRetry);
+}
+
+TEST_F(ReminderFileTest, AnAnswerGivenWhileAnotherProcessHasTheFileIsInItAfterwards)
+{
+    Load(3);
+    {
+        const FileHolder holder(ReminderFilePath);
+        FinishReminder(2, false, 0);
+        RetryReminders();
+        EXPECT_TRUE(fake.windows.boxes.empty());
+    }
+    RetryReminders();
+    std::string answered = Slot("Reminder 2");
+    answered[answered.rfind('N')] = 'Y';
+    EXPECT_EQ(Content(ReminderFilePath), Slot("Reminder 1") + answered + Slot("Reminder 3"));
     EXPECT_TRUE(window.reminderTimer);
 }
 

@@ -15,9 +15,10 @@ TEST_F(ReminderSaveTest, ASaveGoesThroughTheTemporaryFileInItsOrder)
     fake.files.texts[temp] = "left behind";
     SaveReminders(0);
     EXPECT_EQ(fake.log,
-              (Lines{"DeleteFile C:\\Voxmate\\VoxmateReminders.tmp", "OpenRandom C:\\Voxmate\\VoxmateReminders.tmp 128",
-                     "Put 1", "Put 2", "Flush C:\\Voxmate\\VoxmateReminders.tmp",
-                     "Close C:\\Voxmate\\VoxmateReminders.tmp", "DeleteFile C:\\Voxmate\\VoxmateReminders.txt",
+              (Lines{"OpenRandom C:\\Voxmate\\VoxmateReminders.txt 128", "DeleteFile C:\\Voxmate\\VoxmateReminders.tmp",
+                     "OpenRandom C:\\Voxmate\\VoxmateReminders.tmp 128", "Put 1", "Put 2",
+                     "Flush C:\\Voxmate\\VoxmateReminders.tmp", "Close C:\\Voxmate\\VoxmateReminders.tmp",
+                     "Close C:\\Voxmate\\VoxmateReminders.txt", "DeleteFile C:\\Voxmate\\VoxmateReminders.txt",
                      "MoveFile C:\\Voxmate\\VoxmateReminders.tmp to C:\\Voxmate\\VoxmateReminders.txt"}));
     EXPECT_EQ(Content(), Slot(Call()) + Slot(Call()));
     EXPECT_FALSE(fake.files.FileExists(temp));
@@ -37,7 +38,7 @@ TEST_F(ReminderSaveTest, LeavingOutTheSecondOfFourClosesTheGap)
     fake.files.log = &fake.log;
     SaveReminders(2);
     EXPECT_EQ(Content(), Slot(a) + Slot(c) + Slot(d));
-    EXPECT_EQ(Lines(fake.log.begin() + 1, fake.log.begin() + 4), (Lines{"Put 1", "Put 2", "Put 3"}));
+    EXPECT_EQ(Lines(fake.log.begin() + 2, fake.log.begin() + 5), (Lines{"Put 1", "Put 2", "Put 3"}));
     LoadReminders(false, 0);
     EXPECT_EQ(TitlesInList(), (Lines{"A", "C", "D"}));
     SaveReminders(3);
@@ -68,8 +69,10 @@ TEST_F(ReminderSaveTest, AnAddedReminderStandsBehindTheLastOneInPlace)
     Load({Call(), Call()});
     fake.files.log = &fake.log;
     AppendReminder({"Tea", 1, 2, 2004, 4, 5, "", true});
-    EXPECT_EQ(fake.log, (Lines{"OpenRandom C:\\Voxmate\\VoxmateReminders.txt 128", "Put 3",
-                               "Flush C:\\Voxmate\\VoxmateReminders.txt", "Close C:\\Voxmate\\VoxmateReminders.txt"}));
+    EXPECT_EQ(fake.log,
+              (Lines{"OpenRandom C:\\Voxmate\\VoxmateReminders.txt 128", "Close C:\\Voxmate\\VoxmateReminders.txt",
+                     "OpenRandom C:\\Voxmate\\VoxmateReminders.txt 128", "Put 3",
+                     "Flush C:\\Voxmate\\VoxmateReminders.txt", "Close C:\\Voxmate\\VoxmateReminders.txt"}));
     EXPECT_EQ(Content(), Slot(Call()) + Slot(Call()) + Slot({"Tea", "01", "02", "2004", "04", "05", "", "Y"}));
 }
 
@@ -153,8 +156,8 @@ TEST_F(ReminderSaveTest, AFailureAtAnyStepOfASaveLosesNothing)
         "Close " + temp,      "DeleteFile " + file};
     for (const std::string& step : steps) {
         fake.files.failures.clear();
-        fake.files.texts[temp] = "left behind";
         Load({Call(), Call(), Call()});
+        fake.files.texts[temp] = "left behind";
         const std::string before = Content();
         StoreReminder(1, {"Changed", 7, 3, 2004, 9, 5, "", true});
         fake.files.failures = {{step, DiskFull()}};
@@ -171,6 +174,7 @@ TEST_F(ReminderSaveTest, AFailureAtAnyStepOfASaveLosesNothing)
         EXPECT_TRUE(RemindersAreOn()) << step;
         // Half a copy is never left to be taken for a whole one.
         EXPECT_TRUE(!fake.files.FileExists(temp) || step == "DeleteFile " + temp) << step;
+        EXPECT_TRUE(fake.files.locks.empty()) << step;
         fake.files.failures.clear();
         StoreReminder(1, {"Changed", 7, 3, 2004, 9, 5, "", true});
         EXPECT_TRUE(TrySaveReminders(0)) << step;
@@ -264,12 +268,54 @@ TEST_F(ReminderSaveTest, AStartAfterASaveWasCutOffBeforeRenamingFindsEveryRemind
     EXPECT_FALSE(fake.files.FileExists(temp));
 }
 
-TEST_F(ReminderSaveTest, ACopyLeftBehindBesideTheFileIsNotTakenForIt)
+TEST_F(ReminderSaveTest, ACopyLeftBehindBesideAGoodFileGoesAway)
 {
     fake.files.texts[temp] = Slot(Call());
     Load({Call(), Call()});
     EXPECT_EQ(RemCount, 2);
+    EXPECT_FALSE(fake.files.FileExists(temp));
+    // Where it cannot go, it does no harm.
+    fake.files.texts[temp] = Slot(Call());
+    fake.files.failures = {{"DeleteFile " + temp, PermissionDenied()}};
+    Load({Call(), Call()});
+    EXPECT_EQ(RemCount, 2);
+    EXPECT_TRUE(fake.windows.boxes.empty());
+}
+
+TEST_F(ReminderSaveTest, ACopyLeftBehindBesideAnInvalidFileStaysWhileThatDoes)
+{
+    fake.files.texts[temp] = Slot(Call());
+    Load({{"Bad", "30", "02", "2004", "09", "05", "Bank", "N"}});
     EXPECT_EQ(fake.files.texts.at(temp), Slot(Call()));
+}
+
+TEST_F(ReminderSaveTest, HalfACopyIsNotTakenForTheFileAndKeptUnderADatedName)
+{
+    const std::string kept = "C:\\Voxmate\\VoxmateReminders-1975-03-17-140509.txt";
+    const std::string whole = Slot(Call()) + Slot(Call());
+    // Cut off within a slot, and a block that never reached the disk.
+    for (const std::string& half : {whole.substr(0, 200), whole.substr(0, 128) + std::string(128, '\0'),
+                                    std::string(128, '\0') + whole.substr(128)}) {
+        fake.files.texts = {{temp, half}};
+        LoadReminders(false, 0);
+        EXPECT_EQ(RemCount, 0);
+        EXPECT_NE(RemindersValid, False);
+        EXPECT_FALSE(fake.files.FileExists(file));
+        EXPECT_FALSE(fake.files.FileExists(temp));
+        EXPECT_EQ(fake.files.texts.at(kept), half);
+    }
+    EXPECT_TRUE(fake.windows.boxes.empty());
+}
+
+TEST_F(ReminderSaveTest, AWholeCopyIsTakenWhateverItHolds)
+{
+    // A snooze across midnight writes such a month, and a deletion may leave no reminder at all.
+    for (const std::string& copy :
+         {Slot(Call()) + Slot({"Tea", "11", "-08", "2005", "00", "10", "", "N"}), std::string()}) {
+        fake.files.texts = {{temp, copy}};
+        LoadReminders(false, 0);
+        EXPECT_EQ(Content(), copy);
+    }
 }
 
 TEST_F(ReminderSaveTest, AnAdditionAfterACutOffSaveCompletesThatFirst)

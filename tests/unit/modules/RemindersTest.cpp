@@ -83,11 +83,11 @@ TEST_F(RemindersTest, NumbersAreWrittenWithZerosInFrontAndTheirSignBeforeThem)
 
 // Loading.
 
-TEST_F(RemindersTest, AMissingFileIsCreatedEmptyAndLoadsAsAValidEmptyList)
+TEST_F(RemindersTest, AMissingFileLoadsAsAValidEmptyListAndIsNotMade)
 {
     window.CheckReminderMenus(true, false);
     LoadReminders(false, 0);
-    EXPECT_EQ(Content(), "");
+    EXPECT_FALSE(fake.files.FileExists(file));
     EXPECT_EQ(RemCount, 0);
     EXPECT_NE(RemindersValid, False);
     EXPECT_TRUE(RemindersAreOn());
@@ -237,6 +237,7 @@ TEST_F(RemindersTest, AnInvalidFileAnsweredYesIsEmptiedAndRemindersAreOn)
     WithCharacter();
     fake.files.log = &fake.log;
     Store({Call(), {"Bad", "30", "02", "2004", "09", "05", "Bank", "N"}, Call()});
+    const std::string before = Content();
     window.CheckReminderMenus(false, true);
     fake.windows.answers = {vbYes};
     LoadReminders(false, 0);
@@ -244,10 +245,14 @@ TEST_F(RemindersTest, AnInvalidFileAnsweredYesIsEmptiedAndRemindersAreOn)
     EXPECT_EQ(fake.windows.boxes[0].text, invalidFileQuestion);
     EXPECT_EQ(fake.windows.boxes[0].style, vbYesNo + vbCritical);
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Reminders");
+    // What was in it is kept beside it.
     Lines asked = FileCalls();
     EXPECT_EQ(asked,
               (Lines{"OpenRandom C:\\Voxmate\\VoxmateReminders.txt 128", "Close C:\\Voxmate\\VoxmateReminders.txt",
+                     "MoveFile C:\\Voxmate\\VoxmateReminders.txt to "
+                     "C:\\Voxmate\\VoxmateReminders-1975-03-17-140509.txt",
                      "CreateTextFile C:\\Voxmate\\VoxmateReminders.txt"}));
+    EXPECT_EQ(fake.files.texts.at("C:\\Voxmate\\VoxmateReminders-1975-03-17-140509.txt"), before);
     Lines spoken = Spoken();
     ASSERT_EQ(spoken.size(), 2u);
     EXPECT_EQ(spoken[0], "[Decline]");
@@ -343,14 +348,14 @@ TEST_F(RemindersTest, AFileThatCannotBeOpenedOrReadIsToldOfAndLeavesRemindersOff
         fake.files.failures.clear();
         Load({Call(), Call(), Call()});
         const std::string before = Content();
-        fake.files.failures = {{call, PermissionDenied()}};
+        fake.files.failures = {{call, PathFileAccessError()}};
         fake.windows.boxes.clear();
         LoadReminders(false, 0);
         ASSERT_EQ(fake.windows.boxes.size(), 1u) << call;
         EXPECT_EQ(fake.windows.boxes[0].text,
-                  "The reminders could not be read: another program has the file open, or it may not be changed."
+                  "The reminders could not be read: access to the file or its folder is not allowed."
                   "\r\n\r\nC:\\Voxmate\\VoxmateReminders.txt\r\n\r\n"
-                  "Reminders are disabled until the file has been read.\r\nError 70 - Permission denied");
+                  "Reminders are disabled until the file has been read.\r\nError 75 - Path/File access error");
         EXPECT_TRUE(RemindersAreOff()) << call;
         EXPECT_EQ(IsBusy, False) << call;
         EXPECT_EQ(Content(), before) << call;

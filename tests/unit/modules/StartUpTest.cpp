@@ -43,11 +43,11 @@ TEST_F(StartUpTest, TheSequenceRunsInItsFixedOrder)
         "Tip checks 1 0",
     };
     EXPECT_EQ(fake.log, expected);
-    // Reminders are on, after an empty file has been made.
+    // Reminders are on, and no file has been made for them.
     EXPECT_TRUE(window.reminderTimer);
     EXPECT_TRUE(window.enableChecked);
     EXPECT_FALSE(window.disableChecked);
-    EXPECT_TRUE(fake.files.FileExists("C:\\Voxmate\\VoxmateReminders.txt"));
+    EXPECT_FALSE(fake.files.FileExists("C:\\Voxmate\\VoxmateReminders.txt"));
     EXPECT_TRUE(fake.windows.boxes.empty());
     EXPECT_EQ(WindowsDir, "C:\\WINDOWS");
     EXPECT_EQ(ReminderFilePath, "C:\\Voxmate\\VoxmateReminders.txt");

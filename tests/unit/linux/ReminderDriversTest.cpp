@@ -1,0 +1,188 @@
+// Several programs that change the reminders of one folder at the same time, as fast as they can.
+#include "OwnFolder.h"
+#include "modules/Reminders.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "tests/fakes/FakePlatform.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace voxmate::linux_platform
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// How long the drivers work: so many seconds where VOXMATE_DRIVER_SECONDS says so, else a number of changes.
+class Work
+{
+public:
+    bool GoesOn()
+    {
+        ++done_;
+        return seconds_ > 0 ? std::chrono::steady_clock::now() < end_ : done_ <= fewChanges;
+    }
+
+private:
+    static constexpr int fewChanges = 150;
+    static double Seconds()
+    {
+        const char* seconds = std::getenv("VOXMATE_DRIVER_SECONDS");
+        return seconds ? std::atof(seconds) : 0;
+    }
+    double seconds_ = Seconds();
+    std::chrono::steady_clock::time_point end_ =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(static_cast<int>(seconds_ * 1000));
+    int done_ = 0;
+};
+
+/// The reminders that must be in the file: title, and whether it is done.
+using Expected = std::map<std::string, bool>;
+
+/// Adds, answers and deletes reminders of its own without a pause, among those of others.
+class Driver
+{
+public:
+    Driver(const fs::path& folder, int number)
+        : name_("Driver " + std::to_string(number) + " "), random_(static_cast<unsigned>(number))
+    {
+        BeginProgram(platform_, window_);
+        ResetReminders();
+        ReminderFilePath = (folder / "VoxmateReminders.txt").string();
+        ReminderTempPath = (folder / "VoxmateReminders.tmp").string();
+        window_.CheckReminderMenus(true, false);
+        LoadReminders(false, 0);
+    }
+    ~Driver() { ResetReminders(); }
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+
+    Expected Run()
+    {
+        constexpr std::size_t most = 40;
+        Work work;
+        while (work.GoesOn()) {
+            const std::size_t choice = random_() % 3;
+            if (mine_.empty() || (choice == 0 && mine_.size() < most))
+                Add();
+            else if (choice == 1)
+                Answer();
+            else
+                Delete();
+        }
+        // An answer that could not be saved at once is saved later.
+        while (window_.reminderRetry)
+            RetryReminders();
+        return mine_;
+    }
+    /// What the user was told.
+    std::string Told() const { return fake_.windows.boxes.empty() ? "" : fake_.windows.boxes[0].text; }
+
+private:
+    fakes::FakePlatform fake_;
+    LinuxFileSystem files_;
+    Platform platform_{fake_.store, fake_.agent,   fake_.speech, fake_.windows,
+                       files_,      fake_.process, fake_.clock,  fake_.word};
+    fakes::FakeMainWindow window_{fake_.log};
+    std::string name_;
+    std::mt19937 random_;
+    Expected mine_;
+    int count_ = 0;
+
+    std::string Any() { return std::next(mine_.begin(), static_cast<std::ptrdiff_t>(random_() % mine_.size()))->first; }
+    static std::int16_t NumberOf(const std::string& title)
+    {
+        const auto at = std::find(RemTitles.begin() + 1, RemTitles.begin() + 1 + RemCount, title);
+        return at == RemTitles.begin() + 1 + RemCount ? std::int16_t{0}
+                                                      : static_cast<std::int16_t>(at - RemTitles.begin());
+    }
+    void Add()
+    {
+        const std::string title = name_ + std::to_string(++count_);
+        if (TryAppendReminder({title, 7, 3, 2104, 9, 5, "Bank", false}))
+            mine_[title] = false;
+        LoadReminders(false, 0);
+    }
+    void Answer()
+    {
+        const std::string title = Any();
+        FinishReminder(NumberOf(title), false, 0);
+        mine_[title] = true;
+    }
+    void Delete()
+    {
+        const std::string title = Any();
+        const std::int16_t number = NumberOf(title);
+        if (number != 0 && TrySaveReminders(number))
+            mine_.erase(title);
+        LoadReminders(false, 0);
+    }
+};
+
+class ReminderDriversTest : public OwnFolder
+{
+protected:
+    static constexpr int Others = 7; ///< reminders that were there before and that nobody touches
+    std::string File() const { return (folder / "VoxmateReminders.txt").string(); }
+
+    void WriteOthers()
+    {
+        Driver driver(folder, 0);
+        for (int i = 1; i <= Others; ++i)
+            ASSERT_TRUE(TryAppendReminder({"Other " + std::to_string(i), 7, 3, 2104, 9, 5, "", false}) &&
+                        (LoadReminders(false, 0), RemCount == i));
+    }
+    /// Starts a driver in a process of its own, which writes what it leaves, a line each, into a file.
+    pid_t Start(int number)
+    {
+        const pid_t process = ::fork();
+        if (process != 0)
+            return process;
+        Driver driver(folder, number);
+        std::ostringstream left;
+        for (const auto& [title, done] : driver.Run())
+            left << (done ? "Y " : "N ") << title << "\n";
+        Write(folder / ("left " + std::to_string(number)), left.str());
+        Write(folder / ("told " + std::to_string(number)), driver.Told());
+        ::_exit(0);
+    }
+};
+
+TEST_F(ReminderDriversTest, TwoThatSaveWithoutPauseLoseNothing)
+{
+    WriteOthers();
+    const std::vector<pid_t> drivers{Start(1), Start(2)};
+    for (const pid_t driver : drivers) {
+        int status = 0;
+        ::waitpid(driver, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    std::vector<std::string> expected;
+    for (int i = 1; i <= Others; ++i)
+        expected.push_back("N Other " + std::to_string(i));
+    for (const char* number : {"1", "2"}) {
+        EXPECT_EQ(Read(folder / (std::string("told ") + number)), "");
+        std::istringstream left(Read(folder / (std::string("left ") + number)));
+        for (std::string line; std::getline(left, line);)
+            expected.push_back(line);
+    }
+    const Driver reader(folder, 3);
+    std::vector<std::string> found;
+    for (std::size_t number = 1; number <= static_cast<std::size_t>(RemCount); ++number)
+        found.push_back(RemDone[number] + " " + RemTitles[number]);
+    std::sort(expected.begin(), expected.end());
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, expected);
+}
+
+} // namespace
+
+} // namespace voxmate::linux_platform
