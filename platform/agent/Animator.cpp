@@ -37,10 +37,29 @@ void Animator::Play(const Animation& animation, std::function<void()> done)
 {
     done_ = std::move(done);
     left_ = false;
-    Begin(animation, Way::Along);
+    Begin(animation, Way::Along, Never);
 }
 
-void Animator::Begin(const Animation& animation, Way way)
+void Animator::PlayToEnd(const Animation& animation, std::function<void(bool givenUp)> done)
+{
+    done_ = [this, done = std::move(done)] { done(givenUp_); };
+    left_ = false;
+    Begin(animation, Way::Along, LongestWayOut);
+}
+
+void Animator::Hurry()
+{
+    if (!moving_ || end_ == Never)
+        return;
+    std::int64_t whole = 0;
+    for (const Frame& frame : animation_->frames)
+        whole += std::int64_t{frame.duration} * 10;
+    end_ = std::min(end_, whole > LongestWayOut ? stage_.Now() : begun_ + whole);
+    due_ = std::min(due_, end_);
+    WaitFor(due_);
+}
+
+void Animator::Begin(const Animation& animation, Way way, std::int64_t longest)
 {
     timer_.reset();
     animation_ = &animation;
@@ -49,8 +68,9 @@ void Animator::Begin(const Animation& animation, Way way)
     drawn_ = 0;
     moving_ = true;
     at_ = 0;
-    due_ = stage_.Now();
-    wayEnd_ = due_ + LongestWayOut;
+    givenUp_ = false;
+    due_ = begun_ = stage_.Now();
+    end_ = longest == Never ? Never : begun_ + longest;
     Enter(0);
 }
 
@@ -74,7 +94,7 @@ void Animator::Leave(const Animation* next, std::function<void()> done)
     if (leaving.transition == Transition::ReturnAnimation) {
         const Animation* back = file_.FindAnimation(leaving.returnAnimation);
         if (back && back != next && !back->frames.empty()) {
-            Begin(*back, Way::Return);
+            Begin(*back, Way::Return, LongestWayOut);
             return;
         }
     } else if (leaving.transition == Transition::ExitBranches) {
@@ -84,8 +104,8 @@ void Animator::Leave(const Animation* next, std::function<void()> done)
         drawn_ = 0;
         moving_ = true;
         timer_.reset();
-        due_ = stage_.Now();
-        wayEnd_ = due_ + LongestWayOut;
+        due_ = begun_ = stage_.Now();
+        end_ = begun_ + LongestWayOut;
         Enter(AfterOnExit(at_));
         return;
     }
@@ -121,16 +141,15 @@ void Animator::Enter(int index)
             index = After(index);
             continue;
         }
-        // A way out has an end: a file may lead it in circles or have it stand still for minutes.
-        if (way_ != Way::Along && (++drawn_ > 2 * animation_->frames.size() || stage_.Now() >= wayEnd_))
+        // What is waited for has an end: a file may lead it in circles or have it stand still for minutes.
+        givenUp_ = (way_ != Way::Along && ++drawn_ > 2 * animation_->frames.size()) || stage_.Now() >= end_;
+        if (givenUp_)
             break;
         at_ = index;
         shown_ = &frame;
-        due_ += std::int64_t{frame.duration} * 10;
-        if (way_ != Way::Along)
-            due_ = std::min(due_, wayEnd_);
+        due_ = std::min(due_ + std::int64_t{frame.duration} * 10, end_);
         if (!StandsStill(frame, index))
-            timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, due_ - stage_.Now())), [this] { Tick(); });
+            WaitFor(due_);
         show_(frame);
         return;
     }
@@ -178,8 +197,13 @@ int Animator::AfterOnExit(int index)
 /// A frame that always branches to itself changes nothing any more: no timer is needed, unless its sound is repeated.
 bool Animator::StandsStill(const Frame& frame, int index) const
 {
-    return way_ == Way::Along && frame.sound < 0 && !frame.branches.empty() && frame.branches.front().frame == index &&
+    return end_ == Never && frame.sound < 0 && !frame.branches.empty() && frame.branches.front().frame == index &&
            frame.branches.front().percent >= 100;
+}
+
+void Animator::WaitFor(std::int64_t moment)
+{
+    timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, moment - stage_.Now())), [this] { Tick(); });
 }
 
 void Animator::Tick()

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 
 namespace voxmate::agent
@@ -21,6 +22,15 @@ public:
     /// Plays an animation from its first frame, at once, whatever was playing. `done` is called when its last frame has
     /// been on show for its time: at once when it has no frame to draw, never when it loops or something else follows.
     void Play(const Animation& animation, std::function<void()> done);
+
+    /// The same for an animation that something waits for, such as one that shows or hides the character: it is given
+    /// up after LongestWayOut milliseconds, and `done` is told whether it was.
+    void PlayToEnd(const Animation& animation, std::function<void(bool givenUp)> done);
+
+    /// Whoever waits for PlayToEnd, or for a way out, waits no longer than the animation needs to show each of its
+    /// frames once: one that ends by itself is seen to its end, one that goes round is given up, as is one that would
+    /// need more than LongestWayOut. Told from a timer, never inside this call.
+    void Hurry();
 
     /// Returns to the neutral pose the way the animation says: by its return animation (unless that is `next`, or
     /// `next` begins with the picture on show and has the same return animation), by exit branches from the frame it
@@ -47,19 +57,21 @@ public:
     /// The frame on show; null when there is none.
     const Frame* Shown() const { return shown_; }
 
-    /// No way out takes more milliseconds than this; then what follows begins.
+    /// No way out, and nothing played by PlayToEnd, takes more milliseconds than this; then what follows begins.
     static constexpr int LongestWayOut = 10000;
     /// Frames of no duration that are gone through before an animation counts as ended: no file draws on more.
     static constexpr int MaxUndrawn = 1000;
 
 private:
     enum class Way { Along, Exit, Return };
+    static constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();
 
-    void Begin(const Animation& animation, Way way);
+    void Begin(const Animation& animation, Way way, std::int64_t longest);
     void Enter(int index);
     int After(int index);
     int AfterOnExit(int index);
     bool StandsStill(const Frame& frame, int index) const;
+    void WaitFor(std::int64_t moment);
     void Tick();
     void End();
 
@@ -75,7 +87,9 @@ private:
     bool onWayOut_ = false;   ///< an exit branch has been taken
     int at_ = 0;              ///< frame on show, by its number
     int leftFrom_ = 0;        ///< frame from which the exit branches began
-    std::int64_t wayEnd_ = 0; ///< when the way out is given up, by the stage's clock
+    std::int64_t begun_ = 0;  ///< when the animation, or the way out of it, began, by the stage's clock
+    std::int64_t end_ = 0;    ///< when it is given up, a way out or what is waited for; else Never
+    bool givenUp_ = false;    ///< it came to `end_`, not to its own end
     std::size_t drawn_ = 0;   ///< frames drawn on the way out
     std::int64_t due_ = 0;    ///< when the frame on show has had its time, by the stage's clock
     std::unique_ptr<StageTimer> timer_;

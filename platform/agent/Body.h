@@ -56,6 +56,11 @@ public:
 
     /// Plays, leaves and forgets animations as Animator does.
     void Play(const Animation& animation, std::function<void()> done) { animator_.Play(animation, std::move(done)); }
+    void PlayToEnd(const Animation& animation, std::function<void(bool givenUp)> done)
+    {
+        animator_.PlayToEnd(animation, std::move(done));
+    }
+    void Hurry() { animator_.Hurry(); }
     void Leave(const Animation* next, std::function<void()> done) { animator_.Leave(next, std::move(done)); }
     void Forget();
     /// Stands in the neutral pose; stays as it is when the character has no pose of that kind.

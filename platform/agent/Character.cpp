@@ -32,6 +32,7 @@ Character::~Character()
 
 AgentRequestPtr Character::Show(bool fast)
 {
+    Hurry();
     auto request = std::make_shared<Request>(RequestKind::Show);
     request->fast = fast;
     return Enqueue(std::move(request));
@@ -91,6 +92,8 @@ void Character::StopAll(const std::string& types)
     };
     if (current_ && stops(*current_))
         Interrupt();
+    else if (current_ && shared_.order.Reaches(current_->number))
+        Hurry();
     std::deque<RequestPtr> kept;
     for (const RequestPtr& request : queue_) {
         if (stops(*request))

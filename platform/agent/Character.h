@@ -100,6 +100,7 @@ private:
     void TakeSpeakingPose();
     void EndSpeech();
 
+    void Hurry();
     void End(RequestStatus status);
     void Interrupt();
     void Conclude(const RequestPtr& request, RequestStatus status);

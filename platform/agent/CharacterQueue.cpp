@@ -94,7 +94,11 @@ void Character::BeginShow()
         return;
     }
     // The first frame is drawn before the window appears, so that no older picture flashes up.
-    body_.Play(*showing, shown);
+    body_.PlayToEnd(*showing, [this, shown](bool givenUp) {
+        if (givenUp)
+            body_.StandNeutral();
+        shown();
+    });
     body_.Appear();
 }
 
@@ -109,7 +113,7 @@ void Character::BeginHide()
         return;
     }
     unsettled_ = false;
-    body_.Leave(hiding, [this, hiding] { body_.Play(*hiding, [this] { Gone(); }); });
+    body_.Leave(hiding, [this, hiding] { body_.PlayToEnd(*hiding, [this](bool) { Gone(); }); });
 }
 
 /// The hiding is done.
@@ -253,6 +257,13 @@ void Character::TakeSpeakingPose()
             });
         }
     });
+}
+
+/// The program asks for something that a showing or hiding animation without an end would keep waiting for ever.
+void Character::Hurry()
+{
+    if (current_ && (current_->kind == RequestKind::Show || current_->kind == RequestKind::Hide))
+        body_.Hurry();
 }
 
 /// The running request has come to its end.

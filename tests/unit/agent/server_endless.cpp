@@ -1,0 +1,188 @@
+#include "tests/unit/agent/server_house.h"
+
+namespace voxmate::agent::test
+{
+namespace
+{
+
+/// Showing and hiding animations that have no end of their own.
+class EndlessShowing : public House
+{
+protected:
+    /// Show and Hide go round in a circle of 300 ms for ever.
+    void GoRound()
+    {
+        description.animations[1].frames = {Picture(2), Picture(3, 20, -1, {{0, 100}})};
+        description.animations[2].frames = {Picture(4), Picture(5, 20, -1, {{0, 100}})};
+    }
+    /// Show and Hide stop in a picture that is never left.
+    void StandStill()
+    {
+        description.animations[1].frames = {Picture(2, 10, -1, {{0, 100}})};
+        description.animations[2].frames = {Picture(4, 10, -1, {{0, 100}})};
+    }
+    static constexpr int kLongest = Animator::LongestWayOut;
+};
+
+TEST_F(EndlessShowing, ShowingIsGivenUpAndTheCharacterStandsThere)
+{
+    for (const bool round : {true, false}) {
+        round ? GoRound() : StandStill();
+        AgentCharacter& bo = Load(round ? "Round" : "Still");
+        Named("show", bo.Show(false));
+        stage.Run(kLongest - 1);
+        EXPECT_EQ(Log(), (Lines{"start show"}));
+        Pictures();
+        stage.Run(1);
+        EXPECT_EQ(Log(), (Lines{std::string("shown ") + (round ? "Round" : "Still") + " 4", "end show 0"}));
+        EXPECT_EQ(Pictures(), (Numbers{1}));
+        stage.Run(5000);
+        EXPECT_EQ(Pictures(), Numbers{});
+    }
+}
+
+TEST_F(EndlessShowing, HidingIsGivenUpAndTheCharacterGoes)
+{
+    for (const bool round : {true, false}) {
+        round ? GoRound() : StandStill();
+        AgentCharacter& bo = LoadShown(round ? "Round" : "Still");
+        Named("hide", bo.Hide(false));
+        stage.Run(kLongest - 1);
+        EXPECT_EQ(Log(), (Lines{"start hide"}));
+        stage.Run(1);
+        EXPECT_FALSE(stage.Window().visible);
+        EXPECT_EQ(Log(), (Lines{std::string("hidden ") + (round ? "Round" : "Still") + " 3", "end hide 0"}));
+    }
+}
+
+TEST_F(EndlessShowing, APictureThatStandsForMinutesIsGivenUpToo)
+{
+    description.animations[1].frames = {Picture(2, 65535)};
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(kLongest);
+    EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 0"}));
+}
+
+// "Stop Everything !!!" does not name what shows and hides, but an animation without an end must not outlast it.
+TEST_F(EndlessShowing, StoppingAnimationsFreesItAtOnce)
+{
+    GoRound();
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    Named("wave", bo.Play("Wave"));
+    stage.Run(1000);
+    bo.StopAll("Move, Play, Speak");
+    Named("rest", bo.Play("RestPose"));
+    Named("speak", bo.Speak("Hello", ""));
+    stage.Run(100);
+    EXPECT_EQ(Log(), (Lines{"start show", "end wave 3", "shown Bo 4", "end show 0", "start rest", "end rest 0",
+                            "start speak"}));
+    ASSERT_EQ(voice.started.size(), 1u);
+    EXPECT_EQ(Pictures().back(), 1);
+    voice.SpeakAll();
+    stage.Settle();
+    Log();
+    Named("hide", bo.Hide(false));
+    stage.Run(1000);
+    bo.StopAll("Move, Play, Speak");
+    stage.Settle();
+    EXPECT_FALSE(stage.Window().visible);
+    EXPECT_EQ(Log(), (Lines{"start hide", "hidden Bo 3", "end hide 0"}));
+}
+
+TEST_F(EndlessShowing, AskingToShowFreesItAtOnce)
+{
+    GoRound();
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(1000);
+    Named("button", bo.Show(false));
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 0", "start button", "end button 0"}));
+    Named("hide", bo.Hide(false));
+    stage.Run(1000);
+    Named("again", bo.Show(true));
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"start hide", "hidden Bo 3", "end hide 0", "start again", "shown Bo 4", "end again 0"}));
+    EXPECT_TRUE(stage.Window().visible);
+}
+
+TEST_F(EndlessShowing, APictureThatStandsForMinutesIsFreedAtOnceToo)
+{
+    description.animations[1].frames = {Picture(2, 65535)};
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(10);
+    bo.StopAll("Play");
+    stage.Settle();
+    EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 0"}));
+}
+
+TEST_F(EndlessShowing, AHidingThatWaitsForAnEndlessWayOutIsFreedToo)
+{
+    description.animations[6].frames[2] = Picture(14, 65535);
+    AgentCharacter& bo = LoadShown();
+    bo.Play("Search");
+    Named("hide", bo.Hide(false));
+    stage.Run(50);
+    bo.StopAll("Play");
+    stage.Run(50);
+    EXPECT_TRUE(stage.Window().visible);
+    Log();
+    bo.StopAll("Play");
+    stage.Run(200);
+    EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0"}));
+}
+
+// What ends by itself is left alone: Show and Hide take 200 ms here.
+TEST_F(EndlessShowing, AnAnimationWithAnEndOfItsOwnIsSeenToItsEnd)
+{
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(50);
+    bo.StopAll("Move, Play, Speak");
+    Named("button", bo.Show(false));
+    stage.Run(149);
+    EXPECT_EQ(Log(), (Lines{"start show"}));
+    EXPECT_EQ(Pictures(), (Numbers{2, 3}));
+    stage.Run(1);
+    EXPECT_EQ(Log(), (Lines{"shown Bo 4", "end show 0", "start button", "end button 0"}));
+    Named("hide", bo.Hide(false));
+    stage.Run(50);
+    bo.StopAll("Move, Play, Speak");
+    stage.Run(149);
+    EXPECT_EQ(Log(), (Lines{"start hide"}));
+    stage.Run(1);
+    EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0"}));
+}
+
+// One that may go round by chance goes round once and no more.
+TEST_F(EndlessShowing, WhatMayGoOnByChanceEndsWhenEachPictureCouldHaveBeenSeen)
+{
+    GoRound();
+    AgentCharacter& bo = Load();
+    Named("show", bo.Show(false));
+    stage.Run(50);
+    bo.StopAll("Play");
+    stage.Run(249);
+    EXPECT_EQ(Log(), (Lines{"start show"}));
+    stage.Run(1);
+    EXPECT_EQ(Log(), (Lines{"shown Bo 4", "end show 0"}));
+}
+
+// A handler of Hidden that stops everything means what went on before: not the showing that was asked for since.
+TEST_F(EndlessShowing, AHandlerOfHiddenDoesNotHurryALaterShowing)
+{
+    GoRound();
+    description.animations[2].frames = {Picture(4)};
+    AgentCharacter& bo = LoadShown();
+    server.Hidden = [&](const std::string&, VisibilityCause) { bo.StopAll("Move, Play, Speak"); };
+    Named("hide", bo.Hide(true));
+    Named("show", bo.Show(false));
+    stage.Run(1000);
+    EXPECT_EQ(Log(), (Lines{"start hide", "end hide 0", "start show"}));
+}
+
+} // namespace
+} // namespace voxmate::agent::test
