@@ -83,15 +83,15 @@ private:
     const Frame* shown_ = nullptr;
     Way way_ = Way::Along;
     bool moving_ = false;
-    bool left_ = true;        ///< stands in the neutral pose: nothing to leave
-    bool onWayOut_ = false;   ///< an exit branch has been taken
-    int at_ = 0;              ///< frame on show, by its number
-    int leftFrom_ = 0;        ///< frame from which the exit branches began
-    std::int64_t begun_ = 0;  ///< when the animation, or the way out of it, began, by the stage's clock
-    std::int64_t end_ = 0;    ///< when it is given up, a way out or what is waited for; else Never
-    bool givenUp_ = false;    ///< it came to `end_`, not to its own end
-    std::size_t drawn_ = 0;   ///< frames drawn on the way out
-    std::int64_t due_ = 0;    ///< when the frame on show has had its time, by the stage's clock
+    bool left_ = true;       ///< stands in the neutral pose: nothing to leave
+    bool onWayOut_ = false;  ///< an exit branch has been taken
+    int at_ = 0;             ///< frame on show, by its number
+    int leftFrom_ = 0;       ///< frame from which the exit branches began
+    std::int64_t begun_ = 0; ///< when the animation, or the way out of it, began, by the stage's clock
+    std::int64_t end_ = 0;   ///< when it is given up, a way out or what is waited for; else Never
+    bool givenUp_ = false;   ///< it came to `end_`, not to its own end
+    std::size_t drawn_ = 0;  ///< frames drawn on the way out
+    std::int64_t due_ = 0;   ///< when the frame on show has had its time, by the stage's clock
     std::unique_ptr<StageTimer> timer_;
 };
 

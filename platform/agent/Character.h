@@ -98,6 +98,7 @@ private:
     void StartSpeech(std::string shown, speech::Utterance utterance);
     void SpeechEnded(bool ok);
     void TakeSpeakingPose();
+    std::vector<const Animation*> SpeakingAnimations() const;
     void EndSpeech();
 
     void Hurry();

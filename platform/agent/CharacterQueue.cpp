@@ -233,8 +233,8 @@ void Character::EndSpeech()
     shared_.turn.GiveBack(this);
 }
 
-/// A character speaks in the frame it stands in when that has mouths, else in its neutral pose, else in an animation of
-/// the state Speaking; the voice may be heard already while it gets there.
+/// A character speaks in the frame it stands in when that has mouths, else, by way of its neutral pose, in an animation
+/// of the state Speaking, and without one in the neutral pose; the voice may be heard already while it gets there.
 void Character::TakeSpeakingPose()
 {
     if (!body_.Moving() && body_.HasMouths())
@@ -246,17 +246,29 @@ void Character::TakeSpeakingPose()
             Rest(); // silent again before it got there
             return;
         }
-        if (body_.HasMouths())
+        const Animation* speaking = PickAnimation(shared_.stage, SpeakingAnimations());
+        if (!speaking)
             return;
-        if (const Animation* speaking = PickAnimation(shared_.stage, StateAnimations(*file_, "Speaking"))) {
-            unsettled_ = true;
-            body_.Play(*speaking, [this, begun = shared_.stage.Now()] {
-                // Once more, unless it ended in a frame with mouths; one with nothing to show would never come to rest.
-                if (shared_.stage.Now() > begun)
-                    TakeSpeakingPose();
-            });
-        }
+        unsettled_ = true;
+        body_.Play(*speaking, [this, begun = shared_.stage.Now()] {
+            // Once more, unless it ended in a frame with mouths; one with nothing to show would never come to rest.
+            if (shared_.stage.Now() > begun)
+                TakeSpeakingPose();
+        });
     });
+}
+
+/// Those that a character may speak in that stands in its neutral pose. A mouth that can be seen goes before a movement
+/// without one.
+std::vector<const Animation*> Character::SpeakingAnimations() const
+{
+    std::vector<const Animation*> animations = StateAnimations(*file_, "Speaking");
+    if (body_.HasMouths())
+        std::erase_if(animations, [](const Animation* animation) {
+            return std::none_of(animation->frames.begin(), animation->frames.end(),
+                                [](const Frame& frame) { return frame.duration > 0 && frame.HasMouths(); });
+        });
+    return animations;
 }
 
 /// The program asks for something that a showing or hiding animation without an end would keep waiting for ever.

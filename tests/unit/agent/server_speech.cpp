@@ -284,6 +284,95 @@ TEST_F(ServerSpeech, APoseWithoutMouthsIsLeftForTheNeutralOneWhileTheVoiceIsHear
     EXPECT_EQ(Pictures(), (Numbers{1}));
 }
 
+/// Talk moves its arms, 30 31 in a loop, both with mouths, and is left by 32.
+Animation Talk()
+{
+    Animation talk{"Talk", Transition::ExitBranches, "", {}};
+    talk.frames = {WithMouths(Picture(30, 10, 2)), WithMouths(Picture(31, 10, 2, {{0, 100}})), Picture(32)};
+    return talk;
+}
+
+TEST_F(ServerSpeech, AfterAPoseWithoutMouthsAnAnimationOfTheStateSpeakingIsPlayedEvenIfTheNeutralPoseHasMouths)
+{
+    description.animations.push_back(Talk());
+    description.states.push_back({"Speaking", {"Talk"}});
+    AgentCharacter& bo = LoadShown();
+    bo.Play("Bow");
+    bo.Speak("Hello", "");
+    stage.Run(100);
+    EXPECT_EQ(voice.started.size(), 1u);
+    voice.Begin();
+    voice.Mouth(4);
+    EXPECT_EQ(Pictures(), (Numbers{1, 16, 1, 30, 50, 54}));
+    stage.Run(1150);
+    voice.End();
+    EXPECT_EQ(Pictures(), (Numbers{31})); // its own picture again, the mouth gone
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{32, 1}));
+}
+
+TEST_F(ServerSpeech, AfterAnIdleAnimationAnAnimationOfTheStateSpeakingIsPlayedToo)
+{
+    description.animations.push_back(Talk());
+    description.states.push_back({"Speaking", {"Talk"}});
+    description.states.push_back({"IdlingLevel1", {"Look"}});
+    AgentCharacter& bo = LoadShown();
+    stage.Run(3200);
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Run(100);
+    EXPECT_EQ(Pictures(), (Numbers{22, 1, 30}));
+}
+
+TEST_F(ServerSpeech, ANeutralPoseWithMouthsInWhichItStandsIsSpokenIn)
+{
+    description.animations.push_back(Talk());
+    description.states.push_back({"Speaking", {"Talk"}});
+    AgentCharacter& bo = LoadShown();
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{50}));
+}
+
+TEST_F(ServerSpeech, AMouthThatCanBeSeenGoesBeforeAMovementWithoutOne)
+{
+    Animation wag{"Wag", Transition::None, "", {Picture(33), Picture(34, 10, -1, {{0, 100}})}};
+    description.animations.push_back(wag);
+    description.states.push_back({"Speaking", {"Wag"}});
+    AgentCharacter& bo = LoadShown();
+    bo.Play("Bow");
+    stage.Run(100);
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    voice.Mouth(4);
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{1, 50, 54}));
+}
+
+// As the characters that ship have it: the state Speaking is the neutral pose.
+TEST_F(ServerSpeech, WhereTheStateSpeakingIsTheNeutralPoseOnlyTheMouthMoves)
+{
+    description.states.push_back({"Speaking", {"RestPose"}});
+    AgentCharacter& bo = LoadShown();
+    bo.Play("Bow");
+    stage.Run(100);
+    Pictures();
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    voice.Mouth(4);
+    stage.Run(1000);
+    voice.Mouth(2);
+    voice.End();
+    stage.Run(1000);
+    EXPECT_EQ(Pictures(), (Numbers{1, 50, 54, 52, 1}));
+}
+
 TEST_F(ServerSpeech, WithoutMouthsInTheNeutralPoseAnAnimationOfTheStateSpeakingIsPlayed)
 {
     description.animations[0].frames = {Picture(1)};
