@@ -5,6 +5,7 @@
 #include "modules/Messages.h"
 #include "modules/Registry.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace voxmate
@@ -64,6 +65,14 @@ bool SettleSearchPath(bool fromOptions)
     if (!problem.empty())
         EndWithoutCharacters(problem);
     return true;
+}
+
+// The name as its file has it, for names of characters compare without case; the first of all where there is none.
+std::string InAnyCase(const std::string& name, const std::vector<std::string>& names)
+{
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [&name](const std::string& candidate) { return EqualNoCase(candidate, name); });
+    return found == names.end() ? names.front() : *found;
 }
 
 void FillAnimationNames()
@@ -146,7 +155,7 @@ void FindCharacters(bool fromOptions)
         CharacterCount = ToInt16(static_cast<std::int64_t>(names.size()));
         WriteRegString(SettingsKey, "CharacterPath", Settings.CharacterPath);
         if (!Host().Files.FileExists(Settings.CharacterPath + Settings.LastCharacter + extension))
-            Settings.LastCharacter = names.front();
+            Settings.LastCharacter = InAnyCase(Settings.LastCharacter, names);
     });
 }
 

@@ -1,6 +1,7 @@
 // The character server: loads characters and carries their requests and events.
 #pragma once
 
+#include "base/Text.h"
 #include "platform/Agent.h"
 #include "platform/agent/Character.h"
 #include "platform/agent/EventQueue.h"
@@ -31,9 +32,9 @@ public:
     Server& operator=(const Server&) = delete;
 
     /// Raises run-time error 321 when the file cannot be used as a character (the description says why and names it),
-    /// and 457 when a character of that name is loaded already. Names are told apart by case, as files are. It stands
-    /// where the user had put the one unloaded last, feet on the same spot; without that near the lower right corner of
-    /// the primary screen.
+    /// and 457 when a character of that name is loaded already. Names compare without case. It stands where the user
+    /// had put the one unloaded last, feet on the same spot; without that near the lower right corner of the primary
+    /// screen.
     void Load(const std::string& name, const std::string& path) override;
     /// Ends all that the character does: its requests are interrupted, each with its completion event, and it goes from
     /// the screen at once. Does nothing when there is no such character.
@@ -53,7 +54,10 @@ private:
     RequestOrder order_;
     std::optional<Point> feet_; ///< where the user had put the character unloaded last
     bool soundEffectsOn_ = true;
-    std::map<std::string, std::unique_ptr<Character>> characters_;
+    struct WithoutCase {
+        bool operator()(const std::string& a, const std::string& b) const { return UCase(a) < UCase(b); }
+    };
+    std::map<std::string, std::unique_ptr<Character>, WithoutCase> characters_;
 };
 
 } // namespace voxmate::agent

@@ -35,7 +35,15 @@ TEST_F(ServerLoad, ANameCanBeLoadedOnlyOnce)
         EXPECT_EQ(error.Number, 457);
         EXPECT_EQ(error.Description, "The character \"Bo\" is loaded already.");
     }
-    Load("bo");
+    EXPECT_THROW(server.Load("bO", "bO.acs"), RuntimeError);
+}
+
+TEST_F(ServerLoad, NamesOfCharactersCompareWithoutCase)
+{
+    AgentCharacter& bo = Load("Zoë");
+    EXPECT_EQ(&server.Characters("zoë"), &bo);
+    server.Unload("ZOë");
+    EXPECT_THROW(server.Characters("Zoë"), RuntimeError);
 }
 
 TEST_F(ServerLoad, AnUnusableFileIsARuntimeErrorThatNamesTheFile)

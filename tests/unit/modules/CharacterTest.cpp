@@ -36,6 +36,25 @@ TEST_F(CharacterTest, ACharacterThatIsGoneGivesWayToTheFirst)
     EXPECT_EQ(Settings.LastCharacter, "Alfa");
 }
 
+TEST_F(CharacterTest, ACharactersNameIsFoundWhateverTheCaseOfItsLetters)
+{
+    Settings.LastCharacter = "bRAVO";
+    FindCharacters(false);
+    EXPECT_EQ(Settings.LastCharacter, "Bravo");
+    LoadCharacter(Settings.LastCharacter, true);
+    EXPECT_EQ(fake.log.front(), "Load Bravo C:\\Chars\\Bravo.acs");
+    EXPECT_EQ(window.checked, "Bravo");
+    EXPECT_EQ(fake.store.At("LastCharacter").data, "Bravo");
+}
+
+TEST_F(CharacterTest, OfNamesThatDifferInCaseOnlyTheOneAsWrittenIsTaken)
+{
+    fake.AddCharacters("C:\\Chars\\", {"ALFA", "alfa"});
+    Settings.LastCharacter = "alfa";
+    FindCharacters(false);
+    EXPECT_EQ(Settings.LastCharacter, "alfa");
+}
+
 TEST_F(CharacterTest, AMissingFolderIsAskedAboutAndTheSystemFolderTakesItsPlace)
 {
     SearchPath = "D:\\Nowhere\\";
