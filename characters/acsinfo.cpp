@@ -2,14 +2,15 @@
 #include "Describe.h"
 #include "Export.h"
 
+#include "platform/agent/PictureCheck.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QStringList>
 
 #include <cstdio>
 #include <exception>
-#include <set>
-#include <tuple>
+#include <memory>
 
 using namespace voxmate;
 using namespace voxmate::characters;
@@ -17,24 +18,23 @@ using namespace voxmate::characters;
 namespace
 {
 
-constexpr const char* Usage = "Usage: acsinfo FILE.acs                 says what is in it, as JSON\n"
-                              "       acsinfo --export FOLDER FILE.acs  writes its frames and sounds as files\n"
-                              "       acsinfo --check FILE.acs...       decodes every image and says what is wrong\n";
+constexpr const char* Usage =
+    "Usage: acsinfo FILE.acs                 says what is in it, as JSON\n"
+    "       acsinfo --export FOLDER FILE.acs  writes its frames and sounds as files\n"
+    "       acsinfo --check FILE.acs...       says of each file whether it is sound, or what is wrong\n";
 
 void Print(FILE* to, const std::string& text)
 {
     std::fwrite(text.data(), 1, text.size(), to);
 }
 
-// Every image, and those that several entries share once. Frames are made of nothing else, so they can be drawn then.
-void DecodeAll(const agent::AcsFile& file)
+// A file whose images all decode: frames are made of nothing else, so they can be drawn.
+std::shared_ptr<const agent::AcsFile> OpenSound(const QString& path)
 {
-    std::set<std::tuple<std::uint32_t, std::uint32_t, std::uint16_t, std::uint16_t>> decoded;
-    for (std::size_t i = 0; i < file.ImageCount(); ++i) {
-        const agent::StoredImage& stored = file.Stored(i);
-        if (decoded.insert({stored.offset, stored.size, stored.width, stored.height}).second)
-            file.DecodeImage(i);
-    }
+    auto file = agent::AcsFile::Open(path.toStdString());
+    if (const std::string fault = agent::CheckPictures(*file).first; !fault.empty())
+        throw agent::AcsError(fault);
+    return file;
 }
 
 int Check(const QStringList& paths)
@@ -43,7 +43,7 @@ int Check(const QStringList& paths)
     for (const QString& path : paths) {
         std::string answer = path.toStdString() + ": sound";
         try {
-            DecodeAll(*agent::AcsFile::Open(path.toStdString()));
+            OpenSound(path);
         } catch (const std::exception& error) {
             answer = error.what();
             refused = 1;
@@ -63,11 +63,11 @@ int main(int argc, char** argv)
         if (arguments.size() >= 2 && arguments[0] == "--check")
             return Check(arguments.mid(1));
         if (arguments.size() == 3 && arguments[0] == "--export") {
-            Export(*agent::AcsFile::Open(arguments[2].toStdString()), arguments[1]);
+            Export(*OpenSound(arguments[2]), arguments[1]);
             return 0;
         }
         if (arguments.size() == 1 && !arguments[0].startsWith("--")) {
-            const auto file = agent::AcsFile::Open(arguments[0].toStdString());
+            const auto file = OpenSound(arguments[0]);
             Print(stdout, Describe(*file, static_cast<std::uint64_t>(QFileInfo(arguments[0]).size())));
             return 0;
         }

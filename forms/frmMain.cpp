@@ -108,6 +108,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuSysTray.Click = [this] { mnuSysTray_Click(); };
     RemTimer.Tick = [] { RemTimer_Timer(); };
     RemRetryTimer.Tick = [] { RetryReminders(); };
+    DamageTimer.Tick = [this] { DamageTimer_Timer(); };
     mnuShowAll.Click = [this] { mnuShowAll_Click(); };
     mnuEReminders.Click = [this] { mnuEReminders_Click(); };
     mnuDReminders.Click = [this] { mnuDReminders_Click(); };
@@ -153,6 +154,7 @@ void frmMain::ConnectAgent()
     agent.Command = [this](const std::string& name) { AgentX_Command(name); };
     agent.RequestStart = [this](const AgentRequestPtr&) { SetStatus(StatusBusy); };
     agent.RequestComplete = [this](const AgentRequestPtr& request) { AgentX_RequestComplete(request); };
+    agent.Damaged = [this](const std::string&, const std::string& message) { AgentX_Damaged(message); };
     agent.Hidden = [](const std::string&, VisibilityCause) {
         if (Character)
             Character->StopAll(everything);
@@ -500,6 +502,20 @@ void frmMain::AgentX_RequestComplete(const AgentRequestPtr& request)
             Character->Play("RestPose");
     }
     SetStatus(StatusIdle);
+}
+
+void frmMain::AgentX_Damaged(const std::string& message)
+{
+    damages_.push_back(message);
+    DamageTimer.Enabled = true;
+}
+
+void frmMain::DamageTimer_Timer()
+{
+    if (!TellDamagedCharacter(damages_.front()))
+        return;
+    damages_.pop_front(); // others may have come while the box was up
+    DamageTimer.Enabled = !damages_.empty();
 }
 
 void frmMain::AgentX_Command(const std::string& name)

@@ -5,6 +5,7 @@
 #include "modules/Windows.h"
 #include "platform/Platform.h"
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ public:
     Timer SysTime{this, "SysTime", 1000, true};
     Timer RemTimer{this, "RemTimer", 800, false};
     Timer RemRetryTimer{this, "RemRetryTimer", 1000, false};
+    /// Looks for the moment to tell of damaged characters; off while there is nothing to tell.
+    Timer DamageTimer{this, "DamageTimer", 250, false};
     PictureBox TrayPict{this, "TrayPict", "voxmate"};
     CommandButton cmdDate{this, "cmdDate"};
     CommandButton cmdTime{this, "cmdTime"};
@@ -125,6 +128,7 @@ private:
     bool readingWord_ = false; ///< a document is being opened or taken in
 
     TrayIconData trayIconData_;
+    std::deque<std::string> damages_; ///< of characters, still to be told
     // Made when they are first shown.
     std::unique_ptr<frmReminder> reminderForm_;
     std::unique_ptr<frmOptions> optionsForm_;
@@ -176,6 +180,8 @@ private:
     void AgentX_Click(int button);
     void AgentX_RequestComplete(const AgentRequestPtr& request);
     void AgentX_Command(const std::string& name);
+    void AgentX_Damaged(const std::string& message);
+    void DamageTimer_Timer();
 };
 
 } // namespace voxmate

@@ -14,6 +14,7 @@ Boolean IsBusy = False;
 std::int16_t CurrentRoutineId = 0;
 Boolean StopRequested = False;
 std::uint32_t StopCount = 0;
+bool StartedUp = false;
 std::string WindowsDir;
 std::string SearchPath;
 std::string ReminderFilePath;
@@ -80,6 +81,7 @@ void BeginProgram(Platform& platform, MainWindow& window)
     CurrentRoutineId = 0;
     StopRequested = False;
     StopCount = 0;
+    StartedUp = false;
     WindowsDir.clear();
     SearchPath.clear();
     ReminderFilePath.clear();

@@ -35,6 +35,8 @@ extern std::string MessageText;
 extern Boolean IsBusy;
 /// Number of the numbered routine that runs or ran last.
 extern std::int16_t CurrentRoutineId;
+/// The start-up sequence has come to its end.
+extern bool StartedUp;
 /// Set by "Stop Everything !!!", polled by long reading jobs.
 extern Boolean StopRequested;
 /// How often it was pressed: tells whoever lets events through whether it was meanwhile.

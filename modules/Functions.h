@@ -32,6 +32,9 @@ void FindCharacters(bool fromOptions);
 void ChangeCharacterPath(const std::string& path);
 /// Loads one character, unloading the one before unless `atStartUp`, and applies the settings to it.
 void LoadCharacter(const std::string& name, bool atStartUp);
+/// Tells, as all messages are told, that pictures of the loaded character are damaged; `message` names the file. False
+/// when this is not the moment, because the program is starting up or another message is up.
+bool TellDamagedCharacter(const std::string& message);
 /// Pushes the balloon, size and sound settings to the loaded character.
 void ApplyCharacterSettings();
 

@@ -202,6 +202,17 @@ void LoadCharacter(const std::string& name, bool atStartUp)
     });
 }
 
+bool TellDamagedCharacter(const std::string& message)
+{
+    if (!StartedUp || IsBusy)
+        return false;
+    MessageText = message;
+    ShowMessage(message, "Decline");
+    Host().Windows.MsgBox(message, vbExclamation, "Voxmate - File Error");
+    IsBusy = False;
+    return true;
+}
+
 void ApplyCharacterSettings()
 {
     ApplyBalloonSettings();

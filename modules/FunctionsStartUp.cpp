@@ -84,6 +84,7 @@ void RunStartUp()
     LoadReminders(false, 0);
     if (Settings.ShowCharacterAtStart == 1)
         GreetAndIntroduce(true);
+    StartedUp = true;
 }
 
 void OpenUrl(const std::string& url)

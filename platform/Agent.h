@@ -124,6 +124,9 @@ public:
     std::function<void(const AgentRequestPtr& request)> RequestStart;
     std::function<void(const AgentRequestPtr& request)> RequestComplete;
     std::function<void(int number)> Bookmark;
+    /// Pictures of a loaded character turn out to be damaged: it goes on with those that it has. Once a load; `message`
+    /// is one sentence that names the file and the first fault.
+    std::function<void(const std::string& character, const std::string& message)> Damaged;
 };
 
 } // namespace voxmate

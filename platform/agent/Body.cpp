@@ -30,6 +30,21 @@ const Frame* NeutralFrame(const AcsFile& file)
     return FirstDrawn(file.FindAnimation("RestPose"));
 }
 
+/// A frame that can be drawn: one to speak in, which shows the whole figure, if there is one.
+const Frame* AnySound(const AcsFile& file, const Painter& painter)
+{
+    const Frame* any = nullptr;
+    for (const Animation& animation : file.animations)
+        for (const Frame& frame : animation.frames) {
+            if (frame.duration == 0 || !painter.IsSound(frame))
+                continue;
+            if (frame.HasMouths())
+                return &frame;
+            any = any ? any : &frame;
+        }
+    return any;
+}
+
 Point Middle(const Rect& rect)
 {
     return {rect.x + rect.width / 2, rect.y + rect.height / 2};
@@ -80,6 +95,7 @@ void Body::Appear()
         if (frame)
             animator_.Stand(*frame);
     }
+    ShowSomething();
     Settle();
     visible_ = true;
     window_->SetVisible(true);
@@ -206,6 +222,27 @@ void Body::StandNeutral()
 {
     if (neutral_)
         animator_.Stand(*neutral_);
+}
+
+void Body::LeaveOut(const std::vector<bool>& damaged)
+{
+    painter_.LeaveOut(damaged);
+    if (neutral_ && !painter_.IsSound(*neutral_)) {
+        const bool stands = !animator_.Moving() && animator_.Shown() == neutral_;
+        if (const Frame* other = AnySound(file_, painter_))
+            neutral_ = other;
+        if (stands)
+            StandNeutral();
+    }
+    if (visible_)
+        ShowSomething();
+}
+
+/// Instead of nothing, because no picture that was due could be drawn, the neutral pose.
+void Body::ShowSomething()
+{
+    if (painter_.Empty() && neutral_)
+        painter_.Show(*neutral_, mouth_, size_);
 }
 
 void Body::SetMouth(int mouth)

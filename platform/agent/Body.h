@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace voxmate::agent
 {
@@ -69,6 +70,10 @@ public:
     /// Whether the frame on show has mouths.
     bool HasMouths() const { return animator_.Shown() && animator_.Shown()->HasMouths(); }
 
+    /// The images of these numbers cannot be decoded: what shows them is passed over, and when that is the neutral pose
+    /// another takes its place.
+    void LeaveOut(const std::vector<bool>& damaged);
+
     /// 0 to 6: the mouth of a character that speaks; negative: it does not speak.
     void SetMouth(int mouth);
     void SetSoundEffectsOn(bool on);
@@ -76,6 +81,7 @@ public:
 private:
     void ShowFrame(const Frame& frame);
     void Redraw();
+    void ShowSomething();
     void StopSound();
     void Settle();
     void TakePlace(Point place);

@@ -1,5 +1,7 @@
 #include "platform/agent/Character.h"
 
+#include "platform/agent/PictureCheck.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -19,6 +21,7 @@ Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsF
         gestures_.Handle(event);
     };
     ConnectGestures();
+    CheckPictures();
 }
 
 Character::~Character()
@@ -28,6 +31,20 @@ Character::~Character()
         Interrupt();
     for (const RequestPtr& request : std::exchange(queue_, {}))
         Conclude(request, RequestStatus::Interrupted);
+}
+
+/// Looks through the file's pictures while the character begins. To decode them all takes too long to wait for.
+void Character::CheckPictures()
+{
+    const auto faults = std::make_shared<PictureFaults>();
+    check_ = shared_.stage.InBackground(
+        [faults, file = file_](std::stop_token stop) { *faults = agent::CheckPictures(*file, std::move(stop)); },
+        [this, faults] {
+            if (faults->first.empty())
+                return;
+            body_.LeaveOut(faults->damaged);
+            shared_.Raise(&AgentControl::Damaged, name_, faults->first);
+        });
 }
 
 AgentRequestPtr Character::Show(bool fast)

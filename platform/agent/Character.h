@@ -109,6 +109,8 @@ private:
     void Gone();
     void RaiseHidden(const Request& hide);
 
+    void CheckPictures();
+
     void Rest();
     void GoHome();
     void Idle();
@@ -134,6 +136,7 @@ private:
     bool playsIdle_ = false; ///< an idle animation, or the way to one
     bool unsettled_ = false; ///< stands in a pose that nobody asked to be held
     std::int64_t aloneSince_ = 0;
+    std::unique_ptr<StageWork> check_; ///< of the file's pictures
     std::unique_ptr<StageTimer> wakeTimer_;
     std::unique_ptr<StageTimer> idleTimer_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0); ///< callbacks that may come too late hold it weakly

@@ -27,45 +27,68 @@ Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
     return key;
 }
 
-const Bitmap* Painter::Compose(const Frame& frame, int mouth, const Key& key)
+/// Every third number of a key, from the first on, is an image's.
+bool Painter::ShowsDamaged(const Key& key) const
+{
+    for (std::size_t i = 0; i + 2 < key.size(); i += 3)
+        if (const auto image = static_cast<std::size_t>(key[i]); image < damaged_.size() && damaged_[image])
+            return true;
+    return false;
+}
+
+std::shared_ptr<const Bitmap> Painter::Compose(const Frame& frame, int mouth, const Key& key)
 {
     const auto known = index_.find(key);
     if (known != index_.end()) {
         pictures_.splice(pictures_.begin(), pictures_, known->second);
-        return &pictures_.front().bitmap;
+        return pictures_.front().bitmap;
     }
+    if (ShowsDamaged(key))
+        return nullptr;
     try {
-        pictures_.push_front({key, ComposeFrame(file_, frame, mouth)});
+        pictures_.push_front({key, std::make_shared<const Bitmap>(ComposeFrame(file_, frame, mouth))});
     } catch (const AcsError&) {
         return nullptr;
     }
     index_[key] = pictures_.begin();
-    used_ += pictures_.front().bitmap.pixels.size() * sizeof(std::uint32_t);
+    used_ += pictures_.front().bitmap->pixels.size() * sizeof(std::uint32_t);
     while (used_ > MemoryBound && pictures_.size() > 1) {
-        used_ -= pictures_.back().bitmap.pixels.size() * sizeof(std::uint32_t);
+        used_ -= pictures_.back().bitmap->pixels.size() * sizeof(std::uint32_t);
         index_.erase(pictures_.back().key);
         pictures_.pop_back();
     }
-    return &pictures_.front().bitmap;
+    return pictures_.front().bitmap;
 }
 
 void Painter::Show(const Frame& frame, int mouth, Size size)
 {
+    if (Draw(frame, mouth, size) || (mouth >= 0 && Draw(frame, -1, size)))
+        return;
+    if (shownPicture_ && size != shownSize_) {
+        window_.SetFrame(*shownPicture_, size);
+        shownSize_ = size;
+    }
+}
+
+/// Shows a frame; false when an image of it cannot be decoded.
+bool Painter::Draw(const Frame& frame, int mouth, Size size)
+{
     Key key = KeyOf(frame, mouth);
-    if (anyShown_ && key == shown_ && size == shownSize_)
-        return;
-    const Bitmap* bitmap = Compose(frame, mouth, key);
+    if (shownPicture_ && key == shown_ && size == shownSize_)
+        return true;
+    std::shared_ptr<const Bitmap> bitmap = Compose(frame, mouth, key);
     if (!bitmap)
-        return;
+        return false;
     window_.SetFrame(*bitmap, size);
     shown_ = std::move(key);
     shownSize_ = size;
-    anyShown_ = true;
+    shownPicture_ = std::move(bitmap);
+    return true;
 }
 
 Rect Painter::Outline(const Frame& frame)
 {
-    const Bitmap* bitmap = Compose(frame, -1, KeyOf(frame, -1));
+    const std::shared_ptr<const Bitmap> bitmap = Compose(frame, -1, KeyOf(frame, -1));
     if (!bitmap)
         return {};
     int left = bitmap->width;

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <list>
 #include <map>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace voxmate::agent
@@ -19,9 +21,16 @@ public:
     /// Both references outlive the painter.
     Painter(const AcsFile& file, CharacterWindow& window) : file_(file), window_(window) {}
 
-    /// Shows a frame with one of its mouths; negative, or a mouth the frame does not have: without. A frame whose
-    /// images cannot be decoded leaves the picture as it was.
+    /// Shows a frame with one of its mouths; negative, or a mouth the frame does not have: without. A mouth whose image
+    /// cannot be decoded is left out, a frame with such an image leaves the picture as it was.
     void Show(const Frame& frame, int mouth, Size size);
+    /// Whether nothing has been shown yet.
+    bool Empty() const { return !shownPicture_; }
+
+    /// The images of these numbers cannot be decoded, nobody need try.
+    void LeaveOut(std::vector<bool> damaged) { damaged_ = std::move(damaged); }
+    /// Whether a frame, without a mouth, shows something, and nothing that is left out.
+    bool IsSound(const Frame& frame) const { return !frame.images.empty() && !ShowsDamaged(KeyOf(frame, -1)); }
 
     /// The rectangle that holds all that is drawn of a frame, in the character's own pixels; empty when nothing is.
     Rect Outline(const Frame& frame);
@@ -35,17 +44,20 @@ private:
     using Key = std::vector<std::int32_t>;
     struct Picture {
         Key key;
-        Bitmap bitmap;
+        std::shared_ptr<const Bitmap> bitmap;
     };
 
     static Key KeyOf(const Frame& frame, int mouth);
-    const Bitmap* Compose(const Frame& frame, int mouth, const Key& key);
+    bool ShowsDamaged(const Key& key) const;
+    bool Draw(const Frame& frame, int mouth, Size size);
+    std::shared_ptr<const Bitmap> Compose(const Frame& frame, int mouth, const Key& key);
 
     const AcsFile& file_;
     CharacterWindow& window_;
     Key shown_;
     Size shownSize_;
-    bool anyShown_ = false;
+    std::shared_ptr<const Bitmap> shownPicture_;
+    std::vector<bool> damaged_;   ///< images that cannot be decoded, by number; empty while that is not known
     std::list<Picture> pictures_; ///< the last used in front
     std::map<Key, std::list<Picture>::iterator> index_;
     std::size_t used_ = 0; ///< bytes

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,14 @@ public:
     virtual ~StageTimer() = default;
 };
 
+/// Work on a thread of its own; destroying it asks the work to stop, waits until it has, and takes back what it would
+/// have told.
+class StageWork
+{
+public:
+    virtual ~StageWork() = default;
+};
+
 class Stage
 {
 public:
@@ -104,6 +113,10 @@ public:
     std::function<void()> ScreensChanged;
     /// Runs `action` once after `milliseconds`, unless the timer is destroyed before. Precise to a few milliseconds.
     virtual std::unique_ptr<StageTimer> After(int milliseconds, std::function<void()> action) = 0;
+    /// Runs `work` on a thread of its own, then `done` from the event loop, unless what is returned is destroyed
+    /// before; `done` may do so. What `work` throws comes out of the event loop in place of `done`.
+    virtual std::unique_ptr<StageWork> InBackground(std::function<void(std::stop_token)> work,
+                                                    std::function<void()> done) = 0;
     /// Milliseconds of a steady clock.
     virtual std::int64_t Now() = 0;
     /// A whole number from 0 to `bound` - 1, at random.

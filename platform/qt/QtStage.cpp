@@ -1,5 +1,6 @@
 #include "platform/qt/QtStage.h"
 
+#include "platform/qt/Background.h"
 #include "platform/qt/QtBalloonWindow.h"
 #include "platform/qt/QtCharacterWindow.h"
 #include "platform/qt/QtText.h"
@@ -148,6 +149,12 @@ Rect QtStage::PrimaryWorkArea()
 std::unique_ptr<agent::StageTimer> QtStage::After(int milliseconds, std::function<void()> action)
 {
     return std::make_unique<QtStageTimer>(milliseconds, std::move(action));
+}
+
+std::unique_ptr<agent::StageWork> QtStage::InBackground(std::function<void(std::stop_token)> work,
+                                                        std::function<void()> done)
+{
+    return std::make_unique<Background>(std::move(work), std::move(done));
 }
 
 std::int64_t QtStage::Now()

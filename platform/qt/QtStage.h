@@ -26,6 +26,8 @@ public:
     Rect WorkArea(Point point) override;
     Rect PrimaryWorkArea() override;
     std::unique_ptr<agent::StageTimer> After(int milliseconds, std::function<void()> action) override;
+    std::unique_ptr<agent::StageWork> InBackground(std::function<void(std::stop_token)> work,
+                                                   std::function<void()> done) override;
     std::int64_t Now() override;
     int Random(int bound) override;
     int TextWidth(const agent::BalloonFont& font, const std::string& text) override;

@@ -62,6 +62,16 @@ public:
         timers.push_back(entry);
         return std::make_unique<Timer>(*this, std::move(entry));
     }
+    /// The work is done when the stage comes to it, `workTime` milliseconds from now.
+    std::unique_ptr<agent::StageWork> InBackground(std::function<void(std::stop_token)> work,
+                                                   std::function<void()> done) override
+    {
+        return std::make_unique<Work>(After(workTime, [this, work = std::move(work), done = std::move(done)] {
+            ++worksDone;
+            work({});
+            done();
+        }));
+    }
     std::int64_t Now() override { return now; }
     int Random(int bound) override { return random ? std::clamp(random(bound), 0, bound - 1) : 0; }
 
@@ -140,6 +150,8 @@ public:
     int soundStops = 0;
     int measures = 0; ///< texts measured
     int timersRun = 0;
+    int workTime = 0; ///< milliseconds that work in the background takes
+    int worksDone = 0;
     int characterWindows = 0; ///< that exist
     int balloonWindows = 0;
 
@@ -160,6 +172,15 @@ private:
     private:
         FakeStage& stage_;
         std::shared_ptr<Entry> entry_;
+    };
+
+    class Work : public agent::StageWork
+    {
+    public:
+        explicit Work(std::unique_ptr<agent::StageTimer> timer) : timer_(std::move(timer)) {}
+
+    private:
+        std::unique_ptr<agent::StageTimer> timer_;
     };
 
     class CharacterWindow : public agent::CharacterWindow

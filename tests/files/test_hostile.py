@@ -244,8 +244,7 @@ class DamagedFileTest(HostileCase):
             title, path = f"{field.name} = {value:#x}", self.write("alone", patched(self.made, (field, value)))
             alone, checked = self.single(path, title), run("--check", path)
             self.assertIn(checked.status, (0, 1), title)
-            if checked.status == 0:
-                self.assertIsNotNone(alone, title)
+            self.assertEqual(alone is not None, checked.status == 0, title)
             if verdict(field, value, len(data)) == "sound":
                 self.assertIsNotNone(alone, title)
 
@@ -348,6 +347,16 @@ class LyingPixelsTest(HostileCase):
                   None if count > 256 else "sound" if count + (entry == 255) >= 256 else "refused")
                  for count in (0, 1, 2, 254, 255, 256, 257, 1000) for entry in (0, 1, 255)]
         self.assertEqual(sum(self.check(files).values()), len(files))
+
+    def test_what_the_pictures_lie_about_is_refused_without_asking_for_a_check(self):
+        for title, packed, wanted in self.cases():
+            said = self.single(self.write("alone", self.file(packed)), title)
+            if wanted:
+                self.assertEqual(said is not None, wanted == "sound", title)
+        folder = os.path.join(FOLDER, "pictures")
+        result = run("--export", folder, self.write("alone", self.file(pack_tokens([self.PIXELS[:-1]]))))
+        self.assertEqual((result.status, result.out), (1, b""))
+        self.assertFalse(os.path.exists(folder))
 
 
 class GreedyFileTest(HostileCase):

@@ -175,7 +175,7 @@ TEST_F(ServerLoad, TheAudioStatusIsThatOfTheVoice)
     }
 }
 
-TEST_F(ServerLoad, ADamagedPictureLeavesTheLastOneStandingAndTheQueueGoesOn)
+TEST_F(ServerLoad, ADamagedPictureIsToldOfLeavesTheLastOneStandingAndTheQueueGoesOn)
 {
     description.compress = true;
     // The image promises 2400 pixels; its packed data decode to fewer.
@@ -194,6 +194,7 @@ TEST_F(ServerLoad, ADamagedPictureLeavesTheLastOneStandingAndTheQueueGoesOn)
     for (std::size_t i = 0; i < 4; ++i)
         bytes[first + i] = 0xFF;
     Server damaged(stage, voice, [&](const std::string& path) { return AcsFile::Parse(bytes, path); });
+    damaged.Damaged = [this](const std::string&, const std::string& message) { Note(message); };
     damaged.Load("Bo", "Bo.acs");
     AgentCharacter& bo = damaged.Characters("Bo");
     bo.Show(true);
@@ -201,6 +202,8 @@ TEST_F(ServerLoad, ADamagedPictureLeavesTheLastOneStandingAndTheQueueGoesOn)
     stage.Run(1000);
     EXPECT_EQ(Pictures(), (Numbers{1, 6, 8}));
     EXPECT_EQ(StatusOf(wave), 0);
+    ASSERT_EQ(log.size(), 1u);
+    EXPECT_EQ(log[0].find("The character file \"Bo.acs\" cannot be used: image 7 is damaged, its "), 0u) << log[0];
 }
 
 } // namespace

@@ -346,6 +346,28 @@ TEST_F(MainFormTest, HidingTheCharacterStopsIt)
     EXPECT_EQ(fake.log, (Lines{"StopAll Move, Play, Speak"}));
 }
 
+TEST_F(MainFormTest, DamagedCharactersAreToldOfOneAfterTheOtherWhenTheMomentComes)
+{
+    Start();
+    Settings.ReadMessages = 0;
+    EXPECT_FALSE(form.DamageTimer.Enabled);
+    IsBusy = True;
+    fake.agent.Damaged("Alfa", "first");
+    EXPECT_TRUE(form.DamageTimer.Enabled);
+    form.DamageTimer.Fire();
+    EXPECT_TRUE(fake.windows.boxes.empty());
+    IsBusy = False;
+    fake.agent.Damaged("Bravo", "second");
+    form.DamageTimer.Fire();
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].text, "first");
+    EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - File Error");
+    form.DamageTimer.Fire();
+    ASSERT_EQ(fake.windows.boxes.size(), 2u);
+    EXPECT_EQ(fake.windows.boxes[1].text, "second");
+    EXPECT_FALSE(form.DamageTimer.Enabled);
+}
+
 TEST_F(MainFormTest, ALeftClickOnTheCharacterReadsTheTextBoxWhenTheSettingIsOn)
 {
     Start();

@@ -201,6 +201,35 @@ TEST_F(CharacterTest, AMissingFileIsSaidAndChangesNothing)
     EXPECT_EQ(fake.log.back(), "MsgBox Voxmate - File Error");
 }
 
+TEST_F(CharacterTest, DamagedPicturesAreToldAsMessagesAre)
+{
+    WithCharacter();
+    StartedUp = true;
+    const std::string text = "The character file \"C:\\Chars\\Alfa.acs\" cannot be used: image 7 is damaged.";
+    EXPECT_TRUE(TellDamagedCharacter(text));
+    EXPECT_EQ(fake.log, (Lines{"Status Busy...", "Play Decline", "Show", "DoEvents",
+                               "Speak \\Pit=50\\ \\Spd=156\\Dear Buddy, \r\nThe character file "
+                               "\"C:\\\\Chars\\\\Alfa.acs\" cannot be used: image 7 is damaged.",
+                               "Play RestPose", "MsgBox Voxmate - File Error"}));
+    ASSERT_EQ(fake.windows.boxes.size(), 1u);
+    EXPECT_EQ(fake.windows.boxes[0].text, text);
+    EXPECT_EQ(fake.windows.boxes[0].style, 48);
+    EXPECT_EQ(IsBusy, False);
+}
+
+TEST_F(CharacterTest, DamagedPicturesAreNotToldWhileTheProgramStartsNorOverAnotherMessage)
+{
+    WithCharacter();
+    EXPECT_FALSE(TellDamagedCharacter("damaged"));
+    StartedUp = true;
+    IsBusy = True;
+    EXPECT_FALSE(TellDamagedCharacter("damaged"));
+    EXPECT_TRUE(fake.log.empty());
+    IsBusy = False;
+    EXPECT_TRUE(TellDamagedCharacter("damaged"));
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
+}
+
 TEST_F(CharacterTest, OnlyTheFirst1001AnimationNamesAreKept)
 {
     fake.agent.prepare = [](fakes::FakeCharacter& character) {

@@ -1,0 +1,121 @@
+"""Character files that are not as they should be: what the user is told, and that the program goes on."""
+
+import os
+import sys
+import unittest
+
+import desk as desktop
+from disc import DISC, RADIUS, SIDE, disc
+from program import ROOT, ProgramCase
+
+sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
+from acs_maker import animation, frame, image  # noqa: E402  pylint: disable=wrong-import-position
+
+CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
+
+
+def picture(colour, side=SIDE, radius=RADIUS):
+    """A disc of one colour of the palette."""
+    return image(side, [bytes(colour * ((x + 0.5 - side / 2) ** 2 + (y + 0.5 - side / 2) ** 2 < radius ** 2)
+                              for x in range(side)) for y in range(side)], packed=True)
+
+
+class Strange(ProgramCase):
+    def install(self, name, data, **settings):
+        """Makes a character file the one to be loaded; gives its path."""
+        folder = os.path.join(self.desk.home, "strange", "")
+        os.makedirs(folder, exist_ok=True)
+        for file in os.listdir(folder):
+            os.remove(folder + file)
+        path = folder + name + ".acs"
+        with open(path, "wb") as file:
+            file.write(data)
+        values = {"SpeakTimeInterval": 0, "GreetingEnabled": 0, "CharacterPath": folder, "LastCharacter": name,
+                  "ReadMessages": 0, **settings}
+        self.desk.install_defaults(**values)
+        return path
+
+    def disc_pixels(self):
+        """How many pixels of the screen, where the character stands, are the disc's."""
+        windows = self.desk.windows("^Voxmate character$")
+        if not windows:
+            return 0
+        x, y, width, height = self.desk.window_rect(windows[0])
+        shot = self.desk.screenshot(box=(x, y, x + width, y + height)).convert("RGB")
+        return sum(count for count, colour in shot.getcolors(1 << 24) if colour == DISC)
+
+    def speak(self, text="Hello there"):
+        """Has a text spoken and waits until it is heard."""
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("ctrl+a")
+        self.desk.type(text)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, 20, what="the voice")
+
+
+class Damaged(Strange):
+    def test_damaged_pictures_are_told_of_once_and_the_character_goes_on_with_the_others(self):
+        # The neutral pose shows a colour that the palette does not have, another pose is sound.
+        path = self.install("Disc", disc(images=[picture(7), picture(1)], animations=[
+            animation("RestPose", [frame((0, 0, 0))]), animation("Greet", [frame((1, 0, 0))])]))
+        self.start()
+        self.assertEqual(self.box_text("Voxmate - File Error"),
+                         f'The character file "{path}" cannot be used: image 0 shows colour 7, which does not exist.')
+        desktop.wait_for(lambda: self.disc_pixels() > 7000, 10, what="the sound picture")
+        self.press("OK")
+        self.settle()
+        self.listen()
+        self.speak()
+        self.settle()
+        self.assertEqual(self.boxes(), [])
+        self.assertIsNone(self.program.poll())
+
+    def test_a_packed_picture_that_is_cut_short_is_told_of(self):
+        short = picture(1)
+        path = self.install("Disc", disc(images=[{**short, "raw": bytes([0, 0xFF, 0xFF, 0xFF, 0xFF]) + b"\xff" * 900}]))
+        self.start()
+        text = self.box_text("Voxmate - File Error")
+        self.assertTrue(text.startswith(f'The character file "{path}" cannot be used: image 0 is damaged, its '), text)
+        self.press("OK")
+        self.settle()
+        self.assertIsNone(self.program.poll())
+
+
+class Endless(Strange):
+    def test_a_showing_and_a_hiding_without_an_end_lock_nothing(self):
+        self.install("Disc", disc(
+            images=[picture(1)],
+            animations=[animation("RestPose", [frame((0, 0, 0))]),
+                        animation("Show", [frame((0, 0, 0)), frame((0, 0, 0), branches=[(0, 100)])]),
+                        animation("Hide", [frame((0, 0, 0), branches=[(0, 100)])])],
+            states=[("Showing", ["Show"]), ("Hiding", ["Hide"])]))
+        self.start()
+        self.desk.find("Text to read", timeout=20)
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 10, what="the character")
+        self.listen()
+        self.press("Stop Everything !!!")
+        self.speak()
+        self.settle()
+        hide = self.open_character_menu()[4]
+        self.desk.click_at(*hide)
+        self.press(CHARACTER_BUTTON)
+        self.speak()
+        self.settle()
+        self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
+
+
+class Names(Strange):
+    def test_the_character_is_found_whatever_the_case_of_its_name_in_the_settings(self):
+        self.install("Nalu", disc(names=[(0x0409, "Nalu", "", "")]), LastCharacter="nALU")
+        folder = os.path.join(self.desk.home, "strange", "")
+        with open(folder + "Another.acs", "wb") as file:
+            file.write(disc())
+        self.start_and_settle()
+        self.desk.find("NALU", timeout=5)
+        desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == '"Nalu"', 5, what="the setting")
+        self.assertEqual(self.boxes(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
