@@ -41,7 +41,9 @@ int Run(qt::QtApplication& application)
     std::vector<std::unique_ptr<speech::Engine>> engines;
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
-    speech::VoiceCatalog voices(std::move(engines), QLocale::system().bcp47Name().toStdString(), EngineLimit);
+    // name(): bcp47Name leaves out a region that goes without saying, so that Brazil's Portuguese would be any.
+    speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), EngineLimit,
+                                [] { return Settings.LastSpeechEngine; });
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();

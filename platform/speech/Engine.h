@@ -18,6 +18,8 @@ struct Voice {
     std::string modeId;   ///< GUID in text form without braces, upper case, the same from run to run
     std::string language; ///< BCP 47, lower case: "en-gb"
     std::string key;      ///< the family's own name for it
+    enum class Origin { Engine, Variant, Added };
+    Origin origin = Origin::Engine; ///< comes with its engine, is a variant of another voice, was added by a person
 };
 
 struct SpeechEvent {
@@ -44,6 +46,8 @@ public:
     virtual ~Engine() = default;
     /// The voices in no particular order; empty when the engine's library or data is missing.
     virtual const std::vector<Voice>& Voices() = 0;
+    /// The same language in other people's voices: of one of Voices(), what else can be made of it.
+    virtual std::vector<Voice> VariantsOf(const Voice&) { return {}; }
     /// Samples per second of a voice.
     virtual int SampleRate(const Voice& voice) = 0;
     /// Speaks the segments into `sink`; returns when all is delivered, the sink said stop, or it failed (false). Called

@@ -18,6 +18,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <string_view>
 
 #include <espeak-ng/espeak_ng.h>
 #include <espeak-ng/speak_lib.h>
@@ -136,6 +137,17 @@ bool InitialiseLibrary()
     return initialised;
 }
 
+// The library's files are named after their language: "roa/fr-BE" is "fr-be", and "roa/fr" speaks for all of French,
+// whichever tag stands first in it.
+std::string TagOfFile(std::string_view key)
+{
+    std::string tag(key.substr(key.rfind('/') + 1));
+    for (char& c : tag)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return tag;
+}
+
 class EspeakEngine final : public Engine
 {
 public:
@@ -199,9 +211,10 @@ private:
                 voice.name.pop_back();
             voice.key = entry.identifier;
             voice.modeId = ModeIdOf("espeak", voice.key);
-            voice.language = entry.languages + 1; // behind the priority byte
+            const std::string firstTag = entry.languages + 1; // behind the priority byte
             if (++seen[voice.name] > 1)
-                voice.name += " (" + voice.language + ")";
+                voice.name += " (" + firstTag + ")";
+            voice.language = TagOfFile(voice.key);
             voices_.push_back(std::move(voice));
         }
     }

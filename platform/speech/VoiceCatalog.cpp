@@ -3,7 +3,6 @@
 #include "base/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <tuple>
 #include <utility>
 
@@ -13,56 +12,140 @@ namespace voxmate::speech
 namespace
 {
 
-// Constructed and ancient languages (ISO 639).
-constexpr std::array<std::string_view, 16> notNative{"eo",  "ia",   "ie",  "io",  "jbo", "la",  "lfn", "ldn",
-                                                     "grc", "piqd", "qdb", "qya", "sjn", "tlh", "tok", "vo"};
+// A language of that many million speakers has a voice on the list before any voice that was added for another.
+constexpr double LargeLanguage = 50;
 
-// "de-DE", "de_DE.UTF-8" and "DE" are all "de".
-std::string PrimaryLanguage(std::string_view tag)
+// The two accents of English that every list has; any voice that is not eSpeak NG's own choice of accent counts.
+bool IsMainEnglish(const Voice& voice)
 {
-    std::string primary(tag.substr(0, tag.find_first_of("-_.@")));
-    for (char& c : primary)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return primary;
+    return voice.origin == Voice::Origin::Added || voice.language == "en" || voice.language == "en-gb" ||
+           voice.language == "en-us";
 }
 
 } // namespace
 
-VoiceCatalog::VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage, int limit)
-    : engines_(std::move(engines)), language_(PrimaryLanguage(desktopLanguage)), limit_(static_cast<std::size_t>(limit))
+VoiceCatalog::VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktop, int limit,
+                           std::function<std::string()> chosen)
+    : engines_(std::move(engines)), family_(LanguageFamily(desktop)), wanted_(WantedTag(desktop)),
+      limit_(static_cast<std::size_t>(limit)), chosen_(std::move(chosen))
 {
 }
 
-// Where there are more voices than fit, every language that people speak keeps one: those left out are first languages
-// that nobody grows up with, then further regions of a language.
-void VoiceCatalog::KeepWhatFits()
+bool VoiceCatalog::IsOwn(const Voice& voice) const
 {
-    if (entries_.size() <= limit_)
-        return;
-    enum Rank { Wanted, OneALanguage, AnotherRegion, NobodysOwn };
-    std::vector<std::string> seen;
-    std::vector<std::pair<Rank, std::size_t>> ranked;
-    // A tag without a region speaks for its language before one with.
-    std::stable_sort(entries_.begin(), entries_.end(),
-                     [](const Entry& a, const Entry& b) { return a.voice.language.size() < b.voice.language.size(); });
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        const std::string language = PrimaryLanguage(entries_[i].voice.language);
-        Rank rank = OneALanguage;
-        if (language == language_ || language == "en")
-            rank = Wanted;
-        else if (std::find(notNative.begin(), notNative.end(), language) != notNative.end())
-            rank = NobodysOwn;
-        else if (std::find(seen.begin(), seen.end(), language) != seen.end())
-            rank = AnotherRegion;
-        seen.push_back(language);
-        ranked.emplace_back(rank, i);
+    return LanguageFamily(voice.language) == family_;
+}
+
+/// How far a voice is from what the desktop speaks, or for another language from what most of its speakers expect.
+int VoiceCatalog::Strangeness(const Voice& voice) const
+{
+    if (voice.language == wanted_)
+        return 0;
+    return voice.language == MainTag(voice.language) ? 1 : 2;
+}
+
+/// Adds what can be made of the desktop's first voice and the first English one; and of whatever other voice the user
+/// has chosen a variant.
+void VoiceCatalog::AddVariants(std::vector<Entry>& installed) const
+{
+    const std::string chosen = chosen_ ? chosen_() : std::string();
+    const auto firstOf = [&](const auto& condition) {
+        const Entry* first = nullptr;
+        for (const Entry& entry : installed)
+            if (entry.voice.origin == Voice::Origin::Engine && condition(entry.voice) &&
+                (!first || Strangeness(entry.voice) < Strangeness(first->voice)) &&
+                !entry.engine->VariantsOf(entry.voice).empty())
+                first = &entry;
+        return first;
+    };
+    const Entry* const own = firstOf([this](const Voice& voice) { return IsOwn(voice); });
+    const Entry* const english =
+        firstOf([](const Voice& voice) { return PrimaryLanguage(voice.language) == "en" && IsMainEnglish(voice); });
+    std::vector<Entry> variants;
+    for (const Entry& entry : installed)
+        for (Voice& variant : entry.engine->VariantsOf(entry.voice))
+            if (&entry == own || &entry == english || variant.name == chosen)
+                variants.push_back({std::move(variant), entry.engine});
+    installed.insert(installed.end(), variants.begin(), variants.end());
+}
+
+std::vector<VoiceCatalog::Entry> VoiceCatalog::Installed()
+{
+    std::vector<Entry> installed;
+    for (const auto& engine : engines_)
+        for (const Voice& voice : engine->Voices())
+            installed.push_back({voice, engine.get()});
+    AddVariants(installed);
+    return installed;
+}
+
+/// Where there are more voices than fit, those stay that more people have a use for. What the user chose comes first,
+/// then what the desktop speaks, then English (the program's own phrases are English) in two accents, the large
+/// languages, voices that a person added, variants, and one voice of each further language by its number of speakers.
+/// Behind them are further accents, at last languages that nobody grows up with.
+std::vector<VoiceCatalog::Entry> VoiceCatalog::KeepWhatFits(const std::vector<Entry>& installed) const
+{
+    enum Rank { Chosen, Own, English, Large, Added, Variant, Language, Accent, NobodysOwn };
+    const std::string chosen = chosen_ ? chosen_() : std::string();
+    // The voice that speaks for each language, or for an accent that counts as one.
+    std::map<std::string, std::size_t> speakers;
+    const auto nameOf = [](const Voice& voice) {
+        return CountsByItself(voice.language) && voice.language != MainTag(voice.language)
+                   ? voice.language
+                   : PrimaryLanguage(voice.language);
+    };
+    for (std::size_t i = 0; i < installed.size(); ++i) {
+        const Voice& voice = installed[i].voice;
+        if (voice.origin != Voice::Origin::Engine)
+            continue;
+        const auto [known, isNew] = speakers.emplace(nameOf(voice), i);
+        if (!isNew && Strangeness(voice) < Strangeness(installed[known->second].voice))
+            known->second = i;
     }
+    const auto rankOf = [&](std::size_t i) {
+        const Voice& voice = installed[i].voice;
+        if (!chosen.empty() && voice.name == chosen)
+            return Chosen;
+        if (voice.origin == Voice::Origin::Variant)
+            return Variant;
+        if (IsOwn(voice))
+            return Own;
+        if (PrimaryLanguage(voice.language) == "en")
+            return IsMainEnglish(voice) ? English : Accent;
+        if (voice.origin == Voice::Origin::Added)
+            return Added;
+        const double millions = MillionsOfSpeakers(voice.language);
+        if (millions == 0)
+            return NobodysOwn;
+        if (speakers.at(nameOf(voice)) != i)
+            return Accent;
+        return millions >= LargeLanguage ? Large : Language;
+    };
+    std::vector<std::tuple<Rank, double, std::size_t>> ranked;
+    for (std::size_t i = 0; i < installed.size(); ++i)
+        ranked.emplace_back(rankOf(i), -MillionsOfSpeakers(installed[i].voice.language), i);
     std::sort(ranked.begin(), ranked.end());
     std::vector<Entry> kept;
-    for (std::size_t i = 0; i < limit_; ++i)
-        kept.push_back(entries_[ranked[i].second]);
-    entries_ = std::move(kept);
+    for (std::size_t i = 0; i < std::min(limit_, ranked.size()); ++i)
+        kept.push_back(installed[std::get<std::size_t>(ranked[i])]);
+    return kept;
+}
+
+void VoiceCatalog::ChooseReaders(const std::vector<Entry>& installed)
+{
+    const auto key = [this](const Voice& voice) {
+        return std::make_tuple(!IsOwn(voice), -MillionsOfSpeakers(voice.language), Strangeness(voice));
+    };
+    for (int i = static_cast<int>(Script::Latin) + 1; i <= static_cast<int>(Script::Han); ++i) {
+        const auto script = static_cast<Script>(i);
+        const Entry* best = nullptr;
+        for (const Entry& entry : installed)
+            if (entry.voice.origin == Voice::Origin::Engine && CanSay(entry.voice.language, script) &&
+                (!best || key(entry.voice) < key(best->voice)))
+                best = &entry;
+        if (best)
+            readers_.emplace(script, *best);
+    }
 }
 
 const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
@@ -70,14 +153,13 @@ const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
     if (listed_)
         return entries_;
     listed_ = true;
-    for (const auto& engine : engines_)
-        for (const Voice& voice : engine->Voices())
-            entries_.push_back({voice, engine.get()});
-    KeepWhatFits();
+    const std::vector<Entry> installed = Installed();
+    ChooseReaders(installed);
+    entries_ = KeepWhatFits(installed);
     const auto key = [this](const Entry& entry) {
-        const std::string language = PrimaryLanguage(entry.voice.language);
-        const int group = language == language_ ? 0 : language == "en" ? 1 : 2;
-        return std::make_tuple(group, UCase(entry.voice.name));
+        const bool own = IsOwn(entry.voice);
+        const int group = own ? 0 : PrimaryLanguage(entry.voice.language) == "en" ? 1 : 2;
+        return std::make_tuple(group, own ? Strangeness(entry.voice) : 0, UCase(entry.voice.name));
     };
     std::stable_sort(entries_.begin(), entries_.end(),
                      [&key](const Entry& a, const Entry& b) { return key(a) < key(b); });
@@ -111,6 +193,12 @@ const VoiceCatalog::Entry* VoiceCatalog::Find(std::string_view modeId)
     if (found != entries.end())
         return &*found;
     return entries.empty() ? nullptr : &entries.front();
+}
+
+const VoiceCatalog::Entry* VoiceCatalog::ReaderOf(Script script) const
+{
+    const auto found = readers_.find(script);
+    return found == readers_.end() ? nullptr : &found->second;
 }
 
 } // namespace voxmate::speech

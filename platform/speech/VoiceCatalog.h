@@ -3,7 +3,10 @@
 
 #include "platform/SpeechControl.h"
 #include "platform/speech/Engine.h"
+#include "platform/speech/Languages.h"
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,10 +23,12 @@ public:
         Engine* engine = nullptr;
     };
 
-    /// Takes the engines; asks none of them anything yet. `desktopLanguage` is a BCP 47 tag ("de-DE"): its voices come
-    /// first, then the English ones, then the rest, each group by name.
-    /// Where there are more than `limit` voices, further regions and constructed languages are left out.
-    VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktopLanguage, int limit = 1000);
+    /// Takes the engines; asks none of them anything yet. `desktop` is the desktop's locale ("de-DE", "pt_BR"): its
+    /// language comes first, the voice of its region before all, then the English voices, then the rest by name.
+    /// At most `limit` voices are listed; which ones KeepWhatFits says. `chosen` is asked for the name of the voice
+    /// that the user chose when the list is made; that voice is on it wherever it is installed.
+    VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktop, int limit = 1000,
+                 std::function<std::string()> chosen = {});
 
     int CountEngines() override;
     /// Empty for an index outside 1 to CountEngines.
@@ -34,15 +39,27 @@ public:
     /// there is no voice at all.
     const Entry* Find(std::string_view modeId);
 
+    /// The installed voice for what is written so, listed or not: one of the desktop's language, else of the language
+    /// that most people speak; null when there is none. Only after Find has been called once; from any thread.
+    const Entry* ReaderOf(Script script) const;
+
 private:
     const std::vector<Entry>& Entries();
-    void KeepWhatFits();
+    std::vector<Entry> Installed();
+    void ChooseReaders(const std::vector<Entry>& installed);
+    std::vector<Entry> KeepWhatFits(const std::vector<Entry>& installed) const;
+    void AddVariants(std::vector<Entry>& installed) const;
+    int Strangeness(const Voice& voice) const;
+    bool IsOwn(const Voice& voice) const;
 
     std::vector<std::unique_ptr<Engine>> engines_;
-    std::string language_;
+    std::string family_;
+    std::string wanted_;
     std::size_t limit_;
+    std::function<std::string()> chosen_;
     bool listed_ = false;
     std::vector<Entry> entries_;
+    std::map<Script, Entry> readers_;
 };
 
 } // namespace voxmate::speech

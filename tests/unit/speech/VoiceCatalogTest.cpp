@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <utility>
 
 namespace voxmate::speech
 {
@@ -49,27 +50,172 @@ TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
     EXPECT_EQ(NamesFor("en-GB"), english);
 }
 
-TEST(VoiceCatalog, LeavesOutRegionsAndConstructedLanguagesWhereThereAreMoreVoicesThanFit)
+TEST(VoiceCatalog, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
 {
-    const auto namesWithin = [](int limit) {
+    const auto firstFor = [](std::string_view desktop) {
         std::vector<std::unique_ptr<Engine>> engines;
-        engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"Brazilian", "1", "pt-br", ""},
-                                                                          {"Esperanto", "2", "eo", ""},
-                                                                          {"Portuguese", "3", "pt", ""},
-                                                                          {"German", "4", "de", ""},
-                                                                          {"Swiss", "5", "de-ch", ""},
-                                                                          {"English", "6", "en-us", ""},
-                                                                          {"Welsh", "7", "cy", ""}}));
-        VoiceCatalog catalog(std::move(engines), "de", limit);
-        Names names;
-        for (int i = 1; i <= catalog.CountEngines(); ++i)
-            names.push_back(catalog.ModeName(i));
-        return names;
+        engines.push_back(
+            std::make_unique<FakeEngine>(std::vector<Voice>{{"Belgian", "1", "fr-be", ""},
+                                                            {"French", "2", "fr", ""},
+                                                            {"Canadian", "3", "fr-ca", "", Voice::Origin::Added},
+                                                            {"Brazilian", "4", "pt-br", ""},
+                                                            {"Portuguese", "5", "pt", ""},
+                                                            {"Latin American", "6", "es-419", ""},
+                                                            {"Spanish", "7", "es", ""},
+                                                            {"Cantonese", "8", "yue", ""},
+                                                            {"Hakka", "9", "hak", ""},
+                                                            {"Mandarin, English", "10", "cmn", ""},
+                                                            {"Mandarin, Pinyin", "11", "cmn-latn-pinyin", ""},
+                                                            {"Bokmal", "12", "nb", ""}}));
+        return VoiceCatalog(std::move(engines), desktop).ModeName(1);
     };
-    EXPECT_EQ(namesWithin(7), (Names{"German", "Swiss", "English", "Brazilian", "Esperanto", "Portuguese", "Welsh"}));
-    EXPECT_EQ(namesWithin(6), (Names{"German", "Swiss", "English", "Brazilian", "Portuguese", "Welsh"}));
-    EXPECT_EQ(namesWithin(5), (Names{"German", "Swiss", "English", "Portuguese", "Welsh"}));
+    EXPECT_EQ(firstFor("fr_CA"), "Canadian");
+    EXPECT_EQ(firstFor("fr_BE"), "Belgian");
+    EXPECT_EQ(firstFor("fr_LU"), "French");
+    EXPECT_EQ(firstFor("pt_BR"), "Brazilian");
+    EXPECT_EQ(firstFor("pt_PT"), "Portuguese");
+    EXPECT_EQ(firstFor("es_MX"), "Latin American");
+    EXPECT_EQ(firstFor("es_ES"), "Spanish");
+    EXPECT_EQ(firstFor("zh_CN"), "Mandarin, Pinyin");
+    EXPECT_EQ(firstFor("zh_TW"), "Mandarin, Pinyin");
+    EXPECT_EQ(firstFor("zh-HK"), "Cantonese");
+    EXPECT_EQ(firstFor("nn_NO"), "Bokmal");
 }
+
+// The names within a limit, on a German desktop.
+Names NamesWithin(int limit, std::vector<Voice> voices, const std::string& chosen = "")
+{
+    std::vector<std::unique_ptr<Engine>> engines;
+    engines.push_back(std::make_unique<FakeEngine>(std::move(voices)));
+    VoiceCatalog catalog(std::move(engines), "de", limit, [chosen] { return chosen; });
+    Names names;
+    for (int i = 1; i <= catalog.CountEngines(); ++i)
+        names.push_back(catalog.ModeName(i));
+    return names;
+}
+
+const std::vector<Voice> many{{"Brazilian", "1", "pt-br", ""},
+                              {"Esperanto", "2", "eo", ""},
+                              {"Portuguese", "3", "pt", ""},
+                              {"German", "4", "de", ""},
+                              {"Belgian", "5", "fr-be", ""},
+                              {"French", "6", "fr", ""},
+                              {"Swiss", "7", "de-ch", ""},
+                              {"English", "8", "en-us", ""},
+                              {"Scottish", "9", "en-gb-scotland", ""},
+                              {"Welsh", "10", "cy", ""},
+                              {"Added Icelandic", "11", "is", "", Voice::Origin::Added}};
+
+TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
+{
+    EXPECT_EQ(NamesWithin(11, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Belgian",
+                                            "Brazilian", "Esperanto", "French", "Portuguese", "Welsh"}));
+    EXPECT_EQ(NamesWithin(10, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Belgian",
+                                            "Brazilian", "French", "Portuguese", "Welsh"}));
+    // Further accents, the most widely spoken language's last.
+    EXPECT_EQ(NamesWithin(9, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Brazilian",
+                                           "French", "Portuguese", "Welsh"}));
+    EXPECT_EQ(NamesWithin(8, many),
+              (Names{"German", "Swiss", "English", "Added Icelandic", "Brazilian", "French", "Portuguese", "Welsh"}));
+    EXPECT_EQ(NamesWithin(7, many),
+              (Names{"German", "Swiss", "English", "Added Icelandic", "Brazilian", "French", "Portuguese"}));
+    EXPECT_EQ(NamesWithin(6, many), (Names{"German", "Swiss", "English", "Brazilian", "French", "Portuguese"}));
+    EXPECT_EQ(NamesWithin(4, many), (Names{"German", "Swiss", "English", "French"}));
+}
+
+TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
+{
+    EXPECT_EQ(NamesWithin(4, many, "Esperanto"), (Names{"German", "Swiss", "English", "Esperanto"}));
+    EXPECT_EQ(NamesWithin(1, many, "Scottish"), (Names{"Scottish"}));
+    EXPECT_EQ(NamesWithin(4, many, "esperanto"), (Names{"German", "Swiss", "English", "French"}));
+}
+
+// What is installed here, as a desktop of that locale lists it.
+class RealList : public ::testing::TestWithParam<std::pair<const char*, const char*>>
+{
+protected:
+    // A real engine, whose voices are looked for only once.
+    struct Shared final : Engine {
+        explicit Shared(Engine& of) : real(of) {}
+        const std::vector<Voice>& Voices() override { return real.Voices(); }
+        std::vector<Voice> VariantsOf(const Voice& voice) override { return real.VariantsOf(voice); }
+        int SampleRate(const Voice& voice) override { return real.SampleRate(voice); }
+        bool Synthesize(const Voice&, std::span<const Segment>, SampleSink&) override { return false; }
+        Engine& real;
+    };
+    static std::vector<std::unique_ptr<Engine>> Engines()
+    {
+        static const std::unique_ptr<Engine> espeak = CreateEspeakEngine();
+        static const std::unique_ptr<Engine> flite = CreateFliteEngine();
+        std::vector<std::unique_ptr<Engine>> engines;
+        engines.push_back(std::make_unique<Shared>(*espeak));
+        engines.push_back(std::make_unique<Shared>(*flite));
+        return engines;
+    }
+    static std::vector<const VoiceCatalog::Entry*> Listed(VoiceCatalog& catalog)
+    {
+        std::vector<const VoiceCatalog::Entry*> entries;
+        for (int i = 1; i <= catalog.CountEngines(); ++i)
+            entries.push_back(catalog.Find(catalog.ModeID(i)));
+        return entries;
+    }
+};
+
+TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
+{
+    const auto& [desktop, first] = GetParam();
+    VoiceCatalog all(Engines(), desktop);
+    VoiceCatalog catalog(Engines(), desktop, 100);
+    EXPECT_GT(all.CountEngines(), 100) << "nothing is left out here";
+    EXPECT_EQ(catalog.CountEngines(), 100);
+    EXPECT_EQ(catalog.ModeName(1), first);
+    std::set<std::string> names;
+    std::set<std::string> languages;
+    for (const VoiceCatalog::Entry* entry : Listed(catalog)) {
+        EXPECT_TRUE(names.insert(entry->voice.name).second) << entry->voice.name;
+        languages.insert(LanguageFamily(entry->voice.language));
+    }
+    std::set<std::string> leftOut;
+    for (const VoiceCatalog::Entry* entry : Listed(all)) {
+        const std::string& tag = entry->voice.language;
+        if (!languages.contains(LanguageFamily(tag))) {
+            EXPECT_LT(MillionsOfSpeakers(tag), 1) << tag;
+            leftOut.insert(tag);
+        }
+    }
+    EXPECT_TRUE(leftOut.contains("eo")) << "people's languages come before constructed ones";
+    for (const char* name :
+         {"eSpeak French (France)", "eSpeak German", "eSpeak Spanish (Spain)", "eSpeak Spanish (Latin America)",
+          "eSpeak Portuguese (Brazil)", "eSpeak Russian", "eSpeak Arabic", "eSpeak Hindi", "eSpeak Bengali",
+          "eSpeak Chinese (Mandarin, latin as Pinyin)", "eSpeak Chinese (Cantonese)", "eSpeak Hakka Chinese",
+          "eSpeak Japanese", "eSpeak English (Great Britain)", "eSpeak English (America)",
+          "Flite SLT (American English)"})
+        EXPECT_TRUE(names.contains(name)) << name;
+    const bool english = std::string_view(desktop).starts_with("en");
+    EXPECT_EQ(names.contains("eSpeak English (Scotland)"), english);
+}
+
+TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
+{
+    const char* const desktop = GetParam().first;
+    VoiceCatalog all(Engines(), desktop);
+    for (int i = 1; i <= all.CountEngines(); ++i) {
+        const std::string chosen = all.ModeName(i);
+        VoiceCatalog catalog(Engines(), desktop, 100, [&] { return chosen; });
+        EXPECT_EQ(catalog.Find(all.ModeID(i))->voice.name, chosen);
+        EXPECT_EQ(catalog.CountEngines(), 100);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Desktops, RealList,
+    ::testing::Values(std::pair("en_US", "eSpeak English (America)"),
+                      std::pair("en_GB", "eSpeak English (Great Britain)"), std::pair("de_DE", "eSpeak German"),
+                      std::pair("fr_FR", "eSpeak French (France)"), std::pair("fr_CA", "eSpeak French (France)"),
+                      std::pair("zh_CN", "eSpeak Chinese (Mandarin, latin as Pinyin)"),
+                      std::pair("zh_HK", "eSpeak Chinese (Cantonese)"), std::pair("ru_RU", "eSpeak Russian"),
+                      std::pair("pt_BR", "eSpeak Portuguese (Brazil)"), std::pair("tlh", "eSpeak English (America)")),
+    [](const auto& info) { return std::string(info.param.first); });
 
 TEST(VoiceCatalog, HasNothingOutsideItsBounds)
 {
