@@ -117,7 +117,7 @@ int Deliver(short* samples, int count, espeak_EVENT* events)
     return current->stopped ? 1 : 0;
 }
 
-/// The voice the library was last told to use; it has only one, whoever asks.
+/// The voice the library is going to use; it has only one, whoever asks.
 struct {
     std::string key;
     int hertz = 0;
@@ -173,9 +173,9 @@ public:
                     return true;
                 continue;
             }
+            if (!SelectVoice(voice, part->prosody))
+                return false;
             if (!delivery) {
-                if (!SelectVoice(voice, part->prosody))
-                    return false;
                 delivery.emplace(shaper);
                 shaper.Begin(PrepareFor(part->prosody));
             }
@@ -260,6 +260,8 @@ private:
             const espeak_ERROR result = espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0,
                                                      espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
             current = nullptr;
+            // Behind the end of a <speak> element the library goes back to a voice of its own choice, at that one's pitch.
+            loaded = {};
             if (delivery.stopped || result != EE_OK)
                 return false;
         }

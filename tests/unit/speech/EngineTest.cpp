@@ -96,6 +96,23 @@ TEST_P(EngineTest, PitchIsTheMedianFundamentalInHertz)
     }
 }
 
+TEST_P(EngineTest, APitchHoldsForEveryUtteranceAndThroughALongText)
+{
+    Prosody prosody;
+    prosody.pitchHz = 180;
+    for (int turn = 0; turn < 3; ++turn)
+        EXPECT_NEAR(TrackPitch(Speak(CheckProse[2], prosody).samples, rate).Median(), 180, 18) << turn;
+    std::string text;
+    while (text.size() < 2 * Arranger::LongestPiece)
+        text += std::string(CheckProse[2]) + " ";
+    prosody.wordsPerMinute = 400;
+    const std::vector<std::int16_t> samples = Speak(text, prosody).samples;
+    for (const std::size_t tenth : {0, 5, 9}) {
+        const auto part = std::span(samples).subspan(samples.size() / 10 * tenth, static_cast<std::size_t>(rate) * 5);
+        EXPECT_NEAR(TrackPitch(part, rate).Median(), 180, 18) << tenth;
+    }
+}
+
 TEST_P(EngineTest, SpeedIsWordsPerMinute)
 {
     double before = 0;
