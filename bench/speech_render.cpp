@@ -2,7 +2,7 @@
 // mouths: kind, sample, value.
 //
 // Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav
-#include "platform/speech/VoiceCatalog.h"
+#include "platform/speech/Relay.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -83,7 +83,7 @@ int main(int argc, char** argv)
         segment.prosody.wordsPerMinute = std::atoi(argv[3]);
         segment.prosody.whisper = std::atoi(argv[4]) != 0;
         Collect sink;
-        if (!entry.engine->Synthesize(entry.voice, {&segment, 1}, sink)) {
+        if (!SpeakInTurns(catalog, entry, {&segment, 1}, sink)) {
             std::cerr << "the engine failed\n";
             return 1;
         }

@@ -13,11 +13,6 @@ namespace voxmate::speech
 namespace
 {
 
-bool IsBlank(char32_t c)
-{
-    return c == U' ' || c == U'\n' || c == 0xA0;
-}
-
 // A line end stays, since it may end a heading without a full stop; other control characters would only confuse.
 char32_t Clean(char32_t c)
 {
@@ -31,8 +26,9 @@ char32_t Clean(char32_t c)
 // How much is decoded at a time, in bytes.
 constexpr std::size_t BlockSize = 4096;
 
-/// The characters of a text from byte `at` on, a block of them; moves `at` behind it.
-std::vector<char32_t> NextBlock(std::string_view text, std::size_t& at)
+} // namespace
+
+std::vector<char32_t> NextCharacters(std::string_view text, std::size_t& at)
 {
     std::string_view block = text.substr(at, BlockSize);
     if (at + block.size() < text.size())
@@ -43,18 +39,26 @@ std::vector<char32_t> NextBlock(std::string_view text, std::size_t& at)
     return points;
 }
 
+bool IsBlank(char32_t c)
+{
+    return c == U' ' || c == U'\n' || c == 0xA0;
+}
+
 int CountWords(std::string_view text)
 {
     int words = 0;
     bool blank = true;
     for (std::size_t at = 0; at < text.size();)
-        for (const char32_t point : NextBlock(text, at)) {
+        for (const char32_t point : NextCharacters(text, at)) {
             if (blank && !IsBlank(point))
                 ++words;
             blank = IsBlank(point);
         }
     return words;
 }
+
+namespace
+{
 
 bool EndsWideSentence(char32_t c)
 {
@@ -191,7 +195,7 @@ void Arranger::GatherText()
 {
     const Segment& segment = segments_.front();
     while (at_ < segment.text.size() && gathered_.text.size() <= LongestPiece)
-        for (const char32_t point : NextBlock(segment.text, at_)) {
+        for (const char32_t point : NextCharacters(segment.text, at_)) {
             if (blank_ && !IsBlank(point))
                 ++word_;
             blank_ = IsBlank(point);

@@ -8,10 +8,18 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace voxmate::speech
 {
+
+/// The next characters of a text from byte `at` on, a few thousand at a time, cleaned as an engine gets them; moves
+/// `at` behind them.
+std::vector<char32_t> NextCharacters(std::string_view text, std::size_t& at);
+/// Whether a (cleaned) character stands between words.
+bool IsBlank(char32_t c);
+int CountWords(std::string_view text);
 
 struct MarkedText {
     struct Mark {

@@ -1,5 +1,6 @@
 #include "platform/speech/VoicePlayer.h"
 
+#include "platform/speech/Relay.h"
 #include "platform/speech/WaveSpeech.h"
 
 #include <algorithm>
@@ -105,8 +106,9 @@ void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
     }
     const int rate = entry->engine->SampleRate(entry->voice);
     speaking->job->SetRate(rate);
-    Enqueue(speaking->job, [engine = entry->engine, voice = entry->voice, segments = std::move(utterance.segments)](
-                               SpeechJob& job) { return engine->Synthesize(voice, segments, job); });
+    Enqueue(speaking->job, [this, entry, segments = std::move(utterance.segments)](SpeechJob& job) {
+        return SpeakInTurns(catalog_, *entry, segments, job);
+    });
     OpenStream(speaking, rate);
 }
 

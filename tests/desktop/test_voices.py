@@ -2,6 +2,7 @@
 
 import unittest
 
+import desk as desktop
 from program import ProgramCase
 
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
@@ -15,6 +16,20 @@ class Chosen(ProgramCase):
         self.start_and_settle(LC_ALL="de_DE.UTF-8")
         self.assertEqual(self.boxes(), [])
         self.assertEqual(self.desk.read_settings()["LastSpeechEngine"], '"eSpeak French (Belgium)"')
+
+
+class Writings(ProgramCase):
+    defaults = {**QUIET, "LastSpeechEngine": "Flite SLT (American English)", "Pitch": 150, "Speed": 160}
+
+    def test_an_english_voice_has_russian_and_chinese_read_by_others(self):
+        self.listen()
+        self.start_and_settle()
+        for text in ("Привет, дорогой друг, как твои дела?", "今天天气很好，我们去公园玩吧。"):
+            begin = self.now()
+            self.desk.find("Text to read").queryEditableText().setTextContents(text)
+            self.press("Speak the textbox text")
+            desktop.wait_for(lambda begin=begin: self.sound_since(begin) > 1, 10, what=f"{text} being heard")
+            self.settle()
 
 
 if __name__ == "__main__":

@@ -1,0 +1,18 @@
+// An utterance spoken by more than one voice: a word in a writing that the chosen voice cannot say goes to one that
+// can, in its turn and in the same manner, so that nothing of a text falls silent.
+#pragma once
+
+#include "platform/speech/VoiceCatalog.h"
+
+#include <span>
+
+namespace voxmate::speech
+{
+
+/// Speaks the segments with `chosen`, at its sample rate, as Engine::Synthesize does; stretches that it cannot say are
+/// spoken by the catalogue's reader of their writing. A word that holds two writings is divided. A reader that fails
+/// leaves its stretch out; false when the chosen voice fails.
+bool SpeakInTurns(const VoiceCatalog& catalog, const VoiceCatalog::Entry& chosen, std::span<const Segment> segments,
+                  SampleSink& sink);
+
+} // namespace voxmate::speech
