@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include <espeak-ng/espeak_ng.h>
 #include <espeak-ng/speak_lib.h>
@@ -26,19 +27,35 @@ constexpr double MedianShare = 0.75;
 constexpr int DefaultLow = 82;
 constexpr int DefaultHigh = 118;
 
-// The definition's text; empty when there is none.
+// A file of the library's data; empty when there is none.
+std::string ReadDataFile(const std::filesystem::path& path)
+{
+    std::ifstream file(EspeakDataFolder() / path, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string();
+}
+
+// The lines that tell how a variant sounds; not those that tell who it is.
+std::string SoundOfVariant(const std::string& variant)
+{
+    std::string lines;
+    std::istringstream text(ReadDataFile(std::filesystem::path("voices/!v") / variant));
+    for (std::string line; std::getline(text, line);)
+        if (!line.starts_with("language") && !line.starts_with("name") && !line.starts_with("gender"))
+            lines += line + "\n";
+    return lines;
+}
+
+// The definition's text, with a variant's behind it; empty when there is none.
 std::string ReadDefinition(const std::string& key)
 {
-    const char* data = nullptr;
-    espeak_Info(&data);
-    if (!data)
-        return {};
-    for (const char* folder : {"lang", "voices"}) {
-        std::ifstream file(std::filesystem::path(data) / folder / key, std::ios::binary);
-        if (file)
-            return {std::istreambuf_iterator<char>(file), {}};
-    }
-    return {};
+    const std::size_t plus = key.find('+');
+    const std::string base = key.substr(0, plus);
+    std::string definition = ReadDataFile(std::filesystem::path("lang") / base);
+    if (definition.empty())
+        definition = ReadDataFile(std::filesystem::path("voices") / base);
+    if (!definition.empty() && plus != std::string::npos)
+        definition += "\n" + SoundOfVariant(key.substr(plus + 1));
+    return definition;
 }
 
 // A melody as wide as the voice's own, in proportion to its pitch.
@@ -58,6 +75,51 @@ std::string PitchLine(const std::string& definition, int hertz, bool monotone)
 }
 
 } // namespace
+
+std::filesystem::path EspeakDataFolder()
+{
+    const char* data = nullptr;
+    espeak_Info(&data);
+    return data ? data : "";
+}
+
+bool HasEspeakVariant(std::string_view variant)
+{
+    std::error_code error;
+    return std::filesystem::is_regular_file(EspeakDataFolder() / "voices/!v" / variant, error);
+}
+
+bool HasMbrola()
+{
+    const char* const path = std::getenv("PATH");
+    std::istringstream folders(path ? path : "");
+    for (std::string folder; std::getline(folders, folder, ':');)
+        if (access((std::filesystem::path(folder) / "mbrola").c_str(), X_OK) == 0)
+            return true;
+    return false;
+}
+
+std::string MbrolaDatabase(const std::string& key)
+{
+    std::istringstream definition(ReadDataFile(std::filesystem::path("voices") / key));
+    std::string keyword;
+    std::string database;
+    std::string phonemes;
+    for (std::string line; std::getline(definition, line);)
+        if (std::istringstream words(line); words >> keyword && keyword == "mbrola")
+            words >> database >> phonemes;
+    const std::filesystem::path data = EspeakDataFolder();
+    const std::filesystem::path shared = "/usr/share/mbrola";
+    std::error_code error;
+    const auto isThere = [&error](const std::filesystem::path& file) {
+        return std::filesystem::is_regular_file(file, error);
+    };
+    if (database.empty() || !isThere(data / "mbrola_ph" / phonemes))
+        return {};
+    const bool installed = isThere(data / "mbrola" / database) || isThere(shared / database) ||
+                           isThere(shared / database / database) || isThere(shared / "voices" / database);
+    return installed ? database : "";
+}
 
 bool LoadEspeakVoice(const std::string& key, int hertz, bool monotone)
 {

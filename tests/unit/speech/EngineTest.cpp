@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <set>
 
 namespace voxmate::speech
@@ -46,9 +47,13 @@ protected:
     void SetUp() override
     {
         engine = &EngineOf(GetParam());
-        for (const Voice& listed : engine->Voices())
+        for (const Voice& listed : engine->Voices()) {
             if (listed.key == GetParam().key)
                 voice = listed;
+            for (const Voice& variant : engine->VariantsOf(listed))
+                if (variant.key == GetParam().key)
+                    voice = variant;
+        }
         ASSERT_FALSE(voice.name.empty()) << "the voice is not installed";
         rate = engine->SampleRate(voice);
     }
@@ -366,6 +371,9 @@ TEST_P(EngineTest, OddTextIsNoTrouble)
 INSTANTIATE_TEST_SUITE_P(Voices, EngineTest,
                          ::testing::Values(Case{"EspeakBritish", CreateEspeakEngine, "gmw/en"},
                                            Case{"EspeakAmerican", CreateEspeakEngine, "gmw/en-US"},
+                                           Case{"EspeakFemale", CreateEspeakEngine, "gmw/en+f2"},
+                                           Case{"EspeakSteph", CreateEspeakEngine, "gmw/en-US+steph"},
+                                           Case{"EspeakOtherMale", CreateEspeakEngine, "gmw/en+m3"},
                                            Case{"FliteKal", CreateFliteEngine, "kal"},
                                            Case{"FliteSlt", CreateFliteEngine, "slt"},
                                            Case{"FliteRms", CreateFliteEngine, "rms"}),
@@ -380,6 +388,54 @@ TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
     EXPECT_TRUE(names.contains("eSpeak English (Great Britain)"));
     EXPECT_TRUE(names.contains("eSpeak German"));
     EXPECT_GT(names.size(), 100U);
+}
+
+TEST(EspeakEngine, MakesOtherPeoplesVoicesOfEachOfItsOwn)
+{
+    const auto engine = CreateEspeakEngine();
+    for (const Voice& voice : engine->Voices()) {
+        std::vector<std::string> names;
+        std::set<std::string> ids{voice.modeId};
+        for (const Voice& variant : engine->VariantsOf(voice)) {
+            EXPECT_EQ(variant.language, voice.language);
+            EXPECT_TRUE(ids.insert(variant.modeId).second);
+            names.push_back(variant.name);
+        }
+        if (voice.key == "gmw/de") {
+            EXPECT_EQ(names, (std::vector<std::string>{"eSpeak German (female 2)", "eSpeak German (female, Steph)",
+                                                       "eSpeak German (male 3)"}));
+        }
+        if (voice.key == "gmw/en") {
+            EXPECT_EQ(names.front(), "eSpeak English (Great Britain, female 2)");
+        }
+    }
+}
+
+TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
+{
+    const auto engine = CreateEspeakEngine();
+    for (const Voice& voice : engine->Voices()) {
+        if (voice.key != "gmw/en" && voice.key != "gmw/de" && voice.key != "roa/fr" && voice.key != "zle/ru")
+            continue;
+        const char* const text = voice.key == "zle/ru" ? "Привет, дорогой друг, как твои дела сегодня вечером?"
+                                                       : "Good morning, my dear old friend, how are you tonight?";
+        const auto say = [&](const Voice& speaker) {
+            RecordingSink sink;
+            EXPECT_TRUE(engine->Synthesize(speaker, std::vector<Segment>{Text(text)}, sink));
+            return sink.samples;
+        };
+        const int rate = engine->SampleRate(voice);
+        const std::vector<std::int16_t> own = say(voice);
+        for (const Voice& variant : engine->VariantsOf(voice)) {
+            const std::vector<std::int16_t> other = say(variant);
+            EXPECT_NEAR(20 * std::log10(SpeechLevel(other, rate) / SpeechLevel(own, rate)), 0, 3) << variant.name;
+            EXPECT_NEAR(SpeakingSeconds(other, rate) / SpeakingSeconds(own, rate), 1, 0.1) << variant.name;
+            const double higher = TrackPitch(other, rate).Median() / TrackPitch(own, rate).Median();
+            if (variant.name.find("female") != std::string::npos) {
+                EXPECT_GT(higher, 1.6) << variant.name;
+            }
+        }
+    }
 }
 
 TEST(FliteEngine, HasItsFourEnglishVoices)

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -191,8 +192,32 @@ TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
           "eSpeak Japanese", "eSpeak English (Great Britain)", "eSpeak English (America)",
           "Flite SLT (American English)"})
         EXPECT_TRUE(names.contains(name)) << name;
+    // Of the desktop's first voice there are female ones, too, and of the English one.
+    std::string female = first;
+    if (female.ends_with(')'))
+        female.pop_back();
+    female += female == first ? " (female 2)" : ", female 2)";
+    if (LanguageFamily(desktop) != "tlh") {
+        EXPECT_TRUE(names.contains(female)) << female;
+    }
+    EXPECT_TRUE(std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return name.starts_with("eSpeak English") && name.find("female, Steph") != std::string::npos;
+    }));
     const bool english = std::string_view(desktop).starts_with("en");
     EXPECT_EQ(names.contains("eSpeak English (Scotland)"), english);
+}
+
+TEST(RealVariants, AChosenOneOfAnotherLanguageIsListed)
+{
+    for (const char* chosen : {"eSpeak Polish (female 2)", "eSpeak English (Scotland, male 3)"}) {
+        std::vector<std::unique_ptr<Engine>> engines;
+        engines.push_back(CreateEspeakEngine());
+        VoiceCatalog catalog(std::move(engines), "de_DE", 100, [chosen] { return chosen; });
+        int found = 0;
+        for (int i = 1; i <= catalog.CountEngines(); ++i)
+            found += catalog.ModeName(i) == chosen;
+        EXPECT_EQ(found, 1) << chosen;
+    }
 }
 
 TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
