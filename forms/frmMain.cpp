@@ -124,12 +124,15 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuStop.Click = [this] { cmdStop_Click(); };
     mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
+    // Closing to the tray is for the user who closes the window; at the end of a session it would hold that up.
+    platform_.System.EndRequested = [this] { mnuTrayExit_Click(); };
     ConnectAgent();
 }
 
 // The announcement windows are this platform's, too.
 frmMain::~frmMain()
 {
+    platform_.System.EndRequested = nullptr;
     ResetReminders();
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 namespace voxmate
@@ -29,6 +30,10 @@ public:
         EndProcess();
         std::abort();
     }
+
+    /// The system asks the program to end: a signal has come, or the user's session is over. Set by the program, called
+    /// from the event loop.
+    std::function<void()> EndRequested;
 
 protected:
     /// Does not return.

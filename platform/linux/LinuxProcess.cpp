@@ -86,6 +86,9 @@ pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
     return process;
 }
 
+/// What exit() ends; none: it takes its own way.
+LinuxProcess* endedAtExit = nullptr;
+
 } // namespace
 
 LinuxProcess::LinuxProcess() : programFolder_(ProgramFolder())
@@ -95,6 +98,8 @@ LinuxProcess::LinuxProcess() : programFolder_(ProgramFolder())
 
 LinuxProcess::~LinuxProcess()
 {
+    if (endedAtExit == this)
+        endedAtExit = nullptr;
     if (lock_ >= 0)
         ::close(lock_);
 }
@@ -159,6 +164,16 @@ bool LinuxProcess::EndsInError(std::future<int>& status) const
             WhileWaiting();
     }
     return status.get() != 0;
+}
+
+void LinuxProcess::EndAtExit()
+{
+    static const int registered = std::atexit([] {
+        if (endedAtExit)
+            endedAtExit->EndProgram();
+    });
+    if (registered == 0)
+        endedAtExit = this;
 }
 
 void LinuxProcess::EndProcess()

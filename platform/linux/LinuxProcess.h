@@ -33,6 +33,9 @@ public:
 
     /// What must still be done before the process ends: settings on their way to the disk.
     std::function<void()> BeforeEnd;
+    /// While this object lives, exit() ends the process as EndProgram does. The toolkit calls it when the display has
+    /// gone, as it does at the end of a session without a manager, in the middle of everything.
+    void EndAtExit();
     /// Lets the windows live while the opener is waited for; run every 10 ms.
     std::function<void()> WhileWaiting;
     /// An opener that knows no way says so within 0.3 to 0.8 s on an idle machine.

@@ -40,6 +40,25 @@ QtApplication::QtApplication(int& argc, char** argv)
     // Hidden in the tray the program goes on; it ends by its own exit.
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();
+    connect(this, &QGuiApplication::commitDataRequest, this, [this] {
+        if (SaveRequested)
+            SaveRequested();
+    });
+}
+
+void QtApplication::Post(std::function<void()> act)
+{
+    QMetaObject::invokeMethod(this, std::move(act), Qt::QueuedConnection);
+}
+
+bool QtApplication::event(QEvent* event)
+{
+    // The toolkit would close all windows, one of which may go to the tray and stay.
+    if (event->type() == QEvent::Quit && EndRequested) {
+        EndRequested();
+        return true;
+    }
+    return QApplication::event(event);
 }
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)

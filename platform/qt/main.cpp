@@ -3,6 +3,7 @@
 #include "forms/frmSplash.h"
 #include "modules/Declarations.h"
 #include "platform/agent/Server.h"
+#include "platform/linux/EndSignals.h"
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/Folders.h"
 #include "platform/linux/LibreOfficeWord.h"
@@ -17,6 +18,7 @@
 
 #include <QLocale>
 
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -27,6 +29,10 @@ using namespace voxmate;
 
 namespace
 {
+
+/// Of one who ends the program by a signal, before it ends whatever its event loop does. Sessions wait for some ten
+/// seconds before they kill.
+constexpr std::chrono::seconds EndPatience{4};
 
 // Makes the parts of the program, and runs it until it ends.
 int Run(qt::QtApplication& application)
@@ -59,6 +65,13 @@ int Run(qt::QtApplication& application)
     frmSplash splash(platform);
     BeginProgram(platform, mainForm);
     sound.Look();
+
+    const auto end = [&process] { process.EndRequested(); };
+    application.EndRequested = end;
+    application.SaveRequested = [&settings] { settings->Flush(); };
+    const linux_platform::EndSignals endSignals([&] { application.Post(end); }, [&process] { process.EndProgram(); },
+                                                EndPatience);
+    process.EndAtExit();
     splash.Show();
     return application.exec();
 }

@@ -137,7 +137,7 @@ class Desk:
     # Set-up.
 
     def spawn(self, *command, env=None, **options):
-        child = subprocess.Popen(command, env=env or self.env, stdin=subprocess.DEVNULL,
+        child = subprocess.Popen(command, env=env or self.env, stdin=options.pop("stdin", subprocess.DEVNULL),
                                  stderr=options.pop("stderr", subprocess.DEVNULL),
                                  stdout=options.pop("stdout", subprocess.DEVNULL), start_new_session=True, **options)
         self.children.append(child)

@@ -477,6 +477,14 @@ TEST_F(MainFormTest, ClosingToTheTrayHidesTheWindowAndKeepsTheProgramRunning)
     EXPECT_EQ(std::memcmp(&fake.windows.trayCalls[1].second, &data, 88), 0);
 }
 
+TEST_F(MainFormTest, TheEndOfTheSessionEndsTheProgramEvenWhenClosingWouldPutItIntoTheTray)
+{
+    Start();
+    Settings.CloseToTray = 1;
+    EXPECT_TRUE(fake.Ends([this] { fake.process.EndRequested(); }));
+    EXPECT_EQ(fake.log, (Lines{"Shell_NotifyIconA 2", "EndProgram"}));
+}
+
 TEST_F(MainFormTest, TheTrayIconsMouseMessagesShowTheWindowOrOfferExit)
 {
     Start();

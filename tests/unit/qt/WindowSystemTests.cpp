@@ -18,6 +18,7 @@
 #include <QWheelEvent>
 
 #include <new>
+#include <thread>
 
 namespace voxmate::qt
 {
@@ -290,6 +291,35 @@ TEST_F(QtTest, AnErrorInAnotherThreadIsShownInTheUserInterfacesThread)
     QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
     thread.quit();
     thread.wait();
+}
+
+TEST_F(QtTest, WhenTheDesktopAsksForTheEndNoWindowIsClosed)
+{
+    struct Closing : Form {
+        explicit Closing(FormHost& host) : Form(host, "frmClosing") {}
+        void Form_QueryUnload(bool& cancel) override
+        {
+            asked = true;
+            cancel = true;
+        }
+        bool asked = false;
+    } closing(windows);
+    closing.Show();
+    int ended = 0;
+    app.EndRequested = [&ended] { ++ended; };
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(&app, &quit);
+    EXPECT_EQ(ended, 1);
+    EXPECT_FALSE(closing.asked);
+    app.EndRequested = nullptr;
+}
+
+TEST_F(QtTest, WhatAnotherThreadPostsRunsInTheEventLoop)
+{
+    bool done = false;
+    std::thread([&] { app.Post([&] { done = QThread::currentThread() == app.thread(); }); }).join();
+    EXPECT_FALSE(done);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done; }));
 }
 
 TEST_F(StageTest, AFontTheSystemLacksFallsBackToItsOwnSansSerif)

@@ -1,0 +1,168 @@
+"""The program is asked to end by others than its user: by signals and by the end of the session. It ends at once, with all
+that was set in its file, also where closing its window would put it into the tray."""
+
+import os
+import signal
+import subprocess
+import unittest
+
+import desk as desktop
+from program import BUILD
+from test_tray import TrayCase
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+class EndCase(TrayCase):
+    defaults = {**TrayCase.defaults, "CloseToTray": 1}
+
+    def set_speed(self):
+        """Moves the bar of the speed; what the file must say of it."""
+        self.desk.click(self.desk.find("Speed", role="scroll bar"))
+        self.desk.key("Home", "Right", "Right", "Right")
+        self.desk.find("= 43", role="label", timeout=5)
+        return "dword:0000002b"
+
+    def ends_with(self, speed):
+        self.has_ended(timeout=20)
+        self.assertEqual(self.desk.read_settings()["Speed"], speed)
+
+
+class Signals(EndCase):
+
+    def test_each_signal_that_asks_for_the_end_ends_the_program_with_all_saved(self):
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(signal=number.name):
+                self.desk.install_defaults(**self.defaults)
+                self.start_and_settle()
+                speed = self.set_speed()
+                self.program.send_signal(number)
+                self.ends_with(speed)
+
+    def test_two_signals_at_once_end_it_as_one_does(self):
+        self.start_and_settle()
+        speed = self.set_speed()
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGTERM):
+            self.program.send_signal(number)
+        self.ends_with(speed)
+
+    def test_it_ends_with_a_box_and_a_menu_open(self):
+        self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+h")
+        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.key("a")
+        self.press("System Info...")
+        self.desk.find("System Information Is Unavailable At This Time", timeout=5)
+        self.program.terminate()
+        self.has_ended(timeout=20)
+        self.start_and_settle()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Put in System Tray", timeout=5)
+        self.program.terminate()
+        self.has_ended(timeout=20)
+
+    def test_it_ends_while_its_splash_is_up(self):
+        self.start()
+        self.desk.find("A desktop assistant", timeout=20)
+        self.program.terminate()
+        self.has_ended(timeout=20)
+
+
+class Session(EndCase):
+    """A session with a manager and a tray, as desktops have."""
+
+    def setUp(self):
+        super().setUp()
+        self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right")
+        desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")
+        self.manager = self.desk.spawn("/usr/bin/python3", os.path.join(HERE, "session_manager.py"), stdin=subprocess.PIPE,
+                                       stdout=subprocess.PIPE)
+        self.address = self.manager.stdout.readline().decode().strip()
+        self.assertIn("unix", self.address)
+
+    def tearDown(self):
+        super().tearDown()
+        self.tray.terminate()
+        self.tray.wait(5)
+        self.manager.stdin.close()
+        self.manager.wait(5)
+        self.manager.stdout.close()
+
+    def tell(self, word):
+        self.manager.stdin.write(word.encode() + b"\n")
+        self.manager.stdin.flush()
+
+    def told(self):
+        return self.manager.stdout.readline().decode().strip()
+
+    def start_in_session(self):
+        self.start_and_settle(SESSION_MANAGER=self.address)
+        self.assertEqual(self.told(), "saved")  # as every program does when it comes into a session
+
+    def test_it_ends_with_the_session_with_all_saved(self):
+        self.start_in_session()
+        speed = self.set_speed()
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+        self.assertEqual(self.desk.read_settings()["Speed"], speed)
+        self.tell("die")
+        self.ends_with(speed)
+        self.assertEqual(self.told(), "gone")
+
+    def test_it_ends_with_the_session_while_it_speaks_and_a_box_is_up(self):
+        self.start_and_settle(SESSION_MANAGER=self.address)
+        self.assertEqual(self.told(), "saved")
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.type("one two three four five six seven eight nine ten eleven twelve thirteen fourteen")
+        self.press("Speak the textbox text")
+        self.desk.find("Busy...", timeout=10)
+        self.desk.key("alt+h")
+        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.key("h")
+        self.box_text("Voxmate - Help")
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+        self.tell("die")
+        self.has_ended(timeout=20)
+
+    def test_it_ends_with_the_session_when_it_is_in_the_tray(self):
+        self.start_in_session()
+        self.hide()
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+        self.tell("die")
+        self.has_ended(timeout=20)
+
+    def test_it_goes_on_when_the_user_stays(self):
+        self.start_in_session()
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+        self.tell("cancel")
+        self.set_speed()
+        self.assertTrue(self.desk.windows("^Voxmate$"))
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+        self.tell("die")
+        self.has_ended(timeout=20)
+
+
+class Display(unittest.TestCase):
+    """A session without a manager, at whose end the display goes."""
+
+    def test_it_ends_with_the_display_with_all_saved(self):
+        desk = desktop.Desk(BUILD)
+        self.addCleanup(desk.close)
+        desk.install_defaults(**EndCase.defaults)
+        program = desk.start()
+        self.addCleanup(desk.end, program)
+        desktop.wait_for(lambda: desk.windows("^Voxmate$"), 20, what="the window")
+        desktop.wait_for(lambda: "ReminderSentence" in desk.read_settings(), 20, what="the settings")
+        display = desk.children[0]
+        display.terminate()
+        self.assertEqual(program.wait(20), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
