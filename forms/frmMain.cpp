@@ -123,6 +123,7 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     mnuExit.Click = [this] { mnuExit_Click(); };
     mnuStop.Click = [this] { cmdStop_Click(); };
     mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
+    TrayPict.IconMenu = &mnuTray;
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
     // Closing to the tray is for the user who closes the window; at the end of a session it would hold that up.
     platform_.System.EndRequested = [this] { mnuTrayExit_Click(); };
@@ -213,7 +214,7 @@ void frmMain::TrayPict_MouseMove(double x)
     }
 }
 
-// Moves over the window itself are read the same way: the two columns are those messages' numbers.
+// Moves that are told of the form itself are read the same way.
 void frmMain::Form_MouseMove(double x)
 {
     const int message = MouseMessage(x);

@@ -18,6 +18,7 @@ namespace voxmate
 
 class Control;
 class Form;
+class Menu;
 
 /// Names a property whose change a peer is told of.
 enum class Property {
@@ -353,6 +354,8 @@ public:
         Visible.Store(false);
     }
     std::string Picture;
+    /// What its icon's right click pops up, for notification areas that show an icon's menu themselves.
+    Menu* IconMenu = nullptr;
     std::function<void(double x)> MouseMove;
 
     void UserMouseMove(double x)

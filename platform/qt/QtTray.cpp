@@ -1,11 +1,11 @@
 #include "platform/qt/QtTray.h"
 
+#include "platform/qt/ControlPeers.h"
 #include "platform/qt/QtText.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QGuiApplication>
-#include <QStyleHints>
 
 #include <algorithm>
 
@@ -26,6 +26,15 @@ bool NotifierWatched()
 {
     const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
     return bus && bus->isServiceRegistered(QStringLiteral("org.kde.StatusNotifierWatcher"));
+}
+
+/// Whether the icon that is shown is a window within the notification area's, which has real clicks: the toolkit makes
+/// such a window for it then.
+bool IsEmbedded()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](const QWidget* window) { return window->inherits("QSystemTrayIconSys"); });
 }
 
 void Iconify(QWidget& window)
@@ -56,18 +65,19 @@ std::uint32_t QtTray::HandleOf(PictureBox& box)
 
 void QtTray::Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box)
 {
-    // A status notifier tells of clicks alone: two in quick succession are a double click.
-    const bool click = reason == QSystemTrayIcon::Trigger;
-    const bool second = click && viaNotifier_ && lastClick_.isValid() &&
-                        lastClick_.elapsed() <= QGuiApplication::styleHints()->mouseDoubleClickInterval();
-    if (reason == QSystemTrayIcon::DoubleClick || second) {
-        lastClick_.invalidate();
+    // A status notifier knows no clicks: its activation is whatever opens a program on that desktop, one click or two.
+    const bool activation = viaNotifier_ && reason == QSystemTrayIcon::Trigger;
+    if (reason == QSystemTrayIcon::DoubleClick || activation)
         box.UserMouseMove(WM_LBUTTONDBLCLK * TwipsPerPixel());
-    } else if (reason == QSystemTrayIcon::Context) {
+    else if (reason == QSystemTrayIcon::Context)
         box.UserMouseMove(WM_RBUTTONUP * TwipsPerPixel());
-    } else if (click) {
-        lastClick_.start();
-    }
+}
+
+void QtTray::ExportMenu(const PictureBox& box)
+{
+    auto* peer = box.IconMenu ? static_cast<MenuPeer*>(box.IconMenu->GetPeer()) : nullptr;
+    if (peer && peer->Submenu())
+        icon_->setContextMenu(peer->Submenu());
 }
 
 bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* window)
@@ -88,7 +98,6 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
     const auto picture = boxes_.find(data.icon);
     if (icon_ || box == boxes_.end() || picture == boxes_.end())
         return false;
-    viaNotifier_ = NotifierWatched();
     icon_ = std::make_unique<QSystemTrayIcon>(icons_.Icon(ToQt(picture->second->Picture)));
     icon_->setToolTip(QString::fromUtf8(data.tip.data()));
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
@@ -97,6 +106,11 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
                          QTimer::singleShot(0, icon_.get(), [=, this] { Activated(reason, *receiver); });
                      });
     icon_->show();
+    viaNotifier_ = !IsEmbedded();
+    // Some areas show a menu of their own, or none, for an icon without one. In the other kind the right click is a
+    // message, and the toolkit would pop up the menu a second time.
+    if (viaNotifier_)
+        ExportMenu(*box->second);
     watch_.disconnect();
     QObject::connect(&watch_, &QTimer::timeout, window, [this, window] {
         if (!window->isVisible() && !(viaNotifier_ ? NotifierWatched() : QSystemTrayIcon::isSystemTrayAvailable()))

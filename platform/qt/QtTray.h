@@ -4,7 +4,6 @@
 #include "platform/WindowSystem.h"
 #include "platform/qt/IconSet.h"
 
-#include <QElapsedTimer>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <QWidget>
@@ -27,14 +26,15 @@ public:
     std::uint32_t HandleOf(PictureBox& box);
 
 private:
+    /// Makes the icon's menu known to the area, which shows it itself.
+    void ExportMenu(const PictureBox& box);
     void Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box);
 
     const IconSet& icons_;
     std::map<std::uint32_t, PictureBox*> boxes_;
     std::unique_ptr<QSystemTrayIcon> icon_;
     QTimer watch_; ///< looks whether the area is still there
-    QElapsedTimer lastClick_;
-    bool viaNotifier_ = false; ///< the icon is one of the status-notifier kind
+    bool viaNotifier_ = false; ///< the icon is one of the status-notifier kind, told of over the session's bus
 };
 
 /// Twips a pixel of the primary screen.

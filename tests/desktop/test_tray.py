@@ -5,8 +5,13 @@ import subprocess
 import time
 import unittest
 
+from gi.repository import Gio, GLib
+
 import desk as desktop
 from program import BUILD, ProgramCase
+
+ITEM = "org.kde.StatusNotifierItem"
+MENU = "com.canonical.dbusmenu"
 
 
 class TrayCase(ProgramCase):
@@ -173,6 +178,10 @@ class Notifier(TrayCase):
         self.host = self.desk.spawn("/usr/bin/python3", os.path.join(os.path.dirname(__file__), "notifier_host.py"),
                                     stdout=subprocess.PIPE)
         self.assertEqual(self.host.stdout.readline(), b"ready\n")
+        self.bus = Gio.DBusConnection.new_for_address_sync(
+            self.desk.env["DBUS_SESSION_BUS_ADDRESS"],
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.addCleanup(self.bus.close_sync)
 
     def tearDown(self):
         super().tearDown()
@@ -188,15 +197,44 @@ class Notifier(TrayCase):
         self.desk.run("dbus-send", "--session", "--print-reply", "--dest=" + item, "/StatusNotifierItem",
                       "org.kde.StatusNotifierItem." + method, "int32:100", "int32:100")
 
-    def test_two_quick_clicks_bring_the_window_back_and_one_does_not(self):
+    def menu(self, item):
+        """What the panel shows for a right click: the icon's exported menu, as (number, label) of what is to be seen."""
+        path = self.ask(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties.Get", GLib.Variant("(ss)", (ITEM, "Menu")))[0]
+        self.assertNotEqual(path, "/NO_DBUSMENU")
+        self.ask(item, path, MENU + ".AboutToShow", GLib.Variant("(i)", (0,)))
+        layout = self.ask(item, path, MENU + ".GetLayout", GLib.Variant("(iias)", (0, -1, [])))[1]
+        return path, [(entry[0], entry[1]["label"]) for entry in layout[2] if entry[1].get("visible", True)]
+
+    def ask(self, item, path, method, arguments):
+        interface, name = method.rsplit(".", 1)
+        return self.bus.call_sync(item, path, interface, name, arguments, None, Gio.DBusCallFlags.NONE, 5000, None).unpack()
+
+    def test_one_activation_brings_the_window_back_and_the_icon_stays(self):
+        self.start_and_settle()
+        item = self.put_in_tray()
+        for _ in range(2):
+            self.tell(item, "Activate")
+            desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+            self.hide()
+
+    def test_a_double_click_that_the_panel_tells_as_two_activations_brings_it_back_once(self):
         self.start_and_settle()
         item = self.put_in_tray()
         self.tell(item, "Activate")
-        time.sleep(1)
-        self.assertFalse(self.desk.windows("^Voxmate$"), "one click shows the window")
-        self.tell(item, "Activate")
         self.tell(item, "Activate")
         desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        self.assertEqual(len(self.desk.windows("^Voxmate$")), 1)
+
+    def test_the_panel_can_show_the_icons_menu_which_is_exit_alone(self):
+        self.start_and_settle()
+        item = self.put_in_tray()
+        path, entries = self.menu(item)
+        self.assertEqual([label for _, label in entries], ["_Exit"])
+        # Nobody waits for the answer of a program that ends.
+        self.bus.call(item, path, MENU, "Event", GLib.Variant("(isvu)", (entries[0][0], "clicked", GLib.Variant("i", 0), 0)), None,
+                      Gio.DBusCallFlags.NONE, -1, None, None)
+        self.bus.flush_sync()
+        self.has_ended(timeout=10)
 
     def test_the_right_button_offers_exit(self):
         self.start_and_settle()

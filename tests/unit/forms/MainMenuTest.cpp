@@ -266,6 +266,7 @@ TEST_F(MainMenuTest, TheTimersTheIconAndTheFrameAreAsLaidOut)
     EXPECT_EQ(form.RemTimer.Interval, 800);
     EXPECT_FALSE(form.RemTimer.Enabled);
     EXPECT_EQ(form.TrayPict.Picture, "voxmate");
+    EXPECT_EQ(form.TrayPict.IconMenu, &form.mnuTray);
     const auto plain = [](std::string caption) {
         std::erase(caption, '&');
         return caption;
