@@ -244,14 +244,29 @@ void frmAlertWindow::Timer1_Timer()
         Scroll();
 }
 
+// Where nothing counts and nothing moves a tick would change nothing: until it is sent away the window needs none.
+void frmAlertWindow::Hold()
+{
+    if (my_.NoAutoClose)
+        Timer1.Enabled = false;
+    else
+        --my_.CloseTicks;
+}
+
+void frmAlertWindow::Leave()
+{
+    my_.CloseTicks = 0;
+    Timer1.Enabled = true;
+}
+
 void frmAlertWindow::Fade()
 {
     if (my_.CloseTicks > 0) {
         if (my_.StepValue > 0) {
             my_.StepValue -= FadeStep;
             SetTransparency(my_.StepValue);
-        } else if (!my_.NoAutoClose) {
-            --my_.CloseTicks;
+        } else {
+            Hold();
         }
     }
     if (my_.CloseTicks <= 0) {
@@ -275,8 +290,7 @@ void frmAlertWindow::Scroll()
                 my_.IsOnTop = true;
                 SetOnTop(true);
             }
-            if (!my_.NoAutoClose)
-                --my_.CloseTicks;
+            Hold();
         }
     }
     if (my_.CloseTicks <= 0) {
@@ -295,13 +309,13 @@ void frmAlertWindow::Scroll()
 void frmAlertWindow::Form_Click()
 {
     if (!my_.NoClickClose)
-        my_.CloseTicks = 0;
+        Leave();
 }
 
 void frmAlertWindow::SetCloseActivate(bool vNewValue)
 {
     if (vNewValue)
-        my_.CloseTicks = 0;
+        Leave();
 }
 
 void frmAlertWindow::Form_Unload()

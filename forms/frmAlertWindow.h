@@ -63,6 +63,8 @@ private:
     void PaintTubeGradient(std::int32_t color);
     void PaintFrame(bool bSquare, std::int32_t iBackColor);
     void TakeSlot(bool bTake);
+    void Hold();
+    void Leave();
     void Fade();
     void Scroll();
     void Timer1_Timer();

@@ -320,6 +320,45 @@ TEST_F(AlertWindowTest, OneThatIsKeptSaysNothingAndGoesOnlyWhenItIsTold)
     EXPECT_EQ(form.Top(), 9120);
 }
 
+TEST_F(AlertWindowTest, WhileItOnlyWaitsToBeSentAwayItDoesNotTick)
+{
+    for (const bool fade : {false, true}) {
+        for (const bool click : {false, true}) {
+            SCOPED_TRACE(std::string(fade ? "fading" : "sliding") + (click ? ", clicked" : ", told"));
+            frmAlertWindow window(fake.platform);
+            Preview(window, {.seconds = click ? 0 : -1, .fade = fade});
+            int ticks = 0;
+            while (window.Timer1.Enabled && ticks < 1000) {
+                window.Timer1.Fire();
+                ++ticks;
+            }
+            // 40 steps up or 50 of transparency, and the tick that finds nothing left to do.
+            EXPECT_EQ(ticks, fade ? 51 : 41);
+            EXPECT_EQ(window.Top(), 9070);
+            window.SetCloseActivate(false);
+            EXPECT_FALSE(window.Timer1.Enabled.get());
+            if (click)
+                window.UserClick();
+            else
+                window.SetCloseActivate(true);
+            EXPECT_TRUE(window.Timer1.Enabled.get());
+            EXPECT_EQ(TicksUntilGone(window), fade ? 52 : 51);
+            // The next announcement moves again.
+            Preview(window, {.seconds = 0, .fade = fade});
+            EXPECT_TRUE(window.Timer1.Enabled.get());
+        }
+    }
+}
+
+TEST_F(AlertWindowTest, AClickThatSendsNothingAwayStartsNoTicks)
+{
+    Preview({.seconds = -1});
+    Tick(100);
+    form.UserClick();
+    form.lblMessage.UserClick();
+    EXPECT_FALSE(form.Timer1.Enabled.get());
+}
+
 TEST_F(AlertWindowTest, OnlyTheLowestWindowGrowsOrShrinksToItsText)
 {
     frmAlertWindow second(fake.platform);
