@@ -109,15 +109,22 @@ void Body::Vanish()
     window_->SetVisible(false);
 }
 
+/// Where the user wants the window; where it stands, when that is not known.
+Rect Body::Home() const
+{
+    if (!feet_)
+        return OnScreen();
+    return {feet_->x - size_.width / 2, feet_->y - size_.height, size_.width, size_.height};
+}
+
 /// Puts the window where it belongs while nobody holds it: wholly on a work area.
 void Body::Settle()
 {
     Rect area;
-    Rect wanted = OnScreen();
+    Rect wanted = Home();
     if (feet_) {
-        wanted.x = feet_->x - size_.width / 2;
-        wanted.y = feet_->y - size_.height;
         area = stage_.WorkArea(Middle(wanted));
+        displaced_ = !area.Contains(Middle(wanted));
     } else {
         area = stage_.PrimaryWorkArea();
         wanted.x = area.Right() - size_.width - kRightMargin;
@@ -178,10 +185,16 @@ void Body::ScreensChanged()
 {
     if (!visible_)
         return;
-    if (feet_)
-        ComeBack();
-    else
+    const Rect home = Home();
+    if (displaced_ && stage_.WorkArea(Middle(home)).Contains(Middle(home))) {
+        displaced_ = false;
+        place_ = {home.x, home.y};
+        window_->MoveTo(place_);
+    } else if (displaced_ || !feet_) {
         Settle();
+    } else {
+        ComeBack();
+    }
     // Even a body that stays has another room for its balloon now.
     if (Moved)
         Moved();
@@ -190,6 +203,7 @@ void Body::ScreensChanged()
 /// The user has put the window there.
 void Body::TakePlace(Point place)
 {
+    displaced_ = false;
     place_ = place;
     feet_ = {place.x + size_.width / 2, place.y + size_.height};
 }

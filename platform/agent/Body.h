@@ -49,7 +49,8 @@ public:
     void StandAt(Point feet);
     /// Comes back onto the work area if its middle lies on none.
     void ComeBack();
-    /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner.
+    /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner; one
+    /// whose place is on no screen any more goes to the nearest, and back when there is a screen again.
     void ScreensChanged();
     /// The drawn part of the character on the screen: of its neutral pose and of the one it stood in at TakeOutline.
     Rect Outline() const;
@@ -85,6 +86,7 @@ private:
     void StopSound();
     void Settle();
     void TakePlace(Point place);
+    Rect Home() const;
     Rect OnScreen() const { return {place_.x, place_.y, size_.width, size_.height}; }
 
     Stage& stage_;
@@ -100,6 +102,7 @@ private:
     Size size_;
     Point place_;
     std::optional<Point> feet_; ///< as the user wants them; a work area may leave no room just there
+    bool displaced_ = false;    ///< no work area reaches as far as that
     Rect outline_;              ///< in the file's pixels
 };
 

@@ -95,6 +95,46 @@ TEST_F(ServerDesktop, StaysWhereTheUserPutItWhileItsMiddleIsOnAWorkArea)
     EXPECT_EQ(Place(), (Point{780, 200}));
 }
 
+TEST_F(ServerDesktop, GoesBackToItsPlaceWhenASmallerScreenHasGrownAgain)
+{
+    LoadShown();
+    Drag({10, 10}, {1260, 210});
+    EXPECT_EQ(Place(), (Point{1250, 200}));
+    stage.ChangeScreens({{0, 0, 640, 480}});
+    EXPECT_EQ(Place(), (Point{600, 200}));
+    stage.ChangeScreens({{0, 0, 800, 600}});
+    EXPECT_EQ(Place(), (Point{760, 200}));
+    const Point home{1250, 200};
+    stage.ChangeScreens({{0, 0, 1300, 720}});
+    EXPECT_EQ(Place(), home);
+}
+
+TEST_F(ServerDesktop, AScreenThatComesBackTakesTheCharacterBackThatWasHiddenMeanwhile)
+{
+    stage.workAreas = {{0, 0, 1280, 720}, {1280, 0, 1024, 768}};
+    AgentCharacter& bo = LoadShown();
+    Drag({10, 10}, {1810, 310});
+    EXPECT_EQ(Place(), (Point{1800, 300}));
+    bo.Hide(true);
+    stage.Settle();
+    stage.ChangeScreens({{0, 0, 1280, 720}});
+    bo.Show(true);
+    stage.Settle();
+    EXPECT_EQ(Place(), (Point{1240, 300}));
+    stage.ChangeScreens({{0, 0, 1280, 720}, {1280, 0, 1024, 768}});
+    EXPECT_EQ(Place(), (Point{1800, 300}));
+}
+
+TEST_F(ServerDesktop, WhereTheUserPutItOnTheSmallerScreenItStaysWhenThatGrows)
+{
+    LoadShown();
+    Drag({10, 10}, {1210, 210});
+    stage.ChangeScreens({{0, 0, 640, 480}});
+    Drag({10, 10}, {110, 110});
+    stage.ChangeScreens({{0, 0, 1280, 720}});
+    EXPECT_EQ(Place(), (Point{100, 100}));
+}
+
 TEST_F(ServerDesktop, NeverMovedByTheUserItStaysNearTheLowerRightWhenTheScreenChanges)
 {
     LoadShown();
