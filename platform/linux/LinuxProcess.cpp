@@ -183,10 +183,23 @@ void LinuxProcess::EndProcess()
     ::_exit(EXIT_SUCCESS);
 }
 
+// The C library keeps the zone that TZ names as long as TZ stays the same. Where TZ is not set it looks at each tzset
+// whether the system's zone file is another, and that is the file which TZ names here.
+LinuxClock::LinuxClock()
+{
+    constexpr std::string_view system = "/etc/localtime";
+    const char* const named = std::getenv("TZ");
+    const std::string_view zone = named ? named : "";
+    if (zone == system || (zone.starts_with(':') && zone.substr(1) == system))
+        ::unsetenv("TZ");
+}
+
 DateTime LinuxClock::Now()
 {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
+    // localtime_r alone need not see that the user has chosen another zone.
+    ::tzset();
     ::localtime_r(&now, &local);
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }

@@ -54,6 +54,10 @@ private:
 class LinuxClock : public Clock
 {
 public:
+    /// To be made before there are other threads: it may take TZ out of the environment.
+    LinuxClock();
+
+    /// In the system's time zone, also when that has been changed meanwhile.
     DateTime Now() override;
     std::string ShortDate(const DateTime& date) override;
 };
