@@ -13,11 +13,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace voxmate::linux_platform
@@ -141,23 +139,20 @@ TEST_F(RandomFileTest, ALockIsHadByOneProcessAtATimeAndLetGoOfWhenThatEnds)
     EXPECT_TRUE(files.Lock(Path()));
 }
 
-TEST_F(RandomFileTest, ALockIsWaitedForAndSoIsAFileThatIsHeldForAMoment)
+TEST_F(RandomFileTest, WhatIsHeldIsWaitedForBeforeItIsRefused)
 {
+    using namespace std::chrono_literals;
+    const auto waited = [](const auto& refused) {
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(ErrorOf(refused), 70);
+        return std::chrono::steady_clock::now() - begin;
+    };
     Write("abcdefgh");
-    auto holder = std::make_unique<FileHolder>(Path());
-    std::thread freeing([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        holder.reset();
-    });
-    EXPECT_EQ(OpenError(), 0);
-    freeing.join();
-    auto lock = files.Lock(Path());
-    std::thread unlocking([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        lock.reset();
-    });
-    EXPECT_EQ(ErrorOf([&] { EXPECT_TRUE(files.Lock(Path())); }), 0);
-    unlocking.join();
+    const FileHolder holder(Path());
+    EXPECT_GE(waited([&] { files.OpenRandom(Path(), 8); }), 500ms);
+    EXPECT_GE(waited([&] { files.DeleteFile(Path()); }), 500ms);
+    const auto lock = files.Lock(Path());
+    EXPECT_GE(waited([&] { files.Lock(Path()); }), 2000ms);
 }
 
 TEST_F(RandomFileTest, AFolderThatMayNotBeWrittenTakesNoLock)
