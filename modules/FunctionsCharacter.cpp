@@ -206,10 +206,7 @@ bool TellDamagedCharacter(const std::string& message)
 {
     if (!StartedUp || IsBusy)
         return false;
-    MessageText = message;
-    ShowMessage(message, "Decline");
-    Host().Windows.MsgBox(message, vbExclamation, "Voxmate - File Error");
-    IsBusy = False;
+    Announce(message, vbExclamation, "Voxmate - File Error", "Decline");
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "modules/ReminderList.h"
 
 #include "base/Text.h"
+#include "modules/Declarations.h"
 
 #include <algorithm>
 #include <limits>
@@ -43,7 +44,7 @@ void ResizeList(std::int32_t count)
 // A text from an older system, which is not UTF-8, as text files of that kind are shown.
 std::string Shown(std::string_view bytes)
 {
-    return IsValidUtf8(bytes) ? std::string(bytes) : Windows1252ToUtf8(bytes);
+    return IsValidUtf8(bytes) ? std::string(bytes) : Host().Files.DecodeText(bytes);
 }
 
 ReminderRecord RecordInFile(std::int32_t id)
@@ -59,7 +60,7 @@ void StoreText(std::string& place, std::string_view bytes, std::int32_t id)
         place.assign(bytes);
         return;
     }
-    place = Windows1252ToUtf8(bytes);
+    place = Host().Files.DecodeText(bytes);
     foreign.insert(id);
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace voxmate
@@ -72,6 +73,8 @@ public:
     virtual std::unique_ptr<FileLock> Lock(const std::string& path) = 0;
     /// What a symbolic link leads to in the end, which may be missing; any other path as it is.
     virtual std::string LinkTarget(const std::string& path) = 0;
+    /// The text, in UTF-8, that these bytes of unknown encoding are, told as text files are.
+    virtual std::string DecodeText(std::string_view bytes) = 0;
     /// Creates an empty file, emptying the one that is there. Raises what OpenRandom does, and 75 as well when the file
     /// may only be read.
     virtual void CreateTextFile(const std::string& path) = 0;

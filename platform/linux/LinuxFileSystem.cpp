@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "base/Text.h"
+#include "platform/linux/CodePage.h"
 #include "platform/linux/LinuxTextStream.h"
 
 #include <algorithm>
@@ -11,6 +12,11 @@
 
 namespace voxmate::linux_platform
 {
+
+std::string LinuxFileSystem::DecodeText(std::string_view bytes)
+{
+    return linux_platform::DecodeText(bytes);
+}
 
 bool LinuxFileSystem::FolderExists(const std::string& path)
 {

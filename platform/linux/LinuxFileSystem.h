@@ -20,6 +20,7 @@ public:
     std::unique_ptr<RandomAccessFile> OpenRandomExisting(const std::string& path, std::size_t recordLength) override;
     std::unique_ptr<FileLock> Lock(const std::string& path) override;
     std::string LinkTarget(const std::string& path) override;
+    std::string DecodeText(std::string_view bytes) override;
     void CreateTextFile(const std::string& path) override;
     void DeleteFile(const std::string& path) override;
     void MoveFile(const std::string& from, const std::string& to) override;

@@ -86,6 +86,8 @@ int main(int argc, char** argv)
     } catch (const std::exception& error) {
         // The parts are gone again: the report is all that is left to do.
         application.Icons = nullptr;
+        application.EndRequested = nullptr;
+        application.SaveRequested = nullptr;
         application.EndProgram = [] { std::_Exit(EXIT_FAILURE); };
         application.Report(AsRuntimeError(error));
     }

@@ -62,6 +62,7 @@ public:
         return std::make_unique<Slots>(*this, path, texts[path], recordLength);
     }
     std::map<std::string, std::string> links; ///< path -> what it leads to
+    std::string DecodeText(std::string_view bytes) override { return Windows1252ToUtf8(bytes); }
     std::string LinkTarget(const std::string& path) override { return links.contains(path) ? links[path] : path; }
     std::set<std::string> locks; ///< what is held just now
     bool logLocks = false;

@@ -52,6 +52,12 @@ protected:
             lines.push_back(stream.ReadLine());
         return lines;
     }
+    /// A file's first line, which is told in the user's code page where nothing else fits.
+    std::string FirstLine(const std::string& content)
+    {
+        Write(content);
+        return files.OpenTextFile(Path())->ReadLine();
+    }
     /// The lines of a file, as whoever uses this code page reads them.
     Lines LinesOf(const std::string& content, const char* codePage = "CP1252") const
     {
@@ -84,6 +90,13 @@ std::string Utf16(std::u16string_view units, bool littleEndian)
 }
 
 } // namespace
+
+TEST_F(TextStreamTest, ATextOfUnknownEncodingIsToldAsOneInAFile)
+{
+    for (const char* bytes : {"K\xC3\xA4the and J\xC3\xBCrgen", "K\xE4the and J\xFCrgen", "K\xC3\xA4the and J\xFCrgen", "Tea"})
+        EXPECT_EQ(files.DecodeText(bytes), FirstLine(bytes));
+    EXPECT_EQ(files.DecodeText("K\xC3\xA4the and J\xFCrgen"), "K\xC3\xA4the and J\xC3\xBCrgen");
+}
 
 TEST_F(TextStreamTest, LinesEndWithCrLfOrLfOrCrAndTheLastNeedsNoEnd)
 {
