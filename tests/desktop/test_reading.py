@@ -6,7 +6,6 @@ import subprocess
 import sys
 import unittest
 import wave
-import zipfile
 
 import numpy
 
@@ -85,7 +84,8 @@ class Reading(ReadingCase):
     def test_a_text_file_is_read_in_each_encoding(self):
         text = "Käthe und Jürgen.\r\nBye"
         for name, data in (("utf8.txt", text.encode()), ("ansi.TXT", text.encode("cp1252")),
-                           ("utf16.txt", text.encode("utf-16"))):
+                           ("utf16.txt", text.encode("utf-16")), ("unmarked.txt", text.encode("utf-16-le")),
+                           ("stray.txt", "Käthe und J".encode() + b"\xfcrgen.\r\nBye")):
             with self.subTest(name):
                 path = self.file(name, data)
                 begin = self.now()
@@ -105,6 +105,25 @@ class Reading(ReadingCase):
         desktop.wait_for(lambda: self.heard_since(begin), 20, what="the clipboard's text")
         box = self.desk.find("Text to read")
         self.assertEqual(box.queryText().getText(0, -1), "Copied from here")
+
+    def test_another_programs_clipboard_is_read_that_says_how_its_text_is_encoded(self):
+        text = "Käthe kopiert."
+        with subprocess.Popen(["xclip", "-quiet", "-selection", "clipboard", "-t", "text/plain;charset=utf-8"],
+                              stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              env=self.desk.env) as owner:
+            owner.stdin.write(text.encode())
+            owner.stdin.close()
+            box = self.desk.find("Text to read")
+
+            def read():
+                # It takes a moment until the other program has the clipboard.
+                self.press("Speak Clipboard Text")
+                return box.queryText().getText(0, -1) == text
+
+            begin = self.now()
+            desktop.wait_for(read, 10, step=0.5, what="the clipboard's text")
+            desktop.wait_for(lambda: self.heard_since(begin), 5, what="the clipboard's text being spoken")
+            owner.terminate()
 
     def test_a_cancelled_dialog_is_quiet_and_wrong_files_are_said(self):
         self.press("Open and Read a Text Document")
@@ -166,6 +185,32 @@ class Reading(ReadingCase):
         desktop.wait_for(lambda: self.heard_since(begin), 20, what="half of the tone")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin), 1.5, delta=0.09)
+
+    def test_wave_files_are_heard_whose_header_or_channels_are_odd(self):
+        rate = 22050
+        tone = 8000 * numpy.sin(2 * numpy.pi * 440 * numpy.arange(rate * 2) / rate)
+        silence = numpy.zeros(rate * 2)
+        for name, channels in (("one.wav", [tone]), ("opposite.wav", [tone, -tone]),
+                               ("centre.wav", [silence, silence, tone, silence, silence, silence])):
+            with wave.open(os.path.join(self.folder, name), "wb") as out:
+                out.setparams((len(channels), 2, rate, 0, "NONE", ""))
+                out.writeframes(numpy.column_stack(channels).astype("<i2").tobytes())
+        # As a program leaves it that could not go back to the header.
+        with open(os.path.join(self.folder, "one.wav"), "rb") as file:
+            data = file.read()
+        self.file("streamed.wav", data[:40] + bytes(4) + data[44:])
+        levels = {}
+        for name in ("one.wav", "streamed.wav", "opposite.wav", "centre.wav"):
+            with self.subTest(name):
+                begin = self.now()
+                self.play(os.path.join(self.folder, name))
+                desktop.wait_for(lambda: self.heard_since(begin), 5, what="the tone")
+                self.settle()
+                first, last = self.heard_since(begin)
+                self.assertAlmostEqual((last - first) / desktop.RATE, 2, delta=0.09)
+                samples = self.recorder.snapshot()[0][begin + first:begin + last].astype(float)
+                levels[name] = numpy.sqrt((samples ** 2).mean())
+                self.assertAlmostEqual(levels[name] / levels["one.wav"], 1, delta=0.1)
 
     def play(self, path):
         self.desk.click(self.desk.find("Text to read"))
@@ -297,13 +342,13 @@ class Word(WordCase):
         self.nothing_left()
         self.stop_reading()
 
-    def test_bad_documents_are_quiet_and_words_other_formats_are_read(self):
+    def test_bad_documents_are_quiet_and_other_formats_are_read(self):
         whole = self.document("whole.doc", "Hello")
         with open(whole, "rb") as file:
             data = file.read()
-        for name, content in (("zero.doc", b""), ("text.doc", b"just a text"), ("cut.doc", data[:700]),
-                              ("noise.doc", bytes(range(256)) * 40), ("damaged.doc", data[:512] + bytes(1024) + data[1536:]),
-                              ("book.doc", self.book()), ("protected.doc", self.protected(whole))):
+        for name, content in (("cut.doc", data[:700]), ("noise.doc", bytes(range(256)) * 40),
+                              ("picture.doc", b"\x89PNG\r\n\x1a\n" + bytes(2000)),
+                              ("damaged.doc", data[:512] + bytes(1024) + data[1536:]), ("protected.doc", self.protected(whole))):
             with self.subTest(name):
                 begin = self.now()
                 path = self.file(name, content)
@@ -313,9 +358,20 @@ class Word(WordCase):
                 self.assertEqual(self.boxes(), [])
                 self.assertIsNone(self.heard_since(begin))
                 self.nothing_left()
+        empty = self.file("zero.doc", b"")
+        self.open_word(empty)
+        self.assertEqual(self.box_text("Voxmate - File Error", timeout=60),
+                         "The below WORD document you are trying to open contains no text:\n" + empty)
+        self.press("OK")
+        self.desk.gone("Voxmate - File Error")
+        self.assertIn(IDLE, self.desk.texts())
+        page = "<html><body><p>Hello</p></body></html>"
         expected = self.rendered_length("Hello")
         for path in (self.file("rich.doc", b"{\\rtf1\\ansi Hello\\par}"),
-                     maker.write_xml(os.path.join(self.folder, "new.doc"), maker.paragraph("Hello"))):
+                     maker.write_xml(os.path.join(self.folder, "new.doc"), maker.paragraph("Hello")),
+                     self.file("text.doc", b"Hello"), self.file("page.doc", page.encode()),
+                     self.file("archive.doc", maker.web_archive(page, "windows-1252")),
+                     self.file("flat.doc", maker.paragraphs(["Hello"]).encode())):
             with self.subTest(path):
                 begin = self.now()
                 self.open_word(path)
@@ -324,15 +380,6 @@ class Word(WordCase):
                 self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
                 self.assertEqual(self.boxes(), [])
                 self.nothing_left()
-
-    def book(self):
-        """Another program's document under Word's name."""
-        path = os.path.join(self.folder, "book.odt")
-        with zipfile.ZipFile(path, "w") as archive:
-            archive.writestr("mimetype", "application/vnd.oasis.opendocument.text")
-            archive.writestr("content.xml", maker.flat("<text:p>Hello</text:p>"))
-        with open(path, "rb") as file:
-            return file.read()
 
     def protected(self, path):
         """The document, such that it only opens with a password."""
