@@ -111,19 +111,22 @@ class Reading(ReadingCase):
         with subprocess.Popen(["xclip", "-quiet", "-selection", "clipboard", "-t", "text/plain;charset=utf-8"],
                               stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                               env=self.desk.env) as owner:
-            owner.stdin.write(text.encode())
-            owner.stdin.close()
-            box = self.desk.find("Text to read")
+            # It gives the clipboard's text for as long as it runs.
+            try:
+                owner.stdin.write(text.encode())
+                owner.stdin.close()
+                box = self.desk.find("Text to read")
 
-            def read():
-                # It takes a moment until the other program has the clipboard.
-                self.press("Speak Clipboard Text")
-                return box.queryText().getText(0, -1) == text
+                def read():
+                    # It takes a moment until the other program has the clipboard.
+                    self.press("Speak Clipboard Text")
+                    return box.queryText().getText(0, -1) == text
 
-            begin = self.now()
-            desktop.wait_for(read, 10, step=0.5, what="the clipboard's text")
-            desktop.wait_for(lambda: self.heard_since(begin), 5, what="the clipboard's text being spoken")
-            owner.terminate()
+                begin = self.now()
+                desktop.wait_for(read, 10, step=0.5, what="the clipboard's text")
+                desktop.wait_for(lambda: self.heard_since(begin), 5, what="the clipboard's text being spoken")
+            finally:
+                owner.terminate()
 
     def test_a_cancelled_dialog_is_quiet_and_wrong_files_are_said(self):
         self.press("Open and Read a Text Document")
