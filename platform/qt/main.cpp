@@ -47,6 +47,7 @@ int Run(qt::QtApplication& application)
     std::vector<std::unique_ptr<speech::Engine>> engines;
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
+    engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
     // name(): bcp47Name leaves out a region that goes without saying, so that Brazil's Portuguese would be any.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), EngineLimit,
                                 [] { return Settings.LastSpeechEngine; });

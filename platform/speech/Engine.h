@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
@@ -57,5 +58,7 @@ public:
 
 std::unique_ptr<Engine> CreateEspeakEngine();
 std::unique_ptr<Engine> CreateFliteEngine();
+/// The English voices in the files (.flitevox) of a folder, which need not be there.
+std::unique_ptr<Engine> CreateFlitevoxEngine(std::filesystem::path folder);
 
 } // namespace voxmate::speech

@@ -1,6 +1,17 @@
 #include "platform/speech/FliteLibrary.h"
 
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <fstream>
+#include <string_view>
+
+#include <csignal>
+#include <cstring>
 #include <dlfcn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace voxmate::speech
 {
@@ -21,7 +32,83 @@ void* OpenCore()
     return handle;
 }
 
+/// Reads what voice files are made of; stays false once something was not there.
+class FlitevoxReader
+{
+public:
+    explicit FlitevoxReader(const std::filesystem::path& path) : file_(path, std::ios::binary) {}
+
+    explicit operator bool() const { return static_cast<bool>(file_); }
+
+    std::int32_t Number()
+    {
+        std::array<char, 4> bytes{};
+        file_.read(bytes.data(), bytes.size());
+        std::int32_t number = 0; // in this machine's order, as the library writes it
+        std::memcpy(&number, bytes.data(), bytes.size());
+        return file_ ? number : 0;
+    }
+
+    /// A length that counts the terminator, and the text.
+    std::string Text()
+    {
+        constexpr std::int32_t longest = 4096;
+        const std::int32_t length = Number();
+        if (length < 1 || length > longest)
+            file_.setstate(std::ios::failbit);
+        if (!file_)
+            return {};
+        std::string text(static_cast<std::size_t>(length), '\0');
+        file_.read(text.data(), length);
+        text.pop_back();
+        return text;
+    }
+
+    bool Begins(std::string_view mark)
+    {
+        std::string text(mark.size() + 1, '\0');
+        file_.read(text.data(), static_cast<std::streamsize>(text.size()));
+        const bool begins = file_ && text.starts_with(mark) && text.back() == '\0';
+        if (Number() != 1) // written on a machine of another byte order
+            file_.setstate(std::ios::failbit);
+        return begins;
+    }
+
+private:
+    std::ifstream file_;
+};
+
 } // namespace
+
+std::optional<FlitevoxHead> ReadFlitevoxHead(const std::filesystem::path& file)
+{
+    FlitevoxReader in(file);
+    FlitevoxHead head;
+    if (!in.Begins("CMU_FLITE_CG_VOXDATA-v2.0"))
+        return std::nullopt;
+    constexpr int mostFeatures = 1000;
+    std::string name;
+    for (int i = 0; i < mostFeatures && in && name != "end_of_features"; ++i) {
+        name = in.Text();
+        const std::string value = in.Text();
+        if (name == "language")
+            head.language = value;
+        if (name == "country")
+            head.country = value;
+    }
+    in.Text(); // the database's name
+    const std::int32_t types = in.Number();
+    for (std::int32_t i = 0; i < types && in; ++i)
+        in.Text();
+    if (in.Number() != types) // told twice
+        return std::nullopt;
+    head.sampleRate = in.Number();
+    constexpr int lowestRate = 8000;
+    constexpr int highestRate = 48000;
+    if (!in || name != "end_of_features" || head.sampleRate < lowestRate || head.sampleRate > highestRate)
+        return std::nullopt;
+    return head;
+}
 
 std::filesystem::path FliteLibrary::Folder()
 {
@@ -50,6 +137,8 @@ bool FliteLibrary::Load()
         function = reinterpret_cast<Function>(dlsym(handle, name));
         complete = complete && function;
     };
+    load(voiceLoad, "flite_voice_load");
+    load(addLanguage, "flite_add_lang");
     load(init, "flite_init");
     load(synthText, "flite_synth_text");
     load(deleteUtterance, "delete_utterance");
@@ -70,6 +159,54 @@ bool FliteLibrary::Load()
     if (complete)
         init();
     return complete;
+}
+
+bool FliteLibrary::LoadEnglish()
+{
+    if (english_)
+        return true;
+    const auto find = [](const char* library, const char* function) {
+        void* const handle = dlopen((Folder() / library).c_str(), RTLD_LAZY | RTLD_LOCAL);
+        return handle ? dlsym(handle, function) : nullptr;
+    };
+    using Rules = void (*)(cst_voice*);
+    using Lexicon = cst_lexicon* (*)();
+    const auto rules = reinterpret_cast<Rules>(find("libflite_usenglish.so.1", "usenglish_init"));
+    const auto lexicon = reinterpret_cast<Lexicon>(find("libflite_cmulex.so.1", "cmulex_init"));
+    english_ = rules && lexicon && addLanguage("eng", rules, lexicon);
+    return english_;
+}
+
+// The child has this thread only, and what it calls needs no other.
+bool FliteLibrary::SpeaksWell(const std::filesystem::path& file) const
+{
+    const pid_t child = fork();
+    if (child < 0)
+        return false;
+    if (child == 0) {
+        constexpr unsigned longestSeconds = 20;
+        constexpr rlim_t mostMemory = rlim_t{1} << 32;
+        for (const int fatal : {SIGSEGV, SIGBUS, SIGFPE, SIGABRT, SIGALRM, SIGTERM})
+            std::signal(fatal, SIG_DFL);
+        const rlimit memory{mostMemory, mostMemory};
+        const rlimit core{0, 0};
+        setrlimit(RLIMIT_AS, &memory);
+        setrlimit(RLIMIT_CORE, &core);
+        alarm(longestSeconds);
+        cst_voice* const voice = voiceLoad(file.c_str());
+        const bool speaks = voice && synthText("The old clock has stopped, has it?", voice);
+        _exit(speaks ? 0 : 1);
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0)
+        if (errno != EINTR)
+            return false;
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+cst_voice* FliteLibrary::LoadFile(const std::filesystem::path& file)
+{
+    return LoadEnglish() && SpeaksWell(file) ? voiceLoad(file.c_str()) : nullptr;
 }
 
 cst_voice* FliteLibrary::LoadVoice(const std::string& key) const

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 extern "C" {
@@ -13,6 +14,16 @@ extern "C" {
 
 namespace voxmate::speech
 {
+
+/// What the head of a voice file (.flitevox) says of it.
+struct FlitevoxHead {
+    std::string language; ///< "eng"
+    std::string country;  ///< "USA"
+    int sampleRate = 0;
+};
+
+/// Reads the head of a voice file; none when it is not one, or one that ends in its head.
+std::optional<FlitevoxHead> ReadFlitevoxHead(const std::filesystem::path& file);
 
 class FliteLibrary
 {
@@ -27,6 +38,12 @@ public:
     /// Loads a voice's own library and registers it; null when that fails. The voice stays for the rest of the run.
     cst_voice* LoadVoice(const std::string& key) const;
 
+    /// Loads an English voice from a file; null when that fails. The library believes all that a file says, so one that
+    /// is damaged is tried in a process of its own first. The voice stays for the rest of the run.
+    cst_voice* LoadFile(const std::filesystem::path& file);
+
+    decltype(&::flite_voice_load) voiceLoad = nullptr;
+    decltype(&::flite_add_lang) addLanguage = nullptr;
     decltype(&::flite_init) init = nullptr;
     decltype(&::flite_synth_text) synthText = nullptr;
     decltype(&::delete_utterance) deleteUtterance = nullptr;
@@ -44,6 +61,12 @@ public:
     decltype(&::flite_ffeature_string) featureString = nullptr;
     decltype(&::flite_ffeature_float) featureFloat = nullptr;
     decltype(&::flite_ffeature_int) featureInt = nullptr;
+
+private:
+    bool LoadEnglish();
+    bool SpeaksWell(const std::filesystem::path& file) const;
+
+    bool english_ = false;
 };
 
 } // namespace voxmate::speech
