@@ -1,4 +1,4 @@
-// Prints how the engines' default voices are heard: the median fundamental for each pitch asked for, the word rate for
+// Prints how the engines' default voices and their variants are heard: the median fundamental for each pitch asked for, the word rate for
 // each rate asked for, and how much voice is left in a whisper.
 //
 //   speech_calibration [check]     with "check": on the passages that were not used for calibrating
@@ -89,8 +89,11 @@ int main(int count, char** arguments)
         check ? std::span<const std::string_view>(CheckProse) : std::span<const std::string_view>(CalibrationProse);
     const auto espeak = CreateEspeakEngine();
     for (const Voice& voice : espeak->Voices())
-        if (voice.key == "gmw/en" || voice.key == "gmw/en-US")
+        if (voice.key == "gmw/en" || voice.key == "gmw/en-US") {
             Measure(*espeak, voice, prose);
+            for (const Voice& variant : espeak->VariantsOf(voice))
+                Measure(*espeak, variant, prose);
+        }
     const auto flite = CreateFliteEngine();
     for (const Voice& voice : flite->Voices())
         Measure(*flite, voice, prose);

@@ -54,6 +54,7 @@ public:
     }
 
     const Entry& Chosen() const { return chosen_; }
+    const Entry* StandIn() const { return catalog_.ReaderOf(Script::Latin); }
 
 private:
     const VoiceCatalog& catalog_;
@@ -209,14 +210,26 @@ private:
             return;
         const Entry& chosen = casting_.Chosen();
         const Entry& speaker = speaker_ ? *speaker_ : chosen;
+        const std::int64_t before = delivered_;
+        ok_ = Say(speaker) || &speaker != &chosen;
+        // A voice that a person added may be damaged, or half of it gone: what is to be said is said all the same.
+        const Entry* const standIn = casting_.StandIn();
+        if (!ok_ && delivered_ == before && standIn && standIn->voice.modeId != chosen.voice.modeId)
+            ok_ = Say(*standIn);
+        turn_.clear();
+        ended_ = ended_ || !ok_;
+    }
+
+    bool Say(const Entry& speaker)
+    {
+        const Entry& chosen = casting_.Chosen();
         TurnSink sink(sink_, delivered_, words_, speaker.engine->SampleRate(speaker.voice),
                       chosen.engine->SampleRate(chosen.voice));
         const bool spoken = speaker.engine->Synthesize(speaker.voice, turn_, sink);
-        turn_.clear();
         sink.End();
         delivered_ += sink.Delivered();
-        ok_ = spoken || &speaker != &chosen;
-        ended_ = !ok_ || !sink.Wanted();
+        ended_ = !sink.Wanted();
+        return spoken;
     }
 
     const Casting& casting_;
@@ -236,7 +249,7 @@ bool SpeakInTurns(const VoiceCatalog& catalog, const VoiceCatalog::Entry& chosen
                   SampleSink& sink)
 {
     const Casting casting(catalog, chosen);
-    if (!casting.NeedsReader(segments))
+    if (chosen.voice.origin != Voice::Origin::Added && !casting.NeedsReader(segments))
         return chosen.engine->Synthesize(chosen.voice, segments, sink);
     return Relay(casting, sink).Speak(segments);
 }

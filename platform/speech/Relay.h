@@ -11,7 +11,8 @@ namespace voxmate::speech
 
 /// Speaks the segments with `chosen`, at its sample rate, as Engine::Synthesize does; stretches that it cannot say are
 /// spoken by the catalogue's reader of their writing. A word that holds two writings is divided. A reader that fails
-/// leaves its stretch out; false when the chosen voice fails.
+/// leaves its stretch out. Where the chosen voice fails before a sound, the one that would be first on the desktop
+/// takes its place; false when that one fails, too.
 bool SpeakInTurns(const VoiceCatalog& catalog, const VoiceCatalog::Entry& chosen, std::span<const Segment> segments,
                   SampleSink& sink);
 

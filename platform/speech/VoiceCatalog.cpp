@@ -136,7 +136,7 @@ void VoiceCatalog::ChooseReaders(const std::vector<Entry>& installed)
     const auto key = [this](const Voice& voice) {
         return std::make_tuple(!IsOwn(voice), -MillionsOfSpeakers(voice.language), Strangeness(voice));
     };
-    for (int i = static_cast<int>(Script::Latin) + 1; i <= static_cast<int>(Script::Han); ++i) {
+    for (int i = static_cast<int>(Script::Latin); i <= static_cast<int>(Script::Han); ++i) {
         const auto script = static_cast<Script>(i);
         const Entry* best = nullptr;
         for (const Entry& entry : installed)

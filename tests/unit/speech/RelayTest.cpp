@@ -27,6 +27,8 @@ struct ScriptEngine final : Engine {
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
     {
         std::int64_t at = 0;
+        if (voice.key == "mute")
+            return false;
         for (const Segment& segment : segments) {
             std::string line = voice.key + ": ";
             if (segment.kind == Segment::Kind::Bookmark) {
@@ -159,6 +161,17 @@ TEST_F(RelayTest, WhatNobodyReadsAndAReaderThatFailsHoldNothingUp)
 {
     EXPECT_TRUE(Speak({Text("a αβγ b שלום c")}));
     EXPECT_EQ(log, (Lines{"flat: [a] 0", "broken: [ αβγ] 1", "flat: [ b שלום c] 2"}));
+}
+
+TEST_F(RelayTest, AnAddedVoiceThatFailsIsStoodInFor)
+{
+    auto added = std::make_unique<ScriptEngine>(
+        std::vector<Voice>{{"Damaged", "6", "en-us", "mute", Voice::Origin::Added}}, 1000);
+    added->log = &log;
+    engines.push_back(std::move(added));
+    EXPECT_TRUE(Speak({Text("one")}, "6"));
+    EXPECT_EQ(log, Lines{"flat: [one] 0"});
+    EXPECT_EQ(sink.samples.size(), 3 * 20U);
 }
 
 TEST_F(RelayTest, AListenerWhoHasHadEnoughGetsNoMore)
