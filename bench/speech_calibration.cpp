@@ -1,5 +1,5 @@
-// Prints how the engines' default voices and their variants are heard: the median fundamental for each pitch asked for, the word rate for
-// each rate asked for, and how much voice is left in a whisper.
+// Prints how the engines' default voices and their variants are heard: the median fundamental for each pitch asked for,
+// the word rate for each rate asked for, and how much voice is left in a whisper.
 //
 //   speech_calibration [check]     with "check": on the passages that were not used for calibrating
 //
