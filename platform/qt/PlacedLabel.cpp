@@ -1,12 +1,13 @@
 #include "platform/qt/PlacedLabel.h"
 
-#include <QFontMetricsF>
+#include <QFontInfo>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace voxmate::qt
 {
@@ -17,11 +18,15 @@ namespace
 /// Least room, in pixels, between the text and the window's lower edge.
 constexpr int LowerMargin = 6;
 
+// Points. Smaller letters than these are not read with ease; a text gives up its lines before.
+constexpr qreal LeastSize = 6;
+constexpr qreal SizeStep = 0.25;
+
 /// Breaks a text into lines; line ends of every kind count.
 class Lines
 {
 public:
-    Lines(QString text, const QFont& font, int width) : width_(width)
+    Lines(QString text, const QFont& font, int width)
     {
         text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
         text.replace(QLatin1Char('\r'), QChar::LineSeparator);
@@ -43,43 +48,31 @@ public:
 
     int Height() const { return static_cast<int>(height_); }
 
-    /// Draws as many lines as `room` pixels hold; the last one ends in an ellipsis when there are more.
-    void Draw(QPainter& painter, int room) const
-    {
-        const int count = layout_.lineCount();
-        int shown = 0;
-        while (shown < count && Bottom(shown) <= room)
-            ++shown;
-        const bool cut = shown < count;
-        for (int i = 0; i < shown - (cut ? 1 : 0); ++i)
-            layout_.lineAt(i).draw(&painter, {0, 0});
-        if (!cut || shown == 0)
-            return;
-        const QTextLine last = layout_.lineAt(shown - 1);
-        const QTextOption option = layout_.textOption();
-        painter.setFont(layout_.font());
-        painter.drawText(QRectF(0, last.y(), width_, std::ceil(last.height())), Ellipsed(last), option);
-    }
+    void Draw(QPainter& painter) const { layout_.draw(&painter, {0, 0}); }
 
 private:
-    qreal Bottom(int line) const { return layout_.lineAt(line).y() + std::ceil(layout_.lineAt(line).height()); }
-
-    /// The last line that has room, and what would have come after it in the same paragraph as far as it goes.
-    QString Ellipsed(const QTextLine& line) const
-    {
-        const QChar ellipsis(0x2026);
-        const QString text = layout_.text();
-        const qsizetype end = text.indexOf(QChar::LineSeparator, line.textStart());
-        const QString rest = text.mid(line.textStart(), end < 0 ? -1 : end - line.textStart());
-        const QFontMetricsF metrics(layout_.font());
-        const QString whole = rest.trimmed() + ellipsis;
-        return metrics.elidedText(whole, Qt::ElideRight, width_);
-    }
-
-    const int width_;
     qreal height_ = 0;
     QTextLayout layout_;
 };
+
+/// The text in `font`, or in so much less of it that `room` pixels hold it: no word is left out. Where the least size is
+/// still too large, the lines run on into one another; and what is too long even then is made smaller yet.
+std::unique_ptr<Lines> Fitted(const QString& text, const QFont& font, int width, int room)
+{
+    const QString runningOn = text.simplified();
+    const auto tried = [&](const QString& shown, qreal points) {
+        QFont smaller = font;
+        smaller.setPointSizeF(points);
+        return std::make_unique<Lines>(shown, smaller, width);
+    };
+    std::unique_ptr<Lines> lines = std::make_unique<Lines>(text, font, width);
+    const qreal own = QFontInfo(font).pointSizeF();
+    for (qreal points = own - SizeStep; lines->Height() > room && points >= LeastSize; points -= SizeStep)
+        lines = tried(text, points);
+    for (qreal points = own; lines->Height() > room && points >= SizeStep; points -= SizeStep)
+        lines = tried(runningOn, points);
+    return lines;
+}
 
 } // namespace
 
@@ -102,8 +95,8 @@ void PlacedLabel::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    const Lines lines(text(), font(), width());
-    lines.Draw(painter, std::min(height(), window()->height() - y() - LowerMargin));
+    const int room = std::min(height(), window()->height() - y() - LowerMargin);
+    Fitted(text(), font(), width(), room)->Draw(painter);
 }
 
 void PlacedLabel::mousePressEvent(QMouseEvent* event)

@@ -1,4 +1,4 @@
-// A label that stands by pixels: plain text, broken where it must be, ending in an ellipsis where the window ends
+// A label that stands by pixels: plain text, broken where it must be, in smaller letters where the window would end
 // first.
 #pragma once
 

@@ -500,26 +500,63 @@ TEST_F(AlertTest, TextBreaksAtItsEdgeAndIsWhollyToBeSeenInAWindowThatFits)
     EXPECT_LT(bottom, image.height() - 15);
 }
 
-TEST_F(AlertTest, TextThatDoesNotFitAHigherWindowEndsBetweenTwoLines)
+TEST_F(AlertTest, NoWordOfATextIsLeftOutInAWindowThatDoesNotGrow)
 {
     Show({});
-    auto second = std::make_unique<frmAlertWindow>(platform);
-    std::string text;
-    for (int i = 0; i < 40; ++i)
-        text += "line\r\n";
-    second->DisplayMessage(text, 9999, true, 0, false, true, true, 0xC0FFFF, false);
-    ASSERT_GT(second->lblMessage.Place.get().height, 133);
-    second->Timer1.Enabled = false;
-    QImage image;
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->isVisible() && widget->accessibleName().contains(QStringLiteral("line\nline")))
-            image = widget->grab().toImage();
+    const auto drawn = [this](const std::string& text) {
+        frmAlertWindow second(platform);
+        second.DisplayMessage(text, 9999, true, 0, false, true, true, 0xC0FFFF, false);
+        second.Timer1.Enabled = false;
+        QImage image;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->isVisible() && widget->accessibleName().contains(QStringLiteral("Rem. Id: 2")))
+                image = widget->grab().toImage();
+        }
+        second.Unload();
+        return image;
+    };
+    // All that a reminder's record has room for: 99 bytes of title and description.
+    const std::string head = "Missed Reminder\r\nRem. Id: 2\r\nTitle: ";
+    const std::string middle = "\r\nDate: 03/07/2004\r\nTime: 09:05\r\nDesc: ";
+    std::string words;
+    while (words.size() < 76)
+        words += "whether the keys are ";
+    std::string ends;
+    while (ends.size() < 60)
+        ends += "a\r\n";
+    const std::string texts[] = {head + "Keys" + middle + words, head + std::string(99 - 8, 'W') + middle,
+                                 head + "Keys" + middle + ends, head + "Keys" + middle + std::string(90, '@')};
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(text);
+        const QImage one = drawn(text + "one");
+        ASSERT_EQ(one.height(), 133);
+        EXPECT_NE(one, drawn(text + "two")) << "the last word is not on show";
+        EXPECT_EQ(one, drawn(text + "one"));
+        // Nor is a line cut by the window's edge.
+        for (int y = 133 - 6; y < 131; ++y) {
+            for (int x = 2; x < 158; ++x)
+                ASSERT_GT(qGray(one.pixel(x, y)), 200) << x << ", " << y;
+        }
     }
-    ASSERT_EQ(image.height(), 133);
-    for (int y = 133 - 6; y < 131; ++y) {
-        for (int x = 2; x < 158; ++x)
-            EXPECT_GT(qGray(image.pixel(x, y)), 200) << x << ", " << y;
-    }
+}
+
+TEST_F(AlertTest, ATextThatFitsKeepsItsSize)
+{
+    Show({.fit = true}, "Missed Reminder\r\nRem. Id: 1\r\nTitle: Tea");
+    PlacedLabel* label = MessageLabel();
+    QImage plain(label->size(), QImage::Format_ARGB32_Premultiplied);
+    plain.fill(Qt::white);
+    label->render(&plain, {}, {}, {});
+    EXPECT_EQ(label->height(), PlainTextHeight(label->text(), label->font(), label->width()));
+    // One line more leaves every line above it as it is.
+    label->setText(label->text() + QStringLiteral("\nmore"));
+    label->setFixedHeight(PlainTextHeight(label->text(), label->font(), label->width()));
+    Window()->setFixedHeight(label->y() + label->height() + 15);
+    QImage longer(label->size(), QImage::Format_ARGB32_Premultiplied);
+    longer.fill(Qt::white);
+    label->render(&longer, {}, {}, {});
+    EXPECT_EQ(longer.copy(plain.rect()), plain);
+    EXPECT_NE(longer, plain);
 }
 
 TEST_F(AlertTest, AVersionRecordOfAnotherSizeIsRefused)
