@@ -4,7 +4,7 @@
 # Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-shape0-dev libxcb-xfixes0-dev
+  qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev zlib1g-dev
 )
 run_packages=(
@@ -14,6 +14,7 @@ run_packages=(
 desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
+  xfwm4 marco mate-settings-daemon-common
 )
 test_packages=(libgtest-dev libgmock-dev)
 

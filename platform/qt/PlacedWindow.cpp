@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QEnterEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -46,6 +47,16 @@ PlacedWindow::PlacedWindow()
     });
 }
 
+QPoint WithinDevicePixels(const QRect& rect, qreal ratio)
+{
+    // Place and size are rounded each by itself.
+    const auto fits = [ratio](int from, int length) {
+        return qRound(from * ratio) + qRound(length * ratio) <= (from + length) * ratio;
+    };
+    return {fits(rect.x(), rect.width()) ? rect.x() : rect.x() - 1,
+            fits(rect.y(), rect.height()) ? rect.y() : rect.y() - 1};
+}
+
 void PlacedWindow::Place(const QRect& rect)
 {
     if (rect.size() != size()) {
@@ -53,8 +64,9 @@ void PlacedWindow::Place(const QRect& rect)
         Invalidate();
         UpdateShape();
     }
-    if (rect.topLeft() != pos())
-        move(rect.topLeft());
+    const QPoint topLeft = WithinDevicePixels(rect, devicePixelRatioF());
+    if (topLeft != pos())
+        move(topLeft);
 }
 
 void PlacedWindow::Display()
@@ -179,6 +191,13 @@ void PlacedWindow::paintEvent(QPaintEvent* event)
     painter.setClipRegion(event->region());
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(0, 0, shown_);
+}
+
+// Announcements may lie on one another; the one that is pointed at can be read.
+void PlacedWindow::enterEvent(QEnterEvent* event)
+{
+    QWidget::enterEvent(event);
+    raise();
 }
 
 void PlacedWindow::mouseReleaseEvent(QMouseEvent* event)

@@ -22,6 +22,10 @@ struct RoundShape {
     QSize ellipse;
 };
 
+/// Where a window is put so that in device pixels, too, its right and lower edges lie within those of `rect`: there, or
+/// one pixel further left or up, where `ratio` is no whole number.
+QPoint WithinDevicePixels(const QRect& rect, qreal ratio);
+
 class PlacedWindow : public QWidget
 {
 public:
@@ -51,6 +55,7 @@ public:
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 

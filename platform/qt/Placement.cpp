@@ -1,5 +1,6 @@
 #include "platform/qt/Placement.h"
 
+#include "platform/qt/DesktopWatch.h"
 #include "platform/qt/ShapedWindow.h"
 
 #include <QApplication>
@@ -72,7 +73,7 @@ void PlaceAmongOthers(QWidget& window)
         frame = FrameOf(*other);
         taken.append({other->frameGeometry().topLeft(), other->size() + frame});
     }
-    window.move(FreePlace(screen->availableGeometry(), window.size() + frame, taken));
+    window.move(FreePlace(DesktopWatch::Instance().WorkArea(*screen), window.size() + frame, taken));
 }
 
 QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken)
@@ -101,7 +102,7 @@ void Centre(QWidget& window, const QWidget* over)
     const QScreen* screen = over ? over->screen() : QGuiApplication::primaryScreen();
     if (!screen)
         return;
-    const QRect area = screen->availableGeometry();
+    const QRect area = DesktopWatch::Instance().WorkArea(*screen);
     // The window manager's frame is as large as that of the other window.
     const QSize frame = over ? over->frameGeometry().size() - over->size() : QSize(0, 0);
     QRect place(QPoint(0, 0), window.size() + frame);

@@ -1,6 +1,7 @@
 #include "platform/qt/QtStage.h"
 
 #include "platform/qt/Background.h"
+#include "platform/qt/DesktopWatch.h"
 #include "platform/qt/QtBalloonWindow.h"
 #include "platform/qt/QtCharacterWindow.h"
 #include "platform/qt/QtText.h"
@@ -14,7 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -76,43 +77,30 @@ private:
 
 Rect Available(const QScreen& screen)
 {
-    const QRect area = screen.availableGeometry();
+    const QRect area = DesktopWatch::Instance().WorkArea(screen);
     return {area.x(), area.y(), area.width(), area.height()};
 }
 
-/// Squared distance from a point to a rectangle.
-std::int64_t Distance(const QRect& rect, QPoint point)
+/// The work areas of all screens.
+std::vector<Rect> WorkAreas()
 {
-    const std::int64_t dx = std::max({rect.left() - point.x(), 0, point.x() - rect.right()});
-    const std::int64_t dy = std::max({rect.top() - point.y(), 0, point.y() - rect.bottom()});
-    return dx * dx + dy * dy;
+    std::vector<Rect> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.push_back(Available(*screen));
+    return areas;
 }
 
 } // namespace
 
-QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::random_device{}())
+QtStage::QtStage(speech::AudioOutput& audio)
+    : audio_(audio), random_(std::random_device{}()), workAreas_(WorkAreas())
 {
-    WatchScreens();
-}
-
-void QtStage::WatchScreens()
-{
-    screensChanged_.setSingleShot(true);
-    screensChanged_.setInterval(0);
-    QObject::connect(&screensChanged_, &QTimer::timeout, &context_, [this] {
+    QObject::connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, &context_, [this] {
+        if (std::exchange(workAreas_, WorkAreas()) == workAreas_)
+            return;
         if (const auto changed = ScreensChanged)
             changed();
     });
-    const auto changed = [this] { screensChanged_.start(); };
-    const auto watch = [this, changed](QScreen* screen) {
-        QObject::connect(screen, &QScreen::availableGeometryChanged, &context_, changed);
-    };
-    for (QScreen* screen : QGuiApplication::screens())
-        watch(screen);
-    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, watch);
-    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, changed);
-    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context_, changed);
-    QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &context_, changed);
 }
 
 std::unique_ptr<agent::CharacterWindow> QtStage::CreateCharacterWindow()
@@ -127,16 +115,7 @@ std::unique_ptr<agent::BalloonWindow> QtStage::CreateBalloonWindow()
 
 Rect QtStage::WorkArea(Point point)
 {
-    const QPoint at(point.x, point.y);
-    const QScreen* nearest = nullptr;
-    std::int64_t least = std::numeric_limits<std::int64_t>::max();
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        const std::int64_t distance = Distance(screen->geometry(), at);
-        if (distance < least) {
-            least = distance;
-            nearest = screen;
-        }
-    }
+    const QScreen* nearest = ScreenNearest({point.x, point.y});
     return nearest ? Available(*nearest) : Rect{};
 }
 

@@ -7,10 +7,10 @@
 #include <QFont>
 #include <QMenu>
 #include <QPointer>
-#include <QTimer>
 
 #include <optional>
 #include <random>
+#include <vector>
 
 namespace voxmate::qt
 {
@@ -39,7 +39,6 @@ public:
     void StopSound() override { sound_.reset(); }
 
 private:
-    void WatchScreens();
     const QFont& FontFor(const agent::BalloonFont& font);
 
     speech::AudioOutput& audio_;
@@ -48,7 +47,7 @@ private:
     QObject context_;
     std::mt19937 random_;
     QPointer<QMenu> menu_;
-    QTimer screensChanged_; ///< one change of the desktop comes as several signals
+    std::vector<Rect> workAreas_; ///< of all screens, as told last
     // Measuring goes on word by word in one font: the last one is kept.
     agent::BalloonFont fontAsked_;
     std::optional<QFont> font_;

@@ -2,6 +2,7 @@
 
 #include "platform/qt/ClassicDrawing.h"
 #include "platform/qt/ControlPeers.h"
+#include "platform/qt/DesktopWatch.h"
 #include "platform/qt/PlacedLabel.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/QtTray.h"
@@ -64,7 +65,7 @@ bool QtWindowCalls::SystemParametersInfoA(std::uint32_t action, std::uint32_t pa
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (action != SPI_GETWORKAREA || parameter != 0 || winIni != 0 || !screen)
         return false;
-    const QRect area = screen->availableGeometry();
+    const QRect area = DesktopWatch::Instance().WorkArea(*screen);
     rect = {area.x(), area.y(), area.x() + area.width(), area.y() + area.height()};
     return true;
 }

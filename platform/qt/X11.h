@@ -19,8 +19,12 @@ void SetInputShape(QWindow& window, const QRegion& region);
 void SetBoundingShape(QWindow& window, const QRegion& region);
 /// Lets a window be drawn wherever it is again.
 void ClearBoundingShape(QWindow& window);
-/// Keeps a window out of task bar and window switcher and shows it on every virtual desktop. Before it is first shown.
+/// Keeps a window out of task bar and window switcher and shows it on every virtual desktop. Before each time it is
+/// shown: window managers forget that of a window that goes.
 void MakeDesktopCompanion(QWindow& window);
+/// Asks for the same once more, of a window that has just been shown: a window manager that has not yet seen it go
+/// forgets what was set in between.
+void KeepDesktopCompanion(QWindow& window);
 /// Sends what has been asked of the X server and still waits to be sent. Qt does so only when it has drawn or heard
 /// something.
 void Flush();

@@ -3,6 +3,7 @@ server whose only sink is recorded. Real input events go in, pictures and sound 
 
 import glob
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -109,7 +110,9 @@ def best_match(rows, part):
 
 
 class Desk:
-    def __init__(self, build, compositor=False, screen=SCREEN, home=None):
+    def __init__(self, build, compositor=False, screen=SCREEN, home=None, manager=("openbox",), monitors=()):
+        """`manager` is the command of the window manager; `monitors` are the screens that the display is divided into, each
+        as (x, y, width, height), the first of them the primary one. Without any the display is one screen."""
         self.build = os.path.abspath(build)
         self.home = home or tempfile.mkdtemp(prefix="voxmate-desk-")
         os.makedirs(self.home, exist_ok=True)
@@ -126,9 +129,14 @@ class Desk:
             self.env["XDG_" + name] = os.path.join(self.home, name.lower())
         self.env["XDG_CONFIG_DIRS"] = os.path.join(self.home, "etc")
         self.bus_pid = 0
+        self.manager = manager
         try:
-            self._start_display(compositor)
+            self._start_display(monitors)
             self._start_buses()
+            # Some window managers ask the session bus for their settings.
+            self._start_manager()
+            if compositor:
+                self.compositor = self.start_compositor()
             self.start_sound()
         except BaseException:
             self.close()
@@ -143,7 +151,7 @@ class Desk:
         self.children.append(child)
         return child
 
-    def _start_display(self, compositor):
+    def _start_display(self, monitors):
         read, write = os.pipe()
         self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{self.screen[0]}x{self.screen[1]}x24",
                    "-nolisten", "tcp", "-noreset", "-dpi", "96", pass_fds=(write,))
@@ -154,11 +162,15 @@ class Desk:
             raise RuntimeError("the display did not start")
         self.env["DISPLAY"] = ":" + number
         self.run("xsetroot", "-solid", "#3b6e8f")
-        self.spawn("openbox")
+        for number, (x, y, width, height) in enumerate(monitors):
+            # The first takes the display's one output, which is the primary screen's.
+            self.run("xrandr", "--setmonitor", f"part{number}", f"{width}/{width // 4}x{height}/{height // 4}+{x}+{y}",
+                     "none" if number else "screen")
+
+    def _start_manager(self):
+        self.spawn(*self.manager)
         wait_for(lambda: b"window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False),
                  what="the window manager")
-        if compositor:
-            self.compositor = self.start_compositor()
 
     def start_compositor(self):
         return self.spawn("picom", "--backend", "xrender", "--no-fading-openclose", "--config", "/dev/null")
@@ -330,6 +342,22 @@ class Desk:
     def windows(self, title):
         """Ids of the visible windows with this title."""
         return self.run("xdotool", "search", "--onlyvisible", "--name", title, check=False).decode().split()
+
+    def properties(self, window, *names):
+        """What xprop says of a window's properties, or of the root window's (None)."""
+        where = ("-root",) if window is None else ("-id", window)
+        return self.run("xprop", *where, *names, check=False).decode()
+
+    def stacking(self):
+        """Numbers of the window manager's windows, the lowest first."""
+        return [int(number, 16) for number in re.findall(r"0x[0-9a-f]+", self.properties(None, "_NET_CLIENT_LIST_STACKING"))]
+
+    def neighbour(self, title, *options):
+        """A window of another program (see neighbour.py), when it is on the screen: the program and the window's id."""
+        here = os.path.dirname(os.path.abspath(__file__))
+        child = self.spawn("/usr/bin/python3", os.path.join(here, "neighbour.py"), title, *options)
+        window = wait_for(lambda: self.windows(f"^{title}$"), what=f"the window {title!r}")[0]
+        return child, window
 
     def window_rect(self, window):
         """Place and size of a window's content on the screen."""

@@ -1,0 +1,60 @@
+"""Announcements on two monitors of different heights, with a panel on either, and at a scale that splits pixels."""
+
+import datetime
+import unittest
+
+import desk as desktop
+from program import the_desk
+from test_reminders import QUIET, ReminderCase, record
+
+FIRST = (0, 0, 1000, 1080)
+SECOND = (1000, 0, 600, 1100)
+PANEL = 60
+
+
+class Monitors(ReminderCase):
+    defaults = {**QUIET, "ReminderType": 0, "RemAlertAction": 1, "RemAlertClose": 0}
+
+    @classmethod
+    def setUpClass(cls):
+        the_desk(monitors=(FIRST, SECOND))
+
+    def panel(self, monitor):
+        """A panel at the foot of a monitor; what it keeps free counts from the foot of the whole screen."""
+        x, y, width, height = monitor
+        depth = desktop.SCREEN[1] - (y + height - PANEL)
+        strut = [0, 0, 0, depth] + [0] * 6 + [x, x + width - 1]
+        child, _ = self.desk.neighbour("Panel", "--type", "DOCK", "--at", f"{x},{y + height - PANEL},{width},{PANEL}",
+                                       "--state", "STICKY", "--strut", *map(str, strut))
+        self.addCleanup(child.wait)
+        self.addCleanup(child.terminate)
+
+    def corner(self, **environment):
+        """Where the lower right corner of an announcement is that has come to stand."""
+        self.write(record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green"))
+        self.start(**environment)
+        left, top, width, height = desktop.wait_for(self.places, 20, what="the alert")[0]
+        return left + width, top + height
+
+    def test_a_panel_on_the_monitor_of_the_announcement_is_not_covered(self):
+        self.panel(FIRST)
+        self.assertEqual(self.corner(), (1000, 1080 - PANEL))
+
+    def test_a_panel_on_the_other_monitor_moves_nothing(self):
+        self.panel(SECOND)
+        self.assertEqual(self.corner(), (1000, 1080))
+
+    def test_at_a_scale_of_one_and_a_half_the_announcement_stays_on_its_monitor(self):
+        for scale in ("1.5", "1.25", "1.75"):
+            with self.subTest(scale):
+                right, bottom = self.corner(QT_SCALE_FACTOR=scale)
+                self.assertLessEqual(right, 1000)
+                self.assertLessEqual(bottom, 1080)
+                # Nowhere near the next one of the program's own pixels.
+                self.assertGreater(right, 1000 - 2 * float(scale))
+                self.assertGreater(bottom, 1080 - 3 * float(scale))
+                self.desk.end(self.program)
+
+
+if __name__ == "__main__":
+    unittest.main()
