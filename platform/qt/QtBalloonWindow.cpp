@@ -111,7 +111,7 @@ void QtBalloonWindow::Show(const agent::BalloonView& view)
     if (all.size() != window_->size())
         window_->setFixedSize(all.size());
     if (all.topLeft() != window_->pos())
-        window_->move(all.topLeft());
+        window_->Place(all.topLeft());
     window_->Refresh();
     window_->Display(true);
 }

@@ -1,8 +1,10 @@
 #include "platform/qt/QtCharacterWindow.h"
 
+#include "platform/qt/DesktopWatch.h"
 #include "platform/qt/Scaling.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -18,9 +20,21 @@ QtCharacterWindow::QtCharacterWindow()
         if (!echoes_.isActive())
             ComparePlace();
     };
+    // A window manager may place a new window before it heeds where that is wanted.
+    window_->OnShow = [this] { Await(EchoTime); };
     echoes_.setSingleShot(true);
-    echoes_.setInterval(EchoTime);
-    QObject::connect(&echoes_, &QTimer::timeout, &echoes_, [this] { ComparePlace(); });
+    QObject::connect(&echoes_, &QTimer::timeout, &context_, [this] { ComparePlace(); });
+    QObject::connect(&DesktopWatch::Instance(), &DesktopWatch::ScreensChanging, &context_, [this] {
+        screensChanged_ = true;
+        Await(ScreensTime);
+    });
+}
+
+/// Looks where the window stands in so many milliseconds, and not before.
+void QtCharacterWindow::Await(int milliseconds)
+{
+    if (!echoes_.isActive() || echoes_.remainingTime() < milliseconds)
+        echoes_.start(milliseconds);
 }
 
 void QtCharacterWindow::SetFrame(const Bitmap& frame, Size size)
@@ -37,25 +51,28 @@ void QtCharacterWindow::SetFrame(const Bitmap& frame, Size size)
 void QtCharacterWindow::MoveTo(Point topLeft)
 {
     place_ = topLeft;
-    echoes_.start();
-    window_->move(topLeft.x, topLeft.y);
+    Await(EchoTime);
+    window_->Place({topLeft.x, topLeft.y});
 }
 
 void QtCharacterWindow::SetVisible(bool visible)
 {
-    // A window manager may place a new window before it heeds where that is wanted.
-    echoes_.start();
     window_->Display(visible);
 }
 
 void QtCharacterWindow::ComparePlace()
 {
+    const bool forTheScreens = std::exchange(screensChanged_, false);
     if (!window_->isVisible())
         return;
     const Point place{window_->x(), window_->y()};
     // Where a pixel of the screen is a fraction of ours, a place comes back rounded.
     if (std::abs(place.x - place_.x) <= 1 && std::abs(place.y - place_.y) <= 1)
         return;
+    if (forTheScreens) {
+        MoveTo(place_);
+        return;
+    }
     place_ = place;
     if (const auto moved = Moved)
         moved(place);

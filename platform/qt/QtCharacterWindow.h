@@ -20,15 +20,20 @@ public:
     /// Milliseconds after a move of the program's own in which the desktop may still report older places: what differs
     /// then is looked at again when they have passed.
     static constexpr int EchoTime = 150;
+    /// Milliseconds in which window managers move windows when the screens have become others.
+    static constexpr int ScreensTime = 500;
 
 private:
     QImage Draw(qreal ratio) const;
+    void Await(int milliseconds);
     void ComparePlace();
 
     ShapedWindowPtr window_{new ShapedWindow(QString::fromLatin1(CharacterTitle))};
     Bitmap frame_;
     Point place_; ///< as asked for or told last
     QTimer echoes_;
+    bool screensChanged_ = false; ///< what the window manager has done since then is not what the user wants
+    QObject context_;             ///< receiver of the desktop's signals: they end with this
 };
 
 } // namespace voxmate::qt

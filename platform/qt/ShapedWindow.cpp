@@ -1,6 +1,7 @@
 #include "platform/qt/ShapedWindow.h"
 
 #include "platform/qt/AccessibleRole.h"
+#include "platform/qt/DesktopWatch.h"
 #include "platform/qt/PlacedWindow.h"
 #include "platform/qt/X11.h"
 
@@ -78,6 +79,7 @@ ShapedWindow::ShapedWindow(const QString& name)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::NoFocus);
     connect(&Compositor::Instance(), &Compositor::Changed, this, [this] { Refresh(); });
+    connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, this, [this] { ComeOrGo(); });
 }
 
 void ShapedWindow::LiveBeside(QWindow* modal)
@@ -93,19 +95,41 @@ void ShapedWindow::LiveBeside(QWindow* modal)
 
 void ShapedWindow::Display(bool visible)
 {
+    wanted_ = visible;
+    ComeOrGo();
+}
+
+void ShapedWindow::Place(QPoint topLeft)
+{
+    move(topLeft);
+    ComeOrGo();
+}
+
+bool ShapedWindow::InTheWay() const
+{
+    const QScreen* screen = ScreenNearest(geometry().center());
+    return screen && DesktopWatch::Instance().Filled(*screen);
+}
+
+/// Shows or hides the window: where another program's full-screen window stands it is not seen, whoever wants it.
+void ShapedWindow::ComeOrGo()
+{
+    const bool visible = wanted_ && !InTheWay();
     if (visible == isVisible())
         return;
     if (!visible) {
         hide();
         return;
     }
+    if (const auto tell = OnShow)
+        tell();
     if (!created_) {
         winId();
         created_ = true;
-        MakeDesktopCompanion(*windowHandle());
         // Another screen may have another pixel ratio.
         connect(windowHandle(), &QWindow::screenChanged, this, [this] { Refresh(); });
     }
+    MakeDesktopCompanion(*windowHandle());
     const QWidget* modal = QApplication::activeModalWidget();
     windowHandle()->setTransientParent(modal ? modal->windowHandle() : nullptr);
     const QPoint place = pos();
@@ -115,6 +139,7 @@ void ShapedWindow::Display(bool visible)
     overrideWindowFlags((flags & ~Qt::WindowType_Mask) | Qt::Tool);
     show();
     overrideWindowFlags(flags);
+    KeepDesktopCompanion(*windowHandle());
     // A window manager may have placed the window itself.
     move(place);
 }

@@ -31,14 +31,20 @@ public:
     std::function<void(const agent::MouseEvent&)> OnMouse;
     /// The window stands elsewhere, for whatever reason; pos() tells where.
     std::function<void()> OnMove;
+    /// The window is about to be shown, for whatever reason: a window manager may place it before it heeds where that
+    /// is wanted.
+    std::function<void()> OnShow;
 
     /// Lets these windows, announcements and the tray's icon take the mouse beside the modal window `modal`: the
     /// character is nobody's dialog to block, it may be moved aside or silenced while a message stands there. nullptr
     /// when the last modal window goes.
     static void LiveBeside(QWindow* modal);
 
-    /// Shows or hides the window without activating it.
+    /// Shows or hides the window without activating it. Where another program's full-screen window fills the screen it
+    /// is not shown before that has gone.
     void Display(bool visible);
+    /// Moves the upper left corner to a point of the screen.
+    void Place(QPoint topLeft);
     /// Draws anew and brings the window's shape in line. Does nothing before the window is first shown.
     void Refresh();
 
@@ -53,9 +59,12 @@ protected:
 
 private:
     void Tell(agent::MouseAction action, const QMouseEvent& event);
+    bool InTheWay() const;
+    void ComeOrGo();
 
     QImage image_;
     QRegion shape_;
+    bool wanted_ = false;
     bool created_ = false;
     bool cutOut_ = false;
 };
@@ -64,10 +73,11 @@ private:
 struct DestroyLater {
     void operator()(ShapedWindow* window) const
     {
-        window->hide();
+        window->Display(false);
         window->Draw = nullptr;
         window->OnMouse = nullptr;
         window->OnMove = nullptr;
+        window->OnShow = nullptr;
         window->deleteLater();
     }
 };
