@@ -82,7 +82,8 @@ public:
 
     /// The user asks to close the window: runs Form_QueryUnload and, when it was not cancelled, Unload.
     void UserClose();
-    /// The pointer moved over the form itself, not over a control; x in twips from the left edge of its content.
+    /// A message of an icon's came to the form as a mouse move; x is the message in twips. The pointer's own moves over
+    /// the form are not told: in a window wide enough their columns would be taken for messages.
     void UserMouseMove(double x) { Form_MouseMove(x); }
 
 protected:

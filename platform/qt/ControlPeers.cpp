@@ -67,7 +67,6 @@ public:
         : Common(button, new Button(icons, ToQt(button.Picture), parent))
     {
         Update(Property::Caption);
-        widget_->setDefault(control_.IsDefault);
         QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });
         widget_->OnMouseUp = [this](int button) { control_.UserMouseUp(button); };
     }

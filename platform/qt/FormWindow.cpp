@@ -8,8 +8,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QScreen>
 #include <QWindow>
 
@@ -54,11 +54,16 @@ void FormWindow::keyPressEvent(QKeyEvent* event)
     QMainWindow::keyPressEvent(event);
 }
 
-void FormArea::mouseMoveEvent(QMouseEvent* event)
+void FormWindow::SetDefaultButton(QPushButton* button)
 {
-    QWidget::mouseMoveEvent(event);
-    if (const auto moved = OnMouseMove)
-        moved(event->position().x());
+    button->setDefault(true);
+    connect(qApp, &QApplication::focusChanged, button, [this, button](QWidget*, QWidget* now) {
+        if (!now || now->window() != this)
+            return;
+        auto* pressed = qobject_cast<QPushButton*>(now);
+        for (QPushButton* each : findChildren<QPushButton*>())
+            each->setDefault(each == (pressed ? pressed : button));
+    });
 }
 
 SplashWindow::SplashWindow()

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class QPushButton;
+
 namespace voxmate::qt
 {
 
@@ -15,6 +17,10 @@ class FormWindow : public QMainWindow
 {
 public:
     explicit FormWindow(BorderStyle border);
+
+    /// The button that Enter presses where nothing else takes it looks so. While another button has the keyboard that
+    /// one does, because Enter presses it.
+    void SetDefaultButton(QPushButton* button);
 
     std::function<void()> OnClose;
     /// Enter was pressed where nothing else takes it.
@@ -25,18 +31,6 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-};
-
-/// What an ordinary window holds. It tells of the pointer's moves over itself, x in its own pixels.
-class FormArea : public QWidget
-{
-public:
-    explicit FormArea(QWidget* parent) : QWidget(parent) { setMouseTracking(true); }
-
-    std::function<void(double x)> OnMouseMove;
-
-protected:
-    void mouseMoveEvent(QMouseEvent* event) override;
 };
 
 /// A card without a frame, above all other windows. Its corners are translucent with a compositor, else cut out.

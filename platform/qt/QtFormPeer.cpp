@@ -4,7 +4,6 @@
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/Placement.h"
 #include "platform/qt/QtText.h"
-#include "platform/qt/QtTray.h"
 #include "platform/qt/Widgets.h"
 
 #include <QCursor>
@@ -12,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
@@ -66,7 +66,6 @@ QtFormPeer::~QtFormPeer()
         window->OnClose = nullptr;
         window->OnEnter = nullptr;
         window->OnEscape = nullptr;
-        static_cast<FormArea*>(content_)->OnMouseMove = nullptr;
     }
     window_->deleteLater();
 }
@@ -77,9 +76,7 @@ FormWindow* QtFormPeer::MakeFormWindow()
     window_ = window;
     // Before its controls, which take it over.
     window->setFont(ToQFont({form_.FontName}, window->font()));
-    auto* area = new FormArea(window);
-    area->OnMouseMove = [this](double x) { form_.UserMouseMove(x * TwipsPerPixel()); };
-    content_ = area;
+    content_ = new QWidget(window);
     QLayout* layout = BuildAll();
     layout->setContentsMargins(WindowMargin, WindowMargin, WindowMargin,
                                form_.Status ? WindowMargin / 2 : WindowMargin);
@@ -100,8 +97,11 @@ FormWindow* QtFormPeer::MakeFormWindow()
     window->OnClose = [this] { form_.UserClose(); };
     for (Control* control : form_.Controls()) {
         auto* button = dynamic_cast<CommandButton*>(control);
-        if (button && button->IsDefault)
+        if (button && button->IsDefault) {
             window->OnEnter = [button] { button->UserClick(); };
+            if (auto* widget = qobject_cast<QPushButton*>(WidgetOf(button)))
+                window->SetDefaultButton(widget);
+        }
         if (button && button->IsCancel)
             window->OnEscape = [button] { button->UserClick(); };
     }
@@ -276,6 +276,8 @@ void QtFormPeer::ConnectLabels()
 void QtFormPeer::SetTabOrder()
 {
     QWidget* last = nullptr;
+    QWidget* first = nullptr;
+    QWidget* preset = nullptr;
     for (const Control* control : form_.Controls()) {
         QWidget* widget = WidgetOf(control);
         // An option button that is not the chosen one may become so.
@@ -284,9 +286,14 @@ void QtFormPeer::SetTabOrder()
         if (last)
             QWidget::setTabOrder(last, widget);
         else
-            widget->setFocus(Qt::OtherFocusReason);
+            first = widget;
         last = widget;
+        if (const auto* button = dynamic_cast<const CommandButton*>(control); button && button->IsDefault)
+            preset = widget;
     }
+    // The keyboard begins at the first control, unless that is a button which Enter would press in the default's place.
+    if (first)
+        (preset && qobject_cast<QPushButton*>(first) ? preset : first)->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget* QtFormPeer::WidgetOf(const Control* control) const

@@ -109,6 +109,11 @@ class Windows(KeyboardCase):
         desktop.wait_for(lambda: os.path.exists(self.path) and self.slots() == [record("Sleep", when, "Lights out")], 5,
                          what="the reminder in the file")
 
+    def default_button(self, title):
+        """The button of a window that says it is the one for Enter."""
+        state = self.desk.accessible().STATE_IS_DEFAULT
+        return next((c.name for c in self.walk(title) if c.role == "push button" and c.node.getState().contains(state)), None)
+
     def test_tip_about_and_boxes(self):
         self.start_by_keys()
         tip = "Tip of the Day"
@@ -121,6 +126,17 @@ class Windows(KeyboardCase):
         self.keys("alt+r")
         desktop.wait_for(lambda: "Busy..." in self.desk.texts(), 3, what="the busy status")
         self.keys("alt+n")
+        self.close_by_escape(tip)
+        # Enter presses the button that looks so: it begins with OK.
+        self.open_by(tip, "alt+f", "t")
+        self.assertEqual(self.default_button(tip), "OK")
+        self.keys("Return")
+        self.closed(tip)
+        self.open_by(tip, "alt+f", "t")
+        self.tab_to("Next Tip", tip)
+        desktop.wait_for(lambda: self.default_button(tip) == "Next Tip", 3, what="Next Tip as the default")
+        self.tab_to("Auto Read Tip", tip)
+        desktop.wait_for(lambda: self.default_button(tip) == "OK", 3, what="OK as the default")
         self.close_by_escape(tip)
         # Enter presses the button that has the keyboard, else OK.
         self.open_by(tip, "alt+f", "t")

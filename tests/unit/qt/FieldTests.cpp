@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 namespace voxmate::qt
 {
@@ -275,6 +276,21 @@ TEST_F(FieldTest, EnterPressesTheDefaultButtonAndEscapeTheCancelButton)
     QTest::keyClick(Find("txtLong"), Qt::Key_Return);
     EXPECT_EQ(happened, (Happened{"ok", "cancel", "cancel", "ok"}));
     EXPECT_TRUE(window_->isVisible());
+}
+
+TEST_F(FieldTest, TheButtonThatEnterPressesIsTheOneThatLooksSo)
+{
+    const auto* ok = Find<QPushButton>("cmdOk");
+    const auto* cancel = Find<QPushButton>("cmdCancel");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
+    EXPECT_TRUE(ok->isDefault());
+    EXPECT_FALSE(cancel->isDefault());
+    Find("cmdCancel")->setFocus();
+    EXPECT_FALSE(ok->isDefault());
+    EXPECT_TRUE(cancel->isDefault());
+    Find("txtShort")->setFocus();
+    EXPECT_TRUE(ok->isDefault());
+    EXPECT_FALSE(cancel->isDefault());
 }
 
 TEST_F(FieldTest, AnEnterThatAFieldSwallowsPressesNothing)

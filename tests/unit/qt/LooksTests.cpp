@@ -26,11 +26,13 @@
 #include <QStyle>
 #include <QStyleOptionMenuItem>
 #include <QTabBar>
+#include <QTimer>
 #include <QTreeView>
 
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace voxmate::qt
 {
@@ -127,6 +129,16 @@ std::string Cut(const QWidget& window)
             cut += (widget->objectName().isEmpty() ? button->text() : widget->objectName()).toStdString() + ' ';
     }
     return cut;
+}
+
+/// The visible window of a form.
+QWidget* WindowOf(const char* name)
+{
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == QLatin1String(name) && window->isVisible())
+            return window;
+    }
+    throw std::logic_error(std::string("no window ") + name);
 }
 
 } // namespace
@@ -273,6 +285,66 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
     app.setFont(usual);
 }
 
+TEST(WindowsTest, TheTipBeginsOnTheButtonThatEnterPressesAndEnterClosesIt)
+{
+    App();
+    fakes::FakePlatform fake;
+    QtWindowSystem windows{VOXMATE_SHARE_DIR};
+    Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
+    frmTip form(platform);
+    form.Show();
+    QWidget* window = WindowOf("frmTip");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    const auto* ok = window->findChild<QPushButton*>(QStringLiteral("cmdOK"));
+    EXPECT_TRUE(ok->hasFocus());
+    EXPECT_TRUE(ok->isDefault());
+    QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !form.IsShown(); }));
+}
+
+// At a large font the main window is wider than the numbers of an icon's mouse messages.
+TEST(WindowsTest, ThePointerOverTheMainWindowPopsUpNothingAndShowsNothing)
+{
+    QtApplication& app = App();
+    const QFont usual = app.font();
+    int widest = 0;
+    for (const int size : {9, 14, 18}) {
+        QFont font = usual;
+        font.setPointSize(size);
+        app.setFont(font);
+        fakes::FakePlatform fake;
+        fakes::FakeMainWindow main(fake.log);
+        QtWindowSystem windows{VOXMATE_SHARE_DIR};
+        Platform platform{fake.store, fake.agent,   fake.speech, windows,
+                          fake.files, fake.process, fake.clock,  fake.word};
+        BeginProgram(platform, main);
+        {
+            frmMain form(platform);
+            form.Show();
+            QWidget* window = WindowOf("frmMain");
+            widest = std::max(widest, window->width());
+            int popUps = 0;
+            QTimer closer;
+            QObject::connect(&closer, &QTimer::timeout, [&popUps] {
+                if (QWidget* popUp = QApplication::activePopupWidget()) {
+                    ++popUps;
+                    popUp->close();
+                }
+            });
+            closer.start(1);
+            const int bottom = window->height() - 1;
+            for (const int y : {3, bottom / 3, bottom / 2, bottom - 40, bottom - 3}) {
+                for (int x = 0; x < window->width(); ++x)
+                    QTest::mouseMove(window->windowHandle(), QPoint(x, y));
+            }
+            EXPECT_EQ(popUps, 0) << "at " << size << " points, " << window->width() << " pixels";
+        }
+        BeginProgram(fake.platform, main);
+    }
+    app.setFont(usual);
+    EXPECT_GT(widest, WM_RBUTTONUP) << "no window was wide enough for the test";
+}
+
 TEST(WindowsTest, TheTipHasAllTheWidthBesideItsPicture)
 {
     App();
@@ -282,13 +354,9 @@ TEST(WindowsTest, TheTipHasAllTheWidthBesideItsPicture)
     frmTip form(platform);
     form.Show();
     const auto part = [](const char* name) {
-        for (const QWidget* window : QApplication::topLevelWidgets()) {
-            if (window->objectName() == QLatin1String("frmTip") && window->isVisible()) {
-                const auto* widget = window->findChild<QWidget*>(QLatin1String(name));
-                return QRect(widget->mapTo(window, QPoint(0, 0)), widget->size());
-            }
-        }
-        throw std::logic_error("the tip has no window");
+        const QWidget* window = WindowOf("frmTip");
+        const auto* widget = window->findChild<QWidget*>(QLatin1String(name));
+        return QRect(widget->mapTo(window, QPoint(0, 0)), widget->size());
     };
     const QRect pane = part("Picture1");
     EXPECT_EQ(part("lblTipText").left() - part("imgTip").right() - 1, 14);
