@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -52,8 +53,11 @@ DesktopWatch::DesktopWatch(QObject* parent) : QObject(parent)
     changes_.setSingleShot(true);
     changes_.setInterval(ChangeTime);
     connect(&changes_, &QTimer::timeout, this, [this] {
+        const QList<QRect> before = workAreas_;
         Look();
         Q_EMIT Changed();
+        if (std::exchange(screensChanged_, false) || workAreas_ != before)
+            Q_EMIT ScreensChanged();
     });
     WatchScreens();
     Look();
@@ -65,6 +69,7 @@ DesktopWatch::~DesktopWatch() = default;
 void DesktopWatch::WatchScreens()
 {
     const auto changed = [this] {
+        screensChanged_ = true;
         changes_.start();
         Q_EMIT ScreensChanging();
     };
@@ -96,6 +101,15 @@ void DesktopWatch::Look()
     struts_ = std::move(seen.struts);
     windows_ = std::move(seen.windows);
     watched_ = std::move(seen.watched);
+    workAreas_ = WorkAreas();
+}
+
+QList<QRect> DesktopWatch::WorkAreas() const
+{
+    QList<QRect> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.append(WorkArea(*screen));
+    return areas;
 }
 
 /// A screen in device pixels. The toolkit tells its first pixel as it is and its size rounded.

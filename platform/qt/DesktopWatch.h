@@ -1,6 +1,6 @@
 // The desktop round the program: what panels leave of each screen, and which screens another program's full-screen
-// window fills. The toolkit knows the first for a single screen only and the second not at all. On a desktop that is not
-// X11 it is the toolkit's answer, and no screen is filled.
+// window fills. The toolkit knows the first for a single screen only and the second not at all. On a desktop that is
+// not X11 it is the toolkit's answer, and no screen is filled.
 #pragma once
 
 #include "platform/qt/Screens.h"
@@ -32,8 +32,10 @@ public:
     bool Filled(const QScreen& screen) const;
 
 Q_SIGNALS:
-    /// Screens, work areas or what fills the screens may be others. Told from the event loop, once for several changes.
+    /// What is seen of the screens may be another. Told from the event loop, once for several changes.
     void Changed();
+    /// Screens or work areas are others; likewise.
+    void ScreensChanged();
     /// The screens are becoming others; told at once, before window managers have moved windows for it.
     void ScreensChanging();
 
@@ -44,14 +46,17 @@ private:
 
     void WatchScreens();
     void Look();
+    QList<QRect> WorkAreas() const;
     QRect NativeScreen(const QScreen& screen) const;
 
-    QTimer changes_; ///< one change of the desktop comes as several events
+    QTimer changes_;              ///< one change of the desktop comes as several events
+    bool screensChanged_ = false; ///< since the last look
 
     // What was seen last, in device pixels.
     QRect desktop_;
     QList<QRect> monitors_;
-    QList<QRect> reported_; ///< work areas that the window manager reports
+    QList<QRect> reported_;  ///< work areas that the window manager reports
+    QList<QRect> workAreas_; ///< of all screens, in their own pixels
     QList<Strut> struts_;
     QList<ListedWindow> windows_;
     QSet<std::uint32_t> watched_; ///< other programs' windows whose changes are told

@@ -55,8 +55,8 @@ private:
     QTextLayout layout_;
 };
 
-/// The text in `font`, or in so much less of it that `room` pixels hold it: no word is left out. Where the least size is
-/// still too large, the lines run on into one another; and what is too long even then is made smaller yet.
+/// The text in `font`, or in so much less of it that `room` pixels hold it: no word is left out. Where the least size
+/// is still too large, the lines run on into one another; and what is too long even then is made smaller yet.
 std::unique_ptr<Lines> Fitted(const QString& text, const QFont& font, int width, int room)
 {
     const QString runningOn = text.simplified();

@@ -81,23 +81,11 @@ Rect Available(const QScreen& screen)
     return {area.x(), area.y(), area.width(), area.height()};
 }
 
-/// The work areas of all screens.
-std::vector<Rect> WorkAreas()
-{
-    std::vector<Rect> areas;
-    for (const QScreen* screen : QGuiApplication::screens())
-        areas.push_back(Available(*screen));
-    return areas;
-}
-
 } // namespace
 
-QtStage::QtStage(speech::AudioOutput& audio)
-    : audio_(audio), random_(std::random_device{}()), workAreas_(WorkAreas())
+QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::random_device{}())
 {
-    QObject::connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, &context_, [this] {
-        if (std::exchange(workAreas_, WorkAreas()) == workAreas_)
-            return;
+    QObject::connect(&DesktopWatch::Instance(), &DesktopWatch::ScreensChanged, &context_, [this] {
         if (const auto changed = ScreensChanged)
             changed();
     });

@@ -10,7 +10,6 @@
 
 #include <optional>
 #include <random>
-#include <vector>
 
 namespace voxmate::qt
 {
@@ -47,7 +46,6 @@ private:
     QObject context_;
     std::mt19937 random_;
     QPointer<QMenu> menu_;
-    std::vector<Rect> workAreas_; ///< of all screens, as told last
     // Measuring goes on word by word in one font: the last one is kept.
     agent::BalloonFont fontAsked_;
     std::optional<QFont> font_;

@@ -36,9 +36,9 @@ struct ListedWindow {
     bool active = false; ///< has the keyboard
 };
 
-/// Whether another program's full-screen window is what is seen of a screen: whether it is the uppermost of the ordinary
-/// windows there. Those of this program count only when they are active, that is, when the user has turned to them.
-/// The lowest window comes first, as in _NET_CLIENT_LIST_STACKING.
+/// Whether another program's full-screen window is what is seen of a screen: whether it is the uppermost of the
+/// ordinary windows there. Those of this program count only when they are active, that is, when the user has turned to
+/// them. The lowest window comes first, as in _NET_CLIENT_LIST_STACKING.
 bool IsFilled(const QRect& screen, const QList<ListedWindow>& windows);
 
 } // namespace voxmate::qt

@@ -178,8 +178,7 @@ public:
     {
         const Reply<xcb_get_window_attributes_reply_t> attributes(
             xcb_get_window_attributes_reply(connection_, window.attributes, nullptr));
-        const Reply<xcb_get_geometry_reply_t> geometry(
-            xcb_get_geometry_reply(connection_, window.geometry, nullptr));
+        const Reply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection_, window.geometry, nullptr));
         const Reply<xcb_translate_coordinates_reply_t> place(
             xcb_translate_coordinates_reply(connection_, window.place, nullptr));
         const std::vector<std::uint32_t> states = window.state.Read();

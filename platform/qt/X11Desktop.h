@@ -19,8 +19,8 @@ struct Desktop {
     QSet<std::uint32_t> watched; ///< the other programs' windows, on show or not
 };
 
-/// Reads the desktop, and has changes of it told to the program's connection. `watched` are the windows of which that is
-/// asked already.
+/// Reads the desktop, and has changes of it told to the program's connection. `watched` are the windows of which that
+/// is asked already.
 Desktop LookAtDesktop(const QSet<std::uint32_t>& watched);
 
 /// Whether an event of the X server is one after which LookAtDesktop may answer differently.

@@ -78,7 +78,8 @@ TEST(Screens, AWindowsEdgesStayWithinTheirPixelsAtEveryScale)
         for (int y = 0; y < 200; ++y) {
             for (const int height : {38, 133, 134, 217}) {
                 const QPoint place = WithinDevicePixels({7, y, 160, height}, ratio);
-                EXPECT_LE(qRound(place.y() * ratio) + qRound(height * ratio), (y + height) * ratio) << y << " " << ratio;
+                EXPECT_LE(qRound(place.y() * ratio) + qRound(height * ratio), (y + height) * ratio)
+                    << y << " " << ratio;
                 EXPECT_GE(place.y(), y - 1);
                 if (ratio == 1 || ratio == 2 || ratio == 3) {
                     EXPECT_EQ(place, QPoint(7, y));
