@@ -410,10 +410,11 @@ class Word(WordCase):
 class WholeDocument(WordCase):
     defaults = {**QUIET, "Speed": 400}
 
-    def test_all_of_a_document_is_heard_and_stop_in_its_second_part_ends_it(self):
-        # Four sentences, each with so many empty paragraphs behind it that it is a part of its own.
+    def test_all_of_a_document_is_heard_and_stop_in_a_later_part_ends_it(self):
+        # Each sentence has so many empty paragraphs behind it that it is a part of its own.
         sentence = SENTENCE.strip()
         path = self.document("letter.doc", " ".join([sentence + "\n" * 940] * 4))
+        long = self.document("long.doc", " ".join([sentence + "\n" * 940] * 20))
         one = self.rendered_length(sentence)
         begin = self.now()
         self.open_word(path)
@@ -421,10 +422,11 @@ class WholeDocument(WordCase):
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin) / (4 * one), 1, delta=0.05)
         begin = self.now()
-        self.open_word(path)
+        self.open_word(long)
         desktop.wait_for(lambda: self.sound_since(begin) > 1.2 * one, 60, what="the second part")
         self.stop_reading()
-        self.assertLess(self.sound_since(begin), 1.9 * one)
+        # A busy machine presses the button some parts later.
+        self.assertLess(self.sound_since(begin), 15 * one)
         self.nothing_left()
 
 
