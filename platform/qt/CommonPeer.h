@@ -4,10 +4,14 @@
 #include "platform/qt/ControlPeers.h"
 #include "platform/qt/QtText.h"
 
+#include <QEvent>
 #include <QObject>
 #include <QString>
 #include <QTextDocument>
 #include <QWidget>
+
+#include <functional>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -17,6 +21,26 @@ inline QString PlainToolTip(const QString& text)
 {
     return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
+
+/// Acts when the desktop's font has changed and the window has it, as long as its parent lives.
+class FontChange : public QObject
+{
+public:
+    FontChange(QObject* parent, QWidget& window, std::function<void()> act) : QObject(parent), act_(std::move(act))
+    {
+        window.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::ApplicationFontChange)
+            QMetaObject::invokeMethod(this, act_, Qt::QueuedConnection);
+        return false;
+    }
+
+private:
+    std::function<void()> act_;
+};
 
 /// What all widgets have in common. `C` is the control, `W` its widget, which the form's window owns: it outlives the
 /// peer when the form goes in the middle of one of the widget's own events.

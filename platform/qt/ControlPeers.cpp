@@ -5,6 +5,7 @@
 #include "platform/qt/CommonPeer.h"
 #include "platform/qt/DialogPeers.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/ReadableStyle.h"
 #include "platform/qt/Widgets.h"
 
 #include <QApplication>
@@ -35,28 +36,44 @@ public:
         widget_->setTextFormat(Qt::PlainText);
         widget_->setTextInteractionFlags(Qt::NoTextInteraction);
         if (control_.Heading) {
-            QFont font = widget_->font();
-            font.setPointSizeF(font.pointSizeF() * 2.2);
-            font.setWeight(QFont::DemiBold);
-            widget_->setFont(font);
             widget_->setForegroundRole(QPalette::Text);
+            ShowLarge();
         }
         if (control_.Font.get() != FontSpec{})
             Update(Property::Font);
         Update(Property::Caption);
+        new FontChange(&context_, *widget_->window(), [this] {
+            if (control_.Heading)
+                ShowLarge();
+            KeepRoom();
+        });
     }
 
     void Update(Property property) override
     {
         UpdateCommon(property);
         if (property == Property::Font)
-            widget_->setFont(ToQFont(control_.Font, QApplication::font(widget_)));
+            widget_->setFont(ToQFont(control_.Font, QFont()));
         if (property != Property::Caption)
             return;
         widget_->setText(ToQt(control_.Caption));
-        // A label that tells a changing value keeps the room it once needed, so that nothing beside it moves.
+        KeepRoom();
+    }
+
+private:
+    /// A label that tells a changing value keeps the room it once needed, so that nothing beside it moves.
+    void KeepRoom()
+    {
         if (!widget_->wordWrap())
             widget_->setMinimumWidth(std::max(widget_->minimumWidth(), widget_->sizeHint().width()));
+    }
+
+    void ShowLarge()
+    {
+        QFont font;
+        font.setPointSizeF(QApplication::font(widget_).pointSizeF() * 2.2);
+        font.setWeight(QFont::DemiBold);
+        widget_->setFont(font);
     }
 };
 
@@ -132,8 +149,10 @@ public:
         widget_->setFocusPolicy(Qt::StrongFocus);
         // Long names are cut in the field and whole in the list.
         widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        // A list below the field that scrolls, not one that fills the screen with a hundred entries.
-        widget_->setStyleSheet(QStringLiteral("combobox-popup: 0"));
+        // A list below the field that scrolls, not one that fills the screen with a hundred entries. A style sheet
+        // keeps the colours that the desktop once had, so it is for styles that cannot be asked in another way.
+        if (!dynamic_cast<ReadableStyle*>(QApplication::style()))
+            widget_->setStyleSheet(QStringLiteral("combobox-popup: 0"));
         widget_->setMaxVisibleItems(VisibleItems);
         widget_->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         static_cast<QListView*>(widget_->view())->setSpacing(2);

@@ -38,7 +38,8 @@ std::unique_ptr<WidgetPeer> CreateTextBoxPeer(TextBox& box, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& icons, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateMonthViewPeer(MonthView& month, QWidget* parent);
 
-/// The font a control asks for, on top of `base`, the desktop's own; a family that is not installed is left out.
+/// The font a control asks for, on top of `base`; a family that is not installed is left out. On top of a font without
+/// any property of its own the desktop's is followed in all that is not asked for.
 QFont ToQFont(const FontSpec& font, const QFont& base);
 
 /// Makes the clock of a timer and starts it if it is enabled.

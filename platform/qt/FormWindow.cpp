@@ -73,14 +73,30 @@ SplashWindow::SplashWindow()
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     SetAccessibleRole(*this, QAccessible::Window);
-    // What stands below the product's name is quieter than the name.
-    QPalette quiet = palette();
-    quiet.setColor(QPalette::WindowText, Mix(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.28));
-    setPalette(quiet);
+    Quieten();
     connect(&Compositor::Instance(), &Compositor::Changed, this, [this] {
         UpdateShape();
         update();
     });
+}
+
+// What stands below the product's name is quieter than the name.
+void SplashWindow::Quieten()
+{
+    const QColor ink = Mix(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.28);
+    // Setting it is a change, too.
+    if (palette().color(QPalette::WindowText) == ink)
+        return;
+    QPalette quiet;
+    quiet.setColor(QPalette::WindowText, ink);
+    setPalette(quiet);
+}
+
+void SplashWindow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        Quieten();
 }
 
 bool SplashWindow::AnyShown()

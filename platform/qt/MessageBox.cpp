@@ -46,6 +46,14 @@ class ProgramBox : public QMessageBox
 public:
     explicit ProgramBox(QWidget* over) : QMessageBox(over) { LetCharacterLiveBeside(*this); }
 
+    /// Has the program's own icon of that name, drawn in the theme's colours, if there is one.
+    void SetOwnIcon(const IconSet& icons, const QString& name)
+    {
+        icons_ = &icons;
+        iconName_ = name;
+        DrawIcon();
+    }
+
 protected:
     void showEvent(QShowEvent* event) override
     {
@@ -56,6 +64,13 @@ protected:
         // In the middle of the screen, the frame of a box as high as the screen would reach beyond it.
         if (scroll_ && !parentWidget())
             move(x(), screen()->availableGeometry().top());
+    }
+
+    void changeEvent(QEvent* event) override
+    {
+        QMessageBox::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange)
+            DrawIcon();
     }
 
     bool event(QEvent* event) override
@@ -121,6 +136,17 @@ private:
                     [bar = scroll_->verticalScrollBar(), action = action] { bar->triggerAction(action); });
     }
 
+    void DrawIcon()
+    {
+        const QPixmap pixmap =
+            icons_ ? icons_->Pixmap(iconName_, IconSize, devicePixelRatioF(), palette().color(QPalette::WindowText))
+                   : QPixmap();
+        if (!pixmap.isNull())
+            setIconPixmap(pixmap);
+    }
+
+    const IconSet* icons_ = nullptr;
+    QString iconName_;
     QScrollArea* scroll_ = nullptr; ///< what the text scrolls in, if it must
 };
 
@@ -153,8 +179,7 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
     const bool second = (style & 0xF00) == vbDefaultButton2;
 
     // On the heap: while the box is up its owner may go, and takes it along.
-    const QPointer<QMessageBox> box =
-        new ProgramBox(over && over->isVisible() && !over->isMinimized() ? over : nullptr);
+    const QPointer<ProgramBox> box = new ProgramBox(over && over->isVisible() && !over->isMinimized() ? over : nullptr);
     box->setObjectName(QStringLiteral("MsgBox"));
     box->setWindowTitle(ToQt(title));
     box->setTextFormat(Qt::PlainText);
@@ -165,10 +190,7 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
                  : icon == vbInformation ? QMessageBox::Information
                                          : QMessageBox::NoIcon);
     if (const QString own = IconName(icon); icons && !own.isEmpty()) {
-        const QPixmap pixmap =
-            icons->Pixmap(own, IconSize, box->devicePixelRatioF(), box->palette().color(QPalette::WindowText));
-        if (!pixmap.isNull())
-            box->setIconPixmap(pixmap);
+        box->SetOwnIcon(*icons, own);
         // A single line stands in the middle of its picture, and ends as far from the edge as the picture begins.
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
             label->setMinimumHeight(IconSize);

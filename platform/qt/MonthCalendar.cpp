@@ -347,7 +347,8 @@ void MonthCalendar::focusOutEvent(QFocusEvent* event)
 void MonthCalendar::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::LocaleChange) {
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::LocaleChange) {
         FillTitles();
         Fill();
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/RuntimeError.h"
+#include "platform/qt/DesktopFonts.h"
 #include "platform/qt/IconSet.h"
 
 #include <QApplication>
@@ -42,6 +43,7 @@ public:
     void Report(const RuntimeError& error);
 
 private:
+    DesktopFonts fonts_;
     bool reporting_ = false;
 };
 

@@ -75,7 +75,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
     auto* window = new FormWindow(form_.Border);
     window_ = window;
     // Before its controls, which take it over.
-    window->setFont(ToQFont({form_.FontName}, window->font()));
+    if (!form_.FontName.empty())
+        window->setFont(ToQFont({form_.FontName}, QFont()));
     content_ = new QWidget(window);
     QLayout* layout = BuildAll();
     layout->setContentsMargins(WindowMargin, WindowMargin, WindowMargin,

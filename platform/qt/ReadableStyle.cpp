@@ -209,6 +209,13 @@ void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptio
         });
 }
 
+int ReadableStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                             QStyleHintReturn* answer) const
+{
+    // The lists of the program's fields open below them and scroll.
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
 void UseReadableStyle()
 {
     if (QApplication::style()->name() == QLatin1String("fusion"))

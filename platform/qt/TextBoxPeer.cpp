@@ -185,8 +185,8 @@ public:
         Update(Property::Locked);
         Update(Property::BackColor);
         if (control_.MaxLength > 0 && control_.MaxLength <= FewCharacters) {
-            const int characters = static_cast<int>(control_.MaxLength);
-            widget_->setFixedWidth(characters * widget_->fontMetrics().horizontalAdvance(u'0') + FieldPadding);
+            FitCharacters();
+            new FontChange(&context_, *widget_->window(), [this] { FitCharacters(); });
         }
         if (control_.MaxLength > 0) {
             // The field's own limit would count halves of characters.
@@ -216,6 +216,13 @@ public:
     }
 
 private:
+    /// As wide as the few characters that it takes.
+    void FitCharacters()
+    {
+        const int characters = static_cast<int>(control_.MaxLength);
+        widget_->setFixedWidth(characters * widget_->fontMetrics().horizontalAdvance(u'0') + FieldPadding);
+    }
+
     LengthLimit* limit_ = nullptr;
 };
 

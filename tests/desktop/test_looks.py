@@ -8,6 +8,7 @@ import time
 import unittest
 
 import numpy
+from gi.repository import Gio, GLib
 
 import desk as desktop
 import program
@@ -285,6 +286,70 @@ class SmallAndDark(Looks):
         self.menu("alt+h", "h")
         beside("Voxmate - Help", "box")
         self.close("Voxmate - Help")
+
+
+class Changing(Looks):
+    """The desktop's theme and font change while windows are open."""
+    pictures = "tour-changed"
+    dark = True
+
+    @classmethod
+    def setUpClass(cls):
+        program.the_desk(screen=(1024, 600))
+
+    def setUp(self):
+        super().setUp()
+        self.environment = dark_theme(self.desk)
+        self.file = os.path.join(self.desk.env["XDG_CONFIG_HOME"], "kdeglobals")
+        with open(self.file, encoding="utf-8") as file:
+            self.dark_colours = file.read()
+        self.write_theme("")
+        self.bus = Gio.DBusConnection.new_for_address_sync(
+            self.desk.env["DBUS_SESSION_BUS_ADDRESS"],
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.addCleanup(self.bus.close_sync)
+
+    def write_theme(self, text):
+        """As the desktop does it: a new file takes the place of the old one."""
+        with open(self.file + ".new", "w", encoding="utf-8") as file:
+            file.write(text)
+        os.replace(self.file + ".new", self.file)
+
+    def tell(self, key, value):
+        """What the desktop tells its programs, once the file is written."""
+        self.bus.emit_signal(None, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged",
+                             GLib.Variant("(ssv)", ("org.kde.kdeglobals.General", key, GLib.Variant("s", value))))
+        self.bus.flush_sync()
+
+    def is_dark(self, title):
+        x, y, width, height = self.desk.window_rect(self.desk.windows("^" + title + "$")[-1])
+        picture = self.desk.screenshot(box=(x, y, x + width, y + height))
+        return luminance(ground(numpy.asarray(picture.convert("RGB")))) < 0.2
+
+    def test_open_windows_follow_the_theme_and_the_font(self):
+        self.start_and_settle(**self.environment)
+        self.menu("alt+f", "t")
+        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 10, what="the tip")
+        self.desk.run("xdotool", "windowactivate", "--sync", self.main_window())
+        for key in ("alt+h", "h"):
+            self.desk.key(key)
+            time.sleep(0.3)
+        windows = ("Voxmate", "Tip of the Day", "Voxmate - Help")
+        for title in windows:
+            desktop.wait_for(lambda title=title: self.desk.windows("^" + title + "$"), 10, what=title)
+        self.assertEqual([self.is_dark(title) for title in windows], [False, False, False])
+        self.write_theme(self.dark_colours)
+        self.tell("ColorScheme", "Dark")
+        desktop.wait_for(lambda: all(self.is_dark(title) for title in windows), 10, what="the dark windows")
+        self.assertGreater(self.look("Voxmate - Help", "box"), 1)
+        self.close("Voxmate - Help")
+        self.desk.run("xdotool", "windowactivate", "--sync", self.desk.windows("^Tip of the Day$")[-1])
+        self.close("Tip of the Day")
+        size = self.desk.window_rect(self.main_window())[2:]
+        self.write_theme(self.dark_colours + "[General]\nfont=DejaVu Serif,16,-1,5,50,0,0,0,0,0\n")
+        self.tell("font", "DejaVu Serif,16,-1,5,50,0,0,0,0,0")
+        desktop.wait_for(lambda: self.desk.window_rect(self.main_window())[3] > size[1] + 20, 10, what="the larger window")
+        self.assertGreater(self.look("Voxmate", "main"), 20)
 
 
 if __name__ == "__main__":

@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFontInfo>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -31,8 +32,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace voxmate::qt
 {
@@ -126,7 +129,11 @@ std::string Cut(const QWidget& window)
             needed = button->fontMetrics().size(0, button->text());
         if (widget->width() < needed.width() || widget->height() < needed.height() ||
             !widget->parentWidget()->rect().contains(widget->geometry()))
-            cut += (widget->objectName().isEmpty() ? button->text() : widget->objectName()).toStdString() + ' ';
+            cut += (!widget->objectName().isEmpty() ? widget->objectName()
+                    : button                        ? button->text()
+                                                    : widget->accessibleName())
+                       .toStdString() +
+                   ' ';
     }
     return cut;
 }
@@ -285,6 +292,95 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
     app.setFont(usual);
 }
 
+using Lines = std::vector<std::string>;
+
+/// The colour that most of a widget has, and its font, of all that is to be seen in a window.
+Lines LooksOf(QWidget& window)
+{
+    QCoreApplication::processEvents();
+    Lines looks;
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        if (!widget->isVisible() || widget->objectName().isEmpty() || widget->size().isEmpty())
+            continue;
+        const QImage image = widget->grab().toImage();
+        std::map<QRgb, int> pixels;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                ++pixels[image.pixel(x, y)];
+        }
+        const auto most = std::max_element(pixels.begin(), pixels.end(),
+                                           [](const auto& a, const auto& b) { return a.second < b.second; });
+        looks.push_back(widget->objectName().toStdString() + ' ' + QColor(most->first).name().toStdString() + ' ' +
+                        widget->font().family().toStdString() + ' ' + std::to_string(widget->font().pointSizeF()));
+    }
+    return looks;
+}
+
+/// Shows each kind of window there is and hands it to `look`.
+void ShowEach(Platform& platform, const std::function<void(const char* name)>& look)
+{
+    const auto show = [&](auto& form) {
+        form.Show();
+        look(form.Name.c_str());
+    };
+    frmMain main(platform);
+    show(main);
+    frmOptions options(platform);
+    show(options);
+    frmTip tip(platform);
+    show(tip);
+    frmAbout about(platform);
+    show(about);
+    frmReminder editor(platform);
+    show(editor);
+    frmShowRem notice(platform);
+    notice.ShowNotice({"Missed Reminder", 1, "Call the bank", "03/07/26", "09:05", "About the new card"});
+    look("frmShowRem");
+    frmSplash splash(platform);
+    show(splash);
+}
+
+// A window that was open while the desktop's theme and font changed has the looks of one that is opened afterwards.
+TEST(WindowsTest, EveryOpenWindowFollowsAChangeOfColoursAndFont)
+{
+    QtApplication& app = App();
+    const QFont usual = app.font();
+    const QPalette before = app.palette();
+    QFont font(QStringLiteral("DejaVu Serif"));
+    font.setPointSizeF(usual.pointSizeF() * 1.5);
+    ASSERT_NE(QFontInfo(font).family(), QFontInfo(usual).family());
+    const auto change = [&](bool there) {
+        app.setPalette(there ? PaletteOf(Themes[1]) : before);
+        app.setFont(there ? font : usual);
+        QCoreApplication::processEvents();
+    };
+    fakes::FakePlatform fake;
+    fakes::FakeMainWindow main(fake.log);
+    QtWindowSystem windows{VOXMATE_SHARE_DIR};
+    Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
+    BeginProgram(platform, main);
+    fake.StoreDefaults();
+    LoadSettings();
+    std::map<std::string, Lines> fresh;
+    std::map<std::string, std::string> cut; ///< fields for few characters count as cut with this font
+    change(true);
+    ShowEach(platform, [&](const char* name) {
+        fresh[name] = LooksOf(*WindowOf(name));
+        cut[name] = Cut(*WindowOf(name));
+    });
+    change(false);
+    ShowEach(platform, [&](const char* name) {
+        EXPECT_NE(LooksOf(*WindowOf(name)), fresh[name]) << name << " tells nothing apart";
+        change(true);
+        QWidget* window = WindowOf(name);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Cut(*window) == cut[name]; }, 2000))
+            << name << ": " << Cut(*window) << "instead of " << cut[name];
+        EXPECT_EQ(LooksOf(*window), fresh[name]) << name;
+        change(false);
+    });
+    BeginProgram(fake.platform, main);
+}
+
 TEST(WindowsTest, TheTipBeginsOnTheButtonThatEnterPressesAndEnterClosesIt)
 {
     App();
@@ -332,9 +428,8 @@ TEST(WindowsTest, ThePointerOverTheMainWindowPopsUpNothingAndShowsNothing)
                 }
             });
             closer.start(1);
-            const int bottom = window->height() - 1;
-            for (const int y : {3, bottom / 3, bottom / 2, bottom - 40, bottom - 3}) {
-                for (int x = 0; x < window->width(); ++x)
+            for (int y = 0; y < window->height(); ++y) {
+                for (int x = WM_LBUTTONDBLCLK - 1; x < std::min(window->width(), WM_RBUTTONUP + 2); ++x)
                     QTest::mouseMove(window->windowHandle(), QPoint(x, y));
             }
             EXPECT_EQ(popUps, 0) << "at " << size << " points, " << window->width() << " pixels";
