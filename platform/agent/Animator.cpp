@@ -28,8 +28,9 @@ bool GoesOn(const Animation& leaving, const Frame& shown, const Animation& next)
 
 } // namespace
 
-Animator::Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show)
-    : stage_(stage), file_(file), show_(std::move(show))
+Animator::Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show,
+                   std::function<void(const Frame&)> pass)
+    : stage_(stage), file_(file), show_(std::move(show)), pass_(std::move(pass))
 {
 }
 
@@ -131,10 +132,12 @@ void Animator::Clear()
     left_ = true;
 }
 
-/// Shows the first frame from `index` on that has a duration; the end when there is none.
+/// Shows the first frame from `index` on that has a duration and whose time is not over yet; the end when there is
+/// none.
 void Animator::Enter(int index)
 {
     const auto count = static_cast<int>(animation_->frames.size());
+    const Frame* late = nullptr;
     for (int step = 0; step < MaxUndrawn && index >= 0 && index < count; ++step) {
         const Frame& frame = animation_->frames[static_cast<std::size_t>(index)];
         if (frame.duration == 0) {
@@ -145,13 +148,23 @@ void Animator::Enter(int index)
         givenUp_ = (way_ != Way::Along && ++drawn_ > 2 * animation_->frames.size()) || stage_.Now() >= end_;
         if (givenUp_)
             break;
+        Pass(std::exchange(late, &frame));
         at_ = index;
-        shown_ = &frame;
         due_ = std::min(due_ + std::int64_t{frame.duration} * 10, end_);
-        if (!StandsStill(frame, index))
+        const bool still = StandsStill(frame, index);
+        if (!still && due_ <= stage_.Now()) {
+            index = After(index);
+            continue;
+        }
+        shown_ = &frame;
+        if (!still)
             WaitFor(due_);
         show_(frame);
         return;
+    }
+    if (late) {
+        shown_ = late;
+        show_(*late);
     }
     End();
 }
@@ -199,6 +212,12 @@ bool Animator::StandsStill(const Frame& frame, int index) const
 {
     return end_ == Never && frame.sound < 0 && !frame.branches.empty() && frame.branches.front().frame == index &&
            frame.branches.front().percent >= 100;
+}
+
+void Animator::Pass(const Frame* frame)
+{
+    if (frame && pass_)
+        pass_(*frame);
 }
 
 void Animator::WaitFor(std::int64_t moment)

@@ -15,9 +15,11 @@ namespace voxmate::agent
 class Animator
 {
 public:
-    /// `show` is called with every frame that is to be drawn, in the moment it is due. The references outlive the
-    /// animator.
-    Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show);
+    /// `show` is called with every frame that is to be drawn, in the moment it is due; `pass` with one whose time was
+    /// over before its turn came, so that it is not drawn. An animation ends in its last frame all the same. The
+    /// references outlive the animator.
+    Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show,
+             std::function<void(const Frame&)> pass = nullptr);
 
     /// Plays an animation from its first frame, at once, whatever was playing. `done` is called when its last frame has
     /// been on show for its time: at once when it has no frame to draw, never when it loops or something else follows.
@@ -72,12 +74,14 @@ private:
     int AfterOnExit(int index);
     bool StandsStill(const Frame& frame, int index) const;
     void WaitFor(std::int64_t moment);
+    void Pass(const Frame* frame);
     void Tick();
     void End();
 
     Stage& stage_;
     const AcsFile& file_;
     std::function<void(const Frame&)> show_;
+    std::function<void(const Frame&)> pass_;
     std::function<void()> done_;
     const Animation* animation_ = nullptr;
     const Frame* shown_ = nullptr;

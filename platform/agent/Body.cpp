@@ -65,7 +65,9 @@ Rect United(const Rect& a, const Rect& b)
 
 Body::Body(Stage& stage, const AcsFile& file)
     : stage_(stage), file_(file), window_(stage.CreateCharacterWindow()), painter_(file, *window_),
-      animator_(stage, file, [this](const Frame& frame) { ShowFrame(frame); }),
+      animator_(
+          stage, file, [this](const Frame& frame) { ShowFrame(frame); },
+          [this](const Frame& frame) { PlaySound(frame); }),
       neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)}
 {
     window_->Mouse = [this](const MouseEvent& event) {
@@ -277,6 +279,11 @@ void Body::SetSoundEffectsOn(bool on)
 void Body::ShowFrame(const Frame& frame)
 {
     Redraw();
+    PlaySound(frame);
+}
+
+void Body::PlaySound(const Frame& frame)
+{
     if (!soundsOn_ || frame.sound < 0 || static_cast<std::size_t>(frame.sound) >= file_.SoundCount())
         return;
     soundStarted_ = true;

@@ -81,6 +81,7 @@ public:
 
 private:
     void ShowFrame(const Frame& frame);
+    void PlaySound(const Frame& frame);
     void Redraw();
     void ShowSomething();
     void StopSound();

@@ -6,6 +6,14 @@
 namespace voxmate::agent
 {
 
+Painter::Painter(const AcsFile& file, CharacterWindow& window) : file_(file), window_(window)
+{
+    window_.Ready = [this] {
+        if (const auto next = std::exchange(waiting_, std::nullopt))
+            Show(*next->frame, next->mouth, next->size);
+    };
+}
+
 Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
 {
     const auto overlay = std::find_if(frame.overlays.begin(), frame.overlays.end(),
@@ -62,10 +70,15 @@ std::shared_ptr<const Bitmap> Painter::Compose(const Frame& frame, int mouth, co
 
 void Painter::Show(const Frame& frame, int mouth, Size size)
 {
+    if (window_.Busy()) {
+        waiting_ = Wanted{&frame, mouth, size};
+        return;
+    }
+    waiting_.reset();
     if (Draw(frame, mouth, size) || (mouth >= 0 && Draw(frame, -1, size)))
         return;
-    if (shownPicture_ && size != shownSize_) {
-        window_.SetFrame(*shownPicture_, size);
+    if (shown_.bitmap && size != shownSize_) {
+        window_.SetFrame(shown_, size);
         shownSize_ = size;
     }
 }
@@ -74,21 +87,32 @@ void Painter::Show(const Frame& frame, int mouth, Size size)
 bool Painter::Draw(const Frame& frame, int mouth, Size size)
 {
     Key key = KeyOf(frame, mouth);
-    if (shownPicture_ && key == shown_ && size == shownSize_)
+    if (shown_.bitmap && key == shown_.key && size == shownSize_)
         return true;
     std::shared_ptr<const Bitmap> bitmap = Compose(frame, mouth, key);
     if (!bitmap)
         return false;
-    window_.SetFrame(*bitmap, size);
-    shown_ = std::move(key);
+    shown_ = {std::move(key), std::move(bitmap)};
     shownSize_ = size;
-    shownPicture_ = std::move(bitmap);
+    window_.SetFrame(shown_, size);
     return true;
 }
 
 Rect Painter::Outline(const Frame& frame)
 {
-    const std::shared_ptr<const Bitmap> bitmap = Compose(frame, -1, KeyOf(frame, -1));
+    const Key key = KeyOf(frame, -1);
+    if (const auto known = outlines_.find(key); known != outlines_.end())
+        return known->second;
+    // Poses in which a character speaks: no file has so many.
+    constexpr std::size_t most = 1000;
+    if (outlines_.size() == most)
+        outlines_.clear();
+    return outlines_[key] = Measure(frame, key);
+}
+
+Rect Painter::Measure(const Frame& frame, const Key& key)
+{
+    const std::shared_ptr<const Bitmap> bitmap = Compose(frame, -1, key);
     if (!bitmap)
         return {};
     int left = bitmap->width;

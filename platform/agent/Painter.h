@@ -9,6 +9,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -19,13 +20,16 @@ class Painter
 {
 public:
     /// Both references outlive the painter.
-    Painter(const AcsFile& file, CharacterWindow& window) : file_(file), window_(window) {}
+    Painter(const AcsFile& file, CharacterWindow& window);
+    Painter(const Painter&) = delete;
+    Painter& operator=(const Painter&) = delete;
 
     /// Shows a frame with one of its mouths; negative, or a mouth the frame does not have: without. A mouth whose image
-    /// cannot be decoded is left out, a frame with such an image leaves the picture as it was.
+    /// cannot be decoded is left out, a frame with such an image leaves the picture as it was. While the window is busy
+    /// nothing is composed: of what is shown meanwhile only the last remains, so it outlives that time.
     void Show(const Frame& frame, int mouth, Size size);
     /// Whether nothing has been shown yet.
-    bool Empty() const { return !shownPicture_; }
+    bool Empty() const { return !shown_.bitmap && !waiting_; }
 
     /// The images of these numbers cannot be decoded, nobody need try.
     void LeaveOut(std::vector<bool> damaged) { damaged_ = std::move(damaged); }
@@ -42,21 +46,24 @@ public:
 private:
     /// What a picture is made of: two frames of the same images are the same picture.
     using Key = std::vector<std::int32_t>;
-    struct Picture {
-        Key key;
-        std::shared_ptr<const Bitmap> bitmap;
+    struct Wanted {
+        const Frame* frame;
+        int mouth;
+        Size size;
     };
 
     static Key KeyOf(const Frame& frame, int mouth);
     bool ShowsDamaged(const Key& key) const;
     bool Draw(const Frame& frame, int mouth, Size size);
     std::shared_ptr<const Bitmap> Compose(const Frame& frame, int mouth, const Key& key);
+    Rect Measure(const Frame& frame, const Key& key);
 
     const AcsFile& file_;
     CharacterWindow& window_;
-    Key shown_;
+    Picture shown_;
     Size shownSize_;
-    std::shared_ptr<const Bitmap> shownPicture_;
+    std::optional<Wanted> waiting_; ///< until the window is ready
+    std::map<Key, Rect> outlines_;
     std::vector<bool> damaged_;   ///< images that cannot be decoded, by number; empty while that is not known
     std::list<Picture> pictures_; ///< the last used in front
     std::map<Key, std::list<Picture>::iterator> index_;

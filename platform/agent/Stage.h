@@ -26,14 +26,24 @@ struct MouseEvent {
     Point screen;   ///< on the screen
 };
 
+/// One picture of a character. Those of equal keys are equal, so a window need not prepare them twice.
+struct Picture {
+    std::vector<std::int32_t> key;
+    std::shared_ptr<const Bitmap> bitmap;
+};
+
 /// The character's window: shows a bitmap, transparent where the bitmap is, never takes the keyboard, stays on top.
 /// Clicks on transparent pixels go to what lies beneath.
 class CharacterWindow
 {
 public:
     virtual ~CharacterWindow() = default;
-    /// Shows `frame` scaled smoothly to `size` (the character's size on the screen).
-    virtual void SetFrame(const Bitmap& frame, Size size) = 0;
+    /// Shows `picture` scaled smoothly to `size` (the character's size on the screen). A large one may appear later.
+    virtual void SetFrame(const Picture& picture, Size size) = 0;
+    /// Whether the picture set last is still to appear: another one set now would only come later still.
+    virtual bool Busy() const { return false; }
+    /// It has appeared. Told from the event loop.
+    std::function<void()> Ready;
     virtual void MoveTo(Point topLeft) = 0;
     virtual void SetVisible(bool visible) = 0;
     std::function<void(const MouseEvent&)> Mouse;

@@ -97,7 +97,7 @@ QFont ToQFont(const agent::BalloonFont& font)
 
 QtBalloonWindow::QtBalloonWindow()
 {
-    window_->Draw = [this](qreal ratio) { return Draw(ratio); };
+    window_->Draw = [this](qreal ratio, bool cutOut) { return Shaped(Draw(ratio), cutOut); };
     window_->OnMouse = [this](const agent::MouseEvent& event) {
         if (const auto mouse = Mouse)
             mouse(event);

@@ -1,7 +1,6 @@
 #include "platform/qt/QtCharacterWindow.h"
 
 #include "platform/qt/DesktopWatch.h"
-#include "platform/qt/Scaling.h"
 
 #include <cstdlib>
 #include <utility>
@@ -11,7 +10,7 @@ namespace voxmate::qt
 
 QtCharacterWindow::QtCharacterWindow()
 {
-    window_->Draw = [this](qreal ratio) { return Draw(ratio); };
+    window_->Draw = [this](qreal ratio, bool cutOut) { return Draw(ratio, cutOut); };
     window_->OnMouse = [this](const agent::MouseEvent& event) {
         if (const auto mouse = Mouse)
             mouse(event);
@@ -37,12 +36,12 @@ void QtCharacterWindow::Await(int milliseconds)
         echoes_.start(milliseconds);
 }
 
-void QtCharacterWindow::SetFrame(const Bitmap& frame, Size size)
+void QtCharacterWindow::SetFrame(const agent::Picture& picture, Size size)
 {
     const QSize newSize(size.width, size.height);
-    if (frame == frame_ && newSize == window_->size())
+    if (picture_.bitmap && picture.key == picture_.key && newSize == window_->size())
         return;
-    frame_ = frame;
+    picture_ = picture;
     if (newSize != window_->size())
         window_->setFixedSize(newSize);
     window_->Refresh();
@@ -78,9 +77,22 @@ void QtCharacterWindow::ComparePlace()
         moved(place);
 }
 
-QImage QtCharacterWindow::Draw(qreal ratio) const
+ShapedImage QtCharacterWindow::Draw(qreal ratio, bool cutOut)
 {
-    return Scaled(frame_, (QSizeF(window_->size()) * ratio).toSize());
+    const QSize size = (QSizeF(window_->size()) * ratio).toSize();
+    if (!picture_.bitmap || size.isEmpty())
+        return {};
+    if (const ShapedImage* made = scaler_.Get(picture_, size, cutOut))
+        drawn_ = *made;
+    return drawn_;
+}
+
+/// A large picture is ready, though perhaps another is wanted by now.
+void QtCharacterWindow::PictureMade()
+{
+    window_->Refresh();
+    if (const auto ready = Ready; ready && !Busy())
+        ready();
 }
 
 } // namespace voxmate::qt

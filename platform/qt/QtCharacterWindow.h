@@ -1,6 +1,7 @@
 // The character on the desktop.
 #pragma once
 
+#include "platform/qt/FrameScaler.h"
 #include "platform/qt/ShapedWindow.h"
 
 #include <QTimer>
@@ -13,7 +14,8 @@ class QtCharacterWindow : public agent::CharacterWindow
 public:
     QtCharacterWindow();
 
-    void SetFrame(const Bitmap& frame, Size size) override;
+    void SetFrame(const agent::Picture& picture, Size size) override;
+    bool Busy() const override { return scaler_.Busy(); }
     void MoveTo(Point topLeft) override;
     void SetVisible(bool visible) override;
 
@@ -24,13 +26,16 @@ public:
     static constexpr int ScreensTime = 500;
 
 private:
-    QImage Draw(qreal ratio) const;
+    ShapedImage Draw(qreal ratio, bool cutOut);
+    void PictureMade();
     void Await(int milliseconds);
     void ComparePlace();
 
     ShapedWindowPtr window_{new ShapedWindow(QString::fromLatin1(CharacterTitle))};
-    Bitmap frame_;
-    Point place_; ///< as asked for or told last
+    FrameScaler scaler_{[this] { PictureMade(); }};
+    agent::Picture picture_;
+    ShapedImage drawn_; ///< what stays until the picture is ready
+    Point place_;       ///< as asked for or told last
     QTimer echoes_;
     bool screensChanged_ = false; ///< what the window manager has done since then is not what the user wants
     QObject context_;             ///< receiver of the desktop's signals: they end with this

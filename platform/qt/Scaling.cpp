@@ -35,17 +35,19 @@ struct Plane {
 /// A room of transparent pixels round the bitmap, so that curves at its edges are drawn like all others.
 constexpr int Rim = 2;
 
-Plane WithRim(const Bitmap& bitmap)
+/// Rows [from, to) of the bitmap with its rim, counted from the rim's first.
+Plane WithRim(const Bitmap& bitmap, int from, int to)
 {
-    Plane plane(bitmap.width + 2 * Rim, bitmap.height + 2 * Rim);
-    const std::uint32_t* pixel = bitmap.pixels.data();
-    for (int y = 0; y < bitmap.height; ++y) {
-        float* to = plane.Row(y + Rim) + Rim * Channels;
-        for (int x = 0; x < bitmap.width; ++x, ++pixel, to += Channels) {
-            to[0] = static_cast<float>(*pixel >> 16 & 0xFF);
-            to[1] = static_cast<float>(*pixel >> 8 & 0xFF);
-            to[2] = static_cast<float>(*pixel & 0xFF);
-            to[3] = static_cast<float>(*pixel >> 24);
+    Plane plane(bitmap.width + 2 * Rim, to - from);
+    for (int y = std::max(from, Rim); y < std::min(to, bitmap.height + Rim); ++y) {
+        const std::uint32_t* pixel =
+            bitmap.pixels.data() + static_cast<std::size_t>(y - Rim) * static_cast<std::size_t>(bitmap.width);
+        float* to4 = plane.Row(y - from) + Rim * Channels;
+        for (int x = 0; x < bitmap.width; ++x, ++pixel, to4 += Channels) {
+            to4[0] = static_cast<float>(*pixel >> 16 & 0xFF);
+            to4[1] = static_cast<float>(*pixel >> 8 & 0xFF);
+            to4[2] = static_cast<float>(*pixel & 0xFF);
+            to4[3] = static_cast<float>(*pixel >> 24);
         }
     }
     return plane;
@@ -143,12 +145,12 @@ std::vector<Taps> TapsFor(int from, int to)
     return taps;
 }
 
-Plane Wider(const Plane& plane, int from, int to)
+/// Rows [from, to) of a plane, each `width` pixels wide.
+Plane Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps)
 {
-    const std::vector<Taps> taps = TapsFor(from, to);
-    Plane wide(to, plane.height);
-    for (int y = 0; y < plane.height; ++y) {
-        float* out = wide.Row(y);
+    Plane wide(static_cast<int>(taps.size()), to - from);
+    for (int y = from; y < to; ++y) {
+        float* out = wide.Row(y - from);
         for (const Taps& tap : taps) {
             const float* in = plane.Row(y) + static_cast<std::size_t>(tap.first) * Channels;
             for (std::size_t c = 0; c < Channels; ++c)
@@ -160,12 +162,24 @@ Plane Wider(const Plane& plane, int from, int to)
     return wide;
 }
 
-QImage Enlarged(const Bitmap& bitmap, QSize size)
+/// Rows of the bitmap that are worked on at a time: the planes of a whole large one would take half a gigabyte.
+constexpr int BandRows = 64;
+/// How far a row's colours and mask depend on those above and below it.
+constexpr int Reach = 2;
+
+/// Rows [from, to) of the bitmap with its rim, their mask softened and their colours grown, made wider.
+Plane Band(const Bitmap& bitmap, int from, int to, const std::vector<Taps>& across)
 {
-    Plane plane = WithRim(bitmap);
+    const int above = std::max(0, from - Reach);
+    Plane plane = WithRim(bitmap, above, std::min(to + Reach, bitmap.height + 2 * Rim));
     GrowColours(plane);
     SoftenMask(plane);
-    const Plane wide = Wider(plane, bitmap.width, size.width());
+    return Wider(plane, from - above, to - above, across);
+}
+
+QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
+{
+    const std::vector<Taps> across = TapsFor(bitmap.width, size.width());
     const std::vector<Taps> taps = TapsFor(bitmap.height, size.height());
     // The slope of the softened mask at a straight edge is 3/8 a pixel; on the screen the edge takes one pixel.
     constexpr float level = 255 * 0.5F;
@@ -176,10 +190,18 @@ QImage Enlarged(const Bitmap& bitmap, QSize size)
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     const std::size_t length = static_cast<std::size_t>(size.width()) * Channels;
     std::vector<float> row(length);
-    for (int y = 0; y < size.height(); ++y) {
+    Plane wide(0, 0);
+    int first = 0; // the band's rows
+    int last = 0;
+    for (int y = 0; y < size.height() && !stop.stop_requested(); ++y) {
         const Taps& tap = taps[static_cast<std::size_t>(y)];
-        const std::array<const float*, 4> in{wide.Row(tap.first), wide.Row(tap.first + 1), wide.Row(tap.first + 2),
-                                             wide.Row(tap.first + 3)};
+        if (tap.first + 4 > last) {
+            first = tap.first;
+            last = std::min(first + BandRows, bitmap.height + 2 * Rim);
+            wide = Band(bitmap, first, last, across);
+        }
+        const int at = tap.first - first;
+        const std::array<const float*, 4> in{wide.Row(at), wide.Row(at + 1), wide.Row(at + 2), wide.Row(at + 3)};
         for (std::size_t i = 0; i < length; ++i)
             row[i] = in[0][i] * tap.weights[0] + in[1][i] * tap.weights[1] + in[2][i] * tap.weights[2] +
                      in[3][i] * tap.weights[3];
@@ -198,12 +220,12 @@ QImage Enlarged(const Bitmap& bitmap, QSize size)
 
 } // namespace
 
-QImage Scaled(const Bitmap& bitmap, QSize size)
+QImage Scaled(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
 {
     if (bitmap.width <= 0 || bitmap.height <= 0 || size.isEmpty())
         return {};
     if (size.width() > bitmap.width || size.height() > bitmap.height)
-        return Enlarged(bitmap, size);
+        return Enlarged(bitmap, size, stop);
     const QImage image = QImage(reinterpret_cast<const uchar*>(bitmap.pixels.data()), bitmap.width, bitmap.height,
                                 bitmap.width * static_cast<int>(sizeof(std::uint32_t)), QImage::Format_ARGB32)
                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);

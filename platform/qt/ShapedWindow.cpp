@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <utility>
 #include <vector>
 
 namespace voxmate::qt
@@ -65,6 +66,14 @@ QRegion ShapeOf(const QImage& image)
     QRegion region;
     region.setRects(rects.data(), static_cast<int>(rects.size()));
     return region;
+}
+
+ShapedImage Shaped(QImage image, bool cutOut)
+{
+    if (cutOut)
+        MakeOpaque(image);
+    QRegion shape = ShapeOf(image);
+    return {std::move(image), std::move(shape)};
 }
 
 ShapedWindow::ShapedWindow(const QString& name)
@@ -149,14 +158,12 @@ void ShapedWindow::Refresh()
     if (!created_ || !Draw)
         return;
     const qreal ratio = devicePixelRatioF();
-    image_ = Draw(ratio);
     const bool cutOut = !Compositor::Instance().Running();
-    if (cutOut)
-        MakeOpaque(image_);
+    ShapedImage drawn = Draw(ratio, cutOut);
+    image_ = std::move(drawn.image);
     image_.setDevicePixelRatio(ratio);
-    QRegion shape = ShapeOf(image_);
-    if (shape != shape_ || cutOut != cutOut_) {
-        shape_ = std::move(shape);
+    if (drawn.shape != shape_ || cutOut != cutOut_) {
+        shape_ = std::move(drawn.shape);
         SetInputShape(*windowHandle(), shape_);
         if (cutOut)
             SetBoundingShape(*windowHandle(), shape_);

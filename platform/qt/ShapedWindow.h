@@ -21,13 +21,24 @@ inline constexpr const char* CharacterTitle = "Voxmate character";
 /// Where a premultiplied image is drawn: its pixels that are at least half opaque.
 QRegion ShapeOf(const QImage& image);
 
+/// What a window shows, and where of it it takes the mouse.
+struct ShapedImage {
+    QImage image; ///< premultiplied
+    QRegion shape;
+};
+
+/// A premultiplied image and its shape; `cutOut`, for a screen without a compositor: what is drawn is fully opaque. May
+/// run on any thread.
+ShapedImage Shaped(QImage image, bool cutOut);
+
 class ShapedWindow : public QWidget
 {
 public:
     explicit ShapedWindow(const QString& name);
 
-    /// Draws what the window shows: premultiplied, the window's size times `ratio`. A null image shows nothing.
-    std::function<QImage(qreal ratio)> Draw;
+    /// Draws what the window shows, in its size times `ratio`, cut out of the screen or not. A null image shows
+    /// nothing.
+    std::function<ShapedImage(qreal ratio, bool cutOut)> Draw;
     std::function<void(const agent::MouseEvent&)> OnMouse;
     /// The window stands elsewhere, for whatever reason; pos() tells where.
     std::function<void()> OnMove;

@@ -27,6 +27,8 @@ public:
         int moves = 0;
         bool visible = false;
         bool destroyed = false;
+        bool busy = false;
+        std::function<void()>* ready = nullptr;
         std::function<void(const agent::MouseEvent&)>* mouse = nullptr;
         std::function<void(Point)>* moved = nullptr;
     };
@@ -191,6 +193,7 @@ private:
             ++stage_.characterWindows;
             state_->mouse = &Mouse;
             state_->moved = &Moved;
+            state_->ready = &Ready;
         }
         ~CharacterWindow() override
         {
@@ -199,10 +202,12 @@ private:
             state_->destroyed = true;
             state_->mouse = nullptr;
             state_->moved = nullptr;
+            state_->ready = nullptr;
         }
-        void SetFrame(const Bitmap& frame, Size size) override
+        bool Busy() const override { return state_->busy; }
+        void SetFrame(const agent::Picture& picture, Size size) override
         {
-            state_->frames.push_back(frame);
+            state_->frames.push_back(*picture.bitmap);
             state_->frameTimes.push_back(stage_.now);
             state_->size = size;
         }

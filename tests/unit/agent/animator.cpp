@@ -82,6 +82,47 @@ TEST_F(AnimatorTest, TimesDoNotDriftWhenTimersComeLate)
     EXPECT_EQ(log, "1@0 2@107 3@200 4@300 done@400 ");
 }
 
+TEST_F(AnimatorTest, AFrameWhoseTimeIsOverBeforeItsTurnIsNotDrawn)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    stage.Stall(350);
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 4@350 5@400 done@500 ");
+}
+
+TEST_F(AnimatorTest, AnAnimationEndsInItsLastFrameHoweverLate)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 0)}));
+    stage.Stall(450);
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@0 3@450 done@450 ");
+    EXPECT_EQ(animator.Shown()->images[0].image, 3u);
+}
+
+TEST_F(AnimatorTest, WhatIsNotDrawnIsPassedOnceEach)
+{
+    std::string passed;
+    Animator late{stage, file, [](const Frame&) {},
+                  [&passed](const Frame& frame) { passed += std::to_string(frame.images[0].image) + " "; }};
+    late.Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10)}), {});
+    stage.Stall(350);
+    stage.Run(1000);
+    EXPECT_EQ(passed, "2 3 ");
+}
+
+TEST_F(AnimatorTest, ALoopThatIsLateCatchesUpAndAFrameThatStandsStillIsDrawn)
+{
+    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{0, 100}})}));
+    stage.Stall(450);
+    stage.Run(50);
+    EXPECT_EQ(log, "1@0 1@450 2@500 ");
+    log.clear();
+    Play(Add("B", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10, -1, {{2, 100}})}));
+    stage.Stall(450);
+    stage.Run(1000);
+    EXPECT_EQ(log, "1@500 3@950 ");
+}
+
 TEST_F(AnimatorTest, AfterALongStandstillNothingIsHurried)
 {
     Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10)}));

@@ -48,6 +48,28 @@ TEST_F(PainterTest, DrawsOnlyWhatHasChanged)
     EXPECT_EQ(stage.Window().size, (Size{8, 4}));
 }
 
+TEST_F(PainterTest, WhileTheWindowIsBusyOnlyTheLastPictureIsKeptAndNoneIsComposed)
+{
+    Make(4);
+    std::vector<Frame> frames;
+    for (std::uint32_t i = 1; i <= 50; ++i)
+        frames.push_back(Picture(i));
+    painter->Show(frames[0], -1, {4, 4});
+    const std::size_t used = painter->MemoryUsed();
+    stage.Window().busy = true;
+    for (const Frame& frame : frames)
+        painter->Show(frame, -1, {4, 4});
+    EXPECT_EQ(stage.Window().frames.size(), 1u);
+    EXPECT_EQ(painter->MemoryUsed(), used);
+    stage.Window().busy = false;
+    (*stage.Window().ready)();
+    ASSERT_EQ(stage.Window().frames.size(), 2u);
+    EXPECT_EQ(stage.Window().frames[1].pixels.front(), 0xFF320000u);
+    EXPECT_EQ(painter->MemoryUsed(), 2 * used);
+    (*stage.Window().ready)();
+    EXPECT_EQ(stage.Window().frames.size(), 2u);
+}
+
 TEST_F(PainterTest, RemembersPicturesWithinItsMemoryBound)
 {
     Make(200);

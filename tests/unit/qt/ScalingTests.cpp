@@ -110,6 +110,26 @@ TEST(Scaling, WidthAndHeightAreScaledByThemselves)
     EXPECT_NEAR(Covered(image), 10 * 10, 15);
 }
 
+// It is worked on in bands of rows, which must not be seen: the same figure further down is the same.
+TEST(Scaling, ATallBitmapHasNoSeams)
+{
+    constexpr int height = 300;
+    std::uint32_t chance = 7;
+    constexpr int blank = 6; // rows above it, so that its upper edge is no end of the bitmap
+    Bitmap figure{12, height, std::vector<std::uint32_t>(std::size_t{12} * blank)};
+    for (int i = 0; i < 12 * (height - blank); ++i) {
+        chance = chance * 1664525u + 1013904223u; // the constants of Numerical Recipes
+        figure.pixels.push_back(chance >> 30 == 0 ? 0 : 0xFF000000u | chance >> 8);
+    }
+    const QImage whole = Scaled(figure, QSize(24, 2 * height));
+    for (const int down : {1, 13, 40, 61}) {
+        Bitmap lower{12, height + down, std::vector<std::uint32_t>(static_cast<std::size_t>(12 * down))};
+        lower.pixels.insert(lower.pixels.end(), figure.pixels.begin(), figure.pixels.end());
+        const QImage image = Scaled(lower, QSize(24, 2 * (height + down)));
+        EXPECT_EQ(image.copy(0, 2 * down, 24, 2 * height), whole) << down;
+    }
+}
+
 TEST(Scaling, NothingIsNothing)
 {
     EXPECT_TRUE(Scaled({}, QSize(10, 10)).isNull());

@@ -414,7 +414,8 @@ TEST_F(StageTest, WhatIsNoWaveFileIsNotPlayed)
 TEST_F(StageTest, TheCharacterTakesTheMouseWhileAMessageBoxIsUp)
 {
     const auto character = stage.CreateCharacterWindow();
-    character->SetFrame(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)}, {40, 40});
+    character->SetFrame(
+        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
     character->MoveTo({5, 5});
     character->SetVisible(true);
     character->Mouse = [this](const agent::MouseEvent& event) {
@@ -441,7 +442,8 @@ TEST_F(StageTest, ACharacterThatTheWindowManagerMovedTellsItsRealPlace)
     const auto character = stage.CreateCharacterWindow();
     std::vector<Point> told;
     character->Moved = [&told](Point place) { told.push_back(place); };
-    character->SetFrame(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)}, {40, 40});
+    character->SetFrame(
+        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
     character->MoveTo({5, 5});
     character->SetVisible(true);
     character->MoveTo({50, 60});
@@ -464,7 +466,8 @@ TEST_F(StageTest, AnOlderPlaceReportedWhileTheCharacterIsBeingMovedIsNotTakenFor
     const auto character = stage.CreateCharacterWindow();
     std::vector<Point> told;
     character->Moved = [&told](Point place) { told.push_back(place); };
-    character->SetFrame(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)}, {40, 40});
+    character->SetFrame(
+        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
     character->MoveTo({5, 5});
     character->SetVisible(true);
     QTest::qWait(300);
