@@ -3,9 +3,12 @@
 #include "platform/qt/FileDialog.h"
 #include "platform/qt/QtText.h"
 
+#include <QAbstractItemView>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
+#include <QLineEdit>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -30,6 +33,30 @@ QStringList NameFilters(const std::string& filter)
     return filters;
 }
 
+/// While a path is typed the toolkit selects each folder on its way, and lets go of it again only if the field has the
+/// keyboard, which it has not at every moment: a list of names may just open below it. What is left selected counts
+/// more than what was typed, so that the button is off or Enter goes into a folder. Lets go of all that is not meant.
+void SelectOnlyWhatIsTyped(const QFileDialog& dialog)
+{
+    const auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    const auto* files = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView"));
+    if (!name || !files)
+        return;
+    QObject::connect(name, &QLineEdit::textChanged, files, [&dialog, files](const QString& text) {
+        QString typed = text;
+        if (typed == QLatin1String("~") || typed.startsWith(QLatin1String("~/")))
+            typed.replace(0, 1, QDir::homePath());
+        const QString meant = QDir::cleanPath(dialog.directory().absoluteFilePath(typed));
+        // A folder that was chosen by the mouse while nothing is typed stays.
+        if (text.isEmpty())
+            return;
+        for (const QModelIndex& row : files->selectionModel()->selectedRows()) {
+            if (row.data(QFileSystemModel::FilePathRole).toString() != meant)
+                files->selectionModel()->select(row, QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+        }
+    });
+}
+
 } // namespace
 
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder)
@@ -42,6 +69,7 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
     // Not only files that exist: it is for the program to say that it does not find one.
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(NameFilters(settings.Filter));
+    SelectOnlyWhatIsTyped(*dialog);
     if (!settings.FileName.empty())
         dialog->selectFile(ToQt(settings.FileName));
     std::optional<std::string> chosen;

@@ -196,6 +196,81 @@ TEST_F(OpenDialogTest, ANameThatDoesNotExistIsGivenAllTheSame)
     EXPECT_EQ(Opened(Settings()), "/no/such/folder/none.txt");
 }
 
+TEST_F(OpenDialogTest, ATypedPathOfAFileInTheFolderShownIsTakenByEnterAndByTheButton)
+{
+    QDir(QString::fromStdString(home.Path("Documents"))).mkdir("letters");
+    for (const char* name : {"Documents/notes.txt", "Documents/notes two.txt", "Documents/letters/dear.txt"})
+        home.Touch(name);
+    for (const char* name : {"Documents/notes.txt", "Documents/notes two.txt", "Documents/letters/dear.txt",
+                             "Documents/none.txt"}) {
+        for (const bool enter : {true, false}) {
+            InDialog([&](QFileDialog& dialog) {
+                dialog.setDirectory(QString::fromStdString(home.Path("Documents")));
+                // What the toolkit looks names up in.
+                ASSERT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog).contains("notes.txt"); }));
+                // By keys, as each of them has the toolkit look for what is meant.
+                QTest::keyClicks(&NameField(dialog), QString::fromStdString(home.Path(name)));
+                QPushButton* open = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+                EXPECT_TRUE(open->isEnabled()) << name;
+                if (enter)
+                    QTest::keyClick(&NameField(dialog), Qt::Key_Return);
+                else
+                    QTest::mouseClick(open, Qt::LeftButton);
+                EXPECT_FALSE(dialog.isVisible()) << name << (enter ? " by Enter" : " by the button");
+            });
+            EXPECT_EQ(Opened(Settings()), home.Path(name));
+        }
+    }
+}
+
+// The keyboard leaves the field for a moment now and then, as when the list of names opens below it.
+TEST_F(OpenDialogTest, ATypedPathIsTakenWhereverTheKeyboardWasWhileItWasTyped)
+{
+    for (const char* name : {"Documents/notes.txt", "Documents/other.txt"})
+        home.Touch(name);
+    for (const int without : {0, 1, 2, 3}) {
+        InDialog([&](QFileDialog& dialog) {
+            dialog.setDirectory(QString::fromStdString(home.Path("Documents")));
+            dialog.selectFile(QStringLiteral("other.txt"));
+            ASSERT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog).contains("notes.txt"); }));
+            auto* files = dialog.findChild<QAbstractItemView*>(QStringLiteral("treeView"));
+            NameField(dialog).setFocus();
+            NameField(dialog).selectAll();
+            const QString path = QString::fromStdString(home.Path("Documents/notes.txt"));
+            for (qsizetype i = 0; i < path.size(); ++i) {
+                // At the ends of folders' names, at all but them, always, never.
+                const bool end = i + 1 == path.size() || path[i + 1] == u'/';
+                const bool away = without == 0 ? end : without == 1 ? !end : without == 2;
+                away ? files->setFocus() : NameField(dialog).setFocus();
+                NameField(dialog).insert(path.mid(i, 1));
+            }
+            NameField(dialog).setFocus();
+            EXPECT_TRUE(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->isEnabled()) << without;
+            QTest::keyClick(&NameField(dialog), Qt::Key_Return);
+            EXPECT_FALSE(dialog.isVisible()) << without;
+        });
+        EXPECT_EQ(Opened(Settings()), home.Path("Documents/notes.txt")) << without;
+    }
+}
+
+TEST_F(OpenDialogTest, AFolderChosenInTheListIsEnteredByTheButton)
+{
+    QDir(QString::fromStdString(home.Path("Documents"))).mkdir("letters");
+    home.Touch("Documents/letters/dear.txt");
+    InDialog([&](QFileDialog& dialog) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog).contains("letters"); }));
+        auto* files = dialog.findChild<QAbstractItemView*>(QStringLiteral("treeView"));
+        files->setFocus();
+        files->setCurrentIndex(files->model()->index(0, 0, files->rootIndex()));
+        QPushButton* open = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return open->isEnabled(); }));
+        QTest::mouseClick(open, Qt::LeftButton);
+        EXPECT_EQ(dialog.directory().path().toStdString(), home.Path("Documents/letters"));
+        Type(dialog, "dear.txt");
+    });
+    EXPECT_EQ(Opened(Settings()), home.Path("Documents/letters/dear.txt"));
+}
+
 TEST_F(OpenDialogTest, TheOpenButtonTakesATypedNameThatDoesNotExist)
 {
     InDialog([&](QFileDialog& dialog) {
