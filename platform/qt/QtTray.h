@@ -33,7 +33,7 @@ private:
     const IconSet& icons_;
     std::map<std::uint32_t, PictureBox*> boxes_;
     std::unique_ptr<QSystemTrayIcon> icon_;
-    QTimer watch_; ///< looks whether the area is still there
+    QTimer watch_;             ///< looks whether the area is still there
     bool viaNotifier_ = false; ///< the icon is one of the status-notifier kind, told of over the session's bus
 };
 

@@ -201,8 +201,8 @@ TEST_F(OpenDialogTest, ATypedPathOfAFileInTheFolderShownIsTakenByEnterAndByTheBu
     QDir(QString::fromStdString(home.Path("Documents"))).mkdir("letters");
     for (const char* name : {"Documents/notes.txt", "Documents/notes two.txt", "Documents/letters/dear.txt"})
         home.Touch(name);
-    for (const char* name : {"Documents/notes.txt", "Documents/notes two.txt", "Documents/letters/dear.txt",
-                             "Documents/none.txt"}) {
+    for (const char* name :
+         {"Documents/notes.txt", "Documents/notes two.txt", "Documents/letters/dear.txt", "Documents/none.txt"}) {
         for (const bool enter : {true, false}) {
             InDialog([&](QFileDialog& dialog) {
                 dialog.setDirectory(QString::fromStdString(home.Path("Documents")));
