@@ -13,9 +13,48 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMimeData>
+#include <QStringDecoder>
+
+#include <algorithm>
 
 namespace voxmate::qt
 {
+
+namespace
+{
+
+// The kind of a format, without the parameters behind it.
+QString KindOf(const QString& format)
+{
+    return format.section(QLatin1Char(';'), 0, 0).trimmed().toLower();
+}
+
+// How a format says its text is encoded; UTF-8 where it doesn't, or names what is not known.
+QStringConverter::Encoding EncodingOf(const QString& format)
+{
+    const QString mark = QStringLiteral("charset=");
+    const qsizetype at = format.indexOf(mark, 0, Qt::CaseInsensitive);
+    QString name = at < 0 ? QString() : format.mid(at + mark.size()).section(QLatin1Char(';'), 0, 0);
+    name.remove(QLatin1Char('"'));
+    return QStringConverter::encodingForName(name.trimmed().toLatin1().constData()).value_or(QStringConverter::Utf8);
+}
+
+// The format in which something copied has a plain text, null when it has none. Not the toolkit's hasText(), for which
+// the address that a copied picture came from is a text, and which knows no format with a charset.
+QString PlainTextFormat(const QMimeData* content)
+{
+    if (!content)
+        return {};
+    const QString plain = QStringLiteral("text/plain");
+    if (content->hasFormat(plain))
+        return plain;
+    const QStringList formats = content->formats();
+    const auto found =
+        std::find_if(formats.begin(), formats.end(), [&](const QString& format) { return KindOf(format) == plain; });
+    return found == formats.end() ? QString() : *found;
+}
+
+} // namespace
 
 QtWindowSystem::QtWindowSystem(const std::string& shareDirectory)
     : icons_(ToQt(shareDirectory) + QStringLiteral("/icons"))
@@ -101,14 +140,18 @@ bool QtWindowSystem::ShowFont(FontSpec& font, int minSize, int maxSize)
 
 bool QtWindowSystem::ClipboardGetFormat(int format)
 {
-    // Not the toolkit's hasText(), for which the address that a copied picture came from is a text.
-    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
-    return format == vbCFText && content && content->hasFormat(QStringLiteral("text/plain"));
+    return format == vbCFText && !PlainTextFormat(QGuiApplication::clipboard()->mimeData()).isNull();
 }
 
 std::string QtWindowSystem::ClipboardGetText()
 {
-    return ClipboardGetFormat(vbCFText) ? FromQt(QGuiApplication::clipboard()->text()) : "";
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    const QString format = PlainTextFormat(content);
+    if (format.isNull())
+        return "";
+    if (!format.contains(QLatin1Char(';')))
+        return FromQt(QGuiApplication::clipboard()->text());
+    return FromQt(QStringDecoder(EncodingOf(format)).decode(content->data(format)));
 }
 
 void QtWindowSystem::ClipboardClear()

@@ -345,6 +345,32 @@ TEST_F(QtTest, TheClipboardGivesTheTextItHolds)
     EXPECT_FALSE(windows.ClipboardGetFormat(2));
 }
 
+TEST_F(QtTest, TheClipboardsTextMaySayHowItIsEncoded)
+{
+    for (const auto& [format, bytes] : std::vector<std::pair<const char*, QByteArray>>{
+             {"text/plain;charset=utf-8", "Gr\xC3\xBC\xC3\x9F"
+                                          "e"},
+             {"text/plain; charset=\"UTF-8\"; format=flowed", "Gr\xC3\xBC\xC3\x9F"
+                                                              "e"},
+             {"text/plain;charset=ISO-8859-1", "Gr\xFC\xDF"
+                                               "e"},
+             {"text/plain;charset=utf-16le", QByteArray("G\0r\0\xFC\0\xDF\0e\0", 10)},
+             {"text/plain;charset=no-such", "Gr\xC3\xBC\xC3\x9F"
+                                            "e"}}) {
+        auto* content = new QMimeData;
+        content->setData(QString::fromLatin1(format), bytes);
+        QGuiApplication::clipboard()->setMimeData(content);
+        EXPECT_TRUE(windows.ClipboardGetFormat(vbCFText)) << format;
+        EXPECT_EQ(windows.ClipboardGetText(), "Gr\u00FC\u00DFe") << format;
+    }
+    auto* content = new QMimeData;
+    content->setData(QStringLiteral("text/plainer;charset=utf-8"), "no");
+    content->setData(QStringLiteral("text/html"), "<b>no</b>");
+    QGuiApplication::clipboard()->setMimeData(content);
+    EXPECT_FALSE(windows.ClipboardGetFormat(vbCFText));
+    EXPECT_EQ(windows.ClipboardGetText(), "");
+}
+
 TEST_F(QtTest, AnEmptyClipboardHoldsNoText)
 {
     windows.ClipboardSetText("before");
