@@ -18,7 +18,10 @@ RATE = 44100  # samples per second of the recording
 SCREEN = (1600, 1100)
 
 
-def wait_for(condition, timeout=10.0, step=0.02, what="condition"):
+PATIENCE = 60  # seconds for what takes a moment on a quiet machine: how long a busy one takes is no test's verdict
+
+
+def wait_for(condition, timeout=PATIENCE, step=0.02, what="condition"):
     """Polls until condition() is true and returns its value; fails after timeout seconds."""
     end = time.monotonic() + timeout
     while True:
@@ -210,7 +213,7 @@ class Desk:
                 child.terminate()
         for child in reversed(self.children):
             try:
-                child.wait(5)
+                child.wait(PATIENCE)
             except subprocess.TimeoutExpired:
                 child.kill()
                 child.wait()
@@ -277,7 +280,7 @@ class Desk:
     def end(self, program):
         if program.poll() is None:
             program.terminate()
-            program.wait(10)
+            program.wait(PATIENCE)
         self.log.close()
 
     # Eyes.
@@ -316,7 +319,7 @@ class Desk:
                 visit(application)
         return found
 
-    def find(self, name, role=None, timeout=10.0):
+    def find(self, name, role=None, timeout=PATIENCE):
         """The first showing widget whose accessible name is or begins with `name`."""
 
         def look():
@@ -326,7 +329,7 @@ class Desk:
 
         return wait_for(look, timeout, what=f"the widget {name!r}")
 
-    def gone(self, name, timeout=10.0):
+    def gone(self, name, timeout=PATIENCE):
         wait_for(lambda: not any(w[0].startswith(name) for w in self.widgets()), timeout, what=f"{name!r} going away")
 
     def texts(self):

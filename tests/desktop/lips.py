@@ -125,7 +125,7 @@ class DistantEar:
             click = numpy.full(desktop.RATE // 20, 16000, dtype="<i2").tobytes()
             subprocess.run(["pacat", "--raw", "--format=s16le", "--channels=1", f"--rate={desktop.RATE}"], input=click,
                            env=desk.env, check=True)
-            here, there = (desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0], 0.1), 20, what="a click")[0]
+            here, there = (desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0], 0.1), what="a click")[0]
                            for recorder in (close, self.recorder))
             _, ends, times = close.snapshot()
             self.origin = close.time_of(here, ends, times) - there / desktop.RATE

@@ -34,7 +34,7 @@ class Companions(ProgramCase):
 
     def assert_companion(self, title, what):
         window = desktop.wait_for(lambda: self.shown(title), what=what)
-        desktop.wait_for(lambda: not self.lacking(window), 5, what=f"{what}, which lacks {self.lacking(window)}")
+        desktop.wait_for(lambda: not self.lacking(window), what=f"{what}, which lacks {self.lacking(window)}")
 
     def speak(self, text):
         self.desk.find("Text to read").queryEditableText().setTextContents(text)
@@ -58,7 +58,7 @@ class Companions(ProgramCase):
     def test_it_stays_above_maximised_windows_when_windows_of_the_program_open(self):
         self.desk.install_defaults(**self.defaults, ShowTipAtStartUp=1)
         self.start()
-        self.desk.find("Tip", timeout=20)
+        self.desk.find("Tip")
         self.desk.find("Text to read")
         character = int(self.character())
         for title in ("Maximised one", "Maximised two"):
@@ -80,7 +80,7 @@ class Companions(ProgramCase):
         begin = self.now()
         text = "What is said meanwhile is still heard."
         self.speak(text)
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * self.rendered_length(text), 20, what="the sentence")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * self.rendered_length(text), what="the sentence")
         for title in ("Voxmate character", "Voxmate balloon"):
             self.assertIsNone(self.shown(title), f"{title} over the film")
         # A window above it, as one that the user has turned to, and the film again.
@@ -103,7 +103,7 @@ class Companions(ProgramCase):
         self.end(film)
         self.assert_companion("Voxmate character", "the character back after the film")
         self.assert_companion("Voxmate balloon", "the balloon back after the film")
-        desktop.wait_for(lambda: self.desk.window_rect(self.character()) == place, 5, what="the character's place")
+        desktop.wait_for(lambda: self.desk.window_rect(self.character()) == place, what="the character's place")
 
     def test_after_a_smaller_screen_the_character_stands_where_the_user_had_put_it(self):
         self.start_and_settle()

@@ -40,7 +40,7 @@ class Photographer:
 
     def window(self, name, title):
         """The newest window of that title with its frame and a little of the desktop."""
-        window = desktop.wait_for(lambda: self.desk.windows(title), 20, what=title)[-1]
+        window = desktop.wait_for(lambda: self.desk.windows(title), what=title)[-1]
         time.sleep(0.4)
         self.content(name, self.desk.window_rect(window))
 
@@ -62,7 +62,7 @@ class Photographer:
     def main_windows(self):
         program = self.start(ShowCharacterAtStart=1)
         self.window("splash", "^Voxmate$")
-        text = self.desk.find("Text to read", timeout=20)
+        text = self.desk.find("Text to read")
         time.sleep(3)
         self.desk.click(text)
         self.desk.type("Good morning! Whatever you type here, I read aloud for you, and my balloon reads along.")
@@ -81,7 +81,7 @@ class Photographer:
         second = self.desk.spawn(os.path.join(self.desk.build, "voxmate"), env=dict(self.desk.env, **self.environment))
         self.window("box-running", "Voxmate - Running")
         self.press("OK")
-        second.wait(5)
+        second.wait(desktop.PATIENCE)
         self.desk.click(text)
         self.desk.key("alt+f")
         self.desk.key("Right")
@@ -122,7 +122,7 @@ class Photographer:
 
     def balloon(self, settings, name, say, wait, place):
         program = self.start(LastCharacter=name, **settings)
-        text = self.desk.find("Text to read", timeout=20)
+        text = self.desk.find("Text to read")
         time.sleep(3)
         self.desk.click(text)
         self.desk.type(say)
@@ -158,7 +158,7 @@ class Photographer:
 
     def dialogs(self):
         program = self.start(ShowCharacterAtStart=0, AutoReadTip=0, ReadMessages=0)
-        text = self.desk.find("Text to read", timeout=20)
+        text = self.desk.find("Text to read")
         time.sleep(3)
         self.press("User Options")
         for tab in ("Character", "Reading", "Misc", "Reminders"):
@@ -193,7 +193,7 @@ class Photographer:
         self.reminders_file(*[(title, later + datetime.timedelta(days=11 * i, minutes=75 * i), text, done)
                               for i, (title, text, done) in enumerate(titles)])
         program = self.start(ShowCharacterAtStart=0, ReadMessages=0)
-        text = self.desk.find("Text to read", timeout=20)
+        text = self.desk.find("Text to read")
         time.sleep(3)
         self.menu(text, "alt+r", "s")
         self.window("editor", "^Voxmate Reminders")
@@ -220,7 +220,7 @@ class Photographer:
                     program = self.start(ShowCharacterAtStart=0, ReminderType=0, RemAlertAction=0, RemAlertClose=0, RemAlertShape=shape,
                                          RemAlertGradient=gradient, RemAlertColor=color, ReminderSentenceSpeak=0, ReminderTitleSpeak=0,
                                          ReminderDateSpeak=0, ReminderTimeSpeak=0, ReminderDescSpeak=0)
-                    desktop.wait_for(lambda: self.desk.windows("^frmAlert$"), 20, what="the alert")
+                    desktop.wait_for(lambda: self.desk.windows("^frmAlert$"), what="the alert")
                     time.sleep(2)
                     right, bottom = self.desk.screen
                     picture = self.desk.screenshot(box=(right - cell[0], bottom - cell[1], right, bottom))
@@ -243,7 +243,7 @@ class Photographer:
 
     def boxes(self):
         program = self.start(SpeakTimeInterval=547)
-        box = self.desk.find("Voxmate", role="alert", timeout=20)
+        box = self.desk.find("Voxmate", role="alert")
         time.sleep(0.4)
         self.content("box-runtime-error", self.desk.rect(box))
         self.desk.end(program)
@@ -258,7 +258,7 @@ class Photographer:
         program = self.start()
         self.desk.end(program)
         program = self.desk.start(PULSE_SERVER="unix:/nonexistent/sound", **self.environment)
-        self.desk.click(self.desk.find("Text to read", timeout=20))
+        self.desk.click(self.desk.find("Text to read"))
         self.desk.type("Anybody there?")
         self.press("Speak the textbox text")
         self.window("box-audio", "Voxmate - Audio Output Problem")
@@ -278,7 +278,7 @@ class Photographer:
             shutil.copy(shipped, chars)
             shutil.copy(shipped, os.path.join(chars, "Other.acs"))
             program = self.start(CharacterPath=chars)
-            text = self.desk.find("Text to read", timeout=20)
+            text = self.desk.find("Text to read")
             time.sleep(3)
             os.remove(os.path.join(chars, "Other.acs"))
             self.desk.click(text)
@@ -300,7 +300,7 @@ class Photographer:
             self.desk.install_defaults(CharacterPath=os.path.join(folder, "nowhere"))
             program = self.desk.spawn(os.path.join(folder, "voxmate"),
                                       env=dict(self.desk.env, PATH="/nonexistent", **self.environment))
-            self.desk.find("Voxmate - Path Error", timeout=20)
+            self.desk.find("Voxmate - Path Error")
             self.press("Yes")
             time.sleep(1)
             self.window("box-download", "Voxmate - Path Error")

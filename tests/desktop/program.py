@@ -123,10 +123,10 @@ class ProgramCase(unittest.TestCase):
     def start_and_settle(self, **environment):
         """Starts the program and waits until its window is there and it has been idle for half a second."""
         self.start(**environment)
-        self.desk.find("Text to read", timeout=20)
+        self.desk.find("Text to read")
         self.settle()
 
-    def settle(self, timeout=40, quiet=0.5):
+    def settle(self, timeout=desktop.PATIENCE, quiet=0.5):
         since = [None]
 
         def quiet_long_enough():
@@ -142,7 +142,7 @@ class ProgramCase(unittest.TestCase):
         """The status line's first panel."""
         return next(w[2] for w in self.desk.widgets() if w[0] in (IDLE, "Busy..."))
 
-    def box_text(self, title, timeout=20):
+    def box_text(self, title, timeout=desktop.PATIENCE):
         """Waits for a message box and returns its text."""
         box = self.desk.find(title, role="alert", timeout=timeout)
         labels = [node.name for node in self._descendants(box) if node.getRoleName() == "label" and node.name]
@@ -152,7 +152,7 @@ class ProgramCase(unittest.TestCase):
     def press(self, name):
         self.desk.click(self.desk.find(name, role="push button"))
 
-    def has_ended(self, timeout=5, status=0):
+    def has_ended(self, timeout=desktop.PATIENCE, status=0):
         self.assertEqual(self.program.wait(timeout), status)
 
     def boxes(self):
@@ -184,7 +184,7 @@ class ProgramCase(unittest.TestCase):
             new = set(self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split())
             return new - known
 
-        window = desktop.wait_for(popup, 5, what="the character's menu").pop()
+        window = desktop.wait_for(popup, what="the character's menu").pop()
         time.sleep(0.2)
         left, top, width, height = self.desk.window_rect(window)
         item = (height - 12) / 5  # the rule and the frame take some 12 pixels

@@ -34,7 +34,7 @@ class Character(ProgramCase):
         self.desk.type(text)
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin), 5, what="sound")
+        desktop.wait_for(lambda: self.heard_since(begin), what="sound")
 
     def phrases(self, command):
         """What the character says to a command, by the default settings."""
@@ -66,7 +66,7 @@ class Character(ProgramCase):
                 expected = sum(self.rendered_length(text) for text in self.phrases(command))
                 status = StatusWatch(self.status_panel())
                 self.choose(command)
-                desktop.wait_for(lambda: self.heard_since(begin), 10, what=command)
+                desktop.wait_for(lambda: self.heard_since(begin), what=command)
                 self.settle()
                 status.stop()
                 samples = self.recorder.snapshot()[0][begin:]
@@ -77,14 +77,14 @@ class Character(ProgramCase):
 
     def test_an_open_menu_stays_open_when_the_balloon_comes(self):
         self.choose("hide")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
         self.desk.click(self.desk.find("Text to read"))
         self.desk.type(SENTENCE)
         self.press("Speak the textbox text")
         self.desk.key("alt+f")
-        self.desk.find("Exit", timeout=3)
+        self.desk.find("Exit")
         self.assertFalse(self.desk.windows("^Voxmate balloon$"))
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 10, what="the balloon")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), what="the balloon")
         time.sleep(0.3)
         self.assertIn("Exit", self.desk.texts())
         self.desk.key("Escape")
@@ -105,14 +105,14 @@ class Character(ProgramCase):
         chosen = time.monotonic()
         self.desk.run("xdotool", "click", "1")
         self.quiet_from(chosen)
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
         self.assertFalse(self.desk.windows("^Voxmate balloon$"))
         self.press(CHARACTER_BUTTON)
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
         self.settle()
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin), 5, what="sound after the character has come back")
+        desktop.wait_for(lambda: self.heard_since(begin), what="sound after the character has come back")
 
     def test_the_right_button_shows_the_cast_and_each_of_it_takes_the_stage(self):
         for name in ("Tock", "Gamp", "Nalu"):
@@ -123,8 +123,8 @@ class Character(ProgramCase):
                 for _ in range(("Gamp", "Nalu", "Tock").index(name) + 1):
                     self.desk.key("Down")
                 self.desk.key("Return")
-                self.desk.find(name.upper(), timeout=10)
-                desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == f'"{name}"', 3, what="the setting")
+                self.desk.find(name.upper())
+                desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == f'"{name}"', what="the setting")
                 self.settle()
                 self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
                 self.speak("Hello")
@@ -134,7 +134,7 @@ class Character(ProgramCase):
 
     def test_a_character_that_is_dragged_takes_its_balloon_along(self):
         self.speak()
-        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 5, what="the balloon")[0]
+        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), what="the balloon")[0]
         _, (x, y, width, height) = self.character_window()
         bx, by, _, _ = self.desk.window_rect(balloon)
         self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "mousedown", "1")

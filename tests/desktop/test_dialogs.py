@@ -28,7 +28,7 @@ class Options(TourCase):
         """Presses Apply, after which the file has these values."""
         self.use("Apply")
         for name, value in values.items():
-            desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} in the file")
+            desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} in the file")
 
     def boxes_and_buttons(self, without=()):
         """Toggles every check box of the tab that is not disabled, there and back, and chooses every option button."""
@@ -36,11 +36,11 @@ class Options(TourCase):
             if control.role == "check box" and control.name not in without:
                 for value in (not self.has(control.node, "CHECKED"), self.has(control.node, "CHECKED")):
                     self.click(control)
-                    desktop.wait_for(lambda: self.has(control.node, "CHECKED") == value, 3, what=f"the check of {control.name}")
+                    desktop.wait_for(lambda: self.has(control.node, "CHECKED") == value, what=f"the check of {control.name}")
         for control in self.walk(OPTIONS):
             if control.role == "radio button":
                 self.click(control)
-                desktop.wait_for(lambda: self.has(control.node, "CHECKED"), 3, what=f"the choice of {control.name}")
+                desktop.wait_for(lambda: self.has(control.node, "CHECKED"), what=f"the choice of {control.name}")
 
     def test_every_control_of_the_options_does_what_it_says(self):
         self.start_touring()
@@ -48,7 +48,7 @@ class Options(TourCase):
         self.opened(OPTIONS)
         for tab in ("Character", "Reading", "Misc", "Reminders"):
             self.use(tab, "page tab", OPTIONS)
-            desktop.wait_for(lambda: any(c.role == "filler" and c.name == tab for c in self.walk(OPTIONS)), 3, what=f"the page {tab}")
+            desktop.wait_for(lambda: any(c.role == "filler" and c.name == tab for c in self.walk(OPTIONS)), what=f"the page {tab}")
             self.look(OPTIONS, "options-" + tab.lower())
         self.reminders_tab()
         self.use("Misc", "page tab")
@@ -78,7 +78,7 @@ class Options(TourCase):
         self.applied(BalloonTotalLines="dword:00000003", BalloonCharactersPerLine="dword:00000018", CharacterSize="dword:00000002",
                      BalloonFontName='"DejaVu Serif"', BalloonFontSize="dword:0000000e", CharacterPath=f'"{self.cast}/"')
         self.use("Default")
-        desktop.wait_for(lambda: self.text_in("Total lines") == "2", 3, what="the default")
+        desktop.wait_for(lambda: self.text_in("Total lines") == "2", what="the default")
         self.use("Cancel", window=OPTIONS)
         self.closed(OPTIONS)
         self.assertEqual(self.desk.read_settings()["BalloonTotalLines"], "dword:00000003")
@@ -88,7 +88,7 @@ class Options(TourCase):
         self.put("Total lines", "4")
         self.use("OK", window=OPTIONS)
         self.closed(OPTIONS)
-        desktop.wait_for(lambda: self.desk.read_settings()["BalloonTotalLines"] == "dword:00000004", 3, what="the lines in the file")
+        desktop.wait_for(lambda: self.desk.read_settings()["BalloonTotalLines"] == "dword:00000004", what="the lines in the file")
         self.everything_was_pressed(OPTIONS, "Font", PICKER)
 
     def reminders_tab(self):
@@ -96,7 +96,7 @@ class Options(TourCase):
         self.put("Sentence to speak", "Listen please")
         self.put("Auto close time in seconds", "7")
         self.use("Preview")
-        alert = desktop.wait_for(self.alerts, 5, what="the alert")[0]
+        alert = desktop.wait_for(self.alerts, what="the alert")[0]
         self.assertTrue(any("Test reminder window to be closed in 7  second(s)." in text for text in self.desk.texts()))
         time.sleep(1)
         self.check_names()
@@ -109,7 +109,7 @@ class Options(TourCase):
         self.toggle("Always on top")
         self.applied(ReminderSentence='"Listen please"', RemAlertCloseTime="dword:00000007", RemAlertColor="dword:00000003",
                      RemAlertAction="dword:00000001", ReminderType="dword:00000001", ReminderOnTop="dword:00000000")
-        desktop.wait_for(lambda: not self.alerts(), 8, what="the alert going away")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
 
     def font_box(self):
         """A face is typed, one is clicked, a size is typed; Cancel keeps what was, OK takes it over."""
@@ -122,7 +122,7 @@ class Options(TourCase):
             self.look("Font", "font")
             self.pressed.add(("Font", "list", "Fonts"))
             self.click_node(entry.node)
-            desktop.wait_for(lambda: self.text_in("Font", "Font") == "DejaVu Serif", 3, what="the face in the field")
+            desktop.wait_for(lambda: self.text_in("Font", "Font") == "DejaVu Serif", what="the face in the field")
             self.use("Size", "spin button")
             self.desk.key("ctrl+a")
             self.desk.type("14")
@@ -169,7 +169,7 @@ class Options(TourCase):
         self.click_node(next(c.node for c in self.walk(title) if c.role == "list item" and c.name == os.path.basename(folder)))
         self.goes_to(title, folder)
         self.use("Create New Folder", window=title)
-        desktop.wait_for(lambda: os.path.isdir(os.path.join(folder, "New Folder")), 3, what="the new folder")
+        desktop.wait_for(lambda: os.path.isdir(os.path.join(folder, "New Folder")), what="the new folder")
         self.desk.key("Return")
         os.rmdir(os.path.join(folder, "New Folder"))
         self.use("List View", window=title)
@@ -199,7 +199,7 @@ class Options(TourCase):
         return self.control("Look in", "combo box", title).node.name.removesuffix(".")
 
     def goes_to(self, title, folder):
-        desktop.wait_for(lambda: self.shown(title) == folder, 3, what=f"{title} showing {folder}")
+        desktop.wait_for(lambda: self.shown(title) == folder, what=f"{title} showing {folder}")
 
     def test_every_control_of_the_file_dialog_does_what_it_says(self):
         self.start_touring()
@@ -251,7 +251,7 @@ class Small(TourCase):
         for name, setting in (("Auto Read Tip", "AutoReadTip"), ("Show Tips at Startup", "ShowTipAtStartUp")):
             for value in ("dword:00000001", "dword:00000000"):
                 self.toggle(name)
-                desktop.wait_for(lambda: self.desk.read_settings()[setting] == value, 3, what=f"{setting} in the file")
+                desktop.wait_for(lambda: self.desk.read_settings()[setting] == value, what=f"{setting} in the file")
         self.use("OK", window="Tip of the Day")
         self.closed("Tip of the Day")
         self.everything_was_pressed("Tip of the Day")
@@ -271,7 +271,7 @@ class Small(TourCase):
         self.desk.gone("System Information Is Unavailable At This Time")
         started = self.fake("hardinfo")
         self.use("System Info...")
-        desktop.wait_for(lambda: started() == [""], 3, what="the tool being started")
+        desktop.wait_for(lambda: started() == [""], what="the tool being started")
         time.sleep(0.3)
         self.assertNotIn("System Information Is Unavailable At This Time", self.desk.texts())
         self.use("OK", window="About Voxmate ®")
@@ -307,25 +307,25 @@ class Reminders(TourCase):
         self.look(self.EDITOR, "editor")
         self.use("Bank", "table cell")
         self.pressed.add((self.EDITOR, "tree", "Reminders"))
-        desktop.wait_for(lambda: self.text_in("Title") == "Bank", 3, what="the chosen reminder in the fields")
+        desktop.wait_for(lambda: self.text_in("Title") == "Bank", what="the chosen reminder in the fields")
         self.assertTrue(self.has(self.control("Marked as done", "check box").node, "CHECKED"))
         # The list is said to be in the order of its first column, which a click turns round.
         for column, order in (("Id", ["Bank", "Tea"]), ("Date", ["Tea", "Bank"]), ("Title", ["Bank", "Tea"]), ("Title", ["Tea", "Bank"]),
                               ("Time", ["Bank", "Tea"])):
             self.use(column, "table column header", self.EDITOR)
-            desktop.wait_for(lambda: self.rows() == order, 3, what=f"the order by {column}")
+            desktop.wait_for(lambda: self.rows() == order, what=f"the order by {column}")
         for arrow, month in (("Year before", "March 2098"), ("Month before", "February 2098"), ("Month after", "March 2098"),
                              ("Year after", "March 2099")):
             self.use(arrow, window=self.EDITOR)
-            desktop.wait_for(lambda: self.month() == month, 3, what=month)
+            desktop.wait_for(lambda: self.month() == month, what=month)
         today = datetime.date.today()
         self.use(f"Today, {today:%A}, {today.day} {today:%B} {today.year}")
-        desktop.wait_for(lambda: self.month() == f"{today:%B} {today.year}", 3, what="this month")
+        desktop.wait_for(lambda: self.month() == f"{today:%B} {today.year}", what="this month")
         self.use("Year after")
         day = next(c for c in self.walk(self.EDITOR) if c.name == DAY and c.node.name.split(", ")[1].startswith("15 "))
         self.pressed.add(day.key())
         self.click_node(day.node)
-        desktop.wait_for(lambda: self.has(day.node, "CHECKED"), 3, what="the chosen day")
+        desktop.wait_for(lambda: self.has(day.node, "CHECKED"), what="the chosen day")
         when = datetime.datetime(today.year + 1, today.month, 15, 8, 30)
 
         self.put("Title", "Supper")
@@ -333,14 +333,14 @@ class Reminders(TourCase):
         self.put("Description", "Soup")
         self.toggle("Marked as done")
         self.use("Add")
-        desktop.wait_for(lambda: self.slots()[2:] == [record("Supper", when, "Soup")], 5, what="the added reminder")
+        desktop.wait_for(lambda: self.slots()[2:] == [record("Supper", when, "Soup")], what="the added reminder")
         self.put("Title", "Dinner")
         self.use("Update")
         self.answer("Are you sure you want to update the selected reminder ?", "Yes", "box-update")
-        desktop.wait_for(lambda: self.slots()[2:] == [record("Dinner", when, "Soup")], 5, what="the changed reminder")
+        desktop.wait_for(lambda: self.slots()[2:] == [record("Dinner", when, "Soup")], what="the changed reminder")
         self.use("Delete")
         self.answer("Are you sure you want to delete the selected reminder ?", "Yes", "box-delete")
-        desktop.wait_for(lambda: len(self.slots()) == 2, 5, what="the shorter list")
+        desktop.wait_for(lambda: len(self.slots()) == 2, what="the shorter list")
         self.put("Title", "")
         self.use("Update")
         self.answer("Are you sure you want to update the selected reminder ?", "Yes")
@@ -375,27 +375,27 @@ class Reminders(TourCase):
         self.put("Snooze minutes", "15")
         self.use("Snooze", window=title)
         self.closed(title)
-        desktop.wait_for(lambda: fields(self.slots()[0])[3] != "2004", 3, what="another time in the file")
+        desktop.wait_for(lambda: fields(self.slots()[0])[3] != "2004", what="another time in the file")
         self.desk.end(self.program)
         self.write(record("Call", PAST, "Bank"))
         self.start_touring()
         self.opened(title)
         self.use("OK", window=title)
         self.closed(title)
-        desktop.wait_for(lambda: self.done() == ["Y"], 3, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
         self.everything_was_pressed(title, "Voxmate - Reminders")
 
     def test_a_click_answers_an_alert(self):
         self.write(record("Call", PAST, "Bank"))
         self.start_touring()
-        x, y, width, height = self.desk.window_rect(desktop.wait_for(self.alerts, 5, what="the alert")[0])
-        desktop.wait_for(lambda: self.places()[0][1] + height == desktop.SCREEN[1], 5, what="the alert in its place")
+        x, y, width, height = self.desk.window_rect(desktop.wait_for(self.alerts, what="the alert")[0])
+        desktop.wait_for(lambda: self.places()[0][1] + height == desktop.SCREEN[1], what="the alert in its place")
         self.check_names()
         x, y, width, height = self.places()[0]
         self.picture("alert", (x - 8, y - 8, x + width, y + height))
         self.desk.click_at(x + width // 2, y + height // 2)
-        desktop.wait_for(lambda: self.done() == ["Y"], 8, what="the mark in the file")
-        desktop.wait_for(lambda: not self.alerts(), 5, what="the alert going away")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
 
 
 class Boxes(TourCase):
@@ -403,7 +403,7 @@ class Boxes(TourCase):
         with tempfile.TemporaryDirectory() as folder:
             self.desk.install_defaults(**{**self.defaults, "CharacterPath": folder + "/", "UserName": "", "Pitch": 5000})
             self.start()
-            desktop.wait_for(lambda: any(c.name == "A desktop assistant that talks" for c in self.walk()), 5, step=0.01, what="the splash")
+            desktop.wait_for(lambda: any(c.name == "A desktop assistant that talks" for c in self.walk()), step=0.01, what="the splash")
             self.check_names()
             x, y, width, height = self.desk.window_rect(self.desk.windows("^Voxmate$")[-1])
             self.picture("splash", (x, y, x + width, y + height))
@@ -427,7 +427,7 @@ class Boxes(TourCase):
         self.closed(title)
         self.use("Text to read", "text")
         self.desk.key("ctrl+v")
-        desktop.wait_for(lambda: self.text_in("Text to read") == page, 3, what="the address in the text box")
+        desktop.wait_for(lambda: self.text_in("Text to read") == page, what="the address in the text box")
 
 
 if __name__ == "__main__":

@@ -67,10 +67,10 @@ class EffectsCase(OptionsCase):
 
     def open_options(self):
         super().open_options()
-        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Options$"), 3, what="the dialog")[-1]
+        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Options$"), what="the dialog")[-1]
         self.desk.run("xdotool", "windowmove", window, "20", "40")
         # The toolkit learns of it a little later.
-        desktop.wait_for(lambda: self.desk.rect(self.dialog)[0] < 40, 3, what="the dialog beside the main window")
+        desktop.wait_for(lambda: self.desk.rect(self.dialog)[0] < 40, what="the dialog beside the main window")
 
     def set(self, tab, *changes):
         """Makes changes on a tab, each a kind, a name and what the control shows then, and applies them."""
@@ -93,7 +93,7 @@ class EffectsCase(OptionsCase):
         first, last = desktop.loud_span(samples)
         return samples[first:last][:int(seconds * desktop.RATE)]
 
-    def hear(self, begin, text, seconds=60.0, timeout=12):
+    def hear(self, begin, text, seconds=60.0, timeout=desktop.PATIENCE):
         """Waits until a text, or so many seconds of its beginning, has been said since `begin`."""
         rendering = self.rendered(text, seconds)
         end = time.monotonic() + timeout
@@ -151,7 +151,7 @@ class AtOnce(EffectsCase, ReminderCase):
         """Has the text in the box spoken; returns how many pictures of the balloon were seen."""
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.1 and self.balloon(), 5, what="the balloon")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.1 and self.balloon(), what="the balloon")
         pictures = set()
         while IDLE not in self.desk.texts():
             pictures.add(self.picture())
@@ -159,7 +159,7 @@ class AtOnce(EffectsCase, ReminderCase):
 
     def resized(self, before, what):
         """The new width and height of the balloon."""
-        return desktop.wait_for(lambda: self.balloon() and self.balloon()[2:] != before and self.balloon()[2:], 3, what=what)
+        return desktop.wait_for(lambda: self.balloon() and self.balloon()[2:] != before and self.balloon()[2:], what=what)
 
     def balloon_follows(self):
         # It does not hide by itself and stands there for what follows.
@@ -183,17 +183,17 @@ class AtOnce(EffectsCase, ReminderCase):
         before = self.picture()
         self.choose_font("DejaVu Sans Mono", "24")
         self.apply()
-        desktop.wait_for(lambda: self.picture() != before, 3, what="other letters")
+        desktop.wait_for(lambda: self.picture() != before, what="other letters")
         self.set("Character", ("check box", "Auto Pace", "off"))
         self.assertEqual(self.speak(), 1, "all words at once")
         self.set("Character", ("check box", "Show Balloon", "off"))
-        desktop.wait_for(lambda: not self.balloon(), 3, what="the balloon going")
+        desktop.wait_for(lambda: not self.balloon(), what="the balloon going")
         self.set("Character", ("check box", "Show Balloon", "on"))
-        desktop.wait_for(self.balloon, 3, what="the balloon coming back")
+        desktop.wait_for(self.balloon, what="the balloon coming back")
         time.sleep(0.5)
         self.assertTrue(self.balloon(), "it stays")
         self.set("Character", ("check box", "Auto Hide", "on"))
-        desktop.wait_for(lambda: not self.balloon(), 4, what="the balloon hiding by itself")
+        desktop.wait_for(lambda: not self.balloon(), what="the balloon hiding by itself")
 
     def click_character(self):
         _, (x, y, width, height) = self.character_window()
@@ -210,7 +210,7 @@ class AtOnce(EffectsCase, ReminderCase):
     def sound_effects_follow(self):
         begin = self.now()
         self.set("Character", ("check box", "Enable character sound effects", "on"))
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, 3, what="the sound of the gesture that follows")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, what="the sound of the gesture that follows")
         time.sleep(0.3)
         begin = self.now()
         self.set("Character", ("check box", "Enable character sound effects", "off"))
@@ -247,14 +247,14 @@ class AtOnce(EffectsCase, ReminderCase):
         begin = self.now()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+r")
-        self.desk.find("Show All Reminders", timeout=5)
+        self.desk.find("Show All Reminders")
         self.desk.key("s")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders"), 5, what="the editor")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders"), what="the editor")
         self.desk.find("Update", role="push button")
         self.desk.key("Escape")
-        self.desk.find("Do you want to save changes ?", timeout=5)
+        self.desk.find("Do you want to save changes ?")
         self.desk.key("alt+n")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), what="the editor going away")
         return begin
 
     def says(self, begin, *texts):
@@ -266,7 +266,7 @@ class AtOnce(EffectsCase, ReminderCase):
 
     def notice(self):
         """The notice's window, when it has come, and whether it is kept above others."""
-        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), 10, what="the notice")[0]
+        window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), what="the notice")[0]
         self.desk.find("Snooze", role="push button")
         return b"_NET_WM_STATE_ABOVE" in self.desk.run("xprop", "-id", window, "_NET_WM_STATE")
 
@@ -274,11 +274,11 @@ class AtOnce(EffectsCase, ReminderCase):
         self.settle()
         begin = self.now()
         self.press("Snooze")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminder$"), 5, what="the notice going away")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminder$"), what="the notice going away")
         return begin
 
     def alert(self):
-        return desktop.wait_for(self.alerts, 10, step=0.005, what="the alert")[0]
+        return desktop.wait_for(self.alerts, step=0.005, what="the alert")[0]
 
     def pixels(self, window, *places):
         """Colours at places of an alert: right and bottom are counted from the other side where they are negative."""
@@ -318,7 +318,7 @@ class AtOnce(EffectsCase, ReminderCase):
         upper_left, lower_right = self.pixels(window, (3, 3), (-3, -3))
         self.assertGreater(min(upper_left), 245, "white in the upper corner: the colour comes from the lower one")
         self.assertLess(max(abs(a - b) for a, b in zip(lower_right, (255, 200, 200))), 8, "red, and in the very corner")
-        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert going away")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
         self.assertAlmostEqual(time.monotonic() - came, 5, delta=0.7)  # it comes and goes in half a second each
         self.become(self.done, ["Y"])
         self.quiet(begin, 0)
@@ -330,21 +330,21 @@ class AtOnce(EffectsCase, ReminderCase):
         tops = [self.desk.window_rect(window)[1] for _ in range(40)]
         self.assertGreater(len(set(tops)), 3, "it does not slide")
         bottom = desktop.SCREEN[1]
-        desktop.wait_for(lambda: sum(self.desk.window_rect(window)[1::2]) == bottom, 5, what="the alert in its place")
+        desktop.wait_for(lambda: sum(self.desk.window_rect(window)[1::2]) == bottom, what="the alert in its place")
         time.sleep(0.2)
         upper, middle, lower_right = self.pixels(window, (80, 3), (80, -30), (-3, -3))
         self.assertLess(max(abs(a - b) for a, b in zip(upper, (255, 255, 192))), 8, "yellow above")
         self.assertEqual(lower_right, (0x3b, 0x6e, 0x8f), "the desktop beside a round corner")
         x, y, width, height = self.desk.window_rect(window)
         self.desk.click_at(x + width // 2, y + height // 2)
-        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert sliding away")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert sliding away")
 
     def help_box(self, said):
         """Has a message shown; its first second or two is read as told, or none of it."""
         begin = self.now()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h", "h")
-        self.desk.find("Voxmate - Help", role="alert", timeout=5)
+        self.desk.find("Voxmate - Help", role="alert")
         if said:
             self.hear(begin, said, 1.5)
         else:
@@ -371,11 +371,11 @@ class AtOnce(EffectsCase, ReminderCase):
         self.turn_to("Character")
         self.browse(other.rstrip("/"))
         self.apply()
-        self.desk.find("DOT", timeout=5)
+        self.desk.find("DOT")
         self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+f", "c")
-        desktop.wait_for(lambda: {"Dot", "Spot"} <= set(self.desk.texts()), 5, what="the characters in the menu")
+        desktop.wait_for(lambda: {"Dot", "Spot"} <= set(self.desk.texts()), what="the characters in the menu")
         self.assertNotIn("Disc", self.desk.texts())
         self.desk.key("Escape", "Escape", "Escape")
 
@@ -385,9 +385,9 @@ class AtOnce(EffectsCase, ReminderCase):
         self.set("Misc", ("check box", "When closed minimize to system tray", "on"))
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+F4")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 5, what="the iconified window")
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
         self.desk.run("xdotool", "windowactivate", "--sync", window)
-        self.desk.find("Text to read", timeout=5)
+        self.desk.find("Text to read")
         self.set("Misc", ("check box", "When closed minimize to system tray", "off"))
 
     def the_minute_follows(self, started):
@@ -396,7 +396,7 @@ class AtOnce(EffectsCase, ReminderCase):
         # A minute since the start, or now when that is over.
         rest = max(0.0, 60 - (time.monotonic() - started))
         self.quiet(begin, max(0.0, rest - 4))
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.5, 12, what="the time told by itself")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.5, what="the time told by itself")
         self.hear(begin, self.clock(12), 1.2)
 
 

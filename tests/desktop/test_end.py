@@ -20,11 +20,11 @@ class EndCase(TrayCase):
         """Moves the bar of the speed; what the file must say of it."""
         self.desk.click(self.desk.find("Speed", role="scroll bar"))
         self.desk.key("Home", "Right", "Right", "Right")
-        self.desk.find("= 43", role="label", timeout=5)
+        self.desk.find("= 43", role="label")
         return "dword:0000002b"
 
     def ends_with(self, speed):
-        self.has_ended(timeout=20)
+        self.has_ended()
         self.assertEqual(self.desk.read_settings()["Speed"], speed)
 
 
@@ -50,24 +50,24 @@ class Signals(EndCase):
         self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.find("About Voxmate", role="menu item")
         self.desk.key("a")
         self.press("System Info...")
-        self.desk.find("System Information Is Unavailable At This Time", timeout=5)
+        self.desk.find("System Information Is Unavailable At This Time")
         self.program.terminate()
-        self.has_ended(timeout=20)
+        self.has_ended()
         self.start_and_settle()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+f")
-        self.desk.find("Put in System Tray", timeout=5)
+        self.desk.find("Put in System Tray")
         self.program.terminate()
-        self.has_ended(timeout=20)
+        self.has_ended()
 
     def test_it_ends_while_its_splash_is_up(self):
         self.start()
-        self.desk.find("A desktop assistant", timeout=20)
+        self.desk.find("A desktop assistant")
         self.program.terminate()
-        self.has_ended(timeout=20)
+        self.has_ended()
 
 
 class Session(EndCase):
@@ -85,9 +85,9 @@ class Session(EndCase):
     def tearDown(self):
         super().tearDown()
         self.tray.terminate()
-        self.tray.wait(5)
+        self.tray.wait(desktop.PATIENCE)
         self.manager.stdin.close()
-        self.manager.wait(5)
+        self.manager.wait(desktop.PATIENCE)
         self.manager.stdout.close()
 
     def tell(self, word):
@@ -117,15 +117,15 @@ class Session(EndCase):
         self.desk.click(self.desk.find("Text to read"))
         self.desk.type("one two three four five six seven eight nine ten eleven twelve thirteen fourteen")
         self.press("Speak the textbox text")
-        self.desk.find("Busy...", timeout=10)
+        self.desk.find("Busy...")
         self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.find("About Voxmate", role="menu item")
         self.desk.key("h")
         self.box_text("Voxmate - Help")
         self.tell("save")
         self.assertEqual(self.told(), "saved")
         self.tell("die")
-        self.has_ended(timeout=20)
+        self.has_ended()
 
     def test_it_ends_with_the_session_when_it_is_in_the_tray(self):
         self.start_in_session()
@@ -133,7 +133,7 @@ class Session(EndCase):
         self.tell("save")
         self.assertEqual(self.told(), "saved")
         self.tell("die")
-        self.has_ended(timeout=20)
+        self.has_ended()
 
     def test_it_goes_on_when_the_user_stays(self):
         self.start_in_session()
@@ -145,7 +145,7 @@ class Session(EndCase):
         self.tell("save")
         self.assertEqual(self.told(), "saved")
         self.tell("die")
-        self.has_ended(timeout=20)
+        self.has_ended()
 
 
 class Display(unittest.TestCase):
@@ -157,8 +157,8 @@ class Display(unittest.TestCase):
         desk.install_defaults(**EndCase.defaults)
         program = desk.start()
         self.addCleanup(desk.end, program)
-        desktop.wait_for(lambda: desk.windows("^Voxmate$"), 20, what="the window")
-        desktop.wait_for(lambda: "ReminderSentence" in desk.read_settings(), 20, what="the settings")
+        desktop.wait_for(lambda: desk.windows("^Voxmate$"), what="the window")
+        desktop.wait_for(lambda: "ReminderSentence" in desk.read_settings(), what="the settings")
         display = desk.children[0]
         display.terminate()
         self.assertEqual(program.wait(20), 0)

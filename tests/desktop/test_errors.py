@@ -33,7 +33,7 @@ class Errors(ReminderCase):
         text = self.box_text("Voxmate - Unhandled Error")
         self.assertIn("\nError No. - 7\nError Description - Out of memory\nFunction/Module ID - 4\n", text)
         self.press("OK")
-        self.has_ended(timeout=60)
+        self.has_ended()
         self.assertEqual(self.slots(), [record("Tea", FUTURE, "Green")])
 
 

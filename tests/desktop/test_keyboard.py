@@ -45,11 +45,11 @@ class KeyboardCase(TourCase):
             control = self.focused(window)
             return control if control and control.key() != before else None
         self.desk.key("Tab")
-        return desktop.wait_for(another, 3, what=f"the keyboard leaving {before}")
+        return desktop.wait_for(another, what=f"the keyboard leaving {before}")
 
     def tab_to(self, name, window, role=None):
         """Presses Tab until the control of this name has the keyboard."""
-        control = desktop.wait_for(lambda: self.focused(window), 3, what=f"the keyboard in {window}")
+        control = desktop.wait_for(lambda: self.focused(window), what=f"the keyboard in {window}")
         for _ in range(40):
             if control.name == name and (role is None or control.role == role):
                 return
@@ -61,7 +61,7 @@ class KeyboardCase(TourCase):
         wanted = {c.key() for c in self.walk(window) if takes_keyboard(c) and c.role != "radio button"
                   and self.has(c.node, "FOCUSABLE") and self.has(c.node, "ENABLED")}
         self.assertTrue(wanted)
-        first = desktop.wait_for(lambda: self.focused(window), 3, what=f"the keyboard in {window}").key()
+        first = desktop.wait_for(lambda: self.focused(window), what=f"the keyboard in {window}").key()
         reached = [first]
         while len(reached) == 1 or reached[-1] != first:
             reached.append(self.tab(window, reached[-1]).key())
@@ -76,10 +76,10 @@ class KeyboardCase(TourCase):
     def open_by(self, title, *keys):
         self.keys(*keys)
         self.opened(title)
-        desktop.wait_for(lambda: self.focused(title), 3, what=f"the keyboard in {title}")
+        desktop.wait_for(lambda: self.focused(title), what=f"the keyboard in {title}")
 
     def setting(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
 
 
 class Windows(KeyboardCase):
@@ -124,7 +124,7 @@ class Windows(KeyboardCase):
                 self.keys(key)
                 self.setting(name, value)
         self.keys("alt+r")
-        desktop.wait_for(lambda: "Busy..." in self.desk.texts(), 3, what="the busy status")
+        desktop.wait_for(lambda: "Busy..." in self.desk.texts(), what="the busy status")
         self.keys("alt+n")
         self.close_by_escape(tip)
         # Enter presses the button that looks so: it begins with OK.
@@ -134,9 +134,9 @@ class Windows(KeyboardCase):
         self.closed(tip)
         self.open_by(tip, "alt+f", "t")
         self.tab_to("Next Tip", tip)
-        desktop.wait_for(lambda: self.default_button(tip) == "Next Tip", 3, what="Next Tip as the default")
+        desktop.wait_for(lambda: self.default_button(tip) == "Next Tip", what="Next Tip as the default")
         self.tab_to("Auto Read Tip", tip)
-        desktop.wait_for(lambda: self.default_button(tip) == "OK", 3, what="OK as the default")
+        desktop.wait_for(lambda: self.default_button(tip) == "OK", what="OK as the default")
         self.close_by_escape(tip)
         # Enter presses the button that has the keyboard, else OK.
         self.open_by(tip, "alt+f", "t")
@@ -235,18 +235,18 @@ class Windows(KeyboardCase):
         self.tab_to("OK", title)
         self.keys("space")
         self.closed(title)
-        desktop.wait_for(lambda: self.done() == ["Y"], 3, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
 
     def test_an_alert_which_takes_no_keys_is_answered_by_a_screen_reader(self):
         self.write(record("Call", PAST, "Bank"))
         self.start_by_keys()
-        desktop.wait_for(self.alerts, 5, what="the alert")
+        desktop.wait_for(self.alerts, what="the alert")
         alert = next(c.node for c in self.walk() if c.role == "alert")
         actions = alert.queryAction()
         self.assertEqual([actions.getName(number) for number in range(actions.nActions)], ["Press"])
         actions.doAction(0)
-        desktop.wait_for(lambda: self.done() == ["Y"], 8, what="the mark in the file")
-        desktop.wait_for(lambda: not self.alerts(), 5, what="the alert going away")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
 
 
 class Menus(KeyboardCase):
@@ -298,13 +298,13 @@ class Menus(KeyboardCase):
         pages = (("c", 0, "characters"), ("c", 1, "installing"), ("c", 2, "making"), ("v", 0, "installing"), ("v", 1, "voices"))
         for number, (key, down, page) in enumerate(pages):
             self.keys("alt+h", key, *["Down"] * down, "Return")
-            desktop.wait_for(lambda: len(opened()) > number, 3, what=f"the page {page}")
+            desktop.wait_for(lambda: len(opened()) > number, what=f"the page {page}")
             self.assertEqual(os.path.basename(opened()[-1]), page + ".html")
         self.opens("About Voxmate ®", "alt+h", "a")
         # Without a tray the window becomes an icon.
         window = self.main_window()
         self.keys("alt+f", "s")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 5, what="the iconified window")
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
         self.activate(window)
         self.opened("Voxmate")
         self.keys("alt+f", "e")

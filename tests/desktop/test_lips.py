@@ -85,7 +85,7 @@ class HeldSound(Lips):
         self.assertIn(0, seen)
         self.assertGreater(len(set(seen)), 3)
         self.speaker.play_on()
-        self.settle(timeout=60)
+        self.settle()
         self.assertIsNone(self.mouth())
 
     def becomes(self, look, wanted, what):
@@ -106,7 +106,7 @@ class UnheldSound(Lips):
         balloon = Watch(self.desk, (0, 0, 1, 1), lambda _: bool(self.balloons()))
         pressed = len(ear.heard())
         self.press("Speak the textbox text")
-        self.settle(timeout=60)
+        self.settle()
         mouth.stop()
         balloon.stop()
         first = desktop.wait_for(lambda: desktop.loud_span(ear.heard(pressed)), what="the sound")[0]

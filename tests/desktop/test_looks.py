@@ -68,7 +68,7 @@ class Looks(ReminderCase):
                                      "--heighttype", "pixel", "--height", str(PANEL), "--SetDockType", "true",
                                      "--SetPartialStrut", "true")
         self.addCleanup(self.panel.terminate)
-        self.room = desktop.wait_for(self.room_under_the_panel, 5, what="the panel")
+        self.room = desktop.wait_for(self.room_under_the_panel, what="the panel")
 
     def room_under_the_panel(self):
         answer = self.desk.run("xprop", "-root", "-notype", "_NET_WORKAREA").decode()
@@ -93,7 +93,7 @@ class Looks(ReminderCase):
         """Looks at the newest window of this title, when it has settled; how many of its parts were measured. `hint` names a field
         that shows what it is for."""
         pattern = "^" + title.replace("?", "\\?") + "$"
-        window = desktop.wait_for(lambda: self.desk.windows(pattern), 10, what=title)[-1]
+        window = desktop.wait_for(lambda: self.desk.windows(pattern), what=title)[-1]
         self.desk.run("xdotool", "mousemove", "2", str(self.desk.screen[1] - 2))
         time.sleep(settle)
         x, y, width, height = self.whole(window, framed)
@@ -165,16 +165,16 @@ class Looks(ReminderCase):
 
     def close(self, title):
         self.desk.key("Escape")
-        desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), 5, what=f"{title} going away")
+        desktop.wait_for(lambda: not self.desk.windows("^" + title + "$"), what=f"{title} going away")
 
     def look_at_all(self):
         shutil.rmtree(os.path.join(BUILD, self.pictures), ignore_errors=True)
         later = datetime.datetime(2099, 3, 7, 9, 5)
         self.write(record("Call the bank", later, "About the card"), record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green", "Y"))
         self.start(**self.environment)
-        self.desk.find("A desktop assistant", timeout=20)
+        self.desk.find("A desktop assistant")
         self.assertGreater(self.look("Voxmate", "splash", framed=False, settle=0.1), 3)  # it stays for two seconds
-        self.desk.find("Text to read", timeout=20)
+        self.desk.find("Text to read")
         self.settle()
         ground_of_main = self.look_at_main()
         self.assertEqual(luminance(ground_of_main) < 0.2, self.dark, "the theme's ground")
@@ -192,7 +192,7 @@ class Looks(ReminderCase):
         self.assertGreater(self.look("Voxmate Reminders - CURRENTLY ENABLED", "editor"), 60)
         self.press("Close")
         self.press("No")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), what="the editor going away")
         self.press("Open and Read a Text Document")
         self.assertGreater(self.look("Open Text File to Read...", "open"), 8)
         self.close("Open Text File to Read...")
@@ -225,8 +225,8 @@ class Looks(ReminderCase):
             self.desk.click(self.desk.find(tab, role="page tab"))
             self.assertGreater(self.look("Voxmate Options", "options-" + tab.lower()), parts)
         self.press("Preview")
-        alert = desktop.wait_for(self.alerts, 5, what="the alert")[0]
-        desktop.wait_for(lambda: self.desk.window_rect(alert)[1] + self.desk.window_rect(alert)[3] <= self.room[3], 5, what="its rise")
+        alert = desktop.wait_for(self.alerts, what="the alert")[0]
+        desktop.wait_for(lambda: self.desk.window_rect(alert)[1] + self.desk.window_rect(alert)[3] <= self.room[3], what="its rise")
         x, y, width, height = self.whole(alert, framed=False)
         time.sleep(0.5)
         picture = self.desk.screenshot(os.path.join(BUILD, self.pictures, "alert.png"), box=(x, y, x + width, y + height))
@@ -268,7 +268,7 @@ class SmallAndDark(Looks):
         _, (x, y, width, height) = self.character_window()
 
         def beside(title, picture):
-            window = desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), 5, what=title)[-1]
+            window = desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), what=title)[-1]
             time.sleep(0.3)
             left, top, wide, high = self.whole(window)
             self.desk.screenshot(os.path.join(BUILD, self.pictures, "beside-" + picture + ".png"))
@@ -329,18 +329,18 @@ class Changing(Looks):
     def test_open_windows_follow_the_theme_and_the_font(self):
         self.start_and_settle(**self.environment)
         self.menu("alt+f", "t")
-        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), 10, what="the tip")
+        desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), what="the tip")
         self.desk.run("xdotool", "windowactivate", "--sync", self.main_window())
         for key in ("alt+h", "h"):
             self.desk.key(key)
             time.sleep(0.3)
         windows = ("Voxmate", "Tip of the Day", "Voxmate - Help")
         for title in windows:
-            desktop.wait_for(lambda title=title: self.desk.windows("^" + title + "$"), 10, what=title)
+            desktop.wait_for(lambda title=title: self.desk.windows("^" + title + "$"), what=title)
         self.assertEqual([self.is_dark(title) for title in windows], [False, False, False])
         self.write_theme(self.dark_colours)
         self.tell("ColorScheme", "Dark")
-        desktop.wait_for(lambda: all(self.is_dark(title) for title in windows), 10, what="the dark windows")
+        desktop.wait_for(lambda: all(self.is_dark(title) for title in windows), what="the dark windows")
         self.assertGreater(self.look("Voxmate - Help", "box"), 1)
         self.close("Voxmate - Help")
         self.desk.run("xdotool", "windowactivate", "--sync", self.desk.windows("^Tip of the Day$")[-1])
@@ -348,7 +348,7 @@ class Changing(Looks):
         size = self.desk.window_rect(self.main_window())[2:]
         self.write_theme(self.dark_colours + "[General]\nfont=DejaVu Serif,16,-1,5,50,0,0,0,0,0\n")
         self.tell("font", "DejaVu Serif,16,-1,5,50,0,0,0,0,0")
-        desktop.wait_for(lambda: self.desk.window_rect(self.main_window())[3] > size[1] + 20, 10, what="the larger window")
+        desktop.wait_for(lambda: self.desk.window_rect(self.main_window())[3] > size[1] + 20, what="the larger window")
         self.assertGreater(self.look("Voxmate", "main"), 20)
 
 

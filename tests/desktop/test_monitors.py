@@ -33,7 +33,7 @@ class Monitors(ReminderCase):
         """Where the lower right corner of an announcement is that has come to stand."""
         self.write(record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green"))
         self.start(**environment)
-        left, top, width, height = desktop.wait_for(self.places, 20, what="the alert")[0]
+        left, top, width, height = desktop.wait_for(self.places, what="the alert")[0]
         return left + width, top + height
 
     def test_a_panel_on_the_monitor_of_the_announcement_is_not_covered(self):

@@ -27,7 +27,7 @@ def focused_text(desk):
 
 def wait_and_type(desk, title, text):
     """Types a file's name into the open dialog."""
-    desk.find(title, timeout=20)
+    desk.find(title)
     field = desktop.wait_for(lambda: focused_text(desk), what="the field for the file's name")
     desk.key("ctrl+a")
     desk.type(text)
@@ -91,7 +91,7 @@ class Reading(ReadingCase):
                 begin = self.now()
                 self.press("Open and Read a Text Document")
                 wait_and_type(self.desk, "Open Text File to Read...", path)
-                desktop.wait_for(lambda: self.heard_since(begin), 20, what="the text")
+                desktop.wait_for(lambda: self.heard_since(begin), what="the text")
                 self.settle()
                 expected = self.rendered_length("Käthe und Jürgen. \nBye")
                 self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
@@ -102,7 +102,7 @@ class Reading(ReadingCase):
         self.desk.key("ctrl+a", "ctrl+c", "Delete")
         begin = self.now()
         self.press("Speak Clipboard Text")
-        desktop.wait_for(lambda: self.heard_since(begin), 20, what="the clipboard's text")
+        desktop.wait_for(lambda: self.heard_since(begin), what="the clipboard's text")
         box = self.desk.find("Text to read")
         self.assertEqual(box.queryText().getText(0, -1), "Copied from here")
 
@@ -123,14 +123,14 @@ class Reading(ReadingCase):
                     return box.queryText().getText(0, -1) == text
 
                 begin = self.now()
-                desktop.wait_for(read, 10, step=0.5, what="the clipboard's text")
-                desktop.wait_for(lambda: self.heard_since(begin), 5, what="the clipboard's text being spoken")
+                desktop.wait_for(read, step=0.5, what="the clipboard's text")
+                desktop.wait_for(lambda: self.heard_since(begin), what="the clipboard's text being spoken")
             finally:
                 owner.terminate()
 
     def test_a_cancelled_dialog_is_quiet_and_wrong_files_are_said(self):
         self.press("Open and Read a Text Document")
-        self.desk.find("Open Text File to Read...", timeout=20)
+        self.desk.find("Open Text File to Read...")
         desktop.wait_for(lambda: focused_text(self.desk), what="the field for the file's name")
         self.desk.key("Escape")
         self.desk.gone("Open Text File to Read...")
@@ -172,7 +172,7 @@ class Reading(ReadingCase):
         _, (x, y, width, height) = self.character_window()
         mouth = Watch(self.desk, (x + width // 2 - 24, y + height * 5 // 9 - 12, x + width // 2 + 24, y + height * 5 // 9 + 16))
         self.play(path)
-        desktop.wait_for(lambda: self.heard_since(begin), 20, what="the tone")
+        desktop.wait_for(lambda: self.heard_since(begin), what="the tone")
         self.settle()
         mouth.stop()
         samples, ends, times = self.recorder.snapshot()
@@ -185,7 +185,7 @@ class Reading(ReadingCase):
             data = file.read()
         begin = self.now()
         self.play(self.file("half.wav", data[:44 + rate * 3]))
-        desktop.wait_for(lambda: self.heard_since(begin), 20, what="half of the tone")
+        desktop.wait_for(lambda: self.heard_since(begin), what="half of the tone")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin), 1.5, delta=0.09)
 
@@ -207,7 +207,7 @@ class Reading(ReadingCase):
             with self.subTest(name):
                 begin = self.now()
                 self.play(os.path.join(self.folder, name))
-                desktop.wait_for(lambda: self.heard_since(begin), 5, what="the tone")
+                desktop.wait_for(lambda: self.heard_since(begin), what="the tone")
                 self.settle()
                 first, last = self.heard_since(begin)
                 self.assertAlmostEqual((last - first) / desktop.RATE, 2, delta=0.09)
@@ -263,7 +263,7 @@ class Reading(ReadingCase):
         for path in files:
             self.press("Open and Read a Text Document")
             wait_and_type(self.desk, "Open Text File to Read...", path)
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * expected, 20, what="both texts")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * expected, what="both texts")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
         long = self.file("long.txt", (SENTENCE * 10).encode())
@@ -271,7 +271,7 @@ class Reading(ReadingCase):
         for path in (long, files[0]):
             self.press("Open and Read a Text Document")
             wait_and_type(self.desk, "Open Text File to Read...", path)
-        desktop.wait_for(lambda: self.heard_since(begin), 20, what="the long text")
+        desktop.wait_for(lambda: self.heard_since(begin), what="the long text")
         self.stop_reading()
 
 
@@ -319,7 +319,7 @@ class WordCase(ReadingCase):
         return listed.stdout.split()
 
     def nothing_left(self):
-        desktop.wait_for(lambda: not self.processors() and not os.listdir(self.temporary), 20, what="all being cleaned up")
+        desktop.wait_for(lambda: not self.processors() and not os.listdir(self.temporary), what="all being cleaned up")
 
     def open_word(self, path):
         self.press("Open and Read a Word Document")
@@ -332,8 +332,8 @@ class Word(WordCase):
         begin = self.now()
         status = StatusWatch(self.status_panel())
         self.open_word(path)
-        desktop.wait_for(lambda: self.heard_since(begin), 60, what="the first part")
-        desktop.wait_for(lambda: "Busy..." in status.texts(), 20, what="the reading to be queued")
+        desktop.wait_for(lambda: self.heard_since(begin), what="the first part")
+        desktop.wait_for(lambda: "Busy..." in status.texts(), what="the reading to be queued")
         status.stop()
         parts = [seen for seen in status.texts() if seen and seen.startswith("Reading part ")]
         self.assertIn("Opening Word Document. Please wait...", status.texts())
@@ -355,14 +355,14 @@ class Word(WordCase):
                 begin = self.now()
                 path = self.file(name, content)
                 self.open_word(path)
-                desktop.wait_for(lambda: IDLE in self.desk.texts(), 60, what="the end of " + name)
+                desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the end of " + name)
                 self.settle()
                 self.assertEqual(self.boxes(), [])
                 self.assertIsNone(self.heard_since(begin))
                 self.nothing_left()
         empty = self.file("zero.doc", b"")
         self.open_word(empty)
-        self.assertEqual(self.box_text("Voxmate - File Error", timeout=60),
+        self.assertEqual(self.box_text("Voxmate - File Error"),
                          "The below WORD document you are trying to open contains no text:\n" + empty)
         self.press("OK")
         self.desk.gone("Voxmate - File Error")
@@ -377,7 +377,7 @@ class Word(WordCase):
             with self.subTest(path):
                 begin = self.now()
                 self.open_word(path)
-                desktop.wait_for(lambda: self.heard_since(begin), 60, what="the document")
+                desktop.wait_for(lambda: self.heard_since(begin), what="the document")
                 self.settle()
                 self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
                 self.assertEqual(self.boxes(), [])
@@ -396,9 +396,9 @@ class Word(WordCase):
         begin = self.now()
         status = StatusWatch(self.status_panel())
         self.open_word(path)
-        desktop.wait_for(self.processors, 20, step=0.01, what="the word processor")
+        desktop.wait_for(self.processors, step=0.01, what="the word processor")
         self.desk.click_at(x + width // 2, y + height // 2)
-        desktop.wait_for(lambda: status.texts()[-1] == IDLE, 20, what="the end")
+        desktop.wait_for(lambda: status.texts()[-1] == IDLE, what="the end")
         status.stop()
         self.assertIn("Opening Word Document. Please wait...", status.texts())
         self.assertFalse([seen for seen in status.texts() if seen and seen.startswith("Reading part")])
@@ -417,12 +417,12 @@ class WholeDocument(WordCase):
         one = self.rendered_length(sentence)
         begin = self.now()
         self.open_word(path)
-        desktop.wait_for(lambda: self.sound_since(begin) > 3.5 * one, 60, what="the fourth part")
+        desktop.wait_for(lambda: self.sound_since(begin) > 3.5 * one, what="the fourth part")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin) / (4 * one), 1, delta=0.05)
         begin = self.now()
         self.open_word(long)
-        desktop.wait_for(lambda: self.sound_since(begin) > 1.2 * one, 60, what="the second part")
+        desktop.wait_for(lambda: self.sound_since(begin) > 1.2 * one, what="the second part")
         self.stop_reading()
         # A busy machine presses the button some parts later.
         self.assertLess(self.sound_since(begin), 15 * one)

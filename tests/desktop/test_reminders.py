@@ -88,7 +88,7 @@ class Alerts(ReminderCase):
         self.addCleanup(recorder.stop)
         begin = int(recorder.snapshot()[1][-1])
         self.start()
-        window = desktop.wait_for(self.alerts, 20, step=0.005, what="the alert")[0]
+        window = desktop.wait_for(self.alerts, step=0.005, what="the alert")[0]
         tops = []
         for _ in range(400):
             tops.append(self.desk.window_rect(window)[1])
@@ -110,8 +110,8 @@ class Alerts(ReminderCase):
         self.assertAlmostEqual(heard, spoken, delta=0.05 * spoken)
         self.assertEqual(self.done(), ["N"])
         self.desk.click_at(left + width // 2, top + height // 2)
-        desktop.wait_for(lambda: not self.alerts(), 10, what="the alert sliding away")
-        desktop.wait_for(lambda: self.done() == ["Y"], 3, what="the mark in the file")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert sliding away")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
         time.sleep(1.2)
         self.assertEqual(self.alerts(), [], "announced again")
 
@@ -125,8 +125,8 @@ class Alerts(ReminderCase):
         watch = Watch(self.desk, (desktop.SCREEN[0] - 40, desktop.SCREEN[1] - 30, desktop.SCREEN[0] - 10, desktop.SCREEN[1] - 10))
         self.addCleanup(watch.stop)
         self.start()
-        desktop.wait_for(self.alerts, 20, what="the alert")
-        desktop.wait_for(lambda: not self.alerts(), 15, what="the alert going away")
+        desktop.wait_for(self.alerts, what="the alert")
+        desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
         watch.stop()
         moments = [moment for moment, _ in watch.seen]
         lasts, number = max((after - before, i) for i, (before, after) in enumerate(zip(moments[1:], moments[2:]), 1))
@@ -135,7 +135,7 @@ class Alerts(ReminderCase):
         self.assertGreater(number - 1, 4, "it does not fade in")
         self.assertGreater(len(moments) - number - 1, 4, "it does not fade out")
         self.assertEqual(watch.seen[0][1], watch.seen[-1][1], "something is left behind")
-        desktop.wait_for(lambda: self.done() == ["Y"], 3, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
 
     def test_three_at_once_stand_above_one_another_and_take_no_keys(self):
         self.settings()
@@ -144,19 +144,19 @@ class Alerts(ReminderCase):
         self.desk.click(self.desk.find("Text to read"))
         self.program_reads_file_anew([record(name, soon, "now") for name in ("One", "Two", "Three")])
         self.desk.type("abcdefghijklmnopqrstuvwxyz" * 4)
-        desktop.wait_for(lambda: len(self.alerts()) == 3, 15, what="three alerts")
-        desktop.wait_for(lambda: len({place[1] for place in self.places()}) == 3, 10, what="three places")
+        desktop.wait_for(lambda: len(self.alerts()) == 3, what="three alerts")
+        desktop.wait_for(lambda: len({place[1] for place in self.places()}) == 3, what="three places")
         self.assertEqual(self.desk.find("Text to read").queryText().getText(0, -1), "abcdefghijklmnopqrstuvwxyz" * 4)
 
     def program_reads_file_anew(self, records):
         """Has the running program load the file by opening and closing its editor."""
         self.write(*records)
         self.desk.key("alt+r")
-        self.desk.find("Show All Reminders", timeout=5)
+        self.desk.find("Show All Reminders")
         self.desk.key("s")
-        self.desk.find("Reminders", timeout=5)
+        self.desk.find("Reminders")
         self.desk.key("Escape")
-        self.desk.find("Do you want to save changes ?", timeout=5)
+        self.desk.find("Do you want to save changes ?")
         self.desk.key("alt+n")
         self.desk.click(self.desk.find("Text to read"))
 
@@ -172,19 +172,19 @@ class Notices(ReminderCase):
     def test_ok_marks_it_done(self):
         self.write(record("Call", datetime.datetime(2004, 3, 7, 9, 5), "Bank"))
         self.start()
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         texts = self.desk.texts()
         for text in ("Missed Reminder", "Call", "09:05", "1"):
             self.assertIn(text, texts)
         self.press("OK")
-        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
-        desktop.wait_for(lambda: not self.notices(), 5, what="the notice going away")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
+        desktop.wait_for(lambda: not self.notices(), what="the notice going away")
         self.assertEqual(self.slots(), [record("Call", datetime.datetime(2004, 3, 7, 9, 5), "Bank", "Y")])
 
     def test_snooze_sets_it_again_from_now(self):
         self.write(record("Call", datetime.datetime(2004, 3, 7, 9, 5), "Bank"))
         self.start()
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         field = self.desk.find("Snooze minutes")
         self.desk.click(field)
         self.desk.key("ctrl+a")
@@ -192,7 +192,7 @@ class Notices(ReminderCase):
         self.assertEqual(field.queryText().getText(0, -1), "15")
         now = self.minute(room=3)
         self.press("Snooze")
-        desktop.wait_for(lambda: not self.notices(), 5, what="the notice going away")
+        desktop.wait_for(lambda: not self.notices(), what="the notice going away")
         then = now + datetime.timedelta(minutes=15)
         if then.date() == now.date():
             self.assertEqual(self.slots(), [record("Call", then, "Bank")])
@@ -201,7 +201,7 @@ class Notices(ReminderCase):
         past = datetime.datetime(2004, 3, 7, 9, 5)
         self.write(*[record(name, past, "x" * 60) for name in ("One", "Two", "Three")])
         self.start()
-        desktop.wait_for(lambda: len(self.notices()) == 3, 20, what="three notices")
+        desktop.wait_for(lambda: len(self.notices()) == 3, what="three notices")
         places = [self.desk.window_rect(window) for window in self.notices()]
         self.assertEqual(len({place[:2] for place in places}), 3)
         for x, y, width, height in places:
@@ -226,17 +226,17 @@ class Kept(ReminderCase):
 
     def answer(self):
         self.press("OK")
-        desktop.wait_for(lambda: not self.notices(), 10, what="the notice going away")
+        desktop.wait_for(lambda: not self.notices(), what="the notice going away")
 
     def test_an_answer_given_while_another_program_has_the_file_is_in_it_afterwards(self):
         self.write(record("Call", self.call, "Bank"))
         self.start()
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         with open(self.path, "rb") as held:
             fcntl.flock(held, fcntl.LOCK_EX)
             self.answer()
             self.assertEqual(self.done(), ["N"])
-        desktop.wait_for(lambda: self.done() == ["Y"], 15, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
         self.assertEqual(self.boxes(), [])
 
     def test_a_file_that_is_held_at_the_start_is_read_when_it_is_free(self):
@@ -249,14 +249,14 @@ class Kept(ReminderCase):
             self.assertEqual(self.notices(), [])
         self.press("OK")
         self.desk.gone("Voxmate - Reminders")
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         self.answer()
-        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
 
     def test_an_answer_that_cannot_be_written_is_told_of_once_and_written_when_it_can_be(self):
         self.write(record("Call", self.call, "Bank"), record("Tea", self.call, "Green"))
         self.start()
-        desktop.wait_for(lambda: len(self.notices()) == 2, 20, what="two notices")
+        desktop.wait_for(lambda: len(self.notices()) == 2, what="two notices")
         obstacle = os.path.join(self.folder, "VoxmateReminders.tmp.new")
         os.mkdir(obstacle)
         self.addCleanup(lambda: os.path.isdir(obstacle) and os.rmdir(obstacle))
@@ -266,7 +266,7 @@ class Kept(ReminderCase):
         self.assertIn("Your answer is kept in memory", text)
         self.assertEqual(self.done(), ["N", "N"])
         os.rmdir(obstacle)
-        desktop.wait_for(lambda: sorted(self.done() or []) == ["N", "Y"], 20, what="the mark in the file")
+        desktop.wait_for(lambda: sorted(self.done() or []) == ["N", "Y"], what="the mark in the file")
 
     def test_a_file_that_is_a_symbolic_link_stays_one(self):
         target = os.path.join(self.desk.home, "cloud")
@@ -277,9 +277,9 @@ class Kept(ReminderCase):
         os.symlink(target, self.path)
         self.addCleanup(os.remove, self.path)
         self.start()
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         self.answer()
-        desktop.wait_for(lambda: self.done() == ["Y"], 5, what="the mark in the file")
+        desktop.wait_for(lambda: self.done() == ["Y"], what="the mark in the file")
         self.assertEqual(os.readlink(self.path), target)
         self.assertEqual(self.slots(), [record("Call", self.call, "Bank", "Y")])
 
@@ -287,10 +287,10 @@ class Kept(ReminderCase):
         old = record("Call", self.call, "Bank").replace(b"\x04\0Call", b"\x04\0Caf\xe9")
         self.write(old)
         self.start()
-        desktop.wait_for(self.notices, 20, what="the notice")
+        desktop.wait_for(self.notices, what="the notice")
         self.assertIn("Caf\u00e9", self.desk.texts())
         self.answer()
-        desktop.wait_for(lambda: self.slots() == [old.replace(b"\x01\0N", b"\x01\0Y")], 5, what="the mark in the file")
+        desktop.wait_for(lambda: self.slots() == [old.replace(b"\x01\0N", b"\x01\0Y")], what="the mark in the file")
 
 
 class InvalidFile(ReminderCase):
@@ -307,7 +307,7 @@ class InvalidFile(ReminderCase):
         self.question()
         self.press("Yes")
         self.desk.gone("Voxmate - Reminders")
-        desktop.wait_for(lambda: os.path.getsize(self.path) == 0, 5, what="the empty file")
+        desktop.wait_for(lambda: os.path.getsize(self.path) == 0, what="the empty file")
         copies = glob.glob(os.path.join(self.folder, "VoxmateReminders-*.txt"))
         self.assertEqual(len(copies), 1, "a dated copy of what was in it")
         with open(copies[0], "rb") as file:
@@ -325,7 +325,7 @@ class InvalidFile(ReminderCase):
         # Switching them on is refused.
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+r", "r")
-        self.desk.find("Enable Reminders", timeout=5)
+        self.desk.find("Enable Reminders")
         self.desk.key("e")
         self.assertTrue(self.box_text("Voxmate - Reminders").startswith("Following reminders file is not having valid data:"))
         self.press("OK")
@@ -335,9 +335,9 @@ class Editor(ReminderCase):
     def open_editor(self):
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+r")
-        self.desk.find("Show All Reminders", timeout=5)
+        self.desk.find("Show All Reminders")
         self.desk.key("s")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders - CURRENTLY ENABLED$"), 5, what="the editor")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders - CURRENTLY ENABLED$"), what="the editor")
 
     def put(self, name, text):
         self.desk.click(self.desk.find(name, role="text"))
@@ -347,7 +347,7 @@ class Editor(ReminderCase):
     def answer(self, text, button):
         self.assertEqual(self.box_text("Voxmate - Reminders"), text)
         self.desk.click([w[2] for w in self.desk.widgets() if w[0].replace("&", "") == button and w[1] == "push button"][-1])
-        desktop.wait_for(lambda: text not in self.desk.texts(), 5, what="the box going away")
+        desktop.wait_for(lambda: text not in self.desk.texts(), what="the box going away")
 
     def test_reminders_are_added_changed_and_deleted_by_hand(self):
         self.start_and_settle()
@@ -370,15 +370,15 @@ class Editor(ReminderCase):
         self.put("Time", "23:59")
         self.press("Update")
         self.answer("Are you sure you want to update the selected reminder ?", "Yes")
-        desktop.wait_for(lambda: self.slots() == [record("Supper", today, "Yesterday's news")], 5, what="the changed reminder")
+        desktop.wait_for(lambda: self.slots() == [record("Supper", today, "Yesterday's news")], what="the changed reminder")
         self.press("Delete")
         self.answer("Are you sure you want to delete the selected reminder ?", "No")
         self.assertEqual(len(self.slots()), 1)
         self.press("Delete")
         self.answer("Are you sure you want to delete the selected reminder ?", "Yes")
-        desktop.wait_for(lambda: self.slots() == [], 5, what="the empty file")
+        desktop.wait_for(lambda: self.slots() == [], what="the empty file")
         self.press("Close")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), 5, what="the editor going away")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), what="the editor going away")
 
 
 if __name__ == "__main__":

@@ -27,7 +27,7 @@ class Speech(SpeechCase):
 
     def hear(self, begin):
         """Waits until something is heard that came after a sample."""
-        desktop.wait_for(lambda: self.sound_since(begin), 10, what="sound")
+        desktop.wait_for(lambda: self.sound_since(begin), what="sound")
 
     def test_a_typed_sentence_is_heard_and_as_much_of_it_as_the_engine_makes(self):
         self.start_and_settle()
@@ -107,7 +107,7 @@ class SoundServer(SpeechCase):
         recorder = self.desk.recorder()
         try:
             self.press("Speak the textbox text")
-            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 10, what="sound")
+            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="sound")
         finally:
             recorder.stop()
 
@@ -147,7 +147,7 @@ class Greeting(ProgramCase):
         recorder = self.desk.recorder()
         try:
             self.start()
-            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 20, what="the greeting")
+            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="the greeting")
             self.settle(quiet=1.0)
             samples = recorder.snapshot()[0]
             first, last = desktop.loud_span(samples)
@@ -162,12 +162,12 @@ class Greeting(ProgramCase):
         try:
             self.start()
             # The main window comes while the splash is still there, and then the greeting.
-            desktop.wait_for(lambda: len(self.desk.windows("^Voxmate$")) == 2, 20, what="the main window")
+            desktop.wait_for(lambda: len(self.desk.windows("^Voxmate$")) == 2, what="the main window")
             # So long after the program wanted to speak.
             time.sleep(1)
         finally:
             os.kill(self.desk.sound.pid, signal.SIGCONT)
-        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), 20, what="the greeting")
+        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="the greeting")
         self.settle()
         self.assertEqual(self.boxes(), [])
 

@@ -47,7 +47,7 @@ class FirstStart(ProgramCase):
     def test_with_the_defaults_file_no_box_shows_at_all(self):
         self.start()
         seen = set()
-        self.desk.find("Text to read", timeout=20)
+        self.desk.find("Text to read")
         end = time.monotonic() + 6
         while time.monotonic() < end:
             seen.update(self.boxes())
@@ -106,7 +106,7 @@ class Instances(ProgramCase):
         second = self.desk.spawn(os.path.join(BUILD, "voxmate"))
         self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
         self.press("OK")
-        self.assertEqual(second.wait(5), 0)
+        self.assertEqual(second.wait(desktop.PATIENCE), 0)
         self.assertIsNone(self.program.poll())
 
     def test_a_second_copy_in_another_session_says_so_too_because_the_folder_of_data_is_one(self):
@@ -117,7 +117,7 @@ class Instances(ProgramCase):
             self.addCleanup(self.desk.end, second)
             self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
             self.press("OK")
-            self.assertEqual(second.wait(5), 0)
+            self.assertEqual(second.wait(desktop.PATIENCE), 0)
         self.assertIsNone(self.program.poll())
 
     def test_a_crash_leaves_nothing_that_blocks_the_next_start(self):
@@ -131,7 +131,7 @@ class Instances(ProgramCase):
         self.start_and_settle()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+f")
-        self.desk.find("Exit", timeout=5)
+        self.desk.find("Exit")
         self.desk.key("e")
         self.has_ended()
 
@@ -148,7 +148,7 @@ class Lacking(ProgramCase):
 
     def test_without_a_sound_device_a_box_says_so_and_the_program_goes_on(self):
         self.start(PULSE_SERVER="unix:/nonexistent/sound")
-        self.desk.find("Text to read", timeout=20)
+        self.desk.find("Text to read")
         self.settle()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.type("Anybody there?")

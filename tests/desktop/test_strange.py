@@ -56,7 +56,7 @@ class Strange(ProgramCase):
         self.desk.type(text)
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, 20, what="the voice")
+        desktop.wait_for(lambda: self.sound_since(begin) > 0.2, what="the voice")
 
 
 class Damaged(Strange):
@@ -67,7 +67,7 @@ class Damaged(Strange):
         self.start()
         self.assertEqual(self.box_text("Voxmate - File Error"),
                          f'The character file "{path}" cannot be used: image 0 shows colour 7, which does not exist.')
-        desktop.wait_for(lambda: self.disc_pixels() > 7000, 10, what="the sound picture")
+        desktop.wait_for(lambda: self.disc_pixels() > 7000, what="the sound picture")
         self.press("OK")
         self.settle()
         self.listen()
@@ -96,8 +96,8 @@ class Endless(Strange):
                         animation("Hide", [frame((0, 0, 0), branches=[(0, 100)])])],
             states=[("Showing", ["Show"]), ("Hiding", ["Hide"])]))
         self.start()
-        self.desk.find("Text to read", timeout=20)
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 10, what="the character")
+        self.desk.find("Text to read")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character")
         self.listen()
         self.press("Stop Everything !!!")
         self.speak()
@@ -120,7 +120,7 @@ class Large(Strange):
                                   animations=[animation("RestPose", [frame((0, 0, 0))]), animation("Turn", frames)],
                                   states=[("IdlingLevel1", ["Turn"])]), CharacterSize=2)
         self.start_and_settle()
-        desktop.wait_for(lambda: self.disc_pixels() > 500000, 60, what="the character")
+        desktop.wait_for(lambda: self.disc_pixels() > 500000, what="the character")
         self.listen()
         panel, times = self.status_panel(), []
         for _ in range(200):
@@ -142,8 +142,8 @@ class Names(Strange):
         with open(folder + "Another.acs", "wb") as file:
             file.write(disc())
         self.start_and_settle()
-        self.desk.find("NALU", timeout=5)
-        desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == '"Nalu"', 5, what="the setting")
+        self.desk.find("NALU")
+        desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == '"Nalu"', what="the setting")
         self.assertEqual(self.boxes(), [])
 
 

@@ -56,11 +56,11 @@ class MainTour(TourCase):
         self.close_by_escape(title)
 
     def setting(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
 
     def becomes(self, name):
         """The character of this name has come on the stage."""
-        self.desk.find(name.upper(), role="label", timeout=10)
+        self.desk.find(name.upper(), role="label")
         self.setting("LastCharacter", f'"{name}"')
         self.settle()
         self.character_window()
@@ -99,17 +99,17 @@ class Buttons(MainTour):
             self.use(name, "scroll bar")  # to the middle
             self.desk.key(key)
             # Either of them may be the one that is in the file just now.
-            desktop.wait_for(lambda: in_file() != before and f"= {in_file()}" in self.desk.texts(), 3, what=f"the {name} shown and in the file")
+            desktop.wait_for(lambda: in_file() != before and f"= {in_file()}" in self.desk.texts(), what=f"the {name} shown and in the file")
         entry = self.next_entry("Voice Types")
         self.setting("LastSpeechEngine", f'"{entry}"')
 
         self.the_characters_own_menu()
         # It has hidden itself.
         self.use(CHARACTER_BUTTON)
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), 5, what="the character coming back")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
         self.use(CHARACTER_BUTTON, button=3)
         item = self.menu_item(("File", "Characters", "Tock"))
-        desktop.wait_for(lambda: self.has(item, "SHOWING"), 3, what="the cast")
+        desktop.wait_for(lambda: self.has(item, "SHOWING"), what="the cast")
         self.desk.click(item)
         self.becomes("Tock")
         self.everything_was_pressed("Voxmate")
@@ -128,14 +128,14 @@ class Buttons(MainTour):
         begin = self.now()
         choose("who")
         self.hears(self.phrases("who"), begin)
-        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), 3, what="the balloon")[0]
+        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), what="the balloon")[0]
         self.check_names()
         x, y, width, height = self.desk.window_rect(balloon)
         self.picture("balloon", (x - 8, y - 8, x + width + 8, y + height + 240))
         choose("stop")
         self.settle()
         choose("hide")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), 5, what="the character going")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
 
 
 class Menus(MainTour):
@@ -179,7 +179,7 @@ class Menus(MainTour):
         for path, page in PAGES.items():
             before = len(opened())
             self.choose(*path, picture="menu-pages-" + page)
-            desktop.wait_for(lambda: len(opened()) > before, 3, what=f"the page of {path}")
+            desktop.wait_for(lambda: len(opened()) > before, what=f"the page of {path}")
             file = os.path.join(BUILD, "share", "voxmate", "web", page + ".html")
             self.assertEqual(opened()[before:], ["file://" + file], path)
             self.assertTrue(os.path.exists(file), file)
@@ -213,11 +213,11 @@ class Menus(MainTour):
             self.closed("Voxmate - Reminders")
         for item in ("Enable", "Disable"):
             node = self.menu_item(("Reminders", "Enable/Disable Reminders", item + " Reminders"))
-            desktop.wait_for(lambda: self.has(node, "CHECKED") == (item == way), 3, what=f"the check mark of {item}")
+            desktop.wait_for(lambda: self.has(node, "CHECKED") == (item == way), what=f"the check mark of {item}")
 
     def double_click_icon(self):
         self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
-        desktop.wait_for(lambda: self.desk.run("xdotool", "search", "--onlyvisible", "--name", "^panel$", check=False), 3, what="the tray")
+        desktop.wait_for(lambda: self.desk.run("xdotool", "search", "--onlyvisible", "--name", "^panel$", check=False), what="the tray")
         time.sleep(0.3)
         self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
 

@@ -21,9 +21,9 @@ class TrayCase(ProgramCase):
         """Puts the window into the tray by the menu."""
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+f")
-        self.desk.find("Put in System Tray", timeout=5)
+        self.desk.find("Put in System Tray")
         self.desk.key("s")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), 5, what="the hidden window")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), what="the hidden window")
 
     def visible(self):
         """Places of the program's visible windows; a hidden window's menu is not on the accessibility bus."""
@@ -32,7 +32,7 @@ class TrayCase(ProgramCase):
 
     def choose_exit(self, before):
         """Clicks the only item of the menu that has appeared."""
-        x, y, width, height = desktop.wait_for(lambda: [p for p in self.visible() if p not in before], 5, what="the menu")[0]
+        x, y, width, height = desktop.wait_for(lambda: [p for p in self.visible() if p not in before], what="the menu")[0]
         self.assertLess(height, 40, "more than one item")
         self.desk.click_at(x + width // 2, y + height // 2)
         self.has_ended()
@@ -49,7 +49,7 @@ class Tray(TrayCase):
     def tearDown(self):
         super().tearDown()
         self.tray.terminate()
-        self.tray.wait(5)
+        self.tray.wait(desktop.PATIENCE)
 
     def icons(self):
         """Places of the icons in the tray."""
@@ -59,7 +59,7 @@ class Tray(TrayCase):
 
     def put_in_tray(self):
         self.hide()
-        return desktop.wait_for(self.icons, 5, what="the icon")[0]
+        return desktop.wait_for(self.icons, what="the icon")[0]
 
     def click_icon(self, *options):
         x, y, width, height = self.icons()[0]
@@ -74,13 +74,13 @@ class Tray(TrayCase):
         time.sleep(1)
         self.assertFalse(self.desk.windows("^Voxmate$"), "one click shows the window")
         self.click_icon("--repeat", "2", "--delay", "80", "1")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
         self.assertEqual(len(self.icons()), 1)
         # Once more: the icon is there already.
         self.put_in_tray()
         self.assertEqual(len(self.icons()), 1)
         self.click_icon("--repeat", "2", "--delay", "80", "1")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window again")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window again")
 
     def test_a_right_click_offers_exit_alone_and_exit_ends_the_program_at_once(self):
         self.start_and_settle()
@@ -88,36 +88,36 @@ class Tray(TrayCase):
         before = self.visible()
         self.click_icon("3")
         self.choose_exit(before)
-        desktop.wait_for(lambda: not self.icons(), 5, what="the icon going away")
+        desktop.wait_for(lambda: not self.icons(), what="the icon going away")
 
     def test_a_right_click_brings_the_shown_window_to_the_front_before_it_offers_exit(self):
         self.start_and_settle()
         window = self.main_window()
         self.put_in_tray()
         self.click_icon("--repeat", "2", "--delay", "80", "1")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
         x, y, width, height = self.desk.window_rect(window)
         above = self.desk.spawn("xev", "-geometry", f"{width}x{height}+{x}+{y}", "-event", "button")
         self.addCleanup(above.terminate)
-        other = desktop.wait_for(lambda: self.desk.windows("^Event Tester$"), 5, what="the window above")[0]
+        other = desktop.wait_for(lambda: self.desk.windows("^Event Tester$"), what="the window above")[0]
         self.desk.run("xdotool", "windowactivate", "--sync", other)
         self.assertEqual(self.front(), (other, other))
         before = self.visible()
         self.click_icon("3")
-        desktop.wait_for(lambda: self.front() == (window, window), 5, what="the window coming to the front")
+        desktop.wait_for(lambda: self.front() == (window, window), what="the window coming to the front")
         self.choose_exit(before)
 
     def test_the_icon_offers_exit_while_a_box_is_up(self):
         self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item", timeout=5)
+        self.desk.find("About Voxmate", role="menu item")
         self.desk.key("a")
-        about = desktop.wait_for(lambda: self.desk.windows("^About Voxmate"), 5, what="the about box")[-1]
+        about = desktop.wait_for(lambda: self.desk.windows("^About Voxmate"), what="the about box")[-1]
         self.desk.run("xdotool", "windowmove", "--sync", about, "10", "10")
         self.put_in_tray()
         self.press("System Info...")
-        self.desk.find("System Information Is Unavailable At This Time", timeout=5)
+        self.desk.find("System Information Is Unavailable At This Time")
         before = self.visible()
         self.click_icon("3")
         self.choose_exit(before)
@@ -136,29 +136,29 @@ class Tray(TrayCase):
         second = self.desk.spawn(os.path.join(BUILD, "voxmate"))
         self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
         self.press("OK")
-        self.assertEqual(second.wait(5), 0)
+        self.assertEqual(second.wait(desktop.PATIENCE), 0)
         self.assertIsNone(self.program.poll())
         self.assertFalse(self.desk.windows("^Voxmate$"), "the first copy's window")
         self.assertEqual(len(self.icons()), 1)
         self.click_icon("--repeat", "2", "--delay", "80", "1")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
 
     def test_the_window_comes_back_iconified_when_the_tray_dies(self):
         self.start_and_settle()
         window = self.desk.windows("^Voxmate$")[-1]
         self.put_in_tray()
         self.tray.terminate()
-        self.tray.wait(5)
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 8, what="the iconified window")
+        self.tray.wait(desktop.PATIENCE)
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
         self.desk.run("xdotool", "windowactivate", "--sync", window)
-        self.desk.find("Text to read", timeout=5)
+        self.desk.find("Text to read")
 
     def test_closing_puts_it_in_the_tray_when_the_user_wants_that(self):
         self.desk.install_defaults(**self.defaults, CloseToTray=1)
         self.start_and_settle()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+F4")
-        desktop.wait_for(self.icons, 5, what="the icon")
+        desktop.wait_for(self.icons, what="the icon")
         self.assertFalse(self.desk.windows("^Voxmate$"))
         self.assertIsNone(self.program.poll())
 
@@ -186,7 +186,7 @@ class Notifier(TrayCase):
     def tearDown(self):
         super().tearDown()
         self.host.terminate()
-        self.host.wait(5)
+        self.host.wait(desktop.PATIENCE)
         self.host.stdout.close()
 
     def put_in_tray(self):
@@ -214,7 +214,7 @@ class Notifier(TrayCase):
         item = self.put_in_tray()
         for _ in range(2):
             self.tell(item, "Activate")
-            desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+            desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
             self.hide()
 
     def test_a_double_click_that_the_panel_tells_as_two_activations_brings_it_back_once(self):
@@ -222,7 +222,7 @@ class Notifier(TrayCase):
         item = self.put_in_tray()
         self.tell(item, "Activate")
         self.tell(item, "Activate")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), 5, what="the window")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
         self.assertEqual(len(self.desk.windows("^Voxmate$")), 1)
 
     def test_the_panel_can_show_the_icons_menu_which_is_exit_alone(self):
@@ -234,7 +234,7 @@ class Notifier(TrayCase):
         self.bus.call(item, path, MENU, "Event", GLib.Variant("(isvu)", (entries[0][0], "clicked", GLib.Variant("i", 0), 0)), None,
                       Gio.DBusCallFlags.NONE, -1, None, None)
         self.bus.flush_sync()
-        self.has_ended(timeout=10)
+        self.has_ended()
 
     def test_the_right_button_offers_exit(self):
         self.start_and_settle()
@@ -248,8 +248,8 @@ class Notifier(TrayCase):
         window = self.desk.windows("^Voxmate$")[-1]
         self.put_in_tray()
         self.host.terminate()
-        self.host.wait(5)
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 8, what="the iconified window")
+        self.host.wait(desktop.PATIENCE)
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
 
 
 if __name__ == "__main__":

@@ -28,7 +28,7 @@ class Writings(ProgramCase):
             begin = self.now()
             self.desk.find("Text to read").queryEditableText().setTextContents(text)
             self.press("Speak the textbox text")
-            desktop.wait_for(lambda begin=begin: self.sound_since(begin) > 1, 10, what=f"{text} being heard")
+            desktop.wait_for(lambda begin=begin: self.sound_since(begin) > 1, what=f"{text} being heard")
             self.settle()
 
 

@@ -22,7 +22,7 @@ class Window(ProgramCase):
         return names[0] if names else None
 
     def saved(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, 3, what=f"{name} = {value} in the file")
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
 
     def test_the_window_is_narrow_and_keeps_its_size(self):
         _, _, width, height = self.desk.window_rect(self.main_window())
@@ -60,7 +60,7 @@ class Window(ProgramCase):
         self.saved("Whisper", "dword:00000001")
         self.desk.key("alt+t")
         self.desk.key("End")
-        desktop.wait_for(lambda: "Great Britain)" not in self.desk.read_settings()["LastSpeechEngine"], 3, what="another voice")
+        desktop.wait_for(lambda: "Great Britain)" not in self.desk.read_settings()["LastSpeechEngine"], what="another voice")
 
     def test_dragging_a_bar_with_the_mouse_saves_where_it_ends(self):
         x, y, width, height = self.desk.rect(self.desk.find("Pitch", role="scroll bar"))
@@ -105,7 +105,7 @@ class Window(ProgramCase):
             time.sleep(0.5)
             self.assertEqual(presses(), 0, "the character lets a click on its drawing through")
             self.desk.click_at(x + 3, y + 3, button=2)
-            desktop.wait_for(lambda: presses() == 1, 3, what="the click beneath")
+            desktop.wait_for(lambda: presses() == 1, what="the click beneath")
         finally:
             below.terminate()
 
@@ -118,12 +118,12 @@ class CloseToTray(ProgramCase):
         window = self.desk.windows("^Voxmate$")[-1]
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+F4")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), 5, what="the iconified window")
+        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
         self.assertIsNone(self.program.poll())
         self.desk.run("xdotool", "windowactivate", "--sync", window)
-        self.desk.find("Text to read", timeout=5)
+        self.desk.find("Text to read")
         self.desk.key("alt+f")
-        self.desk.find("Exit", timeout=5)
+        self.desk.find("Exit")
         self.desk.key("e")
         self.has_ended()
 
