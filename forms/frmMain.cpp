@@ -232,6 +232,7 @@ void frmMain::mnuSysTray_Click()
 void frmMain::mnuTrayExit_Click()
 {
     platform_.Windows.Shell_NotifyIconA(NIM_DELETE, trayIconData_);
+    SaveLastAnswers();
     platform_.System.EndProgram();
 }
 

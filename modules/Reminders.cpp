@@ -381,6 +381,12 @@ void SaveAnswers()
         TellOfUnsavedAnswers(*error);
 }
 
+void SaveLastAnswers()
+{
+    if (!RemUnsaved.empty() && !loading && !unread && RemindersValid != False)
+        SaveForAnswers();
+}
+
 void RetryReminders()
 {
     if (loading)

@@ -316,6 +316,20 @@ TEST_F(ReminderKeepingTest, AnAnswerThatCannotBeSavedIsKeptAndSavedWhenItCanBeWi
     EXPECT_EQ(fake.windows.boxes.size(), 1u);
 }
 
+TEST_F(ReminderKeepingTest, AnAnswerThatCouldNotBeSavedIsTriedOnceMoreBeforeTheEnd)
+{
+    Load({Of("A")});
+    Tick();
+    fake.files.failures = {{"Flush " + temp, DiskFull()}};
+    FinishReminder(1, false, 0);
+    SaveLastAnswers();
+    EXPECT_EQ(Content(), Slot(Of("A")));
+    fake.files.failures.clear();
+    SaveLastAnswers();
+    EXPECT_EQ(Content(), Slot(Of("A", "Y")));
+    EXPECT_EQ(fake.windows.boxes.size(), 1u);
+}
+
 TEST_F(ReminderKeepingTest, TriesAreSeldomAfterTheFirstOnes)
 {
     Load({Of("A")});
