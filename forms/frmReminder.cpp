@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "forms/Command.h"
 #include "modules/Declarations.h"
+#include "modules/ReminderList.h"
 #include "modules/ReminderRecord.h"
 
 #include <tuple>
@@ -121,8 +122,8 @@ void frmReminder::SelectListItem(std::int16_t index)
 void frmReminder::ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
                              const std::string& time, const std::string& description, bool done)
 {
-    shownTitle_ = title;
-    shownDescription_ = description;
+    const auto number = [&time](std::size_t at) { return ToInt16(WholeNumber(Mid(time, at, 2)).value_or(0)); };
+    shown_ = {title, day, month, year, number(1), number(4), description, done};
     txtTitle.Text = title;
     mvDate.SetValue({year, month, day});
     timeByCode_ = true;
@@ -260,17 +261,22 @@ std::int16_t frmReminder::SelectedId() const
 // to it; 0 when it is not there any more.
 std::int16_t frmReminder::PlaceOfShown() const
 {
-    const auto isShown = [this](std::int16_t id) {
-        const auto at = static_cast<std::size_t>(id);
-        return RemTitles[at] == shownTitle_ && RemDescs[at] == shownDescription_;
-    };
     const std::int16_t selected = SelectedId();
-    if (RemindersValid == False || selected == 0 || (selected <= RemCount && isShown(selected)))
+    if (RemindersValid == False || selected == 0)
         return selected;
-    for (std::int32_t id = 1; id <= RemCount; ++id)
-        if (isShown(static_cast<std::int16_t>(id)))
-            return static_cast<std::int16_t>(id);
-    return 0;
+    if (const std::int32_t id = FindEntry(shown_, selected); id != 0)
+        return static_cast<std::int16_t>(id);
+    // An answer gives it another date or mark; then it is the only one of its texts.
+    std::int16_t place = 0;
+    for (std::int32_t id = 1; id <= RemCount; ++id) {
+        const auto at = static_cast<std::size_t>(id);
+        if (RemTitles[at] != shown_.Title || RemDescs[at] != shown_.Description)
+            continue;
+        if (place != 0)
+            return 0;
+        place = static_cast<std::int16_t>(id);
+    }
+    return place;
 }
 
 Reminder frmReminder::Fields() const

@@ -53,8 +53,7 @@ private:
     Platform& platform_;
     bool working_ = false;    ///< a command runs
     bool timeByCode_ = false; ///< the program fills txtTime, not the user
-    std::string shownTitle_;  ///< of the reminder that was put into the fields last
-    std::string shownDescription_;
+    Reminder shown_; ///< the reminder that was put into the fields last
 
     void Arrange();
     void MarkChanged();

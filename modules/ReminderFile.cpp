@@ -103,18 +103,21 @@ bool MakeAgain(const Change& change, std::int16_t& skipIndex)
     return id != 0 || IsAnswer(change) || FindEntry(*change.After) != 0;
 }
 
-// With the file open: reads it anew when another program has changed it, and makes the changes of this one again.
+// With the file open: reads it anew when another program has changed it, and makes the changes of this one again. False
+// when it must not be replaced. A list that could not be read to its end is none: RemindersValid is False until it is.
 bool CatchUp(std::int16_t& skipIndex)
 {
-    if (!fileKnown || FileIsAsKnown())
+    if (!fileKnown)
+        return RemindersValid != False;
+    if (FileIsAsKnown())
         return true;
     const std::vector<Change> changes = Changes(skipIndex);
     RemCount = 0;
-    if (!ReadDataFile(nullptr)) {
-        RemindersValid = False;
+    RemindersValid = False;
+    if (!ReadDataFile(nullptr))
         return false;
-    }
     RemCount = ToInt16(EntryCount());
+    RemindersValid = True;
     bool made = true;
     for (const Change& change : changes)
         made = MakeAgain(change, skipIndex) && made;
@@ -200,8 +203,9 @@ std::string DataPath()
 
 std::string CopyPath()
 {
+    // Behind a link the whole name is kept, so that the copy is neither the file itself nor another's of the same name.
     const std::string data = DataPath();
-    return data == ReminderFilePath ? ReminderTempPath : FolderOf(data) + Host().Files.GetBaseName(data) + ".tmp";
+    return data == ReminderFilePath ? ReminderTempPath : data + ".tmp";
 }
 
 bool DataFileExists()
@@ -253,11 +257,16 @@ void KeepDated(const std::string& path)
     // Two of one second.
     while (files.FileExists(folder + name()))
         ++now.second;
-    files.MoveFile(path, folder + name());
+    const std::string made = name();
+    files.MoveFile(path, folder + made);
     const std::string two = "[0-9][0-9]";
     std::vector<std::string> kept =
-        files.ListFiles(folder, base + two + two + "-" + two + "-" + two + "-" + two + two + two + ".txt");
-    for (std::size_t number = 0; number + DatedCopies < kept.size(); ++number) {
+        files.ListFiles(folder, "*-" + two + two + "-" + two + "-" + two + "-" + two + two + two + ".txt");
+    // This one stays even when the clock was set back and it seems to be the oldest.
+    std::erase_if(kept, [&](const std::string& other) {
+        return other == made || other.size() != made.size() || !other.starts_with(base);
+    });
+    for (std::size_t number = 0; number + DatedCopies <= kept.size(); ++number) {
         try {
             files.DeleteFile(folder + kept[number]);
         } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): one more is no harm
@@ -268,8 +277,13 @@ void KeepDated(const std::string& path)
 bool OpenDataFile()
 {
     dataFile.reset();
-    if (DataFileExists())
+    try {
         dataFile = Host().Files.OpenRandomExisting(DataPath(), ReminderSlotSize);
+    } catch (const RuntimeError& error) {
+        // A file in a folder that cannot be reached just now is not missing.
+        if (error.Number != FileNotFound().Number)
+            throw;
+    }
     return dataFile != nullptr;
 }
 

@@ -257,6 +257,7 @@ void EnableReminders()
     if (Main().ReminderTimerEnabled())
         return;
     if (RemindersUnread()) {
+        WantReminders(true);
         ReadRemindersNow();
         // The user has been told why there is no list, or has had the file emptied, which has switched them on.
         if (RemindersValid == False)
@@ -275,12 +276,13 @@ void EnableReminders()
 
 void DisableReminders()
 {
-    if (!Main().ReminderTimerEnabled())
+    if (!Main().ReminderTimerEnabled() && !RemindersWanted())
         return;
     if (ReminderMessage("Are you sure you want to disable the reminders ?", vbYesNo + vbQuestion + vbDefaultButton2,
                         "GetAttention", "GetAttentionContinued", "GetAttentionContinued",
                         "GetAttentionReturn") != vbYes)
         return;
+    WantReminders(false);
     Main().CheckReminderMenus(false, true);
     Main().EnableReminderTimer(false);
 }

@@ -239,10 +239,25 @@ std::optional<RuntimeError> SaveForAnswers()
     try {
         WriteReminders(0);
     } catch (const RuntimeError& error) {
+        // What another program has made of the file could not be read: it is read when that can be done.
+        if (RemindersValid == False && !unread) {
+            wereEnabled = Main().EnableRemindersChecked();
+            unread = true;
+        }
         return error;
     }
     toldUnsaved = false;
     return std::nullopt;
+}
+
+// Reads the file without asking the user anything; true when there is a list now.
+bool ReadQuietly()
+{
+    const std::unique_ptr<FileLock> lock = HoldReminders();
+    RecoverReminders();
+    const bool valid = OpenDataFile() && ReadReminderRecords(false, 0);
+    DropDataFile();
+    return valid;
 }
 
 } // namespace
@@ -383,8 +398,14 @@ void SaveAnswers()
 
 void SaveLastAnswers()
 {
-    if (!RemUnsaved.empty() && !loading && !unread && RemindersValid != False)
-        SaveForAnswers();
+    if (RemUnsaved.empty() || loading)
+        return;
+    try {
+        if (RemindersValid != False || (unread && ReadQuietly()))
+            WriteReminders(0);
+    } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): the end is no time to ask
+        DropDataFile();
+    }
 }
 
 void RetryReminders()
@@ -422,6 +443,16 @@ void TellOfTooLongAnswer(const Reminder& after)
     AddWhereTheyAre(lines);
     lines.push_back(NumberAndDescription(error));
     Tell(lines);
+}
+
+bool RemindersWanted()
+{
+    return unread && wereEnabled;
+}
+
+void WantReminders(bool wanted)
+{
+    wereEnabled = wanted;
 }
 
 bool RemindersUnread()

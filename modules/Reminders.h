@@ -102,6 +102,9 @@ void RetryReminders();
 void TellOfTooLongAnswer(const Reminder& after);
 /// Whether nothing is known of what the file holds now: the last load could not read it, or emptied it.
 bool RemindersUnread();
+/// Whether reminders will be on when a file that cannot be read now has been read; and what the user wants then.
+bool RemindersWanted();
+void WantReminders(bool wanted);
 /// The same as LoadReminders(false, 0) for a user who has asked for it and is told at once when the file cannot be
 /// read.
 void ReadRemindersNow();

@@ -47,8 +47,12 @@ std::unique_ptr<RandomAccessFile> LinuxFileSystem::OpenRandomExisting(const std:
     const std::string found = InAnyExtensionCase(path);
     struct stat status {
     };
-    if (::stat(found.c_str(), &status) != 0 && errno == ENOENT)
+    if (::stat(found.c_str(), &status) != 0 && errno == ENOENT) {
+        const std::filesystem::path folder = std::filesystem::path(found).parent_path();
+        if (::stat(folder.empty() ? "." : folder.c_str(), &status) != 0)
+            throw PathNotFound();
         throw FileNotFound();
+    }
     return std::make_unique<LinuxRandomFile>(found, recordLength, false);
 }
 

@@ -28,7 +28,7 @@ public:
     std::set<std::string> folders;                  ///< with the separator at the end
     std::set<std::string> files;                    ///< full paths; those without a text below are empty
     std::map<std::string, std::string> texts;       ///< full path -> content of a file that exists, too
-    std::map<std::string, RuntimeError> openErrors; ///< full path -> what opening its text raises
+    std::map<std::string, RuntimeError> openErrors; ///< full path -> what opening it raises
     std::map<std::string, RuntimeError> readErrors; ///< full path -> what reading a line of it raises
 
     std::string PathSeparator() override { return "\\"; }
@@ -56,9 +56,11 @@ public:
     }
     std::unique_ptr<RandomAccessFile> OpenRandomExisting(const std::string& path, std::size_t recordLength) override
     {
-        Call("OpenRandom " + path + " " + std::to_string(recordLength));
+        if (const auto error = openErrors.find(path); error != openErrors.end())
+            throw RuntimeError(error->second);
         if (!FileExists(path))
             throw FileNotFound();
+        Call("OpenRandom " + path + " " + std::to_string(recordLength));
         return std::make_unique<Slots>(*this, path, texts[path], recordLength);
     }
     std::map<std::string, std::string> links; ///< path -> what it leads to

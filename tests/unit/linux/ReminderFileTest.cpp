@@ -325,7 +325,7 @@ TEST_F(ReminderFileTest, AFileThatIsASymbolicLinkStaysOneAndItsTargetIsReplaced)
     EXPECT_TRUE(TryAppendReminder({"Reminder 4", 7, 3, 2004, 9, 5, "Bank", false}));
     EXPECT_EQ(Content(target), Reminders(4, 0, 2));
     // Cut off between the old file and the new one, when the link leads nowhere.
-    fs::rename(target, elsewhere / "Mine.tmp");
+    fs::rename(target, elsewhere / "Mine.txt.tmp");
     LoadReminders(false, 0);
     EXPECT_EQ(RemCount, 4);
     EXPECT_TRUE(fs::is_symlink(ReminderFilePath));

@@ -165,9 +165,9 @@ TEST_F(ReminderKeepingTest, WhatASymbolicLinkLeadsToIsReplacedBesideItself)
     fake.files.log = &fake.log;
     fake.log.clear();
     EXPECT_TRUE(TrySaveReminders(0));
-    EXPECT_EQ(FileCalls(), (Lines{"OpenRandom " + target + " 128", "OpenRandom D:\\Cloud\\My list.tmp 128", "Put 1",
-                                  "Flush D:\\Cloud\\My list.tmp", "Close D:\\Cloud\\My list.tmp", "Close " + target,
-                                  "DeleteFile " + target, "MoveFile D:\\Cloud\\My list.tmp to " + target}));
+    EXPECT_EQ(FileCalls(), (Lines{"OpenRandom " + target + " 128", "OpenRandom D:\\Cloud\\My list.txt.tmp 128", "Put 1",
+                                  "Flush D:\\Cloud\\My list.txt.tmp", "Close D:\\Cloud\\My list.txt.tmp", "Close " + target,
+                                  "DeleteFile " + target, "MoveFile D:\\Cloud\\My list.txt.tmp to " + target}));
     EXPECT_TRUE(TryAppendReminder(As("Tea")));
     EXPECT_EQ(TitlesInFile(target), (Lines{"A", "Tea"}));
     EXPECT_FALSE(fake.files.texts.contains(file));
@@ -283,6 +283,108 @@ TEST_F(ReminderKeepingTest, OlderTextsKeepTheirBytesWhenAnotherProgramHasMovedTh
     StoreReminder(2, As("Café", true));
     EXPECT_TRUE(TrySaveReminders(0));
     EXPECT_EQ(Content(), Slot(Of("Caf\xE9", "Y")) + Slot(Of("Another's")));
+}
+
+TEST_F(ReminderKeepingTest, ALinkToAFileThatIsCalledLikeACopyKeepsIt)
+{
+    const std::string target = "D:\\Cloud\\list.tmp";
+    fake.files.links[file] = target;
+    fake.files.texts[target] = Slot(Of("A"));
+    LoadReminders(false, 0);
+    EXPECT_EQ(fake.files.texts[target], Slot(Of("A")));
+    StoreReminder(1, As("A", true));
+    EXPECT_TRUE(TrySaveReminders(0));
+    EXPECT_EQ(fake.files.texts[target], Slot(Of("A", "Y")));
+}
+
+// Files that cannot be read just now.
+
+TEST_F(ReminderKeepingTest, AFileThatCannotBeReadAgainBeforeASaveIsNotWrittenOver)
+{
+    Load({Of("A"), Of("B")});
+    Tick();
+    Store({Of("A"), Of("B"), Of("Another's")});
+    const std::string before = Content();
+    // Where the file has become another it is read to its end.
+    fake.files.failures = {{"Get 4", DeviceIOError()}};
+    FinishReminder(1, false, 0);
+    Seconds(3);
+    EXPECT_EQ(Content(), before);
+    EXPECT_FALSE(TryAppendReminder(As("Tea")));
+    EXPECT_FALSE(TrySaveReminders(0));
+    EXPECT_EQ(Content(), before);
+    fake.files.failures.clear();
+    Seconds(20);
+    EXPECT_EQ(Content(), Slot(Of("A", "Y")) + Slot(Of("B")) + Slot(Of("Another's")));
+    EXPECT_TRUE(RemindersAreOn());
+}
+
+TEST_F(ReminderKeepingTest, AFileWhoseFolderIsNotThereIsNotAnEmptyList)
+{
+    window.CheckReminderMenus(true, false);
+    fake.files.openErrors.emplace(file, PathNotFound());
+    LoadReminders(false, 0);
+    ASSERT_EQ(fake.windows.boxes.size(), 1U);
+    EXPECT_TRUE(fake.windows.boxes[0].text.starts_with(
+        "The reminders could not be read: the folder of the file does not exist."));
+    EXPECT_EQ(RemindersValid, False);
+    fake.files.openErrors.clear();
+    Store({Of("A")});
+    Seconds(10);
+    EXPECT_EQ(TitlesInList(), Lines{"A"});
+    EXPECT_TRUE(RemindersAreOn());
+}
+
+TEST_F(ReminderKeepingTest, RemindersThatAreEnabledOrDisabledMeanwhileAreSoWhenTheFileHasBeenRead)
+{
+    for (const bool on : {true, false}) {
+        Load({Of("A")});
+        if (on) {
+            fake.windows.answers = {vbYes};
+            DisableReminders();
+        }
+        fake.files.failures = {{"OpenRandom " + file + " 128", PermissionDenied()}};
+        LoadReminders(false, 0);
+        if (on) {
+            EnableReminders();
+        } else {
+            fake.windows.answers = {vbYes};
+            DisableReminders();
+        }
+        fake.files.failures.clear();
+        Seconds(10);
+        EXPECT_EQ(TitlesInList(), Lines{"A"});
+        EXPECT_EQ(RemindersAreOn(), on);
+        EXPECT_EQ(RemindersAreOff(), !on);
+    }
+}
+
+TEST_F(ReminderKeepingTest, AnAnswerToAListThatCouldNotBeReadAgainIsSavedBeforeTheEnd)
+{
+    Load({Of("A")});
+    Tick();
+    fake.files.failures = {{"OpenRandom " + file + " 128", PermissionDenied()}};
+    LoadReminders(false, 0);
+    FinishReminder(1, false, 0);
+    SaveLastAnswers();
+    EXPECT_EQ(Content(), Slot(Of("A")));
+    fake.files.failures.clear();
+    SaveLastAnswers();
+    EXPECT_EQ(Content(), Slot(Of("A", "Y")));
+}
+
+TEST_F(ReminderKeepingTest, TheCopyThatWasJustMadeStaysWhenTheClockWasSetBack)
+{
+    const std::string dated = "C:\\Voxmate\\VoxmateReminders-";
+    for (const char* day : {"1", "2", "3", "4", "5"})
+        fake.files.texts[dated + "2004-01-0" + day + "-120000.txt"] = "old";
+    ReminderFields bad = Of("Bad");
+    bad[2] = "13";
+    fake.windows.answers = {vbYes};
+    Load({Of("A"), bad});
+    EXPECT_EQ(fake.files.texts[dated + "1975-03-17-140509.txt"], Slot(Of("A")) + Slot(bad));
+    EXPECT_FALSE(fake.files.texts.contains(dated + "2004-01-01-120000.txt"));
+    EXPECT_TRUE(fake.files.texts.contains(dated + "2004-01-02-120000.txt"));
 }
 
 // Answers that cannot be saved.
