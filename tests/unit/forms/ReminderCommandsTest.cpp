@@ -352,6 +352,21 @@ TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasMovedIsTheOneThatIsCh
     EXPECT_EQ(Content(), Slots({Three()[1], Three()[2]}));
 }
 
+TEST_F(ReminderCommandsTest, AReminderIsToldFromOthersOfTheSameTextsByItsDate)
+{
+    Record later = Three()[0];
+    later[3] = "2005";
+    Record last = Three()[0];
+    last[3] = "2006";
+    Open({Three()[0], later, last});
+    // Another program has deleted the one that is shown.
+    fake.files.texts[file] = Slots({later, last});
+    LoadReminders(false, 0);
+    fake.windows.answers = {vbYes};
+    form.cmdDelete.UserClick();
+    EXPECT_EQ(Content(), Slots({later, last}));
+}
+
 TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasDeletedIsNotChangedAndWhatWasTypedStays)
 {
     Open(Three());
