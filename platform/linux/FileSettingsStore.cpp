@@ -214,10 +214,19 @@ void FileSettingsStore::RunSaver()
     }
 }
 
-void FileSettingsStore::Flush()
+// Asks again and again, because whoever waits for changed_ or the mutex waits for its holder, too, who may be at the
+// same disk.
+bool FileSettingsStore::Flush(std::chrono::milliseconds patience)
 {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return !toSave_ && !saving_; });
+    constexpr std::chrono::milliseconds pause{1};
+    const auto last = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        if (const std::unique_lock lock(mutex_, std::try_to_lock); lock && !toSave_ && !saving_)
+            return true;
+        if (std::chrono::steady_clock::now() >= last)
+            return false;
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 void FileSettingsStore::StopSaver()

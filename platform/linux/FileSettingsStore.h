@@ -7,6 +7,7 @@
 #include "platform/SettingsStore.h"
 #include "platform/linux/RegistryFile.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -31,8 +32,9 @@ public:
     FileSettingsStore(const FileSettingsStore&) = delete;
     FileSettingsStore& operator=(const FileSettingsStore&) = delete;
 
-    /// Waits until everything set so far is in the file, or has failed to get there.
-    void Flush();
+    /// Waits until everything set so far is in the file, or has failed to get there, but no longer than `patience`: a
+    /// folder of the network may never answer. False when it was not done by then.
+    bool Flush(std::chrono::milliseconds patience);
 
     /// Answers a value that no file has, or nothing: look-ups that the desktop itself knows.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;

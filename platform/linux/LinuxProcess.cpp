@@ -178,8 +178,13 @@ void LinuxProcess::EndAtExit()
 
 void LinuxProcess::EndProcess()
 {
+    EndWithin(EndPatience);
+}
+
+void LinuxProcess::EndWithin(std::chrono::milliseconds patience)
+{
     if (BeforeEnd)
-        BeforeEnd();
+        BeforeEnd(patience);
     ::_exit(EXIT_SUCCESS);
 }
 

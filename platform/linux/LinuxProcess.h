@@ -31,8 +31,12 @@ public:
     /// arguments, with double quotes round those that hold blanks.
     double Shell(const std::string& command, int windowStyle) override;
 
-    /// What must still be done before the process ends: settings on their way to the disk.
-    std::function<void()> BeforeEnd;
+    /// What must still be done before the process ends, within a time: settings on their way to the disk.
+    std::function<void(std::chrono::milliseconds patience)> BeforeEnd;
+    /// Ends the process as EndProgram does, which gives BeforeEnd the time EndPatience. From any thread.
+    [[noreturn]] void EndWithin(std::chrono::milliseconds patience);
+    /// A busy disk may need seconds for a save, and one that does not answer must not hold the program for ever.
+    static constexpr std::chrono::milliseconds EndPatience{5000};
     /// While this object lives, exit() ends the process as EndProgram does. The toolkit calls it when the display has
     /// gone, as it does at the end of a session without a manager, in the middle of everything.
     void EndAtExit();

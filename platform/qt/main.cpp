@@ -33,6 +33,10 @@ namespace
 /// Of one who ends the program by a signal, before it ends whatever its event loop does. Sessions wait for some ten
 /// seconds before they kill.
 constexpr std::chrono::seconds EndPatience{4};
+/// What is left then for the settings: the event loop may hang because the disk does.
+constexpr std::chrono::seconds LastSavePatience{1};
+/// The session's manager waits for the answer, and so does the user.
+constexpr std::chrono::seconds SessionSavePatience{4};
 
 // Makes the parts of the program, and runs it until it ends.
 int Run(qt::QtApplication& application)
@@ -41,7 +45,7 @@ int Run(qt::QtApplication& application)
     linux_platform::LinuxFileSystem files;
     linux_platform::LinuxProcess process;
     linux_platform::LinuxClock clock;
-    process.BeforeEnd = [&settings] { settings->Flush(); };
+    process.BeforeEnd = [&settings](std::chrono::milliseconds patience) { settings->Flush(patience); };
     application.EndProgram = [&process] { process.EndProgram(); };
 
     std::vector<std::unique_ptr<speech::Engine>> engines;
@@ -69,9 +73,9 @@ int Run(qt::QtApplication& application)
 
     const auto end = [&process] { process.EndRequested(); };
     application.EndRequested = end;
-    application.SaveRequested = [&settings] { settings->Flush(); };
-    const linux_platform::EndSignals endSignals([&] { application.Post(end); }, [&process] { process.EndProgram(); },
-                                                EndPatience);
+    application.SaveRequested = [&settings] { settings->Flush(SessionSavePatience); };
+    const linux_platform::EndSignals endSignals([&] { application.Post(end); },
+                                                [&process] { process.EndWithin(LastSavePatience); }, EndPatience);
     process.EndAtExit();
     splash.Show();
     return application.exec();

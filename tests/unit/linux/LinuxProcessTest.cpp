@@ -1,14 +1,18 @@
 #include "platform/linux/LinuxProcess.h"
 
+#include "HangingDisk.h"
 #include "OrdinaryUser.h"
 #include "OwnFolder.h"
 #include "base/RuntimeError.h"
+#include "platform/linux/EndSignals.h"
+#include "platform/linux/FileSettingsStore.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <thread>
@@ -65,6 +69,52 @@ TEST_F(LinuxProcessTest, ASecondCopyIsSeenAndOneThatWasKilledIsNot)
     EXPECT_FALSE(third.PreviousInstance());
     ::close(ready[0]);
     ::close(ready[1]);
+}
+
+/// The ends of a process whose settings do not get to the disk. Each runs in a child, which an alarm ends if nothing
+/// else does.
+class EndTest : public LinuxProcessTest
+{
+protected:
+    /// How the child ended that has a value on its way to a disk that does not answer, and then does `end`.
+    int StatusOf(const std::function<void(LinuxProcess&)>& end)
+    {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(60);
+            LinuxProcess process;
+            FileSettingsStore store((folder / "registry.reg").string(), {});
+            process.BeforeEnd = [&store](std::chrono::milliseconds patience) { store.Flush(patience); };
+            const HangingDisk disk;
+            std::uint32_t key = 0;
+            store.RegCreateKeyA(0x80000002, "SOFTWARE\\Voxmate", key);
+            HangingDisk::WaitForASave();
+            end(process);
+            ::_exit(2);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return status;
+    }
+};
+
+TEST_F(EndTest, AProgramEndsAlthoughItsSettingsDoNotGetToTheDisk)
+{
+    const int status = StatusOf([](LinuxProcess& process) { process.EndProgram(); });
+    ASSERT_TRUE(WIFEXITED(status)) << "had to be killed";
+    EXPECT_EQ(WEXITSTATUS(status), EXIT_SUCCESS);
+}
+
+TEST_F(EndTest, ASignalEndsItWhenItsEventLoopHangsAtTheSameDisk)
+{
+    const int status = StatusOf([](LinuxProcess& process) {
+        const EndSignals signals([] {}, [&process] { process.EndWithin(std::chrono::milliseconds(20)); },
+                                 std::chrono::milliseconds(20));
+        ::raise(SIGTERM);
+        process.BeforeEnd(std::chrono::hours(1));
+    });
+    ASSERT_TRUE(WIFEXITED(status)) << "had to be killed";
+    EXPECT_EQ(WEXITSTATUS(status), EXIT_SUCCESS);
 }
 
 class OneCopyTest : public LinuxProcessTest

@@ -2,6 +2,7 @@
 #include "platform/linux/FileSettingsStore.h"
 #include "platform/linux/LinuxFileSystem.h"
 
+#include "HangingDisk.h"
 #include "OwnFolder.h"
 #include "base/RuntimeError.h"
 
@@ -26,6 +27,9 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t machine = 0x80000002;
 const std::string key = "SOFTWARE\\Voxmate";
+/// What is to be waited for, but not for ever.
+constexpr std::chrono::minutes Long{1};
+
 const std::string header = "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate]\n";
 
 class SettingsFileTest : public OwnFolder
@@ -53,7 +57,7 @@ protected:
         const std::int32_t code = store.RegSetValueExA(
             handle, name, 0, type, {reinterpret_cast<const std::uint8_t*>(data.data()), data.size()});
         store.RegCloseKey(handle);
-        store.Flush();
+        EXPECT_TRUE(store.Flush(Long));
         return code;
     }
     struct Answer {
@@ -302,8 +306,48 @@ TEST_F(SettingsFileTest, ManyChangesAreSetAtOnceAndTheLastIsInTheFile)
         ASSERT_EQ(store.RegQueryValueExA(handle, "Pitch", type, back, size), 0);
         ASSERT_EQ(back, data);
     }
-    store.Flush();
+    EXPECT_TRUE(store.Flush(Long));
     EXPECT_EQ(Read(file), header + "\"Pitch\"=dword:000000c7\n");
+}
+
+TEST_F(SettingsFileTest, ADiskThatDoesNotAnswerIsNotWaitedForForEver)
+{
+    FileSettingsStore store = Store();
+    Set(store, "A", REG_SZ, "old");
+    std::uint32_t handle = 0;
+    store.RegCreateKeyA(machine, key, handle);
+    {
+        const HangingDisk disk;
+        store.RegSetValueExA(handle, "A", 0, REG_SZ, std::vector<std::uint8_t>{'n', 'e', 'w'});
+        HangingDisk::WaitForASave();
+        EXPECT_FALSE(store.Flush(std::chrono::milliseconds(20)));
+        EXPECT_EQ(Read(file), header + "\"A\"=\"old\"\n");
+    }
+    EXPECT_TRUE(store.Flush(Long));
+    EXPECT_EQ(Read(file), header + "\"A\"=\"new\"\n");
+}
+
+TEST_F(SettingsFileTest, NorIsACallerWhoHangsAtTheDisk)
+{
+    FileSettingsStore store = Store();
+    Set(store, "A", REG_SZ, "old");
+    fs::create_directories(file.string() + ".new/x");
+    Set(store, "A", REG_SZ, "lost"); // so that the next caller waits for the disk
+    fs::remove_all(file.string() + ".new");
+    std::uint32_t handle = 0;
+    store.RegCreateKeyA(machine, key, handle);
+    std::thread caller;
+    {
+        const HangingDisk disk;
+        caller = std::thread([&store, handle] {
+            store.RegSetValueExA(handle, "A", 0, REG_SZ, std::vector<std::uint8_t>{'n', 'e', 'w'});
+        });
+        HangingDisk::WaitForASave();
+        EXPECT_FALSE(store.Flush(std::chrono::milliseconds(20)));
+    }
+    caller.join();
+    EXPECT_TRUE(store.Flush(Long));
+    EXPECT_EQ(Read(file), header + "\"A\"=\"new\"\n");
 }
 
 TEST_F(SettingsFileTest, AStoreThatGoesAwaySavesFirst)
