@@ -4,10 +4,10 @@ that was set in its file, also where closing its window would put it into the tr
 import os
 import signal
 import subprocess
+import tempfile
 import unittest
 
 import desk as desktop
-from program import BUILD
 from test_tray import TrayCase
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -148,20 +148,40 @@ class Session(EndCase):
         self.has_ended()
 
 
-class Display(unittest.TestCase):
-    """A session without a manager, at whose end the display goes."""
+class Disk(EndCase):
+    """A disk that does not answer any more, as a folder of the network whose server has gone."""
 
-    def test_it_ends_with_the_display_with_all_saved(self):
-        desk = desktop.Desk(BUILD)
-        self.addCleanup(desk.close)
-        desk.install_defaults(**EndCase.defaults)
-        program = desk.start()
-        self.addCleanup(desk.end, program)
-        desktop.wait_for(lambda: desk.windows("^Voxmate$"), what="the window")
-        desktop.wait_for(lambda: "ReminderSentence" in desk.read_settings(), what="the settings")
-        display = desk.children[0]
-        display.terminate()
-        self.assertEqual(program.wait(20), 0)
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        folder = tempfile.TemporaryDirectory(prefix="voxmate-end-test-", dir="/tmp")
+        cls.addClassCleanup(folder.cleanup)
+        cls.library = os.path.join(folder.name, "disk.so")
+        # Stands for the C library's: it tells that it has been called, and never comes back.
+        source = ('extern "C" int creat(const char*, unsigned); extern "C" int pause();\n'
+                  'extern "C" int fdatasync(int) { creat("%s/asked", 0600); for (;;) pause(); }\n' % folder.name)
+        subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", cls.library, "-"], input=source.encode(), check=True)
+        cls.asked = os.path.join(folder.name, "asked")
+
+    def start_and_hang(self):
+        if os.path.exists(self.asked):
+            os.remove(self.asked)
+        self.start_and_settle(LD_PRELOAD=self.library)
+        self.set_speed()
+        desktop.wait_for(lambda: os.path.exists(self.asked), what="a save that hangs")
+
+    def test_a_signal_ends_it_although_its_settings_cannot_be_saved(self):
+        self.start_and_hang()
+        self.program.terminate()
+        self.has_ended()
+
+    def test_exit_ends_it_although_its_settings_cannot_be_saved(self):
+        self.start_and_hang()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("alt+f")
+        self.desk.find("Exit")
+        self.desk.key("e")
+        self.has_ended()
 
 
 if __name__ == "__main__":
