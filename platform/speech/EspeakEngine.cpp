@@ -18,6 +18,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <exception>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -70,6 +71,7 @@ struct Delivery {
     std::int64_t received = 0; ///< samples, as they go on
     int mouth = -1;
     bool stopped = false;
+    std::exception_ptr error; ///< what the way threw; the library is C and cannot be left by it
     // The piece at hand.
     const EspeakMarkup* markup = nullptr;
     std::size_t nextMark = 0;
@@ -171,10 +173,15 @@ int Deliver(short* samples, int count, espeak_EVENT* events)
 {
     if (!current || current->stopped)
         return 1;
-    for (; events && events->type != espeakEVENT_LIST_TERMINATED; ++events)
-        current->Take(*events);
-    if (samples && count > 0)
-        current->Take(std::span<const std::int16_t>(samples, static_cast<std::size_t>(count)));
+    try {
+        for (; events && events->type != espeakEVENT_LIST_TERMINATED; ++events)
+            current->Take(*events);
+        if (samples && count > 0)
+            current->Take(std::span<const std::int16_t>(samples, static_cast<std::size_t>(count)));
+    } catch (...) {
+        current->error = std::current_exception();
+        current->stopped = true;
+    }
     return current->stopped ? 1 : 0;
 }
 
@@ -184,6 +191,32 @@ struct {
     int hertz = 0;
     bool monotone = false;
 } loaded;
+
+/// While it lives the library's callback delivers to `delivery`.
+class Delivering
+{
+public:
+    explicit Delivering(Delivery& delivery) { current = &delivery; }
+    ~Delivering()
+    {
+        current = nullptr;
+        // Behind the end of a <speak> element the library goes back to a voice of its own choice, at that one's pitch.
+        loaded = {};
+    }
+    Delivering(const Delivering&) = delete;
+    Delivering& operator=(const Delivering&) = delete;
+};
+
+/// Has the library speak a text to the delivery; what that threw is thrown once the library has returned.
+espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
+{
+    const Delivering delivering(delivery);
+    const espeak_ERROR result = espeak_Synth(ssml.c_str(), ssml.size() + 1, 0, POS_CHARACTER, 0,
+                                             espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
+    if (delivery.error)
+        std::rethrow_exception(std::exchange(delivery.error, nullptr));
+    return result;
+}
 
 // Done once in a run and never undone: the library's own end (espeak_Terminate) can wait for its threads for ever.
 bool InitialiseLibrary()
@@ -433,13 +466,7 @@ private:
         const EspeakMarkup markup(part);
         delivery.BeginPiece(markup);
         if (part.text.find_first_not_of(U" \n") != std::u32string::npos) {
-            current = &delivery;
-            const espeak_ERROR result = espeak_Synth(markup.ssml.c_str(), markup.ssml.size() + 1, 0, POS_CHARACTER, 0,
-                                                     espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
-            current = nullptr;
-            // Behind the end of a <speak> element the library goes back to a voice of its own choice, at that one's
-            // pitch.
-            loaded = {};
+            const espeak_ERROR result = SpeakTo(delivery, markup.ssml);
             if (delivery.stopped || result != EE_OK)
                 return false;
         }

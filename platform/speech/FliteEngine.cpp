@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <exception>
 #include <map>
 #include <optional>
 #include <utility>
@@ -158,9 +159,10 @@ struct Delivery {
     bool last = false;
     bool planned = false;
     bool stopped = false;
-    std::int64_t from = 0;   ///< samples of the sentence before this one are left out
-    std::int64_t to = 0;     ///< and so are those from this one on
-    std::int64_t offset = 0; ///< where sample `from` stands in the stretch
+    std::exception_ptr error; ///< what the way threw; Flite is C and cannot be left by it
+    std::int64_t from = 0;    ///< samples of the sentence before this one are left out
+    std::int64_t to = 0;      ///< and so are those from this one on
+    std::int64_t offset = 0;  ///< where sample `from` stands in the stretch
     std::vector<std::pair<std::int64_t, std::int64_t>> stressed;
     std::vector<std::int16_t> block;
 
@@ -240,10 +242,15 @@ bool Delivery::Take(const cst_wave* wave, int start, int count)
 int Deliver(const cst_wave* wave, int start, int count, int, cst_audio_streaming_info* info)
 {
     Delivery& delivery = *static_cast<Delivery*>(info->userdata);
-    if (!delivery.planned)
-        delivery.Plan(info->utt, wave->sample_rate);
-    if (!delivery.stopped)
-        delivery.stopped = !delivery.Take(wave, start, count);
+    try {
+        if (!delivery.planned)
+            delivery.Plan(info->utt, wave->sample_rate);
+        if (!delivery.stopped)
+            delivery.stopped = !delivery.Take(wave, start, count);
+    } catch (...) {
+        delivery.error = std::current_exception();
+        delivery.stopped = true;
+    }
     return delivery.stopped ? CST_AUDIO_STREAM_STOP : CST_AUDIO_STREAM_CONT;
 }
 
@@ -442,6 +449,20 @@ private:
         return shape;
     }
 
+    // Has Flite speak the delivery's sentence; false when it failed. What the delivery threw is thrown once Flite has
+    // returned and its utterance is gone.
+    bool SpeakTo(const LoadedVoice& loaded, Delivery& delivery)
+    {
+        loaded.streaming->userdata = &delivery;
+        cst_utterance* const utterance = flite_.synthText(delivery.sentence->text.c_str(), loaded.voice);
+        loaded.streaming->userdata = nullptr;
+        if (utterance)
+            flite_.deleteUtterance(utterance);
+        if (delivery.error)
+            std::rethrow_exception(delivery.error);
+        return utterance || delivery.stopped;
+    }
+
     // Speaks a piece of a stretch; false when it was stopped or Flite failed.
     bool Speak(const LoadedVoice& loaded, const MarkedText& part, Stretch& stretch, Shaper& shaper, bool& failed)
     {
@@ -459,12 +480,7 @@ private:
             delivery.first = !std::exchange(stretch.inside, true);
             delivery.last = part.end != MarkedText::End::Sentence && i + 1 == sentences.size();
             delivery.offset = stretch.length;
-            loaded.streaming->userdata = &delivery;
-            cst_utterance* const utterance = flite_.synthText(sentences[i].text.c_str(), loaded.voice);
-            loaded.streaming->userdata = nullptr;
-            if (utterance)
-                flite_.deleteUtterance(utterance);
-            if (!utterance && !delivery.stopped) {
+            if (!SpeakTo(loaded, delivery)) {
                 failed = true;
                 return false;
             }

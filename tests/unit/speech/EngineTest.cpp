@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <malloc.h>
+#include <new>
 #include <set>
+#include <stdexcept>
 
 namespace voxmate::speech
 {
@@ -298,6 +301,45 @@ TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
     EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
 }
 
+/// Throws what a full memory throws, at the call of that number.
+struct ThrowingSink final : SampleSink {
+    bool Samples(std::span<const std::int16_t>) override
+    {
+        if (--callsLeft == 0)
+            throw std::bad_alloc();
+        return true;
+    }
+    void Event(const SpeechEvent&) override
+    {
+        if (--eventsLeft == 0)
+            throw std::length_error("no more events");
+    }
+    int callsLeft = 0;
+    int eventsLeft = 0;
+};
+
+// What the library holds while it speaks is its own again only when it has returned: otherwise the next text is spoken
+// in the middle of the one before.
+TEST_P(EngineTest, WhatTheSinkThrowsComesOutAndTheNextTextIsSpokenAsEver)
+{
+    Prosody prosody;
+    prosody.pitchHz = 150;
+    const std::vector<Segment> segments{Text(std::string(CheckProse[0]), prosody), Text(std::string(CheckProse[1]))};
+    const std::size_t usual = Speak("Hello there", prosody).samples.size();
+    for (const int calls : {1, 2, 20}) {
+        ThrowingSink sink;
+        sink.callsLeft = calls;
+        EXPECT_THROW(engine->Synthesize(voice, segments, sink), std::bad_alloc);
+        ThrowingSink other;
+        other.eventsLeft = calls;
+        EXPECT_THROW(engine->Synthesize(voice, segments, other), std::length_error);
+        const RecordingSink again = Speak("Hello there", prosody);
+        // No two renderings of a text are equal to the sample.
+        EXPECT_NEAR(static_cast<double>(again.samples.size()), static_cast<double>(usual), rate / 50.0) << calls;
+        EXPECT_EQ(again.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1})) << calls;
+    }
+}
+
 // One sentence over and over, so that each ought to take as long as the one before, seam or not.
 struct Repeated {
     explicit Repeated(const std::string& one) : sentence(one)
@@ -436,6 +478,24 @@ TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
             }
         }
     }
+}
+
+// An utterance of the library's that was thrown past would stay for ever, some hundred kilobytes each.
+TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
+{
+    const std::unique_ptr<Engine> engine = CreateFliteEngine();
+    ASSERT_FALSE(engine->Voices().empty());
+    const std::vector<Segment> segments{Text(std::string(CheckProse[0]))};
+    const auto speakAndThrow = [&] {
+        ThrowingSink sink;
+        sink.callsLeft = 1;
+        EXPECT_THROW(engine->Synthesize(engine->Voices().front(), segments, sink), std::bad_alloc);
+    };
+    speakAndThrow(); // the voice is loaded, and stays
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 10; ++i)
+        speakAndThrow();
+    EXPECT_LT(mallinfo2().uordblks, before + 100'000);
 }
 
 TEST(FliteEngine, HasItsFourEnglishVoices)
