@@ -39,6 +39,8 @@ public:
     /// Mono 16-bit samples at the voice's rate. False: stop synthesising.
     virtual bool Samples(std::span<const std::int16_t> samples) = 0;
     virtual void Event(const SpeechEvent& event) = 0;
+    /// False: stop synthesising. For what takes long before there is a sample.
+    virtual bool Wanted() const { return true; }
 };
 
 class Engine

@@ -297,9 +297,9 @@ public:
 
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
     {
-        LoadedVoice* const loaded = Load(voice.key);
+        LoadedVoice* const loaded = Load(voice.key, sink);
         if (!loaded)
-            return false;
+            return !sink.Wanted();
         Shaper shaper(loaded->data.sampleRate, sink);
         Arranger arranger(segments);
         std::optional<Stretch> stretch;
@@ -361,7 +361,7 @@ private:
         return found == VoiceTable.end() ? nullptr : found;
     }
 
-    LoadedVoice* Load(const std::string& key)
+    LoadedVoice* Load(const std::string& key, const SampleSink& sink)
     {
         if (const auto found = loadedLibrary.voices.find(key); found != loadedLibrary.voices.end())
             return &found->second;
@@ -372,7 +372,7 @@ private:
         loadedLibrary.loaded = true;
         LoadedVoice loaded;
         loaded.data = own ? *own : DataOfFile(file->second);
-        loaded.voice = own ? flite_.LoadVoice(key) : flite_.LoadFile(key);
+        loaded.voice = own ? flite_.LoadVoice(key) : flite_.LoadFile(key, [&sink] { return sink.Wanted(); });
         if (!loaded.voice)
             return nullptr;
         loaded.streaming = flite_.newStreamingInfo();

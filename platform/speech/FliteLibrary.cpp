@@ -2,13 +2,16 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <string_view>
+#include <thread>
 
 #include <csignal>
 #include <cstring>
 #include <dlfcn.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -77,6 +80,44 @@ public:
 private:
     std::ifstream file_;
 };
+
+/// In a child: ends with the program (its thread that forked), and holds nothing open of it. Else the program's lock,
+/// display and sound would stay for as long as the child lives.
+void LeaveProgram(pid_t program)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != program) // it ended before it could be asked for that
+        _exit(1);
+    constexpr unsigned first = 3;
+    if (close_range(first, ~0U, 0) == 0)
+        return;
+    // A kernel that does not know the call.
+    const long most = sysconf(_SC_OPEN_MAX);
+    for (int file = first; file < most; ++file)
+        close(file);
+}
+
+/// Waits for a child: whether it ended as it should. None when that is not known, or nobody wanted it any more: then
+/// the child is put to an end.
+std::optional<bool> EndsWell(pid_t child, const std::function<bool()>& wanted)
+{
+    constexpr std::chrono::milliseconds interval{10};
+    int status = 0;
+    while (true) {
+        const pid_t ended = waitpid(child, &status, WNOHANG);
+        if (ended == child)
+            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        if (ended < 0 && errno != EINTR)
+            return std::nullopt;
+        if (!wanted()) {
+            kill(child, SIGKILL);
+            while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+            }
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(interval);
+    }
+}
 
 } // namespace
 
@@ -177,13 +218,16 @@ bool FliteLibrary::LoadEnglish()
     return english_;
 }
 
-// The child has this thread only, and what it calls needs no other.
-bool FliteLibrary::SpeaksWell(const std::filesystem::path& file) const
+// The child has this thread only, and what it calls needs no other. None: it was given up or could not be tried.
+std::optional<bool> FliteLibrary::SpeaksWell(const std::filesystem::path& file,
+                                             const std::function<bool()>& wanted) const
 {
+    const pid_t program = getpid();
     const pid_t child = fork();
     if (child < 0)
-        return false;
+        return std::nullopt;
     if (child == 0) {
+        LeaveProgram(program);
         constexpr unsigned longestSeconds = 20;
         constexpr rlim_t mostMemory = rlim_t{1} << 32;
         for (const int fatal : {SIGSEGV, SIGBUS, SIGFPE, SIGABRT, SIGALRM, SIGTERM})
@@ -197,16 +241,20 @@ bool FliteLibrary::SpeaksWell(const std::filesystem::path& file) const
         const bool speaks = voice && synthText("The old clock has stopped, has it?", voice);
         _exit(speaks ? 0 : 1);
     }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0)
-        if (errno != EINTR)
-            return false;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return EndsWell(child, wanted);
 }
 
-cst_voice* FliteLibrary::LoadFile(const std::filesystem::path& file)
+cst_voice* FliteLibrary::LoadFile(const std::filesystem::path& file, const std::function<bool()>& wanted)
 {
-    return LoadEnglish() && SpeaksWell(file) ? voiceLoad(file.c_str()) : nullptr;
+    if (damaged_.contains(file) || !LoadEnglish())
+        return nullptr;
+    const std::optional<bool> speaks = SpeaksWell(file, wanted);
+    if (!speaks)
+        return nullptr;
+    cst_voice* const voice = *speaks ? voiceLoad(file.c_str()) : nullptr;
+    if (!voice)
+        damaged_.insert(file);
+    return voice;
 }
 
 cst_voice* FliteLibrary::LoadVoice(const std::string& key) const

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 extern "C" {
@@ -39,8 +41,10 @@ public:
     cst_voice* LoadVoice(const std::string& key) const;
 
     /// Loads an English voice from a file; null when that fails. The library believes all that a file says, so one that
-    /// is damaged is tried in a process of its own first. The voice stays for the rest of the run.
-    cst_voice* LoadFile(const std::filesystem::path& file);
+    /// is damaged is tried in a process of its own first, which may take 20 seconds; it is given up when `wanted`,
+    /// asked again and again, is false. The voice stays for the rest of the run, and so does the knowledge that it is
+    /// none.
+    cst_voice* LoadFile(const std::filesystem::path& file, const std::function<bool()>& wanted);
 
     decltype(&::flite_voice_load) voiceLoad = nullptr;
     decltype(&::flite_add_lang) addLanguage = nullptr;
@@ -64,9 +68,10 @@ public:
 
 private:
     bool LoadEnglish();
-    bool SpeaksWell(const std::filesystem::path& file) const;
+    std::optional<bool> SpeaksWell(const std::filesystem::path& file, const std::function<bool()>& wanted) const;
 
     bool english_ = false;
+    std::set<std::filesystem::path> damaged_; ///< files that are no voice
 };
 
 } // namespace voxmate::speech

@@ -92,7 +92,7 @@ public:
         return Deliver();
     }
 
-    bool Wanted() const { return wanted_; }
+    bool Wanted() const override { return wanted_ && sink_.Wanted(); }
     std::int64_t Delivered() const { return delivered_; }
 
 private:

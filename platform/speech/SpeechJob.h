@@ -29,6 +29,7 @@ public:
     /// Waits while the buffer is full; false when the job has been cancelled.
     bool Samples(std::span<const std::int16_t> samples) override;
     void Event(const SpeechEvent& event) override;
+    bool Wanted() const override { return !Cancelled(); }
     /// No more samples come; `ok` is false when the engine failed.
     void Finish(bool ok);
 

@@ -3,14 +3,24 @@
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "platform/speech/FliteLibrary.h"
+#include "platform/speech/SpeechJob.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <thread>
+
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace voxmate::speech
 {
@@ -139,6 +149,114 @@ TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
     }
     std::printf("%d of %zu speak\n", good, engine->Voices().size());
     EXPECT_GE(engine->Voices().size(), 6U);
+}
+
+/// The processes that a process has started.
+std::vector<pid_t> ChildrenOf(pid_t parent)
+{
+    std::vector<pid_t> children;
+    for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(parent) + "/task")) {
+        std::ifstream list(task.path() / "children");
+        children.insert(children.end(), std::istream_iterator<pid_t>(list), {});
+    }
+    return children;
+}
+
+/// Whether a process holds a descriptor beyond the three that every program has.
+bool HoldsMoreThanTheStandardOnes(pid_t process)
+{
+    std::error_code error;
+    fs::directory_iterator file("/proc/" + std::to_string(process) + "/fd", error);
+    return std::any_of(fs::begin(file), fs::end(file),
+                       [](const fs::directory_entry& entry) { return std::stoi(entry.path().filename()) > 2; });
+}
+
+/// A voice file that never comes to its end: a pipe with nothing in it, which is waited for.
+class EndlessFile : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string form = (fs::temp_directory_path() / "flitevoxXXXXXX").string();
+        ASSERT_NE(mkdtemp(form.data()), nullptr);
+        folder = form;
+        file = folder / "endless.flitevox";
+        ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+        ASSERT_TRUE(flite.Load());
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    fs::path folder;
+    fs::path file;
+    FliteLibrary flite;
+};
+
+// Every turn of a text would wait for it anew.
+TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
+{
+    const auto engine = CreateFlitevoxEngine(folder);
+    ASSERT_FALSE(engine->Voices().empty());
+    const Voice voice = engine->Voices().front();
+    const fs::path kept = folder / "kept";
+    fs::rename(voice.key, kept);
+    std::ofstream(voice.key) << "damaged";
+    RecordingSink sink;
+    EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
+    fs::rename(kept, voice.key); // if it were tried again, it would speak
+    EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
+    EXPECT_TRUE(sink.samples.empty());
+}
+
+TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
+{
+    const auto engine = CreateFlitevoxEngine(folder);
+    ASSERT_FALSE(engine->Voices().empty());
+    const Voice voice = engine->Voices().front();
+    const fs::path kept = folder / "kept";
+    fs::rename(voice.key, kept);
+    ASSERT_EQ(mkfifo(voice.key.c_str(), 0600), 0); // the check waits for what never comes
+    SpeechJob job;
+    job.SetRate(engine->SampleRate(voice));
+    bool spoken = false;
+    std::thread worker([&] { spoken = engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, job); });
+    EXPECT_TRUE(Eventually([] { return !ChildrenOf(getpid()).empty(); }));
+    job.Cancel();
+    worker.join();
+    EXPECT_TRUE(spoken); // as for every text that is stopped, where a check that ends by itself is a failure
+    EXPECT_TRUE(ChildrenOf(getpid()).empty());
+    fs::rename(kept, voice.key);
+    EXPECT_FALSE(Say(*engine, voice, "Hello.", {}).samples.empty());
+}
+
+TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
+{
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // what the program leaves behind comes to this process
+    std::array<int, 2> held{};
+    ASSERT_EQ(pipe(held.data()), 0);
+    const pid_t program = fork();
+    ASSERT_GE(program, 0);
+    if (program == 0) {
+        flite.LoadFile(file, [] { return true; });
+        _exit(0);
+    }
+    pid_t check = 0;
+    EXPECT_TRUE(Eventually([&] {
+        const std::vector<pid_t> children = ChildrenOf(program);
+        check = children.empty() ? 0 : children.front();
+        return check != 0;
+    }));
+    EXPECT_TRUE(check != 0 && Eventually([&] { return !HoldsMoreThanTheStandardOnes(check); }));
+    kill(program, SIGKILL);
+    EXPECT_EQ(waitpid(program, nullptr, 0), program);
+    if (check != 0) {
+        int status = 0;
+        EXPECT_EQ(waitpid(check, &status, 0), check);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        EXPECT_EQ(WTERMSIG(status), SIGKILL); // its own time being up is another signal
+    }
+    close(held[0]);
+    close(held[1]);
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
 } // namespace
