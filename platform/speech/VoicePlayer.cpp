@@ -59,7 +59,7 @@ int VoicePlayer::Status()
 
 void VoicePlayer::PostToSelf(std::function<void()> action)
 {
-    output_.Post([alive = std::weak_ptr(alive_), action = std::move(action)] {
+    output_.Post([alive = self_, action = std::move(action)] {
         if (!alive.expired())
             action();
     });

@@ -56,6 +56,7 @@ private:
     AudioOutput& output_;
     SpeakingPtr current_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0); // posted actions look whether it is still there
+    const std::weak_ptr<int> self_ = alive_;                // and the worker copies this, which nobody changes
 
     std::mutex mutex_;
     std::condition_variable wake_;
