@@ -186,6 +186,8 @@ void QtStage::PopupMenu(const std::vector<agent::MenuEntry>& entries, Point at,
 void QtStage::PlaySound(std::span<const std::uint8_t> wave)
 {
     StopSound();
+    if (!audio_.Ready()) // to wait for the sound server would hold up the character and all other windows
+        return;
     auto data = speech::DecodeWave(wave);
     if (!data)
         return;

@@ -36,6 +36,8 @@ public:
     virtual ~AudioOutput() = default;
     enum class State { Available, NoDevice, CannotOpen, Other };
     virtual State Check() = 0;
+    /// Whether a stream can be opened now; never waits for a device that may still come, where Check and Open may.
+    virtual bool Ready() { return Check() == State::Available; }
     /// Opens a stream and starts pulling; returns at once, while the device may still be opening. `drained` is called
     /// once on the user-interface thread when the source has ended and its last sample has been heard, `failed` instead
     /// when the device cannot be opened after all or gives out. Either may destroy the stream. Null when there is no

@@ -277,6 +277,13 @@ AudioOutput::State PulseDevice::Check()
     return AudioOutput::State::Other;
 }
 
+bool PulseDevice::Ready()
+{
+    Look();
+    const std::lock_guard lock(mutex_);
+    return server_ == Server::Ready;
+}
+
 std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                                std::function<void()> drained, std::function<void()> failed)
 {

@@ -38,6 +38,8 @@ public:
     /// Other when none comes. In the first seconds after the first look it waits longer: up to ten after it for a
     /// server that has not answered yet, up to five for one that is not there or has no sink yet.
     AudioOutput::State Check();
+    /// Whether the server is known to be there with a sink; begins to look for it and waits for nothing.
+    bool Ready();
     std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                       std::function<void()> drained, std::function<void()> failed);
 

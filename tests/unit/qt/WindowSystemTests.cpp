@@ -89,6 +89,7 @@ class FakeAudio : public speech::AudioOutput
 {
 public:
     State Check() override { return State::Available; }
+    bool Ready() override { return ready; }
     std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> source,
                                               std::function<void()> drained, std::function<void()> /*failed*/) override
     {
@@ -105,6 +106,7 @@ public:
     void Post(std::function<void()>) override {}
     void PostAfter(int, std::function<void()>) override {}
 
+    bool ready = true;
     int rate = 0;
     int open = 0;
     std::vector<std::int16_t> heard;
@@ -403,6 +405,18 @@ TEST_F(StageTest, TheEndOfOneSoundDoesNotCutTheNextAndStopSoundDoes)
     EXPECT_EQ(audio.open, 1);
     stage.StopSound();
     EXPECT_EQ(audio.open, 0);
+}
+
+// A character's picture would stand still until the sound server has answered.
+TEST_F(StageTest, ASoundIsLeftOutWhileTheOutputIsNotReady)
+{
+    audio.ready = false;
+    stage.PlaySound(Wave({1}));
+    EXPECT_EQ(audio.open, 0);
+    EXPECT_EQ(audio.rate, 0); // nothing was asked of it
+    audio.ready = true;
+    stage.PlaySound(Wave({1}));
+    EXPECT_EQ(audio.open, 1);
 }
 
 TEST_F(StageTest, WhatIsNoWaveFileIsNotPlayed)
