@@ -16,6 +16,7 @@ from PIL import ImageGrab
 
 RATE = 44100  # samples per second of the recording
 SCREEN = (1600, 1100)
+STATUS = ("I am Idle now !", "Busy...")  # what the status line's first panel says of a program at rest and at work
 
 
 PATIENCE = 60  # seconds for what takes a moment on a quiet machine: how long a busy one takes is no test's verdict
@@ -110,6 +111,28 @@ def best_match(rows, part):
         there = there - there.mean(axis=0)
         best = max(best, float((there * part).sum() / numpy.sqrt((there ** 2).sum() * (part ** 2).sum() + 1e-9)))
     return best
+
+
+def showing(pyatspi):
+    """Every accessible of the program that is showing, as (name, role name, accessible). The accessibility library is for
+    one thread of a process."""
+    found = []
+
+    def visit(node):
+        try:
+            if node.getRole() != pyatspi.ROLE_APPLICATION and not node.getState().contains(pyatspi.STATE_SHOWING):
+                return
+            found.append((node.name, node.getRoleName(), node))
+            for child in node:
+                if child is not None:
+                    visit(child)
+        except Exception:  # the widget went while it was looked at
+            return
+
+    for application in pyatspi.Registry.getDesktop(0):
+        if application is not None and application.name.lower() == "voxmate":
+            visit(application)
+    return found
 
 
 class Desk:
@@ -300,24 +323,7 @@ class Desk:
 
     def widgets(self):
         """Every accessible of the program that is showing, as (name, role name, accessible)."""
-        pyatspi = self.accessible()
-        found = []
-
-        def visit(node):
-            try:
-                if node.getRole() != pyatspi.ROLE_APPLICATION and not node.getState().contains(pyatspi.STATE_SHOWING):
-                    return
-                found.append((node.name, node.getRoleName(), node))
-                for child in node:
-                    if child is not None:
-                        visit(child)
-            except Exception:  # the widget went while it was looked at
-                return
-
-        for application in pyatspi.Registry.getDesktop(0):
-            if application is not None and application.name.lower() == "voxmate":
-                visit(application)
-        return found
+        return showing(self.accessible())
 
     def find(self, name, role=None, timeout=PATIENCE):
         """The first showing widget whose accessible name is or begins with `name`."""

@@ -1,8 +1,10 @@
 """What the tests of the running program share: one desktop for all of them, and the program started anew for each."""
 
 import atexit
+import json
 import os
 import subprocess
+import tempfile
 import threading
 import time
 import unittest
@@ -12,9 +14,10 @@ import numpy
 
 import desk as desktop
 
-ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", ".."))
+HERE = os.path.dirname(os.path.abspath(__file__))
+ROOT = os.path.abspath(os.path.join(HERE, "..", ".."))
 BUILD = os.environ.get("VOXMATE_BUILD", os.path.join(ROOT, "build", "release"))
-IDLE = "I am Idle now !"
+IDLE = desktop.STATUS[0]
 
 _desk = None
 
@@ -29,36 +32,34 @@ def the_desk(**options):
 
 
 class StatusWatch:
-    """Notes every text that the status line's first panel shows, with its time."""
+    """Notes every text that the status line's first panel shows, from the one that it shows now."""
 
-    def __init__(self, panel):
-        self.panel = panel
-        self.seen = []
-        self.running = True
-        self.thread = threading.Thread(target=self._watch, daemon=True)
-        self.thread.start()
-
-    def _watch(self):
-        while self.running:
-            try:
-                text = self.panel.name
-            except Exception:  # the program has ended
-                return
-            if not self.seen or self.seen[-1][1] != text:
-                self.seen.append((time.monotonic(), text))
-            time.sleep(0.005)
+    def __init__(self, desk):
+        self.out = tempfile.TemporaryFile()
+        self.process = desk.spawn("/usr/bin/python3", "-W", "ignore", os.path.join(HERE, "status_watch.py"), stdout=self.out,
+                                  stderr=None)
+        desktop.wait_for(self.texts, what="the status line's first text")
 
     def texts(self):
-        return [text for _, text in self.seen]
+        if self.process.poll():
+            raise AssertionError(f"the watch of the status line ended with {self.process.returncode}")
+        lines = os.pread(self.out.fileno(), os.fstat(self.out.fileno()).st_size, 0).split(b"\n")[:-1]
+        return [json.loads(line) for line in lines]
 
     def stop(self):
-        self.running = False
-        self.thread.join()
+        """Looks for the last time. What was noted stays."""
+        if self.process.poll() is None:
+            self.process.terminate()
+            self.process.wait()
+
+    def close(self):
+        self.stop()
+        self.out.close()
 
 
 class Watch:
     """Looks at a part of the screen as often as it can and notes each change of what `look` makes of the picture (its
-    bytes, if not told), with its time."""
+    bytes, if not told), with its time. It does so in a thread: `look` must not use the accessibility library."""
 
     def __init__(self, desk, box, look=lambda picture: picture.tobytes()):
         self.seen = []
@@ -140,7 +141,13 @@ class ProgramCase(unittest.TestCase):
 
     def status_panel(self):
         """The status line's first panel."""
-        return next(w[2] for w in self.desk.widgets() if w[0] in (IDLE, "Busy..."))
+        return next(w[2] for w in self.desk.widgets() if w[0] in desktop.STATUS)
+
+    def watch_status(self):
+        """Notes the texts of the status line from now on."""
+        watch = StatusWatch(self.desk)
+        self.addCleanup(watch.close)
+        return watch
 
     def box_text(self, title, timeout=desktop.PATIENCE):
         """Waits for a message box and returns its text."""

@@ -7,7 +7,7 @@ import unittest
 
 import desk as desktop
 from disc import DISC, disc
-from program import IDLE, ProgramCase, StatusWatch
+from program import IDLE, ProgramCase
 
 CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
 SENTENCE = "This is a sentence of some length, so that there is time to interrupt it before it comes to its end."
@@ -64,7 +64,7 @@ class Character(ProgramCase):
             with self.subTest(command):
                 begin = self.now()
                 expected = sum(self.rendered_length(text) for text in self.phrases(command))
-                status = StatusWatch(self.status_panel())
+                status = self.watch_status()
                 self.choose(command)
                 desktop.wait_for(lambda: self.heard_since(begin), what=command)
                 self.settle()

@@ -10,7 +10,7 @@ import wave
 import numpy
 
 import desk as desktop
-from program import IDLE, ROOT, ProgramCase, StatusWatch, Watch
+from program import IDLE, ROOT, ProgramCase, Watch
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
 import word_maker as maker  # noqa: E402  pylint: disable=wrong-import-position
@@ -330,7 +330,7 @@ class Word(WordCase):
     def test_a_document_is_read_part_by_part(self):
         path = self.document("letter.doc", SENTENCE * 1500)
         begin = self.now()
-        status = StatusWatch(self.status_panel())
+        status = self.watch_status()
         self.open_word(path)
         desktop.wait_for(lambda: self.heard_since(begin), what="the first part")
         desktop.wait_for(lambda: "Busy..." in status.texts(), what="the reading to be queued")
@@ -394,7 +394,7 @@ class Word(WordCase):
         path = self.document("long.doc", SENTENCE * 3000)
         x, y, width, height = self.desk.rect(self.desk.find("Stop Everything !!!"))
         begin = self.now()
-        status = StatusWatch(self.status_panel())
+        status = self.watch_status()
         self.open_word(path)
         desktop.wait_for(self.processors, step=0.01, what="the word processor")
         self.desk.click_at(x + width // 2, y + height // 2)

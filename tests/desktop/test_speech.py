@@ -6,7 +6,7 @@ import time
 import unittest
 
 import desk as desktop
-from program import IDLE, ProgramCase, StatusWatch, Watch
+from program import IDLE, ProgramCase, Watch
 
 SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all."
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
@@ -34,7 +34,7 @@ class Speech(SpeechCase):
         self.type_text(SENTENCE)
         _, (x, y, width, height) = self.character_window()
         begin = self.now()
-        status = StatusWatch(self.status_panel())
+        status = self.watch_status()
         # The mouth of the character that ships, where it stands at rest.
         mouth_x, mouth_y = x + width // 2, y + height * 5 // 9
         frames = Watch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
