@@ -19,6 +19,8 @@ SCREEN = (1600, 1100)
 STATUS = ("I am Idle now !", "Busy...")  # what the status line's first panel says of a program at rest and at work
 
 
+# What the log of a program says whose memory is damaged or that ends by an error that nobody caught.
+FAULTS = (b"free():", b"corrupt", b"terminate called", b"AddressSanitizer", b"Segmentation")
 PATIENCE = 60  # seconds for what takes a moment on a quiet machine: how long a busy one takes is no test's verdict
 
 
@@ -143,6 +145,7 @@ class Desk:
         self.home = home or tempfile.mkdtemp(prefix="voxmate-desk-")
         os.makedirs(self.home, exist_ok=True)
         self.children = []
+        self.programs = {}  # those that were started and whose end nobody has seen yet, and their logs' names
         self.screen = screen
         self.scale = 1  # of the program's windows, for those who start it with another
         runtime = os.path.join(self.home, "runtime")
@@ -279,11 +282,15 @@ class Desk:
             pairs = [line.split("=", 1) for line in file.read().split("\n") if line.startswith('"')]
         return {name.strip('"'): value for name, value in pairs}
 
-    def start(self, without=(), **environment):
-        """Starts the program; its messages go to a log file. `without` is a command that takes rights from it."""
-        env = dict(self.env, **environment)
-        self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
-        return self.spawn(*without, os.path.join(self.build, "voxmate"), env=env, stderr=self.log, stdout=self.log)
+    def start(self, without=(), path=None, **environment):
+        """Starts the program, or the copy of it at another path; its messages go to a log file. `without` is a command
+        that takes rights from it."""
+        log = os.path.join(self.home, f"voxmate-{len(self.children)}.log")
+        with open(log, "wb") as out:
+            program = self.spawn(*without, path or os.path.join(self.build, "voxmate"), env=dict(self.env, **environment),
+                                 stderr=out, stdout=out)
+        self.programs[program] = log
+        return program
 
     def start_without_engines(self, **environment):
         """Starts the program where the voices' data and libraries are hidden from it; None where this machine does not
@@ -295,16 +302,42 @@ class Desk:
         hidden = glob.glob("/usr/lib/*/espeak-ng-data") + glob.glob("/usr/share/espeak-ng-data")
         steps = [f"mount --bind {empty} {folder}" for folder in hidden]
         steps += [f"mount --bind /dev/null {library}" for library in glob.glob("/usr/lib/*/libflite.so.1")]
-        steps.append("exec " + os.path.join(self.build, "voxmate"))
-        self.log = open(os.path.join(self.home, "voxmate.log"), "ab")
-        return self.spawn("unshare", "-m", "sh", "-c", " && ".join(steps), env=dict(self.env, **environment),
-                          stderr=self.log, stdout=self.log)
+        steps.append('exec "$0"')
+        return self.start(without=("unshare", "-m", "sh", "-c", " && ".join(steps)), **environment)
 
     def end(self, program):
-        if program.poll() is None:
-            program.terminate()
-            program.wait(PATIENCE)
-        self.log.close()
+        """Ends the program as the end of a session does, if nobody has seen its end yet. It must have been running, and
+        end without a fault."""
+        if program not in self.programs:
+            return
+        status = program.poll()
+        if status is not None:
+            messages = self._messages(program)
+            raise AssertionError(f"the program has ended by itself, with {status}:\n{messages.decode(errors='replace')}")
+        program.terminate()
+        self.ended(program)
+
+    def ended(self, program, status=0, timeout=PATIENCE):
+        """Waits for the end of a program that is about to end; it must be with that status and without a fault."""
+        late = False
+        try:
+            program.wait(timeout)
+        except subprocess.TimeoutExpired:
+            late = True
+            program.kill()
+            program.wait()
+        messages = self._messages(program)
+        told = f":\n{messages.decode(errors='replace')}"
+        if late:
+            raise AssertionError(f"the program did not end in {timeout} s{told}")
+        if program.returncode != status:
+            raise AssertionError(f"the program ended with {program.returncode} and not with {status}{told}")
+        if any(fault in messages for fault in FAULTS):
+            raise AssertionError(f"the program's log tells of a fault{told}")
+
+    def _messages(self, program):
+        with open(self.programs.pop(program), "rb") as log:
+            return log.read()
 
     # Eyes.
 

@@ -256,6 +256,7 @@ class Photographer:
         self.desk.end(program)
 
         program = self.start()
+        self.desk.find("Text to read")
         self.desk.end(program)
         program = self.desk.start(PULSE_SERVER="unix:/nonexistent/sound", **self.environment)
         self.desk.click(self.desk.find("Text to read"))
@@ -298,16 +299,14 @@ class Photographer:
             shutil.copytree(os.path.join(self.desk.build, "share", "voxmate", "icons"),
                             os.path.join(folder, "share", "voxmate", "icons"))
             self.desk.install_defaults(CharacterPath=os.path.join(folder, "nowhere"))
-            program = self.desk.spawn(os.path.join(folder, "voxmate"),
-                                      env=dict(self.desk.env, PATH="/nonexistent", **self.environment))
+            program = self.desk.start(path=os.path.join(folder, "voxmate"), PATH="/nonexistent", **self.environment)
             self.desk.find("Voxmate - Path Error")
             self.press("Yes")
             time.sleep(1)
             self.window("box-download", "Voxmate - Path Error")
             self.press("Yes")
             self.window("box-url", "Voxmate - URL Open Error")
-            program.terminate()
-            program.wait()
+            self.desk.end(program)
         finally:
             shutil.rmtree(folder)
 

@@ -70,25 +70,48 @@ class Signals(EndCase):
         self.has_ended()
 
 
+class Crashes(EndCase):
+    """What goes wrong at the end or before it fails the test that it happens in."""
+
+    def test_a_program_that_has_ended_by_itself_is_a_failure(self):
+        self.start_and_settle()
+        self.program.send_signal(signal.SIGSEGV)
+        self.program.wait(desktop.PATIENCE)
+        with self.assertRaisesRegex(AssertionError, "^the program has ended by itself, with -11:"):
+            self.desk.end(self.program)
+
+    def test_a_program_that_crashes_while_it_is_ended_is_a_failure(self):
+        self.start_and_settle()
+        self.program.send_signal(signal.SIGABRT)
+        with self.assertRaisesRegex(AssertionError, "^the program ended with -6 and not with 0:"):
+            self.has_ended()
+
+    def test_a_fault_that_the_log_tells_of_is_a_failure(self):
+        for fault in ("free(): invalid pointer", "terminate called after throwing an instance of 'int'"):
+            with self.subTest(fault):
+                self.start_and_settle()
+                with open(f"/proc/{self.program.pid}/fd/2", "a", encoding="ascii") as log:
+                    log.write(fault + "\n")
+                with self.assertRaisesRegex(AssertionError, "^the program's log tells of a fault:"):
+                    self.desk.end(self.program)
+
+
 class Session(EndCase):
     """A session with a manager and a tray, as desktops have."""
 
     def setUp(self):
         super().setUp()
         self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right")
+        self.addCleanup(self.tray.wait, desktop.PATIENCE)
+        self.addCleanup(self.tray.terminate)
         desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")
         self.manager = self.desk.spawn("/usr/bin/python3", os.path.join(HERE, "session_manager.py"), stdin=subprocess.PIPE,
                                        stdout=subprocess.PIPE)
+        self.addCleanup(self.manager.stdout.close)
+        self.addCleanup(self.manager.wait, desktop.PATIENCE)
+        self.addCleanup(self.manager.stdin.close)
         self.address = self.manager.stdout.readline().decode().strip()
         self.assertIn("unix", self.address)
-
-    def tearDown(self):
-        super().tearDown()
-        self.tray.terminate()
-        self.tray.wait(desktop.PATIENCE)
-        self.manager.stdin.close()
-        self.manager.wait(desktop.PATIENCE)
-        self.manager.stdout.close()
 
     def tell(self, word):
         self.manager.stdin.write(word.encode() + b"\n")

@@ -22,11 +22,7 @@ class FirstEvening(TourCase):
     def start_as_new_user(self):
         self.desk.remove_settings()
         if BUILD == os.path.join(ROOT, "build", "release"):
-            self.log = open(os.path.join(self.desk.home, "run.log"), "wb")
-            self.addCleanup(self.log.close)
-            program = self.desk.spawn(os.path.join(ROOT, "run"), stdout=self.log, stderr=self.log)
-            self.addCleanup(lambda: program.poll() is None and program.kill())
-            return program
+            return self.start(path=os.path.join(ROOT, "run"))
         # What the command does where it has nothing to build.
         self.desk.run(os.path.join(ROOT, "packaging", "install-defaults"), os.path.join(BUILD, "share", "voxmate"))
         return self.start()
@@ -61,7 +57,7 @@ class FirstEvening(TourCase):
         self.addCleanup(tray.terminate)
         self.listen()
         begin = self.now()
-        program = self.start_as_new_user()
+        self.start_as_new_user()
         self.desk.find("Text to read")
         today = datetime.datetime.now()
         suffix = {1: "st", 2: "nd", 3: "rd"}.get(today.day % 10 if today.day not in (11, 12, 13) else 0, "th")
@@ -132,7 +128,7 @@ class FirstEvening(TourCase):
         self.desk.key("alt+f")
         self.desk.find("Exit")
         self.desk.key("e")
-        self.assertEqual(program.wait(desktop.PATIENCE), 0)
+        self.has_ended()
         time.sleep(0.5)
         begin = self.now()
         time.sleep(0.5)

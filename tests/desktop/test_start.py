@@ -3,7 +3,6 @@
 import os
 import shutil
 import signal
-import subprocess
 import tempfile
 import time
 import unittest
@@ -103,27 +102,26 @@ class Instances(ProgramCase):
 
     def test_a_second_copy_says_so_and_ends_and_the_first_goes_on(self):
         self.start_and_settle()
-        second = self.desk.spawn(os.path.join(BUILD, "voxmate"))
+        second = self.desk.start()
         self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
         self.press("OK")
-        self.assertEqual(second.wait(desktop.PATIENCE), 0)
+        self.desk.ended(second)
         self.assertIsNone(self.program.poll())
 
     def test_a_second_copy_in_another_session_says_so_too_because_the_folder_of_data_is_one(self):
         self.start_and_settle()
         with tempfile.TemporaryDirectory() as runtime:
             os.chmod(runtime, 0o700)
-            second = self.desk.spawn(os.path.join(BUILD, "voxmate"), env=dict(self.desk.env, XDG_RUNTIME_DIR=runtime))
-            self.addCleanup(self.desk.end, second)
+            second = self.desk.start(XDG_RUNTIME_DIR=runtime)
             self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
             self.press("OK")
-            self.assertEqual(second.wait(desktop.PATIENCE), 0)
+            self.desk.ended(second)
         self.assertIsNone(self.program.poll())
 
     def test_a_crash_leaves_nothing_that_blocks_the_next_start(self):
         self.start_and_settle()
         self.program.send_signal(signal.SIGKILL)
-        self.program.wait()
+        self.has_ended(status=-signal.SIGKILL)
         self.start_and_settle()
         self.assertEqual(self.boxes(), [])
 
@@ -167,8 +165,7 @@ class Lacking(ProgramCase):
             empty = os.path.join(folder, "empty") + "/"
             os.makedirs(empty)
             self.desk.install_defaults(**QUIET, CharacterPath=empty)
-            self.program = self.desk.spawn(os.path.join(folder, "voxmate"), stderr=subprocess.DEVNULL)
-            self.desk.log = open(os.devnull, "wb")
+            self.start(path=os.path.join(folder, "voxmate"))
             self.assertEqual(plain(self.box_text("Voxmate - Path Error")), "\n".join([
                 "No characters found in the following path:", empty,
                 "Do you want to let Voxmate load characters from windows system directory ?",
@@ -209,8 +206,7 @@ class Lacking(ProgramCase):
             shutil.copy(os.path.join(BUILD, "voxmate"), folder)
             shutil.copytree(os.path.join(BUILD, "share", "voxmate", "icons"),
                             os.path.join(folder, "share", "voxmate", "icons"))
-            self.program = self.desk.spawn(os.path.join(folder, "voxmate"), env=dict(self.desk.env, PATH="/nonexistent"))
-            self.desk.log = open(os.devnull, "wb")
+            self.start(path=os.path.join(folder, "voxmate"), PATH="/nonexistent")
             self.box_text("Voxmate - Path Error")
             self.press("Yes")
             desktop.wait_for(lambda: "download" in self.box_text("Voxmate - Path Error"), what="the second box")

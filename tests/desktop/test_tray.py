@@ -8,7 +8,7 @@ import unittest
 from gi.repository import Gio, GLib
 
 import desk as desktop
-from program import BUILD, ProgramCase
+from program import ProgramCase
 
 ITEM = "org.kde.StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
@@ -44,12 +44,9 @@ class Tray(TrayCase):
         super().setUp()
         self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right", "--widthtype", "pixel", "--width", "64",
                                     "--height", "32")
+        self.addCleanup(self.tray.wait, desktop.PATIENCE)
+        self.addCleanup(self.tray.terminate)
         self.panel = desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")[-1]
-
-    def tearDown(self):
-        super().tearDown()
-        self.tray.terminate()
-        self.tray.wait(desktop.PATIENCE)
 
     def icons(self):
         """Places of the icons in the tray."""
@@ -133,10 +130,10 @@ class Tray(TrayCase):
     def test_a_second_copy_says_so_and_leaves_the_first_in_the_tray(self):
         self.start_and_settle()
         self.put_in_tray()
-        second = self.desk.spawn(os.path.join(BUILD, "voxmate"))
+        second = self.desk.start()
         self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
         self.press("OK")
-        self.assertEqual(second.wait(desktop.PATIENCE), 0)
+        self.desk.ended(second)
         self.assertIsNone(self.program.poll())
         self.assertFalse(self.desk.windows("^Voxmate$"), "the first copy's window")
         self.assertEqual(len(self.icons()), 1)
@@ -177,17 +174,14 @@ class Notifier(TrayCase):
         super().setUp()
         self.host = self.desk.spawn("/usr/bin/python3", os.path.join(os.path.dirname(__file__), "notifier_host.py"),
                                     stdout=subprocess.PIPE)
+        self.addCleanup(self.host.stdout.close)
+        self.addCleanup(self.host.wait, desktop.PATIENCE)
+        self.addCleanup(self.host.terminate)
         self.assertEqual(self.host.stdout.readline(), b"ready\n")
         self.bus = Gio.DBusConnection.new_for_address_sync(
             self.desk.env["DBUS_SESSION_BUS_ADDRESS"],
             Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
         self.addCleanup(self.bus.close_sync)
-
-    def tearDown(self):
-        super().tearDown()
-        self.host.terminate()
-        self.host.wait(desktop.PATIENCE)
-        self.host.stdout.close()
 
     def put_in_tray(self):
         self.hide()
