@@ -113,24 +113,36 @@ def place_in(recording, rendered):
 
 class DistantEar:
     """Records what the desk's sink plays and leaves the sink its long queue, so that what is recorded comes late and in
-    large pieces. When it was heard is known from a click that was also heard close by: the sink plays as many samples
-    each second, from first to last."""
+    large pieces. When it was heard is known from clicks that were also heard close by: the sink plays as many samples
+    each second, from first to last. A busy machine hears a click late but never early, so the earliest of them counts."""
 
     RATE = desktop.RATE
+    CLICKS = 5
 
     def __init__(self, desk):
         self.recorder = desk.recorder(hurried=False)
         close = desk.recorder()
         try:
-            click = numpy.full(desktop.RATE // 20, 16000, dtype="<i2").tobytes()
-            subprocess.run(["pacat", "--raw", "--format=s16le", "--channels=1", f"--rate={desktop.RATE}"], input=click,
-                           env=desk.env, check=True)
-            here, there = (desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0], 0.1), what="a click")[0]
-                           for recorder in (close, self.recorder))
-            _, ends, times = close.snapshot()
-            self.origin = close.time_of(here, ends, times) - there / desktop.RATE
+            self.origin = min(self._click(desk, close) for _ in range(self.CLICKS))
         finally:
             close.stop()
+
+    def _click(self, desk, close):
+        """Plays a click and returns when the recording began, judged by it."""
+        begins = [len(recorder.snapshot()[0]) for recorder in (close, self.recorder)]
+        click = numpy.full(self.RATE // 20, 16000, dtype="<i2").tobytes()
+        subprocess.run(["pacat", "--raw", "--format=s16le", "--channels=1", f"--rate={self.RATE}"], input=click,
+                       env=desk.env, check=True)
+        spans = []
+        for recorder, begin in zip((close, self.recorder), begins):
+            span = desktop.wait_for(lambda r=recorder, b=begin: desktop.loud_span(r.snapshot()[0][b:], 0.1), what="a click")
+            # The whole click, that none of it is taken for the next one.
+            desktop.wait_for(lambda r=recorder, end=begin + span[0] + self.RATE // 5: len(r.snapshot()[0]) > end,
+                             what="the end of the click")
+            spans.append(begin + span[0])
+        here, there = spans
+        _, ends, times = close.snapshot()
+        return close.time_of(here, ends, times) - there / self.RATE
 
     def heard(self, begin=0):
         """What was recorded from a sample on."""

@@ -63,6 +63,7 @@ class Watch:
 
     def __init__(self, desk, box, look=lambda picture: picture.tobytes()):
         self.seen = []
+        self.by = []  # when the looks that saw those values were over: they were there by then
         self.worst = 0  # longest time between two looks, in seconds
         self._stop = False
         self._thread = threading.Thread(target=self._run, args=(desk, box, look), daemon=True)
@@ -78,6 +79,7 @@ class Watch:
                 self.worst = max(self.worst, after - last)
             last = after
             if not self.seen or self.seen[-1][1] != value:
+                self.by.append(after)
                 self.seen.append(((before + after) / 2, value))
             time.sleep(0.002)
 

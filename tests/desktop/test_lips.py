@@ -111,8 +111,7 @@ class UnheldSound(Lips):
         balloon.stop()
         first = desktop.wait_for(lambda: desktop.loud_span(ear.heard(pressed)), what="the sound")[0]
         sound = ear.time_of(pressed + first)
-        opened = next(when for when, value in mouth.seen if value)
-        shown = next(when for when, value in balloon.seen if value)
+        opened, shown = (next(by for by, (_, value) in zip(watch.by, watch.seen) if value) for watch in (mouth, balloon))
         # A busy machine makes both late, but never early.
         self.assertGreater(opened, sound - EARLY)
         self.assertGreater(shown, sound - EARLY)
