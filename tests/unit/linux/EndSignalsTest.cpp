@@ -24,6 +24,13 @@ constexpr auto Never = 1h;
 /// What is to be waited for, but not for ever.
 constexpr auto Long = 60s;
 
+// Whoever runs the tests in the background may have these signals ignored.
+const bool unignored = [] {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        ::signal(number, SIG_DFL);
+    return true;
+}();
+
 class EndSignalsTest : public testing::TestWithParam<int>
 {
 };
