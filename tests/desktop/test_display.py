@@ -3,17 +3,24 @@ display is gone afterwards."""
 
 import unittest
 
-from test_end import EndCase
+import desk as desktop
+from test_end import EndCase, SilentDisk
 
 
 class Display(EndCase):
 
     def test_it_ends_with_the_display_with_all_saved(self):
-        self.start_and_settle()
-        before = self.desk.read_settings()["Speed"]
+        disk = SilentDisk(self)
+        disk.answer()
+        self.start_and_settle(LD_PRELOAD=disk.library)
+        disk.hold()
         speed = self.set_speed()
-        self.assertNotEqual(before, speed)
-        self.desk.children[0].terminate()
+        disk.wait_for_a_save()
+        self.assertNotEqual(self.desk.read_settings()["Speed"], speed)
+        display = self.desk.children[0]
+        display.terminate()
+        display.wait(desktop.PATIENCE)
+        disk.answer()
         self.ends_with(speed)
 
 

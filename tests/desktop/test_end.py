@@ -13,6 +13,30 @@ from test_tray import TrayCase
 HERE = os.path.dirname(os.path.abspath(__file__))
 
 
+class SilentDisk:
+    """A disk for a program that is started with its library: from hold() on saves wait until answer()."""
+
+    def __init__(self, case):
+        folder = tempfile.TemporaryDirectory(prefix="voxmate-end-test-", dir="/tmp")
+        case.addCleanup(folder.cleanup)
+        self.library, self.asked, self.answered = (os.path.join(folder.name, name) for name in ("disk.so", "asked", "answered"))
+        # Stands for the C library's.
+        source = ('#include <fcntl.h>\n#include <unistd.h>\nextern "C" int fdatasync(int) { creat("%s", 0600); '
+                  'while (access("%s", F_OK) != 0) usleep(1000); return 0; }\n' % (self.asked, self.answered))
+        subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", self.library, "-"], input=source.encode(), check=True)
+
+    def hold(self):
+        for path in (self.asked, self.answered):
+            if os.path.exists(path):
+                os.remove(path)
+
+    def answer(self):
+        open(self.answered, "wb").close()
+
+    def wait_for_a_save(self):
+        desktop.wait_for(lambda: os.path.exists(self.asked), what="a save that waits for the disk")
+
+
 class EndCase(TrayCase):
     defaults = {**TrayCase.defaults, "CloseToTray": 1}
 
@@ -174,24 +198,13 @@ class Session(EndCase):
 class Disk(EndCase):
     """A disk that does not answer any more, as a folder of the network whose server has gone."""
 
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        folder = tempfile.TemporaryDirectory(prefix="voxmate-end-test-", dir="/tmp")
-        cls.addClassCleanup(folder.cleanup)
-        cls.library = os.path.join(folder.name, "disk.so")
-        # Stands for the C library's: it tells that it has been called, and never comes back.
-        source = ('extern "C" int creat(const char*, unsigned); extern "C" int pause();\n'
-                  'extern "C" int fdatasync(int) { creat("%s/asked", 0600); for (;;) pause(); }\n' % folder.name)
-        subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", cls.library, "-"], input=source.encode(), check=True)
-        cls.asked = os.path.join(folder.name, "asked")
-
     def start_and_hang(self):
-        if os.path.exists(self.asked):
-            os.remove(self.asked)
-        self.start_and_settle(LD_PRELOAD=self.library)
+        disk = SilentDisk(self)
+        disk.answer()
+        self.start_and_settle(LD_PRELOAD=disk.library)
+        disk.hold()
         self.set_speed()
-        desktop.wait_for(lambda: os.path.exists(self.asked), what="a save that hangs")
+        disk.wait_for_a_save()
 
     def test_a_signal_ends_it_although_its_settings_cannot_be_saved(self):
         self.start_and_hang()
