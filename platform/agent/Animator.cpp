@@ -26,6 +26,59 @@ bool GoesOn(const Animation& leaving, const Frame& shown, const Animation& next)
     return first != next.frames.end() && first->images == shown.images;
 }
 
+std::int64_t Milliseconds(const Frame& frame)
+{
+    return std::int64_t{frame.duration} * 10;
+}
+
+/// The frames that may follow frame `index`. Without a branch to take, the next one does; behind the last is the end.
+std::vector<std::size_t> Following(const std::vector<Frame>& frames, std::size_t index)
+{
+    std::vector<std::size_t> following;
+    int chance = 100;
+    for (const Branch& branch : frames[index].branches) {
+        if (branch.percent > 0 && branch.frame < frames.size())
+            following.push_back(branch.frame);
+        chance -= branch.percent;
+    }
+    if (chance > 0 && index + 1 < frames.size())
+        following.push_back(index + 1);
+    return following;
+}
+
+/// When an animation has ended by itself at the latest, whose frame `from` has had its time at `due`: the longest way
+/// from there to the end. Never when a frame can come again, as then chance alone, or nothing, ends it.
+std::int64_t LatestEnd(const std::vector<Frame>& frames, int from, std::int64_t due)
+{
+    const auto start = static_cast<std::size_t>(from);
+    std::vector<std::size_t> leadingHere(frames.size()); // how many ways that can be taken lead to each frame
+    std::vector<bool> found(frames.size());
+    std::vector<std::size_t> reached{start};
+    found[start] = true;
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        for (const std::size_t next : Following(frames, reached[i])) {
+            ++leadingHere[next];
+            if (!found[next])
+                reached.push_back(next);
+            found[next] = true;
+        }
+    }
+    if (leadingHere[start] > 0)
+        return Animator::Never;
+    // A frame's turn comes when all that lead to it have had theirs; in a circle that never happens.
+    std::vector<std::int64_t> over(frames.size());
+    over[start] = due;
+    std::vector<std::size_t> turns{start};
+    for (std::size_t i = 0; i < turns.size(); ++i) {
+        for (const std::size_t next : Following(frames, turns[i])) {
+            over[next] = std::max(over[next], over[turns[i]] + Milliseconds(frames[next]));
+            if (--leadingHere[next] == 0)
+                turns.push_back(next);
+        }
+    }
+    return turns.size() == reached.size() ? *std::max_element(over.begin(), over.end()) : Animator::Never;
+}
+
 } // namespace
 
 Animator::Animator(Stage& stage, const AcsFile& file, std::function<void(const Frame&)> show,
@@ -52,12 +105,11 @@ void Animator::Hurry()
 {
     if (!moving_ || end_ == Never)
         return;
-    std::int64_t whole = 0;
-    for (const Frame& frame : animation_->frames)
-        whole += std::int64_t{frame.duration} * 10;
-    end_ = std::min(end_, whole > LongestWayOut ? stage_.Now() : begun_ + whole);
-    due_ = std::min(due_, end_);
-    WaitFor(due_);
+    const std::int64_t latest = way_ == Way::Exit ? EndOfExits() : LatestEnd(animation_->frames, at_, due_);
+    if (latest <= end_)
+        return;
+    end_ = stage_.Now();
+    Wait();
 }
 
 void Animator::Begin(const Animation& animation, Way way, std::int64_t longest)
@@ -70,8 +122,8 @@ void Animator::Begin(const Animation& animation, Way way, std::int64_t longest)
     moving_ = true;
     at_ = 0;
     givenUp_ = false;
-    due_ = begun_ = stage_.Now();
-    end_ = longest == Never ? Never : begun_ + longest;
+    due_ = stage_.Now();
+    end_ = longest == Never ? Never : due_ + longest;
     Enter(0);
 }
 
@@ -105,9 +157,9 @@ void Animator::Leave(const Animation* next, std::function<void()> done)
         drawn_ = 0;
         moving_ = true;
         timer_.reset();
-        due_ = begun_ = stage_.Now();
-        end_ = begun_ + LongestWayOut;
-        Enter(AfterOnExit(at_));
+        due_ = stage_.Now();
+        end_ = due_ + LongestWayOut;
+        Enter(AfterOnExit(at_, onWayOut_));
         return;
     }
     timer_.reset();
@@ -150,7 +202,7 @@ void Animator::Enter(int index)
             break;
         Pass(std::exchange(late, &frame));
         at_ = index;
-        due_ = std::min(due_ + std::int64_t{frame.duration} * 10, end_);
+        due_ += Milliseconds(frame);
         const bool still = StandsStill(frame, index);
         if (!still && due_ <= stage_.Now()) {
             index = After(index);
@@ -158,7 +210,7 @@ void Animator::Enter(int index)
         }
         shown_ = &frame;
         if (!still)
-            WaitFor(due_);
+            Wait();
         show_(frame);
         return;
     }
@@ -173,7 +225,7 @@ void Animator::Enter(int index)
 int Animator::After(int index)
 {
     if (way_ == Way::Exit)
-        return AfterOnExit(index);
+        return AfterOnExit(index, onWayOut_);
     const Frame& frame = animation_->frames[static_cast<std::size_t>(index)];
     if (!frame.branches.empty()) {
         int chance = stage_.Random(100);
@@ -186,7 +238,8 @@ int Animator::After(int index)
     return index + 1;
 }
 
-int Animator::AfterOnExit(int index)
+/// `onWayOut` says whether an exit branch has been taken, and is set when the one of this frame is.
+int Animator::AfterOnExit(int index, bool& onWayOut) const
 {
     constexpr int end = -1;
     const auto& frames = animation_->frames;
@@ -196,15 +249,35 @@ int Animator::AfterOnExit(int index)
     const auto hasExit = [](const Frame& frame) { return frame.exitFrame >= 0; };
     const Frame& frame = frames[static_cast<std::size_t>(index)];
     if (hasExit(frame) && frame.exitFrame < count && frame.exitFrame != index) {
-        onWayOut_ = true;
+        onWayOut = true;
         return frame.exitFrame;
     }
     const auto behind = frames.begin() + index + 1;
-    if (onWayOut_) {
+    if (onWayOut) {
         const bool leadsOn = index > leftFrom_ && behind != frames.end() && !hasExit(*behind);
         return leadsOn ? index + 1 : end;
     }
     return std::any_of(behind, frames.end(), hasExit) ? index + 1 : end;
+}
+
+/// When the way out by exit branches has ended by itself; Never when it goes round.
+std::int64_t Animator::EndOfExits() const
+{
+    const auto& frames = animation_->frames;
+    const auto count = static_cast<int>(frames.size());
+    // Longer than this only if it goes round: a frame can come once before the first exit and once after it. A way of
+    // more than MaxUndrawn frames counts as one that goes round: drawn for 10 ms each they take too long anyway.
+    const int longest = std::min(2 * count, MaxUndrawn);
+    std::int64_t over = due_;
+    bool onWayOut = onWayOut_;
+    int index = at_;
+    for (int step = 0; step <= longest; ++step) {
+        index = AfterOnExit(index, onWayOut);
+        if (index < 0 || index >= count)
+            return over;
+        over += Milliseconds(frames[static_cast<std::size_t>(index)]);
+    }
+    return Never;
 }
 
 /// A frame that always branches to itself changes nothing any more: no timer is needed, unless its sound is repeated.
@@ -220,9 +293,11 @@ void Animator::Pass(const Frame* frame)
         pass_(*frame);
 }
 
-void Animator::WaitFor(std::int64_t moment)
+/// For the time of the frame on show to be over, or for the end of all waiting.
+void Animator::Wait()
 {
-    timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, moment - stage_.Now())), [this] { Tick(); });
+    const std::int64_t rest = std::min(due_, end_) - stage_.Now();
+    timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, rest)), [this] { Tick(); });
 }
 
 void Animator::Tick()

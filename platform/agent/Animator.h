@@ -29,9 +29,9 @@ public:
     /// up after LongestWayOut milliseconds, and `done` is told whether it was.
     void PlayToEnd(const Animation& animation, std::function<void(bool givenUp)> done);
 
-    /// Whoever waits for PlayToEnd, or for a way out, waits no longer than the animation needs to show each of its
-    /// frames once: one that ends by itself is seen to its end, one that goes round is given up, as is one that would
-    /// need more than LongestWayOut. Told from a timer, never inside this call.
+    /// Whoever waits for PlayToEnd, or for a way out, waits only for what ends by itself in time: that is seen to its
+    /// end. What goes round from the frame on show, be it by chance, is given up at once, as is what would need more
+    /// than LongestWayOut. Told from a timer, never inside this call.
     void Hurry();
 
     /// Returns to the neutral pose the way the animation says: by its return animation (unless that is `next`, or
@@ -63,17 +63,19 @@ public:
     static constexpr int LongestWayOut = 10000;
     /// Frames of no duration that are gone through before an animation counts as ended: no file draws on more.
     static constexpr int MaxUndrawn = 1000;
+    /// The moment of what does not come.
+    static constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();
 
 private:
     enum class Way { Along, Exit, Return };
-    static constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();
 
     void Begin(const Animation& animation, Way way, std::int64_t longest);
     void Enter(int index);
     int After(int index);
-    int AfterOnExit(int index);
+    int AfterOnExit(int index, bool& onWayOut) const;
+    std::int64_t EndOfExits() const;
     bool StandsStill(const Frame& frame, int index) const;
-    void WaitFor(std::int64_t moment);
+    void Wait();
     void Pass(const Frame* frame);
     void Tick();
     void End();
@@ -87,15 +89,14 @@ private:
     const Frame* shown_ = nullptr;
     Way way_ = Way::Along;
     bool moving_ = false;
-    bool left_ = true;       ///< stands in the neutral pose: nothing to leave
-    bool onWayOut_ = false;  ///< an exit branch has been taken
-    int at_ = 0;             ///< frame on show, by its number
-    int leftFrom_ = 0;       ///< frame from which the exit branches began
-    std::int64_t begun_ = 0; ///< when the animation, or the way out of it, began, by the stage's clock
-    std::int64_t end_ = 0;   ///< when it is given up, a way out or what is waited for; else Never
-    bool givenUp_ = false;   ///< it came to `end_`, not to its own end
-    std::size_t drawn_ = 0;  ///< frames drawn on the way out
-    std::int64_t due_ = 0;   ///< when the frame on show has had its time, by the stage's clock
+    bool left_ = true;      ///< stands in the neutral pose: nothing to leave
+    bool onWayOut_ = false; ///< an exit branch has been taken
+    int at_ = 0;            ///< frame on show, by its number
+    int leftFrom_ = 0;      ///< frame from which the exit branches began
+    std::int64_t end_ = 0;  ///< when it is given up, a way out or what is waited for; else Never
+    bool givenUp_ = false;  ///< it came to `end_`, not to its own end
+    std::size_t drawn_ = 0; ///< frames drawn on the way out
+    std::int64_t due_ = 0;  ///< when the frame on show has had its time, by the stage's clock
     std::unique_ptr<StageTimer> timer_;
 };
 

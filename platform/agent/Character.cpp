@@ -57,6 +57,7 @@ AgentRequestPtr Character::Show(bool fast)
 
 AgentRequestPtr Character::Hide(bool fast)
 {
+    Hurry();
     auto request = std::make_shared<Request>(RequestKind::Hide);
     request->fast = fast;
     return Enqueue(std::move(request));

@@ -271,7 +271,7 @@ std::vector<const Animation*> Character::SpeakingAnimations() const
     return animations;
 }
 
-/// The program asks for something that a showing or hiding animation without an end would keep waiting for ever.
+/// The program asks for something that a showing or hiding animation without an end would keep waiting.
 void Character::Hurry()
 {
     if (current_ && (current_->kind == RequestKind::Show || current_->kind == RequestKind::Hide))
