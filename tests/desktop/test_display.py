@@ -12,7 +12,7 @@ class Display(EndCase):
     def test_it_ends_with_the_display_with_all_saved(self):
         disk = SilentDisk(self)
         disk.answer()
-        self.start_and_settle(LD_PRELOAD=disk.library)
+        self.start_and_settle(LD_PRELOAD=disk.stand_in)
         disk.hold()
         speed = self.set_speed()
         disk.wait_for_a_save()

@@ -19,11 +19,11 @@ class SilentDisk:
     def __init__(self, case):
         folder = tempfile.TemporaryDirectory(prefix="voxmate-end-test-", dir="/tmp")
         case.addCleanup(folder.cleanup)
-        self.library, self.asked, self.answered = (os.path.join(folder.name, name) for name in ("disk.so", "asked", "answered"))
+        self.stand_in, self.asked, self.answered = (os.path.join(folder.name, name) for name in ("disk.so", "asked", "answered"))
         # Stands for the C library's.
         source = ('#include <fcntl.h>\n#include <unistd.h>\nextern "C" int fdatasync(int) { creat("%s", 0600); '
                   'while (access("%s", F_OK) != 0) usleep(1000); return 0; }\n' % (self.asked, self.answered))
-        subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", self.library, "-"], input=source.encode(), check=True)
+        subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", self.stand_in, "-"], input=source.encode(), check=True)
 
     def hold(self):
         for path in (self.asked, self.answered):
@@ -201,7 +201,7 @@ class Disk(EndCase):
     def start_and_hang(self):
         disk = SilentDisk(self)
         disk.answer()
-        self.start_and_settle(LD_PRELOAD=disk.library)
+        self.start_and_settle(LD_PRELOAD=disk.stand_in)
         disk.hold()
         self.set_speed()
         disk.wait_for_a_save()
