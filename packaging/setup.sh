@@ -12,11 +12,11 @@ run_packages=(
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(
-  xvfb openbox x11-utils x11-xserver-utils xclip xdotool pulseaudio pulseaudio-utils procps
+  xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
-  xfwm4 marco mate-settings-daemon-common
 )
-test_packages=(libgtest-dev libgmock-dev)
+# Only the tests need other window managers and another program's clipboard.
+test_packages=(libgtest-dev libgmock-dev xclip xfwm4 marco mate-settings-daemon-common)
 
 say() { printf '== %s\n' "$*"; }
 
