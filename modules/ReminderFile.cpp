@@ -20,6 +20,8 @@ namespace
 std::unique_ptr<RandomAccessFile> dataFile;
 // The list's slots are those of the file, as far as this program knows.
 bool fileKnown = false;
+// The file was not read to its end when it was read last: the list is not what it holds, and must not replace it.
+bool cutShort = false;
 
 constexpr std::size_t DatedCopies = 5;
 
@@ -108,7 +110,7 @@ bool MakeAgain(const Change& change, std::int16_t& skipIndex)
 bool CatchUp(std::int16_t& skipIndex)
 {
     if (!fileKnown)
-        return RemindersValid != False;
+        return !cutShort;
     if (FileIsAsKnown())
         return true;
     const std::vector<Change> changes = Changes(skipIndex);
@@ -305,6 +307,7 @@ bool ReadDataFile(ReminderEditor* editor)
         ~Ending() { EndList(); }
     } const ending;
     fileKnown = false;
+    cutShort = true;
     BeginList(dataFile ? dataFile->Count() : 0);
     while (dataFile) {
         const std::string_view slot = dataFile->Get(EntryCount() + 1);
@@ -320,6 +323,7 @@ bool ReadDataFile(ReminderEditor* editor)
                                 Joined({record->Hour, ":", record->Minute}));
     }
     fileKnown = true;
+    cutShort = false;
     return true;
 }
 
@@ -361,7 +365,7 @@ bool AppendRecord(const std::string& record)
 void ForgetDataFile()
 {
     dataFile.reset();
-    fileKnown = false;
+    fileKnown = cutShort = false;
     BeginList(0);
     EndList();
 }

@@ -355,9 +355,9 @@ TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasMovedIsTheOneThatIsCh
 TEST_F(ReminderCommandsTest, AReminderIsToldFromOthersOfTheSameTextsByItsDate)
 {
     Record later = Three()[0];
-    later[3] = "2005";
+    later[3] = "2006";
     Record last = Three()[0];
-    last[3] = "2006";
+    last[3] = "2007";
     Open({Three()[0], later, last});
     // Another program has deleted the one that is shown.
     fake.files.texts[file] = Slots({later, last});

@@ -78,7 +78,7 @@ TEST_F(RandomFileTest, AMissingFileIsCreatedEmptyForItsUserAlone)
 TEST_F(RandomFileTest, AFileThatIsOnlyToBeReadIsNotMade)
 {
     EXPECT_EQ(ErrorOf([&] { files.OpenRandomExisting(Path(), 8); }), 53);
-    EXPECT_EQ(ErrorOf([&] { files.OpenRandomExisting(Path("nowhere/slots"), 8); }), 53);
+    EXPECT_EQ(ErrorOf([&] { files.OpenRandomExisting(Path("nowhere/slots"), 8); }), 76);
     EXPECT_TRUE(fs::is_empty(folder));
     Write("abcdefgh");
     EXPECT_EQ(files.OpenRandomExisting(Path(), 8)->Get(1), "abcdefgh");
