@@ -663,6 +663,7 @@ class Buttons(OptionsCase):
         # It has slid up when its right edge in the lower corner shows the colour at its strongest.
         edge = (right - 3, bottom - 20, right - 2, bottom - 19)
         self.become(lambda: self.desk.screenshot(box=edge).getpixel((0, 0)), (160, 195, 255))
+        desktop.wait_for(lambda: sum(self.desk.window_rect(window)[1::2]) == bottom, what="the alert in its place")
         x, y, width, height = self.desk.window_rect(window)
         self.desk.click_at(x + width // 2, y + height // 2)
         desktop.wait_for(lambda: not self.desk.windows("^frmAlert$"), what="the alert going away")
