@@ -133,12 +133,14 @@ struct LoadedVoice {
 };
 
 /// A voice once registered lasts for the rest of the run, and so does what we give it, whoever asked for it first.
-struct {
+struct LoadedLibrary {
     FliteLibrary flite;
     bool loaded = false;
     std::map<std::string, LoadedVoice> voices;
     std::vector<std::unique_ptr<cst_cg_db>> databases;
-} loadedLibrary;
+};
+/// Never taken apart: the library's voices are not, either.
+LoadedLibrary& loadedLibrary = *new LoadedLibrary;
 
 /// What is known of the stretch at hand from one piece to the next.
 struct Stretch {
