@@ -381,9 +381,14 @@ class Desk:
         # The toolkit tells device-independent pixels.
         return tuple(value * self.scale for value in (box.x, box.y, box.width, box.height))
 
-    def windows(self, title):
-        """Ids of the visible windows with this title."""
-        return self.run("xdotool", "search", "--onlyvisible", "--name", title, check=False).decode().split()
+    def windows(self, title, by="--name"):
+        """Ids of the visible windows with this title, or class with by="--class"."""
+        # The search breaks off with an error when a window goes while it is being looked at.
+        for _ in range(100):
+            result = subprocess.run(["xdotool", "search", "--onlyvisible", by, title], env=self.env, capture_output=True, check=False)
+            if not result.stderr:
+                return result.stdout.decode().split()
+        raise AssertionError(f"no search for {title!r} came to its end: {result.stderr.decode()}")
 
     def properties(self, window, *names):
         """What xprop says of a window's properties, or of the root window's (None)."""

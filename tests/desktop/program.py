@@ -193,7 +193,7 @@ class ProgramCase(unittest.TestCase):
         self.desk.click_at(x + width // 2, y + height // 2, button=3)
 
         def popup():
-            new = set(self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split())
+            new = set(self.desk.windows("voxmate", by="--class"))
             return new - known
 
         window = desktop.wait_for(popup, what="the character's menu").pop()

@@ -217,7 +217,7 @@ class Menus(MainTour):
 
     def double_click_icon(self):
         self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
-        desktop.wait_for(lambda: self.desk.run("xdotool", "search", "--onlyvisible", "--name", "^panel$", check=False), what="the tray")
+        desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")
         time.sleep(0.3)
         self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
 

@@ -27,7 +27,7 @@ class TrayCase(ProgramCase):
 
     def visible(self):
         """Places of the program's visible windows; a hidden window's menu is not on the accessibility bus."""
-        ids = self.desk.run("xdotool", "search", "--onlyvisible", "--class", "voxmate", check=False).decode().split()
+        ids = self.desk.windows("voxmate", by="--class")
         return [self.desk.window_rect(window) for window in ids]
 
     def choose_exit(self, before):
