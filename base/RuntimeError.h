@@ -93,8 +93,9 @@ inline RuntimeError ObjectNotSet()
     return {91, "Object variable or With block variable not set"};
 }
 
-/// Any exception as the run-time error to report: a run-time error as it is; memory that could not be had, also for a text
-/// longer than can be, as "Out of memory"; everything else as the run-time's "Internal error" 51 with what it says.
+/// Any exception as the run-time error to report: a run-time error as it is; memory that could not be had, also for a
+/// text longer than can be, as "Out of memory"; everything else as the run-time's "Internal error" 51 with what it
+/// says.
 RuntimeError AsRuntimeError(const std::exception& error);
 
 } // namespace voxmate

@@ -1,7 +1,7 @@
 // A machine without a sound device.
 #pragma once
 
-#include "platform/speech/AudioOutput.h"
+#include "speech/AudioOutput.h"
 
 namespace voxmate::bench
 {

@@ -2,9 +2,9 @@
 // same pixels, composing frames.
 //
 //   character_file FILE.acs...   takes the images of these files, as many as make such a file
+#include "agent/file/AcsFile.h"
+#include "agent/file/AcsWriter.h"
 #include "bench/Statistics.h"
-#include "platform/agent/AcsFile.h"
-#include "platform/agent/AcsWriter.h"
 
 #include <zlib.h>
 

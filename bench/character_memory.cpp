@@ -2,9 +2,9 @@
 // times over, and the memory is read in between.
 //
 // Usage: character_memory [FOLDER]   the folder of the character files; without one those of this build
+#include "agent/Server.h"
 #include "bench/NoSound.h"
-#include "platform/agent/Server.h"
-#include "platform/qt/QtStage.h"
+#include "qt/character/QtStage.h"
 
 #include <QApplication>
 #include <QDir>

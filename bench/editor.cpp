@@ -7,8 +7,8 @@
 #include "forms/frmReminder.h"
 #include "modules/Declarations.h"
 #include "modules/Reminders.h"
-#include "platform/qt/QtApplication.h"
-#include "platform/qt/QtWindowSystem.h"
+#include "qt/system/QtApplication.h"
+#include "qt/system/QtWindowSystem.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <QWidget>

@@ -1,12 +1,12 @@
 // How punctual a character's frames are while eight windows of an alert's size slide over the desktop.
 //
 //   frame_timing FILE.acs [SECONDS]      (needs a display)
+#include "agent/Server.h"
+#include "agent/file/AcsWriter.h"
 #include "bench/NoSound.h"
 #include "bench/Statistics.h"
-#include "platform/agent/AcsWriter.h"
-#include "platform/agent/Server.h"
-#include "platform/qt/QtApplication.h"
-#include "platform/qt/QtStage.h"
+#include "qt/character/QtStage.h"
+#include "qt/system/QtApplication.h"
 
 #include <QLinearGradient>
 #include <QPainter>

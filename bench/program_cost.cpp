@@ -3,22 +3,22 @@
 // alone.
 //
 // Usage: program_cost startup | pitch | speech      (needs a display; speech needs a sound server, too)
+#include "agent/Server.h"
 #include "bench/Statistics.h"
 #include "forms/frmMain.h"
 #include "modules/Declarations.h"
 #include "modules/Functions.h"
-#include "platform/agent/Server.h"
-#include "platform/linux/FileSettingsStore.h"
-#include "platform/linux/Folders.h"
-#include "platform/linux/LibreOfficeWord.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxProcess.h"
-#include "platform/qt/QtApplication.h"
-#include "platform/qt/QtAudioOutput.h"
-#include "platform/qt/QtStage.h"
-#include "platform/qt/QtWindowSystem.h"
-#include "platform/speech/VoiceCatalog.h"
-#include "platform/speech/VoicePlayer.h"
+#include "platform/linux/desktop/QtAudioOutput.h"
+#include "platform/linux/files/Folders.h"
+#include "platform/linux/files/LinuxFileSystem.h"
+#include "platform/linux/process/LinuxProcess.h"
+#include "platform/linux/settings/FileSettingsStore.h"
+#include "platform/linux/word/LibreOfficeWord.h"
+#include "qt/character/QtStage.h"
+#include "qt/system/QtApplication.h"
+#include "qt/system/QtWindowSystem.h"
+#include "speech/VoiceCatalog.h"
+#include "speech/player/VoicePlayer.h"
 
 #include <espeak-ng/speak_lib.h>
 

@@ -6,7 +6,7 @@
 #include "modules/Reminders.h"
 #include "bench/Statistics.h"
 #include "modules/ReminderRecord.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxFileSystem.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <cstdio>

@@ -7,7 +7,7 @@
 // for the table's own `heard` values (they select exactly that setting) and write down what is heard instead.
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
-#include "platform/speech/Engine.h"
+#include "speech/Engine.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -3,8 +3,8 @@
 //
 //   pulseaudio -n --exit-idle-time=-1 --load="module-null-sink sink_name=rec" --load=module-native-protocol-unix
 //   speech_latency [monitor=rec.monitor] [runs=20]
-#include "platform/qt/QtAudioOutput.h"
-#include "platform/speech/VoicePlayer.h"
+#include "platform/linux/desktop/QtAudioOutput.h"
+#include "speech/player/VoicePlayer.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 // mouths: kind, sample, value.
 //
 // Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav
-#include "platform/speech/Relay.h"
+#include "speech/text/Relay.h"
 
 #include <cstdint>
 #include <cstdlib>

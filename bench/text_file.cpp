@@ -5,7 +5,7 @@
 // Usage: text_file [COUNT]   COUNT runs of each kind; files of 1 MB and 100 MB in several encodings are made for it
 #include "bench/Statistics.h"
 #include "modules/Functions.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxFileSystem.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -6,7 +6,7 @@
 // program live, and the time to take the whole text in parts of 1000 characters; the text follows. --limit shortens the
 // time a conversion may take, --stop breaks it off after that time.
 #include "base/RuntimeError.h"
-#include "platform/linux/LibreOfficeWord.h"
+#include "platform/linux/word/LibreOfficeWord.h"
 
 #include <algorithm>
 #include <chrono>

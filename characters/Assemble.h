@@ -4,7 +4,7 @@
 #include "Drawing.h"
 #include "Source.h"
 
-#include "platform/agent/AcsWriter.h"
+#include "agent/file/AcsWriter.h"
 
 namespace voxmate::characters
 {

@@ -1,6 +1,6 @@
 #include "Describe.h"
 
-#include "platform/speech/WaveFile.h"
+#include "speech/sound/WaveFile.h"
 
 #include <array>
 #include <cctype>

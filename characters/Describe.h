@@ -1,7 +1,7 @@
 // What is in a character file, as JSON.
 #pragma once
 
-#include "platform/agent/AcsFile.h"
+#include "agent/file/AcsFile.h"
 
 #include <string>
 

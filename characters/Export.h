@@ -1,7 +1,7 @@
 // The pictures and sounds of a character file as files of their own.
 #pragma once
 
-#include "platform/agent/AcsFile.h"
+#include "agent/file/AcsFile.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 // The one palette of a character: the 255 colours that stand best for all those its frames are drawn with.
 #pragma once
 
-#include "platform/agent/AcsFile.h"
+#include "agent/file/AcsFile.h"
 
 #include <QImage>
 

@@ -4,7 +4,7 @@
 #include "Source.h"
 #include "ToImage.h"
 
-#include "platform/agent/AcsFile.h"
+#include "agent/file/AcsFile.h"
 
 #include <QPainter>
 

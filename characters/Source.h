@@ -1,7 +1,7 @@
 // A character's source: what its folder's character.json says, checked and with every name resolved.
 #pragma once
 
-#include "platform/agent/AcsFile.h"
+#include "agent/file/AcsFile.h"
 
 #include <QByteArray>
 #include <QHash>

@@ -2,7 +2,7 @@
 #include "Describe.h"
 #include "Export.h"
 
-#include "platform/agent/PictureCheck.h"
+#include "agent/file/PictureCheck.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 // The about box.
 #pragma once
 
+#include "controls/Pictures.h"
 #include "platform/Platform.h"
-#include "platform/controls/Pictures.h"
 
 #include <cstdint>
 #include <string>

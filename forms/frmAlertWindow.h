@@ -2,9 +2,9 @@
 // sliding up or fading in, stays for a while or until it is clicked, and leaves the way it came.
 #pragma once
 
+#include "controls/PlacedForm.h"
 #include "modules/Windows.h"
 #include "platform/Platform.h"
-#include "platform/controls/PlacedForm.h"
 
 #include <cstdint>
 #include <string>

@@ -1,11 +1,11 @@
 // The options dialog: all settings on four tabs.
 #pragma once
 
+#include "controls/OptionButton.h"
+#include "controls/Pictures.h"
+#include "controls/TabStrip.h"
 #include "modules/Windows.h"
 #include "platform/Platform.h"
-#include "platform/controls/OptionButton.h"
-#include "platform/controls/Pictures.h"
-#include "platform/controls/TabStrip.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,11 +1,11 @@
 // The reminder editor: the list of all reminders, and fields to add, change, delete and mark one.
 #pragma once
 
+#include "controls/ListView.h"
+#include "controls/MonthView.h"
 #include "modules/Reminders.h"
 #include "modules/Windows.h"
 #include "platform/Platform.h"
-#include "platform/controls/ListView.h"
-#include "platform/controls/MonthView.h"
 
 #include <string>
 
@@ -53,7 +53,7 @@ private:
     Platform& platform_;
     bool working_ = false;    ///< a command runs
     bool timeByCode_ = false; ///< the program fills txtTime, not the user
-    Reminder shown_; ///< the reminder that was put into the fields last
+    Reminder shown_;          ///< the reminder that was put into the fields last
 
     void Arrange();
     void MarkChanged();

@@ -1,9 +1,9 @@
 // The tip of the day.
 #pragma once
 
+#include "controls/Pictures.h"
 #include "modules/Windows.h"
 #include "platform/Platform.h"
-#include "platform/controls/Pictures.h"
 
 #include <string>
 

@@ -10,14 +10,14 @@
 namespace voxmate
 {
 
-/// Announces a message (ShowMessage), then shows it in a box with this style and title, and gives the box's answer. The box
-/// shows this text whatever other message came while the character spoke; IsBusy is True until it is closed.
+/// Announces a message (ShowMessage), then shows it in a box with this style and title, and gives the box's answer. The
+/// box shows this text whatever other message came while the character spoke; IsBusy is True until it is closed.
 int Announce(const std::string& text, int style, const std::string& title, const std::string& animation1 = {},
              const std::string& animation2 = {}, const std::string& animation3 = {},
              const std::string& animation4 = {});
 
-/// Holds IsBusy at True for its own life and then puts back what it was: a box that comes up while another one is up leaves
-/// the program busy when it is closed.
+/// Holds IsBusy at True for its own life and then puts back what it was: a box that comes up while another one is up
+/// leaves the program busy when it is closed.
 class BusyScope
 {
 public:
@@ -38,8 +38,8 @@ void ShowMessage(const std::string& message, const std::string& animation1, cons
 /// Shows the report of an unexpected error and ends the program.
 [[noreturn]] void ReportError(std::int32_t errorNumber, const std::string& errorDescription, std::int16_t routineId);
 
-/// Runs a numbered routine: sets CurrentRoutineId and hands an error that it lets through, memory that ran out included, to
-/// ReportError.
+/// Runs a numbered routine: sets CurrentRoutineId and hands an error that it lets through, memory that ran out
+/// included, to ReportError.
 template <class Body>
 void NumberedRoutine(std::int16_t routineId, Body body);
 

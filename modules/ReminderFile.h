@@ -31,8 +31,8 @@ void DeleteStaleCopy();
 /// five of those are kept.
 void KeepDated(const std::string& path);
 
-/// Opens the file, which stays open until it is closed below; false when there is none. Raises the file system's errors,
-/// 76 among them where its folder is not there.
+/// Opens the file, which stays open until it is closed below; false when there is none. Raises the file system's
+/// errors, 76 among them where its folder is not there.
 bool OpenDataFile();
 void CloseDataFile();
 /// Closes it after an error, raising none.

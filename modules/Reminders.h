@@ -93,7 +93,8 @@ bool KeepAnswer(const Answer& answer);
 /// Saves the list with the answers that are not in the file yet, and loads it again. What fails is told of once and
 /// tried again.
 void SaveAnswers();
-/// Tries once more to save the answers that are not in the file yet, because the program is about to end; raises nothing.
+/// Tries once more to save the answers that are not in the file yet, because the program is about to end; raises
+/// nothing.
 void SaveLastAnswers();
 /// Once a second while something is to be tried again: reads a file that could not be read and saves answers that could
 /// not be saved. After five times it tries every tenth time only.

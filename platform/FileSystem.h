@@ -12,9 +12,9 @@
 namespace voxmate
 {
 
-/// A text file being read line by line: in UTF-8, in UTF-16, or else in the code page that goes with the user's locale. A
-/// stray byte in UTF-8 is read by the code page. A byte-order mark is not text. Time and memory are linear in the length
-/// of what is read.
+/// A text file being read line by line: in UTF-8, in UTF-16, or else in the code page that goes with the user's locale.
+/// A stray byte in UTF-8 is read by the code page. A byte-order mark is not text. Time and memory are linear in the
+/// length of what is read.
 class TextStream
 {
 public:

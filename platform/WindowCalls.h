@@ -4,7 +4,7 @@
 // handle.
 #pragma once
 
-#include "platform/controls/Form.h"
+#include "controls/Form.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // The window system as the program's logic sees it: forms, message boxes, pop-up menus, clipboard, pending events.
 #pragma once
 
+#include "controls/Form.h"
 #include "platform/WindowCalls.h"
-#include "platform/controls/Form.h"
 
 #include <array>
 #include <cstdint>

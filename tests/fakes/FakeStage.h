@@ -2,8 +2,8 @@
 // letters that are all 8 pixels wide.
 #pragma once
 
+#include "agent/Stage.h"
 #include "base/Text.h"
-#include "platform/agent/Stage.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // A voice that says nothing: the test tells it what is being heard.
 #pragma once
 
-#include "platform/speech/VoiceOutput.h"
+#include "speech/VoiceOutput.h"
 
 #include <cstddef>
 #include <utility>

@@ -2,9 +2,9 @@
 // which names the file; what is not refused can be used to the end, and reads the same when it is written again.
 #include "fuzz.h"
 
+#include "agent/body/Animator.h"
+#include "agent/file/AcsWriter.h"
 #include "base/Text.h"
-#include "platform/agent/AcsWriter.h"
-#include "platform/agent/Animator.h"
 #include "tests/fakes/FakeStage.h"
 
 #include <algorithm>

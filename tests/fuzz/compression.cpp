@@ -2,7 +2,7 @@
 // that goes bit by bit, and as data to be packed.
 #include "fuzz.h"
 
-#include "platform/agent/AcsCompression.h"
+#include "agent/file/AcsCompression.h"
 
 #include <algorithm>
 #include <array>

@@ -2,13 +2,13 @@
 // width of the balloon, all others are the text. No text is fatal, and all who count its words count the same.
 #include "fuzz.h"
 
+#include "agent/balloon/BalloonText.h"
+#include "agent/text/Markup.h"
+#include "agent/text/Words.h"
 #include "base/Text.h"
-#include "platform/agent/BalloonText.h"
-#include "platform/agent/Markup.h"
-#include "platform/agent/Words.h"
-#include "platform/speech/EspeakMarkup.h"
-#include "platform/speech/FliteText.h"
-#include "platform/speech/MarkedText.h"
+#include "speech/engines/EspeakMarkup.h"
+#include "speech/engines/FliteText.h"
+#include "speech/text/MarkedText.h"
 
 #include <algorithm>
 #include <limits>

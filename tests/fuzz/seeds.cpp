@@ -1,7 +1,7 @@
 // Writes the inputs the fuzzer starts from, made with the project's own writers: fuzz_seeds FOLDER gives one folder a
 // target in it.
-#include "platform/agent/AcsCompression.h"
-#include "platform/agent/AcsWriter.h"
+#include "agent/file/AcsCompression.h"
+#include "agent/file/AcsWriter.h"
 #include "tests/unit/agent/acs_samples.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 // libsndfile is not instrumented; what it logs of each file stands in for its coverage.
 #include "fuzz.h"
 
-#include "platform/speech/WaveFile.h"
+#include "speech/sound/WaveFile.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // The packing of images: there and back on every kind of data, and streams of bits written by hand for every code.
-#include "platform/agent/AcsCompression.h"
+#include "agent/file/AcsCompression.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // A small character that uses every part of the file, for the tests of its reader and its writer.
 #pragma once
 
-#include "platform/agent/AcsWriter.h"
+#include "agent/file/AcsWriter.h"
 
 #include <cstdint>
 #include <string>

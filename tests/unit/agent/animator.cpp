@@ -1,4 +1,4 @@
-#include "platform/agent/Animator.h"
+#include "agent/body/Animator.h"
 
 #include "tests/fakes/FakeStage.h"
 

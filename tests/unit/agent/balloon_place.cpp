@@ -1,6 +1,6 @@
-#include "platform/agent/BalloonPlace.h"
+#include "agent/balloon/BalloonPlace.h"
 
-#include "platform/agent/Stage.h"
+#include "agent/Stage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/agent/BalloonText.h"
+#include "agent/balloon/BalloonText.h"
 
 #include "base/Text.h"
 

@@ -1,4 +1,4 @@
-#include "platform/agent/Gestures.h"
+#include "agent/body/Gestures.h"
 
 #include <gtest/gtest.h>
 

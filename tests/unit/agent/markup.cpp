@@ -1,5 +1,5 @@
-#include "platform/agent/Markup.h"
-#include "platform/agent/SpokenForm.h"
+#include "agent/text/Markup.h"
+#include "agent/text/SpokenForm.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/agent/Painter.h"
+#include "agent/body/Painter.h"
 
 #include "tests/unit/agent/server_house.h"
 

@@ -1,8 +1,8 @@
 // A character server with a small character, a stage and a voice that the test plays, and a log of all events.
 #pragma once
 
-#include "platform/agent/AcsWriter.h"
-#include "platform/agent/Server.h"
+#include "agent/Server.h"
+#include "agent/file/AcsWriter.h"
 #include "tests/fakes/FakeStage.h"
 #include "tests/fakes/FakeVoiceOutput.h"
 

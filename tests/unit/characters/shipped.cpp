@@ -1,6 +1,6 @@
 // The characters that ship: they have what the program calls them for, and nothing about them jumps.
-#include "platform/agent/AcsFile.h"
-#include "platform/speech/WaveFile.h"
+#include "agent/file/AcsFile.h"
+#include "speech/sound/WaveFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/controls/Form.h"
+#include "controls/Form.h"
 
 #include <gtest/gtest.h>
 

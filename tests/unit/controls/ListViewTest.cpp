@@ -1,5 +1,5 @@
-#include "platform/controls/ListView.h"
-#include "platform/controls/Form.h"
+#include "controls/ListView.h"
+#include "controls/Form.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "platform/controls/MonthView.h"
-#include "platform/controls/Form.h"
+#include "controls/MonthView.h"
+#include "controls/Form.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The clock: the system's time zone, and that it is another from one moment to the next.
-#include "platform/linux/LinuxProcess.h"
+#include "platform/linux/process/LinuxProcess.h"
 
 #include <cstdint>
 #include <cstdlib>

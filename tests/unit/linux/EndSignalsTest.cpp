@@ -1,4 +1,4 @@
-#include "platform/linux/EndSignals.h"
+#include "platform/linux/process/EndSignals.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "platform/linux/FlatText.h"
+#include "platform/linux/word/FlatText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The word processor with stand-ins for LibreOffice: scripts that convert, hang, fail, or leave things behind.
-#include "platform/linux/LibreOfficeWord.h"
+#include "platform/linux/word/LibreOfficeWord.h"
 #include "base/RuntimeError.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
-#include "platform/linux/LinuxProcess.h"
+#include "platform/linux/process/LinuxProcess.h"
 
 #include "HangingDisk.h"
 #include "OrdinaryUser.h"
 #include "OwnFolder.h"
 #include "base/RuntimeError.h"
-#include "platform/linux/EndSignals.h"
-#include "platform/linux/FileSettingsStore.h"
+#include "platform/linux/process/EndSignals.h"
+#include "platform/linux/settings/FileSettingsStore.h"
 
 #include <array>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "platform/linux/Md5.h"
+#include "platform/linux/word/Md5.h"
 
 #include <gtest/gtest.h>
 

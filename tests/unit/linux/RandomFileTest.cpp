@@ -1,7 +1,7 @@
 #include "FileHolder.h"
 #include "OrdinaryUser.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxProcess.h"
+#include "platform/linux/files/LinuxFileSystem.h"
+#include "platform/linux/process/LinuxProcess.h"
 
 #include "base/RuntimeError.h"
 

@@ -1,7 +1,7 @@
 // Several programs that change the reminders of one folder at the same time, as fast as they can.
 #include "OwnFolder.h"
 #include "modules/Reminders.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxFileSystem.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <algorithm>

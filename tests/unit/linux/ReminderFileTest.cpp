@@ -2,7 +2,7 @@
 #include "FileHolder.h"
 #include "OrdinaryUser.h"
 #include "modules/Reminders.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxFileSystem.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "base/FileName.h"
-#include "platform/linux/FileSettingsStore.h"
-#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxFileSystem.h"
+#include "platform/linux/settings/FileSettingsStore.h"
 
 #include "HangingDisk.h"
 #include "OwnFolder.h"

@@ -1,8 +1,8 @@
-#include "platform/linux/SystemInformation.h"
+#include "platform/linux/settings/SystemInformation.h"
 #include "OwnFolder.h"
-#include "platform/linux/FileSettingsStore.h"
-#include "platform/linux/Folders.h"
-#include "platform/linux/LinuxProcess.h"
+#include "platform/linux/files/Folders.h"
+#include "platform/linux/process/LinuxProcess.h"
+#include "platform/linux/settings/FileSettingsStore.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "OrdinaryUser.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxTextStream.h"
+#include "platform/linux/files/LinuxFileSystem.h"
+#include "platform/linux/files/LinuxTextStream.h"
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
@@ -93,7 +93,8 @@ std::string Utf16(std::u16string_view units, bool littleEndian)
 
 TEST_F(TextStreamTest, ATextOfUnknownEncodingIsToldAsOneInAFile)
 {
-    for (const char* bytes : {"K\xC3\xA4the and J\xC3\xBCrgen", "K\xE4the and J\xFCrgen", "K\xC3\xA4the and J\xFCrgen", "Tea"})
+    for (const char* bytes :
+         {"K\xC3\xA4the and J\xC3\xBCrgen", "K\xE4the and J\xFCrgen", "K\xC3\xA4the and J\xFCrgen", "Tea"})
         EXPECT_EQ(files.DecodeText(bytes), FirstLine(bytes));
     EXPECT_EQ(files.DecodeText("K\xC3\xA4the and J\xFCrgen"), "K\xC3\xA4the and J\xC3\xBCrgen");
 }

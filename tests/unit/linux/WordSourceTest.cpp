@@ -1,5 +1,5 @@
-#include "platform/linux/WordSource.h"
-#include "platform/linux/WebArchive.h"
+#include "platform/linux/word/WordSource.h"
+#include "platform/linux/word/WebArchive.h"
 
 #include <gtest/gtest.h>
 

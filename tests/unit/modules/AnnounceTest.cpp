@@ -1,5 +1,5 @@
-// Messages that come while another message is being spoken: each box shows its own text, and the program stays busy until the
-// last one is closed.
+// Messages that come while another message is being spoken: each box shows its own text, and the program stays busy
+// until the last one is closed.
 #include "ModuleTest.h"
 
 namespace voxmate

@@ -119,8 +119,9 @@ TEST_F(MessagesTest, WhatIsNoRunTimeErrorEndsANumberedRoutineInTheSameReport)
         EXPECT_TRUE(fake.Ends([&] { NumberedRoutine(4, [&] { throw error; }); }));
         return fake.windows.boxes.size() == 1 ? fake.windows.boxes[0].text.substr(0, 110) : "no box";
     };
-    const std::string outOfMemory = "Following error has occurred:\r\nError No. - 7\r\nError Description - Out of memory\r\n"
-                                    "Function/Module ID - 4\r\n";
+    const std::string outOfMemory =
+        "Following error has occurred:\r\nError No. - 7\r\nError Description - Out of memory\r\n"
+        "Function/Module ID - 4\r\n";
     EXPECT_EQ(reported(std::bad_alloc()).substr(0, outOfMemory.size()), outOfMemory);
     EXPECT_EQ(reported(std::length_error("basic_string::append")).substr(0, outOfMemory.size()), outOfMemory);
     const std::string other = "Following error has occurred:\r\nError No. - 51\r\nError Description - not there\r\n";

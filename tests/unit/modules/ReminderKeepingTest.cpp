@@ -165,9 +165,10 @@ TEST_F(ReminderKeepingTest, WhatASymbolicLinkLeadsToIsReplacedBesideItself)
     fake.files.log = &fake.log;
     fake.log.clear();
     EXPECT_TRUE(TrySaveReminders(0));
-    EXPECT_EQ(FileCalls(), (Lines{"OpenRandom " + target + " 128", "OpenRandom D:\\Cloud\\My list.txt.tmp 128", "Put 1",
-                                  "Flush D:\\Cloud\\My list.txt.tmp", "Close D:\\Cloud\\My list.txt.tmp", "Close " + target,
-                                  "DeleteFile " + target, "MoveFile D:\\Cloud\\My list.txt.tmp to " + target}));
+    EXPECT_EQ(FileCalls(),
+              (Lines{"OpenRandom " + target + " 128", "OpenRandom D:\\Cloud\\My list.txt.tmp 128", "Put 1",
+                     "Flush D:\\Cloud\\My list.txt.tmp", "Close D:\\Cloud\\My list.txt.tmp", "Close " + target,
+                     "DeleteFile " + target, "MoveFile D:\\Cloud\\My list.txt.tmp to " + target}));
     EXPECT_TRUE(TryAppendReminder(As("Tea")));
     EXPECT_EQ(TitlesInFile(target), (Lines{"A", "Tea"}));
     EXPECT_FALSE(fake.files.texts.contains(file));

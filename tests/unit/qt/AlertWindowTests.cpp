@@ -2,9 +2,9 @@
 #include "forms/frmAlertWindow.h"
 #include "modules/AlertSlots.h"
 #include "modules/Declarations.h"
-#include "platform/qt/ClassicDrawing.h"
-#include "platform/qt/PlacedLabel.h"
-#include "platform/qt/PlacedWindow.h"
+#include "qt/alerts/ClassicDrawing.h"
+#include "qt/alerts/PlacedLabel.h"
+#include "qt/alerts/PlacedWindow.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/unit/qt/QtFixture.h"
 

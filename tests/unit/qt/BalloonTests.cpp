@@ -1,7 +1,7 @@
 // What the balloon's window draws.
 #include "tests/unit/qt/QtFixture.h"
 
-#include "platform/qt/QtBalloonWindow.h"
+#include "qt/character/QtBalloonWindow.h"
 
 #include <algorithm>
 

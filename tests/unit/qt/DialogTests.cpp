@@ -1,10 +1,10 @@
 // The controls that dialogs are made of, as real widgets.
-#include "platform/controls/OptionButton.h"
-#include "platform/controls/Pictures.h"
-#include "platform/controls/TabStrip.h"
-#include "platform/qt/DialogWidgets.h"
-#include "platform/qt/FontDialog.h"
-#include "platform/qt/Widgets.h"
+#include "controls/OptionButton.h"
+#include "controls/Pictures.h"
+#include "controls/TabStrip.h"
+#include "qt/dialogs/FontDialog.h"
+#include "qt/widgets/DialogWidgets.h"
+#include "qt/widgets/Widgets.h"
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QAccessible>

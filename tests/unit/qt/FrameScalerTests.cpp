@@ -1,7 +1,7 @@
 #include "QtFixture.h"
 
-#include "platform/qt/FrameScaler.h"
-#include "platform/qt/Scaling.h"
+#include "qt/character/FrameScaler.h"
+#include "qt/character/Scaling.h"
 
 #include <QEventLoop>
 #include <QThread>

@@ -1,5 +1,5 @@
 // A list in report style as a widget.
-#include "platform/controls/ListView.h"
+#include "controls/ListView.h"
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QAccessible>

@@ -7,7 +7,7 @@
 #include "forms/frmSplash.h"
 #include "forms/frmTip.h"
 #include "modules/Functions.h"
-#include "platform/qt/ReadableStyle.h"
+#include "qt/widgets/ReadableStyle.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/unit/qt/QtFixture.h"
 

@@ -1,6 +1,6 @@
 // The small calendar as a widget.
-#include "platform/controls/MonthView.h"
-#include "platform/qt/MonthCalendar.h"
+#include "controls/MonthView.h"
+#include "qt/widgets/MonthCalendar.h"
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QLocale>

@@ -1,6 +1,6 @@
 // Windows that come by themselves: where they go, and that they leave the keyboard where it is. And the boxes that ask.
 #include "platform/WindowSystem.h"
-#include "platform/qt/Placement.h"
+#include "qt/dialogs/Placement.h"
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QMessageBox>

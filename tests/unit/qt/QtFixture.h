@@ -1,8 +1,8 @@
 // One application object for all tests of the front end, without a display, and a form with one control of each kind.
 #pragma once
 
-#include "platform/qt/QtApplication.h"
-#include "platform/qt/QtWindowSystem.h"
+#include "qt/system/QtApplication.h"
+#include "qt/system/QtWindowSystem.h"
 
 #include <QTest>
 #include <QWidget>

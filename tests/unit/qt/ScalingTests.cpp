@@ -1,5 +1,5 @@
 // Frames in other sizes.
-#include "platform/qt/Scaling.h"
+#include "qt/character/Scaling.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The sums behind work areas and full-screen windows.
-#include "platform/qt/PlacedWindow.h"
-#include "platform/qt/Screens.h"
+#include "qt/alerts/PlacedWindow.h"
+#include "qt/system/Screens.h"
 
 #include <gtest/gtest.h>
 

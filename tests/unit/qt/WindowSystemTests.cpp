@@ -1,9 +1,9 @@
 // Message boxes, errors nobody caught, and what the stage measures and times.
 #include "tests/unit/qt/QtFixture.h"
 
-#include "platform/qt/QtBalloonWindow.h"
-#include "platform/qt/QtStage.h"
-#include "platform/qt/ShapedWindow.h"
+#include "qt/character/QtBalloonWindow.h"
+#include "qt/character/QtStage.h"
+#include "qt/character/ShapedWindow.h"
 
 #include <QFontDatabase>
 #include <QLabel>
@@ -281,7 +281,8 @@ TEST_F(QtTest, AnErrorInAnotherThreadIsShownInTheUserInterfacesThread)
     thread.start();
     auto* worker = new QObject;
     worker->moveToThread(&thread);
-    QMetaObject::invokeMethod(worker, [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        worker, [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
     QThread* boxIn = nullptr;
     LookAtNextBox([&](QMessageBox& box) {
         boxIn = box.thread();

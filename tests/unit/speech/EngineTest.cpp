@@ -2,8 +2,8 @@
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
-#include "platform/speech/MarkedText.h"
-#include "platform/speech/Shaper.h"
+#include "speech/player/Shaper.h"
+#include "speech/text/MarkedText.h"
 
 #include <gtest/gtest.h>
 

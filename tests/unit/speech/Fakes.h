@@ -1,8 +1,8 @@
 // An engine that makes what a test tells it, and a sound output that plays only when a test turns its handle.
 #pragma once
 
-#include "platform/speech/AudioOutput.h"
-#include "platform/speech/Engine.h"
+#include "speech/AudioOutput.h"
+#include "speech/Engine.h"
 
 #include <atomic>
 #include <chrono>

@@ -2,8 +2,8 @@
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
-#include "platform/speech/FliteLibrary.h"
-#include "platform/speech/SpeechJob.h"
+#include "speech/engines/FliteLibrary.h"
+#include "speech/player/SpeechJob.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/speech/HeardClock.h"
+#include "speech/player/HeardClock.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "platform/speech/MarkedText.h"
+#include "speech/text/MarkedText.h"
 #include "Fakes.h"
 #include "base/Text.h"
-#include "platform/speech/Calibration.h"
-#include "platform/speech/EspeakMarkup.h"
-#include "platform/speech/FliteText.h"
-#include "platform/speech/Mouths.h"
+#include "speech/Calibration.h"
+#include "speech/engines/EspeakMarkup.h"
+#include "speech/engines/FliteText.h"
+#include "speech/sound/Mouths.h"
 
 #include <gtest/gtest.h>
 

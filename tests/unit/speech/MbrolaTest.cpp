@@ -3,7 +3,7 @@
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
-#include "platform/speech/VoiceCatalog.h"
+#include "speech/VoiceCatalog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // A text in more than one writing: who says what, in which order, and how it is heard.
-#include "platform/speech/Relay.h"
+#include "speech/text/Relay.h"
 #include "Fakes.h"
 #include "bench/speech_measure.h"
-#include "platform/speech/Resampler.h"
+#include "speech/sound/Resampler.h"
 
 #include <gtest/gtest.h>
 

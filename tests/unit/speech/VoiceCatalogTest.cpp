@@ -1,6 +1,6 @@
-#include "platform/speech/VoiceCatalog.h"
+#include "speech/VoiceCatalog.h"
 #include "Fakes.h"
-#include "platform/speech/ModeId.h"
+#include "speech/text/ModeId.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "platform/speech/VoicePlayer.h"
+#include "speech/player/VoicePlayer.h"
 #include "Fakes.h"
-#include "platform/speech/WaveSpeech.h"
+#include "speech/player/WaveSpeech.h"
 
 #include <gtest/gtest.h>
 

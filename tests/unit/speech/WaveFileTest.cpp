@@ -1,4 +1,4 @@
-#include "platform/speech/WaveFile.h"
+#include "speech/sound/WaveFile.h"
 
 #include <gtest/gtest.h>
 

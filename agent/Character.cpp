@@ -1,0 +1,207 @@
+#include "agent/Character.h"
+
+#include "agent/file/PictureCheck.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsFile> file)
+    : shared_(shared), name_(std::move(name)), file_(std::move(file)), body_(shared.stage, *file_),
+      balloon_(shared.stage, *file_, [this] { return body_.Outline(); }), idling_(shared.stage, *file_)
+{
+    if (file_->voice)
+        modeId_ = GuidText(file_->voice->mode);
+    body_.Moved = [this] { balloon_.Follow(); };
+    body_.Mouse = [this](const MouseEvent& event) {
+        if (event.action == MouseAction::Press)
+            aloneSince_ = shared_.stage.Now();
+        gestures_.Handle(event);
+    };
+    ConnectGestures();
+    CheckPictures();
+}
+
+Character::~Character()
+{
+    // Not StopAll, which in a handler of Hidden does not reach all of them.
+    if (current_)
+        Interrupt();
+    for (const RequestPtr& request : std::exchange(queue_, {}))
+        Conclude(request, RequestStatus::Interrupted);
+}
+
+/// Looks through the file's pictures while the character begins. To decode them all takes too long to wait for.
+void Character::CheckPictures()
+{
+    const auto faults = std::make_shared<PictureFaults>();
+    check_ = shared_.stage.InBackground(
+        [faults, file = file_](std::stop_token stop) { *faults = agent::CheckPictures(*file, std::move(stop)); },
+        [this, faults] {
+            if (faults->first.empty())
+                return;
+            body_.LeaveOut(faults->damaged);
+            shared_.Raise(&AgentControl::Damaged, name_, faults->first);
+        });
+}
+
+AgentRequestPtr Character::Show(bool fast)
+{
+    Hurry();
+    auto request = std::make_shared<Request>(RequestKind::Show);
+    request->fast = fast;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Hide(bool fast)
+{
+    Hurry();
+    auto request = std::make_shared<Request>(RequestKind::Hide);
+    request->fast = fast;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Play(const std::string& animation)
+{
+    auto request = std::make_shared<Request>(RequestKind::Play);
+    request->animation = animation;
+    return Enqueue(std::move(request));
+}
+
+AgentRequestPtr Character::Speak(std::string text, std::string url)
+{
+    auto request = std::make_shared<Request>(RequestKind::Speak);
+    request->text = std::move(text);
+    request->url = std::move(url);
+    return Enqueue(std::move(request));
+}
+
+std::vector<std::string> Character::AnimationNames() const
+{
+    std::vector<std::string> names;
+    names.reserve(file_->animations.size());
+    for (const Animation& animation : file_->animations)
+        names.push_back(animation.name);
+    return names;
+}
+
+void Character::Stop(const AgentRequestPtr& request)
+{
+    if (!request)
+        return;
+    if (request == current_) {
+        Interrupt();
+        return;
+    }
+    const auto queued = std::find(queue_.begin(), queue_.end(), request);
+    if (queued == queue_.end())
+        return;
+    const RequestPtr dropped = *queued;
+    queue_.erase(queued);
+    Conclude(dropped, RequestStatus::Interrupted);
+}
+
+void Character::StopAll(const std::string& types)
+{
+    const auto stops = [this, wanted = ParseStopTypes(types)](const Request& request) {
+        return wanted.Includes(request.kind) && shared_.order.Reaches(request.number);
+    };
+    if (current_ && stops(*current_))
+        Interrupt();
+    else if (current_ && shared_.order.Reaches(current_->number))
+        Hurry();
+    std::deque<RequestPtr> kept;
+    for (const RequestPtr& request : queue_) {
+        if (stops(*request))
+            Conclude(request, RequestStatus::Interrupted);
+        else
+            kept.push_back(request);
+    }
+    queue_ = std::move(kept);
+}
+
+void Character::HideByUser()
+{
+    StopAll("");
+    auto request = std::make_shared<Request>(RequestKind::Hide);
+    request->byUser = true;
+    Enqueue(std::move(request));
+}
+
+void Character::ConnectGestures()
+{
+    const auto raise = [this](auto event) {
+        return
+            [this, event](int button, int shift, Point at) { shared_.Raise(event, name_, button, shift, at.x, at.y); };
+    };
+    gestures_.Click = raise(&AgentControl::Click);
+    gestures_.DblClick = raise(&AgentControl::DblClick);
+    gestures_.DragStart = raise(&AgentControl::DragStart);
+    gestures_.DragComplete = raise(&AgentControl::DragComplete);
+    gestures_.Drag = [this](Point topLeft, Point pointer) { body_.DragTo(topLeft, pointer); };
+    gestures_.Menu = [this](Point screen) {
+        shared_.stage.PopupMenu(commands_.Menu(), screen,
+                                [this, alive = std::weak_ptr<int>(alive_)](const std::string& name) {
+                                    if (alive.expired())
+                                        return;
+                                    if (name == CommandList::HideName)
+                                        HideByUser();
+                                    else
+                                        shared_.Raise(&AgentControl::Command, name);
+                                });
+    };
+}
+
+/// Nothing to do: goes home from a pose nobody asked for, then idles now and then.
+void Character::Rest()
+{
+    if (!body_.Visible() || current_)
+        return;
+    if (unsettled_) {
+        GoHome();
+        return;
+    }
+    // A request may be waiting for another character's voice.
+    if (body_.Moving() || !queue_.empty())
+        return;
+    const int delay = idling_.Delay(aloneSince_);
+    idleTimer_.reset();
+    if (delay >= 0)
+        idleTimer_ = shared_.stage.After(delay, [this] { Idle(); });
+}
+
+void Character::GoHome()
+{
+    unsettled_ = false;
+    playsIdle_ = false;
+    body_.Leave(nullptr, [this] {
+        body_.StandNeutral();
+        Rest();
+    });
+}
+
+void Character::Idle()
+{
+    idleTimer_.reset();
+    const Animation* animation = idling_.Choose(aloneSince_);
+    if (!animation) {
+        Rest();
+        return;
+    }
+    playsIdle_ = true;
+    body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
+}
+
+/// There is something to do: an idle animation is left at once, and none begins.
+void Character::StopIdling()
+{
+    idleTimer_.reset();
+    if (!std::exchange(playsIdle_, false))
+        return;
+    body_.Forget();
+    unsettled_ = true;
+}
+
+} // namespace voxmate::agent

@@ -1,0 +1,145 @@
+// One loaded character: its request queue, and everything that is done by it or to it.
+#pragma once
+
+#include "agent/CommandList.h"
+#include "agent/EventQueue.h"
+#include "agent/Request.h"
+#include "agent/VoiceTurn.h"
+#include "agent/balloon/Balloon.h"
+#include "agent/body/Body.h"
+#include "agent/body/Gestures.h"
+#include "agent/body/Idling.h"
+#include "platform/Agent.h"
+#include "speech/VoiceOutput.h"
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace voxmate::agent
+{
+
+/// What a character shares with the others; all of it outlives the characters.
+struct Shared {
+    Stage& stage;
+    speech::VoiceOutput& voice;
+    VoiceTurn& turn;
+    RequestOrder& order;
+    EventQueue& events;
+    AgentControl& control;
+
+    /// Raises an event of the control from the event loop, with the handler it has by then.
+    template <class Handler, class... Arguments>
+    void Raise(Handler AgentControl::*event, Arguments... arguments)
+    {
+        events.Post([&control = control, event, arguments...] {
+            if (const Handler handler = control.*event)
+                handler(arguments...);
+        });
+    }
+};
+
+class Character : public AgentCharacter
+{
+public:
+    Character(Shared shared, std::string name, std::shared_ptr<const AcsFile> file);
+    /// Ends all that it does, silently for the voice, with the completion events of its requests.
+    ~Character() override;
+    Character(const Character&) = delete;
+    Character& operator=(const Character&) = delete;
+
+    AgentRequestPtr Show(bool fast) override;
+    AgentRequestPtr Hide(bool fast) override;
+    AgentRequestPtr Play(const std::string& animation) override;
+    AgentRequestPtr Speak(std::string text, std::string url) override;
+    void Stop(const AgentRequestPtr& request) override;
+    void StopAll(const std::string& types) override;
+
+    AgentBalloon& Balloon() override { return balloon_; }
+    AgentCommands& Commands() override { return commands_; }
+
+    int Width() const override { return body_.ScreenSize().width; }
+    int Height() const override { return body_.ScreenSize().height; }
+    void SetWidth(int width) override { body_.SetScreenSize({width, Height()}); }
+    void SetHeight(int height) override { body_.SetScreenSize({Width(), height}); }
+    int OriginalWidth() const override { return file_->width; }
+    int OriginalHeight() const override { return file_->height; }
+    std::string TTSModeID() const override { return modeId_; }
+    void SetTTSModeID(const std::string& id) override { modeId_ = id; }
+    std::vector<std::string> AnimationNames() const override;
+    bool Visible() const override { return body_.Visible(); }
+
+    /// Where the user has put the character, by drag or window manager: the middle of the lower edge; nothing while it
+    /// stands where it first appeared. StandAt puts it there as if by the user.
+    std::optional<Point> Feet() const { return body_.Feet(); }
+    void StandAt(Point feet) { body_.StandAt(feet); }
+    /// Screens or work areas have changed.
+    void ScreensChanged() { body_.ScreensChanged(); }
+    void SetSoundEffectsOn(bool on) { body_.SetSoundEffectsOn(on); }
+    /// Has the queue looked at from the event loop.
+    void Wake();
+
+private:
+    /// A Speak being heard. The voice's callbacks hold it weakly: once it is gone they are stale.
+    struct Speech {
+        bool pausesFirst = false; ///< no word is heard as yet when the voice starts
+    };
+
+    RequestPtr Enqueue(RequestPtr request);
+    void RunQueue();
+    void Begin();
+    void BeginShow();
+    void BeginHide();
+    void BeginPlay(const Animation& animation);
+    void BeginSpeak();
+    speech::VoiceEvents SpeechEvents();
+    void StartSpeech(std::string shown, speech::Utterance utterance);
+    void SpeechEnded(bool ok);
+    void TakeSpeakingPose();
+    std::vector<const Animation*> SpeakingAnimations() const;
+    void EndSpeech();
+
+    void Hurry();
+    void End(RequestStatus status);
+    void Interrupt();
+    void Conclude(const RequestPtr& request, RequestStatus status);
+    void HideByUser();
+    void Gone();
+    void RaiseHidden(const Request& hide);
+
+    void CheckPictures();
+
+    void Rest();
+    void GoHome();
+    void Idle();
+    void StopIdling();
+    void ConnectGestures();
+
+    Shared shared_;
+    const std::string name_;
+    const std::shared_ptr<const AcsFile> file_;
+    Body body_;
+    agent::Balloon balloon_;
+    CommandList commands_;
+    Gestures gestures_;
+    Idling idling_;
+    std::string modeId_; ///< in braces
+
+    std::deque<RequestPtr> queue_; ///< those whose turn is still to come
+    RequestPtr current_;
+    std::string lastText_; ///< what \Lst\ says again
+    std::string lastUrl_;
+    std::shared_ptr<Speech> speech_;
+    bool running_ = false;   ///< RunQueue is at work
+    bool playsIdle_ = false; ///< an idle animation, or the way to one
+    bool unsettled_ = false; ///< stands in a pose that nobody asked to be held
+    std::int64_t aloneSince_ = 0;
+    std::unique_ptr<StageWork> check_; ///< of the file's pictures
+    std::unique_ptr<StageTimer> wakeTimer_;
+    std::unique_ptr<StageTimer> idleTimer_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0); ///< callbacks that may come too late hold it weakly
+};
+
+} // namespace voxmate::agent

@@ -1,0 +1,36 @@
+// The commands a program has added to a character, and the right-click menu they make.
+#pragma once
+
+#include "agent/Stage.h"
+#include "platform/Agent.h"
+
+#include <string>
+#include <vector>
+
+namespace voxmate::agent
+{
+
+class CommandList : public AgentCommands
+{
+public:
+    void Add(const std::string& name, const std::string& caption, const std::string& voice, bool enabled,
+             bool visible) override;
+
+    /// The visible commands in the order they were added, then a rule and "Hide"; without any, only "Hide".
+    std::vector<MenuEntry> Menu() const;
+
+    /// The name of the menu's own entry. No name a program is likely to give: an entry is known by its name only.
+    static constexpr const char* HideName = "<Hide>";
+
+private:
+    struct Command {
+        std::string name;
+        std::string caption;
+        std::string voice; ///< kept as given; there is no speech input
+        bool enabled = true;
+        bool visible = true;
+    };
+    std::vector<Command> commands_;
+};
+
+} // namespace voxmate::agent

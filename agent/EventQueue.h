@@ -1,0 +1,30 @@
+// Events on their way to the program: delivered from the event loop, in order, never inside the call that caused them.
+#pragma once
+
+#include "agent/Stage.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+
+namespace voxmate::agent
+{
+
+class EventQueue
+{
+public:
+    explicit EventQueue(Stage& stage) : stage_(stage) {}
+
+    /// Runs `event` from the event loop, after all events posted before it. An event may post more, show a modal box
+    /// (the events behind it go on arriving) or raise a run-time error (which leaves through the event loop).
+    void Post(std::function<void()> event);
+
+private:
+    void Deliver();
+
+    Stage& stage_;
+    std::deque<std::function<void()>> waiting_;
+    std::unique_ptr<StageTimer> timer_;
+};
+
+} // namespace voxmate::agent

@@ -1,0 +1,145 @@
+// What the character server needs of the front end: windows without a frame, timers, text measures, a menu.
+// Everything happens on the user-interface thread. Lengths are device-independent pixels, screen origin top left.
+#pragma once
+
+#include "agent/file/AcsFile.h"
+#include "base/Geometry.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace voxmate::agent
+{
+
+enum class MouseAction { Press, Move, Release, DoubleClick };
+
+struct MouseEvent {
+    MouseAction action = MouseAction::Move;
+    int button = 0; ///< 1 left, 2 right; 0 for Move
+    int shift = 0;  ///< 1 shift, 2 control, 4 alt
+    Point at;       ///< within the window
+    Point screen;   ///< on the screen
+};
+
+/// One picture of a character. Those of equal keys are equal, so a window need not prepare them twice.
+struct Picture {
+    std::vector<std::int32_t> key;
+    std::shared_ptr<const Bitmap> bitmap;
+};
+
+/// The character's window: shows a bitmap, transparent where the bitmap is, never takes the keyboard, stays on top.
+/// Clicks on transparent pixels go to what lies beneath.
+class CharacterWindow
+{
+public:
+    virtual ~CharacterWindow() = default;
+    /// Shows `picture` scaled smoothly to `size` (the character's size on the screen). A large one may appear later.
+    virtual void SetFrame(const Picture& picture, Size size) = 0;
+    /// Whether the picture set last is still to appear: another one set now would only come later still.
+    virtual bool Busy() const { return false; }
+    /// It has appeared. Told from the event loop.
+    std::function<void()> Ready;
+    virtual void MoveTo(Point topLeft) = 0;
+    virtual void SetVisible(bool visible) = 0;
+    std::function<void(const MouseEvent&)> Mouse;
+    /// The visible window stands elsewhere than MoveTo asked for, because the window manager put it there: the upper
+    /// left corner's real place. Told from the event loop, never inside MoveTo.
+    std::function<void(Point topLeft)> Moved;
+};
+
+struct BalloonFont {
+    std::string name;
+    int points = 10;
+    bool bold = false;
+    bool italic = false;
+    bool operator==(const BalloonFont&) const = default;
+};
+
+/// What a balloon looks like at one moment.
+struct BalloonView {
+    std::vector<std::string> lines; ///< the lines on show, from the top; words not yet spoken are left out
+    std::vector<bool> rightToLeft;  ///< of each line: its paragraph runs from right to left
+    int lineHeight = 0;
+    Rect bubble;   ///< on the screen, without the tail
+    Point tailTip; ///< on the screen; the tail leaves the bubble's edge nearest to it
+    BalloonFont font;
+    Colour text;
+    Colour background;
+    Colour border;
+    bool operator==(const BalloonView&) const = default;
+};
+
+class BalloonWindow
+{
+public:
+    virtual ~BalloonWindow() = default;
+    virtual void Show(const BalloonView& view) = 0;
+    virtual void Hide() = 0;
+    std::function<void(const MouseEvent&)> Mouse;
+};
+
+/// Room between the bubble's edge and its text, and the size of the tail.
+inline constexpr int BalloonPadding = 10;
+inline constexpr int BalloonTailLength = 16;
+
+struct MenuEntry {
+    std::string name;
+    std::string caption; ///< "-" is a rule
+    bool enabled = true;
+};
+
+/// A running timer; destroying it stops it, and its own action may do so.
+class StageTimer
+{
+public:
+    virtual ~StageTimer() = default;
+};
+
+/// Work on a thread of its own; destroying it asks the work to stop, waits until it has, and takes back what it would
+/// have told.
+class StageWork
+{
+public:
+    virtual ~StageWork() = default;
+};
+
+class Stage
+{
+public:
+    virtual ~Stage() = default;
+    virtual std::unique_ptr<CharacterWindow> CreateCharacterWindow() = 0;
+    virtual std::unique_ptr<BalloonWindow> CreateBalloonWindow() = 0;
+    /// The work area (without panels) of the screen that holds a point, or of the nearest one.
+    virtual Rect WorkArea(Point point) = 0;
+    /// The work area of the primary screen.
+    virtual Rect PrimaryWorkArea() = 0;
+    /// Screens or their work areas have changed: WorkArea and PrimaryWorkArea answer differently from now on. Told from
+    /// the event loop.
+    std::function<void()> ScreensChanged;
+    /// Runs `action` once after `milliseconds`, unless the timer is destroyed before. Precise to a few milliseconds.
+    virtual std::unique_ptr<StageTimer> After(int milliseconds, std::function<void()> action) = 0;
+    /// Runs `work` on a thread of its own, then `done` from the event loop, unless what is returned is destroyed
+    /// before; `done` may do so. What `work` throws comes out of the event loop in place of `done`.
+    virtual std::unique_ptr<StageWork> InBackground(std::function<void(std::stop_token)> work,
+                                                    std::function<void()> done) = 0;
+    /// Milliseconds of a steady clock.
+    virtual std::int64_t Now() = 0;
+    /// A whole number from 0 to `bound` - 1, at random.
+    virtual int Random(int bound) = 0;
+    virtual int TextWidth(const BalloonFont& font, const std::string& text) = 0;
+    virtual int LineHeight(const BalloonFont& font) = 0;
+    virtual int AverageCharWidth(const BalloonFont& font) = 0;
+    /// Shows a menu at a point of the screen; `chosen` gets the entry's name. Returns at once.
+    virtual void PopupMenu(const std::vector<MenuEntry>& entries, Point at,
+                           std::function<void(const std::string& name)> chosen) = 0;
+    /// Plays a short RIFF wave file beside any speech; stops with StopSound.
+    virtual void PlaySound(std::span<const std::uint8_t> wave) = 0;
+    virtual void StopSound() = 0;
+};
+
+} // namespace voxmate::agent

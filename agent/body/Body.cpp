@@ -1,0 +1,305 @@
+#include "agent/body/Body.h"
+
+#include "agent/balloon/BalloonPlace.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+namespace
+{
+
+// Where a character stands until the user moves it: this far from the lower right corner of the work area, in pixels.
+constexpr int kRightMargin = 40;
+constexpr int kLowerMargin = 16;
+
+const Frame* FirstDrawn(const Animation* animation)
+{
+    if (!animation)
+        return nullptr;
+    const auto found = std::find_if(animation->frames.begin(), animation->frames.end(),
+                                    [](const Frame& frame) { return frame.duration > 0; });
+    return found == animation->frames.end() ? nullptr : &*found;
+}
+
+/// The neutral pose: the first frame of RestPose.
+const Frame* NeutralFrame(const AcsFile& file)
+{
+    return FirstDrawn(file.FindAnimation("RestPose"));
+}
+
+/// A frame that can be drawn: one to speak in, which shows the whole figure, if there is one.
+const Frame* AnySound(const AcsFile& file, const Painter& painter)
+{
+    const Frame* any = nullptr;
+    for (const Animation& animation : file.animations)
+        for (const Frame& frame : animation.frames) {
+            if (frame.duration == 0 || !painter.IsSound(frame))
+                continue;
+            if (frame.HasMouths())
+                return &frame;
+            any = any ? any : &frame;
+        }
+    return any;
+}
+
+Point Middle(const Rect& rect)
+{
+    return {rect.x + rect.width / 2, rect.y + rect.height / 2};
+}
+
+Rect United(const Rect& a, const Rect& b)
+{
+    if (a.width == 0)
+        return b;
+    if (b.width == 0)
+        return a;
+    const int x = std::min(a.x, b.x);
+    const int y = std::min(a.y, b.y);
+    return {x, y, std::max(a.Right(), b.Right()) - x, std::max(a.Bottom(), b.Bottom()) - y};
+}
+
+} // namespace
+
+Body::Body(Stage& stage, const AcsFile& file)
+    : stage_(stage), file_(file), window_(stage.CreateCharacterWindow()), painter_(file, *window_),
+      animator_(
+          stage, file, [this](const Frame& frame) { ShowFrame(frame); },
+          [this](const Frame& frame) { PlaySound(frame); }),
+      neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)}
+{
+    window_->Mouse = [this](const MouseEvent& event) {
+        if (Mouse)
+            Mouse(event);
+    };
+    window_->Moved = [this](Point place) {
+        TakePlace(place);
+        if (Moved)
+            Moved();
+    };
+    Settle();
+}
+
+Body::~Body()
+{
+    StopSound();
+}
+
+void Body::Appear()
+{
+    if (!animator_.Shown()) {
+        // A character that is just there, without a showing animation.
+        const Frame* frame = neutral_;
+        for (auto animation = file_.animations.begin(); !frame && animation != file_.animations.end(); ++animation)
+            frame = FirstDrawn(&*animation);
+        if (frame)
+            animator_.Stand(*frame);
+    }
+    ShowSomething();
+    Settle();
+    visible_ = true;
+    window_->SetVisible(true);
+}
+
+void Body::Vanish()
+{
+    animator_.Clear();
+    StopSound();
+    visible_ = false;
+    window_->SetVisible(false);
+}
+
+/// Where the user wants the window; where it stands, when that is not known.
+Rect Body::Home() const
+{
+    if (!feet_)
+        return OnScreen();
+    return {feet_->x - size_.width / 2, feet_->y - size_.height, size_.width, size_.height};
+}
+
+/// Puts the window where it belongs while nobody holds it: wholly on a work area.
+void Body::Settle()
+{
+    Rect area;
+    Rect wanted = Home();
+    if (feet_) {
+        area = stage_.WorkArea(Middle(wanted));
+        displaced_ = !area.Contains(Middle(wanted));
+    } else {
+        area = stage_.PrimaryWorkArea();
+        wanted.x = area.Right() - size_.width - kRightMargin;
+        wanted.y = area.Bottom() - size_.height - kLowerMargin;
+    }
+    const Rect inside = MovedInside(wanted, area);
+    place_ = {inside.x, inside.y};
+    window_->MoveTo(place_);
+}
+
+void Body::SetScreenSize(Size size)
+{
+    size = {std::max(1, size.width), std::max(1, size.height)};
+    if (size == size_)
+        return;
+    size_ = size;
+    Redraw();
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::DragTo(Point topLeft, Point pointer)
+{
+    const Rect area = stage_.WorkArea(pointer);
+    const int halfWidth = size_.width / 2;
+    const int halfHeight = size_.height / 2;
+    const Point place{std::clamp(topLeft.x, area.x - halfWidth, std::max(area.x, area.Right() - 1) - halfWidth),
+                      std::clamp(topLeft.y, area.y - halfHeight, std::max(area.y, area.Bottom() - 1) - halfHeight)};
+    const bool moves = place != place_;
+    TakePlace(place);
+    if (!moves)
+        return;
+    window_->MoveTo(place_);
+    if (Moved)
+        Moved();
+}
+
+void Body::StandAt(Point feet)
+{
+    feet_ = feet;
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::ComeBack()
+{
+    const Point middle = Middle(OnScreen());
+    if (stage_.WorkArea(middle).Contains(middle))
+        return;
+    Settle();
+    if (Moved)
+        Moved();
+}
+
+void Body::ScreensChanged()
+{
+    if (!visible_)
+        return;
+    const Rect home = Home();
+    if (displaced_ && stage_.WorkArea(Middle(home)).Contains(Middle(home))) {
+        displaced_ = false;
+        place_ = {home.x, home.y};
+        window_->MoveTo(place_);
+    } else if (displaced_ || !feet_) {
+        Settle();
+    } else {
+        ComeBack();
+    }
+    // Even a body that stays has another room for its balloon now.
+    if (Moved)
+        Moved();
+}
+
+/// The user has put the window there.
+void Body::TakePlace(Point place)
+{
+    displaced_ = false;
+    place_ = place;
+    feet_ = {place.x + size_.width / 2, place.y + size_.height};
+}
+
+Rect Body::Outline() const
+{
+    if (outline_.width == 0 || file_.width == 0 || file_.height == 0)
+        return OnScreen();
+    const auto scaledX = [this](int x) { return static_cast<int>(std::int64_t{x} * size_.width / file_.width); };
+    const auto scaledY = [this](int y) { return static_cast<int>(std::int64_t{y} * size_.height / file_.height); };
+    const int left = scaledX(outline_.x);
+    const int top = scaledY(outline_.y);
+    return {place_.x + left, place_.y + top, scaledX(outline_.Right()) - left, scaledY(outline_.Bottom()) - top};
+}
+
+void Body::TakeOutline()
+{
+    outline_ = neutral_ ? painter_.Outline(*neutral_) : Rect{};
+    if (animator_.Shown() && !animator_.Moving())
+        outline_ = United(outline_, painter_.Outline(*animator_.Shown()));
+}
+
+void Body::Forget()
+{
+    animator_.Forget();
+    StopSound();
+}
+
+void Body::StandNeutral()
+{
+    if (neutral_)
+        animator_.Stand(*neutral_);
+}
+
+void Body::LeaveOut(const std::vector<bool>& damaged)
+{
+    painter_.LeaveOut(damaged);
+    if (neutral_ && !painter_.IsSound(*neutral_)) {
+        const bool stands = !animator_.Moving() && animator_.Shown() == neutral_;
+        if (const Frame* other = AnySound(file_, painter_))
+            neutral_ = other;
+        if (stands)
+            StandNeutral();
+    }
+    if (visible_)
+        ShowSomething();
+}
+
+/// Instead of nothing, because no picture that was due could be drawn, the neutral pose.
+void Body::ShowSomething()
+{
+    if (painter_.Empty() && neutral_)
+        painter_.Show(*neutral_, mouth_, size_);
+}
+
+void Body::SetMouth(int mouth)
+{
+    if (mouth == mouth_)
+        return;
+    mouth_ = mouth;
+    Redraw();
+}
+
+void Body::SetSoundEffectsOn(bool on)
+{
+    soundsOn_ = on;
+    if (!on)
+        StopSound();
+}
+
+void Body::ShowFrame(const Frame& frame)
+{
+    Redraw();
+    PlaySound(frame);
+}
+
+void Body::PlaySound(const Frame& frame)
+{
+    if (!soundsOn_ || frame.sound < 0 || static_cast<std::size_t>(frame.sound) >= file_.SoundCount())
+        return;
+    soundStarted_ = true;
+    stage_.PlaySound(file_.Sound(static_cast<std::size_t>(frame.sound)));
+}
+
+void Body::Redraw()
+{
+    if (animator_.Shown())
+        painter_.Show(*animator_.Shown(), mouth_, size_);
+}
+
+void Body::StopSound()
+{
+    if (std::exchange(soundStarted_, false))
+        stage_.StopSound();
+}
+
+} // namespace voxmate::agent

@@ -1,0 +1,42 @@
+// Tells clicks from drags on the character's window.
+#pragma once
+
+#include "agent/Stage.h"
+
+#include <functional>
+
+namespace voxmate::agent
+{
+
+class Gestures
+{
+public:
+    /// Buttons, shift keys and points are those of MouseEvent; `at` is within the character.
+    std::function<void(int button, int shift, Point at)> Click;
+    std::function<void(int button, int shift, Point at)> DblClick;
+    std::function<void(int button, int shift, Point at)> DragStart;
+    std::function<void(int button, int shift, Point at)> DragComplete;
+    /// The pointer has moved while dragging: where the window's upper left corner should be, and where the pointer is.
+    std::function<void(Point topLeft, Point pointer)> Drag;
+    /// A right click: where on the screen the menu is wanted.
+    std::function<void(Point screen)> Menu;
+
+    void Handle(const MouseEvent& event);
+    /// Forgets a button held down: the window has gone.
+    void Reset() { button_ = 0; }
+
+    /// With a move of more than this many pixels in either direction a press is a drag.
+    static constexpr int DragThreshold = 4;
+
+private:
+    void Press(const MouseEvent& event);
+    void Move(const MouseEvent& event);
+    void Release(const MouseEvent& event);
+
+    int button_ = 0; ///< held down; 0: none
+    bool double_ = false;
+    bool dragging_ = false;
+    MouseEvent pressed_;
+};
+
+} // namespace voxmate::agent

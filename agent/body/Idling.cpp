@@ -1,0 +1,63 @@
+#include "agent/body/Idling.h"
+
+#include <algorithm>
+
+namespace voxmate::agent
+{
+
+std::vector<const Animation*> StateAnimations(const AcsFile& file, const char* state)
+{
+    // No character has more to choose from; a file that pretends to must not take minutes to be looked through.
+    constexpr std::size_t mostNames = 100;
+    std::vector<const Animation*> found;
+    if (const auto* names = file.FindState(state))
+        for (std::size_t i = 0; i < std::min(names->size(), mostNames); ++i)
+            if (const Animation* animation = file.FindAnimation((*names)[i]); animation && !animation->frames.empty())
+                found.push_back(animation);
+    return found;
+}
+
+const Animation* PickAnimation(Stage& stage, const std::vector<const Animation*>& animations)
+{
+    if (animations.empty())
+        return nullptr;
+    if (animations.size() == 1)
+        return animations.front();
+    return animations[static_cast<std::size_t>(stage.Random(static_cast<int>(animations.size())))];
+}
+
+Idling::Idling(Stage& stage, const AcsFile& file)
+    : stage_(stage), levels_{StateAnimations(file, "IdlingLevel1"), StateAnimations(file, "IdlingLevel2"),
+                             StateAnimations(file, "IdlingLevel3")}
+{
+}
+
+const std::vector<const Animation*>* Idling::LevelNow(std::int64_t since) const
+{
+    const std::int64_t alone = stage_.Now() - since;
+    std::size_t level = alone >= Level3After ? 3 : alone >= Level2After ? 2 : 1;
+    for (; level > 0; --level)
+        if (!levels_[level - 1].empty())
+            return &levels_[level - 1];
+    return nullptr;
+}
+
+int Idling::Delay(std::int64_t since)
+{
+    if (LevelNow(since))
+        return GapMinimum + stage_.Random(GapSpread + 1);
+    // Nothing to play yet: the next wake-up is when the first level that has something begins.
+    const std::int64_t alone = stage_.Now() - since;
+    for (const auto& [level, after] : {std::pair{std::size_t{2}, Level2After}, std::pair{std::size_t{3}, Level3After}})
+        if (!levels_[level - 1].empty() && after > alone)
+            return static_cast<int>(after - alone);
+    return -1;
+}
+
+const Animation* Idling::Choose(std::int64_t since)
+{
+    const auto* level = LevelNow(since);
+    return level ? PickAnimation(stage_, *level) : nullptr;
+}
+
+} // namespace voxmate::agent

@@ -1,0 +1,45 @@
+// When and how a character with nothing to do moves: three levels, the longer it has been left alone.
+#pragma once
+
+#include "agent/Stage.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace voxmate::agent
+{
+
+class Idling
+{
+public:
+    Idling(Stage& stage, const AcsFile& file);
+
+    /// Between two idle animations pass GapMinimum to GapMinimum + GapSpread milliseconds, at random.
+    static constexpr int GapMinimum = 3000;
+    static constexpr int GapSpread = 4000;
+    /// Milliseconds since the last request (or press on the character) from which on the levels 2 and 3 are played.
+    static constexpr std::int64_t Level2After = 120'000;
+    static constexpr std::int64_t Level3After = 300'000;
+
+    /// Milliseconds from now to the next idle animation of a character left alone since `since` (by the stage's clock);
+    /// -1: there will be none.
+    int Delay(std::int64_t since);
+    /// One of the animations of the level reached, or of the next lower level that has any; null when there is none.
+    const Animation* Choose(std::int64_t since);
+
+private:
+    const std::vector<const Animation*>* LevelNow(std::int64_t since) const;
+
+    Stage& stage_;
+    std::array<std::vector<const Animation*>, 3> levels_;
+};
+
+/// The animations of a state that exist and have frames, in the file's order; of more than 100 names
+/// the first 100 count.
+std::vector<const Animation*> StateAnimations(const AcsFile& file, const char* state);
+
+/// One of them at random; null when there is none.
+const Animation* PickAnimation(Stage& stage, const std::vector<const Animation*>& animations);
+
+} // namespace voxmate::agent

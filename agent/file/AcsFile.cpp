@@ -1,0 +1,146 @@
+#include "agent/file/AcsFile.h"
+
+#include "agent/file/AcsCompression.h"
+#include "agent/file/AcsLimits.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace voxmate::agent
+{
+
+std::string GuidText(const Guid& guid)
+{
+    constexpr std::array<int, 16> order{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    constexpr const char* digits = "0123456789ABCDEF";
+    std::string text = "{";
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += '-';
+        const std::uint8_t byte = guid[static_cast<std::size_t>(order[i])];
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text + "}";
+}
+
+std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
+{
+    const auto fail = [&path](const std::string& what) {
+        return AcsError("The character file \"" + path + "\" cannot be used: " + what + ".");
+    };
+    const std::filesystem::path native(std::u8string(path.begin(), path.end()));
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(native, error))
+        throw fail("there is no such file");
+    const std::uint64_t size = std::filesystem::file_size(native, error);
+    if (error)
+        throw fail("it cannot be read");
+    if (size > MaxFileSize)
+        throw fail("it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+    std::ifstream in(native, std::ios::binary);
+    if (!in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
+        throw fail("it cannot be read");
+    return Parse(std::move(bytes), path);
+}
+
+IndexedImage AcsFile::DecodeImage(std::size_t index) const
+{
+    const auto fail = [&](const std::string& what) {
+        return AcsError("The character file \"" + path + "\" cannot be used: image " + std::to_string(index) + " " +
+                        what + ".");
+    };
+    if (index >= images_.size())
+        throw fail("does not exist");
+    const StoredImage& stored = images_[index];
+    const std::size_t rowSize = RowSize(stored.width);
+    const std::size_t fullSize = rowSize * stored.height;
+    std::span<const std::uint8_t> rows(bytes_.data() + stored.offset, stored.size);
+    std::vector<std::uint8_t> unpacked;
+    if (stored.compressed) {
+        try {
+            unpacked = Decompress(rows, fullSize);
+        } catch (const CompressionError& error) {
+            throw fail(std::string("is damaged, its ") + error.what());
+        }
+        rows = unpacked;
+    }
+    IndexedImage image{stored.width, stored.height, {}};
+    image.pixels.resize(std::size_t{stored.width} * stored.height);
+    for (std::size_t y = 0; y < stored.height; ++y) // stored bottom-up
+        std::copy_n(rows.begin() + static_cast<std::ptrdiff_t>((stored.height - 1 - y) * rowSize), stored.width,
+                    image.pixels.begin() + static_cast<std::ptrdiff_t>(y * stored.width));
+    if (palette.size() < 256)
+        for (const std::uint8_t pixel : image.pixels)
+            if (pixel >= palette.size() && pixel != transparentIndex)
+                throw fail("shows colour " + std::to_string(pixel) + ", which does not exist");
+    return image;
+}
+
+std::span<const std::uint8_t> AcsFile::Sound(std::size_t index) const
+{
+    if (index >= sounds_.size())
+        throw AcsError("The character file \"" + path + "\" cannot be used: sound " + std::to_string(index) +
+                       " does not exist.");
+    return {bytes_.data() + sounds_[index].offset, sounds_[index].size};
+}
+
+const Animation* AcsFile::FindAnimation(const std::string& name) const
+{
+    const auto found = std::find_if(animations.begin(), animations.end(),
+                                    [&](const Animation& animation) { return EqualNoCase(animation.name, name); });
+    return found == animations.end() ? nullptr : &*found;
+}
+
+const std::vector<std::string>* AcsFile::FindState(const std::string& name) const
+{
+    const auto found =
+        std::find_if(states.begin(), states.end(), [&](const auto& state) { return EqualNoCase(state.first, name); });
+    return found == states.end() ? nullptr : &found->second;
+}
+
+namespace
+{
+
+void Draw(const AcsFile& file, std::size_t number, int left, int top, Bitmap& canvas)
+{
+    const IndexedImage image = file.DecodeImage(number);
+    const int fromX = std::max(0, -left);
+    const int fromY = std::max(0, -top);
+    const int toX = std::min<int>(image.width, canvas.width - left);
+    const int toY = std::min<int>(image.height, canvas.height - top);
+    for (int y = fromY; y < toY; ++y) {
+        const std::uint8_t* source = image.pixels.data() + static_cast<std::ptrdiff_t>(y) * image.width;
+        const std::size_t row = static_cast<std::size_t>(top + y) * static_cast<std::size_t>(canvas.width);
+        for (int x = fromX; x < toX; ++x) {
+            if (source[x] == file.transparentIndex)
+                continue;
+            const Colour colour = file.palette[source[x]];
+            canvas.pixels[row + static_cast<std::size_t>(left + x)] =
+                0xFF000000u | std::uint32_t{colour.red} << 16 | std::uint32_t{colour.green} << 8 | colour.blue;
+        }
+    }
+}
+
+} // namespace
+
+Bitmap ComposeFrame(const AcsFile& file, const Frame& frame, int mouth)
+{
+    Bitmap canvas{file.width, file.height, {}};
+    canvas.pixels.resize(std::size_t{file.width} * file.height);
+    const auto overlay = std::find_if(frame.overlays.begin(), frame.overlays.end(),
+                                      [&](const Overlay& candidate) { return candidate.mouth == mouth; });
+    const bool speaking = overlay != frame.overlays.end();
+    const std::size_t front = speaking && overlay->replaceFront ? 1 : 0;
+    for (std::size_t i = frame.images.size(); i > front; --i)
+        Draw(file, frame.images[i - 1].image, frame.images[i - 1].x, frame.images[i - 1].y, canvas);
+    if (speaking)
+        Draw(file, overlay->image, overlay->x, overlay->y, canvas);
+    return canvas;
+}
+
+} // namespace voxmate::agent

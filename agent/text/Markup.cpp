@@ -1,0 +1,478 @@
+#include "agent/text/Markup.h"
+
+#include "agent/text/SpokenForm.h"
+#include "agent/text/Words.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace voxmate::agent
+{
+
+namespace
+{
+
+using speech::Prosody;
+using speech::Segment;
+
+bool IsLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+struct Value {
+    std::string text;
+    bool quoted = false;
+};
+
+/// What begins at a backslash.
+struct Tag {
+    enum class Kind { None, Dropped, Known };
+    Kind kind = Kind::None; ///< None: the backslash is text
+    std::string name;
+    std::vector<Value> values;
+    bool bare = true;       ///< without an equal sign
+    std::size_t length = 0; ///< bytes to go on behind
+};
+
+constexpr std::array<const char*, 11> kNames{"Chr", "Ctx", "Emp", "Lst", "Map", "Mrk",
+                                             "Pau", "Pit", "Rst", "Spd", "Vol"};
+
+bool IsKnown(std::string_view name)
+{
+    return std::any_of(kNames.begin(), kNames.end(), [&](const char* known) { return EqualNoCase(name, known); });
+}
+
+class TagReader
+{
+public:
+    /// Values that are read of one tag. None takes more than two; without a bound a text in which tag after tag could
+    /// go on to its end would be read from each of them.
+    static constexpr std::size_t MostValues = 4;
+
+    /// `text` begins with the backslash.
+    explicit TagReader(std::string_view text) : text_(text) {}
+
+    Tag Read()
+    {
+        SkipBlanks();
+        while (IsLetter(At()))
+            tag_.name += text_[at_++];
+        SkipBlanks();
+        std::size_t unclosed = 0; // behind what a tag that is never closed takes with it
+        while (!tag_.name.empty() && At() == '=' && tag_.values.size() < MostValues) {
+            tag_.bare = false;
+            unclosed = ++at_;
+            SkipBlanks();
+            const bool adjoins = at_ == unclosed;
+            if (!ReadValue())
+                break;
+            if (adjoins || tag_.values.back().quoted)
+                unclosed = at_;
+            SkipBlanks();
+        }
+        const bool known = IsKnown(tag_.name);
+        if (!tag_.name.empty() && At() == '\\') {
+            if (!blanks_)
+                return End(known ? Tag::Kind::Known : Tag::Kind::Dropped, at_ + 1);
+            if (known)
+                return End(Tag::Kind::Dropped, at_ + 1);
+        } else if (known && !tag_.values.empty()) {
+            // A tag that was never closed: what it would have said goes, the text behind it stays.
+            return End(Tag::Kind::Dropped, unclosed);
+        }
+        const std::size_t closed = FormOfATag();
+        if (closed == 0 && known && unclosed > 0)
+            return End(Tag::Kind::Dropped, unclosed);
+        return End(closed > 0 ? Tag::Kind::Dropped : Tag::Kind::None, closed);
+    }
+
+private:
+    char At() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+
+    void SkipBlanks()
+    {
+        while (At() == ' ' || At() == '\t') {
+            blanks_ = true;
+            ++at_;
+        }
+    }
+
+    bool ReadValue()
+    {
+        Value value;
+        if (const std::size_t end = ClosingQuote(); end > 0) {
+            value.quoted = true;
+            for (++at_; at_ < end; ++at_) {
+                if (EscapedAt(at_))
+                    ++at_;
+                value.text += text_[at_];
+            }
+            ++at_;
+            tag_.values.push_back(std::move(value));
+            return true;
+        }
+        while (At() != '\0' && !BlankAt(text_, at_) && At() != '\\' && At() != '=')
+            value.text += text_[at_++];
+        if (value.text.empty())
+            return false;
+        tag_.values.push_back(std::move(value));
+        return true;
+    }
+
+    /// Whether two backslashes stand there, which mean one.
+    bool EscapedAt(std::size_t at) const { return text_.substr(at, 2) == "\\\\"; }
+
+    /// Where the text ends that is quoted from here on, 0 when none is. A quote that no other part of the tag follows
+    /// is one within the text, unless the tag ends neither in this line nor before the next one.
+    std::size_t ClosingQuote() const
+    {
+        if (At() != '"')
+            return 0;
+        std::size_t first = 0;
+        for (std::size_t i = at_ + 1; i < text_.size(); ++i) {
+            if (text_[i] == '"') {
+                if (i + 1 < text_.size() && (text_[i + 1] == '=' || text_[i + 1] == '\\'))
+                    return i;
+                if (first == 0)
+                    first = i;
+            } else if (EscapedAt(i)) {
+                ++i;
+            } else if (first > 0 && (text_[i] == '\\' || text_[i] == '\n' || text_[i] == '\r')) {
+                break;
+            }
+        }
+        return first;
+    }
+
+    // Anything without a blank between two backslashes of one line has the form of a tag: behind its end, or 0.
+    std::size_t FormOfATag() const
+    {
+        for (std::size_t i = 1; i < text_.size() && !BlankAt(text_, i); ++i)
+            if (text_[i] == '\\')
+                return i + 1;
+        return 0;
+    }
+
+    Tag End(Tag::Kind kind, std::size_t length)
+    {
+        tag_.kind = kind;
+        tag_.length = length;
+        return std::move(tag_);
+    }
+
+    std::string_view text_;
+    std::size_t at_ = 1;
+    bool blanks_ = false;
+    Tag tag_;
+};
+
+/// The whole number a tag carries, if it carries just one.
+std::optional<int> Number(const Tag& tag)
+{
+    if (tag.values.size() != 1 || tag.values[0].quoted)
+        return std::nullopt;
+    std::int64_t number = 0;
+    for (const char c : tag.values[0].text) {
+        if (!IsDigit(c))
+            return std::nullopt;
+        number = number * 10 + (c - '0');
+        if (number > std::numeric_limits<int>::max())
+            return std::nullopt;
+    }
+    return static_cast<int>(number);
+}
+
+class Parser
+{
+public:
+    // Bytes that are not UTF-8 become U+FFFD, so that all who see the text after us count the same characters.
+    explicit Parser(std::string_view text)
+        : repaired_(IsValidUtf8(text) ? std::string() : Repaired(text)), text_(repaired_.empty() ? text : repaired_)
+    {
+    }
+
+    MarkedText Run()
+    {
+        result_.shown.reserve(text_.size());
+        std::size_t at = 0;
+        while (at < text_.size()) {
+            if (text_[at] != '\\') {
+                const std::size_t end = std::min(text_.find('\\', at), text_.size());
+                AddText(text_.substr(at, end - at));
+                at = end;
+                continue;
+            }
+            if (at + 1 < text_.size() && text_[at + 1] == '\\') {
+                AddText("\\");
+                at += 2;
+                continue;
+            }
+            const Tag tag = TagReader(text_.substr(at)).Read();
+            if (tag.kind == Tag::Kind::None) {
+                AddText("\\");
+                ++at;
+                continue;
+            }
+            if (tag.kind == Tag::Kind::Known)
+                Apply(tag);
+            at += tag.length;
+        }
+        Flush();
+        result_.shown.resize(shownEnd_);
+        result_.words = words_;
+        result_.sayLastAgain = IsAlone("\\Lst\\");
+        return std::move(result_);
+    }
+
+private:
+    /// Whether there is nothing but `tag` and blanks in the text.
+    bool IsAlone(std::string_view tag) const
+    {
+        std::size_t at = 0;
+        while (const std::size_t blank = BlankAt(text_, at))
+            at += blank;
+        return EqualNoCase(text_.substr(at, tag.size()), tag) &&
+               !HasWord(text_.substr(std::min(at + tag.size(), text_.size())));
+    }
+
+    static std::string Repaired(std::string_view text)
+    {
+        const std::vector<char32_t> points = DecodeUtf8(text);
+        return EncodeUtf8({points.data(), points.size()});
+    }
+
+    /// Adds a piece of whole characters to the shown text, which begins and ends with a word, and keeps count of its
+    /// words. Returns which of them is the first that the piece is part of, -1 when it is blank.
+    int Show(std::string_view piece)
+    {
+        std::size_t begin = 0;
+        if (words_ == 0)
+            while (const std::size_t blank = BlankAt(piece, begin))
+                begin += blank;
+        const std::size_t base = result_.shown.size();
+        result_.shown += piece.substr(begin);
+        int first = -1;
+        for (std::size_t at = begin; at < piece.size();) {
+            // Most of most texts is ASCII.
+            const auto byte = static_cast<unsigned char>(piece[at]);
+            const bool ascii = byte < 0x80;
+            const std::size_t blank = ascii ? (byte <= 0x20 || byte == 0x7F ? 1u : 0u) : BlankAt(piece, at);
+            if (blank > 0) {
+                inWord_ = false;
+                at += blank;
+                continue;
+            }
+            if (!inWord_)
+                ++words_;
+            inWord_ = true;
+            if (first < 0)
+                first = words_ - 1;
+            at += ascii ? 1 : CharacterAt(piece, at);
+            shownEnd_ = base + at - begin;
+        }
+        return first;
+    }
+
+    void AddText(std::string_view piece)
+    {
+        const int first = Show(piece);
+        if (first >= 0 && !std::exchange(pendingHasWord_, true))
+            pendingFirstWord_ = first;
+        pending_ += piece;
+    }
+
+    void Flush()
+    {
+        if (pendingHasWord_) {
+            if (context_ == SpeechContext::Unknown)
+                AddSegment(std::move(pending_), pendingFirstWord_, -1);
+            else
+                AddInContext();
+        }
+        pending_.clear();
+        pendingHasWord_ = false;
+    }
+
+    // Words that are read otherwise than they are written become segments of their own, one shown word each.
+    void AddInContext()
+    {
+        std::string plain;
+        int plainFirst = pendingFirstWord_;
+        int word = pendingFirstWord_;
+        const auto flushPlain = [&] {
+            if (HasWord(plain))
+                AddSegment(plain, plainFirst, -1);
+            plain.clear();
+        };
+        for (std::size_t at = 0; at < pending_.size();) {
+            if (const std::size_t blank = BlankAt(pending_, at)) {
+                plain.append(pending_, at, blank);
+                at += blank;
+                continue;
+            }
+            std::size_t end = at;
+            while (end < pending_.size() && !BlankAt(pending_, end))
+                end += CharacterAt(pending_, end);
+            const std::string written = pending_.substr(at, end - at);
+            const std::string spoken = SpokenForm(written, context_);
+            if (spoken == written) {
+                plain += written;
+            } else {
+                flushPlain();
+                AddSegment(spoken, word, 1);
+                plainFirst = word + 1;
+            }
+            ++word;
+            at = end;
+        }
+        flushPlain();
+    }
+
+    void AddSegment(std::string text, int firstWord, int shownWords)
+    {
+        Segment segment;
+        segment.text = std::move(text);
+        segment.prosody = prosody_;
+        segment.emphasis = std::exchange(emphasis_, false);
+        segment.firstWord = firstWord;
+        segment.shownWords = shownWords;
+        result_.segments.push_back(std::move(segment));
+    }
+
+    void AddMark(Segment::Kind kind, int milliseconds, int bookmark)
+    {
+        Flush();
+        Segment segment;
+        segment.kind = kind;
+        segment.milliseconds = milliseconds;
+        segment.bookmark = bookmark;
+        segment.firstWord = words_;
+        result_.segments.push_back(std::move(segment));
+    }
+
+    void SetProsody(const Prosody& prosody)
+    {
+        if (prosody == prosody_)
+            return;
+        Flush();
+        prosody_ = prosody;
+    }
+
+    void SetContext(SpeechContext context)
+    {
+        if (context == context_)
+            return;
+        Flush();
+        context_ = context;
+    }
+
+    void ApplyMap(const std::string& spoken, const std::string& shown)
+    {
+        Flush();
+        const bool continues = inWord_ && !shown.empty() && !BlankAt(shown, 0);
+        const int firstWord = continues ? words_ - 1 : words_;
+        int shownWords = 0;
+        bool inside = false;
+        for (std::size_t at = 0; at < shown.size(); at += CharacterAt(shown, at)) {
+            const bool blank = BlankAt(shown, at) > 0;
+            if (!blank && !inside)
+                ++shownWords;
+            inside = !blank;
+            Show(std::string_view(shown).substr(at, CharacterAt(shown, at)));
+        }
+        if (HasWord(spoken))
+            AddSegment(spoken, firstWord, shownWords);
+    }
+
+    void ApplyNumber(const Tag& tag)
+    {
+        const std::optional<int> number = Number(tag);
+        if (!number)
+            return;
+        Prosody prosody = prosody_;
+        if (EqualNoCase(tag.name, "Pit") && *number > 0)
+            prosody.pitchHz = *number;
+        else if (EqualNoCase(tag.name, "Spd") && *number > 0)
+            prosody.wordsPerMinute = *number;
+        else if (EqualNoCase(tag.name, "Vol"))
+            prosody.volume = std::min(*number, 65535);
+        else if (EqualNoCase(tag.name, "Mrk"))
+            AddMark(Segment::Kind::Bookmark, 0, *number);
+        else if (EqualNoCase(tag.name, "Pau") && *number > 0)
+            AddMark(Segment::Kind::Pause, std::clamp(*number, 10, 2550), 0);
+        SetProsody(prosody);
+    }
+
+    void ApplyWord(const std::string& name, const std::string& value)
+    {
+        Prosody prosody = prosody_;
+        if (EqualNoCase(name, "Chr")) {
+            const bool whisper = EqualNoCase(value, "Whisper");
+            const bool monotone = EqualNoCase(value, "Monotone");
+            if (!whisper && !monotone && !EqualNoCase(value, "Normal"))
+                return;
+            prosody.whisper = whisper;
+            prosody.monotone = monotone;
+            SetProsody(prosody);
+        } else if (EqualNoCase(name, "Ctx")) {
+            if (EqualNoCase(value, "Unknown"))
+                SetContext(SpeechContext::Unknown);
+            else if (EqualNoCase(value, "Address"))
+                SetContext(SpeechContext::Address);
+            else if (EqualNoCase(value, "E-mail"))
+                SetContext(SpeechContext::Email);
+        }
+    }
+
+    void Apply(const Tag& tag)
+    {
+        if (tag.bare) {
+            if (EqualNoCase(tag.name, "Emp")) {
+                Flush();
+                emphasis_ = true;
+            } else if (EqualNoCase(tag.name, "Rst")) {
+                SetProsody({});
+                SetContext(SpeechContext::Unknown);
+            }
+        } else if (EqualNoCase(tag.name, "Map")) {
+            if (tag.values.size() == 2 && tag.values[0].quoted && tag.values[1].quoted)
+                ApplyMap(tag.values[0].text, tag.values[1].text);
+        } else if (tag.values.size() == 1 && tag.values[0].quoted) {
+            ApplyWord(tag.name, tag.values[0].text);
+        } else {
+            ApplyNumber(tag);
+        }
+    }
+
+    const std::string repaired_; ///< the text, when it had to be
+    std::string_view text_;
+    MarkedText result_;
+    std::size_t shownEnd_ = 0; ///< behind the last word of the shown text
+    Prosody prosody_;
+    SpeechContext context_ = SpeechContext::Unknown;
+    bool emphasis_ = false;
+    std::string pending_; ///< text read but not yet a segment
+    bool pendingHasWord_ = false;
+    int pendingFirstWord_ = 0;
+    int words_ = 0; ///< words begun in the shown text
+    bool inWord_ = false;
+};
+
+} // namespace
+
+MarkedText ParseMarkup(std::string_view text)
+{
+    return Parser(text).Run();
+}
+
+} // namespace voxmate::agent

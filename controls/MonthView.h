@@ -1,0 +1,41 @@
+// A month's days, of which one is chosen.
+#pragma once
+
+#include "controls/Control.h"
+
+namespace voxmate
+{
+
+/// A day of the Gregorian calendar.
+struct CalendarDate {
+    int Year = 1970; ///< 100 to 9999, the years of the date type
+    int Month = 1;   ///< 1 to 12
+    int Day = 1;     ///< 1 to the month's length
+    bool operator==(const CalendarDate&) const = default;
+};
+
+/// Whether there is such a day.
+bool IsCalendarDate(const CalendarDate& date);
+
+/// Shows a month and in it the chosen day. SelChange is raised by every new day, the user's and the code's.
+class MonthView : public Control
+{
+public:
+    using Control::Control;
+
+    const CalendarDate& Value() const { return value_; }
+    int Year() const { return value_.Year; }
+    int Month() const { return value_.Month; }
+    int Day() const { return value_.Day; }
+    /// Chooses a day; a day that does not exist is refused: false, and the one chosen stays.
+    bool SetValue(const CalendarDate& date);
+
+    Event SelChange;
+
+    void UserSelect(const CalendarDate& date);
+
+private:
+    CalendarDate value_;
+};
+
+} // namespace voxmate

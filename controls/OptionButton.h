@@ -1,0 +1,104 @@
+// Option buttons: of those of a group one at most is chosen.
+#pragma once
+
+#include "controls/Control.h"
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace voxmate
+{
+
+class OptionGroup;
+
+/// Value is true when it is the chosen one of its group. Choosing one, by the user or from code, unsets the others and
+/// raises the group's Click.
+class OptionButton : public Control
+{
+public:
+    OptionButton(Form* form, std::string name, std::string caption, OptionGroup& group)
+        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption)), group_(group)
+    {
+    }
+    Prop<std::string> Caption;
+    Prop<bool> Value{*this, Property::Value, false};
+
+    OptionGroup& Group() const { return group_; }
+    void UserClick()
+    {
+        if (Enabled)
+            Value = true;
+    }
+
+protected:
+    void Changed(Property property) override;
+
+private:
+    OptionGroup& group_;
+};
+
+/// A control array of option buttons, counted from 0; button 1 of "optShape" is named "optShape(1)".
+class OptionGroup
+{
+public:
+    OptionGroup(Form* form, const std::string& name, std::initializer_list<const char*> captions) : Name(name)
+    {
+        for (const char* caption : captions)
+            buttons_.push_back(std::make_unique<OptionButton>(form, name + "(" + std::to_string(buttons_.size()) + ")",
+                                                              caption, *this));
+    }
+    OptionGroup(const OptionGroup&) = delete;
+    OptionGroup& operator=(const OptionGroup&) = delete;
+
+    const std::string Name;
+    std::function<void(int index)> Click;
+
+    OptionButton& operator()(int index) { return *buttons_.at(static_cast<std::size_t>(index)); }
+    int Count() const { return static_cast<int>(buttons_.size()); }
+    /// Index of the chosen button, -1 while there is none.
+    int Selected() const
+    {
+        for (std::size_t i = 0; i < buttons_.size(); ++i) {
+            if (buttons_[i]->Value)
+                return static_cast<int>(i);
+        }
+        return -1;
+    }
+    /// Chooses a button, which raises Click when it was not the chosen one already.
+    void Select(int index) { (*this)(index).Value = true; }
+    void Enable(bool enabled)
+    {
+        for (const auto& button : buttons_)
+            button->Enabled = enabled;
+    }
+
+private:
+    friend class OptionButton;
+    std::vector<std::unique_ptr<OptionButton>> buttons_;
+
+    void Chosen(const OptionButton& chosen)
+    {
+        int index = -1;
+        for (std::size_t i = 0; i < buttons_.size(); ++i) {
+            if (buttons_[i].get() == &chosen)
+                index = static_cast<int>(i);
+            else
+                buttons_[i]->Value = false;
+        }
+        // A copy, as the handler may do away with the group.
+        if (const auto handler = Click)
+            handler(index);
+    }
+};
+
+inline void OptionButton::Changed(Property property)
+{
+    Control::Changed(property);
+    if (property == Property::Value && Value)
+        group_.Chosen(*this);
+}
+
+} // namespace voxmate

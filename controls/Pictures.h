@@ -1,0 +1,40 @@
+// Things to look at: a moving picture, a pane that sets a text off, a sample of a font.
+#pragma once
+
+#include "controls/Control.h"
+
+#include <string>
+#include <utility>
+
+namespace voxmate
+{
+
+/// A picture box with a moving picture of the shared data (icons/NAME.gif), which plays for as long as it is seen.
+class MovingPicture : public Control
+{
+public:
+    MovingPicture(Form* form, std::string name, std::string picture, int size)
+        : Control(form, std::move(name)), Picture(std::move(picture)), SizePx(size)
+    {
+    }
+    const std::string Picture;
+    const int SizePx; ///< width and height in device-independent pixels
+};
+
+/// A picture box that holds other controls on the ground of a page (the arrangement says which, as with a frame). What
+/// does not fit scrolls.
+class Pane : public Frame
+{
+public:
+    Pane(Form* form, std::string name) : Frame(form, std::move(name), {}) {}
+};
+
+/// A label that shows its caption in its font on one line: a large font is drawn only as large as the line, the size
+/// itself is told beside it.
+class FontSample : public Label
+{
+public:
+    using Label::Label;
+};
+
+} // namespace voxmate

@@ -1,0 +1,30 @@
+// Tabs over pages of controls, one of which is on top (the arrangement says what is on each, see Tabbed).
+#pragma once
+
+#include "controls/Control.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace voxmate
+{
+
+class TabStrip : public Control
+{
+public:
+    TabStrip(Form* form, std::string name, std::vector<std::string> captions)
+        : Control(form, std::move(name)), captions_(std::move(captions))
+    {
+    }
+    /// Captions of the tabs, in order; an ampersand marks a tab's access key.
+    const std::vector<std::string>& Captions() const { return captions_; }
+    Prop<int> Tab{*this, Property::ListIndex, 0}; ///< the page on top, counted from 0
+
+    void UserSelect(int tab) { Tab.Store(tab); }
+
+private:
+    std::vector<std::string> captions_;
+};
+
+} // namespace voxmate

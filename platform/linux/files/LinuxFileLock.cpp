@@ -1,0 +1,90 @@
+#include "platform/linux/files/LinuxFileLock.h"
+
+#include "platform/linux/files/LinuxRandomFile.h"
+
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <thread>
+
+namespace voxmate::linux_platform
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds Patience{2000};
+constexpr std::chrono::milliseconds LookEvery{1};
+
+// The bytes of the lock file that stand for the lock and for the first place in the queue for it. Whoever waits has
+// that place, so that whoever lets go of the lock cannot have it again at once: two that save without a pause take
+// turns.
+constexpr off_t LockByte = 0;
+constexpr off_t QueueByte = 1;
+
+enum class Answer { Have, Held, NoLocks };
+
+// Locks or unlocks a byte for as long as this file is open, whatever else the process opens and closes.
+Answer Set(int file, off_t byte, short type)
+{
+    struct flock range {
+    };
+    range.l_type = type;
+    range.l_whence = SEEK_SET;
+    range.l_start = byte;
+    range.l_len = 1;
+    if (::fcntl(file, F_OFD_SETLK, &range) == 0)
+        return Answer::Have;
+    return errno == EAGAIN || errno == EACCES ? Answer::Held : Answer::NoLocks;
+}
+
+Answer WaitFor(int file, off_t byte, std::chrono::steady_clock::time_point last)
+{
+    for (;;) {
+        const Answer answer = Set(file, byte, F_WRLCK);
+        if (answer != Answer::Held || std::chrono::steady_clock::now() > last)
+            return answer;
+        std::this_thread::sleep_for(LookEvery);
+    }
+}
+
+class LinuxFileLock : public FileLock
+{
+public:
+    explicit LinuxFileLock(int file) : file_(file) {}
+    /// Held: somebody else has had it for too long.
+    Answer Take()
+    {
+        const auto last = std::chrono::steady_clock::now() + Patience;
+        Answer answer = WaitFor(file_.Number(), QueueByte, last);
+        if (answer == Answer::Have) {
+            answer = WaitFor(file_.Number(), LockByte, last);
+            Set(file_.Number(), QueueByte, F_UNLCK);
+        }
+        return answer;
+    }
+
+private:
+    Descriptor file_;
+};
+
+} // namespace
+
+std::unique_ptr<FileLock> LockBeside(const std::string& path)
+{
+    const int file = ::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
+    if (file < 0)
+        return nullptr;
+    auto lock = std::make_unique<LinuxFileLock>(file);
+    switch (lock->Take()) {
+    case Answer::Have:
+        return lock;
+    case Answer::Held:
+        throw PermissionDenied();
+    case Answer::NoLocks:
+        break;
+    }
+    return nullptr;
+}
+
+} // namespace voxmate::linux_platform

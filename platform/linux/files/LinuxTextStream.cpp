@@ -1,0 +1,222 @@
+#include "platform/linux/files/LinuxTextStream.h"
+
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace voxmate::linux_platform
+{
+
+namespace
+{
+
+// Large enough that reading costs more than asking for it, small enough to stay in the processor's cache.
+constexpr std::size_t BlockSize = 64 * 1024;
+
+RuntimeError ErrorOf(int number)
+{
+    switch (number) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case ELOOP:
+        return FileNotFound();
+    case EACCES:
+    case EPERM:
+        return PermissionDenied();
+    default:
+        return DeviceIOError();
+    }
+}
+
+// The length in bytes of UTF-16 without the half of a character at its end, if there is one.
+std::size_t WholeUtf16(std::string_view text, bool littleEndian)
+{
+    const std::size_t even = text.size() / 2 * 2;
+    if (even == 0)
+        return 0;
+    const auto high = static_cast<unsigned char>(text[even - (littleEndian ? 1 : 2)]);
+    return high >= 0xD8 && high <= 0xDB ? even - 2 : even;
+}
+
+} // namespace
+
+LinuxTextStream::File::File(const std::string& path)
+{
+    // Asked before it is opened as well: merely opening a device can do something.
+    struct stat status {
+    };
+    if (::stat(path.c_str(), &status) != 0)
+        throw ErrorOf(errno);
+    if (!S_ISREG(status.st_mode))
+        throw PermissionDenied();
+    descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (descriptor_ < 0)
+        throw ErrorOf(errno);
+    if (::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
+        ::close(descriptor_);
+        throw PermissionDenied();
+    }
+    size_ = status.st_size;
+}
+
+LinuxTextStream::File::~File()
+{
+    ::close(descriptor_);
+}
+
+std::size_t LinuxTextStream::File::Read(std::int64_t position, std::string& buffer) const
+{
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t got = ::pread(descriptor_, buffer.data() + filled, buffer.size() - filled,
+                                    static_cast<off_t>(position) + static_cast<off_t>(filled));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            throw DeviceIOError();
+        if (got == 0)
+            break;
+        filled += static_cast<std::size_t>(got);
+    }
+    return filled;
+}
+
+LinuxTextStream::LinuxTextStream(const std::string& path, const CodePage& codePage)
+    : file_(path), codePage_(codePage), block_(BlockSize, '\0')
+{
+    if (file_.Size() > LargestTextFile)
+        throw OutOfMemory();
+    FindEncoding();
+}
+
+void LinuxTextStream::FindEncoding()
+{
+    bool marked = false;
+    Utf8Census census;
+    for (std::int64_t at = 0;;) {
+        const std::size_t got = file_.Read(at, block_);
+        std::string_view block(block_.data(), got);
+        if (at == 0) {
+            const std::optional<ByteOrderMark> mark = FindByteOrderMark(block);
+            marked = mark.has_value();
+            position_ = mark ? static_cast<std::int64_t>(mark->length) : 0;
+            encoding_ = mark ? mark->encoding : GuessUtf16(block).value_or(TextEncoding::Utf8);
+            if (encoding_ != TextEncoding::Utf8)
+                return;
+        }
+        const bool last = got < BlockSize;
+        if (!last)
+            block = block.substr(0, WholeUtf8(block));
+        census.Count(block);
+        at += static_cast<std::int64_t>(block.size());
+        if (at > LargestTextFile)
+            throw OutOfMemory();
+        if (last) {
+            end_ = at;
+            break;
+        }
+    }
+    damaged_ = census.Strays() > 0;
+    if (!marked && !census.IsUtf8())
+        encoding_ = TextEncoding::CodePage;
+}
+
+bool LinuxTextStream::Fill()
+{
+    while (at_ == text_.size() && position_ < end_) {
+        const std::size_t room = std::min(BlockSize, static_cast<std::size_t>(end_ - position_));
+        const std::string_view block(block_.data(), std::min(file_.Read(position_, block_), room));
+        if (block.size() < room)
+            end_ = position_ + static_cast<std::int64_t>(block.size());
+        position_ +=
+            static_cast<std::int64_t>(Take(block, position_ + static_cast<std::int64_t>(block.size()) == end_));
+        at_ = 0;
+        nextLf_ = std::min(text_.find('\n'), text_.size());
+        nextCr_ = std::min(text_.find('\r'), text_.size());
+    }
+    return at_ < text_.size();
+}
+
+std::size_t LinuxTextStream::Take(std::string_view block, bool last)
+{
+    std::size_t taken = block.size();
+    if (encoding_ == TextEncoding::Utf8 && !damaged_) {
+        text_ = block;
+        return taken;
+    }
+    if (encoding_ == TextEncoding::Utf8) {
+        taken = last ? taken : WholeUtf8(block);
+        decoded_ = codePage_.Repair(block.substr(0, taken));
+    } else if (encoding_ == TextEncoding::CodePage) {
+        decoded_.clear();
+        taken = codePage_.Decode(block, last, decoded_);
+    } else {
+        const bool littleEndian = encoding_ == TextEncoding::Utf16LittleEndian;
+        if (!last)
+            taken = WholeUtf16(block, littleEndian);
+        decoded_ = DecodeUtf16(block.substr(0, taken), littleEndian);
+    }
+    text_ = decoded_;
+    return taken;
+}
+
+bool LinuxTextStream::AtEndOfStream()
+{
+    if (afterCr_ && Fill() && text_[at_] == '\n')
+        ++at_;
+    afterCr_ = false;
+    return !Fill();
+}
+
+std::string LinuxTextStream::ReadLine()
+{
+    std::string line;
+    AppendLine(line);
+    return line;
+}
+
+void LinuxTextStream::AppendLine(std::string& text)
+{
+    if (AtEndOfStream())
+        throw InputPastEndOfFile();
+    std::size_t end = LineEnd();
+    text.append(text_, at_, end - at_);
+    while (end == text_.size()) {
+        at_ = end;
+        if (!Fill())
+            return;
+        end = LineEnd();
+        text.append(text_, at_, end - at_);
+    }
+    afterCr_ = text_[end] == '\r';
+    at_ = end + 1;
+}
+
+std::size_t LinuxTextStream::LineEnd()
+{
+    // Each is looked for only when the last one found lies behind, so that no byte is looked at time and again.
+    if (nextLf_ < at_)
+        nextLf_ = std::min(text_.find('\n', at_), text_.size());
+    if (nextCr_ < at_)
+        nextCr_ = std::min(text_.find('\r', at_), text_.size());
+    return std::min(nextLf_, nextCr_);
+}
+
+std::size_t LinuxTextStream::SizeHint()
+{
+    // A line's end of one byte makes two; elsewhere a byte makes three of UTF-8 at most (the Euro sign of
+    // Windows-1252). The last line may have had no end.
+    const std::size_t most = encoding_ == TextEncoding::Utf8 && !damaged_ ? 2 : 3;
+    const std::size_t inFile =
+        static_cast<std::size_t>(std::max(std::min(end_, file_.Size()) - position_, std::int64_t{0}));
+    return most * (inFile + text_.size() - at_) + 2;
+}
+
+} // namespace voxmate::linux_platform

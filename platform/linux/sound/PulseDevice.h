@@ -1,0 +1,86 @@
+// Sound output through the desktop's sound server (PulseAudio, or PipeWire speaking its protocol).
+//
+// The server's client library is used directly: it says how long a sample takes to be heard, which lip-sync needs, and
+// a server that refuses, hangs or dies is seen and never waited for.
+#pragma once
+
+#include "speech/AudioOutput.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <vector>
+
+struct pa_context;
+struct pa_operation;
+struct pa_sink_info;
+struct pa_threaded_mainloop;
+
+namespace voxmate::speech
+{
+
+class PulseDevice
+{
+public:
+    /// `post` runs an action on the user-interface thread from any thread; it must outlive the device.
+    explicit PulseDevice(std::function<void(std::function<void()>)> post);
+    ~PulseDevice();
+    PulseDevice(const PulseDevice&) = delete;
+    PulseDevice& operator=(const PulseDevice&) = delete;
+
+    /// Begins to connect to the server, if it is not connected; returns at once.
+    void Look();
+    /// As AudioOutput says, from what the server reports; connects when need be and waits up to 300 ms for an answer,
+    /// Other when none comes. In the first seconds after the first look it waits longer: up to ten after it for a
+    /// server that has not answered yet, up to five for one that is not there or has no sink yet.
+    AudioOutput::State Check();
+    /// Whether the server is known to be there with a sink; begins to look for it and waits for nothing.
+    bool Ready();
+    std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
+                                      std::function<void()> drained, std::function<void()> failed);
+
+private:
+    class Lock;
+    struct Playing;
+    class Stream;
+    using PlayingPtr = std::shared_ptr<Playing>;
+
+    enum class Server { Unknown, Absent, WithoutSink, Ready };
+
+    void Connect();
+    void AwaitServer();
+    void Disconnect();
+    void SetServer(Server server);
+    void AskForSink();
+    void ContextChanged();
+    void SinkKnown(const pa_sink_info* sink, int end);
+    void Begin(const PlayingPtr& playing);
+    void StreamChanged(const PlayingPtr& playing);
+    void Feed(const PlayingPtr& playing);
+    void Watch(const PlayingPtr& playing);
+    void AskForClock(const PlayingPtr& playing);
+    void ClockTold(const PlayingPtr& playing, bool success);
+    void Drained(const PlayingPtr& playing);
+    void Fail(const PlayingPtr& playing);
+    void Close(const PlayingPtr& playing);
+
+    const std::function<void(std::function<void()>)> post_;
+    std::optional<std::chrono::steady_clock::time_point> firstLook_; // the user-interface thread's alone
+
+    // Guarded by the library's own lock.
+    pa_threaded_mainloop* loop_ = nullptr;
+    pa_context* context_ = nullptr;
+    bool sinkFound_ = false;
+    std::vector<PlayingPtr> playing_;
+
+    std::mutex mutex_;
+    std::condition_variable known_;
+    Server server_ = Server::Unknown;
+    bool openFailed_ = false;
+};
+
+} // namespace voxmate::speech

@@ -1,0 +1,90 @@
+#include "platform/Trial.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <thread>
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace voxmate
+{
+
+namespace
+{
+
+// The address sanitizer reserves far more addresses than any limit would leave it.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool UnderAddressSanitizer = true;
+#elif defined(__has_feature)
+constexpr bool UnderAddressSanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool UnderAddressSanitizer = false;
+#endif
+
+/// In a child: ends with the program (its thread that forked), and holds nothing open of it. Else the program's lock,
+/// display and sound would stay for as long as the child lives.
+void LeaveProgram(pid_t program)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != program) // it ended before it could be asked for that
+        _exit(1);
+    constexpr unsigned first = 3;
+    if (close_range(first, ~0U, 0) == 0)
+        return;
+    // A kernel that does not know the call.
+    const long most = sysconf(_SC_OPEN_MAX);
+    for (int file = first; file < most; ++file)
+        close(file);
+}
+
+/// Waits for a child: whether it ended as it should. None when that is not known, or nobody wanted it any more: then
+/// the child is put to an end.
+std::optional<bool> EndsWell(pid_t child, const std::function<bool()>& wanted)
+{
+    constexpr std::chrono::milliseconds interval{10};
+    int status = 0;
+    while (true) {
+        const pid_t ended = waitpid(child, &status, WNOHANG);
+        if (ended == child)
+            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        if (ended < 0 && errno != EINTR)
+            return std::nullopt;
+        if (!wanted()) {
+            kill(child, SIGKILL);
+            while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+            }
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(interval);
+    }
+}
+
+} // namespace
+
+std::optional<bool> TryInProcess(const std::function<bool()>& act, const TrialLimits& limits,
+                                 const std::function<bool()>& wanted)
+{
+    const pid_t program = getpid();
+    const pid_t child = fork();
+    if (child < 0)
+        return std::nullopt;
+    if (child == 0) {
+        LeaveProgram(program);
+        for (const int fatal : {SIGSEGV, SIGBUS, SIGFPE, SIGABRT, SIGALRM, SIGTERM})
+            std::signal(fatal, SIG_DFL);
+        const rlimit memory{limits.memory, limits.memory};
+        const rlimit core{0, 0};
+        if (!UnderAddressSanitizer)
+            setrlimit(RLIMIT_AS, &memory);
+        setrlimit(RLIMIT_CORE, &core);
+        alarm(static_cast<unsigned>(limits.time.count()));
+        _exit(act() ? 0 : 1);
+    }
+    return EndsWell(child, wanted);
+}
+
+} // namespace voxmate

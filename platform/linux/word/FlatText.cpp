@@ -1,0 +1,382 @@
+#include "platform/linux/word/FlatText.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <set>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace voxmate::linux_platform
+{
+
+namespace
+{
+
+constexpr char ParagraphEnd = '\r';
+constexpr char LineBreak = '\v';
+
+std::string Unescaped(std::string_view text)
+{
+    constexpr std::array<std::pair<std::string_view, char>, 5> named{
+        {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
+    std::string out;
+    while (true) {
+        const std::size_t mark = text.find('&');
+        out += text.substr(0, mark);
+        if (mark == std::string_view::npos)
+            return out;
+        text.remove_prefix(mark + 1);
+        const std::size_t end = text.find(';');
+        std::string_view name = text.substr(0, end);
+        if (name.starts_with('#')) {
+            const bool hexadecimal = name.substr(1).starts_with('x');
+            name.remove_prefix(hexadecimal ? 2 : 1);
+            std::uint32_t point = 0;
+            std::from_chars(name.data(), name.data() + name.size(), point, hexadecimal ? 16 : 10);
+            AppendUtf8(out, point);
+        } else if (const auto* found =
+                       std::find_if(named.begin(), named.end(), [&](const auto& entry) { return entry.first == name; });
+                   found != named.end()) {
+            out += found->second;
+        }
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+}
+
+// A start tag as it stands, without its brackets.
+class Tag
+{
+public:
+    explicit Tag(std::string_view text) : text_(text), name_(text.substr(0, text.find_first_of(" \t\r\n/"))) {}
+
+    std::string_view Name() const { return name_; }
+    bool Empty() const { return text_.ends_with('/'); }
+
+    std::string Attribute(std::string_view name) const
+    {
+        std::string_view rest = text_.substr(name_.size());
+        while (true) {
+            const std::size_t equals = rest.find('=');
+            const std::size_t quote = rest.find_first_of("\"'", equals);
+            if (quote == std::string_view::npos)
+                return {};
+            const std::size_t end = rest.find(rest[quote], quote + 1);
+            if (end == std::string_view::npos)
+                return {};
+            const std::size_t begin = std::min(rest.find_first_not_of(" \t\r\n"), equals);
+            std::string_view found = rest.substr(begin, equals - begin);
+            found = found.substr(0, found.find_first_of(" \t\r\n"));
+            if (found == name)
+                return Unescaped(rest.substr(quote + 1, end - quote - 1));
+            rest.remove_prefix(end + 1);
+        }
+    }
+
+private:
+    std::string_view text_;
+    std::string_view name_;
+};
+
+// Which styles hide their text. Word's styles inherit from each other; what is said nearest counts.
+class Styles
+{
+public:
+    void Begin(const Tag& style)
+    {
+        current_ = &styles_[style.Attribute("style:family") + ' ' + style.Attribute("style:name")];
+        const std::string parent = style.Attribute("style:parent-style-name");
+        current_->parent = parent.empty() ? parent : style.Attribute("style:family") + ' ' + parent;
+    }
+    void End() { current_ = nullptr; }
+
+    void TextProperties(const Tag& properties)
+    {
+        if (current_)
+            current_->display = properties.Attribute("text:display");
+    }
+
+    // Whether text of a style is hidden, where the text around it is hidden or not.
+    bool Hides(const char* family, const std::string& name, bool around) const
+    {
+        std::string key = std::string(family) + ' ' + name;
+        // A chain that is longer has a circle in it.
+        for (std::size_t depth = 0; depth <= styles_.size(); ++depth) {
+            const auto found = styles_.find(key);
+            if (found == styles_.end())
+                break;
+            if (!found->second.display.empty())
+                return found->second.display == "none";
+            key = found->second.parent;
+        }
+        return around;
+    }
+
+private:
+    struct Style {
+        std::string parent;
+        std::string display; ///< "none", "true", or nothing
+    };
+    std::unordered_map<std::string, Style> styles_;
+    Style* current_ = nullptr;
+};
+
+// Takes the document's tags and texts in their order. The prefixes are those that the writer of these files always
+// uses.
+class Reader
+{
+public:
+    void Start(const Tag& tag)
+    {
+        Element element = elements_.empty() ? Element{} : elements_.back();
+        element.paragraph = false;
+        element.style = false;
+        const std::string_view name = tag.Name();
+        if (name == "office:text") {
+            element.body = true;
+        } else if (!element.body) {
+            if (name == "style:style") {
+                styles_.Begin(tag);
+                element.style = true;
+            } else if (name == "style:text-properties") {
+                styles_.TextProperties(tag);
+            }
+        } else if (!element.skipped) {
+            StartInBody(tag, element);
+        }
+        if (name == "text:changed-region")
+            region_ = tag.Attribute("text:id");
+        else if (name == "text:deletion")
+            deletions_.insert(region_);
+        elements_.push_back(element);
+        if (tag.Empty())
+            End();
+    }
+
+    // False when there is nothing to end.
+    bool End()
+    {
+        if (elements_.empty())
+            return false;
+        const Element element = elements_.back();
+        elements_.pop_back();
+        if (element.style)
+            styles_.End();
+        if (element.paragraph)
+            EndParagraph();
+        whole_ = elements_.empty();
+        return true;
+    }
+
+    void Text(std::string_view text)
+    {
+        if (elements_.empty() || !elements_.back().text || elements_.back().skipped)
+            return;
+        for (const char c : text) {
+            if (c == ' ' || c == '\t' || c == '\r' || c == '\n')
+                Blank();
+            else
+                Add({&c, 1});
+        }
+    }
+
+    bool Whole() const { return whole_; }
+    std::string TakeText() { return std::move(text_); }
+
+private:
+    struct Element {
+        bool body = false;
+        bool skipped = false; ///< nothing in it is main text
+        bool text = false;    ///< its characters are text, not only the layout of the file
+        bool hidden = false;
+        bool paragraph = false;
+        bool style = false;
+    };
+    struct Paragraph {
+        bool hidden;       ///< it is hidden, or some of its text
+        bool seen = false; ///< some of its text is not
+        bool blank = true; ///< further blanks change nothing: they are one with the last, or at the beginning
+    };
+
+    void StartInBody(const Tag& tag, Element& element)
+    {
+        const std::string_view name = tag.Name();
+        if (name == "text:p" || name == "text:h") {
+            element.paragraph = true;
+            element.text = true;
+            element.hidden = styles_.Hides("paragraph", tag.Attribute("text:style-name"), element.hidden);
+            paragraphs_.push_back({element.hidden});
+        } else if (name == "text:span") {
+            element.hidden = styles_.Hides("text", tag.Attribute("text:style-name"), element.hidden);
+        } else if (name == "text:s") {
+            AddSpaces(tag);
+        } else if (name == "text:tab") {
+            AddMark('\t');
+        } else if (name == "text:line-break") {
+            AddMark(LineBreak);
+        } else if (name == "text:change-start") {
+            deleted_ += deletions_.contains(tag.Attribute("text:change-id")) ? 1 : 0;
+        } else if (name == "text:change-end") {
+            deleted_ -= deletions_.contains(tag.Attribute("text:change-id")) && deleted_ > 0 ? 1 : 0;
+        } else if (name == "field:fieldmark-start") {
+            fields_.push_back(text_.size());
+        } else if (name == "field:fieldmark-separator") {
+            // What stands before it is the field's code.
+            if (!fields_.empty())
+                text_.resize(std::min(text_.size(), fields_.back()));
+        } else if (name == "field:fieldmark-end") {
+            if (!fields_.empty())
+                fields_.pop_back();
+        } else if (name == "draw:frame") {
+            // Word's positioned paragraphs and floating tables belong to the main text and become frames of their
+            // paragraph; its text boxes do not, and become frames of a character.
+            element.skipped = tag.Attribute("text:anchor-type") != "paragraph";
+            element.text = false;
+            element.hidden = false;
+        } else if (name == "draw:text-box" || name.starts_with("table:")) {
+            element.text = false;
+        } else {
+            element.skipped = IsOutside(name);
+        }
+        element.hidden = element.hidden || tag.Attribute("text:display") == "none";
+    }
+
+    static bool IsOutside(std::string_view name)
+    {
+        constexpr std::array<std::string_view, 7> parts{
+            "text:note",   "text:tracked-changes", "text:ruby-text",     "text:number",
+            "text:script", "text:hidden-text",     "text:sequence-decls"};
+        constexpr std::array<std::string_view, 6> kinds{"draw:", "svg:", "office:", "form:", "math:", "dc:"};
+        return std::find(parts.begin(), parts.end(), name) != parts.end() ||
+               std::any_of(kinds.begin(), kinds.end(), [&](auto kind) { return name.starts_with(kind); }) ||
+               (name.starts_with("text:") && name.ends_with("-source"));
+    }
+
+    void Add(std::string_view text)
+    {
+        if (paragraphs_.empty())
+            return;
+        paragraphs_.back().blank = false;
+        AddAsItIs(text);
+    }
+
+    void AddAsItIs(std::string_view text)
+    {
+        if (elements_.back().hidden) {
+            paragraphs_.back().hidden = true;
+        } else if (deleted_ == 0) {
+            paragraphs_.back().seen = true;
+            text_ += text;
+        }
+    }
+
+    void Blank()
+    {
+        if (paragraphs_.empty() || std::exchange(paragraphs_.back().blank, true))
+            return;
+        AddAsItIs(" ");
+    }
+
+    void AddMark(char mark)
+    {
+        if (elements_.back().text)
+            Add({&mark, 1});
+    }
+
+    void AddSpaces(const Tag& tag)
+    {
+        if (!elements_.back().text)
+            return;
+        constexpr int most = 10000;
+        const std::string count = tag.Attribute("text:c");
+        int spaces = 1;
+        std::from_chars(count.data(), count.data() + count.size(), spaces);
+        Add(std::string(static_cast<std::size_t>(std::clamp(spaces, 0, most)), ' '));
+    }
+
+    void EndParagraph()
+    {
+        const Paragraph paragraph = paragraphs_.back();
+        paragraphs_.pop_back();
+        const bool gone = paragraph.hidden && !paragraph.seen;
+        if (!gone && deleted_ == 0)
+            text_ += ParagraphEnd;
+    }
+
+    Styles styles_;
+    std::vector<Element> elements_;
+    std::vector<Paragraph> paragraphs_; ///< the open ones: a frame's stand inside the one that it belongs to
+    std::vector<std::size_t> fields_;   ///< where the open fields begin
+    std::set<std::string> deletions_;
+    std::string region_;
+    int deleted_ = 0;
+    std::string text_;
+    bool whole_ = false;
+};
+
+} // namespace
+
+std::optional<std::string> MainText(std::string_view document)
+{
+    Reader reader;
+    std::string_view rest = document;
+    // A bracket may stand in an attribute's value.
+    const auto takeTag = [&rest]() -> std::optional<std::string_view> {
+        std::size_t end = rest.find_first_of("\"'>");
+        while (end != std::string_view::npos && rest[end] != '>') {
+            end = rest.find(rest[end], end + 1);
+            if (end != std::string_view::npos)
+                end = rest.find_first_of("\"'>", end + 1);
+        }
+        if (end == std::string_view::npos)
+            return std::nullopt;
+        const std::string_view tag = rest.substr(0, end);
+        rest.remove_prefix(end + 1);
+        return tag;
+    };
+    const auto takeUpTo = [&rest](std::string_view end) -> std::optional<std::string_view> {
+        const std::size_t at = rest.find(end);
+        if (at == std::string_view::npos)
+            return std::nullopt;
+        const std::string_view taken = rest.substr(0, at);
+        rest.remove_prefix(at + end.size());
+        return taken;
+    };
+    while (true) {
+        const std::optional<std::string_view> text = takeUpTo("<");
+        if (!text)
+            break;
+        if (text->find('&') == std::string_view::npos)
+            reader.Text(*text);
+        else
+            reader.Text(Unescaped(*text));
+        bool good = true;
+        if (rest.starts_with("!--")) {
+            good = takeUpTo("-->").has_value();
+        } else if (rest.starts_with("![CDATA[")) {
+            rest.remove_prefix(std::string_view("![CDATA[").size());
+            const std::optional<std::string_view> data = takeUpTo("]]>");
+            good = data.has_value();
+            if (data)
+                reader.Text(*data);
+        } else {
+            const std::optional<std::string_view> tag = takeTag();
+            good = tag.has_value();
+            if (good && tag->starts_with('/'))
+                good = reader.End();
+            else if (good && !tag->starts_with('?') && !tag->starts_with('!'))
+                reader.Start(Tag(*tag));
+        }
+        if (!good)
+            return std::nullopt;
+    }
+    if (!reader.Whole())
+        return std::nullopt;
+    return reader.TakeText();
+}
+
+} // namespace voxmate::linux_platform

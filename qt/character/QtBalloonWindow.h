@@ -1,0 +1,30 @@
+// The speech balloon: a rounded bubble whose tail points at the character.
+#pragma once
+
+#include "qt/character/ShapedWindow.h"
+
+#include <QFont>
+
+namespace voxmate::qt
+{
+
+/// The font of a balloon; the desktop's own sans serif where the system does not have it. Text is measured and drawn
+/// with the same font.
+QFont ToQFont(const agent::BalloonFont& font);
+
+class QtBalloonWindow : public agent::BalloonWindow
+{
+public:
+    QtBalloonWindow();
+
+    void Show(const agent::BalloonView& view) override;
+    void Hide() override { window_->Display(false); }
+
+private:
+    QImage Draw(qreal ratio) const;
+
+    ShapedWindowPtr window_{new ShapedWindow(QStringLiteral("Voxmate balloon"))};
+    agent::BalloonView view_;
+};
+
+} // namespace voxmate::qt

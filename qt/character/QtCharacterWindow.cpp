@@ -1,0 +1,98 @@
+#include "qt/character/QtCharacterWindow.h"
+
+#include "qt/system/DesktopWatch.h"
+
+#include <cstdlib>
+#include <utility>
+
+namespace voxmate::qt
+{
+
+QtCharacterWindow::QtCharacterWindow()
+{
+    window_->Draw = [this](qreal ratio, bool cutOut) { return Draw(ratio, cutOut); };
+    window_->OnMouse = [this](const agent::MouseEvent& event) {
+        if (const auto mouse = Mouse)
+            mouse(event);
+    };
+    window_->OnMove = [this] {
+        if (!echoes_.isActive())
+            ComparePlace();
+    };
+    // A window manager may place a new window before it heeds where that is wanted.
+    window_->OnShow = [this] { Await(EchoTime); };
+    echoes_.setSingleShot(true);
+    QObject::connect(&echoes_, &QTimer::timeout, &context_, [this] { ComparePlace(); });
+    QObject::connect(&DesktopWatch::Instance(), &DesktopWatch::ScreensChanging, &context_, [this] {
+        screensChanged_ = true;
+        Await(ScreensTime);
+    });
+}
+
+/// Looks where the window stands in so many milliseconds, and not before.
+void QtCharacterWindow::Await(int milliseconds)
+{
+    if (!echoes_.isActive() || echoes_.remainingTime() < milliseconds)
+        echoes_.start(milliseconds);
+}
+
+void QtCharacterWindow::SetFrame(const agent::Picture& picture, Size size)
+{
+    const QSize newSize(size.width, size.height);
+    if (picture_.bitmap && picture.key == picture_.key && newSize == window_->size())
+        return;
+    picture_ = picture;
+    if (newSize != window_->size())
+        window_->setFixedSize(newSize);
+    window_->Refresh();
+}
+
+void QtCharacterWindow::MoveTo(Point topLeft)
+{
+    place_ = topLeft;
+    Await(EchoTime);
+    window_->Place({topLeft.x, topLeft.y});
+}
+
+void QtCharacterWindow::SetVisible(bool visible)
+{
+    window_->Display(visible);
+}
+
+void QtCharacterWindow::ComparePlace()
+{
+    const bool forTheScreens = std::exchange(screensChanged_, false);
+    if (!window_->isVisible())
+        return;
+    const Point place{window_->x(), window_->y()};
+    // Where a pixel of the screen is a fraction of ours, a place comes back rounded.
+    if (std::abs(place.x - place_.x) <= 1 && std::abs(place.y - place_.y) <= 1)
+        return;
+    if (forTheScreens) {
+        MoveTo(place_);
+        return;
+    }
+    place_ = place;
+    if (const auto moved = Moved)
+        moved(place);
+}
+
+ShapedImage QtCharacterWindow::Draw(qreal ratio, bool cutOut)
+{
+    const QSize size = (QSizeF(window_->size()) * ratio).toSize();
+    if (!picture_.bitmap || size.isEmpty())
+        return {};
+    if (const ShapedImage* made = scaler_.Get(picture_, size, cutOut))
+        drawn_ = *made;
+    return drawn_;
+}
+
+/// A large picture is ready, though perhaps another is wanted by now.
+void QtCharacterWindow::PictureMade()
+{
+    window_->Refresh();
+    if (const auto ready = Ready; ready && !Busy())
+        ready();
+}
+
+} // namespace voxmate::qt

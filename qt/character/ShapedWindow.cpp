@@ -1,0 +1,236 @@
+#include "qt/character/ShapedWindow.h"
+
+#include "qt/alerts/PlacedWindow.h"
+#include "qt/system/Desktop.h"
+#include "qt/system/DesktopWatch.h"
+#include "qt/widgets/AccessibleRole.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <utility>
+#include <vector>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// Pixels at least half opaque take the mouse and, without a compositor, are drawn.
+constexpr int AlphaThreshold = 128;
+
+/// Makes what the cut-out shows fully opaque, lest the smooth edges come out black.
+void MakeOpaque(QImage& image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            pixels[x] = qAlpha(pixels[x]) < AlphaThreshold ? 0 : qUnpremultiply(pixels[x]) | 0xFF000000;
+    }
+}
+
+} // namespace
+
+QRegion ShapeOf(const QImage& image)
+{
+    std::vector<QRect> rects;
+    std::size_t band = 0; // first rectangle of the row above
+    std::vector<QRect> row;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* pixels = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        row.clear();
+        for (int x = 0; x < image.width();) {
+            if (qAlpha(pixels[x]) < AlphaThreshold) {
+                ++x;
+                continue;
+            }
+            const int from = x;
+            while (x < image.width() && qAlpha(pixels[x]) >= AlphaThreshold)
+                ++x;
+            row.emplace_back(from, y, x - from, 1);
+        }
+        bool sameAsAbove = !row.empty() && row.size() == rects.size() - band && rects[band].bottom() == y - 1;
+        for (std::size_t i = 0; sameAsAbove && i < row.size(); ++i)
+            sameAsAbove = rects[band + i].left() == row[i].left() && rects[band + i].right() == row[i].right();
+        if (sameAsAbove) {
+            for (std::size_t i = band; i < rects.size(); ++i)
+                rects[i].setBottom(y);
+        } else if (!row.empty()) {
+            band = rects.size();
+            rects.insert(rects.end(), row.begin(), row.end());
+        }
+    }
+    QRegion region;
+    region.setRects(rects.data(), static_cast<int>(rects.size()));
+    return region;
+}
+
+ShapedImage Shaped(QImage image, bool cutOut)
+{
+    if (cutOut)
+        MakeOpaque(image);
+    QRegion shape = ShapeOf(image);
+    return {std::move(image), std::move(shape)};
+}
+
+ShapedWindow::ShapedWindow(const QString& name)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
+                           Qt::NoDropShadowWindowHint)
+{
+    SetAccessibleRole(*this, QAccessible::Animation);
+    setObjectName(name);
+    setWindowTitle(name);
+    setAccessibleName(name);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setFocusPolicy(Qt::NoFocus);
+    connect(&Compositor::Instance(), &Compositor::Changed, this, [this] { Refresh(); });
+    connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, this, [this] { ComeOrGo(); });
+}
+
+void ShapedWindow::LiveBeside(QWindow* modal)
+{
+    // Qt lets the transient windows of a modal window live. The window of an icon in the tray it keeps to itself.
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window) ||
+                           window->inherits("QSystemTrayIconSys");
+        if (lives && window->windowHandle())
+            window->windowHandle()->setTransientParent(modal);
+    }
+}
+
+void ShapedWindow::Display(bool visible)
+{
+    wanted_ = visible;
+    ComeOrGo();
+}
+
+void ShapedWindow::Place(QPoint topLeft)
+{
+    move(topLeft);
+    ComeOrGo();
+}
+
+bool ShapedWindow::InTheWay() const
+{
+    const QScreen* screen = ScreenNearest(geometry().center());
+    return screen && DesktopWatch::Instance().Filled(*screen);
+}
+
+/// Shows or hides the window: where another program's full-screen window stands it is not seen, whoever wants it.
+void ShapedWindow::ComeOrGo()
+{
+    const bool visible = wanted_ && !InTheWay();
+    if (visible == isVisible())
+        return;
+    if (!visible) {
+        hide();
+        return;
+    }
+    if (const auto tell = OnShow)
+        tell();
+    if (!created_) {
+        winId();
+        created_ = true;
+        // Another screen may have another pixel ratio.
+        connect(windowHandle(), &QWindow::screenChanged, this, [this] { Refresh(); });
+    }
+    MakeDesktopCompanion(*windowHandle());
+    const QWidget* modal = QApplication::activeModalWidget();
+    windowHandle()->setTransientParent(modal ? modal->windowHandle() : nullptr);
+    const QPoint place = pos();
+    Refresh();
+    // Qt closes every open menu and list for a new window, unless it is a tool's: the user may be in one.
+    const Qt::WindowFlags flags = windowFlags();
+    overrideWindowFlags((flags & ~Qt::WindowType_Mask) | Qt::Tool);
+    show();
+    overrideWindowFlags(flags);
+    KeepDesktopCompanion(*windowHandle());
+    // A window manager may have placed the window itself.
+    move(place);
+}
+
+void ShapedWindow::Refresh()
+{
+    if (!created_ || !Draw)
+        return;
+    const qreal ratio = devicePixelRatioF();
+    const bool cutOut = !Compositor::Instance().Running();
+    ShapedImage drawn = Draw(ratio, cutOut);
+    image_ = std::move(drawn.image);
+    image_.setDevicePixelRatio(ratio);
+    if (drawn.shape != shape_ || cutOut != cutOut_) {
+        shape_ = std::move(drawn.shape);
+        SetInputShape(*windowHandle(), shape_);
+        if (cutOut)
+            SetBoundingShape(*windowHandle(), shape_);
+        else if (cutOut_)
+            ClearBoundingShape(*windowHandle());
+        cutOut_ = cutOut;
+    }
+    update();
+}
+
+void ShapedWindow::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    painter.setClipRegion(event->region());
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(0, 0, image_);
+}
+
+void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
+{
+    agent::MouseEvent told;
+    told.action = action;
+    if (action != agent::MouseAction::Move) {
+        told.button = event.button() == Qt::LeftButton ? 1 : event.button() == Qt::RightButton ? 2 : 0;
+        if (told.button == 0)
+            return;
+    }
+    const auto modifiers = event.modifiers();
+    told.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
+                 (modifiers & Qt::AltModifier ? 4 : 0);
+    const QPoint at = event.position().toPoint();
+    const QPoint screen = event.globalPosition().toPoint();
+    told.at = {at.x(), at.y()};
+    told.screen = {screen.x(), screen.y()};
+    // A copy: the owner may let the window go from within.
+    if (const auto tell = OnMouse)
+        tell(told);
+}
+
+void ShapedWindow::mousePressEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Press, *event);
+}
+void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Move, *event);
+}
+void ShapedWindow::mouseReleaseEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::Release, *event);
+}
+void ShapedWindow::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    Tell(agent::MouseAction::DoubleClick, *event);
+}
+
+void ShapedWindow::moveEvent(QMoveEvent* event)
+{
+    QWidget::moveEvent(event);
+    if (const auto tell = OnMove)
+        tell();
+}
+
+// Only the program puts the character away.
+void ShapedWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,119 @@
+#include "qt/dialogs/FileDialog.h"
+
+#include "qt/dialogs/ModalWindows.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QStandardPaths>
+#include <QStringList>
+#include <QTreeView>
+#include <QUrl>
+
+#include <utility>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// Places at the side, names and dates are to be read in full. The file's type goes: its icon and its name tell it.
+void MakeRoom(QFileDialog& dialog)
+{
+    constexpr int typeColumn = 2;
+    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
+        // A size that all of the toolkit's pictures have, so that all names begin at the same place.
+        places->setIconSize({16, 16});
+        places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
+    }
+    if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        files->setColumnHidden(typeColumn, true);
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
+/// Names the parts that the toolkit leaves nameless, for those who cannot see them.
+void NameParts(const QFileDialog& dialog)
+{
+    const std::pair<const char*, const char*> names[] = {{"sidebar", "Places"},    {"listView", "Files"},
+                                                         {"treeView", "Files"},    {"frame", "Folder"},
+                                                         {"splitter", "Contents"}, {"buttonBox", "Buttons"}};
+    for (const auto& [part, name] : names) {
+        if (auto* widget = dialog.findChild<QWidget*>(QString::fromLatin1(part)))
+            widget->setAccessibleName(QString::fromLatin1(name));
+    }
+    // A drop-down list is called by its label.
+    for (const auto& [label, field] : {std::pair{"lookInLabel", "lookInCombo"}, {"fileTypeLabel", "fileTypeCombo"}}) {
+        auto* text = dialog.findChild<QLabel*>(QString::fromLatin1(label));
+        auto* list = dialog.findChild<QWidget*>(QString::fromLatin1(field));
+        if (text && list)
+            text->setBuddy(list);
+    }
+}
+
+/// Enters a folder whose path is typed, and then lets a file's name be typed: left in the field the path would stand
+/// for a file of that name, which cannot be opened.
+class Dialog : public QFileDialog
+{
+public:
+    using QFileDialog::QFileDialog;
+
+protected:
+    void showEvent(QShowEvent* event) override
+    {
+        // As on all other windows' buttons; the kind of dialog, told later, makes them anew.
+        if (const auto* buttons = findChild<QDialogButtonBox*>()) {
+            for (QAbstractButton* button : buttons->buttons())
+                button->setIcon({});
+        }
+        QFileDialog::showEvent(event);
+    }
+
+    void accept() override
+    {
+        const QStringList chosen = selectedFiles();
+        const bool folder = chosen.size() == 1 && QFileInfo(chosen.front()).isDir();
+        const QPointer<Dialog> self = this;
+        QFileDialog::accept();
+        if (!self || !folder || !isVisible())
+            return;
+        auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!name)
+            return;
+        name->clear();
+        // The names that were offered for what was typed, of which none is left.
+        if (QCompleter* completer = name->completer())
+            completer->popup()->hide();
+    }
+};
+
+} // namespace
+
+QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin)
+{
+    const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
+    const QPointer<QFileDialog> dialog =
+        new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
+    // The desktop's own dialog would be a window of another program, beside which the character cannot live.
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setSidebarUrls({QUrl::fromLocalFile(QDir::homePath()),
+                            QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
+                            QUrl::fromLocalFile(QDir::rootPath())});
+    dialog->setWindowModality(Qt::ApplicationModal);
+    LetCharacterLiveBeside(*dialog);
+    MakeRoom(*dialog);
+    NameParts(*dialog);
+    return dialog;
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,48 @@
+// The dialog for choosing a font.
+#pragma once
+
+#include "controls/Control.h"
+
+#include <QDialog>
+#include <QStringList>
+
+#include <optional>
+
+class QLabel;
+class QLineEdit;
+class QListView;
+class QPushButton;
+class QSpinBox;
+
+namespace voxmate::qt
+{
+
+/// Family and size, with a sample. A name can be typed; only a family that is installed is taken, or the one that stood
+/// there at first, which may be from elsewhere.
+class FontDialog : public QDialog
+{
+public:
+    /// Sizes are in points.
+    FontDialog(QWidget* over, const FontSpec& font, int minSize, int maxSize);
+    FontSpec Chosen() const;
+
+private:
+    void Typed(const QString& name);
+    void Picked(int row);
+    void ShowSample();
+    /// The family that the typed name stands for; empty when there is none.
+    QString Family() const;
+
+    const QString first_;
+    const QStringList families_;
+    QLineEdit* name_;
+    QListView* list_;
+    QSpinBox* size_;
+    QLabel* sample_;
+    QPushButton* ok_;
+};
+
+/// Shows the dialog over a window; none when the user cancels.
+std::optional<FontSpec> ShowFontDialog(QWidget* over, const FontSpec& font, int minSize, int maxSize);
+
+} // namespace voxmate::qt

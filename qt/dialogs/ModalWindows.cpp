@@ -1,0 +1,61 @@
+#include "qt/dialogs/ModalWindows.h"
+
+#include "qt/character/ShapedWindow.h"
+#include "qt/dialogs/Placement.h"
+
+#include <QDialog>
+#include <QEvent>
+
+#include <algorithm>
+#include <vector>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+/// Belongs to its dialog and goes with it.
+class Companion : public QObject
+{
+public:
+    explicit Companion(QDialog& dialog) : QObject(&dialog), dialog_(dialog) { dialog.installEventFilter(this); }
+    ~Companion() override { Leave(); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (watched == &dialog_ && event->type() == QEvent::Show)
+            Enter();
+        else if (watched == &dialog_ && event->type() == QEvent::Hide)
+            Leave();
+        return false;
+    }
+
+private:
+    void Enter()
+    {
+        if (std::find(shown.begin(), shown.end(), this) == shown.end())
+            shown.push_back(this);
+        Centre(dialog_, dialog_.parentWidget());
+        ShapedWindow::LiveBeside(dialog_.windowHandle());
+    }
+    void Leave()
+    {
+        if (std::erase(shown, this) > 0)
+            ShapedWindow::LiveBeside(shown.empty() ? nullptr : shown.back()->dialog_.windowHandle());
+    }
+
+    /// Those whose dialogs are on the screen, the latest last.
+    static inline std::vector<Companion*> shown;
+
+    QDialog& dialog_;
+};
+
+} // namespace
+
+void LetCharacterLiveBeside(QDialog& dialog)
+{
+    new Companion(dialog);
+}
+
+} // namespace voxmate::qt

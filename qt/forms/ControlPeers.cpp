@@ -1,0 +1,380 @@
+#include "qt/forms/ControlPeers.h"
+
+#include "controls/ListView.h"
+#include "controls/MonthView.h"
+#include "qt/forms/CommonPeer.h"
+#include "qt/forms/DialogPeers.h"
+#include "qt/widgets/QtText.h"
+#include "qt/widgets/ReadableStyle.h"
+#include "qt/widgets/Widgets.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFontDatabase>
+#include <QListView>
+#include <QPointer>
+#include <QSignalBlocker>
+#include <QStatusBar>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+class LabelPeer : public Common<Label, QLabel>
+{
+public:
+    LabelPeer(Label& label, QWidget* parent) : Common(label, new QLabel(parent))
+    {
+        widget_->setTextFormat(Qt::PlainText);
+        widget_->setTextInteractionFlags(Qt::NoTextInteraction);
+        if (control_.Heading) {
+            widget_->setForegroundRole(QPalette::Text);
+            ShowLarge();
+        }
+        if (control_.Font.get() != FontSpec{})
+            Update(Property::Font);
+        Update(Property::Caption);
+        new FontChange(&context_, *widget_->window(), [this] {
+            if (control_.Heading)
+                ShowLarge();
+            KeepRoom();
+        });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Font)
+            widget_->setFont(ToQFont(control_.Font, QFont()));
+        if (property != Property::Caption)
+            return;
+        widget_->setText(ToQt(control_.Caption));
+        KeepRoom();
+    }
+
+private:
+    /// A label that tells a changing value keeps the room it once needed, so that nothing beside it moves.
+    void KeepRoom()
+    {
+        if (!widget_->wordWrap())
+            widget_->setMinimumWidth(std::max(widget_->minimumWidth(), widget_->sizeHint().width()));
+    }
+
+    void ShowLarge()
+    {
+        QFont font;
+        font.setPointSizeF(QApplication::font(widget_).pointSizeF() * 2.2);
+        font.setWeight(QFont::DemiBold);
+        widget_->setFont(font);
+    }
+};
+
+class ButtonPeer : public Common<CommandButton, Button>
+{
+public:
+    ButtonPeer(CommandButton& button, const IconSet& icons, QWidget* parent)
+        : Common(button, new Button(icons, ToQt(button.Picture), parent))
+    {
+        Update(Property::Caption);
+        QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });
+        widget_->OnMouseUp = [this](int button) { control_.UserMouseUp(button); };
+    }
+    ~ButtonPeer() override { widget_->OnMouseUp = nullptr; }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Caption)
+            return;
+        if (control_.Picture.empty())
+            widget_->setText(ToQt(control_.Caption));
+        else
+            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.Caption)));
+    }
+};
+
+class CheckBoxPeer : public Common<CheckBox, QCheckBox>
+{
+public:
+    CheckBoxPeer(CheckBox& box, QWidget* parent) : Common(box, new QCheckBox(parent))
+    {
+        Update(Property::Caption);
+        Update(Property::Value);
+        QObject::connect(widget_, &QCheckBox::clicked, &context_,
+                         [this](bool checked) { control_.UserClick(checked); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Caption)
+            widget_->setText(ToQt(control_.Caption));
+        else if (property == Property::Value)
+            widget_->setChecked(control_.Value != 0);
+    }
+};
+
+// Entries of an open list on the screen at once.
+constexpr int VisibleItems = 12;
+
+/// A combo box that the wheel changes only while it has the keyboard, so that scrolling past it chooses nothing.
+class QuietComboBox : public QComboBox
+{
+public:
+    using QComboBox::QComboBox;
+
+protected:
+    void wheelEvent(QWheelEvent* event) override
+    {
+        if (hasFocus())
+            QComboBox::wheelEvent(event);
+        else
+            event->ignore();
+    }
+};
+
+class ComboBoxPeer : public Common<ComboBox, QComboBox>
+{
+public:
+    ComboBoxPeer(ComboBox& box, QWidget* parent) : Common(box, new QuietComboBox(parent))
+    {
+        widget_->setFocusPolicy(Qt::StrongFocus);
+        // Long names are cut in the field and whole in the list.
+        widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        // A list below the field that scrolls, not one that fills the screen with a hundred entries. A style sheet
+        // keeps the colours that the desktop once had, so it is for styles that cannot be asked in another way.
+        if (!dynamic_cast<ReadableStyle*>(QApplication::style()))
+            widget_->setStyleSheet(QStringLiteral("combobox-popup: 0"));
+        widget_->setMaxVisibleItems(VisibleItems);
+        widget_->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        static_cast<QListView*>(widget_->view())->setSpacing(2);
+        widget_->setMinimumContentsLength(16);
+        widget_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        Update(Property::Items);
+        QObject::connect(widget_, &QComboBox::activated, &context_, [this](int index) { control_.UserSelect(index); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Items && property != Property::ListIndex)
+            return;
+        const QSignalBlocker quiet(widget_);
+        const std::vector<std::string>& items = control_.Items();
+        if (property == Property::Items) {
+            // A list grows by one at its end or is emptied.
+            if (items.size() < static_cast<std::size_t>(widget_->count()))
+                widget_->clear();
+            for (auto i = static_cast<std::size_t>(widget_->count()); i < items.size(); ++i)
+                widget_->addItem(ToQt(items[i]));
+        }
+        widget_->setCurrentIndex(control_.ListIndex);
+    }
+};
+
+class ScrollBarPeer : public Common<HScrollBar, ValueBar>
+{
+public:
+    ScrollBarPeer(HScrollBar& bar, QWidget* parent) : Common(bar, new ValueBar(parent))
+    {
+        widget_->setRange(control_.Min, control_.Max);
+        widget_->setSingleStep(control_.SmallChange);
+        widget_->setPageStep(control_.LargeChange);
+        Update(Property::Value);
+        QObject::connect(widget_, &ValueBar::valueChanged, &context_,
+                         [this](int value) { control_.UserScroll(value); });
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Value) {
+            const QSignalBlocker quiet(widget_);
+            widget_->setValue(control_.Value);
+        }
+    }
+};
+
+class FramePeer : public Common<Frame, GroupFrame>
+{
+public:
+    FramePeer(Frame& frame, QWidget* parent) : Common(frame, new GroupFrame(parent)) { Update(Property::Caption); }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Caption)
+            widget_->ShowTitle(ToQt(control_.Caption));
+    }
+};
+
+class ImagePeer : public Common<Image, Picture>
+{
+public:
+    ImagePeer(Image& image, const IconSet& icons, QWidget* parent)
+        : Common(image, new Picture(icons, ToQt(image.Picture), image.SizePx, parent))
+    {
+    }
+};
+
+class StatusBarPeer : public Common<StatusBar, QStatusBar>
+{
+public:
+    StatusBarPeer(StatusBar& bar, QWidget* parent) : Common(bar, new QStatusBar(parent))
+    {
+        int number = 0;
+        for (const StatusBar::Panel& panel : control_.Panels()) {
+            auto* label = new StatusPanel(panel.minChars, widget_);
+            label->setObjectName(ToQt(control_.Name) + QString::number(++number));
+            label->setAccessibleDescription(ToQt(panel.accessibleName));
+            label->setAlignment((panel.minChars > 0 ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
+            // Permanent: a menu's passing help text must not cover the panels.
+            widget_->addPermanentWidget(label, panel.minChars > 0 ? 0 : 1);
+            panels_.push_back(label);
+        }
+        Update(Property::Panels);
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property != Property::Panels)
+            return;
+        for (std::size_t i = 0; i < panels_.size(); ++i) {
+            const StatusBar::Panel& panel = control_.Panels()[i];
+            const QString text = ToQt(panel.text);
+            if (panels_[i]->text() == text && !text.isEmpty())
+                continue;
+            panels_[i]->setText(text);
+            // What a screen reader says is the text; an empty panel says at least what it is for.
+            panels_[i]->setAccessibleName(text.isEmpty() ? ToQt(panel.accessibleName) : text);
+        }
+    }
+
+private:
+    std::vector<StatusPanel*> panels_;
+};
+
+class TimerPeer : public Peer
+{
+public:
+    explicit TimerPeer(Timer& timer) : control_(timer), clock_(new QTimer)
+    {
+        control_.SetPeer(this);
+        clock_->setTimerType(Qt::PreciseTimer);
+        QObject::connect(clock_, &QTimer::timeout, clock_, [this] { TimeOut(); });
+        Start();
+    }
+    ~TimerPeer() override
+    {
+        // Maybe within its own tick.
+        clock_->stop();
+        clock_->disconnect();
+        clock_->deleteLater();
+    }
+
+    void Update(Property property) override
+    {
+        if (property == Property::Enabled || property == Property::Interval)
+            Start();
+    }
+
+private:
+    /// The system's own granularity, in milliseconds.
+    static constexpr int LeastInterval = 10;
+
+    void Start()
+    {
+        // A timer without an interval does not tick.
+        if (control_.Enabled && control_.Interval > 0) {
+            ticks_ = 0;
+            running_.start();
+            clock_->start(std::max(control_.Interval.get(), LeastInterval));
+        } else {
+            clock_->stop();
+        }
+    }
+
+    /// Who ticks as fast as can be moves something and counts the time by it: ticks that came too late are made up for,
+    /// one more at a time so that nothing jumps, and those of the last second at most.
+    void TimeOut()
+    {
+        if (control_.Interval >= LeastInterval) {
+            control_.Fire();
+            return;
+        }
+        constexpr qint64 MostBehind = 1000 / LeastInterval;
+        constexpr qint64 Nanoseconds = LeastInterval * 1'000'000;
+        const qint64 due = (running_.nsecsElapsed() + Nanoseconds / 2) / Nanoseconds;
+        ticks_ = std::max(ticks_, due - MostBehind);
+        // A tick may do away with this peer or stop it.
+        const QPointer<QTimer> clock(clock_);
+        for (qint64 left = std::min<qint64>(due - ticks_, 2); left > 0 && clock && clock->isActive(); --left) {
+            ++ticks_;
+            control_.Fire();
+        }
+    }
+
+    Timer& control_;
+    QTimer* clock_;
+    QElapsedTimer running_; ///< since the clock was started
+    qint64 ticks_ = 0;      ///< since then
+};
+
+} // namespace
+
+std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent)
+{
+    // Before the kinds that some of these are made of.
+    if (auto peer = CreateDialogPeer(control, icons, parent))
+        return peer;
+    if (auto* label = dynamic_cast<Label*>(&control))
+        return std::make_unique<LabelPeer>(*label, parent);
+    if (auto* button = dynamic_cast<CommandButton*>(&control))
+        return std::make_unique<ButtonPeer>(*button, icons, parent);
+    if (auto* box = dynamic_cast<CheckBox*>(&control))
+        return std::make_unique<CheckBoxPeer>(*box, parent);
+    if (auto* box = dynamic_cast<ComboBox*>(&control))
+        return std::make_unique<ComboBoxPeer>(*box, parent);
+    if (auto* bar = dynamic_cast<HScrollBar*>(&control))
+        return std::make_unique<ScrollBarPeer>(*bar, parent);
+    if (auto* box = dynamic_cast<TextBox*>(&control))
+        return CreateTextBoxPeer(*box, parent);
+    if (auto* list = dynamic_cast<ListView*>(&control))
+        return CreateListViewPeer(*list, icons, parent);
+    if (auto* month = dynamic_cast<MonthView*>(&control))
+        return CreateMonthViewPeer(*month, parent);
+    if (auto* frame = dynamic_cast<Frame*>(&control))
+        return std::make_unique<FramePeer>(*frame, parent);
+    if (auto* image = dynamic_cast<Image*>(&control))
+        return std::make_unique<ImagePeer>(*image, icons, parent);
+    if (auto* bar = dynamic_cast<StatusBar*>(&control))
+        return std::make_unique<StatusBarPeer>(*bar, parent);
+    return nullptr;
+}
+
+QFont ToQFont(const FontSpec& font, const QFont& base)
+{
+    QFont result = base;
+    if (const QString family = ToQt(font.Name); QFontDatabase::hasFamily(family))
+        result.setFamily(family);
+    if (font.Size > 0)
+        result.setPointSizeF(font.Size);
+    result.setBold(font.Bold);
+    return result;
+}
+
+std::unique_ptr<Peer> CreateTimerPeer(Timer& timer)
+{
+    return std::make_unique<TimerPeer>(timer);
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,372 @@
+// A list in report style: a tree view without a tree, over a model that looks straight into the control.
+#include "controls/ListView.h"
+#include "qt/forms/CommonPeer.h"
+#include "qt/forms/ControlPeers.h"
+#include "qt/widgets/QtText.h"
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QTreeView>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+// Device-independent pixels.
+constexpr int IconSize = 16;
+constexpr int RowPadding = 8;
+constexpr int HeaderPadding = 12;
+constexpr int TextMargin = 6; // on either side of a text
+constexpr int LeastRows = 8;
+// Average characters that a column which takes what is left would like to have.
+constexpr int SpareChars = 32;
+
+/// The desktop's style with a little more air between columns, in the frame that other fields have.
+class AirierStyle : public QProxyStyle
+{
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        if (element == PE_Frame)
+            QApplication::style()->drawPrimitive(element, option, painter, widget);
+        else
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        return metric == PM_FocusFrameHMargin || metric == PM_HeaderMargin
+                   ? TextMargin
+                   : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
+class RowModel : public QAbstractTableModel
+{
+public:
+    RowModel(ListView& list, const IconSet& icons, QWidget& view)
+        : QAbstractTableModel(&view), list_(&list), icons_(icons), view_(view),
+          columns_(static_cast<int>(list.ColumnHeaders().size()))
+    {
+    }
+
+    /// Takes over what the control holds now.
+    void Refresh()
+    {
+        beginResetModel();
+        rows_ = list_->Rows();
+        endResetModel();
+    }
+    /// The control is about to go; the view may live a little longer.
+    void Detach() { list_ = nullptr; }
+
+    int RowOf(std::size_t item) const
+    {
+        const auto found = std::find(rows_.begin(), rows_.end(), item);
+        return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+    }
+    std::size_t ItemAt(int row) const
+    {
+        return row < 0 || static_cast<std::size_t>(row) >= rows_.size() ? 0 : rows_[static_cast<std::size_t>(row)];
+    }
+
+    int rowCount(const QModelIndex& parent) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+    }
+    int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : columns_; }
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        // Between a change of the list and the refresh, rows may have gone.
+        const std::size_t number = ItemAt(index.row());
+        if (!list_ || number < 1 || number > list_->ListItems().size())
+            return {};
+        const ListItem& item = list_->ListItems()[number - 1];
+        const ImageList::Image* image =
+            index.column() == 0 && list_->SmallIcons ? list_->SmallIcons->At(item.SmallIcon) : nullptr;
+        const auto text = [&] { return ToQt(item.TextOf(static_cast<std::size_t>(index.column()))); };
+        switch (role) {
+        case Qt::DisplayRole:
+            return text();
+        case Qt::ToolTipRole:
+            if (image)
+                return ToQt(image->Description);
+            return PlainToolTip(text());
+        case Qt::AccessibleTextRole:
+            return image ? text() + QStringLiteral(", ") + ToQt(image->Description) : text();
+        case Qt::DecorationRole:
+            return image ? QVariant(icons_.Pixmap(ToQt(image->Picture), IconSize, view_.devicePixelRatioF(),
+                                                  view_.palette().color(QPalette::Text)))
+                         : QVariant();
+        default:
+            return {};
+        }
+    }
+
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        if (!list_ || orientation != Qt::Horizontal || section < 0 || section >= columns_)
+            return {};
+        if (role == Qt::TextAlignmentRole)
+            return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+        return role == Qt::DisplayRole ? ToQt(list_->ColumnHeaders()[static_cast<std::size_t>(section)].Text)
+                                       : QVariant();
+    }
+
+private:
+    ListView* list_;
+    const IconSet& icons_;
+    const QWidget& view_;
+    const int columns_;
+    std::vector<std::uint32_t> rows_; ///< numbers of the items shown
+};
+
+/// A round picture on a disc of a field's colour, which it is drawn for: it stands out from a selected row, too.
+QPixmap OnField(const QPixmap& picture, const QColor& field)
+{
+    QPixmap disc(picture.size());
+    disc.setDevicePixelRatio(picture.devicePixelRatio());
+    disc.fill(Qt::transparent);
+    QPainter painter(&disc);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(field);
+    painter.drawEllipse(QRectF(QPointF(0, 0), picture.deviceIndependentSize()));
+    painter.drawPixmap(0, 0, picture);
+    return disc;
+}
+
+/// Rows of a comfortable height; a picture keeps its colours in the row that is selected, and no cell shows a frame of
+/// its own, as a row is one thing.
+class RowDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const QSize hint = QStyledItemDelegate::sizeHint(option, index);
+        return {hint.width(), std::max(option.fontMetrics.height(), IconSize) + RowPadding};
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~QStyle::State_HasFocus;
+        const auto pixmap = index.data(Qt::DecorationRole).value<QPixmap>();
+        if (pixmap.isNull())
+            return;
+        option->icon = {};
+        option->icon.addPixmap(pixmap, QIcon::Normal);
+        option->icon.addPixmap(OnField(pixmap, option->palette.color(QPalette::Base)), QIcon::Selected);
+    }
+};
+
+class RowView : public QTreeView
+{
+public:
+    explicit RowView(QWidget* parent) : QTreeView(parent)
+    {
+        setRootIsDecorated(false);
+        setItemsExpandable(false);
+        setUniformRowHeights(true);
+        setAlternatingRowColors(true);
+        setAllColumnsShowFocus(true);
+        setSelectionMode(QAbstractItemView::SingleSelection);
+        setEditTriggers(QAbstractItemView::NoEditTriggers);
+        setTextElideMode(Qt::ElideRight);
+        setItemDelegate(new RowDelegate(this));
+        auto* style = new AirierStyle;
+        style->setParent(this);
+        setStyle(style);
+        header()->setStyle(style);
+        header()->setMinimumHeight(fontMetrics().height() + HeaderPadding);
+        header()->setSectionsClickable(true);
+        header()->setSectionsMovable(false);
+        header()->setHighlightSections(false);
+        header()->setStretchLastSection(false);
+    }
+
+    /// The user selected a row, or pressed the mouse on the one that is selected.
+    std::function<void(int row)> OnSelect;
+
+    QSize sizeHint() const override
+    {
+        int width = 2 * frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        for (int column = 0; column < header()->count(); ++column)
+            width += header()->sectionResizeMode(column) == QHeaderView::Stretch ? WidthOf(SpareChars)
+                                                                                 : header()->sectionSize(column);
+        return {width, 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
+    }
+
+    /// What makes an item the one that is selected.
+    QItemSelectionModel::SelectionFlags Selecting() const
+    {
+        return selectionBehavior() == SelectRows ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
+                                                 : QItemSelectionModel::ClearAndSelect;
+    }
+
+    /// Of a column for so many average characters.
+    int WidthOf(int chars) const { return chars * fontMetrics().horizontalAdvance(u'0') + 4 * TextMargin; }
+    int RowHeight() const { return std::max(fontMetrics().height(), IconSize) + RowPadding; }
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override
+    {
+        QTreeView::currentChanged(current, previous);
+        if (current.isValid() && current.row() != previous.row())
+            Tell(current.row());
+    }
+
+    // The first row becomes the current one, but nobody has selected it.
+    void focusInEvent(QFocusEvent* event) override
+    {
+        const auto tell = std::exchange(OnSelect, nullptr);
+        QTreeView::focusInEvent(event);
+        OnSelect = tell;
+    }
+
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        told_ = false;
+        QTreeView::mousePressEvent(event);
+        const QModelIndex pressed = indexAt(event->position().toPoint());
+        if (!told_ && pressed.isValid() && event->button() == Qt::LeftButton)
+            Tell(pressed.row());
+    }
+
+    // A row that is selected stays so, whatever is held or clicked beside it.
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override
+    {
+        if (!index.isValid() || (event && event->type() == QEvent::MouseButtonRelease))
+            return QItemSelectionModel::NoUpdate;
+        return Selecting();
+    }
+
+private:
+    void Tell(int row)
+    {
+        told_ = true;
+        // A copy: the form may go from within.
+        if (const auto tell = OnSelect)
+            tell(row);
+    }
+
+    bool told_ = false;
+};
+
+class ListViewPeer : public Common<ListView, RowView>
+{
+public:
+    ListViewPeer(ListView& list, const IconSet& icons, QWidget* parent)
+        : Common(list, new RowView(parent)), model_(new RowModel(list, icons, *widget_))
+    {
+        widget_->setModel(model_);
+        QHeaderView& header = *widget_->header();
+        const std::vector<ListView::ColumnHeader>& columns = control_.ColumnHeaders();
+        for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
+            const ListView::ColumnHeader& one = columns[static_cast<std::size_t>(column)];
+            if (one.Chars == 0) {
+                header.setSectionResizeMode(column, QHeaderView::Stretch);
+                continue;
+            }
+            const int width = widget_->WidthOf(one.Chars) + (column == 0 && control_.SmallIcons ? IconSize : 0);
+            header.setSectionResizeMode(column, QHeaderView::Interactive);
+            header.resizeSection(column, std::max(width, header.sectionSizeHint(column)));
+        }
+        Update(Property::Value);
+        Refresh();
+        widget_->OnSelect = [this](int row) {
+            if (!quiet_)
+                control_.UserItemClick(model_->ItemAt(row));
+        };
+        QObject::connect(&header, &QHeaderView::sectionClicked, &context_,
+                         [this](int column) { control_.UserColumnClick(column + 1); });
+    }
+    ~ListViewPeer() override
+    {
+        widget_->OnSelect = nullptr;
+        model_->Detach();
+    }
+
+    void Update(Property property) override
+    {
+        UpdateCommon(property);
+        if (property == Property::Value)
+            widget_->setSelectionBehavior(control_.FullRowSelect ? QAbstractItemView::SelectRows
+                                                                 : QAbstractItemView::SelectItems);
+        else if (property == Property::Items)
+            Later();
+        else if (property == Property::Selection && !waiting_)
+            Select();
+    }
+
+private:
+    /// Looks at the list when the handler that changes it has ended, so that many changes cost one look.
+    void Later()
+    {
+        if (!std::exchange(waiting_, true))
+            QMetaObject::invokeMethod(
+                &context_, [this] { Refresh(); }, Qt::QueuedConnection);
+    }
+
+    void Refresh()
+    {
+        waiting_ = false;
+        const int place = widget_->verticalScrollBar()->value();
+        quiet_ = true;
+        model_->Refresh();
+        quiet_ = false;
+        QHeaderView& header = *widget_->header();
+        header.setSortIndicatorShown(control_.Sorted);
+        if (control_.Sorted)
+            header.setSortIndicator(control_.SortKey,
+                                    control_.Order == SortOrder::Ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+        widget_->doItemsLayout();
+        widget_->verticalScrollBar()->setValue(place);
+        Select();
+    }
+
+    void Select()
+    {
+        const QModelIndex index = model_->index(model_->RowOf(control_.SelectedItem()), 0);
+        quiet_ = true;
+        if (index.isValid()) {
+            // It may be the current one without being selected.
+            widget_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+            widget_->selectionModel()->select(index, widget_->Selecting());
+            widget_->scrollTo(index);
+        } else {
+            widget_->selectionModel()->clear();
+        }
+        quiet_ = false;
+    }
+
+    RowModel* model_;
+    bool waiting_ = false; ///< a look at the list is on its way
+    bool quiet_ = false;   ///< the program selects, not the user
+};
+
+} // namespace
+
+std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& icons, QWidget* parent)
+{
+    return std::make_unique<ListViewPeer>(list, icons, parent);
+}
+
+} // namespace voxmate::qt

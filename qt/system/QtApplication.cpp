@@ -1,0 +1,90 @@
+#include "qt/system/QtApplication.h"
+
+#include "platform/WindowSystem.h"
+#include "qt/dialogs/MessageBox.h"
+#include "qt/widgets/ReadableStyle.h"
+
+#include <QThread>
+
+#include <cstdlib>
+#include <utility>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
+/// X11 first, Wayland where the X server does not answer.
+constexpr const char* PreferX11 = "xcb;wayland";
+
+int& PreparePlatform(int& argc)
+{
+    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && qEnvironmentVariableIsSet("DISPLAY") &&
+        !qEnvironmentVariableIsSet(PlatformVariable))
+        qputenv(PlatformVariable, PreferX11);
+    return argc;
+}
+
+} // namespace
+
+QtApplication::QtApplication(int& argc, char** argv)
+    : QApplication((PreparePlatform(argc)), argv), EndProgram([] { std::_Exit(EXIT_FAILURE); })
+{
+    // The choice is this program's alone, not that of programs it starts.
+    if (qgetenv(PlatformVariable) == PreferX11)
+        qunsetenv(PlatformVariable);
+    setApplicationName(QStringLiteral("Voxmate"));
+    setDesktopFileName(QStringLiteral("voxmate"));
+    // Hidden in the tray the program goes on; it ends by its own exit.
+    setQuitOnLastWindowClosed(false);
+    UseReadableStyle();
+    connect(this, &QGuiApplication::commitDataRequest, this, [this] {
+        if (SaveRequested)
+            SaveRequested();
+    });
+}
+
+void QtApplication::Post(std::function<void()> act)
+{
+    QMetaObject::invokeMethod(this, std::move(act), Qt::QueuedConnection);
+}
+
+bool QtApplication::event(QEvent* event)
+{
+    // The toolkit would close all windows, one of which may go to the tray and stay.
+    if (event->type() == QEvent::Quit && EndRequested) {
+        EndRequested();
+        return true;
+    }
+    return QApplication::event(event);
+}
+
+bool QtApplication::notify(QObject* receiver, QEvent* event)
+{
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::exception& error) {
+        Report(AsRuntimeError(error));
+    }
+    return true;
+}
+
+void QtApplication::Report(const RuntimeError& error)
+{
+    if (QThread::currentThread() != thread()) {
+        QMetaObject::invokeMethod(
+            this, [this, error] { Report(error); }, Qt::QueuedConnection);
+        return;
+    }
+    // While the box is up timers go on and may fail, too: the first error is the one to tell.
+    if (std::exchange(reporting_, true))
+        return;
+    ShowMessageBox(activeWindow(), Icons,
+                   "Run-time error '" + std::to_string(error.Number) + "':\n\n" + error.Description, vbCritical,
+                   "Voxmate");
+    EndProgram();
+}
+
+} // namespace voxmate::qt

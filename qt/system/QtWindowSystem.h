@@ -1,0 +1,59 @@
+// The window system on a Qt desktop.
+#pragma once
+
+#include "platform/WindowSystem.h"
+#include "qt/alerts/QtWindowCalls.h"
+#include "qt/system/QtTray.h"
+#include "qt/widgets/IconSet.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <map>
+#include <string>
+
+namespace voxmate::qt
+{
+
+class FormWindow;
+
+class QtWindowSystem : public QtWindowCalls
+{
+public:
+    /// `shareDirectory` is the folder of the shared data, which holds icons/.
+    explicit QtWindowSystem(const std::string& shareDirectory);
+
+    const IconSet& Icons() const { return icons_; }
+
+    std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
+    int MsgBox(const std::string& text, int style, const std::string& title) override;
+    void DoEvents() override;
+    ItemList SHBrowseForFolderA(const BrowseInfo& info) override;
+    bool SHGetPathFromIDListA(ItemList list, std::string& path) override;
+    void CoTaskMemFree(ItemList list) override;
+    void ShowOpen(CommonDialog& dialog) override;
+    bool ShowFont(FontSpec& font, int minSize, int maxSize) override;
+    bool ClipboardGetFormat(int format) override;
+    std::string ClipboardGetText() override;
+    void ClipboardClear() override;
+    void ClipboardSetText(const std::string& text) override;
+    bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override;
+    std::uint32_t WindowHandle(PictureBox& box) override { return tray_.HandleOf(box); }
+    std::uint32_t PictureHandle(PictureBox& box) override { return tray_.HandleOf(box); }
+    double TwipsPerPixelX() override { return TwipsPerPixel(); }
+
+private:
+    /// The form that the user is at or was at last, over which a box or a dialog stands; else the main window.
+    QWidget* Owner() const;
+
+    IconSet icons_;
+    QtTray tray_{icons_};
+    std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed
+    ItemList lastItemList_ = 0;
+    std::string openFolder_; ///< where the dialog for opening a file was last left; empty before the first
+    QPointer<QWidget> main_; ///< the main window: the form with a menu bar
+    QPointer<FormWindow> lastForm_;
+    QObject context_; ///< receiver of the application's signals: they end with this
+};
+
+} // namespace voxmate::qt

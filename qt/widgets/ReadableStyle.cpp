@@ -1,0 +1,225 @@
+#include "qt/widgets/ReadableStyle.h"
+
+#include "qt/widgets/Widgets.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyleOption>
+
+#include <algorithm>
+#include <cmath>
+
+namespace voxmate::qt
+{
+
+namespace
+{
+
+// The guidelines ask 4.5 of text and 3 of parts of the interface, and nothing of what is disabled, which is 2.5 here.
+// Thin curves lose a little of it to smoothing, and frames have a ground that is not quite the window's.
+constexpr qreal TextContrast = 4.5;
+constexpr qreal SelectedContrast = 5.2; // its ground becomes lighter towards the top
+constexpr qreal PartContrast = 3.2;
+constexpr qreal DisabledContrast = 2.7;
+
+constexpr qreal FieldRounding = 2;
+constexpr qreal QuietText = 0.4; ///< how far a field's hint fades into its ground, if it stays readable
+constexpr qreal Rule = 0.35;     ///< how far a rule between a menu's items stands out
+
+qreal Luminance(const QColor& colour)
+{
+    const auto linear = [](qreal part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+/// Black or white, whichever stands out more from the colour.
+QColor Stronger(const QColor& colour)
+{
+    return Contrast(colour, Qt::black) > Contrast(colour, Qt::white) ? Qt::black : Qt::white;
+}
+
+/// The ground of a tab's page, which Fusion makes lighter than a button: a dark one by a fifth, a light one hardly.
+QColor Page(const QPalette& palette)
+{
+    const QColor button = palette.color(QPalette::Button);
+    return button.lighter(104 + std::max(1, (180 - qGray(button.rgb())) / 6));
+}
+
+/// The lightest part of a button, where Fusion lets light fall on it.
+QColor ButtonFace(const QPalette& palette)
+{
+    return Page(palette).lighter(115);
+}
+
+/// What an element's outline is drawn with.
+QColor OutlineOf(const QStyleOption& option, bool focused)
+{
+    const QColor window = option.palette.color(QPalette::Window);
+    if (!(option.state & QStyle::State_Enabled))
+        return Mix(window, Outline(option.palette), 0.5);
+    return focused ? Readable(option.palette.color(QPalette::Highlight), option.palette.color(QPalette::WindowText),
+                              {window, Page(option.palette)}, PartContrast)
+                   : Outline(option.palette);
+}
+
+/// Draws `draw` with an outline's pen, in the middle of the pixels it covers.
+template <class Draw>
+void DrawOutline(QPainter& painter, const QColor& colour, Draw draw)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(colour, 1));
+    draw();
+    painter.restore();
+}
+
+QRectF Middle(const QRect& rect)
+{
+    return QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+} // namespace
+
+qreal Contrast(const QColor& one, const QColor& other)
+{
+    const auto [dark, light] = std::minmax({Luminance(one), Luminance(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+QColor Readable(const QColor& colour, const QColor& end, std::initializer_list<QColor> grounds, qreal least)
+{
+    constexpr int steps = 50;
+    for (int step = 0; step < steps; ++step) {
+        const QColor mixed = Mix(colour, end, qreal(step) / steps);
+        if (std::all_of(grounds.begin(), grounds.end(),
+                        [&](const QColor& ground) { return Contrast(mixed, ground) >= least; }))
+            return mixed;
+    }
+    return end;
+}
+
+QColor Outline(const QPalette& palette)
+{
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    return Readable(window, palette.color(QPalette::Active, QPalette::WindowText),
+                    {window, Page(palette), palette.color(QPalette::Active, QPalette::Base)}, PartContrast);
+}
+
+ReadableStyle::ReadableStyle() : QProxyStyle(QStringLiteral("fusion")) {}
+
+void ReadableStyle::polish(QPalette& palette)
+{
+    QProxyStyle::polish(palette);
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    const QColor base = palette.color(QPalette::Active, QPalette::Base);
+    const QColor text = palette.color(QPalette::Active, QPalette::Text);
+    palette.setColor(QPalette::PlaceholderText, Readable(Mix(text, base, QuietText), text, {base}, TextContrast));
+
+    // In a light theme a stronger colour of selection helps its text and itself. In a dark one, where it must stay
+    // light to be seen, its text gives way.
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        const QColor selection = palette.color(group, QPalette::Highlight);
+        const QColor selected = palette.color(group, QPalette::HighlightedText);
+        if (Contrast(selected, selection) >= SelectedContrast)
+            continue;
+        if (window.lightness() >= 128)
+            palette.setColor(group, QPalette::Highlight,
+                             Readable(selection, Stronger(selected), {selected}, SelectedContrast));
+        else
+            palette.setColor(group, QPalette::HighlightedText,
+                             Contrast(base, selection) >= SelectedContrast ? base : Stronger(selection));
+    }
+
+    const QColor disabledBase = palette.color(QPalette::Disabled, QPalette::Base);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role,
+                         Readable(palette.color(QPalette::Disabled, role),
+                                  palette.color(QPalette::Active, QPalette::WindowText),
+                                  {window, Page(palette), ButtonFace(palette), disabledBase}, DisabledContrast));
+}
+
+void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                  const QWidget* widget) const
+{
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const QRectF edge = Middle(option->rect);
+    const bool focus = option->state & State_HasFocus;
+    const bool byKeys = focus && option->state & State_KeyboardFocusChange;
+    switch (element) {
+    case PE_IndicatorCheckBox:
+        DrawOutline(*painter, OutlineOf(*option, byKeys), [&] { painter->drawRect(edge); });
+        break;
+    case PE_IndicatorRadioButton: {
+        const QPointF middle = option->rect.center() + QPoint(1, 1);
+        const qreal radius = (option->rect.width() | 1) / 2.0 - 1;
+        DrawOutline(*painter, OutlineOf(*option, byKeys), [&] { painter->drawEllipse(middle, radius, radius); });
+        break;
+    }
+    case PE_FrameLineEdit:
+        DrawOutline(*painter, OutlineOf(*option, focus),
+                    [&] { painter->drawRoundedRect(edge, FieldRounding, FieldRounding); });
+        break;
+    case PE_Frame:
+        // An open list's is that of a menu.
+        if (!widget || !widget->inherits("QComboBoxPrivateContainer"))
+            DrawOutline(*painter, OutlineOf(*option, focus), [&] { painter->drawRect(edge); });
+        break;
+    case PE_FrameMenu:
+    case PE_PanelMenu:
+        DrawOutline(*painter, Outline(option->palette), [&] { painter->drawRect(edge); });
+        break;
+    case PE_PanelButtonCommand: {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        const bool flat = button && button->features & QStyleOptionButton::Flat;
+        const bool isDefault = button && button->features & QStyleOptionButton::DefaultButton;
+        if (!flat)
+            DrawOutline(*painter, OutlineOf(*option, byKeys || isDefault),
+                        [&] { painter->drawRoundedRect(edge, FieldRounding, FieldRounding); });
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void ReadableStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                                const QWidget* widget) const
+{
+    QProxyStyle::drawControl(element, option, painter, widget);
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator &&
+        item->text.isEmpty()) {
+        constexpr int margin = 5;
+        const QPoint middle = item->rect.center();
+        painter->fillRect(item->rect.left() + margin, middle.y(), item->rect.width() - 2 * margin, 1,
+                          Mix(item->palette.color(QPalette::Base), item->palette.color(QPalette::Text), Rule));
+    }
+}
+
+void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                       const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_SpinBox)
+        DrawOutline(*painter, OutlineOf(*option, option->state & State_HasFocus), [&] {
+            painter->drawRoundedRect(Middle(option->rect).adjusted(0, 1, 0, -1), FieldRounding, FieldRounding);
+        });
+}
+
+int ReadableStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                             QStyleHintReturn* answer) const
+{
+    // The lists of the program's fields open below them and scroll.
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+void UseReadableStyle()
+{
+    if (QApplication::style()->name() == QLatin1String("fusion"))
+        QApplication::setStyle(new ReadableStyle);
+}
+
+} // namespace voxmate::qt

@@ -1,0 +1,113 @@
+// The widgets that a form's controls need beyond Qt's own. They draw with the palette alone, so that they follow light
+// and dark themes.
+#pragma once
+
+#include "qt/widgets/IconSet.h"
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include <functional>
+
+namespace voxmate::qt
+{
+
+/// A colour between two others: `share` 0 is the first, 1 the second.
+QColor Mix(const QColor& first, const QColor& second, qreal share);
+
+/// A button with text or with a picture. Space and Enter press it.
+class Button : public QPushButton
+{
+public:
+    /// With a picture, `icons` must outlive the button.
+    Button(const IconSet& icons, const QString& picture, QWidget* parent);
+
+    /// A mouse button was released over it (1 left, 2 right), after any click. The keyboard's menu key counts as the
+    /// right button.
+    std::function<void(int button)> OnMouseUp;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    void TellMouseUp(int button);
+
+    const IconSet& icons_;
+    const QString picture_;
+};
+
+/// A horizontal scroll bar for setting a value: a slim track, filled up to the handle, between two arrows. It takes the
+/// keyboard and shows so; the wheel moves it only then, so that scrolling past it changes nothing.
+class ValueBar : public QScrollBar
+{
+public:
+    explicit ValueBar(QWidget* parent);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+};
+
+/// One panel of a status bar: sunken; a text that does not fit ends in an ellipsis and is told whole by the tool tip.
+class StatusPanel : public QLabel
+{
+public:
+    /// `chars` is its width in average characters; 0 takes what is left.
+    StatusPanel(int chars, QWidget* parent);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const int chars_;
+};
+
+/// A frame with its caption inside, above the content.
+class GroupFrame : public QGroupBox
+{
+public:
+    using QGroupBox::QGroupBox;
+
+    /// Room between the frame's edge and its content, device-independent pixels.
+    static constexpr int Margin = 10;
+
+    /// Sets the caption, for which the frame stays wide enough.
+    void ShowTitle(const QString& title);
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// An icon of the program.
+class Picture : public QWidget
+{
+public:
+    Picture(const IconSet& icons, const QString& name, int size, QWidget* parent);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const IconSet& icons_;
+    const QString name_;
+};
+
+} // namespace voxmate::qt

@@ -1,0 +1,65 @@
+// All voices of all engines in one list, in the order in which they are offered.
+#pragma once
+
+#include "platform/SpeechControl.h"
+#include "speech/Engine.h"
+#include "speech/text/Languages.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace voxmate::speech
+{
+
+class VoiceCatalog final : public SpeechControl
+{
+public:
+    struct Entry {
+        Voice voice;
+        Engine* engine = nullptr;
+    };
+
+    /// Takes the engines; asks none of them anything yet. `desktop` is the desktop's locale ("de-DE", "pt_BR"): its
+    /// language comes first, the voice of its region before all, then the English voices, then the rest by name.
+    /// At most `limit` voices are listed; which ones KeepWhatFits says. `chosen` is asked for the name of the voice
+    /// that the user chose when the list is made; that voice is on it wherever it is installed.
+    VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktop, int limit = 1000,
+                 std::function<std::string()> chosen = {});
+
+    int CountEngines() override;
+    /// Empty for an index outside 1 to CountEngines.
+    std::string ModeName(int index) override;
+    std::string ModeID(int index) override;
+
+    /// The voice with this mode identifier (case does not matter, braces may be there), else the first one; null when
+    /// there is no voice at all.
+    const Entry* Find(std::string_view modeId);
+
+    /// The installed voice for what is written so, listed or not: one of the desktop's language, else of the language
+    /// that most people speak; null when there is none. Only after Find has been called once; from any thread.
+    const Entry* ReaderOf(Script script) const;
+
+private:
+    const std::vector<Entry>& Entries();
+    std::vector<Entry> Installed();
+    void ChooseReaders(const std::vector<Entry>& installed);
+    std::vector<Entry> KeepWhatFits(const std::vector<Entry>& installed) const;
+    void AddVariants(std::vector<Entry>& installed) const;
+    int Strangeness(const Voice& voice) const;
+    bool IsOwn(const Voice& voice) const;
+
+    std::vector<std::unique_ptr<Engine>> engines_;
+    std::string family_;
+    std::string wanted_;
+    std::size_t limit_;
+    std::function<std::string()> chosen_;
+    bool listed_ = false;
+    std::vector<Entry> entries_;
+    std::map<Script, Entry> readers_;
+};
+
+} // namespace voxmate::speech

@@ -1,0 +1,133 @@
+#include "speech/engines/EspeakVoiceFile.h"
+
+#include "platform/FindProgram.h"
+#include "platform/MemoryFile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include <espeak-ng/espeak_ng.h>
+#include <espeak-ng/speak_lib.h>
+
+namespace voxmate::speech
+{
+
+namespace
+{
+
+// A definition's line "pitch LOW HIGH" gives a tone between LOW - 8 hertz and some way up to HIGH; the median of
+// English sentences lies this share of HIGH - LOW above its bottom (measured by speech_calibration from 40 to 400 Hz).
+constexpr double BottomOffset = 8;
+constexpr double MedianShare = 0.75;
+// The library's own line when a definition has none (its default voice).
+constexpr int DefaultLow = 82;
+constexpr int DefaultHigh = 118;
+
+// A file of the library's data; empty when there is none.
+std::string ReadDataFile(const std::filesystem::path& path)
+{
+    std::ifstream file(EspeakDataFolder() / path, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string();
+}
+
+// The lines that tell how a variant sounds; not those that tell who it is.
+std::string SoundOfVariant(const std::string& variant)
+{
+    std::string lines;
+    std::istringstream text(ReadDataFile(std::filesystem::path("voices/!v") / variant));
+    for (std::string line; std::getline(text, line);)
+        if (!line.starts_with("language") && !line.starts_with("name") && !line.starts_with("gender"))
+            lines += line + "\n";
+    return lines;
+}
+
+// The definition's text, with a variant's behind it; empty when there is none.
+std::string ReadDefinition(const std::string& key)
+{
+    const std::size_t plus = key.find('+');
+    const std::string base = key.substr(0, plus);
+    std::string definition = ReadDataFile(std::filesystem::path("lang") / base);
+    if (definition.empty())
+        definition = ReadDataFile(std::filesystem::path("voices") / base);
+    if (!definition.empty() && plus != std::string::npos)
+        definition += "\n" + SoundOfVariant(key.substr(plus + 1));
+    return definition;
+}
+
+// A melody as wide as the voice's own, in proportion to its pitch.
+std::string PitchLine(const std::string& definition, int hertz, bool monotone)
+{
+    int low = DefaultLow;
+    int high = DefaultHigh;
+    for (std::size_t at = definition.find("pitch"); at != std::string::npos; at = definition.find("pitch", at + 1))
+        if (at == 0 || definition[at - 1] == '\n')
+            std::sscanf(definition.c_str() + at, "pitch %d %d", &low, &high);
+    const double span = std::max(high - low, 0);
+    const double median = low - BottomOffset + MedianShare * span;
+    const double target = hertz > 0 ? hertz : median;
+    const long newSpan = monotone ? 0 : std::lround(span * target / median);
+    const long newLow = std::lround(target + BottomOffset - MedianShare * static_cast<double>(newSpan));
+    return "pitch " + std::to_string(newLow) + " " + std::to_string(newLow + newSpan);
+}
+
+} // namespace
+
+std::filesystem::path EspeakDataFolder()
+{
+    const char* data = nullptr;
+    espeak_Info(&data);
+    return data ? data : "";
+}
+
+bool HasEspeakVariant(std::string_view variant)
+{
+    std::error_code error;
+    return std::filesystem::is_regular_file(EspeakDataFolder() / "voices/!v" / variant, error);
+}
+
+bool HasMbrola()
+{
+    return !FindProgram("mbrola").empty();
+}
+
+std::string MbrolaDatabase(const std::string& key)
+{
+    std::istringstream definition(ReadDataFile(std::filesystem::path("voices") / key));
+    std::string keyword;
+    std::string database;
+    std::string phonemes;
+    for (std::string line; std::getline(definition, line);)
+        if (std::istringstream words(line); words >> keyword && keyword == "mbrola")
+            words >> database >> phonemes;
+    const std::filesystem::path data = EspeakDataFolder();
+    const std::filesystem::path shared = "/usr/share/mbrola";
+    std::error_code error;
+    const auto isThere = [&error](const std::filesystem::path& file) {
+        return std::filesystem::is_regular_file(file, error);
+    };
+    if (database.empty() || !isThere(data / "mbrola_ph" / phonemes))
+        return {};
+    const bool installed = isThere(data / "mbrola" / database) || isThere(shared / database) ||
+                           isThere(shared / database / database) || isThere(shared / "voices" / database);
+    return installed ? database : "";
+}
+
+bool LoadEspeakVoice(const std::string& key, int hertz, bool monotone)
+{
+    if (hertz <= 0 && !monotone)
+        return espeak_SetVoiceByName(key.c_str()) == EE_OK;
+    const std::string definition = ReadDefinition(key);
+    if (definition.empty())
+        return espeak_SetVoiceByName(key.c_str()) == EE_OK;
+
+    // The library reads definitions from files only.
+    const MemoryFile file(definition + "\n" + PitchLine(definition, hertz, monotone) + "\n");
+    const bool loaded = !file.Path().empty() && espeak_ng_SetVoiceByFile(file.Path().c_str()) == ENS_OK;
+    return loaded || espeak_SetVoiceByName(key.c_str()) == EE_OK;
+}
+
+} // namespace voxmate::speech

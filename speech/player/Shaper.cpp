@@ -1,0 +1,115 @@
+#include "speech/player/Shaper.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <sonic.h>
+
+namespace voxmate::speech
+{
+
+void Shaper::SonicDeleter::operator()(sonicStreamStruct* stream) const
+{
+    sonicDestroyStream(stream);
+}
+
+Shaper::Shaper(int samplesPerSecond, SampleSink& sink) : rate_(samplesPerSecond), sink_(sink) {}
+
+Shaper::~Shaper() = default;
+
+void Shaper::Begin(const Shape& shape)
+{
+    shape_ = shape;
+    stretchStart_ = delivered_;
+    sonic_.reset();
+    whisperer_.reset();
+    if (shape.speed != 1 || shape.rate != 1) {
+        sonic_.reset(sonicCreateStream(rate_, 1));
+        if (sonic_) {
+            sonicSetSpeed(sonic_.get(), static_cast<float>(shape.speed));
+            sonicSetRate(sonic_.get(), static_cast<float>(shape.rate));
+        } else {
+            shape_.speed = 1;
+            shape_.rate = 1;
+        }
+    }
+    if (shape.whisper)
+        whisperer_.emplace(rate_);
+}
+
+bool Shaper::Samples(std::span<const std::int16_t> samples)
+{
+    if (!sonic_)
+        return Deliver(samples);
+    // The library takes a pointer to changeable samples but only reads them.
+    sonicWriteShortToStream(sonic_.get(), const_cast<short*>(samples.data()), static_cast<int>(samples.size()));
+    return DrainSonic();
+}
+
+bool Shaper::DrainSonic()
+{
+    scaled_.resize(4096);
+    while (const int count = sonicReadShortFromStream(sonic_.get(), scaled_.data(), static_cast<int>(scaled_.size())))
+        if (!Deliver(std::span(scaled_).first(static_cast<std::size_t>(count))))
+            return false;
+    return true;
+}
+
+void Shaper::Event(SpeechEvent::Kind kind, std::int64_t position, int value)
+{
+    const std::int64_t moved = std::llround(static_cast<double>(position) / (shape_.speed * shape_.rate));
+    sink_.Event({kind, stretchStart_ + moved, value});
+}
+
+bool Shaper::End()
+{
+    bool wanted = true;
+    if (sonic_) {
+        sonicFlushStream(sonic_.get());
+        wanted = DrainSonic();
+        sonic_.reset();
+    }
+    if (whisperer_) {
+        whispered_.clear();
+        whisperer_->Flush(whispered_);
+        whisperer_.reset(); // what it held is delivered as it is
+        wanted = wanted && Deliver(whispered_);
+    }
+    return wanted;
+}
+
+bool Shaper::Deliver(std::span<const std::int16_t> samples)
+{
+    if (whisperer_) {
+        whispered_.clear();
+        whisperer_->Push(samples, whispered_);
+        samples = whispered_;
+    }
+    if (samples.empty())
+        return true;
+    if (shape_.gain != 1) {
+        loud_.resize(samples.size());
+        std::transform(samples.begin(), samples.end(), loud_.begin(), [gain = shape_.gain](std::int16_t sample) {
+            return static_cast<std::int16_t>(std::clamp(std::lround(sample * gain), -32767L, 32767L));
+        });
+        samples = loud_;
+    }
+    delivered_ += static_cast<std::int64_t>(samples.size());
+    return sink_.Samples(samples);
+}
+
+bool Shaper::Silence(int milliseconds)
+{
+    const std::vector<std::int16_t> silence(
+        static_cast<std::size_t>(static_cast<std::int64_t>(milliseconds) * rate_ / 1000));
+    sink_.Event({SpeechEvent::Kind::Mouth, delivered_, 0});
+    delivered_ += static_cast<std::int64_t>(silence.size());
+    return sink_.Samples(silence);
+}
+
+void Shaper::EventHere(SpeechEvent::Kind kind, int value)
+{
+    sink_.Event({kind, delivered_, value});
+}
+
+} // namespace voxmate::speech

@@ -1,0 +1,70 @@
+// What stands between an engine and the listener: speed and pitch where the engine's own range ends, whispering,
+// loudness, silence, and the events moved along with the samples.
+#pragma once
+
+#include "speech/Engine.h"
+#include "speech/sound/Whisper.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+struct sonicStreamStruct;
+
+namespace voxmate::speech
+{
+
+/// How the engine's own samples are changed.
+struct Shape {
+    double speed = 1; ///< 2: twice as fast at the same pitch
+    double rate = 1;  ///< 2: twice as fast and an octave higher, as when a tape runs faster
+    bool whisper = false;
+    double gain = 1;
+};
+
+/// Between Begin and End an engine delivers one stretch of sound; stretches and silences follow one another in the
+/// sink.
+class Shaper
+{
+public:
+    Shaper(int samplesPerSecond, SampleSink& sink);
+    ~Shaper();
+    Shaper(const Shaper&) = delete;
+    Shaper& operator=(const Shaper&) = delete;
+
+    void Begin(const Shape& shape);
+    /// The engine's samples; false when the sink wants no more.
+    bool Samples(std::span<const std::int16_t> samples);
+    /// Something that happens at sample `position` of the stretch as the engine makes it.
+    void Event(SpeechEvent::Kind kind, std::int64_t position, int value);
+    /// Delivers what is still on its way; false when the sink wants no more.
+    bool End();
+
+    /// Exact silence; false when the sink wants no more.
+    bool Silence(int milliseconds);
+    /// Something that happens after all that has been delivered so far (outside a stretch).
+    void EventHere(SpeechEvent::Kind kind, int value);
+
+private:
+    struct SonicDeleter {
+        void operator()(sonicStreamStruct* stream) const;
+    };
+
+    bool Deliver(std::span<const std::int16_t> samples);
+    bool DrainSonic();
+
+    const int rate_;
+    SampleSink& sink_;
+    Shape shape_;
+    std::unique_ptr<sonicStreamStruct, SonicDeleter> sonic_;
+    std::optional<Whisperer> whisperer_;
+    std::int64_t stretchStart_ = 0;
+    std::int64_t delivered_ = 0;
+    std::vector<std::int16_t> whispered_;
+    std::vector<std::int16_t> loud_;
+    std::vector<std::int16_t> scaled_;
+};
+
+} // namespace voxmate::speech

@@ -1,0 +1,182 @@
+#include "speech/sound/WaveInput.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+namespace voxmate::speech
+{
+
+namespace
+{
+
+constexpr std::uint64_t HeadSize = 12;     ///< of a file
+constexpr std::uint64_t ChunkHeadSize = 8; ///< a name and a length
+constexpr int MostChunks = 1000;           ///< looked at; wave files have a handful
+
+constexpr std::uint32_t Name(const char (&letters)[5])
+{
+    std::uint32_t name = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        name = name << 8 | static_cast<unsigned char>(letters[i]);
+    return name;
+}
+
+std::uint32_t Number(std::span<const std::uint8_t, 4> bytes, bool highestFirst)
+{
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        number = number << 8 | bytes[highestFirst ? i : 3 - i];
+    return number;
+}
+
+class MemoryInput final : public WaveInput
+{
+public:
+    explicit MemoryInput(std::span<const std::uint8_t> bytes) : WaveInput(bytes.size()), bytes_(bytes) {}
+
+private:
+    std::size_t Copy(std::uint64_t at, std::span<std::uint8_t> target) override
+    {
+        const auto from = static_cast<std::size_t>(std::min<std::uint64_t>(at, bytes_.size()));
+        const std::size_t count = std::min(target.size(), bytes_.size() - from);
+        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(from), count, target.begin());
+        return count;
+    }
+
+    std::span<const std::uint8_t> bytes_;
+};
+
+class FileInput final : public WaveInput
+{
+public:
+    FileInput(std::ifstream file, std::uint64_t size) : WaveInput(size), file_(std::move(file)) {}
+
+private:
+    std::size_t Copy(std::uint64_t at, std::span<std::uint8_t> target) override
+    {
+        // Not on from where the last reading ended, which may have been the end of the file.
+        file_.clear();
+        file_.seekg(static_cast<std::streamoff>(at));
+        file_.read(reinterpret_cast<char*>(target.data()), static_cast<std::streamsize>(target.size()));
+        return static_cast<std::size_t>(file_.gcount());
+    }
+
+    std::ifstream file_;
+};
+
+} // namespace
+
+std::unique_ptr<WaveInput> WaveInput::OfMemory(std::span<const std::uint8_t> bytes)
+{
+    return Checked(std::make_unique<MemoryInput>(bytes));
+}
+
+std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
+{
+    // A pipe would have to be waited for.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error))
+        return nullptr;
+    std::ifstream file(path, std::ios::binary);
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!file || error)
+        return nullptr;
+    return Checked(std::make_unique<FileInput>(std::move(file), size));
+}
+
+// Asked before libsndfile sees the file, whose readers of two dozen other forms have no business with what a stranger
+// sends. In RIFF files the lowest byte of each number comes first, in RIFX files the highest.
+std::unique_ptr<WaveInput> WaveInput::Checked(std::unique_ptr<WaveInput> input)
+{
+    std::array<std::uint8_t, HeadSize> head{};
+    if (input->Copy(0, head) < head.size())
+        return nullptr;
+    const std::uint32_t form = Number(std::span(head).first<4>(), true);
+    if ((form != Name("RIFF") && form != Name("RIFX")) || Number(std::span(head).last<4>(), true) != Name("WAVE"))
+        return nullptr;
+    input->highestFirst_ = form == Name("RIFX");
+    input->MendLength();
+    return input;
+}
+
+WaveInput::Chunk WaveInput::ChunkAt(std::uint64_t at)
+{
+    std::array<std::uint8_t, ChunkHeadSize> head{};
+    if (Copy(at, head) < head.size())
+        return {};
+    const Chunk chunk{Number(std::span(head).first<4>(), true), Number(std::span(head).last<4>(), highestFirst_)};
+    return chunk.length <= size_ - at - ChunkHeadSize ? chunk : Chunk{};
+}
+
+// Whether chunks with names of letters stand from here to the file's end: then these bytes are no samples.
+bool WaveInput::ChunksFollow(std::uint64_t at)
+{
+    int count = 0;
+    for (; at < size_ && count < MostChunks; ++count) {
+        const Chunk chunk = ChunkAt(at);
+        for (int shift = 0; shift < 32; shift += 8)
+            if ((chunk.name >> shift & 0xFF) < 0x20 || (chunk.name >> shift & 0xFF) > 0x7E)
+                return false;
+        at += ChunkHeadSize + chunk.length + chunk.length % 2;
+    }
+    return true;
+}
+
+void WaveInput::MendLength()
+{
+    std::uint64_t at = HeadSize;
+    for (int count = 0; count < MostChunks; ++count) {
+        const Chunk chunk = ChunkAt(at);
+        if (chunk.name == 0)
+            return;
+        const std::uint64_t behind = at + ChunkHeadSize;
+        if (chunk.name == Name("data")) {
+            if (chunk.length > 0 || behind == size_ || ChunksFollow(behind))
+                return;
+            const auto length = static_cast<std::uint32_t>(std::min<std::uint64_t>(size_ - behind, 0xFFFFFFFF));
+            for (std::size_t i = 0; i < mended_.size(); ++i)
+                mended_.at(highestFirst_ ? 3 - i : i) = static_cast<std::uint8_t>(length >> (8 * i));
+            mendedAt_ = at + 4;
+            return;
+        }
+        at = behind + chunk.length + chunk.length % 2;
+    }
+}
+
+std::size_t WaveInput::Read(std::span<std::uint8_t> target)
+{
+    const std::size_t count = Copy(at_, target);
+    for (std::size_t i = 0; mendedAt_ != 0 && i < mended_.size(); ++i)
+        if (mendedAt_ + i >= at_ && mendedAt_ + i < at_ + count)
+            target[static_cast<std::size_t>(mendedAt_ + i - at_)] = mended_.at(i);
+    at_ += count;
+    return count;
+}
+
+SNDFILE* WaveInput::Open(SF_INFO& info)
+{
+    SF_VIRTUAL_IO access{[](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->size_); },
+                         [](sf_count_t offset, int whence, void* self) {
+                             WaveInput& input = *static_cast<WaveInput*>(self);
+                             const auto size = static_cast<sf_count_t>(input.size_);
+                             const sf_count_t base = whence == SEEK_SET   ? 0
+                                                     : whence == SEEK_CUR ? static_cast<sf_count_t>(input.at_)
+                                                                          : size;
+                             input.at_ = static_cast<std::uint64_t>(std::clamp<sf_count_t>(base + offset, 0, size));
+                             return static_cast<sf_count_t>(input.at_);
+                         },
+                         [](void* target, sf_count_t count, void* self) {
+                             if (count <= 0)
+                                 return sf_count_t{0};
+                             return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->Read(
+                                 {static_cast<std::uint8_t*>(target), static_cast<std::size_t>(count)}));
+                         },
+                         [](const void*, sf_count_t, void*) { return sf_count_t{0}; },
+                         [](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->at_); }};
+    return sf_open_virtual(&access, SFM_READ, &info, this);
+}
+
+} // namespace voxmate::speech
