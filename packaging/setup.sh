@@ -5,10 +5,10 @@
 build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
-  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev zlib1g-dev
+  libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
 )
 run_packages=(
-  espeak-ng-data libflite1 libpulse0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
+  espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(

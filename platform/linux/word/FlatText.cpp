@@ -1,15 +1,16 @@
 #include "platform/linux/word/FlatText.h"
 
-#include "base/Text.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdint>
+#include <memory>
+#include <new>
 #include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include <expat.h>
 
 namespace voxmate::linux_platform
 {
@@ -20,66 +21,25 @@ namespace
 constexpr char ParagraphEnd = '\r';
 constexpr char LineBreak = '\v';
 
-std::string Unescaped(std::string_view text)
-{
-    constexpr std::array<std::pair<std::string_view, char>, 5> named{
-        {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
-    std::string out;
-    while (true) {
-        const std::size_t mark = text.find('&');
-        out += text.substr(0, mark);
-        if (mark == std::string_view::npos)
-            return out;
-        text.remove_prefix(mark + 1);
-        const std::size_t end = text.find(';');
-        std::string_view name = text.substr(0, end);
-        if (name.starts_with('#')) {
-            const bool hexadecimal = name.substr(1).starts_with('x');
-            name.remove_prefix(hexadecimal ? 2 : 1);
-            std::uint32_t point = 0;
-            std::from_chars(name.data(), name.data() + name.size(), point, hexadecimal ? 16 : 10);
-            AppendUtf8(out, point);
-        } else if (const auto* found =
-                       std::find_if(named.begin(), named.end(), [&](const auto& entry) { return entry.first == name; });
-                   found != named.end()) {
-            out += found->second;
-        }
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    }
-}
-
-// A start tag as it stands, without its brackets.
+// A start tag. Names and values belong to the parser.
 class Tag
 {
 public:
-    explicit Tag(std::string_view text) : text_(text), name_(text.substr(0, text.find_first_of(" \t\r\n/"))) {}
+    Tag(const char* name, const char** attributes) : name_(name), attributes_(attributes) {}
 
     std::string_view Name() const { return name_; }
-    bool Empty() const { return text_.ends_with('/'); }
 
     std::string Attribute(std::string_view name) const
     {
-        std::string_view rest = text_.substr(name_.size());
-        while (true) {
-            const std::size_t equals = rest.find('=');
-            const std::size_t quote = rest.find_first_of("\"'", equals);
-            if (quote == std::string_view::npos)
-                return {};
-            const std::size_t end = rest.find(rest[quote], quote + 1);
-            if (end == std::string_view::npos)
-                return {};
-            const std::size_t begin = std::min(rest.find_first_not_of(" \t\r\n"), equals);
-            std::string_view found = rest.substr(begin, equals - begin);
-            found = found.substr(0, found.find_first_of(" \t\r\n"));
-            if (found == name)
-                return Unescaped(rest.substr(quote + 1, end - quote - 1));
-            rest.remove_prefix(end + 1);
-        }
+        for (const char** at = attributes_; *at; at += 2)
+            if (name == *at)
+                return at[1];
+        return {};
     }
 
 private:
-    std::string_view text_;
     std::string_view name_;
+    const char** attributes_; ///< names and values in turn, nullptr after the last
 };
 
 // Which styles hide their text. Word's styles inherit from each other; what is said nearest counts.
@@ -153,23 +113,16 @@ public:
         else if (name == "text:deletion")
             deletions_.insert(region_);
         elements_.push_back(element);
-        if (tag.Empty())
-            End();
     }
 
-    // False when there is nothing to end.
-    bool End()
+    void End()
     {
-        if (elements_.empty())
-            return false;
         const Element element = elements_.back();
         elements_.pop_back();
         if (element.style)
             styles_.End();
         if (element.paragraph)
             EndParagraph();
-        whole_ = elements_.empty();
-        return true;
     }
 
     void Text(std::string_view text)
@@ -184,7 +137,6 @@ public:
         }
     }
 
-    bool Whole() const { return whole_; }
     std::string TakeText() { return std::move(text_); }
 
 private:
@@ -315,7 +267,6 @@ private:
     std::string region_;
     int deleted_ = 0;
     std::string text_;
-    bool whole_ = false;
 };
 
 } // namespace
@@ -323,59 +274,30 @@ private:
 std::optional<std::string> MainText(std::string_view document)
 {
     Reader reader;
-    std::string_view rest = document;
-    // A bracket may stand in an attribute's value.
-    const auto takeTag = [&rest]() -> std::optional<std::string_view> {
-        std::size_t end = rest.find_first_of("\"'>");
-        while (end != std::string_view::npos && rest[end] != '>') {
-            end = rest.find(rest[end], end + 1);
-            if (end != std::string_view::npos)
-                end = rest.find_first_of("\"'>", end + 1);
-        }
-        if (end == std::string_view::npos)
-            return std::nullopt;
-        const std::string_view tag = rest.substr(0, end);
-        rest.remove_prefix(end + 1);
-        return tag;
-    };
-    const auto takeUpTo = [&rest](std::string_view end) -> std::optional<std::string_view> {
-        const std::size_t at = rest.find(end);
-        if (at == std::string_view::npos)
-            return std::nullopt;
-        const std::string_view taken = rest.substr(0, at);
-        rest.remove_prefix(at + end.size());
-        return taken;
-    };
-    while (true) {
-        const std::optional<std::string_view> text = takeUpTo("<");
-        if (!text)
-            break;
-        if (text->find('&') == std::string_view::npos)
-            reader.Text(*text);
-        else
-            reader.Text(Unescaped(*text));
-        bool good = true;
-        if (rest.starts_with("!--")) {
-            good = takeUpTo("-->").has_value();
-        } else if (rest.starts_with("![CDATA[")) {
-            rest.remove_prefix(std::string_view("![CDATA[").size());
-            const std::optional<std::string_view> data = takeUpTo("]]>");
-            good = data.has_value();
-            if (data)
-                reader.Text(*data);
-        } else {
-            const std::optional<std::string_view> tag = takeTag();
-            good = tag.has_value();
-            if (good && tag->starts_with('/'))
-                good = reader.End();
-            else if (good && !tag->starts_with('?') && !tag->starts_with('!'))
-                reader.Start(Tag(*tag));
-        }
-        if (!good)
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
+                                                                              &XML_ParserFree);
+    if (!parser)
+        throw std::bad_alloc();
+    XML_SetUserData(parser.get(), &reader);
+    XML_SetElementHandler(
+        parser.get(),
+        [](void* data, const char* name, const char** attributes) {
+            static_cast<Reader*>(data)->Start(Tag(name, attributes));
+        },
+        [](void* data, const char* /*name*/) { static_cast<Reader*>(data)->End(); });
+    XML_SetCharacterDataHandler(parser.get(), [](void* data, const char* text, int length) {
+        static_cast<Reader*>(data)->Text({text, static_cast<std::size_t>(length)});
+    });
+    // The parser counts in int.
+    constexpr std::size_t block = 1 << 20;
+    bool last = false;
+    while (!last) {
+        const std::string_view part = document.substr(0, block);
+        document.remove_prefix(part.size());
+        last = document.empty();
+        if (XML_Parse(parser.get(), part.data(), static_cast<int>(part.size()), last) != XML_STATUS_OK)
             return std::nullopt;
     }
-    if (!reader.Whole())
-        return std::nullopt;
     return reader.TakeText();
 }
 

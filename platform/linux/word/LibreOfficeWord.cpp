@@ -6,7 +6,6 @@
 #include "platform/linux/files/WholeFile.h"
 #include "platform/linux/process/GuardedProcess.h"
 #include "platform/linux/word/FlatText.h"
-#include "platform/linux/word/Md5.h"
 #include "platform/linux/word/WordSource.h"
 
 #include <algorithm>
@@ -21,6 +20,8 @@
 #include <unistd.h>
 #include <utility>
 #include <vector>
+
+#include <md5.h>
 
 namespace voxmate::linux_platform
 {
@@ -139,7 +140,12 @@ std::string SocketName(const std::string& profile)
         bytes += static_cast<char>(unit >> 8);
     }
     std::string name = "OSL_PIPE_" + std::to_string(::getuid()) + "_SingleOfficeIPC_";
-    for (const unsigned byte : Md5(bytes)) {
+    std::array<std::uint8_t, MD5_DIGEST_LENGTH> digest{};
+    MD5_CTX context;
+    MD5Init(&context);
+    MD5Update(&context, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    MD5Final(digest.data(), &context);
+    for (const unsigned byte : digest) {
         constexpr const char* digits = "0123456789abcdef";
         if (byte >= 16)
             name += digits[byte >> 4];
