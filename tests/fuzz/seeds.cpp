@@ -285,13 +285,18 @@ void WriteArchives(const Folder& folder)
     const std::string head = "MIME-Version: 1.0\r\n";
     const std::string page = "<html><body>The =3D kettle.</body></html>\r\n";
     folder.Add("page", head + "Content-Type: text/html; charset=\"utf-8\"\r\n\r\n" + page);
-    folder.Add("printable", head + "Content-Type: text/html\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n" + page);
-    folder.Add("base64", head + "Content-Type: text/plain;\r\n charset=iso-8859-2\r\nContent-Transfer-Encoding: base64\r\n"
-                                "\r\nVGhlIGtldHRsZS4=\r\n");
-    const std::string parts = "--b\r\nContent-Type: image/png\r\n\r\nPNG\r\n--b\r\nContent-Type: text/html\r\n\r\n" + page;
+    folder.Add("printable",
+               head + "Content-Type: text/html\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n" + page);
+    folder.Add("base64", head +
+                             "Content-Type: text/plain;\r\n charset=iso-8859-2\r\nContent-Transfer-Encoding: base64\r\n"
+                             "\r\nVGhlIGtldHRsZS4=\r\n");
+    const std::string parts =
+        "--b\r\nContent-Type: image/png\r\n\r\nPNG\r\n--b\r\nContent-Type: text/html\r\n\r\n" + page;
     folder.Add("parts", head + "Content-Type: multipart/related; boundary=b\r\n\r\n" + parts + "--b--\r\n");
-    folder.Add("nested", head + "Content-Type: multipart/mixed; boundary=\"a\"\r\n\r\n--a\r\n"
-                                "Content-Type: multipart/related; boundary=b\r\n\r\n" + parts + "--b--\r\n--a--\r\n");
+    folder.Add("nested", head +
+                             "Content-Type: multipart/mixed; boundary=\"a\"\r\n\r\n--a\r\n"
+                             "Content-Type: multipart/related; boundary=b\r\n\r\n" +
+                             parts + "--b--\r\n--a--\r\n");
 }
 
 void WriteTextFiles(const Folder& folder)
