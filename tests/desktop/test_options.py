@@ -675,8 +675,9 @@ class Buttons(OptionsCase):
         self.open_options()
         self.desk.click(self.desk.find("Acknowledge", role="combo box"))
         time.sleep(0.3)
-        self.desk.key("d", "o", "m", "Return")
-        self.desk.find("DoMagic1", role="combo box")
+        # It goes round until it is stopped.
+        self.desk.key("h", "e", "a", "Return")
+        self.desk.find("Hearing_1", role="combo box")
         _, (x, y, width, height) = self.character_window()
         watch = Watch(self.desk, (x, y, x + width, y + height))
         self.addCleanup(watch.stop)

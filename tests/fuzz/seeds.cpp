@@ -280,6 +280,45 @@ void WriteReminders(const Folder& folder)
     folder.Add("text", "This is a text file and no list of reminders, though it has the name of one.\r\n");
 }
 
+void WriteArchives(const Folder& folder)
+{
+    const std::string head = "MIME-Version: 1.0\r\n";
+    const std::string page = "<html><body>The =3D kettle.</body></html>\r\n";
+    folder.Add("page", head + "Content-Type: text/html; charset=\"utf-8\"\r\n\r\n" + page);
+    folder.Add("printable",
+               head + "Content-Type: text/html\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n" + page);
+    folder.Add("base64", head +
+                             "Content-Type: text/plain;\r\n charset=iso-8859-2\r\nContent-Transfer-Encoding: base64\r\n"
+                             "\r\nVGhlIGtldHRsZS4=\r\n");
+    const std::string parts =
+        "--b\r\nContent-Type: image/png\r\n\r\nPNG\r\n--b\r\nContent-Type: text/html\r\n\r\n" + page;
+    folder.Add("parts", head + "Content-Type: multipart/related; boundary=b\r\n\r\n" + parts + "--b--\r\n");
+    folder.Add("nested", head +
+                             "Content-Type: multipart/mixed; boundary=\"a\"\r\n\r\n--a\r\n"
+                             "Content-Type: multipart/related; boundary=b\r\n\r\n" +
+                             parts + "--b--\r\n--a--\r\n");
+}
+
+void WriteTextFiles(const Folder& folder)
+{
+    using namespace std::string_view_literals;
+    constexpr std::array<std::string_view, 10> texts{
+        "The kettle.\r\nThe clock.\n\rThe hall."sv,
+        "K\xC3\xA4the\r\n\xE2\x82\xAC \xF0\x9F\x98\x80\r\n"sv,
+        "\xEF\xBB\xBFMark\n"sv,
+        "K\xE4the J\xFCrgen \x80 \x81 \x9D\r"sv,
+        "K\xC3\xA4the and J\xFCrgen"sv,
+        "\xFF\xFEH\0i\0\r\0\n\0\x3D\xD8\x00\xDE"sv,
+        "\xFE\xFF\0H\0i\0\n"sv,
+        "H\0i\0 \0y\0o\0u\0\r\0\n\0"sv,
+        "\x93\xFA\x96{\x8C\xEA \x82"sv,
+        "\xCF\xF0\xE8\xE2\xE5\xF2 \x81\x30\x81\x30 \xD2"sv,
+    };
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        for (char codePage = 0; codePage < 8; ++codePage)
+            folder.Add(std::to_string(i) + "-" + std::to_string(codePage), codePage + std::string(texts.at(i)));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -291,6 +330,8 @@ int main(int argc, char** argv)
     const std::filesystem::path root(argv[1]);
     WriteCharacters(Folder(root / "acs"));
     WritePacked(Folder(root / "compression"));
+    WriteArchives(Folder(root / "archive"));
+    WriteTextFiles(Folder(root / "text"));
     WriteTexts(Folder(root / "markup"));
     WriteReminders(Folder(root / "reminders"));
     WriteSounds(Folder(root / "wave"));

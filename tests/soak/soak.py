@@ -33,6 +33,7 @@ SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
 OPTIONS = "Voxmate Options"
 EDITOR = "Voxmate Reminders - CURRENTLY ENABLED"
 NOTICE = "Voxmate Reminder"
+WALLPAPER = (0x3b, 0x6e, 0x8f)
 
 
 class Soak(TourCase):
@@ -122,6 +123,21 @@ class Soak(TourCase):
 
     def character(self):
         self.choose("File", "Characters", self.chance.choice(("Nalu", "Tock", "Gamp")))
+        self.there()
+
+    def there(self):
+        """Waits until the character stands where it can be clicked."""
+        since = [time.monotonic()]
+
+        def seen():
+            windows = self.desk.windows("^Voxmate character$")
+            x, y, width, height = self.desk.window_rect(windows[0]) if len(windows) == 1 else (0, 0, 2, 2)
+            x, y = x + width // 2, y + height // 2
+            # The one before it may still be going, and it itself still coming.
+            if self.desk.screenshot(box=(x, y, x + 1, y + 1)).getpixel((0, 0)) == WALLPAPER:
+                since[0] = time.monotonic()
+            return time.monotonic() - since[0] > 1
+        desktop.wait_for(seen, what="the character")
 
     def tip(self):
         self.choose("File", "Tip of the Day")
@@ -150,7 +166,7 @@ class Soak(TourCase):
         self.desk.click_at(*items[-1])
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
         self.press("Choose Character by Right Click. Show Character on Left Click")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
+        self.there()
 
     def into_the_tray(self):
         self.choose("File", "Put in System Tray")
@@ -227,6 +243,7 @@ class Soak(TourCase):
         self.press("Stop Everything !!!")
         self.answer()
         self.choose("File", "Characters", "Nalu")
+        self.there()
         self.settle()
         self.clear_boxes()
         pid = self.program.pid
