@@ -260,7 +260,7 @@ void Character::TakeSpeakingPose()
     });
 }
 
-/// The animations in which a character may speak that stands in its neutral pose. If that pose has mouths, animations
+/// The animations in which a character standing in its neutral pose may speak. If that pose has mouths, animations
 /// without any are left out: a mouth that can be seen matters more than a movement.
 std::vector<const Animation*> Character::SpeakingAnimations() const
 {

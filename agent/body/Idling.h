@@ -1,4 +1,5 @@
-// When and how a character with nothing to do moves. The longer it has been left alone, the higher the level, of three.
+// When and how a character with nothing to do moves. There are three levels; the longer it has been left alone, the
+// higher its level.
 #pragma once
 
 #include "agent/Stage.h"

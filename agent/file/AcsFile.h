@@ -104,7 +104,7 @@ inline constexpr int MouthCount = 7;
 
 struct Overlay {
     std::uint8_t mouth = MouthClosed;
-    bool replaceFront = false; ///< replaces the frame's front-most image, otherwise drawn over it
+    bool replaceFront = false; ///< drawn in place of the frame's front-most image, otherwise over it
     std::uint16_t image = 0;
     std::int16_t x = 0;
     std::int16_t y = 0;
