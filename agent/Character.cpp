@@ -26,14 +26,14 @@ Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsF
 
 Character::~Character()
 {
-    // Not StopAll, which in a handler of Hidden does not reach all of them.
+    // Not StopAll: inside a handler of Hidden that does not reach all requests.
     if (current_)
         Interrupt();
     for (const RequestPtr& request : std::exchange(queue_, {}))
         Conclude(request, RequestStatus::Interrupted);
 }
 
-/// Looks through the file's pictures while the character begins. To decode them all takes too long to wait for.
+/// Looks through the file's pictures while the character begins, because decoding them all takes too long to wait for.
 void Character::CheckPictures()
 {
     const auto faults = std::make_shared<PictureFaults>();
@@ -154,7 +154,7 @@ void Character::ConnectGestures()
     };
 }
 
-/// Nothing to do: goes home from a pose nobody asked for, then idles now and then.
+/// Called when there is nothing to do: goes home from a pose that nobody asked for, then idles now and then.
 void Character::Rest()
 {
     if (!body_.Visible() || current_)
@@ -163,7 +163,7 @@ void Character::Rest()
         GoHome();
         return;
     }
-    // A request may be waiting for another character's voice.
+    // The queue may hold a request that waits for another character's voice.
     if (body_.Moving() || !queue_.empty())
         return;
     const int delay = idling_.Delay(aloneSince_);
@@ -194,7 +194,7 @@ void Character::Idle()
     body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
 }
 
-/// There is something to do: an idle animation is left at once, and none begins.
+/// There is something to do: leaves an idle animation at once, and begins none.
 void Character::StopIdling()
 {
     idleTimer_.reset();

@@ -1,4 +1,4 @@
-// One loaded character: its request queue, and everything that is done by it or to it.
+// One loaded character: its request queue, and all that the character does.
 #pragma once
 
 #include "agent/CommandList.h"
@@ -21,7 +21,7 @@
 namespace voxmate::agent
 {
 
-/// What a character shares with the others; all of it outlives the characters.
+/// What all characters share. Everything in it outlives the characters.
 struct Shared {
     Stage& stage;
     speech::VoiceOutput& voice;
@@ -30,7 +30,7 @@ struct Shared {
     EventQueue& events;
     AgentControl& control;
 
-    /// Raises an event of the control from the event loop, with the handler it has by then.
+    /// Raises an event of the control from the event loop. The handler is looked up when the event is delivered.
     template <class Handler, class... Arguments>
     void Raise(Handler AgentControl::*event, Arguments... arguments)
     {
@@ -45,7 +45,8 @@ class Character : public AgentCharacter
 {
 public:
     Character(Shared shared, std::string name, std::shared_ptr<const AcsFile> file);
-    /// Ends all that it does, silently for the voice, with the completion events of its requests.
+    /// Ends all that it does: stops the voice without an event from it, and interrupts its requests, each with its
+    /// completion event.
     ~Character() override;
     Character(const Character&) = delete;
     Character& operator=(const Character&) = delete;
@@ -71,20 +72,20 @@ public:
     std::vector<std::string> AnimationNames() const override;
     bool Visible() const override { return body_.Visible(); }
 
-    /// Where the user has put the character, by drag or window manager: the middle of the lower edge; nothing while it
-    /// stands where it first appeared. StandAt puts it there as if by the user.
+    /// Where the user has put the feet (the middle of the lower edge), by dragging or through the window manager;
+    /// nothing while the character stands where it first appeared. StandAt puts the feet at a point as if the user had.
     std::optional<Point> Feet() const { return body_.Feet(); }
     void StandAt(Point feet) { body_.StandAt(feet); }
-    /// Screens or work areas have changed.
+    /// To be called when screens or work areas have changed.
     void ScreensChanged() { body_.ScreensChanged(); }
     void SetSoundEffectsOn(bool on) { body_.SetSoundEffectsOn(on); }
-    /// Has the queue looked at from the event loop.
+    /// Schedules a look at the queue from the event loop.
     void Wake();
 
 private:
-    /// A Speak being heard. The voice's callbacks hold it weakly: once it is gone they are stale.
+    /// A Speak that is being heard. The voice's callbacks hold it weakly: those of a Speak that has ended do nothing.
     struct Speech {
-        bool pausesFirst = false; ///< no word is heard as yet when the voice starts
+        bool pausesFirst = false; ///< the text begins with a pause: no word is heard when the voice starts
     };
 
     RequestPtr Enqueue(RequestPtr request);
@@ -127,19 +128,19 @@ private:
     Idling idling_;
     std::string modeId_; ///< in braces
 
-    std::deque<RequestPtr> queue_; ///< those whose turn is still to come
+    std::deque<RequestPtr> queue_; ///< requests whose turn is still to come
     RequestPtr current_;
-    std::string lastText_; ///< what \Lst\ says again
+    std::string lastText_; ///< the text that \Lst\ says again
     std::string lastUrl_;
     std::shared_ptr<Speech> speech_;
-    bool running_ = false;   ///< RunQueue is at work
-    bool playsIdle_ = false; ///< an idle animation, or the way to one
-    bool unsettled_ = false; ///< stands in a pose that nobody asked to be held
+    bool running_ = false;   ///< RunQueue is running
+    bool playsIdle_ = false; ///< plays an idle animation, or is on the way to one
+    bool unsettled_ = false; ///< stands in a pose that nobody asked it to hold
     std::int64_t aloneSince_ = 0;
-    std::unique_ptr<StageWork> check_; ///< of the file's pictures
+    std::unique_ptr<StageWork> check_; ///< looks through the file's pictures
     std::unique_ptr<StageTimer> wakeTimer_;
     std::unique_ptr<StageTimer> idleTimer_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>(0); ///< callbacks that may come too late hold it weakly
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0); ///< held weakly by callbacks that may come too late
 };
 
 } // namespace voxmate::agent

@@ -116,7 +116,7 @@ void Character::BeginHide()
     body_.Leave(hiding, [this, hiding] { body_.PlayToEnd(*hiding, [this](bool) { Gone(); }); });
 }
 
-/// The hiding is done.
+/// The hiding is complete.
 void Character::Gone()
 {
     idleTimer_.reset();
@@ -128,8 +128,8 @@ void Character::Gone()
     End(RequestStatus::Complete);
 }
 
-/// A handler of Hidden that stops everything means what went on when the hiding began; by the time it is called, more
-/// may have been asked for, which must not be lost.
+/// Raises Hidden. A handler of it that stops everything means what was going on when the hiding began. More may have
+/// been asked for by the time the handler runs; that must not be lost, so StopAll does not reach it.
 void Character::RaiseHidden(const Request& hide)
 {
     const VisibilityCause cause = hide.byUser ? VisibilityCause::UserHid : VisibilityCause::ProgramHid;
@@ -153,7 +153,7 @@ void Character::BeginSpeak()
     if (marked.sayLastAgain && current_->url.empty()) {
         marked = ParseMarkup(lastText_);
     } else {
-        // Exchanged, not assigned: a short text would keep the room of a long one.
+        // Swapped, not assigned: an assigned short text would keep the memory of a long one.
         lastText_.swap(current_->text);
         std::string().swap(current_->text);
         lastUrl_ = std::move(current_->url);
@@ -177,7 +177,7 @@ void Character::BeginSpeak()
     StartSpeech(std::move(marked.shown), std::move(utterance));
 }
 
-/// The voice comes first: what the body has to do before it can be seen speaking must not be heard as a delay.
+/// The voice is started first: what the body has to do before it can be seen speaking must not be heard as a delay.
 void Character::StartSpeech(std::string shown, speech::Utterance utterance)
 {
     idleTimer_.reset();
@@ -233,8 +233,9 @@ void Character::EndSpeech()
     shared_.turn.GiveBack(this);
 }
 
-/// A character speaks in the frame it stands in when that has mouths, else, by way of its neutral pose, in an animation
-/// of the state Speaking, and without one in the neutral pose; the voice may be heard already while it gets there.
+/// Takes a pose to speak in. A frame on show that has mouths will do. Otherwise the character goes, by way of its
+/// neutral pose, to an animation of the state Speaking; without one it stays in the neutral pose. The voice may already
+/// be heard meanwhile.
 void Character::TakeSpeakingPose()
 {
     if (!body_.Moving() && body_.HasMouths())
@@ -243,7 +244,7 @@ void Character::TakeSpeakingPose()
     body_.Leave(nullptr, [this] {
         body_.StandNeutral();
         if (!speech_) {
-            Rest(); // silent again before it got there
+            Rest(); // the speech ended before it got there
             return;
         }
         const Animation* speaking = PickAnimation(shared_.stage, SpeakingAnimations());
@@ -251,15 +252,16 @@ void Character::TakeSpeakingPose()
             return;
         unsettled_ = true;
         body_.Play(*speaking, [this, begun = shared_.stage.Now()] {
-            // Once more, unless it ended in a frame with mouths; one with nothing to show would never come to rest.
+            // Plays one more, unless this one ended in a frame with mouths. An animation that took no time has nothing
+            // to show; repeating it would never end.
             if (shared_.stage.Now() > begun)
                 TakeSpeakingPose();
         });
     });
 }
 
-/// Those that a character may speak in that stands in its neutral pose. A mouth that can be seen goes before a movement
-/// without one.
+/// The animations in which a character standing in its neutral pose may speak. If that pose has mouths, animations
+/// without any are left out: a mouth that can be seen matters more than a movement.
 std::vector<const Animation*> Character::SpeakingAnimations() const
 {
     std::vector<const Animation*> animations = StateAnimations(*file_, "Speaking");
@@ -271,19 +273,19 @@ std::vector<const Animation*> Character::SpeakingAnimations() const
     return animations;
 }
 
-/// The program asks for something that a showing or hiding animation without an end would keep waiting.
+/// Keeps an endless showing or hiding animation from delaying what the program is asking for.
 void Character::Hurry()
 {
     if (current_ && (current_->kind == RequestKind::Show || current_->kind == RequestKind::Hide))
         body_.Hurry();
 }
 
-/// The running request has come to its end.
+/// Ends the running request.
 void Character::End(RequestStatus status)
 {
     const RequestPtr request = std::move(current_);
     current_.reset();
-    // A Speak that ended without the voice gives it back for others.
+    // A Speak that ends without having spoken gives the voice back to others, too.
     if (request->kind == RequestKind::Speak)
         shared_.turn.GiveBack(this);
     aloneSince_ = shared_.stage.Now();
@@ -291,11 +293,11 @@ void Character::End(RequestStatus status)
     Wake();
 }
 
-/// Takes leave of a request that is in the queue no more.
+/// Completes a request that is no longer in the queue.
 void Character::Conclude(const RequestPtr& request, RequestStatus status)
 {
     request->status = status;
-    // Somebody may keep the request for long; nobody reads its text any more, which may be a whole library.
+    // The request may be kept for long, but its text, which may be as long as a library, is not read any more.
     std::string().swap(request->text);
     if (!request->byUser)
         shared_.Raise(&AgentControl::RequestComplete, AgentRequestPtr(request));

@@ -16,10 +16,12 @@ public:
     void Add(const std::string& name, const std::string& caption, const std::string& voice, bool enabled,
              bool visible) override;
 
-    /// The visible commands in the order they were added, then a rule and "Hide"; without any, only "Hide".
+    /// The visible commands in the order in which they were added, then a rule and "Hide"; only "Hide" when there are
+    /// none.
     std::vector<MenuEntry> Menu() const;
 
-    /// The name of the menu's own entry. No name a program is likely to give: an entry is known by its name only.
+    /// The name of the menu's own entry. Entries are told apart by name alone, so this is one that no program is likely
+    /// to give to a command.
     static constexpr const char* HideName = "<Hide>";
 
 private:

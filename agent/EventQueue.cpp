@@ -19,7 +19,7 @@ void EventQueue::Deliver()
         return;
     const std::function<void()> event = std::move(waiting_.front());
     waiting_.pop_front();
-    // The next one is under way before this one runs, so that a modal box inside a handler does not hold it up.
+    // The next event is scheduled before this one runs, so that a modal box inside a handler does not hold it up.
     if (!waiting_.empty())
         timer_ = stage_.After(0, [this] { Deliver(); });
     event();

@@ -1,4 +1,5 @@
-// Events on their way to the program: delivered from the event loop, in order, never inside the call that caused them.
+// Events on their way to the program. They are delivered from the event loop, in order, never inside the call that
+// caused them.
 #pragma once
 
 #include "agent/Stage.h"
@@ -15,8 +16,8 @@ class EventQueue
 public:
     explicit EventQueue(Stage& stage) : stage_(stage) {}
 
-    /// Runs `event` from the event loop, after all events posted before it. An event may post more, show a modal box
-    /// (the events behind it go on arriving) or raise a run-time error (which leaves through the event loop).
+    /// Runs `event` from the event loop, after all events posted before it. An event may post others, show a modal box
+    /// (later events still arrive meanwhile) or raise a run-time error (which leaves through the event loop).
     void Post(std::function<void()> event);
 
 private:

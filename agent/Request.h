@@ -22,17 +22,17 @@ public:
     RequestStatus Status() const override { return status; }
 
     const RequestKind kind;
-    std::uint64_t number = 0; ///< in the order of asking, over all characters
+    std::uint64_t number = 0; ///< rises with every request, over all characters
     RequestStatus status = RequestStatus::Pending;
     bool fast = false;     ///< Show, Hide: without an animation
-    bool byUser = false;   ///< Hide: from the menu; no request of the program, so no request events
+    bool byUser = false;   ///< Hide: chosen in the menu, not by the program, so it raises no request events
     std::string animation; ///< Play
-    std::string text;      ///< Speak: until its turn comes
-    std::string url;       ///< Speak: a wave file to be played instead, or empty
+    std::string text;      ///< Speak: kept until its turn comes
+    std::string url;       ///< Speak: path of a wave file to be played instead, or empty
 };
 using RequestPtr = std::shared_ptr<Request>;
 
-/// Which kinds StopAll is to stop.
+/// The kinds of request that StopAll is to stop.
 struct StopTypes {
     bool play = false;
     bool speak = false;
@@ -46,15 +46,16 @@ struct StopTypes {
     }
 };
 
-/// The order in which requests are made, of all characters, and how far along it StopAll reaches.
+/// Numbers the requests of all characters in the order in which they are made, and limits which of them StopAll
+/// reaches.
 class RequestOrder
 {
 public:
-    /// The number of a new request, higher than all before.
+    /// The number of a new request, higher than all before it.
     std::uint64_t Next() { return ++last_; }
-    /// Whether StopAll, called now, may touch the request of that number.
+    /// Whether StopAll, called now, may touch the request with this number.
     bool Reaches(std::uint64_t number) const { return number < end_; }
-    /// Runs `action`; what StopAll does in it reaches only requests made before the one of `number`.
+    /// Runs `action`. A StopAll within it reaches only requests made before request `number`.
     void RunBefore(std::uint64_t number, const std::function<void()>& action);
 
 private:
@@ -62,8 +63,9 @@ private:
     std::uint64_t end_ = std::numeric_limits<std::uint64_t>::max();
 };
 
-/// Reads a comma-separated list of "Move", "Play", "Speak", "Visibility" and "Get", without regard to case and blanks;
-/// an empty list means all. No request of the types Move and Get exists here; unknown words mean nothing.
+/// Reads a comma-separated list of "Move", "Play", "Speak", "Visibility" and "Get"; case, and blanks around a word, do
+/// not matter. An empty list means all types. "Move" and "Get" select nothing, as no such requests exist here; unknown
+/// words are ignored.
 StopTypes ParseStopTypes(std::string_view types);
 
 } // namespace voxmate::agent

@@ -65,7 +65,7 @@ void Server::Unload(const std::string& name)
     const auto found = characters_.find(name);
     if (found == characters_.end())
         return;
-    // Out of the collection first: it must not be woken while it goes.
+    // Removed from the collection first, so that it is not woken while it goes.
     const std::unique_ptr<Character> leaving = std::move(found->second);
     characters_.erase(found);
     if (const auto feet = leaving->Feet())

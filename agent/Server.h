@@ -21,28 +21,28 @@ namespace voxmate::agent
 class Server : public AgentControl
 {
 public:
-    /// Where a character comes from; raises AcsError when it cannot be read.
+    /// Reads the character at `path`; raises AcsError when it cannot be read.
     using Reader = std::function<std::shared_ptr<const AcsFile>(const std::string& path)>;
 
-    /// Stage and voice outlive the server; all calls and events belong to the user-interface thread.
-    /// Without a reader of its own the server reads files, whatever the case of their extension.
+    /// Stage and voice must outlive the server. All calls and events belong to the user-interface thread. Without a
+    /// `reader` the server reads files, whatever the case of their extension.
     Server(Stage& stage, speech::VoiceOutput& voice, Reader reader = nullptr);
     ~Server() override;
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    /// Raises run-time error 321 when the file cannot be used as a character (the description says why and names it),
-    /// and 457 when a character of that name is loaded already. Names compare without case. It stands where the user
-    /// had put the one unloaded last, feet on the same spot; without that near the lower right corner of the primary
-    /// screen.
+    /// Raises run-time error 321 when the file cannot be used as a character (the description names the file and says
+    /// why), and 457 when a character of that name is already loaded. Names compare without case. The feet of the new
+    /// character stand where the user had put those of the character unloaded last; otherwise it stands near the lower
+    /// right corner of the primary screen.
     void Load(const std::string& name, const std::string& path) override;
-    /// Ends all that the character does: its requests are interrupted, each with its completion event, and it goes from
-    /// the screen at once. Does nothing when there is no such character.
+    /// Ends all that the character does and takes it off the screen at once. Its requests are interrupted, each with
+    /// its completion event. Does nothing when there is no such character.
     void Unload(const std::string& name) override;
-    /// Raises run-time error 9 when there is no such character.
+    /// The character loaded under that name; raises run-time error 9 when there is none.
     AgentCharacter& Characters(const std::string& name) override;
     AudioStatus AudioOutputStatus() override;
-    /// On at first; concerns the sounds of frames, not the voice.
+    /// On at first. Concerns the sounds of animation frames, not the voice.
     void SetSoundEffectsOn(bool on) override;
 
 private:

@@ -1,5 +1,5 @@
-// What the character server needs of the front end: windows without a frame, timers, text measures, a menu.
-// Everything happens on the user-interface thread. Lengths are device-independent pixels, screen origin top left.
+// What the character server needs of the front end: frameless windows, timers, text measures, a menu. Everything
+// happens on the user-interface thread. Lengths are device-independent pixels; the screen's origin is at its top left.
 #pragma once
 
 #include "agent/file/AcsFile.h"
@@ -26,29 +26,30 @@ struct MouseEvent {
     Point screen;   ///< on the screen
 };
 
-/// One picture of a character. Those of equal keys are equal, so a window need not prepare them twice.
+/// One picture of a character. Pictures with equal keys are equal, so a window need not prepare them twice.
 struct Picture {
     std::vector<std::int32_t> key;
     std::shared_ptr<const Bitmap> bitmap;
 };
 
-/// The character's window: shows a bitmap, transparent where the bitmap is, never takes the keyboard, stays on top.
-/// Clicks on transparent pixels go to what lies beneath.
+/// The character's window. It shows a bitmap with its transparency, never takes the keyboard and stays on top. Clicks
+/// on transparent pixels go to what lies beneath.
 class CharacterWindow
 {
 public:
     virtual ~CharacterWindow() = default;
-    /// Shows `picture` scaled smoothly to `size` (the character's size on the screen). A large one may appear later.
+    /// Shows `picture`, scaled smoothly to `size` (the character's size on the screen). A large picture may appear
+    /// later.
     virtual void SetFrame(const Picture& picture, Size size) = 0;
-    /// Whether the picture set last is still to appear: another one set now would only come later still.
+    /// Whether the picture set last has not appeared yet. Another picture set now would appear even later.
     virtual bool Busy() const { return false; }
-    /// It has appeared. Told from the event loop.
+    /// The picture set last has appeared. Called from the event loop.
     std::function<void()> Ready;
     virtual void MoveTo(Point topLeft) = 0;
     virtual void SetVisible(bool visible) = 0;
     std::function<void(const MouseEvent&)> Mouse;
-    /// The visible window stands elsewhere than MoveTo asked for, because the window manager put it there: the upper
-    /// left corner's real place. Told from the event loop, never inside MoveTo.
+    /// The window manager has put the visible window elsewhere than MoveTo asked for; `topLeft` is where its upper left
+    /// corner really is. Called from the event loop, never inside MoveTo.
     std::function<void(Point topLeft)> Moved;
 };
 
@@ -63,10 +64,10 @@ struct BalloonFont {
 /// What a balloon looks like at one moment.
 struct BalloonView {
     std::vector<std::string> lines; ///< the lines on show, from the top; words not yet spoken are left out
-    std::vector<bool> rightToLeft;  ///< of each line: its paragraph runs from right to left
+    std::vector<bool> rightToLeft;  ///< for each line: whether its paragraph runs from right to left
     int lineHeight = 0;
     Rect bubble;   ///< on the screen, without the tail
-    Point tailTip; ///< on the screen; the tail leaves the bubble's edge nearest to it
+    Point tailTip; ///< on the screen; the tail starts at the bubble's edge nearest to it
     BalloonFont font;
     Colour text;
     Colour background;
@@ -83,7 +84,7 @@ public:
     std::function<void(const MouseEvent&)> Mouse;
 };
 
-/// Room between the bubble's edge and its text, and the size of the tail.
+/// Room between the bubble's edge and its text, and the length of the tail.
 inline constexpr int BalloonPadding = 10;
 inline constexpr int BalloonTailLength = 16;
 
@@ -93,15 +94,15 @@ struct MenuEntry {
     bool enabled = true;
 };
 
-/// A running timer; destroying it stops it, and its own action may do so.
+/// A running timer. Destroying it stops it; its own action may destroy it.
 class StageTimer
 {
 public:
     virtual ~StageTimer() = default;
 };
 
-/// Work on a thread of its own; destroying it asks the work to stop, waits until it has, and takes back what it would
-/// have told.
+/// Work on a thread of its own. Destroying it asks the work to stop, waits until it has stopped, and drops a call of
+/// `done` that is still to come.
 class StageWork
 {
 public:
@@ -114,17 +115,17 @@ public:
     virtual ~Stage() = default;
     virtual std::unique_ptr<CharacterWindow> CreateCharacterWindow() = 0;
     virtual std::unique_ptr<BalloonWindow> CreateBalloonWindow() = 0;
-    /// The work area (without panels) of the screen that holds a point, or of the nearest one.
+    /// The work area (without panels) of the screen that holds `point`, or of the nearest screen.
     virtual Rect WorkArea(Point point) = 0;
     /// The work area of the primary screen.
     virtual Rect PrimaryWorkArea() = 0;
-    /// Screens or their work areas have changed: WorkArea and PrimaryWorkArea answer differently from now on. Told from
+    /// Screens or their work areas have changed: WorkArea and PrimaryWorkArea give new answers from now on. Called from
     /// the event loop.
     std::function<void()> ScreensChanged;
-    /// Runs `action` once after `milliseconds`, unless the timer is destroyed before. Precise to a few milliseconds.
+    /// Runs `action` once after `milliseconds`, unless the timer is destroyed first. Precise to a few milliseconds.
     virtual std::unique_ptr<StageTimer> After(int milliseconds, std::function<void()> action) = 0;
-    /// Runs `work` on a thread of its own, then `done` from the event loop, unless what is returned is destroyed
-    /// before; `done` may do so. What `work` throws comes out of the event loop in place of `done`.
+    /// Runs `work` on a thread of its own, then `done` from the event loop, unless the returned object is destroyed
+    /// first; `done` may destroy it. An exception from `work` comes out of the event loop in place of `done`.
     virtual std::unique_ptr<StageWork> InBackground(std::function<void(std::stop_token)> work,
                                                     std::function<void()> done) = 0;
     /// Milliseconds of a steady clock.
@@ -134,10 +135,10 @@ public:
     virtual int TextWidth(const BalloonFont& font, const std::string& text) = 0;
     virtual int LineHeight(const BalloonFont& font) = 0;
     virtual int AverageCharWidth(const BalloonFont& font) = 0;
-    /// Shows a menu at a point of the screen; `chosen` gets the entry's name. Returns at once.
+    /// Shows a menu at a point of the screen and returns at once; `chosen` gets the name of the chosen entry.
     virtual void PopupMenu(const std::vector<MenuEntry>& entries, Point at,
                            std::function<void(const std::string& name)> chosen) = 0;
-    /// Plays a short RIFF wave file beside any speech; stops with StopSound.
+    /// Plays a short RIFF wave file alongside any speech, until it ends or StopSound is called.
     virtual void PlaySound(std::span<const std::uint8_t> wave) = 0;
     virtual void StopSound() = 0;
 };

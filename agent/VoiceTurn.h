@@ -1,4 +1,4 @@
-// Whose turn it is to speak: there is one voice for all characters.
+// Decides whose turn it is to speak: all characters share one voice.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@ namespace voxmate::agent
 class VoiceTurn
 {
 public:
-    /// Gives the voice to `who` if nobody else has it; says whether `who` has it now.
+    /// Gives the voice to `who` if nobody else has it. Returns whether `who` has it now.
     bool Take(const void* who)
     {
         if (!holder_)
@@ -27,7 +27,7 @@ public:
             Freed();
     }
 
-    /// The voice is free for others.
+    /// Called when the voice has become free for others.
     std::function<void()> Freed;
 
 private:

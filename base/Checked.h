@@ -1,4 +1,4 @@
-// 16- and 32-bit arithmetic that raises run-time error 6 "Overflow" instead of wrapping round.
+// 16- and 32-bit arithmetic that raises run-time error 6 "Overflow" instead of wrapping around.
 #pragma once
 
 #include "base/RuntimeError.h"
@@ -10,7 +10,7 @@
 namespace voxmate
 {
 
-/// True and False as they are held in 16-bit booleans.
+/// The values of True and False in 16-bit booleans.
 using Boolean = std::int16_t;
 inline constexpr Boolean True = -1;
 inline constexpr Boolean False = 0;
@@ -40,7 +40,7 @@ inline std::int32_t AddInt32(std::int32_t a, std::int32_t b)
     return ToInt32(std::int64_t{a} + b);
 }
 
-/// Rounds to the nearest whole number, halves to the even neighbour (IEEE 754 roundTiesToEven).
+/// Rounds to the nearest whole number, halves to the even one (IEEE 754 roundTiesToEven).
 inline std::int64_t RoundHalfEven(double value)
 {
     const double down = std::floor(value);

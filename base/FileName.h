@@ -1,4 +1,4 @@
-// File names on file systems that tell capital from small letters.
+// File names on file systems that distinguish capital from small letters.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 namespace voxmate
 {
 
-/// The path of an existing file that is `path` but for the case of its extension ("Bo.ACS" for "Bo.acs"): `path` itself
-/// when that exists, else the first of such files in alphabetical order, and `path` again when there is none.
+/// The path of an existing file that differs from `path` at most in the case of its extension ("Bo.ACS" for "Bo.acs"):
+/// `path` itself if that exists, else the first such file in alphabetical order. Returns `path` when there is none.
 std::string InAnyExtensionCase(const std::string& path);
 
 } // namespace voxmate

@@ -30,7 +30,7 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// Rows top-down, one 0xAARRGGBB value a pixel, alpha not premultiplied; `pixels.size() == width * height`.
+/// Rows from top to bottom, one 0xAARRGGBB value per pixel, alpha not premultiplied; `pixels.size() == width * height`.
 struct Bitmap {
     int width = 0;
     int height = 0;

@@ -9,7 +9,7 @@
 namespace voxmate
 {
 
-/// A run-time error. A numbered routine catches it and reports it; one that nobody catches ends in the event loop,
+/// A run-time error. A numbered routine catches it and reports it. One that nobody catches reaches the event loop,
 /// which shows its number and description and ends the program.
 class RuntimeError : public std::exception
 {
@@ -22,7 +22,7 @@ public:
     std::string Description;
 };
 
-// The numbers are those of the classic Basic run-time, so that a report reads the same on every platform.
+// The numbers are those of the classic Basic run-time, so that reports read the same on every platform.
 inline RuntimeError Overflow()
 {
     return {6, "Overflow"};
@@ -93,9 +93,9 @@ inline RuntimeError ObjectNotSet()
     return {91, "Object variable or With block variable not set"};
 }
 
-/// Any exception as the run-time error to report: a run-time error as it is; memory that could not be had, also for a
-/// text longer than can be, as "Out of memory"; everything else as the run-time's "Internal error" 51 with what it
-/// says.
+/// Turns any exception into the run-time error to report. A run-time error stays as it is. Memory that could not be
+/// allocated, also for a text longer than texts can be, becomes "Out of memory". Everything else becomes the run-time's
+/// "Internal error" 51 with its own message.
 RuntimeError AsRuntimeError(const std::exception& error);
 
 } // namespace voxmate

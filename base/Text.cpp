@@ -18,7 +18,7 @@ struct Decoded {
     bool valid;
 };
 
-// One character at `at`: RFC 3629, no overlong forms, no surrogates. An invalid byte stands for itself.
+// Decodes the character at `at` by RFC 3629: no overlong forms, no surrogates. An invalid byte is one U+FFFD.
 Decoded DecodeAt(std::string_view text, std::size_t at)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
@@ -55,7 +55,8 @@ Decoded DecodeAt(std::string_view text, std::size_t at)
     return {point, more + 1, true};
 }
 
-// The end of the ASCII characters that begin at `at`. Eight at a time: most of most texts is made of them.
+// The end of the run of ASCII characters that begins at `at`. Checks eight bytes at a time, since most texts are mostly
+// ASCII.
 std::size_t AsciiEnd(std::string_view text, std::size_t at)
 {
     constexpr std::uint64_t highBits = 0x8080808080808080u;
@@ -72,7 +73,7 @@ std::size_t AsciiEnd(std::string_view text, std::size_t at)
     return at;
 }
 
-// Byte position of the character with this 0-based number, or the text's size.
+// The byte position of the character with this 0-based number; the text's size when there is none.
 std::size_t ByteOf(std::string_view text, std::size_t characters)
 {
     std::size_t at = 0;
@@ -83,7 +84,7 @@ std::size_t ByteOf(std::string_view text, std::size_t characters)
     return at;
 }
 
-// Writes a character of one to four bytes and returns where the next goes.
+// Writes a character as one to four bytes and returns where the next one goes.
 char* PutUtf8(char* to, char32_t point)
 {
     const auto put = [&to](char32_t byte) { *to++ = static_cast<char>(static_cast<unsigned char>(byte)); };
@@ -273,14 +274,14 @@ std::u16string Utf8ToUtf16(std::string_view text)
 
 std::string Windows1252ToUtf8(std::string_view bytes)
 {
-    // Each byte's character ready to be copied: four bytes are quicker to copy than any number that has to be asked
-    // for.
+    // The UTF-8 form of each byte from 0x80 on, ready to be copied: copying always four bytes is quicker than copying a
+    // number of bytes that varies.
     struct Sequence {
         std::array<char, 4> bytes;
         std::size_t length;
     };
     static const std::array<Sequence, 128> sequences = [] {
-        // Bytes 0x80 to 0x9F; all others are their own code point (Unicode's mapping table for CP1252).
+        // Bytes 0x80 to 0x9F (Unicode's mapping table for CP1252). All other bytes are their own code point.
         constexpr std::array<char16_t, 32> high{0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
                                                 0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -323,7 +324,7 @@ std::size_t ValidUtf8End(std::string_view text)
             at = AsciiEnd(text, at);
             continue;
         }
-        // Checked on the spot: the letters of many scripts have two bytes.
+        // Two-byte characters are checked right here, for speed: the letters of many scripts are such.
         const std::size_t begin = at;
         while (at + 1 < text.size() && byte(at) >= 0xC2 && byte(at) <= 0xDF && (byte(at + 1) & 0xC0u) == 0x80u)
             at += 2;

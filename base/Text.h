@@ -16,7 +16,7 @@ inline constexpr const char* CrLf = "\r\n";
 /// Number of characters in a UTF-8 text. A byte that is not valid UTF-8 counts as one character.
 std::size_t Len(std::string_view text);
 
-/// The text from character `start` (1-based) on, `count` characters at most; empty when start is past the end.
+/// At most `count` characters of the text, from character `start` (1-based) on; empty when `start` is past the end.
 std::string Mid(std::string_view text, std::size_t start, std::size_t count = std::string::npos);
 std::string Left(std::string_view text, std::size_t count);
 std::string Right(std::string_view text, std::size_t count);
@@ -27,34 +27,34 @@ inline std::string Trim(const char* text)
 {
     return Trim(std::string_view(text));
 }
-/// The same without a copy, for a text that nobody needs any more as it was.
+/// The same without a copy, for a text that is not needed any more as it was.
 std::string Trim(std::string&& text);
 
-/// Upper case; ASCII letters and the Latin-1, Latin Extended-A, Greek and Cyrillic letters with a simple counterpart.
+/// Upper case of ASCII letters, and of Latin-1, Latin Extended-A, Greek and Cyrillic letters with a simple counterpart.
 std::string UCase(std::string_view text);
 
-/// Position (1-based, in bytes of the UTF-8 text) of the first occurrence, 0 if none.
+/// Position (1-based, in bytes of the UTF-8 text) of the first occurrence of `part`, 0 if there is none.
 std::size_t InStr(std::string_view text, std::string_view part);
-/// The same without regard to case (as UCase sees it), answered as yes or no.
+/// Whether `part` occurs in the text without regard to case (as UCase sees it).
 bool ContainsNoCase(std::string_view text, std::string_view part);
 bool EqualNoCase(std::string_view a, std::string_view b);
 
-/// The lines with CR LF between them.
+/// The lines joined with CR LF between them.
 std::string JoinLines(std::span<const std::string> lines);
 
-/// UTF-8 to code points and back; an invalid byte decodes as U+FFFD, a surrogate or a value past U+10FFFF encodes as
-/// it.
+/// UTF-8 to code points and back. An invalid byte decodes as U+FFFD; a surrogate or a value above U+10FFFF encodes as
+/// U+FFFD.
 std::vector<char32_t> DecodeUtf8(std::string_view text);
 std::string EncodeUtf8(std::u32string_view points);
 void AppendUtf8(std::string& out, char32_t point);
 std::string Utf16ToUtf8(std::u16string_view text);
 std::u16string Utf8ToUtf16(std::string_view text);
-/// The code page's five unassigned bytes become the C1 controls of the same number, as the Encoding Standard has it.
+/// The code page's five unassigned bytes become the C1 controls with the same numbers, as in the Encoding Standard.
 std::string Windows1252ToUtf8(std::string_view bytes);
 bool IsValidUtf8(std::string_view text);
-/// Where the first byte stands that is part of no UTF-8 character; the text's size when there is none.
+/// The position of the first byte that is part of no UTF-8 character; the text's size when there is none.
 std::size_t ValidUtf8End(std::string_view text);
-/// The length in bytes of UTF-8 text without the character that breaks off at its end, if one does.
+/// The length in bytes of a UTF-8 text without a character that is cut off at its end.
 std::size_t WholeUtf8(std::string_view text);
 
 } // namespace voxmate

@@ -13,13 +13,13 @@ namespace
 
 bool IsControl(unsigned unit)
 {
-    // Tab to carriage return, the end mark of old systems' files, and escape do stand in texts.
+    // Tab to carriage return, escape, and the end-of-file mark of old systems (0x1A) do occur in texts.
     return unit < 0x20 && !(unit >= 0x09 && unit <= 0x0D) && unit != 0x1A && unit != 0x1B;
 }
 
-/// What a text would be made of in UTF-16 of one order of bytes.
+/// What a text would consist of if it were UTF-16 in the given byte order.
 struct Units {
-    std::size_t blanks = 0; ///< with tabs and line ends
+    std::size_t blanks = 0; ///< including tabs and line ends
     std::size_t ascii = 0;
     bool valid = true;
 
@@ -58,7 +58,8 @@ std::optional<TextEncoding> GuessUtf16(std::string_view beginning)
 {
     if (beginning.empty() || beginning.size() % 2 != 0 || beginning.find('\0') == std::string_view::npos)
         return std::nullopt;
-    // Latin and most other scripts put a byte of a control character beside each letter, the rest are no UTF-8.
+    // In UTF-16, Latin and most other scripts have a byte that is a control character beside each letter; the remaining
+    // scripts give bytes that are not UTF-8.
     const auto controls = std::count_if(beginning.begin(), beginning.end(),
                                         [](char c) { return IsControl(static_cast<unsigned char>(c)); });
     Utf8Census census;

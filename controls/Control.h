@@ -1,5 +1,5 @@
-// What forms are made of: controls as plain state and events. While its form is shown a control has a peer, the
-// toolkit's widget: setting a property tells the peer; the user's action comes back through the control's User...
+// What forms are made of: controls as plain state and events. While a form is shown, each of its controls has a peer,
+// the toolkit's widget. Setting a property tells the peer. The user's action comes back through the control's User...
 // method, which stores the value and raises the event. A test needs no peer.
 #pragma once
 
@@ -20,7 +20,7 @@ class Control;
 class Form;
 class Menu;
 
-/// Names a property whose change a peer is told of.
+/// Names a property whose changes are told to a peer.
 enum class Property {
     Caption,
     Enabled,
@@ -41,11 +41,11 @@ enum class Property {
     Place
 };
 
-/// Colours of the desktop's theme, written as system-colour values (olectl.h): of a button's face and of a field.
+/// Colours of the desktop's theme, given as system-colour values (olectl.h): a button's face, and a field's background.
 inline constexpr std::uint32_t vbButtonFace = 0x8000000F;
 inline constexpr std::uint32_t vbWindowBackground = 0x80000005;
 
-/// A font; what is empty or 0 is the desktop's own.
+/// A font. A field that is empty or 0 means the desktop's own.
 struct FontSpec {
     std::string Name;
     double Size = 0; ///< points
@@ -58,12 +58,12 @@ class Peer
 {
 public:
     virtual ~Peer() = default;
-    /// The property has a new value: show it. Must not raise the control's events.
+    /// The property has a new value: shows it. Must not raise the control's events.
     virtual void Update(Property property) = 0;
     virtual void SetFocus() {}
 };
 
-/// A property of a control: reads like a value; setting it to something new tells the control.
+/// A property of a control. It reads like a value; setting it to a new value tells the control.
 template <class T>
 class Prop
 {
@@ -75,7 +75,7 @@ public:
     operator const T&() const { return value_; }
     const T& get() const { return value_; }
     inline Prop& operator=(T value);
-    /// Sets the value without telling anybody: for the owner, when the user has changed it.
+    /// Sets the value without telling the control: for the control itself, when the user has changed the value.
     void Store(T value) { value_ = std::move(value); }
 
 private:
@@ -87,8 +87,8 @@ private:
 class Control
 {
 public:
-    /// A control belongs to the form it is a member of and registers itself there, in the order of declaration, which
-    /// is the keyboard's order too.
+    /// A control belongs to the form that it is a member of and registers itself there, in the order of declaration.
+    /// That is also the order in which the keyboard moves through the controls.
     Control(Form* form, std::string name);
     virtual ~Control() = default;
     Control(const Control&) = delete;
@@ -99,7 +99,7 @@ public:
     Prop<bool> Enabled{*this, Property::Enabled, true};
     Prop<bool> Visible{*this, Property::Visible, true};
     Prop<std::string> ToolTipText{*this, Property::ToolTipText};
-    /// What a screen reader says where neither caption nor tool tip will do.
+    /// What a screen reader says where neither the caption nor the tool tip will do.
     std::string AccessibleName;
 
     void SetPeer(Peer* peer) { peer_ = peer; }
@@ -113,7 +113,7 @@ public:
 protected:
     template <class T>
     friend class Prop;
-    /// A property was set from code. Controls whose events fire on this, too, override it.
+    /// A property was set from code. Controls that raise an event then override this.
     virtual void Changed(Property property)
     {
         if (peer_)
@@ -136,7 +136,7 @@ Prop<T>& Prop<T>::operator=(T value)
 
 using Event = std::function<void()>;
 
-/// Runs a copy of the handler: it may do away with the control it belongs to.
+/// Runs a copy of the handler, because the handler may destroy the control that it belongs to.
 inline void Raise(const Event& event)
 {
     if (const Event handler = event)
@@ -154,7 +154,7 @@ public:
     Prop<FontSpec> Font{*this, Property::Font};
     Control* Buddy = nullptr; ///< the control this label names
     bool Heading = false;     ///< shown large (a product's name)
-    /// Where it stands on a form that places its controls itself, in device-independent pixels.
+    /// Its place on a form that places its controls itself, in device-independent pixels.
     Prop<Rect> Place{*this, Property::Place};
     Event Click;
 
@@ -178,7 +178,7 @@ public:
     bool IsCancel = false;     ///< pressed by Escape
 
     Event Click;
-    /// A mouse button was released over it (1 left, 2 right).
+    /// A mouse button was released over the control (1 left, 2 right).
     std::function<void(int button)> MouseUp;
 
     void UserClick()
@@ -193,7 +193,7 @@ public:
     }
 };
 
-/// Value is 1 (checked) or 0; Click is raised by the user and by setting Value from code.
+/// Value is 1 (checked) or 0. Click is raised when the user clicks it and when Value is set from code.
 class CheckBox : public Control
 {
 public:
@@ -250,7 +250,8 @@ private:
     std::vector<std::string> items_;
 };
 
-/// A horizontal scroll bar. Change is raised by every new value, the user's (while dragging, too) and the code's.
+/// A horizontal scroll bar. Change is raised by every new value, whether the user (while dragging, too) or the code
+/// sets it.
 class HScrollBar : public Control
 {
 public:
@@ -282,24 +283,24 @@ protected:
     }
 };
 
-/// An edit field. Change is raised by the user's typing and by setting Text from code.
+/// An edit field. Change is raised when the user types and when Text is set from code.
 class TextBox : public Control
 {
 public:
     using Control::Control;
     Prop<std::string> Text{*this, Property::Text};
-    Prop<bool> Locked{*this, Property::Locked, false}; ///< read-only, though it can be copied from
+    Prop<bool> Locked{*this, Property::Locked, false}; ///< read-only; its text can still be copied
     /// A system colour: vbButtonFace greys the field.
     Prop<std::uint32_t> BackColor{*this, Property::BackColor, vbWindowBackground};
     bool MultiLine = false;
-    std::size_t MaxLength = 0; ///< characters that the user can put in; 0: any number
+    std::size_t MaxLength = 0; ///< most characters that the user can put in; 0: any number
     std::string PlaceholderText;
     Event Change;
-    /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter): set it to 0 to swallow it.
-    /// Pasted text makes no key.
+    /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter). A handler sets it to 0 to
+    /// swallow the key. Pasted text raises no KeyPress.
     std::function<void(int& keyAscii)> KeyPress;
 
-    /// Runs KeyPress; false when the key was swallowed.
+    /// Runs KeyPress. Returns false when the key was swallowed.
     bool UserKeyPress(int keyAscii)
     {
         if (const auto handler = KeyPress)
@@ -321,7 +322,7 @@ protected:
     }
 };
 
-/// A frame with a caption round other controls (the arrangement says which).
+/// A frame with a caption around other controls; the arrangement says which.
 class Frame : public Control
 {
 public:
@@ -332,7 +333,7 @@ public:
     Prop<std::string> Caption;
 };
 
-/// A picture from the shared data (an icon's name).
+/// A picture from the shared data, given by an icon's name.
 class Image : public Control
 {
 public:
@@ -344,7 +345,7 @@ public:
     int SizePx; ///< width and height in device-independent pixels
 };
 
-/// A picture box that is never shown and receives a window's mouse messages: x is in twips (1/1440 inch).
+/// A picture box that is never shown and receives a window's mouse messages. x is in twips (1/1440 inch).
 class PictureBox : public Control
 {
 public:
@@ -354,7 +355,7 @@ public:
         Visible.Store(false);
     }
     std::string Picture;
-    /// What its icon's right click pops up, for notification areas that show an icon's menu themselves.
+    /// The menu for a right click on its icon, for notification areas that show an icon's menu themselves.
     Menu* IconMenu = nullptr;
     std::function<void(double x)> MouseMove;
 
@@ -371,7 +372,7 @@ class StatusBar : public Control
 public:
     struct Panel {
         std::string text;
-        int minChars = 0; ///< width in average characters; 0: takes what is left
+        int minChars = 0; ///< width in average characters; 0: takes the width that is left
         std::string accessibleName;
     };
     StatusBar(Form* form, std::string name, std::vector<Panel> panels)
@@ -391,8 +392,8 @@ private:
     std::vector<Panel> panels_;
 };
 
-/// Ticks every `Interval` milliseconds while enabled (10 ms at the fastest). A tick that comes while its own handler
-/// still runs is dropped; other timers go on.
+/// Ticks every `Interval` milliseconds while enabled (at most every 10 ms). A tick that comes while the timer's own
+/// handler still runs is dropped; other timers go on.
 class Timer : public Control
 {
 public:
@@ -420,7 +421,7 @@ private:
     bool running_ = false;
 };
 
-/// A menu or a menu item. A caption of "-" is a rule. Items belong to their parent menu, top menus to their form.
+/// A menu or a menu item. The caption "-" makes a rule. Items belong to their parent menu, top menus to their form.
 class Menu : public Control
 {
 public:
@@ -431,7 +432,7 @@ public:
 
     const std::vector<Menu*>& Items() const { return items_; }
     Menu* Parent() const { return parent_; }
-    /// A control array: makes an item named `name` that this menu owns, or removes all of those.
+    /// A control array: Load adds an item named `name`, which this menu owns; UnloadAll removes all items so added.
     Menu& Load(const std::string& name, const std::string& caption);
     void UnloadAll();
 

@@ -36,7 +36,7 @@ void Menu::UnloadAll()
     std::erase_if(items_, isOwned);
     if (form_)
         std::erase_if(form_->controls_, isOwned);
-    // The peer drops its entries while the items still live.
+    // The peer is told before the items are destroyed, so that it can drop its entries while they still live.
     Changed(Property::Items);
     owned_.clear();
 }

@@ -1,4 +1,4 @@
-// A form: owns its controls as members, says how they are arranged, and is turned into a window by the front end.
+// A form owns its controls as members and says how they are arranged; the front end turns it into a window.
 #pragma once
 
 #include "controls/Control.h"
@@ -15,7 +15,7 @@ namespace voxmate
 
 class Form;
 
-/// Names a form's window in the window system's calls; 0 names none.
+/// Identifies a form's window in calls to the window system; 0 means no window.
 using WindowHandle = std::uint32_t;
 
 /// The toolkit's side of a form: a window with a peer for each control. Made by FormHost when the form is first shown.
@@ -28,11 +28,11 @@ public:
     virtual void Update(Property property) = 0;
     /// Brings the window to the foreground.
     virtual void Activate() = 0;
-    /// Shows a menu of the form as a pop-up at the pointer (or beside `at`) and returns when it has closed.
+    /// Shows a menu of the form as a pop-up at the pointer (or beside `at`); returns when it has closed.
     virtual void PopupMenu(Menu& menu, Control* at) = 0;
 };
 
-/// Makes windows of forms.
+/// Makes windows for forms.
 class FormHost
 {
 public:
@@ -54,23 +54,23 @@ public:
     const std::string Name;
     std::string Caption;
     BorderStyle Border = BorderStyle::FixedSingle;
-    bool ShowActivated = true; ///< a window shown takes the keyboard; without, it leaves it where it is
-    std::string FontName;      ///< of all its controls; a font that the desktop has not got changes nothing
+    bool ShowActivated = true; ///< takes the keyboard when it is shown; else the keyboard stays where it is
+    std::string FontName;      ///< for all its controls; a font that the desktop does not have changes nothing
     Layout Arrangement;
     StatusBar* Status = nullptr; ///< shown at the foot, outside the arrangement
     std::vector<Menu*> MenuBar;  ///< the menus on the menu bar, in order
 
-    /// Runs Form_Load and makes the window, unless that has been done; shows nothing yet.
+    /// Runs Form_Load and makes the window, unless that has been done already. Does not show it yet.
     void Load();
-    /// Shows the form, loading it first.
+    /// Shows the form; loads it first if need be.
     void Show();
     void Hide();
-    /// Runs Form_Unload and destroys the window. The form can be shown again, which loads it anew.
+    /// Runs Form_Unload and destroys the window. Showing the form again loads it anew.
     void Unload();
     bool IsLoaded() const { return loaded_; }
-    /// The handle of the form's window; asking for it loads the form. It stays the same through the form's life.
+    /// The handle of the form's window; loads the form. The handle stays the same as long as the form lives.
     WindowHandle hWnd();
-    /// The same, of a form that need not be loaded: for those who make its window.
+    /// The same handle without loading the form: for code that makes the form's window.
     WindowHandle Handle() const { return handle_; }
     bool IsShown() const { return shown_; }
     void Activate();
@@ -80,10 +80,10 @@ public:
     /// The control of that name, or nullptr.
     Control* Find(const std::string& name) const;
 
-    /// The user asks to close the window: runs Form_QueryUnload and, when it was not cancelled, Unload.
+    /// The user asks to close the window: runs Form_QueryUnload and, unless that cancels, Unload.
     void UserClose();
-    /// A message of an icon's came to the form as a mouse move; x is the message in twips. The pointer's own moves over
-    /// the form are not told: in a window wide enough their columns would be taken for messages.
+    /// Delivers an icon's message as a mouse move; x is the message in twips. The pointer's own moves over the form are
+    /// not delivered: in a wide enough window their x positions would be mistaken for messages.
     void UserMouseMove(double x) { Form_MouseMove(x); }
 
 protected:
@@ -91,7 +91,7 @@ protected:
     /// Set `cancel` to keep the window.
     virtual void Form_QueryUnload(bool& /*cancel*/) {}
     virtual void Form_MouseMove(double /*x*/) {}
-    /// The window is about to go.
+    /// The window is about to be destroyed.
     virtual void Form_Unload() {}
     /// A property of the form was set: tells its window.
     void Changed(Property property)

@@ -1,5 +1,5 @@
-// How a form's controls are arranged: a small tree of rows, columns and grids with stretch and minimum sizes, so that
-// each front end lays out with its own fonts, scale and theme.
+// How a form's controls are arranged: a small tree of rows, columns and grids with stretch and minimum sizes. Each
+// front end lays it out with its own fonts, scale and theme.
 #pragma once
 
 #include <utility>
@@ -18,8 +18,8 @@ struct Layout {
                                   ///< TabStrip's the content of each page
     std::vector<Layout> children; ///< Grid: row by row, `columns` cells each
     int columns = 0;
-    int stretch = 0;  ///< share of the spare room in the parent's direction
-    int minWidth = 0; ///< device-independent pixels; 0: what the control needs
+    int stretch = 0;  ///< share of the spare room along the parent's direction
+    int minWidth = 0; ///< in device-independent pixels; 0: as the control needs
     int minHeight = 0;
     int spacing = -1; ///< between the children; -1: the platform's own
 
@@ -49,7 +49,7 @@ inline Layout Framed(Control& frame, Layout content)
 {
     return {Layout::Kind::Item, &frame, {std::move(content)}};
 }
-/// A tab strip with the content of its pages, in the order of its tabs.
+/// A tab strip with the content of its pages, one page for each tab, in the order of the tabs.
 inline Layout Tabbed(Control& strip, std::vector<Layout> pages)
 {
     return {Layout::Kind::Item, &strip, std::move(pages)};
@@ -66,7 +66,7 @@ inline Layout Grid(int columns, std::vector<Layout> children)
 {
     return {Layout::Kind::Grid, nullptr, std::move(children), columns};
 }
-/// Empty room that takes its share of what is spare.
+/// Empty room that takes `share` of the spare room.
 inline Layout Space(int share = 1)
 {
     return Layout{}.Stretch(share);

@@ -59,7 +59,7 @@ const std::vector<std::uint32_t>& ListView::Rows()
     std::iota(rows_.begin(), rows_.end(), 1U);
     if (!Sorted || SortKey < 0)
         return rows_;
-    // Each text is put into capitals once, not at every comparison.
+    // Each text is put into capitals once, not in every comparison.
     const auto column = static_cast<std::size_t>(SortKey.get());
     std::vector<std::string> keys;
     keys.reserve(items_.size());

@@ -1,4 +1,4 @@
-// A list of rows with columns, headers and small pictures, and the pictures themselves.
+// A list of rows with columns, headers and small pictures; and the list of those pictures.
 #pragma once
 
 #include "controls/Control.h"
@@ -12,7 +12,7 @@
 namespace voxmate
 {
 
-/// Pictures that a list marks its items with, counted from 1. It has no window of its own.
+/// Pictures that mark the items of a list, counted from 1. An image list has no window of its own.
 class ImageList : public Control
 {
 public:
@@ -38,25 +38,25 @@ private:
 
 enum class SortOrder { Ascending, Descending };
 
-/// One row: its text stands in the first column, beside the picture, and the sub-items in the columns after it.
+/// One row. Its text stands in the first column, beside the picture; the sub-items stand in the columns after it.
 struct ListItem {
     std::string Text;
-    int SmallIcon = 0; ///< number of its picture; 0: none
+    int SmallIcon = 0; ///< number of its picture; 0: no picture
     std::vector<std::string> SubItems;
 
-    /// What stands in a column, counted from 0; empty where there is nothing.
+    /// The text in a column, counted from 0; empty when the column has none.
     const std::string& TextOf(std::size_t column) const;
 };
 
 /// A list in report style. Items are counted from 1 in the order in which they were added; sorting changes only where
-/// they are shown. The peer is told once of any number of changes, when the first one comes, and looks at the list when
-/// they are over.
+/// they are shown. The peer is told of changes only once, at the first one, until it has asked for Rows; it does that
+/// when the changes are over.
 class ListView : public Control
 {
 public:
     struct ColumnHeader {
         std::string Text;
-        int Chars = 0; ///< width in average characters; 0: takes what is left
+        int Chars = 0; ///< width in average characters; 0: takes the width that is left
     };
     ListView(Form* form, std::string name, std::vector<ColumnHeader> columns)
         : Control(form, std::move(name)), columns_(std::move(columns))
@@ -72,29 +72,30 @@ public:
         items_.push_back(std::move(item));
         TellItems();
     }
-    /// Removes every item; nothing is selected then.
+    /// Removes every item; then none is selected.
     void ClearItems();
 
     Prop<bool> Sorted{*this, Property::Items, false};
-    Prop<int> SortKey{*this, Property::Items, 0}; ///< the column that is sorted by, counted from 0
+    Prop<int> SortKey{*this, Property::Items, 0}; ///< the column to sort by, counted from 0
     Prop<SortOrder> Order{*this, Property::Items, SortOrder::Ascending};
     Prop<bool> FullRowSelect{*this, Property::Value, false}; ///< else only the first column shows the selection
 
-    /// The item that is selected; 0: none. Setting it from code raises no event; a number that is none is left out.
+    /// The number of the selected item; 0: none. Setting it from code raises no event; a number without an item is
+    /// ignored.
     std::size_t SelectedItem() const { return selected_; }
     void SelectItem(std::size_t number);
 
-    /// The user selected an item, or pressed the mouse on the one that is selected.
+    /// The user selected an item, or pressed the mouse button on the selected one.
     std::function<void(std::size_t number)> ItemClick;
-    /// The user clicked a column's header, counted from 1.
+    /// The user clicked the header of a column; columns are counted from 1.
     std::function<void(int column)> ColumnClick;
 
     void UserItemClick(std::size_t number);
     void UserColumnClick(int column);
 
-    /// The numbers of the items in the order in which they are shown: sorted by the text of a column without regard to
-    /// case, items alike in the order in which they were added. For the peer, which is told of the next change after
-    /// this.
+    /// The numbers of the items in the order in which they are shown: sorted by the text of column SortKey without
+    /// regard to case; items with equal text stay in the order in which they were added. The peer calls this, and is
+    /// told of the next change only after it has.
     const std::vector<std::uint32_t>& Rows();
 
 protected:

@@ -1,4 +1,4 @@
-// A month's days, of which one is chosen.
+// Shows the days of a month, of which one is chosen.
 #pragma once
 
 #include "controls/Control.h"
@@ -14,10 +14,11 @@ struct CalendarDate {
     bool operator==(const CalendarDate&) const = default;
 };
 
-/// Whether there is such a day.
+/// Whether the calendar has such a day.
 bool IsCalendarDate(const CalendarDate& date);
 
-/// Shows a month and in it the chosen day. SelChange is raised by every new day, the user's and the code's.
+/// Shows a month with the chosen day in it. SelChange is raised by every new day, whether the user or the code chooses
+/// it.
 class MonthView : public Control
 {
 public:
@@ -27,7 +28,7 @@ public:
     int Year() const { return value_.Year; }
     int Month() const { return value_.Month; }
     int Day() const { return value_.Day; }
-    /// Chooses a day; a day that does not exist is refused: false, and the one chosen stays.
+    /// Chooses a day. Returns false, and keeps the day chosen before, when there is no such day.
     bool SetValue(const CalendarDate& date);
 
     Event SelChange;

@@ -1,4 +1,4 @@
-// Option buttons: of those of a group one at most is chosen.
+// Option buttons: in each group at most one is chosen.
 #pragma once
 
 #include "controls/Control.h"
@@ -14,7 +14,7 @@ namespace voxmate
 
 class OptionGroup;
 
-/// Value is true when it is the chosen one of its group. Choosing one, by the user or from code, unsets the others and
+/// Value is true for the chosen button of the group. Choosing a button, by the user or from code, unsets the others and
 /// raises the group's Click.
 class OptionButton : public Control
 {
@@ -58,7 +58,7 @@ public:
 
     OptionButton& operator()(int index) { return *buttons_.at(static_cast<std::size_t>(index)); }
     int Count() const { return static_cast<int>(buttons_.size()); }
-    /// Index of the chosen button, -1 while there is none.
+    /// The index of the chosen button, -1 when none is chosen.
     int Selected() const
     {
         for (std::size_t i = 0; i < buttons_.size(); ++i) {
@@ -67,7 +67,7 @@ public:
         }
         return -1;
     }
-    /// Chooses a button, which raises Click when it was not the chosen one already.
+    /// Chooses a button; raises Click unless it was chosen already.
     void Select(int index) { (*this)(index).Value = true; }
     void Enable(bool enabled)
     {
@@ -88,7 +88,7 @@ private:
             else
                 buttons_[i]->Value = false;
         }
-        // A copy, as the handler may do away with the group.
+        // A copy, because the handler may destroy the group.
         if (const auto handler = Click)
             handler(index);
     }

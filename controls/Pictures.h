@@ -9,7 +9,7 @@
 namespace voxmate
 {
 
-/// A picture box with a moving picture of the shared data (icons/NAME.gif), which plays for as long as it is seen.
+/// A picture box with an animated picture from the shared data (icons/NAME.gif), which plays while it is visible.
 class MovingPicture : public Control
 {
 public:
@@ -21,16 +21,16 @@ public:
     const int SizePx; ///< width and height in device-independent pixels
 };
 
-/// A picture box that holds other controls on the ground of a page (the arrangement says which, as with a frame). What
-/// does not fit scrolls.
+/// A picture box that holds other controls on the background of a page; the arrangement says which, as with a frame. It
+/// scrolls when its content does not fit.
 class Pane : public Frame
 {
 public:
     Pane(Form* form, std::string name) : Frame(form, std::move(name), {}) {}
 };
 
-/// A label that shows its caption in its font on one line: a large font is drawn only as large as the line, the size
-/// itself is told beside it.
+/// A label that shows its caption in its font on one line. A font too large for the line is drawn only as large as the
+/// line; its real size is given beside the sample.
 class FontSample : public Label
 {
 public:

@@ -1,4 +1,4 @@
-// A form without frame and title that stands where it says, moves by itself and places its labels by pixels.
+// A form without frame and title that sets its own place, moves by itself and places its labels by pixels.
 #pragma once
 
 #include "controls/Form.h"
@@ -13,8 +13,8 @@ class PlacedForm : public Form
 public:
     using Form::Form;
 
-    /// Where the window stands on the screen and how large it is, in twips; right and down are positive. Before it is
-    /// loaded, too.
+    /// The place and size of the window on the screen, in twips; right and down are positive. They are valid before the
+    /// form is loaded, too.
     std::int32_t Left() const { return left_; }
     std::int32_t Top() const { return top_; }
     std::int32_t Width() const { return width_; }

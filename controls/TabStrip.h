@@ -1,4 +1,4 @@
-// Tabs over pages of controls, one of which is on top (the arrangement says what is on each, see Tabbed).
+// Tabs for pages of controls, of which one is on top. The arrangement says what is on each page, see Tabbed.
 #pragma once
 
 #include "controls/Control.h"

@@ -13,7 +13,7 @@ namespace voxmate::agent
 namespace
 {
 
-// What a file without a balloon of its own gets.
+// The values for a file without balloon settings.
 constexpr std::uint32_t kDefaultLines = 4;
 constexpr std::uint32_t kDefaultCharacters = 32;
 constexpr int kDefaultPoints = 10;
@@ -42,7 +42,8 @@ BalloonFont FileFont(const AcsFile& file)
     if (!file.balloon)
         return font;
     font.name = file.balloon->fontName;
-    // Heights are pixels of 1/96 inch, points 1/72 inch; 0 leaves the choice to us, and no sane file asks for more.
+    // Heights are in pixels of 1/96 inch, points are 1/72 inch. 0 leaves the choice to us; no sane file asks for more
+    // than 200 points.
     const std::int64_t height = std::abs(std::int64_t{file.balloon->fontHeight});
     if (height > 0)
         font.points = static_cast<int>(std::clamp<std::int64_t>((height * 3 + 2) / 4, 1, 200));
@@ -107,7 +108,7 @@ void Balloon::Ended()
     SettleHiding();
 }
 
-/// Auto hide may be switched while the balloon stands there.
+/// Starts or stops the timer that hides the balloon, because auto hide may be switched while the balloon is on show.
 void Balloon::SettleHiding()
 {
     if (!ended_ || !text_ || !Has(BalloonAutoHide))
@@ -133,13 +134,13 @@ void Balloon::Follow()
         Update();
 }
 
-/// The work area on which the balloon of a body belongs.
+/// The work area on which the balloon of `body` belongs.
 Rect Balloon::Area(const Rect& body) const
 {
     return stage_.WorkArea({body.x + body.width / 2, body.y + body.height / 2});
 }
 
-/// Breaks the text into lines for the style and font of now and takes the bubble's measures.
+/// Breaks the text into lines for the present style and font, and computes the bubble's size.
 void Balloon::LayOut()
 {
     if (!Wanted()) {
@@ -148,7 +149,7 @@ void Balloon::LayOut()
     }
     const Rect area = Area(body_());
     room_ = {area.width, area.height};
-    // A font may be set to any size; what it measures is multiplied without fear of an overflow.
+    // The font may have any size, so products of its measures are computed in 64 bits.
     const std::int64_t characters = std::max(1u, (style_ & BalloonCharactersMask) >> 16);
     const std::int64_t wanted = characters * std::max(1, stage_.AverageCharWidth(font_));
     const auto inner =
@@ -170,7 +171,7 @@ void Balloon::LayOut()
     Update();
 }
 
-/// Shows what is to be seen now, if that is anything else than what is on the screen.
+/// Shows what is to be seen now, if that differs from what is on the screen.
 void Balloon::Update()
 {
     const bool autoPace = Has(BalloonAutoPace);
@@ -181,7 +182,7 @@ void Balloon::Update()
         return;
     }
     BalloonView view;
-    // The line being heard is the last one on show once the text is longer than the bubble is high.
+    // Once the text is longer than the bubble is high, the line being heard is the last one on show.
     const std::size_t heard = lines_.LineOfWord(word_);
     const std::size_t top = heard + 1 > rows_ ? heard + 1 - rows_ : 0;
     for (std::size_t i = top; i < top + rows_ && lines_.HasLine(i) && (!autoPace || i <= heard); ++i) {
@@ -208,7 +209,7 @@ void Balloon::Update()
     window_->Show(view_);
 }
 
-// A click and a drag both end with the button let go: either takes the balloon away, the voice goes on.
+// A click and a drag both end when the button is released. Either takes the balloon away; the voice goes on.
 void Balloon::OnMouse(const MouseEvent& event)
 {
     if (event.action == MouseAction::Release)

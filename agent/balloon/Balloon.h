@@ -1,4 +1,4 @@
-// A character's speech balloon: what stands in it, when it is there and where. The front end draws it.
+// A character's speech balloon: its text, and when and where it is shown. The front end draws it.
 #pragma once
 
 #include "agent/Stage.h"
@@ -15,8 +15,8 @@ namespace voxmate::agent
 class Balloon : public AgentBalloon
 {
 public:
-    /// Takes style, font and colours from the character's file. `body` tells where the drawn character stands on the
-    /// screen; both references outlive the balloon.
+    /// Takes style, font and colours from the character's file. `body` gives the place of the drawn character on the
+    /// screen. Both references outlive the balloon.
     Balloon(Stage& stage, const AcsFile& file, std::function<Rect()> body);
 
     std::uint32_t Style() const override { return style_; }
@@ -28,16 +28,16 @@ public:
     /// A size below 1 means the file's.
     void SetFontSize(int points) override;
 
-    /// A text is about to be spoken: it takes the place of the last one. With auto pace the balloon comes with its
-    /// first word. An empty text means no balloon.
+    /// A new text is about to be spoken; it replaces the last one. With auto pace the balloon appears with the first
+    /// word. An empty text means no balloon.
     void Begin(std::string text);
     /// The voice begins word `word` of the text, counted from 0.
     void Word(int word);
-    /// The voice has said all: all words are there, and with auto hide the balloon goes after AutoHideDelay.
+    /// The voice has said everything: all words are shown, and with auto hide the balloon goes after AutoHideDelay.
     void Ended();
     /// Takes the balloon away and forgets its text.
     void Hide();
-    /// The character has moved or changed its size, or the screen has.
+    /// The character has moved or changed its size, or the screen has changed.
     void Follow();
 
     /// Milliseconds from the end of the voice until auto hide takes the balloon away.
@@ -65,10 +65,10 @@ private:
     bool ended_ = false;
     int word_ = -1; ///< the word being heard
     BalloonText lines_;
-    std::size_t rows_ = 0; ///< lines the bubble has room for
+    std::size_t rows_ = 0; ///< lines that the bubble has room for
     int lineHeight_ = 0;
     Size size_;
-    Size room_; ///< of the work area that it was laid out for
+    Size room_; ///< size of the work area that it was laid out for
     std::unique_ptr<BalloonWindow> window_;
     bool onScreen_ = false;
     BalloonView view_; ///< as last shown

@@ -57,7 +57,7 @@ std::size_t BalloonText::LineOfWord(int word)
 {
     if (word < 0)
         return 0;
-    // A word's last piece is on the line before the first one that begins with a later word.
+    // A word's last piece is on the last line that begins with that word or an earlier one.
     while (word_ <= word && LayOutNext()) {
     }
     for (std::size_t i = lines_.size(); i > 0; --i)
@@ -66,12 +66,12 @@ std::size_t BalloonText::LineOfWord(int word)
     return 0;
 }
 
-/// The end of the longest stretch from `from` that fits on a line, at least one character.
+/// The end of the longest stretch from `from` that fits on a line; at least one character long.
 std::size_t BalloonText::FittingPrefix(std::size_t from, std::size_t end) const
 {
     std::vector<std::size_t> ends{from + CharacterAt(*text_, from)};
     const auto fits = [&](std::size_t to) { return measure_(text_->substr(from, to - from)) <= width_; };
-    // Doubling first, halving then: a word as long as a book is not measured as a whole.
+    // The step is first doubled, then halved, so that a word as long as a book is not measured as a whole.
     std::size_t good = 0;
     std::size_t bad = 0;
     for (std::size_t step = 1; bad == 0; step *= 2) {
@@ -114,8 +114,8 @@ bool BalloonText::LayOutNext()
             paragraphBegins_ = true;
             break;
         }
-        // No stretch of so many bytes fits on a line of 255 characters: what is behind it need not be looked at. What
-        // was looked at for the line before is not looked at again.
+        // So many bytes never fit on a line of 255 characters, so nothing behind them is scanned. What was scanned for
+        // the line before is not scanned again.
         constexpr std::size_t longest = 4000;
         scanned_ = std::max(scanned_, at_);
         while (scanned_ < text_->size() && !BlankAt(*text_, scanned_) && scanned_ - at_ < longest)

@@ -1,4 +1,4 @@
-// A balloon's text in lines: broken at blanks so that every line fits, words numbered as the voice counts them.
+// A balloon's text in lines, broken at blanks so that every line fits. Words are numbered as the voice counts them.
 #pragma once
 
 #include <cstddef>
@@ -10,26 +10,28 @@
 namespace voxmate::agent
 {
 
-/// Lines are laid out only as far as they are asked for, so that a long text costs no more than what is seen of it.
+/// Lines are laid out only as far as they are asked for, so a long text costs no more than the part of it that is seen.
 class BalloonText
 {
 public:
-    /// Width of a text on one line, in the unit of `width`.
+    /// The width of a text on one line, in the unit of `width`.
     using Measure = std::function<int(const std::string&)>;
 
     BalloonText() = default;
-    /// Breaks `text` (UTF-8) into lines at most `width` wide. Its own line ends (CR LF, LF or CR) end a line; runs of
-    /// blanks count as one; a word wider than a line is broken between characters, one character a line at the least.
+    /// Breaks `text` (UTF-8) into lines at most `width` wide. The text's own line ends (CR LF, LF or CR) end a line; a
+    /// run of blanks counts as one. A word wider than a line is broken between characters, with at least one character
+    /// on each line.
     BalloonText(std::shared_ptr<const std::string> text, int width, Measure measure);
 
     /// Whether there is a line `index`, counted from 0.
     bool HasLine(std::size_t index);
-    /// Line `index` with its words up to `lastWord` (counted from 0 over the whole text); negative: none of them.
+    /// Line `index` with its words up to number `lastWord` (counted from 0 over the whole text); without any when that
+    /// is negative.
     std::string Line(std::size_t index, int lastWord);
     /// Whether line `index` belongs to a paragraph (a stretch between line ends of the text) that runs from right to
     /// left.
     bool RunsRightToLeft(std::size_t index);
-    /// The line on which `word` ends; the last line for a word behind the end, 0 for one before the beginning.
+    /// The line on which `word` ends: the last line for a word past the end, 0 for a word before the beginning.
     std::size_t LineOfWord(int word);
 
 private:
@@ -49,13 +51,13 @@ private:
     int width_ = 0;
     Measure measure_;
     std::vector<PieceLine> lines_;
-    std::size_t at_ = 0;      ///< first byte not laid out
-    std::size_t scanned_ = 0; ///< no blank from there back to the first byte not laid out
+    std::size_t at_ = 0;      ///< first byte not laid out yet
+    std::size_t scanned_ = 0; ///< no blank stands between at_ and this byte
     bool midWord_ = false;    ///< the last line ended within a word
     int word_ = 0;            ///< number of the next word
-    bool lineOpen_ = true;    ///< there is a line to come, be it an empty one
+    bool lineOpen_ = true;    ///< another line follows, even if an empty one
     bool paragraphBegins_ = true;
-    bool rightToLeft_ = false; ///< the paragraph being laid out
+    bool rightToLeft_ = false; ///< whether the paragraph being laid out does
 };
 
 } // namespace voxmate::agent

@@ -11,11 +11,12 @@ namespace voxmate::agent
 namespace
 {
 
-// Behind the plan by more than this (a suspended machine, a stalled desktop) no frames are hurried to catch up.
+// In milliseconds. When playing is later than this (a suspended machine, a stalled desktop), frames are not hurried to
+// catch up.
 constexpr std::int64_t kMaxLateness = 500;
 
-/// Whether `next` takes up the pose in which `leaving` stands: it begins with the picture on show and is left by the
-/// same return animation, as ReadContinued goes on where Read holds. The way home and back again would be a jump.
+/// Whether `next` continues in the pose in which `leaving` stands: it begins with the picture on show and has the same
+/// return animation, as ReadContinued goes on where Read holds. Going home and back again would look like a jump.
 bool GoesOn(const Animation& leaving, const Frame& shown, const Animation& next)
 {
     if (&leaving == &next || leaving.transition != Transition::ReturnAnimation ||
@@ -31,7 +32,8 @@ std::int64_t Milliseconds(const Frame& frame)
     return std::int64_t{frame.duration} * 10;
 }
 
-/// The frames that may follow frame `index`. Without a branch to take, the next one does; behind the last is the end.
+/// The frames that may follow frame `index`: the targets of its branches, and the next frame if it may happen that no
+/// branch is taken. The end, behind the last frame, is left out.
 std::vector<std::size_t> Following(const std::vector<Frame>& frames, std::size_t index)
 {
     std::vector<std::size_t> following;
@@ -46,12 +48,12 @@ std::vector<std::size_t> Following(const std::vector<Frame>& frames, std::size_t
     return following;
 }
 
-/// When an animation has ended by itself at the latest, whose frame `from` has had its time at `due`: the longest way
-/// from there to the end. Never when a frame can come again, as then chance alone, or nothing, ends it.
+/// The latest time at which an animation ends by itself: the longest way to its end from frame `from`, whose time is
+/// over at `due`. Never when a frame can come again, because then chance alone, or nothing, ends it.
 std::int64_t LatestEnd(const std::vector<Frame>& frames, int from, std::int64_t due)
 {
     const auto start = static_cast<std::size_t>(from);
-    std::vector<std::size_t> leadingHere(frames.size()); // how many ways that can be taken lead to each frame
+    std::vector<std::size_t> leadingHere(frames.size()); // for each frame, the number of possible ways that lead to it
     std::vector<bool> found(frames.size());
     std::vector<std::size_t> reached{start};
     found[start] = true;
@@ -65,7 +67,7 @@ std::int64_t LatestEnd(const std::vector<Frame>& frames, int from, std::int64_t 
     }
     if (leadingHere[start] > 0)
         return Animator::Never;
-    // A frame's turn comes when all that lead to it have had theirs; in a circle that never happens.
+    // A frame's turn comes when all frames that lead to it have had theirs. In a loop that never happens.
     std::vector<std::int64_t> over(frames.size());
     over[start] = due;
     std::vector<std::size_t> turns{start};
@@ -184,8 +186,8 @@ void Animator::Clear()
     left_ = true;
 }
 
-/// Shows the first frame from `index` on that has a duration and whose time is not over yet; the end when there is
-/// none.
+/// Shows the first frame from `index` on that has a duration and whose time is not over yet; ends the animation when
+/// there is none.
 void Animator::Enter(int index)
 {
     const auto count = static_cast<int>(animation_->frames.size());
@@ -196,7 +198,7 @@ void Animator::Enter(int index)
             index = After(index);
             continue;
         }
-        // What is waited for has an end: a file may lead it in circles or have it stand still for minutes.
+        // What is waited for must end: a file may lead it in circles, or hold one frame for minutes.
         givenUp_ = (way_ != Way::Along && ++drawn_ > 2 * animation_->frames.size()) || stage_.Now() >= end_;
         if (givenUp_)
             break;
@@ -221,7 +223,7 @@ void Animator::Enter(int index)
     End();
 }
 
-/// The frame after `index`, by branches or exit branches; behind the last one: the end.
+/// The frame after `index`, by branches or exit branches. A number that is no frame's means the end.
 int Animator::After(int index)
 {
     if (way_ == Way::Exit)
@@ -238,7 +240,8 @@ int Animator::After(int index)
     return index + 1;
 }
 
-/// `onWayOut` says whether an exit branch has been taken, and is set when the one of this frame is.
+/// The frame after `index` on a way out by exit branches, -1 for the end. `onWayOut` says whether an exit branch has
+/// been taken, and is set when this frame's is taken.
 int Animator::AfterOnExit(int index, bool& onWayOut) const
 {
     constexpr int end = -1;
@@ -260,13 +263,13 @@ int Animator::AfterOnExit(int index, bool& onWayOut) const
     return std::any_of(behind, frames.end(), hasExit) ? index + 1 : end;
 }
 
-/// When the way out by exit branches has ended by itself; Never when it goes round.
+/// When a way out by exit branches ends by itself; Never when it loops.
 std::int64_t Animator::EndOfExits() const
 {
     const auto& frames = animation_->frames;
     const auto count = static_cast<int>(frames.size());
-    // Longer than this only if it goes round: a frame can come once before the first exit and once after it. A way of
-    // more than MaxUndrawn frames counts as one that goes round: drawn for 10 ms each they take too long anyway.
+    // A way is longer than this only if it loops: a frame can come once before the first exit and once after it. A way
+    // of more than MaxUndrawn frames counts as a loop: even at 10 ms a frame it would take too long.
     const int longest = std::min(2 * count, MaxUndrawn);
     std::int64_t over = due_;
     bool onWayOut = onWayOut_;
@@ -280,7 +283,8 @@ std::int64_t Animator::EndOfExits() const
     return Never;
 }
 
-/// A frame that always branches to itself changes nothing any more: no timer is needed, unless its sound is repeated.
+/// Whether a frame always branches to itself, so that nothing changes any more and no timer is needed. A sound that
+/// repeats, or a limit on the waiting, still needs one.
 bool Animator::StandsStill(const Frame& frame, int index) const
 {
     return end_ == Never && frame.sound < 0 && !frame.branches.empty() && frame.branches.front().frame == index &&
@@ -293,7 +297,7 @@ void Animator::Pass(const Frame* frame)
         pass_(*frame);
 }
 
-/// For the time of the frame on show to be over, or for the end of all waiting.
+/// Waits until the time of the frame on show is over, or until it is time to give up.
 void Animator::Wait()
 {
     const std::int64_t rest = std::min(due_, end_) - stage_.Now();

@@ -11,7 +11,7 @@ namespace voxmate::agent
 namespace
 {
 
-// Where a character stands until the user moves it: this far from the lower right corner of the work area, in pixels.
+// Distance in pixels from the lower right corner of the work area, at which a character stands until the user moves it.
 constexpr int kRightMargin = 40;
 constexpr int kLowerMargin = 16;
 
@@ -30,7 +30,7 @@ const Frame* NeutralFrame(const AcsFile& file)
     return FirstDrawn(file.FindAnimation("RestPose"));
 }
 
-/// A frame that can be drawn: one to speak in, which shows the whole figure, if there is one.
+/// A frame that can be drawn, preferably one to speak in, because that shows the whole figure.
 const Frame* AnySound(const AcsFile& file, const Painter& painter)
 {
     const Frame* any = nullptr;
@@ -90,7 +90,7 @@ Body::~Body()
 void Body::Appear()
 {
     if (!animator_.Shown()) {
-        // A character that is just there, without a showing animation.
+        // The character appears without a showing animation.
         const Frame* frame = neutral_;
         for (auto animation = file_.animations.begin(); !frame && animation != file_.animations.end(); ++animation)
             frame = FirstDrawn(&*animation);
@@ -111,7 +111,7 @@ void Body::Vanish()
     window_->SetVisible(false);
 }
 
-/// Where the user wants the window; where it stands, when that is not known.
+/// Where the user wants the window; where it stands when the user has not placed it.
 Rect Body::Home() const
 {
     if (!feet_)
@@ -119,7 +119,7 @@ Rect Body::Home() const
     return {feet_->x - size_.width / 2, feet_->y - size_.height, size_.width, size_.height};
 }
 
-/// Puts the window where it belongs while nobody holds it: wholly on a work area.
+/// Puts the window where it belongs when nobody is dragging it: wholly on a work area.
 void Body::Settle()
 {
     Rect area;
@@ -197,12 +197,12 @@ void Body::ScreensChanged()
     } else {
         ComeBack();
     }
-    // Even a body that stays has another room for its balloon now.
+    // Even if the body stays where it is, the room for its balloon has changed.
     if (Moved)
         Moved();
 }
 
-/// The user has put the window there.
+/// Notes that the user has put the window at `place`.
 void Body::TakePlace(Point place)
 {
     displaced_ = false;
@@ -254,7 +254,7 @@ void Body::LeaveOut(const std::vector<bool>& damaged)
         ShowSomething();
 }
 
-/// Instead of nothing, because no picture that was due could be drawn, the neutral pose.
+/// Shows the neutral pose if nothing is on show because no picture that was due could be drawn.
 void Body::ShowSomething()
 {
     if (painter_.Empty() && neutral_)

@@ -1,5 +1,5 @@
-// The character as it stands on the desktop: its window, its place and size, the frame on show with its mouth, and the
-// sounds of its frames. Knows nothing of requests.
+// The character on the desktop: its window, place and size, the frame on show with its mouth, and the sounds of its
+// frames. Knows nothing of requests.
 #pragma once
 
 #include "agent/Stage.h"
@@ -24,35 +24,37 @@ public:
     Body(const Body&) = delete;
     Body& operator=(const Body&) = delete;
 
-    /// The user's mouse over the character.
+    /// A mouse event on the character.
     std::function<void(const MouseEvent&)> Mouse;
     /// The body has moved or changed its size.
     std::function<void()> Moved;
 
     bool Visible() const { return visible_; }
-    /// Puts the window on the screen, with the picture it has by then: at its place, wholly on the work area.
+    /// Puts the window on the screen, with the picture it has by then, at its place and wholly on the work area.
     void Appear();
-    /// Takes it away; nothing plays any more.
+    /// Takes the window off the screen and ends all animation.
     void Vanish();
 
     Size ScreenSize() const { return size_; }
-    /// Scales the picture; below 1 means 1. The feet, the middle of the lower edge, stay where they are, if there is
-    /// room.
+    /// Scales the picture; a width or height below 1 means 1. The feet (the middle of the lower edge) stay where they
+    /// are if there is room.
     void SetScreenSize(Size size);
-    /// Moves the window's upper left corner to a point; the character's middle stays on the work area of the screen
-    /// that holds `pointer`, so that it can always be taken hold of again.
+    /// Moves the window's upper left corner to `topLeft`. The character's middle stays on the work area of the screen
+    /// that holds `pointer`, so that the user can always take hold of it again.
     void DragTo(Point topLeft, Point pointer);
     Point Place() const { return place_; }
     /// Where the user has put the feet; nothing while the body stands where it first appeared.
     std::optional<Point> Feet() const { return feet_; }
-    /// Puts the feet at a point, as if by the user; the body stays wholly on the work area.
+    /// Puts the feet at a point as if the user had; the body stays wholly on the work area.
     void StandAt(Point feet);
-    /// Comes back onto the work area if its middle lies on none.
+    /// Moves back onto the work area if the body's middle lies on none.
     void ComeBack();
-    /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner; one
-    /// whose place is on no screen any more goes to the nearest, and back when there is a screen again.
+    /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner. A
+    /// body whose place is no longer on any screen goes to the nearest one, and back when a screen covers its place
+    /// again.
     void ScreensChanged();
-    /// The drawn part of the character on the screen: of its neutral pose and of the one it stood in at TakeOutline.
+    /// The drawn part of the character on the screen, as measured by TakeOutline: its neutral pose and the pose it
+    /// stood in then, together. Without a measure it is the whole window.
     Rect Outline() const;
     void TakeOutline();
 
@@ -65,17 +67,17 @@ public:
     void Hurry() { animator_.Hurry(); }
     void Leave(const Animation* next, std::function<void()> done) { animator_.Leave(next, std::move(done)); }
     void Forget();
-    /// Stands in the neutral pose; stays as it is when the character has no pose of that kind.
+    /// Stands in the neutral pose. Without such a pose the character stays as it is.
     void StandNeutral();
     bool Moving() const { return animator_.Moving(); }
     /// Whether the frame on show has mouths.
     bool HasMouths() const { return animator_.Shown() && animator_.Shown()->HasMouths(); }
 
-    /// The images of these numbers cannot be decoded: what shows them is passed over, and when that is the neutral pose
-    /// another takes its place.
+    /// The images that cannot be decoded, by number. Frames that show one of them are passed over; if the neutral pose
+    /// does, another frame takes its place.
     void LeaveOut(const std::vector<bool>& damaged);
 
-    /// 0 to 6: the mouth of a character that speaks; negative: it does not speak.
+    /// The mouth of a speaking character, 0 to 6; negative while it does not speak.
     void SetMouth(int mouth);
     void SetSoundEffectsOn(bool on);
 
@@ -102,8 +104,8 @@ private:
     bool visible_ = false;
     Size size_;
     Point place_;
-    std::optional<Point> feet_; ///< as the user wants them; a work area may leave no room just there
-    bool displaced_ = false;    ///< no work area reaches as far as that
+    std::optional<Point> feet_; ///< where the user wants them; the work area may have no room there
+    bool displaced_ = false;    ///< no work area holds that place
     Rect outline_;              ///< in the file's pixels
 };
 

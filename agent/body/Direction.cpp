@@ -17,7 +17,7 @@ struct Range {
     char32_t last;
 };
 
-// The blocks of Unicode whose letters run from right to left: Hebrew, Arabic, Syriac, Thaana, N'Ko and their like.
+// The blocks of Unicode whose letters run from right to left: Hebrew, Arabic, Syriac, Thaana, N'Ko and the like.
 constexpr std::array<Range, 8> kRightToLeft{{{0x0590, 0x065F},
                                              {0x066D, 0x06EF},
                                              {0x06FA, 0x08FF},

@@ -25,7 +25,7 @@ void Gestures::Handle(const MouseEvent& event)
 
 void Gestures::Press(const MouseEvent& event)
 {
-    // One button at a time: a second one pressed meanwhile changes nothing.
+    // Only one button counts at a time; a second one pressed meanwhile changes nothing.
     if (button_ != 0)
         return;
     button_ = event.button;
@@ -61,7 +61,7 @@ void Gestures::Release(const MouseEvent& event)
         DragComplete(event.button, event.shift, event.at);
         return;
     }
-    // The second press of a double click has been told as such already.
+    // The second press of a double click has already raised DblClick.
     if (!double_)
         Click(event.button, event.shift, event.at);
     if (event.button == 2)

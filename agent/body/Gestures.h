@@ -16,16 +16,16 @@ public:
     std::function<void(int button, int shift, Point at)> DblClick;
     std::function<void(int button, int shift, Point at)> DragStart;
     std::function<void(int button, int shift, Point at)> DragComplete;
-    /// The pointer has moved while dragging: where the window's upper left corner should be, and where the pointer is.
+    /// The pointer has moved during a drag: where the window's upper left corner should be, and where the pointer is.
     std::function<void(Point topLeft, Point pointer)> Drag;
-    /// A right click: where on the screen the menu is wanted.
+    /// A right click: where on the screen the menu should open.
     std::function<void(Point screen)> Menu;
 
     void Handle(const MouseEvent& event);
-    /// Forgets a button held down: the window has gone.
+    /// Forgets a button held down, because the window has gone.
     void Reset() { button_ = 0; }
 
-    /// With a move of more than this many pixels in either direction a press is a drag.
+    /// A press becomes a drag when the pointer moves more than this many pixels horizontally or vertically.
     static constexpr int DragThreshold = 4;
 
 private:
@@ -33,7 +33,7 @@ private:
     void Move(const MouseEvent& event);
     void Release(const MouseEvent& event);
 
-    int button_ = 0; ///< held down; 0: none
+    int button_ = 0; ///< the button held down; 0: none
     bool double_ = false;
     bool dragging_ = false;
     MouseEvent pressed_;

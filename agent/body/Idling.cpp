@@ -7,7 +7,7 @@ namespace voxmate::agent
 
 std::vector<const Animation*> StateAnimations(const AcsFile& file, const char* state)
 {
-    // No character has more to choose from; a file that pretends to must not take minutes to be looked through.
+    // No real character has more to choose from, and a hostile file must not take minutes to search.
     constexpr std::size_t mostNames = 100;
     std::vector<const Animation*> found;
     if (const auto* names = file.FindState(state))
@@ -46,7 +46,7 @@ int Idling::Delay(std::int64_t since)
 {
     if (LevelNow(since))
         return GapMinimum + stage_.Random(GapSpread + 1);
-    // Nothing to play yet: the next wake-up is when the first level that has something begins.
+    // Nothing to play yet: the next wake-up is when the first level that has animations begins.
     const std::int64_t alone = stage_.Now() - since;
     for (const auto& [level, after] : {std::pair{std::size_t{2}, Level2After}, std::pair{std::size_t{3}, Level3After}})
         if (!levels_[level - 1].empty() && after > alone)

@@ -1,4 +1,5 @@
-// When and how a character with nothing to do moves: three levels, the longer it has been left alone.
+// When and how a character with nothing to do moves. There are three levels; the longer it has been left alone, the
+// higher its level.
 #pragma once
 
 #include "agent/Stage.h"
@@ -15,17 +16,18 @@ class Idling
 public:
     Idling(Stage& stage, const AcsFile& file);
 
-    /// Between two idle animations pass GapMinimum to GapMinimum + GapSpread milliseconds, at random.
+    /// The pause between two idle animations is GapMinimum to GapMinimum + GapSpread milliseconds, at random.
     static constexpr int GapMinimum = 3000;
     static constexpr int GapSpread = 4000;
-    /// Milliseconds since the last request (or press on the character) from which on the levels 2 and 3 are played.
+    /// Levels 2 and 3 begin this many milliseconds after the last request or press on the character.
     static constexpr std::int64_t Level2After = 120'000;
     static constexpr std::int64_t Level3After = 300'000;
 
-    /// Milliseconds from now to the next idle animation of a character left alone since `since` (by the stage's clock);
-    /// -1: there will be none.
+    /// Milliseconds until the next idle animation of a character left alone since `since` (by the stage's clock); -1
+    /// when there will be none.
     int Delay(std::int64_t since);
-    /// One of the animations of the level reached, or of the next lower level that has any; null when there is none.
+    /// One of the animations of the level reached, or of the next lower level that has any, at random; null when there
+    /// is none.
     const Animation* Choose(std::int64_t since);
 
 private:
@@ -35,11 +37,10 @@ private:
     std::array<std::vector<const Animation*>, 3> levels_;
 };
 
-/// The animations of a state that exist and have frames, in the file's order; of more than 100 names
-/// the first 100 count.
+/// The animations of a state that exist and have frames, in the file's order. Only the state's first 100 names count.
 std::vector<const Animation*> StateAnimations(const AcsFile& file, const char* state);
 
-/// One of them at random; null when there is none.
+/// One of `animations` at random; null when there is none.
 const Animation* PickAnimation(Stage& stage, const std::vector<const Animation*>& animations);
 
 } // namespace voxmate::agent

@@ -28,14 +28,15 @@ Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
         key.push_back(image.y);
     }
     if (overlay != frame.overlays.end()) {
-        // An overlay's key ends with a number no image's vertical position has, so that the two cannot be mistaken.
+        // An overlay's part of the key ends with a number that no image's vertical position has, so that the two cannot
+        // be mistaken for each other.
         constexpr std::int32_t overlayMark = 1 << 20;
         key.insert(key.end(), {overlay->image, overlay->x, overlay->y, overlayMark});
     }
     return key;
 }
 
-/// Every third number of a key, from the first on, is an image's.
+/// Every third number of a key, beginning with the first, is the number of an image.
 bool Painter::ShowsDamaged(const Key& key) const
 {
     for (std::size_t i = 0; i + 2 < key.size(); i += 3)
@@ -83,7 +84,7 @@ void Painter::Show(const Frame& frame, int mouth, Size size)
     }
 }
 
-/// Shows a frame; false when an image of it cannot be decoded.
+/// Shows a frame; returns false when one of its images cannot be decoded.
 bool Painter::Draw(const Frame& frame, int mouth, Size size)
 {
     Key key = KeyOf(frame, mouth);
@@ -103,7 +104,7 @@ Rect Painter::Outline(const Frame& frame)
     const Key key = KeyOf(frame, -1);
     if (const auto known = outlines_.find(key); known != outlines_.end())
         return known->second;
-    // Poses in which a character speaks: no file has so many.
+    // These are poses in which a character speaks; no real file has so many.
     constexpr std::size_t most = 1000;
     if (outlines_.size() == most)
         outlines_.clear();

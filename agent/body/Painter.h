@@ -1,5 +1,5 @@
-// Draws frames into the character's window: only when the picture changes, and composing each picture once while it is
-// remembered.
+// Draws frames into the character's window. It draws only when the picture changes, and composes each picture once
+// while it is remembered.
 #pragma once
 
 #include "agent/Stage.h"
@@ -24,19 +24,20 @@ public:
     Painter(const Painter&) = delete;
     Painter& operator=(const Painter&) = delete;
 
-    /// Shows a frame with one of its mouths; negative, or a mouth the frame does not have: without. A mouth whose image
-    /// cannot be decoded is left out, a frame with such an image leaves the picture as it was. While the window is busy
-    /// nothing is composed: of what is shown meanwhile only the last remains, so it outlives that time.
+    /// Shows a frame with mouth `mouth`; without a mouth when that is negative or the frame does not have it. A mouth
+    /// whose image cannot be decoded is left out; a frame with such an image leaves the picture as it was. While the
+    /// window is busy nothing is composed: the last frame asked for is kept and shown when the window is ready, so
+    /// `frame` must live until then.
     void Show(const Frame& frame, int mouth, Size size);
     /// Whether nothing has been shown yet.
     bool Empty() const { return !shown_.bitmap && !waiting_; }
 
-    /// The images of these numbers cannot be decoded, nobody need try.
+    /// The images that cannot be decoded, by number. Nobody need try to decode them.
     void LeaveOut(std::vector<bool> damaged) { damaged_ = std::move(damaged); }
-    /// Whether a frame, without a mouth, shows something, and nothing that is left out.
+    /// Whether a frame, without a mouth, has images and none of them is left out.
     bool IsSound(const Frame& frame) const { return !frame.images.empty() && !ShowsDamaged(KeyOf(frame, -1)); }
 
-    /// The rectangle that holds all that is drawn of a frame, in the character's own pixels; empty when nothing is.
+    /// The rectangle around all that is drawn of a frame, in the character's own pixels; empty when nothing is drawn.
     Rect Outline(const Frame& frame);
 
     /// Bytes of composed pictures that are remembered, besides the one on show: some 60 frames of 180 by 180 pixels.
@@ -44,7 +45,7 @@ public:
     std::size_t MemoryUsed() const { return used_; }
 
 private:
-    /// What a picture is made of: two frames of the same images are the same picture.
+    /// What a picture is made of. Frames made of the same images are the same picture.
     using Key = std::vector<std::int32_t>;
     struct Wanted {
         const Frame* frame;
@@ -62,10 +63,10 @@ private:
     CharacterWindow& window_;
     Picture shown_;
     Size shownSize_;
-    std::optional<Wanted> waiting_; ///< until the window is ready
+    std::optional<Wanted> waiting_; ///< shown when the window is ready
     std::map<Key, Rect> outlines_;
-    std::vector<bool> damaged_;   ///< images that cannot be decoded, by number; empty while that is not known
-    std::list<Picture> pictures_; ///< the last used in front
+    std::vector<bool> damaged_;   ///< images that cannot be decoded, by number; empty while not known yet
+    std::list<Picture> pictures_; ///< most recently used first
     std::map<Key, std::list<Picture>::iterator> index_;
     std::size_t used_ = 0; ///< bytes
 };

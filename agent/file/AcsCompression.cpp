@@ -13,21 +13,21 @@ namespace
 {
 
 constexpr std::size_t HeadSize = 1; // a zero byte
-constexpr std::size_t TailSize = 6; // bytes 0xFF; they hold the end code when the data does not bring its own
+constexpr std::size_t TailSize = 6; // bytes 0xFF; they supply the end code when the data has none of its own
 constexpr std::uint32_t EndOfData = 0xFFFFF;
 constexpr int MostLengthBits = 11;
 
-// The four widths of a distance, chosen by the number of one bits that follow the copy bit.
+// The four widths of a distance, selected by the number of one bits that follow the copy bit.
 struct DistanceClass {
     int prefixBits; // the one bits and, except after three of them, the zero bit that ends them
     int valueBits;
     std::uint32_t base;
-    std::uint32_t shortest; // the least length that a copy of this class has
+    std::uint32_t shortest; // the least length of a copy in this class
 };
 constexpr std::array<DistanceClass, 4> Classes{{{1, 6, 1, 2}, {2, 9, 65, 2}, {3, 12, 577, 2}, {3, 20, 4673, 3}}};
 
-// The longest bits of one code: copy bit, prefix, distance, unary length, length value; one filling of 57 bits holds
-// it.
+// The parts of the longest code: copy bit, prefix, distance, unary length, length value. One Fill, of 57 bits, holds
+// all of it.
 static_assert(1 + 3 + 20 + (MostLengthBits + 1) + MostLengthBits <= 57);
 
 class BitReader
@@ -46,7 +46,7 @@ public:
                 const int bytes = (63 - count_) / 8;
                 next_ += bytes;
                 count_ += bytes * 8;
-                // Bits above count_ are those of next_ again; the next filling puts the same ones there.
+                // The bits above count_ are already those of *next_; the next Fill puts the same bits there again.
                 return;
             }
         }
@@ -91,7 +91,7 @@ public:
             count_ -= 8;
         }
     }
-    // Fills the last byte with ones, so that they run on into the tail.
+    // Fills the last byte with ones, which continue in the tail.
     void FillWithOnes()
     {
         if (count_ > 0)
@@ -198,14 +198,14 @@ std::size_t ClassOf(std::size_t distance)
     return kind;
 }
 
-// The number of value bits that say a length `extra` above the shortest.
+// The number of value bits that express a length `extra` above the shortest.
 int LengthBits(std::size_t extra)
 {
     return static_cast<int>(std::bit_width(extra + 1)) - 1;
 }
 
-// Finds earlier occurrences through chains of positions that start with the same two bytes (nearest first), so that
-// for each distance class the longest one within reach is known.
+// Finds earlier occurrences of the bytes at a position: the nearest with the same two bytes, and a chain, nearest
+// first, of those with the same hash of four bytes. Keeps the longest match found for each distance class.
 class Matches
 {
 public:
@@ -219,7 +219,7 @@ public:
         std::size_t length = 0; // 0: none
     };
 
-    // The longest match at `at` for each distance class; positions must be asked for in order, each once.
+    // The longest match found at `at` for each distance class. Positions must be asked for in order, each once.
     const std::array<Match, 4>& Find(std::size_t at)
     {
         constexpr std::size_t longEnough = 512;
@@ -267,7 +267,8 @@ private:
         std::memcpy(&word, bytes_.data() + at, sizeof word);
         return (word * 2654435761u) >> 16;
     }
-    // Compares with the occurrence at `from`; false when everything from there on is out of reach or long enough.
+    // Compares with the occurrence at `from`. Returns false when no farther one need be tried, because they are out of
+    // reach or the match is long enough.
     bool Try(std::size_t at, std::size_t from)
     {
         const std::size_t distance = at - from;
@@ -276,7 +277,8 @@ private:
         if (distance > std::size_t{kind.base} + EndOfData - 1)
             return false;
         const std::size_t most = std::min(bytes_.size() - at, LongestAt(kind));
-        // A farther class costs more bits, so it only helps when it is longer than every nearer one.
+        // A copy from a farther class costs more bits, so it only helps when it is longer than those of all nearer
+        // classes.
         std::size_t toBeat = 0;
         for (std::size_t nearer = 0; nearer <= k; ++nearer)
             toBeat = std::max(toBeat, found_[nearer].length);
@@ -299,14 +301,15 @@ private:
     std::array<Match, 4> found_{};
 };
 
-// The cheapest way found to reach a position: by one byte (distance 0) or by a copy.
+// The cheapest known way to reach a position: by a single byte (distance 0) or by a copy.
 struct Step {
     std::uint32_t cost = std::numeric_limits<std::uint32_t>::max();
     std::uint32_t distance = 0;
     std::uint32_t length = 0;
 };
 
-// Goes once through the data; every position hands its cost on along the single byte and the copies that start there.
+// Goes through the data once. Each position passes its cost on to the ends of the single byte and the copies that start
+// there.
 std::vector<Step> CheapestSteps(std::span<const std::uint8_t> bytes)
 {
     std::vector<Step> steps(bytes.size() + 1);
@@ -326,8 +329,8 @@ std::vector<Step> CheapestSteps(std::span<const std::uint8_t> bytes)
                 continue;
             const std::size_t extraMost = found[k].length - kind.shortest;
             const auto base = cost + 1 + static_cast<std::uint32_t>(kind.prefixBits + kind.valueBits);
-            // Lengths that take the same number of bits cost the same: the longest of each size is enough, and the
-            // few shortest, which decide how the next copy starts.
+            // Lengths that take the same number of bits cost the same, so the longest of each bit count is enough. The
+            // few shortest lengths are tried, too, because they decide where the next copy starts.
             for (std::size_t extra = 0;;) {
                 const auto bits = static_cast<std::uint32_t>(LengthBits(extra));
                 reach(at + kind.shortest + extra, base + 2 * bits + 1, found[k].distance, kind.shortest + extra);
@@ -346,7 +349,7 @@ std::vector<Step> CheapestSteps(std::span<const std::uint8_t> bytes)
 std::vector<std::uint8_t> Compress(std::span<const std::uint8_t> bytes)
 {
     const std::vector<Step> steps = CheapestSteps(bytes);
-    std::vector<std::size_t> path; // the ends of the steps, last first
+    std::vector<std::size_t> path; // where the steps end, last step first
     for (std::size_t at = bytes.size(); at > 0; at -= steps[at].length)
         path.push_back(at);
 
@@ -369,7 +372,7 @@ std::vector<std::uint8_t> Compress(std::span<const std::uint8_t> bytes)
         bits.Put((1u << lengthBits) - 1, lengthBits + 1);
         bits.Put(extra + 1 - (1u << lengthBits), lengthBits);
     }
-    // The end code is 24 one bits, which the tail brings.
+    // The end code is 24 one bits, which the tail supplies.
     bits.FillWithOnes();
     out.insert(out.end(), TailSize, 0xFF);
     return out;

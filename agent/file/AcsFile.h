@@ -1,4 +1,4 @@
-// The character file (.acs, version 2): its content in memory, and the reader. Every number in a file is untrusted.
+// The character file (.acs, version 2): its content in memory, and its reader. Every number in a file is untrusted.
 #pragma once
 
 #include "base/Geometry.h"
@@ -17,7 +17,7 @@
 namespace voxmate::agent
 {
 
-/// A file that cannot be read as a character; the message names the file and says what is wrong with it.
+/// A file that cannot be read as a character. The message names the file and says what is wrong with it.
 class AcsError : public std::runtime_error
 {
 public:
@@ -26,7 +26,7 @@ public:
 
 using Guid = std::array<std::uint8_t, 16>;
 
-/// An identifier in its text form, in braces and capitals: the first three fields are stored lowest byte first.
+/// An identifier in its text form, in braces and capitals. Its first three fields are stored lowest byte first.
 std::string GuidText(const Guid& guid);
 
 enum CharacterFlag : std::uint32_t {
@@ -104,13 +104,13 @@ inline constexpr int MouthCount = 7;
 
 struct Overlay {
     std::uint8_t mouth = MouthClosed;
-    bool replaceFront = false; ///< in place of the frame's front-most image, otherwise over it
+    bool replaceFront = false; ///< drawn in place of the frame's front-most image, otherwise over it
     std::uint16_t image = 0;
     std::int16_t x = 0;
     std::int16_t y = 0;
     std::uint16_t width = 0;
     std::uint16_t height = 0;
-    std::optional<std::vector<std::uint8_t>> region; ///< as in the file
+    std::optional<std::vector<std::uint8_t>> region; ///< as stored in the file
 };
 
 struct Frame {
@@ -132,12 +132,12 @@ struct Animation {
     std::vector<Frame> frames;
 };
 
-/// An image as it stands in the file, palette indices bottom-up, rows padded to 4 bytes; decoded only when asked for.
+/// An image as stored in the file: palette indices bottom-up, rows padded to 4 bytes. It is decoded only on demand.
 struct StoredImage {
     std::uint16_t width = 0;
     std::uint16_t height = 0;
     bool compressed = false;
-    std::uint32_t offset = 0; ///< of the pixel bytes
+    std::uint32_t offset = 0; ///< of the pixel bytes in the file
     std::uint32_t size = 0;   ///< in bytes, as stored
 };
 
@@ -148,7 +148,8 @@ struct IndexedImage {
     std::vector<std::uint8_t> pixels; ///< rows top-down, not padded: `width * height` palette indices
 };
 
-/// What a character file says of its character, images and sounds aside; the versions are those of a file of our own.
+/// What a character file says of its character, without images and sounds. The default versions are those of files we
+/// write.
 struct AcsContent {
     std::uint16_t minorVersion = 1;
     std::uint16_t majorVersion = 2;
@@ -168,26 +169,26 @@ struct AcsContent {
     std::vector<Animation> animations;                                    ///< in file order
 };
 
-/// A whole character. Immutable once read; images are decoded on demand from the file's bytes, which it keeps.
+/// A whole character. Immutable once read. It keeps the file's bytes and decodes images from them on demand.
 class AcsFile : public AcsContent
 {
 public:
-    /// Reads and checks a file's structure; raises AcsError, naming `path`, for anything that is not as it must be.
+    /// Reads a file and checks its structure; raises AcsError, which names `path`, when anything in it is wrong.
     static std::shared_ptr<const AcsFile> Open(const std::string& path);
-    /// The same from bytes in memory; `name` stands for the path in messages.
+    /// The same for bytes in memory; `name` stands for the path in messages.
     static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
 
     std::string path;
     std::size_t ImageCount() const { return images_.size(); }
     std::size_t SoundCount() const { return sounds_.size(); }
-    /// How image `index` is kept in the file. The index must exist.
+    /// How image `index` is stored in the file. The index must exist.
     const StoredImage& Stored(std::size_t index) const { return images_.at(index); }
     /// Decodes one image; raises AcsError when its data does not decode to exactly its size.
     IndexedImage DecodeImage(std::size_t index) const;
-    /// The bytes of one sound: a whole RIFF wave file.
+    /// The bytes of one sound, a whole RIFF wave file; raises AcsError when there is no such sound.
     std::span<const std::uint8_t> Sound(std::size_t index) const;
 
-    /// Finds an animation or a state's animations by name without regard to case; nullptr when there is none.
+    /// Finds an animation, or a state's animations, by name without regard to case; nullptr when there is none.
     const Animation* FindAnimation(const std::string& name) const;
     const std::vector<std::string>* FindState(const std::string& name) const;
 
@@ -202,8 +203,8 @@ private:
     std::vector<StoredSound> sounds_;
 };
 
-/// Composes frame `index` of an animation as it stands on the screen, `mouth` >= 0 with that mouth's overlay: a bitmap
-/// of the character's size, transparent where nothing is drawn.
+/// Composes a frame as it stands on the screen: a bitmap of the character's size, transparent where nothing is drawn.
+/// `mouth`, 0 or more, adds the frame's overlay for that mouth. Raises AcsError when an image cannot be decoded.
 Bitmap ComposeFrame(const AcsFile& file, const Frame& frame, int mouth);
 
 } // namespace voxmate::agent

@@ -1,5 +1,5 @@
-// Reads a character file's structure into memory. Nothing in the file is believed: every place, count and number is
-// checked against what is really there before it is used or memory is taken for it.
+// Reads a character file's structure into memory. Nothing in the file is trusted: every place, count and number is
+// checked against what is really there before it is used or memory is allocated for it.
 #include "agent/file/AcsCompression.h"
 #include "agent/file/AcsFile.h"
 #include "agent/file/AcsLimits.h"
@@ -14,7 +14,7 @@ namespace voxmate::agent
 namespace
 {
 
-/// A name from the file as a message shows it, in quotes: on one line, and no more of it than is needed to know it.
+/// A name from the file as a message shows it: in quotes, on one line, and no longer than is needed to recognise it.
 std::string Quoted(const std::string& name)
 {
     constexpr std::size_t longest = 60; // the longest of the standard animation set has 21 characters
@@ -25,7 +25,8 @@ std::string Quoted(const std::string& name)
             AppendUtf8(shown, U'…');
             break;
         }
-        // Controls, ends of lines and paragraphs, and what turns the direction of the text behind it.
+        // Control characters, line and paragraph separators, and characters that change the direction of the text
+        // become blanks.
         const bool plain =
             c >= 0x20 && (c < 0x7F || c > 0x9F) && (c < 0x2028 || c > 0x202E) && (c < 0x2066 || c > 0x2069);
         AppendUtf8(shown, plain ? c : U' ');
@@ -48,7 +49,7 @@ private:
         bool Empty() const { return offset == 0 && size == 0; }
     };
 
-    // A walk through one section of the file; what is asked for past its end is the file's lie, not ours.
+    // Reads through one section of the file; fails when more is asked for than the section holds.
     class Cursor
     {
     public:
@@ -77,7 +78,8 @@ private:
                    std::uint32_t{p[3]} << 24;
         }
         std::int32_t I32() { return static_cast<std::int32_t>(U32()); }
-        // Two operands of one expression have no order: each value is read in a statement of its own.
+        // The operands of one expression are evaluated in no fixed order, so each value is read in a statement of its
+        // own.
         Locator Place()
         {
             Locator place;
@@ -116,14 +118,15 @@ private:
             const std::uint8_t* p = Take(size);
             return {p, p + size};
         }
-        // A count of items that take at least `least` bytes each.
+        // Returns `count`; fails when so many items of at least `least` bytes each cannot fit into the rest of the
+        // section.
         std::uint32_t Checked(std::uint32_t count, std::size_t least, const char* items) const
         {
             if (count > Left() / least)
                 Fail("claims " + std::to_string(count) + " " + items + ", more than it holds");
             return count;
         }
-        // The count of one of the file's three lists, whose entries take 12 bytes at the least.
+        // The number of entries in one of the file's three lists; each entry takes at least 12 bytes.
         std::uint32_t Entries(const char* items)
         {
             const std::uint32_t count = Checked(U32(), 12, items);
@@ -307,7 +310,7 @@ void AcsReader::ReadImages(Locator where)
     file_.images_.resize(count);
     for (std::uint32_t i = 0; i < count; ++i) {
         const Locator image = in.Place();
-        in.U32(); // the checksum: its rule differs between makers of files, so it proves nothing
+        in.U32(); // the checksum: makers of files compute it differently, so it proves nothing
         if (!image.Empty())
             ReadImage(image, file_.images_[i], "image " + std::to_string(i));
     }
@@ -373,7 +376,8 @@ void AcsReader::ReadAnimation(Locator where, Animation& animation)
 {
     Cursor in(*this, where, "the animation " + Quoted(animation.name));
     const std::size_t start = in.Position();
-    // The list is what an animation is found by; the animation's own spelling of the same name is the one to show.
+    // Animations are found by the name in the list. If the animation itself has the same name in another case, that
+    // spelling is the one to show.
     if (std::string own = in.String(); EqualNoCase(own, animation.name))
         animation.name = std::move(own);
     const std::uint8_t transition = in.U8();
@@ -387,7 +391,7 @@ void AcsReader::ReadAnimation(Locator where, Animation& animation)
         ReadFrame(in, frame);
     CheckFrames(animation);
 
-    // Animations that share their bytes could stand for any amount of memory.
+    // Without this limit, animations that share their bytes could take any amount of memory.
     animationBytes_ += in.Position() - start;
     if (animationBytes_ > file_.bytes_.size() + SharedAnimationBytes)
         Fail("its animations overlap one another too often");

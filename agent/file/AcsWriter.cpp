@@ -66,7 +66,7 @@ public:
         U16(0);
     }
     std::uint32_t Position() const { return Fit<std::uint32_t>(bytes.size(), "bytes"); }
-    // Leaves room for a locator; Locate fills it in with what was written from `start` to the present end.
+    // Leaves room for a locator. Locate fills it in with the place of what was written from `start` to the present end.
     std::size_t ReserveLocator()
     {
         U32(0);
@@ -113,7 +113,7 @@ void WriteBalloon(Out& out, const BalloonInfo& balloon)
     out.U8(balloon.unused);
 }
 
-// Returns where the locator of the names stands.
+// Returns the position of the locator of the names.
 std::size_t WriteCharacter(Out& out, const AcsDescription& d)
 {
     out.U16(d.minorVersion);
@@ -248,7 +248,7 @@ std::vector<std::uint8_t> WriteAcs(const AcsDescription& d)
     WriteNames(out, d.names);
     out.Locate(namesLocator, start);
 
-    // The lists come first with their locators open, then what they point to.
+    // The lists come first, with their locators still open; what they point to follows.
     std::vector<std::size_t> animations;
     start = out.Position();
     out.U32(Fit<std::uint32_t>(d.animations.size(), "animations"));

@@ -1,4 +1,4 @@
-// Looks for images of a character file that cannot be decoded, which its structure does not show.
+// Finds images of a character file that cannot be decoded. Checking the file's structure does not reveal them.
 #pragma once
 
 #include "agent/file/AcsFile.h"
@@ -12,12 +12,12 @@ namespace voxmate::agent
 
 /// What is wrong with the images of a file.
 struct PictureFaults {
-    std::string first;         ///< the message of the first fault, which names the file; empty when all are sound
-    std::vector<bool> damaged; ///< of each image, by its number, whether it cannot be decoded
+    std::string first;         ///< message of the first fault, which names the file; empty when all are sound
+    std::vector<bool> damaged; ///< for each image, by number: whether it cannot be decoded
 };
 
-/// Decodes every image, those that several entries of the list share once. May run on any thread; when it is asked to
-/// stop it answers with what it has found so far.
+/// Decodes every image; one that several entries of the list share is decoded once. May run on any thread. When asked
+/// to stop, it returns what it has found so far.
 PictureFaults CheckPictures(const AcsFile& file, std::stop_token stop = {});
 
 } // namespace voxmate::agent

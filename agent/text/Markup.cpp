@@ -41,7 +41,7 @@ struct Tag {
     std::string name;
     std::vector<Value> values;
     bool bare = true;       ///< without an equal sign
-    std::size_t length = 0; ///< bytes to go on behind
+    std::size_t length = 0; ///< bytes that the tag takes; reading goes on behind them
 };
 
 constexpr std::array<const char*, 11> kNames{"Chr", "Ctx", "Emp", "Lst", "Map", "Mrk",
@@ -55,8 +55,8 @@ bool IsKnown(std::string_view name)
 class TagReader
 {
 public:
-    /// Values that are read of one tag. None takes more than two; without a bound a text in which tag after tag could
-    /// go on to its end would be read from each of them.
+    /// Values that are read of one tag. No tag takes more than two. Without this bound, a text in which every tag could
+    /// run on to the text's end would be read to the end once for each tag.
     static constexpr std::size_t MostValues = 4;
 
     /// `text` begins with the backslash.
@@ -68,7 +68,7 @@ public:
         while (IsLetter(At()))
             tag_.name += text_[at_++];
         SkipBlanks();
-        std::size_t unclosed = 0; // behind what a tag that is never closed takes with it
+        std::size_t unclosed = 0; // end of what an unclosed tag takes with it
         while (!tag_.name.empty() && At() == '=' && tag_.values.size() < MostValues) {
             tag_.bare = false;
             unclosed = ++at_;
@@ -87,7 +87,7 @@ public:
             if (known)
                 return End(Tag::Kind::Dropped, at_ + 1);
         } else if (known && !tag_.values.empty()) {
-            // A tag that was never closed: what it would have said goes, the text behind it stays.
+            // The tag was never closed: it is dropped, the text behind it stays.
             return End(Tag::Kind::Dropped, unclosed);
         }
         const std::size_t closed = FormOfATag();
@@ -129,11 +129,12 @@ private:
         return true;
     }
 
-    /// Whether two backslashes stand there, which mean one.
+    /// Whether two backslashes, which mean one, stand at byte `at`.
     bool EscapedAt(std::size_t at) const { return text_.substr(at, 2) == "\\\\"; }
 
-    /// Where the text ends that is quoted from here on, 0 when none is. A quote that no other part of the tag follows
-    /// is one within the text, unless the tag ends neither in this line nor before the next one.
+    /// The position of the quote that closes the quoted text beginning here, 0 when no quoted text does. A quote
+    /// followed by an equal sign or a backslash is the closing one; others belong to the text. If no such quote comes
+    /// before the next backslash or line end, the first quote closes the text.
     std::size_t ClosingQuote() const
     {
         if (At() != '"')
@@ -154,7 +155,8 @@ private:
         return first;
     }
 
-    // Anything without a blank between two backslashes of one line has the form of a tag: behind its end, or 0.
+    // The end of what has the form of a tag: anything without a blank between two backslashes of one line. 0 when there
+    // is none.
     std::size_t FormOfATag() const
     {
         for (std::size_t i = 1; i < text_.size() && !BlankAt(text_, i); ++i)
@@ -195,7 +197,7 @@ std::optional<int> Number(const Tag& tag)
 class Parser
 {
 public:
-    // Bytes that are not UTF-8 become U+FFFD, so that all who see the text after us count the same characters.
+    // Bytes that are not UTF-8 become U+FFFD, so that everything that reads the text later counts the same characters.
     explicit Parser(std::string_view text)
         : repaired_(IsValidUtf8(text) ? std::string() : Repaired(text)), text_(repaired_.empty() ? text : repaired_)
     {
@@ -235,7 +237,7 @@ public:
     }
 
 private:
-    /// Whether there is nothing but `tag` and blanks in the text.
+    /// Whether the text holds nothing but `tag` and blanks.
     bool IsAlone(std::string_view tag) const
     {
         std::size_t at = 0;
@@ -251,8 +253,9 @@ private:
         return EncodeUtf8({points.data(), points.size()});
     }
 
-    /// Adds a piece of whole characters to the shown text, which begins and ends with a word, and keeps count of its
-    /// words. Returns which of them is the first that the piece is part of, -1 when it is blank.
+    /// Adds a piece of whole characters to the shown text and counts its words. The shown text begins and ends with a
+    /// word, so blanks before the first word are left out. Returns the number of the first word that the piece is part
+    /// of, -1 when the piece is blank.
     int Show(std::string_view piece)
     {
         std::size_t begin = 0;
@@ -263,7 +266,7 @@ private:
         result_.shown += piece.substr(begin);
         int first = -1;
         for (std::size_t at = begin; at < piece.size();) {
-            // Most of most texts is ASCII.
+            // Most characters of most texts are ASCII.
             const auto byte = static_cast<unsigned char>(piece[at]);
             const bool ascii = byte < 0x80;
             const std::size_t blank = ascii ? (byte <= 0x20 || byte == 0x7F ? 1u : 0u) : BlankAt(piece, at);
@@ -303,7 +306,7 @@ private:
         pendingHasWord_ = false;
     }
 
-    // Words that are read otherwise than they are written become segments of their own, one shown word each.
+    // Words that are not read as they are written become segments of their own, with one shown word each.
     void AddInContext()
     {
         std::string plain;
@@ -454,10 +457,10 @@ private:
         }
     }
 
-    const std::string repaired_; ///< the text, when it had to be
+    const std::string repaired_; ///< the text with invalid bytes replaced; empty when there are none
     std::string_view text_;
     MarkedText result_;
-    std::size_t shownEnd_ = 0; ///< behind the last word of the shown text
+    std::size_t shownEnd_ = 0; ///< end of the last word of the shown text
     Prosody prosody_;
     SpeechContext context_ = SpeechContext::Unknown;
     bool emphasis_ = false;

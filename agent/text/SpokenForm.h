@@ -1,4 +1,4 @@
-// How symbols are read in the contexts "Address" and "E-mail" of the output tag \Ctx.
+// How symbols are read aloud in the contexts "Address" and "E-mail" of the output tag \Ctx.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace voxmate::agent
 
 enum class SpeechContext { Unknown, Address, Email };
 
-/// What is said for one word (text without blanks): the word itself where nothing in it is read specially. English.
+/// What is said, in English, for one word (text without blanks): the word itself when nothing in it is read specially.
 std::string SpokenForm(std::string_view word, SpeechContext context);
 
 } // namespace voxmate::agent

@@ -1,4 +1,4 @@
-// What parts the words of a text: counted alike in the balloon, in the segments of a Speak and by the voices.
+// What separates the words of a text. The balloon, the segments of a Speak and the voices all count words in this way.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 namespace voxmate::agent
 {
 
-/// Bytes of the blank that stands at byte `at` of a UTF-8 text, 0 when there is none. Blanks are spaces, no-break
-/// spaces, control characters, byte-order marks and U+FFFD, which stands for what could not be decoded.
+/// The length in bytes of the blank at byte `at` of a UTF-8 text; 0 when no blank stands there. Blanks are spaces,
+/// no-break spaces, control characters, byte-order marks and U+FFFD, which stands for what could not be decoded.
 std::size_t BlankAt(std::string_view text, std::size_t at);
 
-/// Bytes of the character at byte `at` of a UTF-8 text, at least 1.
+/// The length in bytes of the character at byte `at` of a UTF-8 text, at least 1.
 std::size_t CharacterAt(std::string_view text, std::size_t at);
 
-/// Whether there is anything but blanks in a text.
+/// Whether a text holds anything but blanks.
 bool HasWord(std::string_view text);
 
 } // namespace voxmate::agent

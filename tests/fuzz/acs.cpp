@@ -1,5 +1,5 @@
-// Fuzzing of the character file: reading, decoding, composing and playing. Any input may be refused with AcsError,
-// which names the file; what is not refused can be used to the end, and reads the same when it is written again.
+// Fuzzes the character file: reading, decoding, composing and playing. Any input may be refused with AcsError, which
+// names the file. What is not refused can be used throughout, and reads the same when it is written again.
 #include "fuzz.h"
 
 #include "agent/body/Animator.h"
@@ -19,8 +19,8 @@ using voxmate::fuzz::Require;
 namespace
 {
 
-// A file may lawfully hold so much that drawing all of it takes minutes: one input draws so many pixels, and plays so
-// many animations; what it does draw and play is each held to its time.
+// A valid file may hold so much that drawing all of it takes minutes. So of each input only so many pixels are drawn
+// and so many animations played; each drawing and each playing has its own time limit.
 constexpr std::size_t MostPixels = std::size_t{1} << 21;
 constexpr std::size_t MostAnimations = 8;
 
@@ -88,7 +88,8 @@ void Draw(const AcsFile& file)
     }
 }
 
-// All images, in as far as they decode; false when one does not or they are too many.
+// Decodes all images; returns false when one cannot be decoded or there are too many pixels. `images` gets those
+// decoded until then.
 bool DecodeAll(const AcsFile& file, std::vector<IndexedImage>& images)
 {
     std::size_t decoded = 0;
@@ -184,7 +185,7 @@ void WriteAndReadAgain(const AcsFile& file, std::size_t size)
     static_cast<AcsContent&>(again) = file;
     if (!DecodeAll(file, again.images))
         return;
-    // Parts of a file may share their bytes; written apart they may be more than a file holds.
+    // Parts of a file may share their bytes. Written apart, they may take more than a file can hold.
     std::size_t soundBytes = 0;
     for (std::size_t i = 0; i < file.SoundCount(); ++i) {
         const auto sound = file.Sound(i);

@@ -2,7 +2,7 @@
 #include "fuzz.h"
 
 #include "base/Text.h"
-#include "platform/linux/WebArchive.h"
+#include "platform/linux/word/WebArchive.h"
 
 #include <string_view>
 

@@ -1,4 +1,4 @@
-// Fuzzing of the character file's compression. Every input is taken twice: as packed data, against a second reader
+// Fuzzes the character file's compression. Every input is used twice: as packed data, compared with a second reader
 // that goes bit by bit, and as data to be packed.
 #include "fuzz.h"
 
@@ -19,8 +19,8 @@ namespace
 
 using Bytes = std::vector<std::uint8_t>;
 
-// As the format is described and no cleverer: one bit at a time, nothing known beforehand of the size. Nothing for
-// data that is not sound; going on is pointless once there is more than `Most`.
+// Reads exactly as the format is described: bit by bit, without knowing the size beforehand. Returns nothing for
+// malformed data; stops once there are more than `Most` bytes.
 class PlainReader
 {
 public:
@@ -110,7 +110,7 @@ void PackAndUnpack(std::span<const std::uint8_t> bytes)
         const InTime inTime("data is packed");
         packed = Compress(bytes);
     }
-    // Nine bits for each byte that is no copy, one byte in front, six behind.
+    // Nine bits for each byte that is not copied, one byte in front, six bytes behind.
     Require(packed.size() <= 1 + (bytes.size() * 9 + 7) / 8 + 6, "packing never takes more than nine bits a byte");
     const std::optional<Bytes> back = Unpacked(packed, bytes.size());
     Require(back && std::ranges::equal(*back, bytes), "what was packed unpacks to what it was");
@@ -136,7 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const std::size_t claimed : {std::size_t{0}, size, std::size_t{1} << 16})
             Require(!Unpacked(input, claimed), "data that is not sound is refused");
     }
-    // Packing takes fifty times as long as unpacking.
+    // Packing takes fifty times as long as unpacking, so only some inputs are packed.
     if (size % 4 != 0)
         return 0;
     if (!plain)

@@ -1,5 +1,5 @@
-// What the fuzz targets share. A target feeds one input to code that reads what strangers made; a promise that is not
-// kept, or an operation that takes too long, ends the program, which is what the fuzzer and the replay look for.
+// What the fuzz targets share. A target feeds one input to code that reads files and texts from strangers. A promise
+// that is not kept, or an operation that takes too long, ends the program; the fuzzer and the replay watch for that.
 #pragma once
 
 #include <cstddef>
@@ -17,13 +17,13 @@
 #define VOXMATE_INSTRUMENTED 1
 #endif
 
-/// One input: any bytes of any length. Returns 0, or does not return.
+/// Tests one input: any bytes of any length. Returns 0, or ends the program.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace voxmate::fuzz
 {
 
-/// Ends the program when a promise is not kept; `promise` says which.
+/// Ends the program when a promise is not kept; `promise` names it.
 inline void Require(bool kept, const char* promise)
 {
     if (kept)
@@ -32,8 +32,8 @@ inline void Require(bool kept, const char* promise)
     std::abort();
 }
 
-/// Ends the program when what happens in its lifetime takes more processor time than a user would notice. Processor
-/// time, not time of day, so that a busy machine makes no findings.
+/// Ends the program when the object's lifetime takes so much processor time that a user would notice. Processor time,
+/// not time of day, so that a busy machine causes no findings.
 class InTime
 {
 public:

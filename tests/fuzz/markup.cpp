@@ -1,5 +1,5 @@
-// Fuzzing of what is said: output tags, the balloon's lines, and what the two engines are handed. The first byte is the
-// width of the balloon, all others are the text. No text is fatal, and all who count its words count the same.
+// Fuzzes what is said: output tags, the balloon's lines, and what the two engines are given. The first byte is the
+// width of the balloon, all others are the text. No text is fatal, and all code that counts its words counts the same.
 #include "fuzz.h"
 
 #include "agent/balloon/BalloonText.h"
@@ -83,7 +83,7 @@ void CheckSegments(const std::vector<Segment>& segments, int words, bool mapped)
         if (segment.kind != Segment::Kind::Text)
             continue;
         if (segment.shownWords == 0)
-            continue; // stands between words, or within one
+            continue; // it stands between words, or within one
         Require(segment.firstWord >= last, "segments stand in the order of their words");
         last = segment.firstWord;
         Require(mapped || segment.firstWord <= covered, "no word of the balloon is left out");
@@ -187,7 +187,7 @@ void CheckEspeak(const speech::MarkedText& part)
         for (std::size_t i = start; i < at; ++i)
             Require(made->ShownWordAt(static_cast<int>(i) + 1) == word, "a place in the markup belongs to its word");
     }
-    // Within a sentence the element is left open.
+    // A part that ends within a sentence leaves the element open.
     const int leftOpen = part.end == speech::MarkedText::End::Inside ? 1 : 0;
     Require(depth == leftOpen && next == part.text.size(), "the markup holds all of the text");
 }

@@ -1,5 +1,5 @@
-// Fuzzing of the reminders' file: any bytes are a list of valid reminders or are refused as a whole and left alone;
-// what is read can be announced, and saving it changes none of it.
+// Fuzzes the reminders' file. Any bytes either are a list of valid reminders, or are refused as a whole and left alone.
+// What is read can be announced, and saving it changes none of it.
 #include "fuzz.h"
 
 #include "modules/ReminderRecord.h"
@@ -44,7 +44,7 @@ void RequireValidList(std::size_t bytes, std::size_t rows)
             "an entry for each reminder");
     for (std::size_t i = 1; i <= count; ++i) {
         Require(!Trim(RemTitles[i]).empty(), "a title that is not blank");
-        // A byte that is not UTF-8 is shown as a character of up to three.
+        // A byte that is not UTF-8 is shown as a character of up to three bytes.
         Require(RemTitles[i].size() + RemDescs[i].size() <= ReminderSlotSize * 3, "texts that fit a slot");
         Require(IsRealDate(RemDays[i], RemMonths[i], RemYears[i]), "a real date");
         Require(RemHours[i] >= 0 && RemHours[i] <= 23 && RemMinutes[i] >= 0 && RemMinutes[i] <= 59, "a time of day");
@@ -99,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         SaveReminders(0);
         Require(fake.files.texts[file] == saved, "a second save writes the same");
     } else {
-        // Numbers without their leading zeros can stand in a slot that is too small with them.
+        // A slot that holds numbers without leading zeros can be too small for them with these zeros.
         Require(fake.files.texts[file] == bytes, "a save that does not fit leaves the file alone");
         Require(List() == before, "and the list");
     }

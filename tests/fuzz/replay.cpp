@@ -1,4 +1,5 @@
-// Feeds every file of a folder to a fuzz target, in any build and without a fuzzer: what was once found stays mended.
+// Feeds every file of a folder to a fuzz target, in any build and without a fuzzer, so that faults once found stay
+// mended.
 #include "fuzz.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "%s cannot be read.\n", path.c_str());
             return 1;
         }
-        // The name comes first: a target that gives up says no more.
+        // The name is printed first, because a target that fails does not print it.
         std::printf("%s\n", path.filename().c_str());
         std::fflush(stdout);
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

@@ -1,5 +1,5 @@
-// Writes the inputs the fuzzer starts from, made with the project's own writers: fuzz_seeds FOLDER gives one folder a
-// target in it.
+// Writes the inputs that the fuzzer starts from, made with the project's own writers. fuzz_seeds FOLDER fills one
+// subfolder for each target.
 #include "agent/file/AcsCompression.h"
 #include "agent/file/AcsWriter.h"
 #include "tests/unit/agent/acs_samples.h"
@@ -92,7 +92,7 @@ void WriteCharacters(const Folder& folder)
         }
     });
     add("too-large", [](AcsDescription& d) { d.width = d.height = 4096; });
-    // The most that one frame may ask for: its size, its images, and a mouth over them.
+    // The most that one frame may hold: the largest size, as large an image, and as large a mouth over it.
     add("largest", [](AcsDescription& d) {
         d.width = d.height = 2048;
         d.images = {test::Filled(2048, 2048, 1), test::Filled(2048, 2048, 2)};
@@ -109,7 +109,7 @@ void WritePacked(const Folder& folder)
     folder.Add("zeros", Compress(Bytes(6000, 0)));
     folder.Add("noise", Compress(Noise(300, 255)));
     folder.Add("few", Compress(Noise(2000, 3)));
-    // One copy of each width of distance.
+    // One copy for each width of distance.
     for (const std::size_t gap : {std::size_t{40}, std::size_t{300}, std::size_t{3000}, std::size_t{8000}}) {
         Bytes bytes = Noise(20, 255);
         const Bytes filling(gap, 7);
@@ -152,7 +152,7 @@ void WriteTexts(const Folder& folder)
     for (std::size_t i = 0; i < texts.size(); ++i)
         folder.Add(std::to_string(i), std::string(1, static_cast<char>(i * 10)).append(texts[i]));
 
-    // A sentence too long for one breath, and long runs of what is looked ahead over.
+    // A sentence too long for one breath, and long runs that the readers look ahead over.
     std::string clauses;
     for (int i = 0; i < 60; ++i)
         clauses += "and then again, ";
@@ -172,7 +172,7 @@ void WriteTexts(const Folder& folder)
     folder.Add("stops", " " + repeated("A. ", longest));
 }
 
-// A sound of the given libsndfile format; empty when the library cannot write it.
+// A sound in the given libsndfile format; empty when the library cannot write it.
 Bytes Sound(int format, int channels, int rate)
 {
     struct Memory {
@@ -243,7 +243,7 @@ void WriteSounds(const Folder& folder)
                 add(std::string(kind) + "-" + coding + "-" + std::to_string(channels),
                     Sound(container | format, channels, 8000));
     add("rifx", Sound(SF_FORMAT_WAV | SF_FORMAT_PCM_16 | SF_ENDIAN_BIG, 1, 22050));
-    // What libsndfile reads besides, to be refused.
+    // Other formats that libsndfile reads. They are to be refused.
     add("flac", Sound(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 1, 8000));
     add("ogg", Sound(SF_FORMAT_OGG | SF_FORMAT_VORBIS, 1, 8000));
     add("aiff", Sound(SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 1, 8000));

@@ -3,8 +3,8 @@
 #include "fuzz.h"
 
 #include "base/Text.h"
-#include "platform/linux/CodePage.h"
-#include "platform/linux/LinuxTextStream.h"
+#include "platform/linux/files/CodePage.h"
+#include "platform/linux/files/LinuxTextStream.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
-// Fuzzing of recorded sounds: any bytes are a wave file or are not, and what is decoded is no more than they can hold.
-// libsndfile is not instrumented; what it logs of each file stands in for its coverage.
+// Fuzzes recorded sounds. Any bytes either are a wave file or are not, and what is decoded is no more than they can
+// hold. libsndfile is not instrumented; what it logs of each file stands in for its coverage.
 #include "fuzz.h"
 
 #include "speech/sound/WaveFile.h"
@@ -19,7 +19,7 @@ using voxmate::fuzz::Require;
 namespace
 {
 
-// The fuzzer takes every counter that is new here for a branch not seen before.
+// The fuzzer takes each of these counters that is set for the first time for a branch not seen before.
 __attribute__((section("__libfuzzer_extra_counters"), used)) std::array<std::uint8_t, 1u << 8> counters;
 
 void Count(std::size_t event)
@@ -27,7 +27,8 @@ void Count(std::size_t event)
     counters[event % counters.size()] = 1;
 }
 
-// How each line of the log begins, without its numbers: which chunks and complaints there were, not what they hold.
+// Counts each line of the log by its beginning, without its numbers: which chunks and complaints there were, not what
+// they hold.
 void CountLog(std::string_view log)
 {
     constexpr std::size_t longest = 12;

@@ -1,4 +1,4 @@
-// The packing of images: there and back on every kind of data, and streams of bits written by hand for every code.
+// The packing of images: packing and unpacking of every kind of data, and hand-written streams of bits for every code.
 #include "agent/file/AcsCompression.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ namespace
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Packed data from bits as one reads them: "1 0 000011", lowest bit of a value first as it stands in the stream.
+// Makes packed data from bits as one reads them: "1 0 000011". The lowest bit of a value comes first, as in the stream.
 Bytes Packed(const std::string& bits)
 {
     Bytes out{0};
@@ -128,7 +128,7 @@ struct DistanceCase {
     unsigned last;
 };
 
-// What the test's name shows of a case.
+// What the name of a test shows of its case.
 void PrintTo(const DistanceCase& p, std::ostream* out)
 {
     *out << p.width << " bits, up to " << p.base + p.last;

@@ -1,4 +1,4 @@
-// The character file: what is written is read back, what is harmless loads, and frames are put together exactly.
+// The character file: what is written is read back, harmless oddities load, and frames are composed exactly.
 #include "acs_samples.h"
 
 #include <gtest/gtest.h>
@@ -299,7 +299,7 @@ TEST(AcsFileWriting, RefusesAnImageThatDoesNotHoldItsPixels)
 namespace
 {
 
-// A frame as text: one letter a pixel, '.' where nothing is drawn, the palette's index elsewhere.
+// A frame as text, one letter for each pixel: '.' where nothing is drawn, else the pixel's palette index.
 std::string Picture(const AcsFile& file, const Bitmap& bitmap)
 {
     std::string text;

@@ -1,5 +1,5 @@
-// Files that lie: refused with one sentence that names the file, never a crash, never more than a moment or some
-// memory.
+// Files with false content are refused with one sentence that names the file. They never cause a crash, and never take
+// more than a moment or more than some memory.
 #include "acs_samples.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ void Put(Bytes& bytes, std::size_t at, std::uint32_t value, std::size_t size)
         bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
 }
 
-// Reads a file and uses all of it; true when it was refused at any point.
+// Reads a file and uses all of it. Returns true when it was refused at any point.
 bool Refused(const Bytes& bytes)
 {
     try {
@@ -60,7 +60,7 @@ bool Refused(const Bytes& bytes)
             file->DecodeImage(i);
         for (std::size_t i = 0; i < file->SoundCount(); ++i)
             file->Sound(i);
-        // A frame of many megapixels is lawful, but drawing hundreds of them proves nothing more.
+        // A frame of many megapixels is allowed, but drawing hundreds of them proves nothing more.
         const bool large = std::size_t{file->width} * file->height > 100000;
         for (const Animation& animation : file->animations)
             for (const Frame& frame : animation.frames)
@@ -286,7 +286,7 @@ TEST(AcsLies, AnImageOfAnotherSizeThanItsBytesIsRefused)
 {
     const Bytes whole = WriteAcs(SmallCharacter());
     const std::size_t list = Get32(whole, 20);
-    const std::size_t stored = Get32(whole, list + 4 + 12); // 3 by 2 in rows of 4
+    const std::size_t stored = Get32(whole, list + 4 + 12); // image 1 has 3 by 2 pixels, in rows of 4 bytes
     Bytes bytes = whole;
     ASSERT_EQ(bytes[stored + 5], 0);
     Put(bytes, stored + 1, 5, 2);
@@ -316,7 +316,7 @@ TEST(AcsLies, AnImageOfAnotherSizeThanItsBytesIsRefused)
 TEST(AcsLies, AnImageOrARegionPastTheEndOfItsSectionIsRefused)
 {
     const Bytes whole = WriteAcs(SmallCharacter());
-    const std::size_t image = Get32(whole, Get32(whole, 20) + 4 + 12); // 8 bytes, stored
+    const std::size_t image = Get32(whole, Get32(whole, 20) + 4 + 12); // its pixels are 8 bytes, not packed
     for (const std::size_t field : {image + 6, image + 10 + 8, image + 14 + 8}) {
         Bytes bytes = whole;
         Put(bytes, field, 0xFFFFFFFF, 4);
@@ -353,7 +353,7 @@ TEST(AcsLies, AnimationsThatShareTheirBytesTooOftenAreRefusedQuickly)
     d.animations[0].frames.resize(60000);
     Bytes bytes = WriteAcs(d);
     const std::size_t list = Get32(bytes, 12) + 4;
-    const std::size_t entry = 4 + 4 + 8; // a name of one letter and its closing zero, and the locator
+    const std::size_t entry = 4 + 4 + 8; // a name of one letter with its closing zero, and the locator
     for (std::size_t i = 1; i < d.animations.size(); ++i) {
         Put(bytes, list + i * entry + 8, Get32(bytes, list + 8), 4);
         Put(bytes, list + i * entry + 12, Get32(bytes, list + 12), 4);

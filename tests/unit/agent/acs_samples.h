@@ -1,4 +1,4 @@
-// A small character that uses every part of the file, for the tests of its reader and its writer.
+// A small character that uses every part of the file, to test the file's reader and writer.
 #pragma once
 
 #include "agent/file/AcsWriter.h"

@@ -13,7 +13,7 @@ namespace voxmate::agent
 namespace
 {
 
-/// A frame that is known by its first image's number.
+/// A frame that the log names by the number of its first image.
 Frame Shows(std::uint32_t image, std::uint16_t duration, std::int16_t exitFrame = -1, std::vector<Branch> branches = {})
 {
     Frame frame;
@@ -226,7 +226,7 @@ TEST_F(AnimatorTest, ExitBranchesThatLeadBackEndWhereTheyEnd)
 
 TEST_F(AnimatorTest, ExitBranchesEndBeforeAHeldFrameBehindThem)
 {
-    // The animation ends in its last frame, which it reaches by a branch past the frames of the way out.
+    // The animation ends in its last frame. A branch leads there, past the frames of the way out.
     const Animation& held =
         Add("A", Transition::ExitBranches,
             {Shows(1, 10, 2), Shows(2, 10, 2, {{4, 100}}), Shows(3, 10, 3), Shows(4, 10), Shows(5, 10, 2)});

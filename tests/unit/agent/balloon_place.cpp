@@ -60,7 +60,7 @@ TEST(BalloonPlace, IsWhollyOnTheScreenWhereverTheCharacterStands)
                     ASSERT_TRUE(Inside(place.bubble, area)) << x << ", " << y << ", " << size.width;
                     ASSERT_EQ(place.bubble.width, size.width);
                     ASSERT_EQ(place.bubble.height, size.height);
-                    // The tail ends on the screen, at the body.
+                    // The tail's tip is on the screen, at the body.
                     ASSERT_TRUE(place.tailTip.x >= area.x && place.tailTip.x <= area.Right()) << x << ", " << y;
                     ASSERT_TRUE(place.tailTip.y >= area.y && place.tailTip.y <= area.Bottom()) << x << ", " << y;
                     ASSERT_TRUE(place.tailTip.x >= x && place.tailTip.x <= x + 100) << x << ", " << y;

@@ -29,7 +29,7 @@ protected:
         };
         gestures.Menu = [this](Point at) { log += "menu " + std::to_string(at.x) + "," + std::to_string(at.y) + "; "; };
     }
-    /// The window's upper left corner is at 500, 300.
+    /// The window's upper left corner is at (500, 300).
     void Do(MouseAction action, int button, Point at, int shift = 0)
     {
         gestures.Handle({action, button, shift, at, {500 + at.x, 300 + at.y}});

@@ -14,7 +14,7 @@ namespace
 
 using speech::Segment;
 
-/// A segment in one line: text, and whatever is not as usual.
+/// A segment as one line: its text, and all that differs from the defaults.
 std::string Written(const Segment& segment)
 {
     if (segment.kind == Segment::Kind::Pause)
@@ -206,7 +206,7 @@ TEST(Markup, ASingleBackslashSwallowsNothing)
     EXPECT_EQ(Shown("C:\\map of the world\\x"), "C:\\map of the world\\x");
 }
 
-/// A caller's way of escaping: it doubles backslashes but stops at the length the text had before.
+/// How a caller escapes a text: it doubles the backslashes, but stops at the length that the text had before.
 std::string EscapedUpToItsLength(std::string text)
 {
     const std::size_t length = text.size();
@@ -341,7 +341,7 @@ TEST(Markup, BytesThatAreNotUtf8AreReplaced)
 
 TEST(Markup, ATextOfTagsWithoutEndIsReadQuickly)
 {
-    // Each of these could be the beginning of a tag that goes on to the end of the text.
+    // Each of these could begin a tag that goes on to the end of the text.
     std::string text;
     for (int i = 0; i < 20000; ++i)
         text += "\\x=a\"=\"";
@@ -352,7 +352,8 @@ TEST(Markup, ATextOfTagsWithoutEndIsReadQuickly)
 
 TEST(Markup, NoTextOfBackslashesQuotesAndNamesIsFatalOrLosesPlainWords)
 {
-    // Every text of up to five of these pieces: reading ends, and the word "keep" behind a blank is always shown.
+    // For every text of up to five of these pieces, reading ends; and the word "keep" on the line behind the text is
+    // shown, unless the text holds a quote.
     const std::vector<std::string> pieces{"\\", "\"", "=", " ", "Pit", "50", "Map", "x"};
     std::vector<std::string> texts{""};
     for (int length = 0; length < 5; ++length) {

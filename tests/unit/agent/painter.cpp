@@ -10,7 +10,7 @@ namespace
 class PainterTest : public testing::Test
 {
 protected:
-    /// A character of frames `side` pixels wide and high: image i is all of colour i.
+    /// Makes a character with frames `side` pixels wide and high. Image i is filled with colour i.
     void Make(std::uint16_t side)
     {
         AcsDescription d;
@@ -98,7 +98,7 @@ TEST_F(PainterTest, TheOutlineHoldsAllThatIsDrawn)
     Make(10);
     Frame frame = Picture(1);
     frame.images = {{1, 7, -6}, {2, -8, 3}};
-    // 7..9 by 0..3 and 0..1 by 3..9
+    // The drawn parts: x 7 to 9 with y 0 to 3, and x 0 to 1 with y 3 to 9.
     EXPECT_EQ(painter->Outline(frame), (Rect{0, 0, 10, 10}));
     frame.images = {{1, 7, -6}};
     EXPECT_EQ(painter->Outline(frame), (Rect{7, 0, 3, 4}));

@@ -17,7 +17,7 @@ constexpr std::uint32_t Style(std::uint32_t switches, std::uint32_t characters, 
 class ServerBalloon : public House
 {
 protected:
-    /// The character with a balloon of some style; its letters are 8 pixels wide, its lines 20 high.
+    /// The character with a balloon of the given style. Its letters are 8 pixels wide, its lines 20 pixels high.
     AgentCharacter& With(std::uint32_t switches, std::uint32_t characters = 10, std::uint32_t lines = 2)
     {
         AgentCharacter& bo = LoadShown();
@@ -349,7 +349,7 @@ TEST_F(ServerBalloon, ItStandsAboveTheCharacterAndFollowsADrag)
 
 TEST_F(ServerBalloon, TheTailPointsAtWhatIsDrawnOfTheCharacter)
 {
-    // The neutral pose leaves the upper third and the sides of the frame free.
+    // The neutral pose leaves the upper third and both sides of the frame empty.
     auto& pixels = description.images[1].pixels;
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x)

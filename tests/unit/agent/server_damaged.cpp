@@ -5,7 +5,7 @@ namespace voxmate::agent::test
 namespace
 {
 
-/// Characters with pictures that do not decode: they show a colour that the palette does not have.
+/// Characters with pictures that cannot be decoded, because they show a colour that the palette does not have.
 class DamagedPictures : public House
 {
 protected:

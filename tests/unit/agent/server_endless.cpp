@@ -5,23 +5,23 @@ namespace voxmate::agent::test
 namespace
 {
 
-/// Showing and hiding animations that have no end of their own.
+/// Showing and hiding animations that do not end by themselves.
 class EndlessShowing : public House
 {
 protected:
-    /// Show and Hide go round in a circle of 300 ms for ever.
+    /// Show and Hide loop forever; one round takes 300 ms.
     void GoRound()
     {
         description.animations[1].frames = {Picture(2), Picture(3, 20, -1, {{0, 100}})};
         description.animations[2].frames = {Picture(4), Picture(5, 20, -1, {{0, 100}})};
     }
-    /// Show and Hide go round in a circle of 9 s for ever.
+    /// Show and Hide loop forever; one round takes 9 s.
     void GoRoundSlowly()
     {
         description.animations[1].frames = {Picture(2, 300), Picture(3, 600, -1, {{0, 100}})};
         description.animations[2].frames = {Picture(4, 300), Picture(5, 600, -1, {{0, 100}})};
     }
-    /// Show and Hide stop in a picture that is never left.
+    /// Show and Hide stop at a picture that is never left.
     void StandStill()
     {
         description.animations[1].frames = {Picture(2, 10, -1, {{0, 100}})};
@@ -70,7 +70,7 @@ TEST_F(EndlessShowing, APictureThatStandsForMinutesIsGivenUpToo)
     EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 0"}));
 }
 
-// "Stop Everything !!!" does not name what shows and hides, but an animation without an end must not outlast it.
+// "Stop Everything !!!" does not name what shows and hides, yet an animation without an end must not outlast it.
 TEST_F(EndlessShowing, StoppingAnimationsFreesItAtOnce)
 {
     GoRound();
@@ -141,7 +141,7 @@ TEST_F(EndlessShowing, AHidingThatWaitsForAnEndlessWayOutIsFreedToo)
     EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0"}));
 }
 
-// What ends by itself is left alone: Show and Hide take 200 ms here.
+// An animation that ends by itself is left alone. Show and Hide take 200 ms here.
 TEST_F(EndlessShowing, AnAnimationWithAnEndOfItsOwnIsSeenToItsEnd)
 {
     AgentCharacter& bo = Load();
@@ -163,7 +163,7 @@ TEST_F(EndlessShowing, AnAnimationWithAnEndOfItsOwnIsSeenToItsEnd)
     EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0"}));
 }
 
-// A round of 9 s has nothing to wait for either: it would only begin again.
+// A round of 9 s is not worth waiting for either: it would only begin again.
 TEST_F(EndlessShowing, ALongRoundIsFreedAtOnce)
 {
     GoRoundSlowly();
@@ -217,7 +217,7 @@ TEST_F(EndlessShowing, AskingToHideWaitsForAnAnimationWithAnEndOfItsOwn)
     EXPECT_EQ(Log(), (Lines{"shown Bo 4", "end show 0", "start hide", "hidden Bo 3", "end hide 0"}));
 }
 
-// Nobody can say when chance lets it out.
+// Nobody can say when chance will end the loop.
 TEST_F(EndlessShowing, WhatMayGoOnByChanceIsFreedAtOnce)
 {
     description.animations[1].frames = {Picture(2), Picture(3, 20, -1, {{0, 1}})};
@@ -229,7 +229,7 @@ TEST_F(EndlessShowing, WhatMayGoOnByChanceIsFreedAtOnce)
     EXPECT_EQ(Log(), (Lines{"start show", "shown Bo 4", "end show 0"}));
 }
 
-// What counts is whether a picture can come back from here on.
+// What counts is whether a picture can come back after the one on show.
 TEST_F(EndlessShowing, BranchesThatLeadBackToNothingSeenAreWaitedFor)
 {
     const std::vector<Frame> toAndFro = {Picture(2, 10, -1, {{2, 100}}), Picture(3, 10, -1, {{3, 100}}),
@@ -310,7 +310,7 @@ TEST_F(EndlessShowing, AHidingThatWaitsForAWayOutWithAnEndOfItsOwnSeesItToItsEnd
     EXPECT_EQ(Log(), (Lines{"hidden Bo 3", "end hide 0"}));
 }
 
-// A handler of Hidden that stops everything means what went on before: not the showing that was asked for since.
+// A handler of Hidden that stops everything means what went on before, not a showing that was asked for since.
 TEST_F(EndlessShowing, AHandlerOfHiddenDoesNotHurryALaterShowing)
 {
     GoRound();

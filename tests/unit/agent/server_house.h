@@ -1,4 +1,4 @@
-// A character server with a small character, a stage and a voice that the test plays, and a log of all events.
+// A character server with a small character, a stage and a voice that are played by the test, and a log of all events.
 #pragma once
 
 #include "agent/Server.h"
@@ -21,7 +21,7 @@ namespace voxmate::agent::test
 
 inline constexpr std::uint16_t kWidth = 40;
 inline constexpr std::uint16_t kHeight = 60;
-/// Picture m + kMouths is a frame's mouth m.
+/// Mouth m of a frame is picture kMouths + m.
 inline constexpr int kMouths = 50;
 
 /// A frame that shows picture `number` for `duration` hundredths of a second.
@@ -43,11 +43,11 @@ inline Frame WithMouths(Frame frame)
     return frame;
 }
 
-/// Every image fills the character's whole frame with the colour of its own number.
+/// A character whose image n fills the whole frame with colour n.
 ///
-/// RestPose 1 (mouths), Show 2 3, Hide 4 5, Wave 6 7 8, Point 9 10 (mouths; goes back by PointReturn 11), Search 12 13
-/// in a loop with an exit to 14, Bow 16 without mouths, Look (idle) 20, 21 for 3 s with an exit to 22, Chime 23 with a
-/// sound, Nothing without frames.
+/// Its animations, by the pictures they show: RestPose 1 (mouths), Show 2 3, Hide 4 5, Wave 6 7 8, Point 9 10 (mouths;
+/// returns by PointReturn 11), Search 12 13 in a loop with an exit to 14, Bow 16 without mouths, Look (idle) 20, 21 for
+/// 3 s with an exit to 22, Chime 23 with a sound, Nothing without frames.
 inline AcsDescription Bo()
 {
     AcsDescription d;
@@ -112,7 +112,7 @@ protected:
         server.Load(name, name + ".acs");
         return server.Characters(name);
     }
-    /// Loads the character and has it stand there in its neutral pose, with nothing in the log.
+    /// Loads the character and shows it in its neutral pose; the log is empty afterwards.
     AgentCharacter& LoadShown(const std::string& name = "Bo")
     {
         AgentCharacter& character = Load(name);
@@ -128,9 +128,9 @@ protected:
         return request;
     }
     void Note(const std::string& what) { log.push_back(what); }
-    /// The log since the last call.
+    /// What was logged since the last call.
     std::vector<std::string> Log() { return std::exchange(log, {}); }
-    /// The pictures the window was given since the last call, by number.
+    /// The numbers of the pictures that the window was given since the last call.
     std::vector<int> Pictures()
     {
         std::vector<int> numbers;

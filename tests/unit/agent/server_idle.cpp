@@ -12,7 +12,7 @@ class ServerIdle : public House
 protected:
     ServerIdle()
     {
-        // One picture for each level, and a second one for the first level.
+        // One picture for each level, and a second for level 1.
         const auto add = [this](const std::string& name, std::uint32_t picture) {
             description.animations.push_back({name, Transition::None, "", {Picture(picture)}});
         };
@@ -25,7 +25,7 @@ protected:
     {
         description.states.insert(description.states.end(), states);
     }
-    /// The idle pictures shown while some time passes.
+    /// The idle pictures shown during the next `milliseconds`.
     Numbers After(int milliseconds)
     {
         Pictures();
@@ -36,7 +36,7 @@ protected:
                 idle.push_back(picture);
         return idle;
     }
-    static constexpr int kGap = Idling::GapMinimum; // the stage's choices are 0
+    static constexpr int kGap = Idling::GapMinimum; // the stage's random choices are 0
 };
 
 TEST_F(ServerIdle, ACharacterWithoutIdleStatesNeverWakesUp)

@@ -178,7 +178,7 @@ TEST_F(ServerLoad, TheAudioStatusIsThatOfTheVoice)
 TEST_F(ServerLoad, ADamagedPictureIsToldOfLeavesTheLastOneStandingAndTheQueueGoesOn)
 {
     description.compress = true;
-    // The image promises 2400 pixels; its packed data decode to fewer.
+    // The image claims 2400 pixels, but its packed data decode to fewer.
     description.images[7].pixels.assign(kWidth * kHeight, 7);
     std::vector<std::uint8_t> bytes = WriteAcs(description);
     const std::vector<std::uint8_t> packed = [&] {
@@ -187,7 +187,7 @@ TEST_F(ServerLoad, ADamagedPictureIsToldOfLeavesTheLastOneStandingAndTheQueueGoe
         return WriteAcs(other);
     }();
     ASSERT_EQ(bytes.size(), packed.size());
-    // Where the two files differ are the packed pixels of that image: the end mark in their place ends them early.
+    // The two files differ in the packed pixels of that image. The end mark, put there, ends the pixels early.
     std::size_t first = 0;
     while (bytes[first] == packed[first])
         ++first;

@@ -216,7 +216,7 @@ TEST_F(ServerQueue, StopOfAFinishedAForeignOrNoRequestDoesNothing)
 class StopAllTest : public House
 {
 protected:
-    /// Stops some types while Wave runs and one request of each kind waits behind it.
+    /// What is logged when `types` are stopped while Wave runs and at least one request of each kind waits behind it.
     Lines After(const std::string& types)
     {
         AgentCharacter& bo = LoadShown();

@@ -48,7 +48,7 @@ TEST_F(ServerSpeech, OneSpokenTextOfTheProgramRunsInItsOrder)
                             "start rest", "end rest 0"}));
 }
 
-// Whoever asked may keep the request for long, and a text can be as long as a library.
+// The caller may keep a request for long, and its text can be as long as a library.
 TEST_F(ServerSpeech, ARequestThatHasHadItsTurnHoldsNoText)
 {
     AgentCharacter& bo = LoadShown();
@@ -61,7 +61,7 @@ TEST_F(ServerSpeech, ARequestThatHasHadItsTurnHoldsNoText)
     EXPECT_EQ(textOf(stopped), "Hello again");
     bo.StopAll("");
     EXPECT_EQ(textOf(stopped), "");
-    // It is said again nevertheless.
+    // The text can still be said again.
     bo.Speak("\\Lst\\", "");
     stage.Settle();
     EXPECT_EQ(voice.started.back().segments.at(0).text, "Hello");
@@ -102,7 +102,7 @@ TEST_F(ServerSpeech, ATextThatIsOnlyShownStandsInTheBalloonForAWhile)
     stage.Settle();
     ASSERT_EQ(voice.started.size(), 1u);
     EXPECT_TRUE(voice.started[0].segments.empty());
-    voice.End(); // with nothing to be heard it does not begin
+    voice.End(); // with nothing to be heard the voice does not begin
     stage.Settle();
     EXPECT_EQ(Log(), (Lines{"start speak", "end speak 0"}));
     ASSERT_TRUE(stage.BalloonVisible());
@@ -284,7 +284,7 @@ TEST_F(ServerSpeech, APoseWithoutMouthsIsLeftForTheNeutralOneWhileTheVoiceIsHear
     EXPECT_EQ(Pictures(), (Numbers{1}));
 }
 
-/// Talk moves its arms, 30 31 in a loop, both with mouths, and is left by 32.
+/// Talk moves its arms: pictures 30 and 31 in a loop, both with mouths. Its way out is picture 32.
 Animation Talk()
 {
     Animation talk{"Talk", Transition::ExitBranches, "", {}};
@@ -306,7 +306,7 @@ TEST_F(ServerSpeech, AfterAPoseWithoutMouthsAnAnimationOfTheStateSpeakingIsPlaye
     EXPECT_EQ(Pictures(), (Numbers{1, 16, 1, 30, 50, 54}));
     stage.Run(1150);
     voice.End();
-    EXPECT_EQ(Pictures(), (Numbers{31})); // its own picture again, the mouth gone
+    EXPECT_EQ(Pictures(), (Numbers{31})); // its own picture again, without the mouth
     stage.Run(1000);
     EXPECT_EQ(Pictures(), (Numbers{32, 1}));
 }
@@ -354,7 +354,7 @@ TEST_F(ServerSpeech, AMouthThatCanBeSeenGoesBeforeAMovementWithoutOne)
     EXPECT_EQ(Pictures(), (Numbers{1, 50, 54}));
 }
 
-// As the characters that ship have it: the state Speaking is the neutral pose.
+// In the characters that ship, the state Speaking is the neutral pose.
 TEST_F(ServerSpeech, WhereTheStateSpeakingIsTheNeutralPoseOnlyTheMouthMoves)
 {
     description.states.push_back({"Speaking", {"RestPose"}});
@@ -431,7 +431,7 @@ TEST_F(ServerSpeech, ASpeakingAnimationThatEndsWithoutMouthsIsPlayedAgainWhileTh
     voice.End();
     stage.Run(1000);
     EXPECT_EQ(Pictures(), (Numbers{1}));
-    EXPECT_EQ(stage.Waiting(), 1u); // the balloon's
+    EXPECT_EQ(stage.Waiting(), 1u); // the balloon's timer
 }
 
 TEST_F(ServerSpeech, ASpeakingAnimationWithNothingToShowIsPlayedOnce)
@@ -499,7 +499,7 @@ TEST_F(ServerSpeech, ASpeechThatEndsBeforeThePoseIsReachedLeavesTheCharacterNeut
     stage.Run(100);
     EXPECT_EQ(Pictures(), (Numbers{1}));
     EXPECT_EQ(Log(), (Lines{"start speak", "end speak 0"}));
-    // and it idles again
+    // The character idles again.
     stage.Run(8000);
     EXPECT_EQ(Pictures().front(), 20);
 }
