@@ -44,8 +44,8 @@ public:
     /// destroy the stream. Null when there is no device.
     virtual std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                               std::function<void()> drained, std::function<void()> failed) = 0;
-    /// Both run `action` once on the user-interface thread. Post may be called from any thread; PostAfter only from the
-    /// user-interface thread.
+    /// Both run `action` once on the user-interface thread, PostAfter after a delay. Post may be called from any
+    /// thread.
     virtual void Post(std::function<void()> action) = 0;
     virtual void PostAfter(int milliseconds, std::function<void()> action) = 0;
 };

@@ -48,7 +48,7 @@ std::string Unescaped(std::string_view text)
     }
 }
 
-// A start tag as it stands, without its brackets.
+// A start tag's text, without its brackets.
 class Tag
 {
 public:
@@ -82,7 +82,7 @@ private:
     std::string_view name_;
 };
 
-// Which styles hide their text. Word's styles inherit from each other; what is said nearest counts.
+// Knows which styles hide their text. Word's styles inherit from each other; the nearest setting counts.
 class Styles
 {
 public:
@@ -100,11 +100,11 @@ public:
             current_->display = properties.Attribute("text:display");
     }
 
-    // Whether text of a style is hidden, where the text around it is hidden or not.
+    // Whether text of this style is hidden. `around` is the answer when neither the style nor its parents say so.
     bool Hides(const char* family, const std::string& name, bool around) const
     {
         std::string key = std::string(family) + ' ' + name;
-        // A chain that is longer has a circle in it.
+        // A longer chain has a cycle.
         for (std::size_t depth = 0; depth <= styles_.size(); ++depth) {
             const auto found = styles_.find(key);
             if (found == styles_.end())
@@ -125,8 +125,8 @@ private:
     Style* current_ = nullptr;
 };
 
-// Takes the document's tags and texts in their order. The prefixes are those that the writer of these files always
-// uses.
+// Collects the main text from the document's tags and texts in order. The namespace prefixes are those that LibreOffice
+// always writes.
 class Reader
 {
 public:
@@ -157,7 +157,7 @@ public:
             End();
     }
 
-    // False when there is nothing to end.
+    // False when no element is open.
     bool End()
     {
         if (elements_.empty())
@@ -191,15 +191,15 @@ private:
     struct Element {
         bool body = false;
         bool skipped = false; ///< nothing in it is main text
-        bool text = false;    ///< its characters are text, not only the layout of the file
+        bool text = false;    ///< its characters are text, not just layout of the XML file
         bool hidden = false;
         bool paragraph = false;
         bool style = false;
     };
     struct Paragraph {
-        bool hidden;       ///< it is hidden, or some of its text
-        bool seen = false; ///< some of its text is not
-        bool blank = true; ///< further blanks change nothing: they are one with the last, or at the beginning
+        bool hidden;       ///< the paragraph or some of its text is hidden
+        bool seen = false; ///< some of its text is visible
+        bool blank = true; ///< at its beginning or after a blank: further blanks are dropped
     };
 
     void StartInBody(const Tag& tag, Element& element)
@@ -225,15 +225,15 @@ private:
         } else if (name == "field:fieldmark-start") {
             fields_.push_back(text_.size());
         } else if (name == "field:fieldmark-separator") {
-            // What stands before it is the field's code.
+            // What precedes the separator is the field's code.
             if (!fields_.empty())
                 text_.resize(std::min(text_.size(), fields_.back()));
         } else if (name == "field:fieldmark-end") {
             if (!fields_.empty())
                 fields_.pop_back();
         } else if (name == "draw:frame") {
-            // Word's positioned paragraphs and floating tables belong to the main text and become frames of their
-            // paragraph; its text boxes do not, and become frames of a character.
+            // Word's positioned paragraphs and floating tables belong to the main text and become frames anchored to a
+            // paragraph. Its text boxes do not belong to it and become frames anchored to a character.
             element.skipped = tag.Attribute("text:anchor-type") != "paragraph";
             element.text = false;
             element.hidden = false;
@@ -309,7 +309,7 @@ private:
 
     Styles styles_;
     std::vector<Element> elements_;
-    std::vector<Paragraph> paragraphs_; ///< the open ones: a frame's stand inside the one that it belongs to
+    std::vector<Paragraph> paragraphs_; ///< the open ones; a frame's paragraphs are inside the one it is anchored to
     std::vector<std::size_t> fields_;   ///< where the open fields begin
     std::set<std::string> deletions_;
     std::string region_;
@@ -324,7 +324,7 @@ std::optional<std::string> MainText(std::string_view document)
 {
     Reader reader;
     std::string_view rest = document;
-    // A bracket may stand in an attribute's value.
+    // An attribute's value may contain a bracket.
     const auto takeTag = [&rest]() -> std::optional<std::string_view> {
         std::size_t end = rest.find_first_of("\"'>");
         while (end != std::string_view::npos && rest[end] != '>') {

@@ -15,7 +15,7 @@ namespace
 
 constexpr std::size_t BlockSize = 64;
 
-// RFC 1321, 3.4: the whole part of 2^32 times the sine of 1 to 64.
+// RFC 1321, 3.4: the integer parts of 2^32 times the absolute sine of 1 to 64.
 std::array<std::uint32_t, 64> Sines()
 {
     std::array<std::uint32_t, 64> sines{};

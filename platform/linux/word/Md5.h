@@ -1,4 +1,4 @@
-// MD5 (RFC 1321), for names that others derive with it; it protects nothing.
+// MD5 (RFC 1321), for names that other programs derive with it; it is not used for security.
 #pragma once
 
 #include <array>
