@@ -25,8 +25,8 @@ public:
     virtual std::string ReadLine() = 0;
     /// Appends the next line to `text`, for callers that join many lines.
     virtual void AppendLine(std::string& text) { text += ReadLine(); }
-    /// An upper limit, in bytes, for the remaining lines joined with CR LF after each, so that a caller can reserve
-    /// memory at once. 0 when it is not known.
+    /// An upper limit in bytes, as far as it is known beforehand, for the remaining lines with CR LF after each, so
+    /// that a caller that joins them can reserve memory at once. 0 when nothing is known.
     virtual std::size_t SizeHint() { return 0; }
 };
 

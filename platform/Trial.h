@@ -14,9 +14,9 @@ struct TrialLimits {
     std::uint64_t memory; ///< bytes of address space
 };
 
-/// Runs `act` in a separate process, which shares only a copy of this one's memory, and returns its result; false when
-/// it crashed or exceeded a limit. Nothing when it could not be run, or was given up because `wanted`, which is polled,
-/// returned false. `act` must not need any other thread of the program.
+/// Runs `act` in a separate process and returns its result; false when it crashed or exceeded a limit. That process has
+/// a copy of this one's memory and nothing else of it. Nothing when it could not be run, or was given up because
+/// `wanted`, which is polled, returned false. `act` must not need any other thread of the program.
 std::optional<bool> TryInProcess(const std::function<bool()>& act, const TrialLimits& limits,
                                  const std::function<bool()>& wanted);
 

@@ -91,8 +91,9 @@ constexpr std::array<VoiceData, 4> VoiceTable{{
      183.6},
 }};
 
-// The share of a set pitch that is heard, for a voice file, whose pitch is not measured. It lies between the shares of
-// the three statistical voices above, 0.935 to 0.98. The voice's words per minute are measured when it is loaded.
+// The share of a set pitch that a voice file is assumed to be heard at, since its pitch is not measured. It lies
+// between the shares of the three statistical voices above, 0.935 to 0.98. The voice's words per minute are measured
+// when it is loaded.
 constexpr double HeardOfSet = 0.955;
 // The text for that measurement. The voices above say it at MeasuredShare times their words per minute in the
 // calibration's prose (each within 0.976 to 1.024 of that).

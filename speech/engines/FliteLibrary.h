@@ -42,7 +42,7 @@ public:
     cst_voice* LoadVoice(const std::string& key) const;
 
     /// Loads an English voice from a file; null when that fails. The library trusts everything in the file, so a file
-    /// is first tried in a separate process, which a damaged one can only crash or hang; this may take 20 seconds.
+    /// is first tried in a separate process, because a damaged one could crash this one; that may take 20 seconds.
     /// `wanted` is polled meanwhile, and the attempt is given up when it returns false. A loaded voice stays for the
     /// rest of the run, and a file found damaged is not tried again.
     cst_voice* LoadFile(const std::filesystem::path& file, const std::function<bool()>& wanted);

@@ -15,7 +15,7 @@ struct FliteSentence {
     std::string text;
     std::vector<std::size_t> source; ///< for each byte, the index of its character in the marked text
 
-    /// The index in the marked text of the token that Flite reports as read up to `filePosition`.
+    /// The index in the marked text for a token that Flite reports having read up to `filePosition`.
     std::size_t SourceOfToken(int filePosition) const;
 };
 

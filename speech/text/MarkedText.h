@@ -26,7 +26,7 @@ struct MarkedText {
         std::size_t at = 0; ///< index of the character it precedes; text.size() when it follows the last
         int number = 0;
     };
-    /// How the text ends: Stretch: it is the end of the stretch. Sentence: the next piece of the stretch begins a new
+    /// How the piece ends. Stretch: the stretch ends with it. Sentence: the next piece of the stretch begins a new
     /// sentence. Inside: the next piece continues the same sentence.
     enum class End { Stretch, Sentence, Inside };
 

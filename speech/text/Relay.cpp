@@ -135,8 +135,8 @@ public:
     }
 
 private:
-    // Divides a text where its speaker changes: behind the last word of the first speaker, or inside a word in both
-    // their scripts.
+    // Divides a text where its speaker changes: behind the last word of the first speaker, or inside a word that has
+    // letters of both.
     void Deal(const Segment& whole)
     {
         const int words = whole.shownWords > 0 ? CountWords(whole.text) : 0;

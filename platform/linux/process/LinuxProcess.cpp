@@ -74,7 +74,7 @@ pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
     ::posix_spawn_file_actions_destroy(&files);
     if (error != 0)
         return 0;
-    // It must be reaped as long as this program lives, or it would stay behind as a zombie.
+    // It must be reaped, or it would remain as a zombie while this program lives.
     std::promise<int> ended;
     status = ended.get_future();
     std::thread([process, ended = std::move(ended)]() mutable {

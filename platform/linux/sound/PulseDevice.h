@@ -1,7 +1,7 @@
 // Sound output through the desktop's sound server (PulseAudio, or PipeWire speaking its protocol).
 //
 // The server's client library is used directly: it reports how long a sample takes to be heard, which lip-sync needs,
-// and it lets us notice, without ever waiting for it, a server that refuses, hangs or dies.
+// and a server that refuses, hangs or dies is noticed without waiting for it.
 #pragma once
 
 #include "speech/AudioOutput.h"
