@@ -16,10 +16,9 @@ struct EspeakMarkup {
     /// The shown word at a position that eSpeak NG reports: a character of the markup, counted from 1. -1 for none.
     int ShownWordAt(int position) const;
 
-    std::string
-        /// A UTF-8 <speak> element, left open when the next piece continues the same sentence. Its mark names are
-        /// indices into `marks`.
-        ssml;
+    /// A UTF-8 <speak> element, left open when the next piece continues the same sentence. Its mark names are indices
+    /// into `marks`.
+    std::string ssml;
     std::vector<MarkedText::Mark> marks;
 
 private:

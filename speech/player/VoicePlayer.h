@@ -56,8 +56,7 @@ private:
     AudioOutput& output_;
     SpeakingPtr current_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0); // posted actions check that it still exists
-    const std::weak_ptr<int> self_ =
-        alive_; // the worker copies this reference to it: it never changes, so it needs no lock
+    const std::weak_ptr<int> self_ = alive_; // the worker copies this; it never changes, so it needs no lock
 
     std::mutex mutex_;
     std::condition_variable wake_;
