@@ -1,4 +1,4 @@
-// A machine without a sound device.
+// A sound output for a machine without a sound device.
 #pragma once
 
 #include "speech/AudioOutput.h"

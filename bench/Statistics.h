@@ -10,13 +10,13 @@
 namespace voxmate::bench
 {
 
-/// Milliseconds of a steady clock.
+/// The time of a steady clock in milliseconds.
 inline double NowMs()
 {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// The value below which `share` (0 to 1) of the values lie; 0 for none.
+/// The value below which `share` (0 to 1) of the values lie, interpolated; 0 when there are none.
 inline double Quantile(std::vector<double> values, double share)
 {
     if (values.empty())

@@ -1,7 +1,7 @@
-// What a character file costs: opening one of 5 MB and 1000 images, decoding its images beside zlib's inflate of the
-// same pixels, composing frames.
+// Measures the costs of a character file: opening one of 5 MB with 1000 images, decoding its images compared with
+// zlib's inflate of the same pixels, and composing frames.
 //
-//   character_file FILE.acs...   takes the images of these files, as many as make such a file
+//   character_file FILE.acs...   builds such a file from images of these files
 #include "agent/file/AcsFile.h"
 #include "agent/file/AcsWriter.h"
 #include "bench/Statistics.h"
@@ -30,7 +30,7 @@ struct Source {
     std::uint32_t size;
 };
 
-// Images in order of their size: of all runs of 1000 the one that comes nearest to 5 MB.
+// Sorts the images by size and chooses the run of 1000 whose total is nearest to 5 MB.
 std::vector<Source> Chosen(const std::vector<std::shared_ptr<const AcsFile>>& cast)
 {
     std::vector<Source> all;
@@ -128,8 +128,8 @@ void Run(int count, char** paths)
     Report("Opening it (from the cache), nothing decoded", Timed([&] { AcsFile::Open(path); }), "ms", "under 10 ms");
     const auto file = AcsFile::Open(path);
     std::filesystem::remove(path);
-    std::uint64_t sum = 0; // so that nothing is left out as unused
-    // The two by turns, so that whatever slows the machine slows both.
+    std::uint64_t sum = 0; // uses the results, so that the compiler cannot remove the work
+    // The two alternate, so that whatever slows the machine slows both.
     std::vector<double> ours;
     std::vector<double> zlib;
     std::vector<std::uint8_t> rows;

@@ -1,7 +1,7 @@
-// What loading and unloading characters leaves behind: three at a time are shown, played with and unloaded, a hundred
-// times over, and the memory is read in between.
+// Measures the memory that loading and unloading characters leaves behind: three at a time are shown, played and
+// unloaded, a hundred times; the memory is read in between.
 //
-// Usage: character_memory [FOLDER]   the folder of the character files; without one those of this build
+// Usage: character_memory [FOLDER]   the folder of the character files; by default those of this build
 #include "agent/Server.h"
 #include "bench/NoSound.h"
 #include "qt/character/QtStage.h"
@@ -27,7 +27,7 @@ constexpr int kRounds = 100;
 constexpr int kCharacters = 3;
 constexpr int kRoundMs = 400;
 
-/// Moves the mouth through all its shapes, 20 ms each, and says nothing.
+/// Moves the mouth through all its shapes, 20 ms each, without a sound.
 class SilentVoice : public speech::VoiceOutput
 {
 public:
@@ -84,7 +84,7 @@ void LetPass(int milliseconds)
     clock.start();
     while (clock.elapsed() < milliseconds)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    // What was to be deleted from the event loop.
+    // Deletes the objects that wait for deletion in the event loop.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

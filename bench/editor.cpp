@@ -1,6 +1,6 @@
-// What the reminder editor costs with as many reminders as there can be: opening it, from the menu's command until the
-// window has been drawn, and sorting a column, from the header's click until the list has been drawn anew. The file
-// lies in memory.
+// Measures the reminder editor with the largest number of reminders: opening it, from the menu command until the window
+// has been drawn, and sorting a column, from the click on its header until the list has been redrawn. The file is in
+// memory.
 //
 // Usage: editor [COUNT]   COUNT runs of each kind
 #include "bench/Statistics.h"
@@ -34,7 +34,7 @@ public:
     ReminderEditor& Editor() override { return *form; }
 };
 
-/// Reminders with titles of several lengths in no order, at dates and times all over a year.
+/// Makes reminders with titles of several lengths in no order, at dates and times spread over the year.
 void MakeReminders()
 {
     const char* const titles[] = {"Call the bank",         "dentist", "Water the plants", "Äpfel",
@@ -59,7 +59,7 @@ void MakeReminders()
     }
 }
 
-/// Lets all that waits be done and the window be drawn.
+/// Handles all pending events and has the window drawn.
 void Draw()
 {
     QCoreApplication::processEvents();
@@ -94,7 +94,7 @@ int main(int argc, char** argv)
     std::vector<double> opening;
     std::vector<double> filling;
     std::vector<double> sorting[4];
-    // The first time of each loads fonts and icons, and is not counted.
+    // The first run of each loads fonts and icons and is not counted.
     for (int i = -1; i < count; ++i) {
         form.Unload();
         Draw();

@@ -1,4 +1,4 @@
-// An empty window of the toolkit: what any program with a window costs, to compare the idle program with.
+// Shows an empty window of the toolkit: the cost of any program with a window, to compare the idle program with.
 #include <QApplication>
 #include <QWidget>
 

@@ -1,4 +1,4 @@
-// How punctual a character's frames are while eight windows of an alert's size slide over the desktop.
+// Measures how punctual a character's frames are while eight windows of an alert's size slide over the desktop.
 //
 //   frame_timing FILE.acs [SECONDS]      (needs a display)
 #include "agent/Server.h"
@@ -71,7 +71,7 @@ private:
     int step_ = -AlertStep;
 };
 
-// Notes when the character's window is painted.
+// Records the times at which the character's window is painted.
 class PaintWatch : public QObject
 {
 public:
@@ -85,8 +85,8 @@ public:
     }
 };
 
-// A character that plays the drawn frames of another, each different from the one before, for so many hundredths of a
-// second: 3 to 10 each, by turns.
+// A character that plays the drawn frames of another, each different from the one before, for `length` hundredths of a
+// second; their durations cycle through 3 to 10 hundredths.
 std::shared_ptr<const AcsFile> March(const AcsFile& from, int length, std::vector<double>& due)
 {
     AcsDescription d;
@@ -161,7 +161,7 @@ int main(int argc, char** argv)
     QTimer::singleShot(1000, [&] { play = server.Characters("March").Play("March"); });
     application.exec();
 
-    // The first frame stands for nothing and lasts a second. Each frame belongs to the first paint after it was due.
+    // The first frame is empty and lasts a second. Each frame belongs to the first paint after it was due.
     std::vector<double> late;
     std::size_t missed = 0;
     std::size_t at = 0;

@@ -1,5 +1,5 @@
-// Start and idle cost of a program with windows, seen from outside: time from its start to its first window on the
-// screen, resident memory and processor time while idle.
+// Measures the start and idle cost of a program with windows from outside: the time from its start to its first window
+// on the screen, and its resident memory and processor time while idle.
 //
 // Usage: process_cost start COUNT PROGRAM       time to the first mapped window, COUNT times
 //        process_cost idle SETTLE SECONDS PROGRAM   after SETTLE seconds: memory, and processor time over SECONDS
@@ -38,7 +38,7 @@ void End(pid_t child)
     ::waitpid(child, nullptr, 0);
 }
 
-// Waits for the next window that is mapped below the root; a window manager's frame counts, too.
+// The time until the next window is mapped below the root; a window manager's frame counts, too.
 double TimeToWindow(xcb_connection_t* connection, const char* program)
 {
     while (xcb_generic_event_t* old = xcb_poll_for_event(connection))
@@ -80,7 +80,7 @@ int MeasureStart(int count, const char* program)
     return 0;
 }
 
-// Megabytes of a field of /proc/PID/status ("VmRSS:").
+// The value in megabytes of a field of /proc/PID/status ("VmRSS:").
 double StatusMb(pid_t process, const std::string& field)
 {
     std::ifstream in("/proc/" + std::to_string(process) + "/status");

@@ -1,6 +1,6 @@
-// What the program's own steps cost, in one process with everything real: the start-up sequence, one dragged pitch
-// change with its settings write, and the way from SpeakText to the first sample at the sink beside the speech library
-// alone.
+// Measures the program's own steps in one process with all real parts: the start-up sequence, one dragged pitch change
+// with its settings write, and the time from SpeakText to the first sample at the sink, compared with the speech
+// library alone.
 //
 // Usage: program_cost startup | pitch | speech      (needs a display; speech needs a sound server, too)
 #include "agent/Server.h"
@@ -37,7 +37,7 @@ namespace
 using bench::NowMs;
 using bench::Report;
 
-// Notes when the sink first gets samples.
+// Records when the sink first gets samples.
 class Watched : public speech::AudioOutput
 {
 public:
@@ -78,7 +78,7 @@ private:
     speech::AudioOutput& real_;
 };
 
-// The program as main() puts it together.
+// The program assembled as in main().
 struct Program {
     std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
     linux_platform::LinuxFileSystem files;
@@ -176,13 +176,13 @@ void MeasureSpeech()
             program.RunEvents(400);
         }
     }
-    // The first round also loads the voice; both sides are shown without it.
+    // The first round also loads the voice; it is left out on both sides.
     const double cold = program_.front();
     program_.erase(program_.begin());
     Report("SpeakText to first sample at the sink", program_, "ms", "within 1.3 times of the library alone");
     std::printf("  the first one, which loads the voice: %.3f ms\n", cold);
 
-    // The engine has been initialised by the program; its voice and parameters are set as they stand.
+    // The library has been initialised by the program and keeps its voice and parameters.
     espeak_SetSynthCallback(LibraryCallback);
     std::vector<double> library;
     for (int i = 0; i < rounds; ++i) {

@@ -1,6 +1,7 @@
-// What the reminders cost at their largest number: loading and saving them beside reading and writing the same bytes
-// plainly, with the same waiting for the disk, and one scan of the list when nothing is due. What waits for no disk is
-// given in the processor's time: the files lie in the system's cache, so that nothing is waited for but other programs.
+// Measures the largest number of reminders: loading and saving them, compared with plainly reading and writing the same
+// bytes with the same waiting for the disk, and one scan of the list when nothing is due. What does not wait for the
+// disk is measured in processor time: the files are in the system's cache, so the wall clock would add only the time of
+// other programs.
 //
 // Usage: reminders [COUNT]   COUNT runs of each kind; the file is made in the folder for temporary files
 #include "modules/Reminders.h"
@@ -49,7 +50,7 @@ std::string Slots()
     return bytes;
 }
 
-// The whole file in one read into memory of its size.
+// Reads the whole file at once into memory of its size.
 void ReadPlainly(const std::string& path, std::size_t size)
 {
     const int file = ::open(path.c_str(), O_RDONLY);
@@ -58,7 +59,7 @@ void ReadPlainly(const std::string& path, std::size_t size)
         Fail("cannot read the file");
 }
 
-// Whole to a file beside the old one, to the disk, and under the old one's name.
+// Writes everything to a file beside the old one, syncs it, and gives it the old one's name.
 void WritePlainly(const std::string& path, const std::string& beside, const std::string& bytes)
 {
     const int file = ::open(beside.c_str(), O_RDWR | O_CREAT, 0600);
@@ -69,7 +70,7 @@ void WritePlainly(const std::string& path, const std::string& beside, const std:
         Fail("cannot write the file");
 }
 
-/// Milliseconds of processor time that this process has taken.
+/// The processor time this process has used, in milliseconds.
 double ProcessorMs()
 {
     struct timespec taken {
@@ -120,7 +121,8 @@ int main(int argc, char** argv)
     std::vector<double> save;
     std::vector<double> savePlain;
     std::vector<double> scan;
-    // In turns, so that whatever else the machine does meets all alike. The first turn warms up and is not counted.
+    // The measurements alternate, so that whatever else the machine does affects all alike. The first round warms up
+    // and is not counted.
     for (int i = -1; i < count; ++i) {
         const double loaded = Time(ProcessorMs, [] { LoadReminders(false, 0); });
         if (RemCount != most)
@@ -140,7 +142,7 @@ int main(int argc, char** argv)
         savePlain.push_back(plain);
         scan.push_back(scanned);
     }
-    // As at the start of the program, when there is no memory to be used again.
+    // As at the program's start, when there is no memory to reuse.
     for (int i = 0; i < count; ++i) {
         ResetReminders();
         first.push_back(Time(ProcessorMs, [] { LoadReminders(false, 0); }));

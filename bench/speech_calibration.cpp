@@ -1,10 +1,10 @@
-// Prints how the engines' default voices and their variants are heard: the median fundamental for each pitch asked for,
-// the word rate for each rate asked for, and how much voice is left in a whisper.
+// Prints what is heard from the engines' default voices and their variants: the median fundamental for each pitch asked
+// for, the word rate for each rate asked for, and the voiced share that is left in a whisper.
 //
 //   speech_calibration [check]     with "check": on the passages that were not used for calibrating
 //
-// The tables in the engines (CalibrationPoint) name for each setting what is heard with it. To measure them anew, ask
-// for the table's own `heard` values (they select exactly that setting) and write down what is heard instead.
+// The tables in the engines (CalibrationPoint) list what is heard at each setting. To measure them anew, ask for the
+// `heard` values of the table (they select exactly its settings) and replace them by what is heard now.
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/Engine.h"

@@ -1,5 +1,6 @@
-// How soon a word is heard after it was asked for, how soon it is quiet after a stop, and how near the clock that moves
-// the mouth is to what is heard. Needs a sound server whose monitor can be recorded, e.g. one with only a null sink:
+// Measures how soon speech is heard after it was requested, how soon it is quiet after a stop, and how exactly the
+// clock that moves the mouth follows what is heard. Needs a sound server whose monitor can be recorded, e.g. one with
+// only a null sink:
 //
 //   pulseaudio -n --exit-idle-time=-1 --load="module-null-sink sink_name=rec" --load=module-native-protocol-unix
 //   speech_latency [monitor=rec.monitor] [runs=20]
@@ -44,7 +45,7 @@ void Print(const char* what, std::vector<double> values)
                 at(0.9), values.back(), values.size());
 }
 
-/// What the sink plays, as it is played: raw 16-bit mono at 44100 with the moment each block came.
+/// Records what the sink plays: raw 16-bit mono at 44100 Hz, with the time at which each block arrived.
 class Monitor
 {
 public:
@@ -60,8 +61,8 @@ public:
         parec_.waitForFinished();
     }
 
-    Clock::time_point lastLoud;  ///< when the last sounding sample came
-    Clock::time_point firstLoud; ///< when the first came since Reset
+    Clock::time_point lastLoud;  ///< time of the last sample that is not silent
+    Clock::time_point firstLoud; ///< time of the first such sample since Reset
     bool heard = false;
     std::int64_t bytes = 0;
 
@@ -77,7 +78,7 @@ private:
         bytes += block.size();
         const std::span samples(reinterpret_cast<const std::int16_t*>(block.constData()),
                                 static_cast<std::size_t>(block.size()) / 2);
-        // A block that just came holds what was played up to now.
+        // A block that has just arrived holds what was played up to now.
         for (std::size_t i = 0; i < samples.size(); ++i) {
             if (std::abs(samples[i]) < 100)
                 continue;
@@ -101,7 +102,7 @@ void Wait(const std::function<bool()>& done, int milliseconds)
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 2);
 }
 
-/// Clicks, one every 200 ms, played through the output itself: its clock against the moments they come out.
+/// Plays one click every 200 ms through the output, to compare its clock with the times at which they come out.
 class Clicks final : public SampleSource
 {
 public:
@@ -143,7 +144,7 @@ std::vector<double> ClockErrors(voxmate::qt::QtAudioOutput& output, Monitor& mon
             said.push_back(now);
         if (monitor.heard) {
             out.push_back(monitor.firstLoud);
-            // Silence lies between two clicks: wait for it before looking for the next.
+            // Between two clicks there is silence: wait for it before looking for the next click.
             const Clock::time_point until = monitor.firstLoud + std::chrono::milliseconds(100);
             while (Clock::now() < until) {
                 QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
@@ -209,7 +210,7 @@ int main(int count, char** arguments)
         std::vector<double> stops;
         std::vector<double> calls;
         for (int run = 0; run < runs; ++run) {
-            // Away from any rhythm of the server's.
+            // Varies the wait, so that it does not fall into a rhythm of the server's.
             Wait([] { return false; }, 250 + run * 7 % 50);
             monitor.Reset();
             const Clock::time_point pressed = Clock::now();

@@ -1,5 +1,5 @@
-// What is heard in a piece of speech: its fundamental frequency and how much of it is voiced, its length and loudness.
-// Used to calibrate the speech engines and to test them.
+// Measures what is heard in a piece of speech: its fundamental frequency, its voiced share, its length and its
+// loudness. Used to calibrate the speech engines and to test them.
 #pragma once
 
 #include <algorithm>
@@ -14,13 +14,13 @@ namespace voxmate::speech::measure
 
 /// The voiced frames of a piece of speech, one every 10 ms of sound.
 struct PitchTrack {
-    std::vector<double> hertz;   ///< fundamental of each voiced frame
+    std::vector<double> hertz;   ///< fundamental frequency of each voiced frame
     std::size_t soundFrames = 0; ///< frames that are not silent, voiced or not
 
     /// Median fundamental; 0 when nothing is voiced.
     double Median() const { return Quantile(0.5); }
 
-    /// The fundamental that the given share (0 to 1) of the voiced frames does not exceed; 0 when nothing is voiced.
+    /// The fundamental that `share` (0 to 1) of the voiced frames do not exceed; 0 when nothing is voiced.
     double Quantile(double share) const
     {
         if (hertz.empty())
@@ -31,7 +31,7 @@ struct PitchTrack {
         return *nth;
     }
 
-    /// Share of the sounding frames that are voiced, 0 to 1.
+    /// The voiced share of the frames that are not silent, 0 to 1.
     double VoicedShare() const
     {
         return soundFrames ? static_cast<double>(hertz.size()) / static_cast<double>(soundFrames) : 0;
@@ -67,12 +67,13 @@ inline double SpeakingSeconds(std::span<const std::int16_t> samples, int samples
     return static_cast<double>(last.base() - first) / samplesPerSecond;
 }
 
-/// The pitch tracker YIN (de Cheveigné and Kawahara, 2002) from 30 to 600 Hz, threshold 0.2. Silent frames (40 dB under
+/// The YIN pitch tracker (de Cheveigné and Kawahara, 2002) from 30 to 600 Hz, threshold 0.2. Silent frames (40 dB below
 /// the loudest) are left out.
 inline PitchTrack TrackPitch(std::span<const std::int16_t> samples, int samplesPerSecond)
 {
-    // Low-passed at 900 Hz (two second-order Butterworth sections): the fundamental and what carries it, and not the
-    // higher formants, which change from one period to the next. Then one sample in two or four will do.
+    // The low-pass at 900 Hz (two second-order Butterworth sections) keeps the fundamental and the harmonics that carry
+    // it, and removes the higher formants, which change from one period to the next. Then one sample in two or four is
+    // enough.
     std::vector<float> filtered(samples.begin(), samples.end());
     const double bend1 = std::tan(3.14159265358979 * 900 / samplesPerSecond);
     const double norm = 1 / (1 + std::sqrt(2.0) * bend1 + bend1 * bend1);

@@ -1,5 +1,4 @@
-// English prose for measuring voices: ordinary sentences of several kinds, so that neither word length nor pauses are
-// of one kind only.
+// English prose for measuring voices: ordinary sentences of several kinds, so that word lengths and pauses vary.
 #pragma once
 
 #include <array>
@@ -27,7 +26,7 @@ inline constexpr std::array<std::string_view, 5> CalibrationProse{
     "messages now, or shall I wait until you have had your coffee?",
 };
 
-/// Other passages, on which the calibration is checked.
+/// Other passages, used to check the calibration.
 inline constexpr std::array<std::string_view, 3> CheckProse{
     "The North Wind and the Sun were disputing which was the stronger, when a traveller came along wrapped in a warm "
     "cloak. They agreed that the one who first succeeded in making the traveller take his cloak off should be "
@@ -41,7 +40,7 @@ inline constexpr std::array<std::string_view, 3> CheckProse{
     "did not seem to mind.",
 };
 
-/// Words between blanks.
+/// The number of words separated by blanks.
 constexpr std::size_t CountWords(std::string_view text)
 {
     std::size_t words = 0;

@@ -1,5 +1,5 @@
-// Renders a text through a voice, without any sound device, into a wave file, and prints the moments of its words and
-// mouths: kind, sample, value.
+// Renders a text with a voice into a wave file, without a sound device, and prints its word and mouth events: kind,
+// sample, value.
 //
 // Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav
 #include "speech/text/Relay.h"

@@ -1,6 +1,7 @@
-// What reading a text file costs, line by line into one text as the program does it, beside a plain read of the same
-// file into one string. Each is done once in a process of its own, which tells its time and its peak memory. The time
-// is the processor's: the files lie in the system's cache, so that nothing is waited for but other programs.
+// Measures reading a text file line by line into one text, as the program does it, compared with a plain read of the
+// same file into one string. Each read is done once in its own process, which reports its time and its peak memory. The
+// time is processor time: the files are in the system's cache, so the wall clock would add only the time of other
+// programs.
 //
 // Usage: text_file [COUNT]   COUNT runs of each kind; files of 1 MB and 100 MB in several encodings are made for it
 #include "bench/Statistics.h"
@@ -34,7 +35,7 @@ struct Sample {
     std::string mark;
 };
 
-/// Milliseconds of processor time that this process has taken.
+/// The processor time this process has used, in milliseconds.
 double ProcessorMs()
 {
     return static_cast<double>(std::clock()) * 1000 / CLOCKS_PER_SEC;
@@ -78,7 +79,7 @@ void MakeFile(const std::string& path, const Sample& sample, std::size_t size)
     }
 }
 
-// One measurement in a child process: "MILLISECONDS PEAK_BYTES".
+// Makes one measurement in a child process and prints "MILLISECONDS PEAK_BYTES TEXT_BYTES".
 int Measure(const std::string& manner, const std::string& path)
 {
     std::string text;
@@ -123,8 +124,8 @@ void Compare(const std::string& program, const Sample& sample, std::size_t size,
     Cost lines;
     Cost plain;
     Cost nothing;
-    // The first of each warms the system's cache and is not counted. In turns, so that whatever else the machine does
-    // meets all alike.
+    // The first of each warms the system's cache and is not counted. They alternate, so that whatever else the machine
+    // does affects all alike.
     for (int i = -1; i < count; ++i) {
         Cost warming;
         RunChild(program, "nothing", path, i < 0 ? warming : nothing);

@@ -1,4 +1,4 @@
-// How long cutting a document of a million characters into its spoken parts takes, without speech.
+// Measures how long it takes to cut a document of a million characters into its spoken parts, without speech.
 #include "base/Text.h"
 #include "bench/Statistics.h"
 #include "modules/Functions.h"

@@ -1,10 +1,10 @@
-// What the word processor's automation gives for a document, and how long the program waits for it.
+// Prints what the word processor's automation returns for a document, and how long the program waits for it.
 //
 //   word_text [--limit MILLISECONDS] [--stop MILLISECONDS] FILE
 //
-// The first line has the length in characters, the time to open, the longest time between two calls that let the
-// program live, and the time to take the whole text in parts of 1000 characters; the text follows. --limit shortens the
-// time a conversion may take, --stop breaks it off after that time.
+// The first line gives the length in characters, the time to open the document, the longest time between two calls that
+// keep the program responsive, and the time to take the whole text in parts of 1000 characters; the text follows.
+// --limit sets the time a conversion may take; --stop aborts the conversion after that time.
 #include "base/RuntimeError.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 

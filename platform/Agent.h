@@ -1,5 +1,5 @@
-// The Agent control: loads characters, queues their requests and reports what happens to them. All calls and all
-// events belong to the user-interface thread.
+// The Agent control: loads characters, queues their requests and reports what happens to them. All calls and events
+// happen on the user-interface thread.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace voxmate
 
 enum class RequestStatus { Complete = 0, Failed = 1, Pending = 2, Interrupted = 3, InProgress = 4 };
 
-/// What Show, Hide, Play and Speak return. The object lives as long as somebody holds it.
+/// The handle returned by Show, Hide, Play and Speak. It lives as long as anyone holds it.
 class AgentRequest
 {
 public:
@@ -60,12 +60,12 @@ public:
     virtual AgentRequestPtr Show(bool fast) = 0;
     virtual AgentRequestPtr Hide(bool fast) = 0;
     virtual AgentRequestPtr Play(const std::string& animation) = 0;
-    /// Speaks text with output tags, or, with a path in `url`, plays that wave file with the mouth following it.
+    /// Speaks text with output tags. With a path in `url` it plays that wave file instead, and the mouth follows it.
     virtual AgentRequestPtr Speak(std::string text, std::string url) = 0;
     virtual void Stop(const AgentRequestPtr& request) = 0;
-    /// `types`: a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all. Called by a
-    /// handler of Hidden, it reaches only requests made before that hiding was asked for, by Hide or in the menu: what
-    /// was asked for while the character was still going is carried out.
+    /// `types` is a comma-separated list of "Move", "Play", "Speak", "Visibility", "Get"; empty means all. Called from
+    /// a handler of Hidden, it stops only requests made before that hiding was requested (by Hide or in the menu);
+    /// requests made while the character was still leaving are carried out.
     virtual void StopAll(const std::string& types) = 0;
 
     virtual AgentBalloon& Balloon() = 0;
@@ -85,7 +85,7 @@ public:
     virtual bool Visible() const = 0;
 };
 
-/// What AudioOutput.Status answers.
+/// The answers of AudioOutput.Status.
 enum class AudioStatus {
     Available = 0,
     NoSupport = 1,
@@ -104,10 +104,10 @@ class AgentControl
 public:
     virtual ~AgentControl() = default;
 
-    /// Loads a character file under a name; raises a run-time error that names the file when it cannot be read.
+    /// Loads a character file under a name. Raises a run-time error that names the file when it cannot be read.
     virtual void Load(const std::string& name, const std::string& path) = 0;
     virtual void Unload(const std::string& name) = 0;
-    /// The loaded character of that name; raises a run-time error when there is none.
+    /// The loaded character of that name. Raises a run-time error when there is none.
     virtual AgentCharacter& Characters(const std::string& name) = 0;
     virtual AudioStatus AudioOutputStatus() = 0;
     virtual void SetSoundEffectsOn(bool on) = 0;
@@ -124,8 +124,8 @@ public:
     std::function<void(const AgentRequestPtr& request)> RequestStart;
     std::function<void(const AgentRequestPtr& request)> RequestComplete;
     std::function<void(int number)> Bookmark;
-    /// Pictures of a loaded character turn out to be damaged: it goes on with those that it has. Once a load; `message`
-    /// is one sentence that names the file and the first fault.
+    /// Some pictures of a loaded character are damaged; it goes on with the others. Raised once per load. `message` is
+    /// one sentence that names the file and the first fault.
     std::function<void(const std::string& character, const std::string& message)> Damaged;
 };
 

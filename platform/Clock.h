@@ -21,7 +21,7 @@ class Clock
 public:
     virtual ~Clock() = default;
     virtual DateTime Now() = 0;
-    /// A real calendar date in the system's short form.
+    /// Formats a valid calendar date in the system's short form.
     virtual std::string ShortDate(const DateTime& date) = 0;
 };
 

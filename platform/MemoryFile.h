@@ -1,4 +1,4 @@
-// Files for libraries that read from nothing else.
+// Files for libraries that can read only files.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace voxmate
 {
 
-/// A file that lies in memory and is gone with this object.
+/// A file kept in memory; it disappears with this object.
 class MemoryFile
 {
 public:
@@ -16,7 +16,7 @@ public:
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
 
-    /// Where this process can open it; empty when the system gave no memory for it.
+    /// The path under which this process can open it; empty when the system had no memory for it.
     const std::string& Path() const { return path_; }
 
 private:

@@ -1,5 +1,5 @@
-// Everything through which the program reaches the world. main() fills one with the implementations of its platform,
-// a test fills one with fakes.
+// All interfaces through which the program reaches the outside. main() fills one with the implementations of its
+// platform, a test fills one with fakes.
 #pragma once
 
 #include "platform/Agent.h"

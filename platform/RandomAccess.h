@@ -1,4 +1,4 @@
-// Files of numbered slots of one size.
+// Files of numbered slots of equal size.
 #pragma once
 
 #include <cstdint>
@@ -7,25 +7,25 @@
 namespace voxmate
 {
 
-/// An open file of slots, counted from 1: slot k begins at byte (k - 1) times the slot's size. No other process can
-/// open it meanwhile. What was put and not flushed or closed is lost when the object goes, and so is a new file.
+/// An open file of slots, counted from 1: slot k begins at byte (k - 1) times the slot size. No other process can open
+/// it at the same time. Records not flushed or closed are lost when the object is destroyed, and so is a new file.
 class RandomAccessFile
 {
 public:
     virtual ~RandomAccessFile() = default;
-    /// How many slots the file has, of which the last may be cut short; whoever reads them all can make room at once.
+    /// The number of slots; the last one may be incomplete. A caller that reads them all can reserve memory with it.
     /// Raises run-time error 57 "Device I/O error".
     virtual std::int64_t Count() = 0;
-    /// The bytes of a slot as far as the file has them, none past its end; they stay until the next call. Raises
-    /// run-time error 57 "Device I/O error".
+    /// The bytes of a slot, as many as the file has; none past its end. Valid until the next call. Raises run-time
+    /// error 57 "Device I/O error".
     virtual std::string_view Get(std::int32_t slot) = 0;
-    /// Writes a record to a slot and fills the rest of it with zeros. Raises run-time error 59 "Bad record length"
-    /// before anything is touched when the record is longer than a slot, 75 "Path/File access error" when the file may
-    /// only be read, 61 "Disk full" and 57 when writing fails; the two last may come as late as Flush or Close.
+    /// Writes a record to a slot and fills the rest with zeros. Raises run-time error 59 "Bad record length" before
+    /// anything is changed when the record is longer than a slot, 75 "Path/File access error" when the file is
+    /// read-only, 61 "Disk full" and 57 when writing fails; the last two may be raised only by Flush or Close.
     virtual void Put(std::int32_t slot, std::string_view record) = 0;
-    /// Returns when all that was put is on the disk, and the file's name, too, if it is new.
+    /// Returns when everything written so far is on the disk, including the name of a new file.
     virtual void Flush() = 0;
-    /// Writes what was put and closes the file, which takes no other call afterwards. It is closed after an error, too.
+    /// Writes what is pending and closes the file, after an error, too. No other call may follow.
     virtual void Close() = 0;
 };
 

@@ -24,13 +24,13 @@ class SettingsStore
 public:
     virtual ~SettingsStore() = default;
 
-    /// Opens the sub-key of a predefined root, making it if it is missing; the handle goes into `key`.
+    /// Opens a sub-key of a predefined root and creates it if it is missing; `key` receives the handle.
     virtual std::int32_t RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key) = 0;
     /// Opens an existing sub-key with the given access (KEY_READ or KEY_WRITE).
     virtual std::int32_t RegOpenKeyExA(std::uint32_t root, const std::string& subKey, std::uint32_t options,
                                        std::uint32_t access, std::uint32_t& key) = 0;
-    /// Copies a value's raw bytes into `data`; `type` and `size` receive its type and its size in bytes. Data that does
-    /// not fit gives 234 with the needed size in `size` and leaves the buffer alone.
+    /// Copies a value's raw bytes into `data`; `type` and `size` receive its type and its size in bytes. When the data
+    /// does not fit, it returns 234 with the needed size in `size` and leaves the buffer unchanged.
     virtual std::int32_t RegQueryValueExA(std::uint32_t key, const std::string& name, std::uint32_t& type,
                                           std::span<std::uint8_t> data, std::uint32_t& size) = 0;
     /// Sets a value to these raw bytes.

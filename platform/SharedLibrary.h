@@ -1,4 +1,4 @@
-// Libraries that are loaded when something of theirs is used.
+// Libraries that are loaded at run time, when one of their functions is needed.
 #pragma once
 
 #include <filesystem>
@@ -11,11 +11,11 @@ namespace voxmate
 class SharedLibrary
 {
 public:
-    /// Loads a library by its file name, looked for where the system keeps libraries, or by its path; nothing when
-    /// that fails. What it defines is not seen by other libraries.
+    /// Loads a library by its path, or by its file name from where the system keeps libraries. Nothing when that fails.
+    /// Its symbols are not visible to other libraries.
     static std::optional<SharedLibrary> Load(const std::filesystem::path& name);
 
-    /// The address of a function, nullptr when there is none of that name.
+    /// The address of a function; nullptr when there is none of that name.
     template <class Function>
     Function Find(const char* name) const
     {

@@ -1,4 +1,4 @@
-// The speech control: what voices there are. Each voice is one engine to its callers.
+// The speech control: the list of voices. To its callers each voice is one engine.
 #pragma once
 
 #include <string>

@@ -1,7 +1,7 @@
-// Calls on windows that keep the names, constants and arguments of the Win32 functions they stand for, so that what is
-// called can be checked exactly, and a form's own drawing. Pixels are device-independent: 15 twips at any scale. A
-// drawing is kept with its window and painted at the screen's own resolution; its device context is the window's
-// handle.
+// Window calls that keep the names, constants and arguments of the Win32 functions they stand for, so that tests can
+// check exactly what is called; and the drawing a form does itself. Pixels are device-independent: 15 twips at any
+// scale. A drawing is stored with its window and painted at the screen's own resolution; its device context is the
+// window's handle.
 #pragma once
 
 #include "controls/Form.h"
@@ -66,7 +66,7 @@ struct TriVertex {
     std::int16_t Alpha = 0;
     bool operator==(const TriVertex&) const = default;
 };
-/// A mesh of a gradient names its vertices by index, from 0.
+/// An element of a gradient mesh; it refers to its vertices by index, from 0.
 struct GradientTriangle {
     std::uint32_t Vertex1 = 0;
     std::uint32_t Vertex2 = 0;
@@ -81,7 +81,7 @@ struct GradientRect {
 
 /// Handle of a region; 0: none.
 using RegionHandle = std::uint32_t;
-/// What a drawing goes to: the handle of the window.
+/// The target of a drawing: the window's handle.
 using DeviceContext = WindowHandle;
 
 class WindowCalls
@@ -89,54 +89,55 @@ class WindowCalls
 public:
     virtual ~WindowCalls() = default;
 
-    /// The system's version; false when the record does not say its own size of 148 bytes.
+    /// The system's version; false when `dwOSVersionInfoSize` is not 148, the record's size.
     virtual bool GetVersionExA(OsVersionInfo& info) = 0;
     /// With SPI_GETWORKAREA and two zeros: the part of the primary screen that no panel covers, in pixels. False for
     /// anything else.
     virtual bool SystemParametersInfoA(std::uint32_t action, std::uint32_t parameter, WinRect& rect,
                                        std::uint32_t winIni) = 0;
-    /// Puts a window above all others for good (HWND_TOPMOST) or lets them cover it again (HWND_NOTOPMOST). Place and
-    /// size stay as they are: SWP_NOMOVE and SWP_NOSIZE must be given. SWP_SHOWWINDOW shows it. False for anything else
-    /// and for a window that is not loaded.
+    /// Keeps a window above all others (HWND_TOPMOST) or lets them cover it again (HWND_NOTOPMOST). Position and size
+    /// never change: SWP_NOMOVE and SWP_NOSIZE must be given. SWP_SHOWWINDOW shows the window. False for other
+    /// arguments and for a window that is not loaded.
     virtual bool SetWindowPos(WindowHandle window, std::int32_t insertAfter, int x, int y, int width, int height,
                               std::uint32_t flags) = 0;
-    /// A rectangle from (left, top) to before (right, bottom) whose corners are quarters of an ellipse of that size.
+    /// Creates a rectangle from (left, top) up to but not including (right, bottom). Its corners are quarters of an
+    /// ellipse of the given size.
     virtual RegionHandle CreateRoundRectRgn(int left, int top, int right, int bottom, int ellipseWidth,
                                             int ellipseHeight) = 0;
-    /// Gives the window the shape of a region, which belongs to the window from then on; 0 when it fails.
+    /// Gives the window the shape of a region, which then belongs to the window; 0 when it fails.
     virtual int SetWindowRgn(WindowHandle window, RegionHandle region, bool redraw) = 0;
-    /// With GWL_EXSTYLE: the extended style bits of a window; the second sets them and returns what they were.
+    /// With GWL_EXSTYLE: the window's extended style bits. SetWindowLongA sets them and returns the old ones.
     virtual std::int32_t GetWindowLongA(WindowHandle window, int index) = 0;
     virtual std::int32_t SetWindowLongA(WindowHandle window, int index, std::int32_t value) = 0;
-    /// With LWA_ALPHA: how opaque a layered window is, 0 to 255. False for a window without WS_EX_LAYERED.
+    /// With LWA_ALPHA: sets the opacity of a layered window, 0 to 255. False for a window without WS_EX_LAYERED.
     virtual bool SetLayeredWindowAttributes(WindowHandle window, std::uint32_t colourKey, std::uint8_t alpha,
                                             std::uint32_t flags) = 0;
-    /// Draws the outline of a rounded rectangle one pixel wide, from (left, top) to before (right, bottom), with the
-    /// window's ForeColor. It is not filled.
+    /// Draws the outline of a rounded rectangle, one pixel wide and not filled, from (left, top) up to but not
+    /// including (right, bottom), in the window's ForeColor.
     virtual bool RoundRect(DeviceContext context, int left, int top, int right, int bottom, int ellipseWidth,
                            int ellipseHeight) = 0;
-    /// Fills triangles with colours that change evenly between the vertices (GRADIENT_FILL_TRIANGLE).
+    /// Fills triangles with colours interpolated between the vertices (GRADIENT_FILL_TRIANGLE).
     virtual bool GradientFill(DeviceContext context, std::span<const TriVertex> vertices,
                               std::span<const GradientTriangle> mesh, std::uint32_t mode) = 0;
-    /// Fills rectangles, right and bottom edges not included, with colours that change from top to bottom
+    /// Fills rectangles, without their right and bottom edges, with a gradient from top to bottom
     /// (GRADIENT_FILL_RECT_V).
     virtual bool GradientFill(DeviceContext context, std::span<const TriVertex> vertices,
                               std::span<const GradientRect> mesh, std::uint32_t mode) = 0;
 
     // A form's own drawing. Colours are 0x00BBGGRR or system-colour values.
 
-    /// Fills the window with a colour; what was drawn before is gone.
+    /// Fills the window with a colour and discards what was drawn before.
     virtual void SetBackColor(WindowHandle window, std::uint32_t colour) = 0;
-    /// The colour of outlines drawn from now on.
+    /// Sets the colour of outlines drawn from now on.
     virtual void SetForeColor(WindowHandle window, std::uint32_t colour) = 0;
-    /// Keeps what is drawn from now on, so that it comes back when the window has been covered.
+    /// Keeps what is drawn from now on, so that it reappears after the window was covered.
     virtual void SetAutoRedraw(WindowHandle window, bool on) = 0;
-    /// A line one pixel wide from the first point to before the second.
+    /// Draws a line one pixel wide from the first point up to but not including the second.
     virtual void Line(WindowHandle window, int x1, int y1, int x2, int y2, std::uint32_t colour) = 0;
-    /// Pixels that a text needs in height, broken into lines of `width` pixels.
+    /// The height in pixels of a text broken into lines of `width` pixels.
     virtual int TextHeight(WindowHandle window, const FontSpec& font, const std::string& text, int width) = 0;
 
-    /// Twips a pixel is high, and the lower edge of the primary screen in twips.
+    /// The height of a pixel in twips, and the lower edge of the primary screen in twips.
     virtual double TwipsPerPixelY() = 0;
     virtual std::int32_t ScreenHeight() = 0;
 };

@@ -50,7 +50,7 @@ inline constexpr std::uint32_t BIF_RETURNONLYFSDIRS = 1;
 
 /// What SHBrowseForFolderA shows.
 struct BrowseInfo {
-    std::string title; ///< stands above the folders
+    std::string title; ///< shown above the folders
     std::string start; ///< folder to begin in
     std::uint32_t flags = 0;
 };
@@ -60,10 +60,10 @@ inline constexpr std::int32_t cdlCancel = 32755;
 
 /// The common dialog's settings and its answer.
 struct CommonDialog {
-    std::string Filter; ///< pairs of description and pattern, parted by bars: "Text Files (*.txt)|*.txt"
+    std::string Filter; ///< pairs of description and pattern, separated by bars: "Text Files (*.txt)|*.txt"
     std::string DialogTitle;
     bool CancelError = false; ///< a cancelled dialog raises run-time error 32755
-    std::string FileName;     ///< in: proposed; out: the full path chosen, as it was when the user cancels
+    std::string FileName;     ///< in: the proposed name; out: the full path chosen, unchanged when the user cancels
 };
 
 /// Clipboard formats (winuser.h): plain text.
@@ -80,30 +80,31 @@ public:
     virtual int MsgBox(const std::string& text, int style, const std::string& title) = 0;
     /// Lets pending events run once, then returns.
     virtual void DoEvents() = 0;
-    /// Shows the modal folder picker; an item list that CoTaskMemFree must free, or 0 when the user cancels.
+    /// Shows the modal folder picker. Returns an item list, to be freed with CoTaskMemFree, or 0 when the user cancels.
     virtual ItemList SHBrowseForFolderA(const BrowseInfo& info) = 0;
-    /// The path an item list stands for, without a separator at its end; false when it stands for none.
+    /// The path of an item list, without a separator at its end; false when it has none.
     virtual bool SHGetPathFromIDListA(ItemList list, std::string& path) = 0;
     virtual void CoTaskMemFree(ItemList list) = 0;
     /// Shows the modal dialog for opening a file, in the folder it was last left in. Raises run-time error 32755
     /// "Cancel was selected." when the user cancels and `CancelError` is set.
     virtual void ShowOpen(CommonDialog& dialog) = 0;
-    /// Shows the modal dialog for choosing a font, on `font`; sizes run from `minSize` to `maxSize` points. True when
-    /// the user chose one, which is then in `font`; it stays as it was when the user cancels.
+    /// Shows the modal dialog for choosing a font, starting with `font`; sizes run from `minSize` to `maxSize` points.
+    /// True when the user chose a font, which is then in `font`; false, with `font` unchanged, when the user cancels.
     virtual bool ShowFont(FontSpec& font, int minSize, int maxSize) = 0;
-    /// Whether the clipboard holds something of that format, and its text, empty when it holds none.
+    /// ClipboardGetFormat: whether the clipboard holds data of that format. ClipboardGetText: its text; empty when it
+    /// holds none.
     virtual bool ClipboardGetFormat(int format) = 0;
     virtual std::string ClipboardGetText() = 0;
     virtual void ClipboardClear() = 0;
     virtual void ClipboardSetText(const std::string& text) = 0;
 
     /// Adds or deletes the notification-area icon; false when there is no such area or it refuses. The icon's mouse
-    /// messages go to the picture box `window` stands for, as mouse moves whose x is the message in twips.
+    /// messages go to the picture box that `window` stands for, as mouse moves whose x is the message in twips.
     virtual bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) = 0;
-    /// Handles for the record: of the window behind a picture box, and of its picture.
+    /// Handles for the record: that of the window behind a picture box, and that of its picture.
     virtual std::uint32_t WindowHandle(PictureBox& box) = 0;
     virtual std::uint32_t PictureHandle(PictureBox& box) = 0;
-    /// Twips a pixel of the screen: 15 at 96 dots an inch.
+    /// The width of a screen pixel in twips: 15 at 96 dots per inch.
     virtual double TwipsPerPixelX() = 0;
 };
 

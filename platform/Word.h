@@ -1,4 +1,4 @@
-// The word processor's automation, as the reading of documents needs it.
+// The part of the word processor's automation that reading documents needs.
 #pragma once
 
 #include <cstdint>
@@ -9,20 +9,21 @@
 namespace voxmate
 {
 
-/// One invisible word processor with at most one open document. Destroying it ends the word processor and leaves
-/// nothing behind.
+/// An invisible word processor with at most one open document. Destroying it ends the word processor and removes all
+/// its traces.
 class WordApplication
 {
 public:
     virtual ~WordApplication() = default;
     virtual void SetVisible(bool visible) = 0;
-    /// Documents.Open: opens a document, which becomes the active one. Meanwhile `goOn` is called every few
-    /// milliseconds to let the program live; false from it breaks off. Raises run-time error 4198 "Command failed" when
-    /// the document cannot be opened, when it takes too long, and when it was broken off.
+    /// Documents.Open: opens a document, which becomes the active one. While it opens, `goOn` is called every few
+    /// milliseconds so that the program stays responsive; when it returns false, opening is aborted. Raises run-time
+    /// error 4198 "Command failed" when the document cannot be opened, takes too long or was aborted.
     virtual void Open(const std::string& name, const std::function<bool()>& goOn) = 0;
-    /// Range.End: the length of the active document's main text in characters; a paragraph's end is one.
+    /// Range.End: the length of the active document's main text in characters; the end of a paragraph counts as one.
     virtual std::int32_t RangeEnd() = 0;
-    /// Range(start, end).Text of the active document: the characters from `start` (counted from 0) to before `end`.
+    /// Range(start, end).Text: the active document's characters from `start` (counted from 0) up to but not including
+    /// `end`.
     virtual std::string RangeText(std::int32_t start, std::int32_t end) = 0;
     /// ActiveDocument.Close and Application.Quit.
     virtual void Close() = 0;

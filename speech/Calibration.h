@@ -1,5 +1,5 @@
-// What the engines' own settings are heard as. The tables were measured by the speech_calibration program (bench/),
-// which prints them; nothing in them is guessed.
+// Maps the pitch and speed that are heard to the engines' own settings. The tables were measured with the
+// speech_calibration program (bench/), which prints them; nothing in them is guessed.
 #pragma once
 
 #include <algorithm>
@@ -15,13 +15,14 @@ struct CalibrationPoint {
     double setting;
 };
 
-/// The setting that is heard as `heard`, and how far the engine falls short of it.
+/// The setting that comes nearest to a wanted pitch or speed, and how far it falls short.
 struct Setting {
     double value;
-    double remainder; ///< heard wanted / heard given: 1 within the engine's range
+    double remainder; ///< wanted / reached value; 1 within the engine's range
 };
 
-/// Finds the setting between the measured points (rising in `heard`); outside them the nearest end, with the remainder.
+/// Interpolates the setting for `heard` between the measured points, which must be sorted by `heard`. Outside them it
+/// gives the nearest end point's setting and the remainder.
 inline Setting SettingFor(std::span<const CalibrationPoint> points, double heard)
 {
     if (heard <= points.front().heard)

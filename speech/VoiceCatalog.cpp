@@ -12,10 +12,12 @@ namespace voxmate::speech
 namespace
 {
 
-// A language of that many million speakers has a voice on the list before any voice that was added for another.
+// A language with at least this many million speakers gets a voice on the list before any voice the user added for
+// another language.
 constexpr double LargeLanguage = 50;
 
-// The two accents of English that every list has; any voice that is not eSpeak NG's own choice of accent counts.
+// Whether a voice is one of the English ones that every list has: those in the two main accents, British and American,
+// and any the user added.
 bool IsMainEnglish(const Voice& voice)
 {
     return voice.origin == Voice::Origin::Added || voice.language == "en" || voice.language == "en-gb" ||
@@ -36,7 +38,8 @@ bool VoiceCatalog::IsOwn(const Voice& voice) const
     return LanguageFamily(voice.language) == family_;
 }
 
-/// How far a voice is from what the desktop speaks, or for another language from what most of its speakers expect.
+/// How far a voice is from the one the desktop wants, or for another language from the one most of its speakers expect:
+/// 0 to 2.
 int VoiceCatalog::Strangeness(const Voice& voice) const
 {
     if (voice.language == wanted_)
@@ -44,8 +47,8 @@ int VoiceCatalog::Strangeness(const Voice& voice) const
     return voice.language == MainTag(voice.language) ? 1 : 2;
 }
 
-/// Adds what can be made of the desktop's first voice and the first English one; and of whatever other voice the user
-/// has chosen a variant.
+/// Adds the variants of the desktop's first voice and of the first English one, and of any other voice the one variant
+/// that the user has chosen.
 void VoiceCatalog::AddVariants(std::vector<Entry>& installed) const
 {
     const std::string chosen = chosen_ ? chosen_() : std::string();
@@ -79,15 +82,15 @@ std::vector<VoiceCatalog::Entry> VoiceCatalog::Installed()
     return installed;
 }
 
-/// Where there are more voices than fit, those stay that more people have a use for. What the user chose comes first,
-/// then what the desktop speaks, then English (the program's own phrases are English) in two accents, the large
-/// languages, voices that a person added, variants, and one voice of each further language by its number of speakers.
-/// Behind them are further accents, at last languages that nobody grows up with.
+/// Chooses which voices stay when there are more than fit: those that more people have a use for. The order is: the
+/// voice the user chose, the desktop's language, two accents of English (the program's own phrases are English), the
+/// large languages, voices the user added, variants, one voice of each further language by its number of speakers,
+/// further accents, and finally languages that are nobody's mother tongue.
 std::vector<VoiceCatalog::Entry> VoiceCatalog::KeepWhatFits(const std::vector<Entry>& installed) const
 {
     enum Rank { Chosen, Own, English, Large, Added, Variant, Language, Accent, NobodysOwn };
     const std::string chosen = chosen_ ? chosen_() : std::string();
-    // The voice that speaks for each language, or for an accent that counts as one.
+    // The voice that stands for each language, or for an accent that counts as a language.
     std::map<std::string, std::size_t> speakers;
     const auto nameOf = [](const Voice& voice) {
         return CountsByItself(voice.language) && voice.language != MainTag(voice.language)

@@ -23,10 +23,10 @@ public:
         Engine* engine = nullptr;
     };
 
-    /// Takes the engines; asks none of them anything yet. `desktop` is the desktop's locale ("de-DE", "pt_BR"): its
-    /// language comes first, the voice of its region before all, then the English voices, then the rest by name.
-    /// At most `limit` voices are listed; which ones KeepWhatFits says. `chosen` is asked for the name of the voice
-    /// that the user chose when the list is made; that voice is on it wherever it is installed.
+    /// Takes the engines and queries none of them yet. `desktop` is the desktop's locale ("de-DE", "pt_BR"): voices of
+    /// its language come first, the voice of its region before all others, then the English voices, then the rest by
+    /// name. At most `limit` voices are listed; KeepWhatFits decides which. `chosen` is called when the list is made
+    /// and returns the name of the voice the user chose; that voice is always listed if it is installed.
     VoiceCatalog(std::vector<std::unique_ptr<Engine>> engines, std::string_view desktop, int limit = 1000,
                  std::function<std::string()> chosen = {});
 
@@ -39,8 +39,9 @@ public:
     /// there is no voice at all.
     const Entry* Find(std::string_view modeId);
 
-    /// The installed voice for what is written so, listed or not: one of the desktop's language, else of the language
-    /// that most people speak; null when there is none. Only after Find has been called once; from any thread.
+    /// The installed voice that reads this script, whether it is listed or not: preferably one of the desktop's
+    /// language, otherwise one of the language with most speakers. Null when there is none. Callable from any thread,
+    /// but only after Find has been called once.
     const Entry* ReaderOf(Script script) const;
 
 private:

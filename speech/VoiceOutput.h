@@ -1,5 +1,5 @@
-// One voice channel: speaks a marked-up text or plays a wave file through the sound output and reports, on the
-// user-interface thread and by the sound output's own clock, which word, mouth and bookmark is being heard.
+// One voice channel: speaks a marked-up text or plays a wave file through the sound output. It reports on the
+// user-interface thread, timed by the sound output's clock, which word, mouth and bookmark is being heard.
 #pragma once
 
 #include <cstdint>
@@ -29,41 +29,41 @@ struct Segment {
     bool emphasis = false; ///< Text: stress its first word
     int milliseconds = 0;  ///< Pause: 10 to 2550
     int bookmark = 0;      ///< Bookmark: its number
-    /// Text and Bookmark: where it begins among the words the listener sees (counted in words), so that a balloon can
-    /// follow; all its words count as `shownWords` words when the spoken and the shown text differ, -1 when they are
-    /// the same.
+    /// Text and Bookmark: `firstWord` is its position among the words the listener sees, so that a balloon can follow.
+    /// When the spoken text differs from the shown one, `shownWords` is the number of shown words that its spoken words
+    /// stand for; -1 when both are the same.
     int firstWord = 0;
     int shownWords = -1;
 };
 
 struct Utterance {
-    std::string modeId; ///< the voice, without braces; unknown or empty: the first voice
+    std::string modeId; ///< the voice's identifier without braces; the first voice when empty or unknown
     std::vector<Segment> segments;
-    /// When not empty this file is played instead, with mouths by its loudness. The shown words and, among them, the
-    /// bookmarks of `segments` are told evenly over its length.
+    /// When not empty, this file is played instead, with mouths by its loudness. The shown words are reported evenly
+    /// over its length, and each bookmark of `segments` at its place among them.
     std::string waveFile;
     int shownWords = 0; ///< how many words the listener sees in all
 };
 
-/// Callbacks on the user-interface thread, each when its moment is heard. After Stop none comes but Ended.
+/// Callbacks on the user-interface thread, each made when its moment is heard. After Stop only Ended is called.
 struct VoiceEvents {
     std::function<void()> Started;        ///< the first sample is heard
     std::function<void(int word)> Word;   ///< index of the shown word that begins now
     std::function<void(int mouth)> Mouth; ///< 0 closed, 1 to 4 wide in four shapes, 5 medium, 6 narrow
     std::function<void(int number)> Bookmark;
-    std::function<void(bool ok)> Ended; ///< the last sample has been heard, or it was stopped or failed
+    std::function<void(bool ok)> Ended; ///< the last sample has been heard (true), or it was stopped or failed (false)
 };
 
 class VoiceOutput
 {
 public:
     virtual ~VoiceOutput() = default;
-    /// 0 available, 1 no output device, 2 the device cannot be opened, 4 speaking, 6 anything else.
+    /// 0 available, 1 no output device, 2 the device cannot be opened, 4 speaking, 6 any other state.
     virtual int Status() = 0;
-    /// Starts speaking; sound begins before all of it is synthesised. One utterance at a time: a running one is
+    /// Starts speaking; sound begins before synthesis is complete. Only one utterance runs at a time: a running one is
     /// stopped.
     virtual void Start(Utterance utterance, VoiceEvents events) = 0;
-    /// Silence within one audio buffer; Ended(false) follows from the event loop.
+    /// Silences the output within one audio buffer; Ended(false) follows from the event loop.
     virtual void Stop() = 0;
 };
 

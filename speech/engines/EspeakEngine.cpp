@@ -1,8 +1,7 @@
-// eSpeak NG through its library. Every voice the library lists is one of ours.
+// Speaks with eSpeak NG through its library, and offers every voice the library lists.
 //
-// Pitch: the library's own pitch parameter reaches an octave up and down at most. A voice definition may name any
-// pitch, and the formants stay where they are, so a voice is loaded from its own definition with a pitch line of ours
-// behind it.
+// The library's own pitch parameter reaches at most an octave up and down. A voice definition may set any pitch without
+// changing the formants, so a voice is loaded from its own definition with our pitch line appended.
 #include "speech/Calibration.h"
 #include "speech/Engine.h"
 #include "speech/engines/EspeakMarkup.h"
@@ -33,15 +32,15 @@ namespace voxmate::speech
 namespace
 {
 
-// eSpeak NG's phoneme data is made for this rate, and so is all it synthesises.
+// The rate of eSpeak NG's phoneme data and of everything it synthesises.
 constexpr int EspeakRate = 22050;
-// What the library is asked to deliver at a time: short, so that the first sound comes soon and a stop is obeyed soon.
+// The block length the library delivers: short, so that sound starts soon and a stop takes effect soon.
 constexpr int BlockMilliseconds = 20;
-// The library's own rate when none is asked for (espeakRATE_NORMAL).
+// The library's default rate (espeakRATE_NORMAL).
 constexpr int NaturalRate = 175;
 
 // Words per minute heard in English prose (the mean of the British and the American voice) at settings of espeakRATE.
-// Under 85 the library's own rate hardly falls any more; its upper end is 450.
+// Below 85 the library's speed hardly falls any more; the setting's upper end is 450.
 constexpr std::array<CalibrationPoint, 12> RateHeard{{{102.1, 85},
                                                       {108.1, 90},
                                                       {114.4, 95},
@@ -55,32 +54,32 @@ constexpr std::array<CalibrationPoint, 12> RateHeard{{{102.1, 85},
                                                       {476.4, 400},
                                                       {533.2, 450}}};
 
-// The library's variants of a voice that are offered. Of the hundred there are these keep what is asked for in pitch
-// and speed within 5 % and their loudness within 3 dB of the voice they are made of, so that its calibration holds for
-// them, and differ most from it and from one another.
+// The library's voice variants that are offered. Of its hundred variants, these keep a requested pitch and speed within
+// 5 % and the loudness within 3 dB of the voice they are made from, so that voice's calibration holds for them; and
+// they differ most from it and from one another.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 3> Variants{
     {{"f2", "female 2"}, {"steph", "female, Steph"}, {"m3", "male 3"}}};
 
-/// A stretch's way from the library's callback to the shaper, piece by piece.
+/// Carries a stretch from the library's callback to the shaper, piece by piece.
 struct Delivery {
     Delivery(Shaper& to, bool isMbrola) : shaper(&to), mbrola(isMbrola) {}
 
     Shaper* shaper;
     bool mbrola;
     WordFollower words;
-    std::int64_t received = 0; ///< samples, as they go on
+    std::int64_t received = 0; ///< samples passed on so far
     int mouth = -1;
     bool stopped = false;
-    std::exception_ptr error; ///< what the way threw; the library is C and cannot be left by it
-    // The piece at hand.
+    std::exception_ptr error; ///< an exception from the callback, which must not pass through the C library
+    // The current piece.
     const EspeakMarkup* markup = nullptr;
     std::size_t nextMark = 0;
-    // The sound of an MBROLA voice comes at that voice's rate, pauses between its sentences at the library's own.
+    // An MBROLA voice delivers sound at its own rate, but the pauses between its sentences at the library's.
     Resampler resampler{EspeakRate, EspeakRate};
     std::vector<std::int16_t> made;
-    std::int64_t given = 0;      ///< samples of the piece, as the library counts them
-    std::int64_t rateSince = 0;  ///< the one from which on they have this rate,
-    std::int64_t rateBegins = 0; ///< and where that stands within the stretch
+    std::int64_t given = 0;      ///< samples of the piece, as counted by the library
+    std::int64_t rateSince = 0;  ///< the value of `given` where the current rate begins
+    std::int64_t rateBegins = 0; ///< that place within the stretch
 
     void MarksUpTo(std::size_t end, std::int64_t position)
     {
@@ -96,7 +95,7 @@ struct Delivery {
         Pass();
     }
 
-    // What the resampler holds back.
+    // Passes on what the resampler still holds.
     void Rest()
     {
         made.clear();
@@ -155,7 +154,8 @@ struct Delivery {
             if (next != mouth)
                 shaper->Event(SpeechEvent::Kind::Mouth, position, next);
             mouth = next;
-            // Of an MBROLA voice only the first word has an event; the others' first phonemes have a place in the text.
+            // With an MBROLA voice only the first word has an event; for the others, the text position of the first
+            // phoneme is used.
             if (mbrola && event.text_position > 0)
                 Word(event.text_position, position);
             break;
@@ -166,7 +166,7 @@ struct Delivery {
     }
 };
 
-// The library's callback knows no context; it is only ever called inside Synthesize, on the one worker thread.
+// The library's callback takes no context. It is only called inside Synthesize, on the one worker thread.
 Delivery* current = nullptr;
 
 int Deliver(short* samples, int count, espeak_EVENT* events)
@@ -185,14 +185,14 @@ int Deliver(short* samples, int count, espeak_EVENT* events)
     return current->stopped ? 1 : 0;
 }
 
-/// The voice the library is going to use; it has only one, whoever asks.
+/// The voice currently set in the library, which has only one for all callers.
 struct {
     std::string key;
     int hertz = 0;
     bool monotone = false;
 } loaded;
 
-/// While it lives the library's callback delivers to `delivery`.
+/// The library's callback delivers to `delivery` during this object's lifetime.
 class Delivering
 {
 public:
@@ -200,14 +200,15 @@ public:
     ~Delivering()
     {
         current = nullptr;
-        // Behind the end of a <speak> element the library goes back to a voice of its own choice, at that one's pitch.
+        // After a </speak> the library switches to a voice of its own choice, with that voice's pitch.
         loaded = {};
     }
     Delivering(const Delivering&) = delete;
     Delivering& operator=(const Delivering&) = delete;
 };
 
-/// Has the library speak a text to the delivery; what that threw is thrown once the library has returned.
+/// Has the library speak a text to the delivery. An exception from the callback is rethrown once the library has
+/// returned.
 espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
 {
     const Delivering delivering(delivery);
@@ -218,7 +219,7 @@ espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
     return result;
 }
 
-// Done once in a run and never undone: the library's own end (espeak_Terminate) can wait for its threads for ever.
+// Done once per run and never undone: the library's shutdown (espeak_Terminate) can wait for its threads for ever.
 bool InitialiseLibrary()
 {
     static const bool initialised = [] {
@@ -231,8 +232,8 @@ bool InitialiseLibrary()
     return initialised;
 }
 
-// The library's files are named after their language: "roa/fr-BE" is "fr-be", and "roa/fr" speaks for all of French,
-// whichever tag stands first in it.
+// The tag is taken from the name of the voice's file: "roa/fr-BE" is "fr-be", and "roa/fr" stands for all of French,
+// whichever tag comes first in the file.
 std::string TagOfFile(std::string_view key)
 {
     std::string tag(key.substr(key.rfind('/') + 1));
@@ -242,7 +243,7 @@ std::string TagOfFile(std::string_view key)
     return tag;
 }
 
-/// Counts the samples from the first that is no silence to the last.
+/// Finds the length in samples from the first sample that is not silence to the last.
 struct LengthSink final : SampleSink {
     bool Samples(std::span<const std::int16_t> samples) override
     {
@@ -298,7 +299,7 @@ public:
             return false;
         Shaper shaper(EspeakRate, sink);
         Arranger arranger(segments);
-        std::optional<Delivery> delivery; // of the stretch at hand
+        std::optional<Delivery> delivery; // of the current stretch
         while (const auto part = arranger.Next()) {
             if (part->pauseMilliseconds > 0) {
                 if (!shaper.Silence(part->pauseMilliseconds))
@@ -350,7 +351,7 @@ private:
         ListMbrolaVoices();
     }
 
-    // The library lists them whether or not they are installed.
+    // The library lists MBROLA voices whether or not they are installed.
     void ListMbrolaVoices()
     {
         if (!HasMbrola())
@@ -375,7 +376,7 @@ private:
         voices_.insert(voices_.end(), added.begin(), added.end());
     }
 
-    // What the library's own voice of a language is called, without its accent.
+    // The name of the library's own voice for a language, without its accent.
     std::string LanguageName(const std::string& tag) const
     {
         const auto named = std::find_if(voices_.begin(), voices_.end(), [&](const Voice& voice) {
@@ -400,7 +401,7 @@ private:
         return true;
     }
 
-    // Sets the library's rate; what is left to do is returned.
+    // Sets the library's rate and returns what the shaper has to do for the rest.
     Shape PrepareFor(const Voice& voice, const Prosody& prosody)
     {
         Shape shape;
@@ -421,8 +422,8 @@ private:
         return shape;
     }
 
-    // How much faster an MBROLA voice is than the library's own voice of its language, for which the table holds, at
-    // this rate of the library's: they keep their own lengths of sounds, and those change with the rate in another way.
+    // How much faster an MBROLA voice is, at this library rate, than the library's own voice of its language, for which
+    // the table holds. MBROLA voices have sound lengths of their own, which change with the rate differently.
     double TempoOf(const Voice& voice, int rate)
     {
         const auto known = tempos_.find({voice.key, rate});
@@ -440,7 +441,7 @@ private:
         return tempos_[{voice.key, rate}] = tempo;
     }
 
-    // Samples that a voice takes for some numbers, which every language has words for; 0 when it does not speak.
+    // The samples a voice needs to say some numbers, for which every language has words; 0 when it does not speak.
     double MeasureLength(const Voice& voice, int rate)
     {
         LengthSink length;

@@ -48,7 +48,7 @@ EspeakMarkup::EspeakMarkup(const MarkedText& text) : marks(text.marks)
         }
     }
     stress(false);
-    // The element's end is a sentence's end to the library, with its pause.
+    // The library treats the element's end as a sentence's end, with its pause.
     if (text.end != MarkedText::End::Inside)
         add("</speak>");
 }

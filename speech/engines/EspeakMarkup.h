@@ -1,4 +1,4 @@
-// The markup in which a text is handed to eSpeak NG, and the way back from its positions.
+// The markup in which text is passed to eSpeak NG, and the mapping of its positions back to the text.
 #pragma once
 
 #include "speech/text/MarkedText.h"
@@ -13,11 +13,12 @@ namespace voxmate::speech
 struct EspeakMarkup {
     explicit EspeakMarkup(const MarkedText& text);
 
-    /// The shown word at a position as eSpeak NG reports it: in characters of the markup, from 1 on; -1 for none.
+    /// The shown word at a position that eSpeak NG reports: a character of the markup, counted from 1. -1 for none.
     int ShownWordAt(int position) const;
 
-    std::string
-        ssml; ///< a <speak> element, left open where a sentence goes on, UTF-8; mark names are indices into `marks`
+    /// A UTF-8 <speak> element, left open when the next piece continues the same sentence. Its mark names are indices
+    /// into `marks`.
+    std::string ssml;
     std::vector<MarkedText::Mark> marks;
 
 private:

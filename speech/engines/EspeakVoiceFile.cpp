@@ -19,22 +19,23 @@ namespace voxmate::speech
 namespace
 {
 
-// A definition's line "pitch LOW HIGH" gives a tone between LOW - 8 hertz and some way up to HIGH; the median of
-// English sentences lies this share of HIGH - LOW above its bottom (measured by speech_calibration from 40 to 400 Hz).
+// A definition's line "pitch LOW HIGH" gives pitches from LOW - 8 hertz to some point short of HIGH. The median pitch
+// of English sentences lies this share of HIGH - LOW above that bottom (measured with speech_calibration from 40 to 400
+// Hz).
 constexpr double BottomOffset = 8;
 constexpr double MedianShare = 0.75;
-// The library's own line when a definition has none (its default voice).
+// The library's values for a definition without such a line (its default voice).
 constexpr int DefaultLow = 82;
 constexpr int DefaultHigh = 118;
 
-// A file of the library's data; empty when there is none.
+// The contents of a file in the library's data folder; empty when there is none.
 std::string ReadDataFile(const std::filesystem::path& path)
 {
     std::ifstream file(EspeakDataFolder() / path, std::ios::binary);
     return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string();
 }
 
-// The lines that tell how a variant sounds; not those that tell who it is.
+// The lines of a variant that describe its sound, without those that describe its identity.
 std::string SoundOfVariant(const std::string& variant)
 {
     std::string lines;
@@ -45,7 +46,7 @@ std::string SoundOfVariant(const std::string& variant)
     return lines;
 }
 
-// The definition's text, with a variant's behind it; empty when there is none.
+// A voice definition with that of its variant appended; empty when there is none.
 std::string ReadDefinition(const std::string& key)
 {
     const std::size_t plus = key.find('+');
@@ -58,7 +59,7 @@ std::string ReadDefinition(const std::string& key)
     return definition;
 }
 
-// A melody as wide as the voice's own, in proportion to its pitch.
+// The pitch line for a median of `hertz`, with the voice's own range in proportion to it.
 std::string PitchLine(const std::string& definition, int hertz, bool monotone)
 {
     int low = DefaultLow;
@@ -124,7 +125,7 @@ bool LoadEspeakVoice(const std::string& key, int hertz, bool monotone)
     if (definition.empty())
         return espeak_SetVoiceByName(key.c_str()) == EE_OK;
 
-    // The library reads definitions from files only.
+    // The library can read definitions only from files.
     const MemoryFile file(definition + "\n" + PitchLine(definition, hertz, monotone) + "\n");
     const bool loaded = !file.Path().empty() && espeak_ng_SetVoiceByFile(file.Path().c_str()) == ENS_OK;
     return loaded || espeak_SetVoiceByName(key.c_str()) == EE_OK;

@@ -1,4 +1,4 @@
-// Loads an eSpeak NG voice at a pitch of our choosing.
+// Loads an eSpeak NG voice at a chosen pitch, and finds what is installed with the library.
 #pragma once
 
 #include <filesystem>
@@ -8,20 +8,20 @@
 namespace voxmate::speech
 {
 
-/// Where the library's data is; empty when it has none. Its path must have been initialised.
+/// The library's data folder; empty when there is none. The library's path must be initialised.
 std::filesystem::path EspeakDataFolder();
 
 /// Whether the library has this variant ("f2").
 bool HasEspeakVariant(std::string_view variant);
 
-/// Whether the program is installed that makes the sound of MBROLA voices.
+/// Whether the program that makes the sound of MBROLA voices is installed.
 bool HasMbrola();
-/// The database ("de2") of the MBROLA voice with this identifier ("mb/mb-de2") if it is installed where the library
-/// looks for it, else nothing.
+/// The database ("de2") of the MBROLA voice with this identifier ("mb/mb-de2"); empty when it is not installed where
+/// the library looks for it.
 std::string MbrolaDatabase(const std::string& key);
 
-/// Makes the library use the voice with this identifier ("gmw/en", with a variant "gmw/en+f2"), its median pitch at
-/// `hertz` (0: the voice's own), without intonation when `monotone`. False when the voice cannot be loaded. The library
+/// Makes the library use the voice with this identifier ("gmw/en", with a variant "gmw/en+f2"). `hertz` is its median
+/// pitch (0: the voice's own); `monotone` removes the intonation. False when the voice cannot be loaded. The library
 /// must be initialised.
 bool LoadEspeakVoice(const std::string& key, int hertz, bool monotone);
 

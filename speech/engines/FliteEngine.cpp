@@ -25,7 +25,7 @@ struct VoiceData {
     const char* key;
     const char* name;
     int sampleRate;
-    double naturalHertz; ///< the voice's own "int_f0_target_mean", 0: ask its database
+    double naturalHertz; ///< the voice's own "int_f0_target_mean"; 0: taken from its database
     /// Hertz heard (median of English prose) at settings of the feature "int_f0_target_mean".
     std::array<CalibrationPoint, 9> pitch;
     /// Words per minute heard in English prose at "duration_stretch" 1; the rate is this divided by the stretch.
@@ -91,11 +91,12 @@ constexpr std::array<VoiceData, 4> VoiceTable{{
      183.6},
 }};
 
-// A voice from a file, of which nothing is measured yet: between the three statistical voices above, which hear 0.935
-// to 0.98 of what is set. Its words a minute are measured when it is loaded.
+// The share of a set pitch that a voice file is assumed to be heard at, since its pitch is not measured. It lies
+// between the shares of the three statistical voices above, 0.935 to 0.98. The voice's words per minute are measured
+// when it is loaded.
 constexpr double HeardOfSet = 0.955;
-// A text for that. The voices above say it at this share of their words a minute in the calibration's prose (0.976 to
-// 1.024 of it each).
+// The text for that measurement. The voices above say it at MeasuredShare times their words per minute in the
+// calibration's prose (each within 0.976 to 1.024 of that).
 constexpr const char* MeasuredProse = "When the rain had stopped at last, the old man took his stick from behind the "
                                       "door and went out to look at the garden. "
                                       "Every leaf was shining. Members said that more than four hundred people had "
@@ -114,42 +115,42 @@ VoiceData DataOfFile(int sampleRate)
     return data;
 }
 
-// The stretch within which Flite's rate is as its stretch says; the sonic library does the rest.
+// The range of "duration_stretch" within which Flite's speed follows it; beyond it the sonic library does the rest.
 constexpr double ShortestStretch = 0.5;
 constexpr double LongestStretch = 2.5;
-// kal's own (the feature "duration_stretch" it is registered with); the others have none, which is 1.
+// The "duration_stretch" that kal is registered with; the other voices have none, which means 1.
 constexpr double NaturalStretchOfKal = 1.1;
-// Silence kept before the first word and behind the last one; Flite gives each end about a fifth of a second.
+// Seconds of silence kept before the first and after the last word. Flite puts about a fifth of a second at each end.
 constexpr double KeptSilence = 0.03;
-// A stressed word is louder by this factor (5 dB).
+// A stressed word is amplified by this factor (5 dB).
 constexpr double StressGain = 1.78;
 
 struct LoadedVoice {
     VoiceData data{};
     cst_voice* voice = nullptr;
-    cst_cg_db* database = nullptr; ///< our changeable copy; null for kal
-    int ownMelody = 0;             ///< the database's flag for a melody model that knows no target pitch
+    cst_cg_db* database = nullptr; ///< the database, writable (a copy for an installed voice); null for kal
+    int ownMelody = 0;             ///< the database's flag for an intonation model that ignores the target pitch
     cst_audio_streaming_info* streaming = nullptr;
 };
 
-/// A voice once registered lasts for the rest of the run, and so does what we give it, whoever asked for it first.
+/// The registered voices and their data. They last for the rest of the run, whichever engine asked for them first.
 struct LoadedLibrary {
     FliteLibrary flite;
     bool loaded = false;
     std::map<std::string, LoadedVoice> voices;
     std::vector<std::unique_ptr<cst_cg_db>> databases;
 };
-/// Never taken apart: the library's voices are not, either.
+/// Never destroyed, because the library's voices are not destroyed either.
 LoadedLibrary& loadedLibrary = *new LoadedLibrary;
 
-/// What is known of the stretch at hand from one piece to the next.
+/// State of the current stretch that is carried from one piece to the next.
 struct Stretch {
     WordFollower words;
-    bool inside = false;     ///< what comes next has a sentence before it
+    bool inside = false;     ///< the next sentence follows another one of the stretch
     std::int64_t length = 0; ///< samples so far
 };
 
-/// One sentence's way from Flite to the shaper.
+/// Carries one sentence from Flite to the shaper.
 struct Delivery {
     const FliteLibrary* flite = nullptr;
     Shaper* shaper = nullptr;
@@ -161,10 +162,10 @@ struct Delivery {
     bool last = false;
     bool planned = false;
     bool stopped = false;
-    std::exception_ptr error; ///< what the way threw; Flite is C and cannot be left by it
+    std::exception_ptr error; ///< an exception from the callback, which must not pass through C code
     std::int64_t from = 0;    ///< samples of the sentence before this one are left out
-    std::int64_t to = 0;      ///< and so are those from this one on
-    std::int64_t offset = 0;  ///< where sample `from` stands in the stretch
+    std::int64_t to = 0;      ///< samples from this one on are left out
+    std::int64_t offset = 0;  ///< position of sample `from` in the stretch
     std::vector<std::pair<std::int64_t, std::int64_t>> stressed;
     std::vector<std::int16_t> block;
 
@@ -256,7 +257,7 @@ int Deliver(const cst_wave* wave, int start, int count, int, cst_audio_streaming
     return delivery.stopped ? CST_AUDIO_STREAM_STOP : CST_AUDIO_STREAM_CONT;
 }
 
-// Only the lengths of a text's sounds are wanted: taken from the first block, and no more is made.
+// Measures a text's duration: it is known from the first block, and no more is synthesised.
 int MeasureSeconds(const cst_wave*, int, int, int, cst_audio_streaming_info* info)
 {
     const FliteLibrary& flite = loadedLibrary.flite;
@@ -279,7 +280,7 @@ int MeasureSeconds(const cst_wave*, int, int, int, cst_audio_streaming_info* inf
 class FliteEngine final : public Engine
 {
 public:
-    /// Without a folder the library's own voices, else those of the folder's files.
+    /// With an empty folder it lists the library's own voices, otherwise those of the folder's files.
     explicit FliteEngine(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
     const std::vector<Voice>& Voices() override
@@ -382,7 +383,7 @@ private:
         flite_.featSet(loaded.voice->features, "streaming_info", flite_.streamingInfoVal(loaded.streaming));
         if (flite_.featPresent(loaded.voice->features, "cg_db")) {
             loaded.database = flite_.valCgDb(flite_.featVal(loaded.voice->features, "cg_db"));
-            // A file's is the voice's own, and goes when another takes its place.
+            // A voice file's database belongs to its voice, and would be freed if another replaced it.
             if (own)
                 loaded.database = ReplaceDatabase(loaded);
             loaded.ownMelody = loaded.database->spamf0;
@@ -392,7 +393,7 @@ private:
         return &loadedLibrary.voices.emplace(key, loaded).first->second;
     }
 
-    // The database of a voice in the library cannot be written to: the voice gets a copy.
+    // The database of an installed voice is read-only, so the voice gets a copy.
     cst_cg_db* ReplaceDatabase(const LoadedVoice& loaded)
     {
         loadedLibrary.databases.push_back(std::make_unique<cst_cg_db>(*loaded.database));
@@ -415,7 +416,8 @@ private:
             loaded.data.wordsPerMinute = MeasuredWords * 60 / seconds / MeasuredShare;
     }
 
-    // Sets pitch and melody; the pitch factor that is left to do is returned. Flite's own pitch ends at 50 Hz.
+    // Sets pitch and intonation, and returns the pitch factor that is left for the shaper. Flite's own pitch ends at 50
+    // Hz.
     double SetPitch(const LoadedVoice& loaded, const Prosody& prosody)
     {
         const double naturalMean = loaded.database ? loaded.database->f0_mean : loaded.data.naturalHertz;
@@ -433,13 +435,14 @@ private:
         return setting.remainder;
     }
 
-    // Sets pitch and rate; what is left to do is returned.
+    // Sets pitch and rate and returns what the shaper has to do for the rest.
     Shape PrepareFor(const LoadedVoice& loaded, const Prosody& prosody)
     {
         Shape shape;
         shape.whisper = prosody.whisper;
         shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
-        // Below that the sound is made to run slower, and the words are made shorter first.
+        // Pitches below Flite's range are reached by playing the sound more slowly, so the words are made shorter in
+        // proportion.
         shape.rate = SetPitch(loaded, prosody);
         double wanted = loaded.database ? 1 : NaturalStretchOfKal;
         if (prosody.wordsPerMinute > 0)
@@ -451,8 +454,8 @@ private:
         return shape;
     }
 
-    // Has Flite speak the delivery's sentence; false when it failed. What the delivery threw is thrown once Flite has
-    // returned and its utterance is gone.
+    // Has Flite speak the delivery's sentence; false when it failed. An exception from the callback is rethrown once
+    // Flite has returned and its utterance is deleted.
     bool SpeakTo(const LoadedVoice& loaded, Delivery& delivery)
     {
         loaded.streaming->userdata = &delivery;
@@ -465,7 +468,7 @@ private:
         return utterance || delivery.stopped;
     }
 
-    // Speaks a piece of a stretch; false when it was stopped or Flite failed.
+    // Speaks a piece of a stretch; false when it was stopped or Flite failed (then `failed` is set).
     bool Speak(const LoadedVoice& loaded, const MarkedText& part, Stretch& stretch, Shaper& shaper, bool& failed)
     {
         const bool isLast = part.end == MarkedText::End::Stretch;
@@ -490,7 +493,8 @@ private:
                 return false;
             stretch.length += delivery.to - delivery.from;
         }
-        // A sentence that is cut through goes on without the silence round what Flite takes for two.
+        // When the cut is inside a sentence, Flite takes its halves for two sentences; the silence it puts between them
+        // is left out.
         if (part.end == MarkedText::End::Inside)
             stretch.inside = false;
         const bool listening = !isLast || shaper.End();

@@ -29,7 +29,7 @@ const std::optional<SharedLibrary>& CoreLibrary()
     return library;
 }
 
-/// Reads what voice files are made of; stays false once something was not there.
+/// Reads the elements of a voice file; converts to false for good once one is missing.
 class FlitevoxReader
 {
 public:
@@ -41,12 +41,12 @@ public:
     {
         std::array<char, 4> bytes{};
         file_.read(bytes.data(), bytes.size());
-        std::int32_t number = 0; // in this machine's order, as the library writes it
+        std::int32_t number = 0; // in this machine's byte order, as the library writes it
         std::memcpy(&number, bytes.data(), bytes.size());
         return file_ ? number : 0;
     }
 
-    /// A length that counts the terminator, and the text.
+    /// Reads a length, which includes the terminator, and then the text.
     std::string Text()
     {
         constexpr std::int32_t longest = 4096;
@@ -66,7 +66,7 @@ public:
         std::string text(mark.size() + 1, '\0');
         file_.read(text.data(), static_cast<std::streamsize>(text.size()));
         const bool begins = file_ && text.starts_with(mark) && text.back() == '\0';
-        if (Number() != 1) // written on a machine of another byte order
+        if (Number() != 1) // the file was written on a machine with another byte order
             file_.setstate(std::ios::failbit);
         return begins;
     }
@@ -97,7 +97,7 @@ std::optional<FlitevoxHead> ReadFlitevoxHead(const std::filesystem::path& file)
     const std::int32_t types = in.Number();
     for (std::int32_t i = 0; i < types && in; ++i)
         in.Text();
-    if (in.Number() != types) // told twice
+    if (in.Number() != types) // the count is stored twice
         return std::nullopt;
     head.sampleRate = in.Number();
     constexpr int lowestRate = 8000;

@@ -1,5 +1,5 @@
-// Flite's functions, taken from its shared library when the first Flite voice is used: the voices' data is several
-// megabytes that a user of another voice need not carry.
+// Flite's functions, loaded from its shared library when the first Flite voice is used: the voice data is several
+// megabytes, which users of other voices need not load.
 #pragma once
 
 #include <filesystem>
@@ -17,33 +17,34 @@ extern "C" {
 namespace voxmate::speech
 {
 
-/// What the head of a voice file (.flitevox) says of it.
+/// The header fields of a voice file (.flitevox).
 struct FlitevoxHead {
     std::string language; ///< "eng"
     std::string country;  ///< "USA"
     int sampleRate = 0;
 };
 
-/// Reads the head of a voice file; none when it is not one, or one that ends in its head.
+/// Reads the header of a voice file; nothing when it is no voice file or is cut off within its header.
 std::optional<FlitevoxHead> ReadFlitevoxHead(const std::filesystem::path& file);
 
 class FliteLibrary
 {
 public:
-    /// The folder that holds the installed library, empty when there is none. Loads the small core library only.
+    /// The folder of the installed library; empty when there is none. Loads only the small core library.
     static std::filesystem::path Folder();
-    /// True when the library of this voice ("slt") is installed.
+    /// Whether the library of this voice ("slt") is installed.
     static bool HasVoice(const std::string& key);
 
     /// Loads the core functions; false when one is missing.
     bool Load();
-    /// Loads a voice's own library and registers it; null when that fails. The voice stays for the rest of the run.
+    /// Loads a voice's own library and registers the voice; null when that fails. The voice stays loaded for the rest
+    /// of the run.
     cst_voice* LoadVoice(const std::string& key) const;
 
-    /// Loads an English voice from a file; null when that fails. The library believes all that a file says, so one that
-    /// is damaged is tried in a process of its own first, which may take 20 seconds; it is given up when `wanted`,
-    /// asked again and again, is false. The voice stays for the rest of the run, and so does the knowledge that it is
-    /// none.
+    /// Loads an English voice from a file; null when that fails. The library trusts everything in the file, so a file
+    /// is first tried in a separate process, because a damaged one could crash this one; that may take 20 seconds.
+    /// `wanted` is polled meanwhile, and the attempt is given up when it returns false. A loaded voice stays for the
+    /// rest of the run, and a file found damaged is not tried again.
     cst_voice* LoadFile(const std::filesystem::path& file, const std::function<bool()>& wanted);
 
     decltype(&::flite_voice_load) voiceLoad = nullptr;
@@ -71,7 +72,7 @@ private:
     std::optional<bool> SpeaksWell(const std::filesystem::path& file, const std::function<bool()>& wanted) const;
 
     bool english_ = false;
-    std::set<std::filesystem::path> damaged_; ///< files that are no voice
+    std::set<std::filesystem::path> damaged_; ///< files found not to be usable voices
 };
 
 } // namespace voxmate::speech

@@ -12,14 +12,14 @@ namespace
 
 constexpr std::size_t LongSentence = 400;
 
-// The letters U+00C0 to U+017F without their marks.
+// Letters from U+00C0 to U+017F, and the same letters without their marks.
 constexpr std::u32string_view Marked = U"ÀÁÂÃÄÅÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖØÙÚÛÜÝàáâãäåçèéêëìíîïðñòóôõöøùúûüýÿĀāĂăĄąĆćČčĎďĐđĒēĘęĚěĞ"
                                        U"ğĪīİıŁłŃńŇňŌōŐőŘřŚśŞşŠšŢţŤťŪūŮůŰűŹźŻżŽž";
 constexpr std::string_view Plain = "AAAAAACEEEEIIIIDNOOOOOOUUUUYaaaaaaceeeeiiiidnoooooouuuuyyAaAaAaCcCcDdDdEeEeEeGgIiIi"
                                    "LlNnNnOoOoRrSsSsSsTtTtUuUuUuZzZzZz";
 static_assert(Marked.size() == Plain.size());
 
-// What Flite reads for a character; empty for what it cannot say.
+// The text Flite gets for a character; a blank for one it cannot say.
 std::string Ascii(char32_t c)
 {
     if (c < 0x80)
@@ -74,7 +74,7 @@ bool IsLetter(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-// "Dr.", "e.g." and an initial do not end a sentence.
+// True for "Dr", "e.g" and initials: the full stop behind them does not end a sentence.
 bool IsAbbreviation(std::string_view word)
 {
     static constexpr std::array<std::string_view, 14> known{"Mr", "Mrs", "Ms", "Dr",  "Prof", "St",  "Sr",
@@ -84,13 +84,13 @@ bool IsAbbreviation(std::string_view word)
     return word.size() == 1 || std::find(known.begin(), known.end(), word) != known.end();
 }
 
-// Whether a sentence ends with the blank at `at`.
+// Whether a sentence ends before the blank at `at`.
 bool EndsSentence(std::string_view text, std::size_t start, std::size_t at)
 {
     const std::size_t next = text.find_first_not_of(" \n", at);
     if (next == std::string_view::npos)
         return false;
-    // An empty line, be there blanks in it or a carriage return at its end.
+    // An empty line, even with blanks in it or a carriage return at its end.
     if (std::count(text.begin() + static_cast<std::ptrdiff_t>(at), text.begin() + static_cast<std::ptrdiff_t>(next),
                    '\n') > 1)
         return true;
@@ -116,7 +116,7 @@ bool EndsSentence(std::string_view text, std::size_t start, std::size_t at)
 
 std::size_t FliteSentence::SourceOfToken(int filePosition) const
 {
-    // Flite counts one character past the token, except at the end of the text.
+    // Flite's position is one character past the token, except at the end of the text.
     std::size_t at = std::min(static_cast<std::size_t>(std::max(filePosition, 1)), text.size()) - 1;
     while (at > 0 && IsBlank(text[at]))
         --at;
@@ -147,7 +147,7 @@ std::vector<FliteSentence> SplitForFlite(const MarkedText& text)
     };
     std::size_t start = 0;
     for (std::size_t i = 0; i < ascii.size(); ++i) {
-        // Only the first of several blanks tells; to ask at each would be to look over all of them again each time.
+        // Only the first of several blanks is tested: testing each would scan all of them again every time.
         if (IsBlank(ascii[i]) && (i == start || !IsBlank(ascii[i - 1])) && EndsSentence(ascii, start, i)) {
             cut(start, i);
             start = i;

@@ -1,5 +1,5 @@
-// A text as Flite reads it: plain ASCII, one sentence at a time so that speech starts early, and the way back from its
-// positions.
+// Text in the form Flite reads: plain ASCII, one sentence at a time so that speech starts early, with the mapping of
+// its positions back to the marked text.
 #pragma once
 
 #include "speech/text/MarkedText.h"
@@ -13,14 +13,14 @@ namespace voxmate::speech
 
 struct FliteSentence {
     std::string text;
-    std::vector<std::size_t> source; ///< of each byte, the character of the marked text it comes from
+    std::vector<std::size_t> source; ///< for each byte, the index of its character in the marked text
 
-    /// The marked text's character for a token that Flite says it read up to `filePosition`.
+    /// The index in the marked text for a token that Flite reports having read up to `filePosition`.
     std::size_t SourceOfToken(int filePosition) const;
 };
 
-/// Splits where a sentence ends (or, in one of more than 400 characters, at a clause); sentences without anything to
-/// say are left out.
+/// Splits at the ends of sentences, and at clauses where a sentence has more than 400 characters. Sentences with
+/// nothing to say are left out.
 std::vector<FliteSentence> SplitForFlite(const MarkedText& text);
 
 } // namespace voxmate::speech

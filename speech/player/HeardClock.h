@@ -1,4 +1,4 @@
-// How far a stream has been heard, between the moments at which its sound server says so.
+// Estimates how much of a stream has been heard, between the reports of the sound server.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +13,8 @@ class HeardClock
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// At `moment` so many microseconds of the stream had been heard; less than 0 while its first sample is still under
-    /// way. `running` says whether the stream is being played and not held up.
+    /// Records a report: at `moment`, `microseconds` of the stream had been heard (negative while its first sample is
+    /// still on its way). `running` says whether the stream is playing and not held up.
     void Set(std::int64_t microseconds, Clock::time_point moment, bool running)
     {
         microseconds_ = microseconds;
@@ -22,8 +22,8 @@ public:
         running_ = running;
     }
 
-    /// The microseconds heard at `moment`. What was said last is carried on for 40 ms at the most: a sink may be held
-    /// up, and nothing may be told as heard that is not.
+    /// The microseconds heard at `moment`. The last report is extrapolated by at most 40 ms, because a sink may be held
+    /// up and nothing may be reported as heard before it is.
     std::int64_t At(Clock::time_point moment) const
     {
         if (!running_)

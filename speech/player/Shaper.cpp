@@ -41,7 +41,7 @@ bool Shaper::Samples(std::span<const std::int16_t> samples)
 {
     if (!sonic_)
         return Deliver(samples);
-    // The library takes a pointer to changeable samples but only reads them.
+    // The library takes a pointer to non-const samples but only reads them.
     sonicWriteShortToStream(sonic_.get(), const_cast<short*>(samples.data()), static_cast<int>(samples.size()));
     return DrainSonic();
 }
@@ -72,7 +72,7 @@ bool Shaper::End()
     if (whisperer_) {
         whispered_.clear();
         whisperer_->Flush(whispered_);
-        whisperer_.reset(); // what it held is delivered as it is
+        whisperer_.reset(); // so that its last samples are not whispered again
         wanted = wanted && Deliver(whispered_);
     }
     return wanted;

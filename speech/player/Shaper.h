@@ -1,5 +1,5 @@
-// What stands between an engine and the listener: speed and pitch where the engine's own range ends, whispering,
-// loudness, silence, and the events moved along with the samples.
+// Processes an engine's output on its way to the listener: speed and pitch beyond the engine's own range, whispering,
+// volume and silence. Events are moved along with the samples.
 #pragma once
 
 #include "speech/Engine.h"
@@ -16,16 +16,16 @@ struct sonicStreamStruct;
 namespace voxmate::speech
 {
 
-/// How the engine's own samples are changed.
+/// How the engine's samples are changed.
 struct Shape {
     double speed = 1; ///< 2: twice as fast at the same pitch
-    double rate = 1;  ///< 2: twice as fast and an octave higher, as when a tape runs faster
+    double rate = 1;  ///< 2: twice as fast and an octave higher, like a tape played faster
     bool whisper = false;
     double gain = 1;
 };
 
-/// Between Begin and End an engine delivers one stretch of sound; stretches and silences follow one another in the
-/// sink.
+/// Between Begin and End an engine delivers one stretch of sound. Stretches and silences are written to the sink one
+/// after another.
 class Shaper
 {
 public:
@@ -37,14 +37,14 @@ public:
     void Begin(const Shape& shape);
     /// The engine's samples; false when the sink wants no more.
     bool Samples(std::span<const std::int16_t> samples);
-    /// Something that happens at sample `position` of the stretch as the engine makes it.
+    /// Passes on an event at sample `position` of the stretch, counted in the engine's own samples.
     void Event(SpeechEvent::Kind kind, std::int64_t position, int value);
-    /// Delivers what is still on its way; false when the sink wants no more.
+    /// Delivers the samples still buffered; false when the sink wants no more.
     bool End();
 
-    /// Exact silence; false when the sink wants no more.
+    /// Delivers digital silence (all samples 0); false when the sink wants no more.
     bool Silence(int milliseconds);
-    /// Something that happens after all that has been delivered so far (outside a stretch).
+    /// Passes on an event at the end of everything delivered so far. Only outside a stretch.
     void EventHere(SpeechEvent::Kind kind, int value);
 
 private:

@@ -1,5 +1,5 @@
-// One utterance on its way from the engine (worker thread) through a bounded buffer to the sound output (its own
-// thread), and its events to the user-interface thread.
+// One utterance: carries its samples from the engine (worker thread) through a bounded buffer to the sound output (its
+// own thread), and its events to the user-interface thread.
 #pragma once
 
 #include "speech/AudioOutput.h"
@@ -19,18 +19,18 @@ namespace voxmate::speech
 class SpeechJob final : public SampleSink, public SampleSource
 {
 public:
-    /// The engine may be this many seconds ahead of the listener.
+    /// How many seconds the engine may be ahead of the listener.
     static constexpr int SecondsAhead = 2;
 
     // Worker thread.
 
     /// Must be called once before the first sample.
     void SetRate(int samplesPerSecond);
-    /// Waits while the buffer is full; false when the job has been cancelled.
+    /// Blocks while the buffer is full; false when the job has been cancelled.
     bool Samples(std::span<const std::int16_t> samples) override;
     void Event(const SpeechEvent& event) override;
     bool Wanted() const override { return !Cancelled(); }
-    /// No more samples come; `ok` is false when the engine failed.
+    /// Marks the end of the samples; `ok` is false when the engine failed.
     void Finish(bool ok);
 
     // Sound output's thread.
@@ -44,9 +44,9 @@ public:
     bool Failed() const;
     /// True once the sound output has taken a sample.
     bool Pulled() const;
-    /// The next event that lies before sample `heard`, taken from the queue.
+    /// Removes and returns the next event if it lies before sample `heard`.
     std::optional<SpeechEvent> TakeEvent(std::int64_t heard);
-    /// Where the next event lies, if one is known.
+    /// The sample of the next event, if there is one yet.
     std::optional<std::int64_t> NextEventAt() const;
 
 private:

@@ -14,11 +14,12 @@ namespace voxmate::speech
 namespace
 {
 
-// How often the audio clock is looked at while speaking: often enough that a mouth is at most this late.
+// Limits in milliseconds between two looks at the audio clock while speaking. A mouth is late by at most the longer
+// one.
 constexpr std::int64_t LongestWait = 15;
 constexpr std::int64_t ShortestWait = 2;
-// What is told now is seen that much later: it is drawn, and the screen shows it at its next refresh, half of 1/60 s
-// away.
+// An event reported now is seen this many milliseconds later: it has to be drawn, and the screen shows it at its next
+// refresh, on average half of 1/60 s away.
 constexpr std::int64_t ScreenDelay = 15;
 } // namespace
 
@@ -208,7 +209,7 @@ bool VoicePlayer::Report(const SpeakingPtr& speaking, std::int64_t heard)
 {
     if (speaking != current_)
         return false;
-    // A callback may destroy the player together with its owner's other parts.
+    // A callback may destroy the player along with other parts of its owner.
     const std::weak_ptr<int> alive = alive_;
     const auto goesOn = [&] { return !alive.expired() && speaking == current_; };
     if (!speaking->started && heard > 0 && speaking->job->Pulled()) {

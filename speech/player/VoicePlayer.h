@@ -1,4 +1,4 @@
-// The voice channel over the engines of a catalogue and a sound output.
+// The voice channel built on a catalogue's engines and a sound output.
 #pragma once
 
 #include "speech/AudioOutput.h"
@@ -18,9 +18,9 @@ namespace voxmate::speech
 class VoicePlayer final : public VoiceOutput
 {
 public:
-    /// Both must outlive the player. Everything but the synthesis happens on the thread that makes it.
+    /// Both must outlive the player. Everything except synthesis runs on the thread that constructs the player.
     VoicePlayer(VoiceCatalog& catalog, AudioOutput& output);
-    /// Stops at once and waits for the engine to give way; no callback comes any more.
+    /// Stops at once and waits for the engine to return; no callback is made any more.
     ~VoicePlayer() override;
 
     int Status() override;
@@ -28,7 +28,7 @@ public:
     void Stop() override;
 
 private:
-    /// The engine's work on one utterance: fills the job, true when that went well.
+    /// Produces one utterance into the job; returns whether that succeeded.
     using Work = std::function<bool(SpeechJob& job)>;
 
     struct Speaking {
@@ -43,11 +43,11 @@ private:
 
     void Enqueue(const std::shared_ptr<SpeechJob>& job, Work work);
     void RunWorker();
-    /// Does an utterance's work; what it throws is thrown again in the event loop, and the utterance ends badly.
+    /// Runs an utterance's work. An exception is rethrown in the event loop and ends the utterance as failed.
     bool Run(const Work& work, SpeechJob& job);
     void OpenStream(const SpeakingPtr& speaking, int samplesPerSecond);
     void Poll(const SpeakingPtr& speaking);
-    /// Reports what lies before sample `heard`; false when a callback has put an end to this utterance.
+    /// Reports the events before sample `heard`; false when a callback has ended this utterance.
     bool Report(const SpeakingPtr& speaking, std::int64_t heard);
     void End(const SpeakingPtr& speaking, bool ok);
     void PostToSelf(std::function<void()> action);
@@ -55,8 +55,8 @@ private:
     VoiceCatalog& catalog_;
     AudioOutput& output_;
     SpeakingPtr current_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>(0); // posted actions look whether it is still there
-    const std::weak_ptr<int> self_ = alive_;                // and the worker copies this, which nobody changes
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0); // posted actions check that it still exists
+    const std::weak_ptr<int> self_ = alive_; // the worker copies this; it never changes, so it needs no lock
 
     std::mutex mutex_;
     std::condition_variable wake_;

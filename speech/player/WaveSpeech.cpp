@@ -12,9 +12,9 @@ namespace voxmate::speech
 namespace
 {
 
-// The mouth follows the loudness in steps of this many to the second.
+// Steps per second at which the mouth follows the loudness.
 constexpr int kSteps = 25;
-// Below this (1/1000 of full scale) a recording is silent.
+// Below this level (1/1000 of full scale) a recording is silent.
 constexpr double kSilence = 33;
 
 /// The root mean square of each stretch of `step` samples.
@@ -47,8 +47,8 @@ private:
     double sum_ = 0;
 };
 
-/// How loud the recording is where it is loud: one click or cough must not make all the rest seem a whisper, so only
-/// one step in twenty that are not silent may be louder. 0 for silence.
+/// The loudness of the recording's loud passages. A single click or cough must not make all the rest seem a whisper, so
+/// one in twenty of the steps that are not silent may be louder. 0 for silence.
 double LoudestOf(std::vector<double> levels)
 {
     std::erase_if(levels, [](double level) { return level < kSilence; });
@@ -83,7 +83,7 @@ std::optional<WaveScore> ScoreWave(const Utterance& utterance, const std::functi
 
     const std::int64_t words = utterance.shownWords;
     const auto place = [&](std::int64_t word) { return words > 0 ? length * std::min(word, words) / words : 0; };
-    // Of what falls together the bookmark comes first, as it stands before its word.
+    // Of events at the same place the bookmark comes first, since it stands before its word.
     for (const Segment& segment : utterance.segments)
         if (segment.kind == Segment::Kind::Bookmark)
             score.events.push_back({SpeechEvent::Kind::Bookmark, place(segment.firstWord), segment.bookmark});

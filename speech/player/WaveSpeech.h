@@ -1,4 +1,4 @@
-// A wave file in place of speech: what is to be seen while it is heard, and its samples.
+// A wave file played in place of speech: its events and its samples.
 #pragma once
 
 #include "speech/Engine.h"
@@ -13,13 +13,13 @@ namespace voxmate::speech
 
 struct WaveScore {
     int samplesPerSecond = 0;
-    /// In order of time: mouths by the loudness of each 1/25 s, the shown words and the bookmarks among them evenly
-    /// over the file's length.
+    /// In order of time: a mouth for the loudness of each 1/25 s, and the shown words, with the bookmarks among them,
+    /// spread evenly over the file's length.
     std::vector<SpeechEvent> events;
 };
 
-/// Listens through the utterance's wave file, of any length. Nothing when it cannot be read or holds no samples, or
-/// when `cancelled`, asked now and then, says so.
+/// Analyses the utterance's whole wave file, of any length. Nothing when it cannot be read or holds no samples, or when
+/// `cancelled`, which is polled, returns true.
 std::optional<WaveScore> ScoreWave(const Utterance& utterance, const std::function<bool()>& cancelled);
 
 /// Delivers the samples of a wave file until the sink wants no more; false when it cannot be read.

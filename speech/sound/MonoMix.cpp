@@ -9,10 +9,10 @@ namespace voxmate::speech
 namespace
 {
 
-/// A channel with less than this part of the loudest one's energy is silent: what leaks over is more quiet by 40 dB.
+/// A channel counts as silent below this share of the loudest one's energy: crosstalk is 40 dB quieter.
 constexpr double Silence = 1e-4;
-/// Two channels with less than this correlation are each other upside down; below the other they no longer are. What is
-/// meant to be wide is near 0.
+/// Two channels whose correlation falls below the first value are inverted copies of each other; they stay so until it
+/// rises above the second. Sound that is meant to be wide has a correlation near 0.
 constexpr double Opposite = -0.9;
 constexpr double NotOpposite = -0.5;
 
@@ -42,7 +42,7 @@ void MonoMix::Decide(std::span<const float> frames)
             product += static_cast<double>(frames[at + channel]) * static_cast<double>(frames[at + loudest]);
         const double correlation = product / std::sqrt(energies[channel] * energies[loudest]);
         const bool turned = wanted_[channel] * wanted_[loudest] < 0;
-        // Not a number for a silent channel, which stays as it is.
+        // The correlation of a silent channel is not a number, and the channel stays as it is.
         const bool turn = turned ? !(correlation > NotOpposite) : correlation < Opposite;
         const float sign = std::copysign(1.0F, wanted_[loudest]) * (turn ? -1.0F : 1.0F);
         wanted_[channel] = sign / static_cast<float>(std::max<std::size_t>(count, 1));
@@ -54,7 +54,7 @@ std::span<const float> MonoMix::Mix(std::span<const float> frames)
     const std::size_t count = frames.size() / channels_;
     if (channels_ > 1)
         Decide(frames.first(count * channels_));
-    // Behind silence nothing has to come in gradually.
+    // After silence there is no need to fade in.
     if (silent_)
         gains_ = wanted_;
     silent_ = silent_ && std::find(heard_.begin(), heard_.end(), true) == heard_.end();

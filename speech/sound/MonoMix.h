@@ -1,4 +1,4 @@
-// One channel out of several.
+// Mixes several channels down to one.
 #pragma once
 
 #include <cstddef>
@@ -8,14 +8,14 @@
 namespace voxmate::speech
 {
 
-/// Averages channels, so that nothing of any is lost: one that is another upside down would cancel it and is turned
-/// over, and of more than two those in which nothing has been heard so far are not counted. What is decided anew comes
-/// in gradually.
+/// Averages the channels so that none is lost: a channel that is another one inverted would cancel it, so it is
+/// inverted back. With more than two channels, those that have been silent so far are not counted. Changed gains are
+/// faded in.
 class MonoMix
 {
 public:
     explicit MonoMix(std::size_t channels);
-    /// Mixes frames of one sample a channel. The samples hold until the next call.
+    /// Mixes frames of one sample per channel. The result is valid until the next call.
     std::span<const float> Mix(std::span<const float> frames);
 
 private:
@@ -24,8 +24,8 @@ private:
     std::size_t channels_;
     bool silent_ = true; ///< nothing has been heard so far
     std::vector<bool> heard_;
-    std::vector<float> gains_;  ///< of each channel, as they were
-    std::vector<float> wanted_; ///< and as they shall be
+    std::vector<float> gains_;  ///< of each channel, at the end of the last block
+    std::vector<float> wanted_; ///< of each channel, to be reached at the end of the current one
     std::vector<float> mixed_;
 };
 

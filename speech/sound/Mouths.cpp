@@ -87,7 +87,7 @@ int MouthOfIpaLetter(char32_t letter)
 
 int MouthOfIpa(std::string_view name)
 {
-    // The marks of stress and length say nothing about the lips; nor does the stop that begins tʃ and dʒ.
+    // Stress and length marks say nothing about the lips, nor does the stop at the beginning of tʃ and dʒ.
     std::u32string letters;
     for (const char32_t letter : DecodeUtf8(name))
         if (letter != U'ˈ' && letter != U'ˌ' && letter != U'_' && letter != U'ʔ')

@@ -11,7 +11,7 @@ namespace voxmate::speech
 namespace
 {
 
-// Zero crossings of the sinc to each side: enough that what is folded back lies 50 dB below.
+// Zero crossings of the sinc on each side: enough to keep aliases 50 dB below the signal.
 constexpr double Crossings = 16;
 
 double Sinc(double x)
@@ -28,7 +28,7 @@ Resampler::Resampler(int from, int to)
     down_ = from / common;
     if (up_ == down_)
         return;
-    // Going down, all above the lower rate's half must go.
+    // When the rate falls, everything above half the lower rate must be removed.
     const double band = std::min(1.0, static_cast<double>(up_) / static_cast<double>(down_));
     const double reach = Crossings / band;
     half_ = static_cast<std::size_t>(std::ceil(reach));

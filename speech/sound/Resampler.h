@@ -1,4 +1,4 @@
-// Samples of one rate made into samples of another.
+// Converts samples from one rate to another.
 #pragma once
 
 #include <cstddef>
@@ -9,28 +9,28 @@
 namespace voxmate::speech
 {
 
-/// Band-limited interpolation (a sinc within a Hann window). What is delivered lags behind what is given by half the
-/// window, a millisecond or so; Flush delivers that rest.
+/// Band-limited interpolation (a sinc with a Hann window). The output lags behind the input by half the window, about a
+/// millisecond; Flush delivers the rest.
 class Resampler
 {
 public:
-    /// Samples per second, both above 0. The same rate on both sides costs a copy.
+    /// Both rates are in samples per second and above 0. With equal rates the samples are only copied.
     Resampler(int from, int to);
-    /// Appends to `out` what can be made of the samples so far.
+    /// Appends to `out` the samples that can be computed so far.
     void Push(std::span<const std::int16_t> samples, std::vector<std::int16_t>& out);
     void Flush(std::vector<std::int16_t>& out);
-    /// Where a sample of the one rate stands in the other.
+    /// The output sample that corresponds to input sample `sample`.
     std::int64_t Place(std::int64_t sample) const { return sample * up_ / down_; }
 
 private:
     void Deliver(std::vector<std::int16_t>& out);
 
-    std::int64_t up_ = 1;                    ///< that many samples come out
-    std::int64_t down_ = 1;                  ///< for so many that go in
-    std::size_t half_ = 0;                   ///< of the window, in samples that go in
-    std::vector<std::vector<float>> phases_; ///< the window's weights at each place between two samples
-    std::vector<float> held_;                ///< samples that are still needed
-    std::int64_t first_ = 0;                 ///< number of the first held one; those before sample 0 are silence
+    std::int64_t up_ = 1;                    ///< output samples for every `down_` input samples
+    std::int64_t down_ = 1;                  ///< the ratio is in lowest terms
+    std::size_t half_ = 0;                   ///< half the window's length, in input samples
+    std::vector<std::vector<float>> phases_; ///< the weights for each position between two input samples
+    std::vector<float> held_;                ///< input samples still needed
+    std::int64_t first_ = 0;                 ///< number of the first held sample; those before sample 0 are silence
     std::int64_t given_ = 0;
     std::int64_t made_ = 0;
 };

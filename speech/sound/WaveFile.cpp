@@ -46,7 +46,7 @@ struct Close {
 };
 using SoundFile = std::unique_ptr<SNDFILE, Close>;
 
-/// Reads any input.
+/// Reads the samples of any WaveInput.
 class Reader final : public WaveReader
 {
 public:
@@ -56,7 +56,7 @@ public:
     {
     }
 
-    /// Null when there is no input or it is no wave file of the kind we take.
+    /// Null when there is no input or it is not a wave file of a supported kind.
     static std::unique_ptr<Reader> Over(std::unique_ptr<WaveInput> input)
     {
         SF_INFO info{};
@@ -73,7 +73,7 @@ public:
     std::span<const std::int16_t> Next() override
     {
         samples_.clear();
-        // What a damaged header claims is not believed: the samples are taken as they come, but not without end.
+        // A damaged header's sample count is not trusted: samples are read as they come, but only up to a limit.
         if (left_ == 0)
             return samples_;
         const sf_count_t frames = sf_readf_float(file_.get(), block_.data(), BlockFrames);

@@ -14,40 +14,42 @@ namespace voxmate::speech
 
 struct WaveData {
     int samplesPerSecond = 0;
-    std::vector<std::int16_t> samples; ///< mono: several channels are averaged (see MonoMix)
+    std::vector<std::int16_t> samples; ///< mono: several channels are mixed into one (see MonoMix)
 };
 
-/// What a wave file's header says of it.
+/// The format given in a wave file's header.
 struct WaveFormat {
     int channels = 0;
     int samplesPerSecond = 0;
-    int bits = 0; ///< of one sample; 0 where the coding has no such number
+    int bits = 0; ///< per sample; 0 where the coding has no fixed number
     std::int64_t frames = 0;
 };
 
-/// The format of a wave file held in memory; nothing when it is not one that could be decoded.
+/// The format of a wave file held in memory; nothing when it is not a wave file that can be decoded.
 std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file);
 
-/// The most samples that a byte of any file may stand for: the densest coding of speech that wave files know takes two
-/// bits a sample, the densest of music some half a bit.
+/// The most samples that one byte of a file may stand for. The densest speech coding in wave files takes two bits a
+/// sample, the densest music coding about half a bit.
 inline constexpr std::size_t MostSamplesPerByte = 16;
 
-/// Decodes a wave file held in memory: PCM of any width, floating point or another coding libsndfile knows, any number
-/// of channels, 1000 to 384000 samples per second, ten minutes at most. Nothing when it is not one or holds no samples.
+/// Decodes a wave file held in memory: PCM of any width, floating point or another coding libsndfile knows, with up to
+/// 32 channels, 1000 to 384000 samples per second, at most ten minutes. Nothing when it is no such file or holds no
+/// samples.
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file);
 
 /// The same from a file; nothing when it cannot be read.
 std::optional<WaveData> ReadWaveFile(const std::string& path);
 
-/// A wave file as DecodeWave decodes it, but of any length and read block by block.
+/// Decodes a wave file as DecodeWave does, but of any length and block by block.
 class WaveReader
 {
 public:
     virtual ~WaveReader() = default;
-    /// Null when the file is none (but a pipe, say, for which one might wait forever) or not such a wave file.
+    /// Null when the path is no regular file (reading a pipe, for example, could block for ever) or the file is not
+    /// such a wave file.
     static std::unique_ptr<WaveReader> Open(const std::string& path);
     virtual int SamplesPerSecond() const = 0;
-    /// The next samples, mono; none at the end. They hold until the next call.
+    /// The next mono samples; empty at the end. Valid until the next call.
     virtual std::span<const std::int16_t> Next() = 0;
 };
 

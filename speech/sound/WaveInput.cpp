@@ -12,9 +12,9 @@ namespace voxmate::speech
 namespace
 {
 
-constexpr std::uint64_t HeadSize = 12;     ///< of a file
+constexpr std::uint64_t HeadSize = 12;     ///< the file's header
 constexpr std::uint64_t ChunkHeadSize = 8; ///< a name and a length
-constexpr int MostChunks = 1000;           ///< looked at; wave files have a handful
+constexpr int MostChunks = 1000;           ///< the most chunks looked at; wave files have a handful
 
 constexpr std::uint32_t Name(const char (&letters)[5])
 {
@@ -57,7 +57,7 @@ public:
 private:
     std::size_t Copy(std::uint64_t at, std::span<std::uint8_t> target) override
     {
-        // Not on from where the last reading ended, which may have been the end of the file.
+        // Always seek: the previous read may have ended at the end of the file.
         file_.clear();
         file_.seekg(static_cast<std::streamoff>(at));
         file_.read(reinterpret_cast<char*>(target.data()), static_cast<std::streamsize>(target.size()));
@@ -76,7 +76,7 @@ std::unique_ptr<WaveInput> WaveInput::OfMemory(std::span<const std::uint8_t> byt
 
 std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
 {
-    // A pipe would have to be waited for.
+    // Reading a pipe could block.
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error))
         return nullptr;
@@ -87,8 +87,8 @@ std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
     return Checked(std::make_unique<FileInput>(std::move(file), size));
 }
 
-// Asked before libsndfile sees the file, whose readers of two dozen other forms have no business with what a stranger
-// sends. In RIFF files the lowest byte of each number comes first, in RIFX files the highest.
+// Checked before libsndfile sees the file, because its readers for two dozen other formats should not be exposed to
+// files from strangers. Numbers are little-endian in RIFF files and big-endian in RIFX files.
 std::unique_ptr<WaveInput> WaveInput::Checked(std::unique_ptr<WaveInput> input)
 {
     std::array<std::uint8_t, HeadSize> head{};
@@ -111,7 +111,7 @@ WaveInput::Chunk WaveInput::ChunkAt(std::uint64_t at)
     return chunk.length <= size_ - at - ChunkHeadSize ? chunk : Chunk{};
 }
 
-// Whether chunks with names of letters stand from here to the file's end: then these bytes are no samples.
+// Whether chunks with printable names fill the file from here to its end: then these bytes are not samples.
 bool WaveInput::ChunksFollow(std::uint64_t at)
 {
     int count = 0;

@@ -10,8 +10,8 @@ namespace voxmate::speech
 namespace
 {
 
-// A whisper has less of the low tones than the voice; the spectrum is lifted by a first difference before it is
-// modelled and the lift is kept.
+// A whisper has weaker low tones than the voice. The spectrum is lifted by a first difference before it is modelled,
+// and the lift is kept.
 constexpr double Lift = 0.95;
 // The run-up that lets the filter settle before a frame, in samples.
 constexpr std::size_t RunUp = 128;

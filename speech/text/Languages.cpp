@@ -16,8 +16,8 @@ struct Figure {
     double millions;
 };
 
-// First- and second-language speakers, from published counts of the years 2020 to 2024, rounded to two digits. They
-// only decide which voices a full list leaves out.
+// First- and second-language speakers in millions, from published counts of the years 2020 to 2024, rounded to two
+// digits. They only decide which voices a full list leaves out.
 constexpr std::array Figures = std::to_array<Figure>({
     {"en", 1500},  {"cmn", 1100}, {"hi", 610},    {"es", 560},    {"es-419", 460}, {"ar", 330},    {"fr", 310},
     {"bn", 280},   {"pt", 260},   {"ru", 250},    {"ur", 240},    {"pt-br", 210},  {"id", 200},    {"de", 130},
@@ -35,14 +35,15 @@ constexpr std::array Figures = std::to_array<Figure>({
     {"is", 0.35},  {"pap", 0.35}, {"mi", 0.19},   {"ltg", 0.15},  {"bpy", 0.12},   {"nog", 0.087}, {"gd", 0.057},
     {"kl", 0.057}, {"an", 0.03},  {"haw", 0.024}, {"chr", 0.002}, {"smj", 0.002},
 });
-// What a language not in the table counts: it has a voice, so somebody speaks it.
+// The value for a language not in the table: it has a voice, so somebody speaks it.
 constexpr double Unknown = 0.1;
 
-// Nobody's own: constructed and ancient languages (ISO 639, and the names eSpeak NG gives to some).
+// Languages without native speakers: constructed and ancient ones (ISO 639 codes, and the names eSpeak NG gives to
+// some).
 constexpr std::array<std::string_view, 18> NotNative{"eo",  "ia", "ie",   "io",  "jbo", "la",  "lfn", "ldn", "grc",
                                                      "nci", "py", "piqd", "qdb", "qya", "sjn", "tlh", "tok", "vo"};
 
-// Names of one language: as a voice or a desktop may call it, and the family by which they find each other.
+// A language's code as a voice or a desktop may give it, and the family under which the two are compared.
 constexpr std::array Families = std::to_array<std::pair<std::string_view, std::string_view>>({
     {"cmn", "zh"},
     {"yue", "zh"},
@@ -55,7 +56,8 @@ constexpr std::array Families = std::to_array<std::pair<std::string_view, std::s
     {"mo", "ro"},
 });
 
-// eSpeak NG 1.51 takes what its other Mandarin voice makes of a character for English: of 你 one hears "nee three".
+// The Mandarin voice that is preferred. The other one of eSpeak NG 1.51 reads its own transcription of a character as
+// English: 你 is heard as "nee three".
 constexpr std::string_view Mandarin = "cmn-latn-pinyin";
 
 std::string Lower(std::string_view text)
@@ -67,7 +69,7 @@ std::string Lower(std::string_view text)
     return lower;
 }
 
-// "zh_HK.UTF-8" is "zh-hk".
+// "zh_HK.UTF-8" becomes "zh-hk".
 std::string Normal(std::string_view locale)
 {
     std::string tag = Lower(locale.substr(0, locale.find_first_of(".@")));
@@ -88,7 +90,7 @@ struct Range {
     Script script;
 };
 
-// The blocks of letters in Unicode 15; what lies between is common to all writings.
+// The blocks of letters in Unicode 15; all other characters belong to Script::Common.
 constexpr std::array Ranges = std::to_array<Range>({
     {U'A', U'Z', Script::Latin},        {U'a', U'z', Script::Latin},        {0xAA, 0xAA, Script::Latin},
     {0xBA, 0xBA, Script::Latin},        {0xC0, 0xD6, Script::Latin},        {0xD8, 0xF6, Script::Latin},
@@ -115,9 +117,9 @@ constexpr std::array Ranges = std::to_array<Range>({
     {0x20000, 0x323AF, Script::Han},
 });
 
-// Which languages' voices read a writing, tried with eSpeak NG 1.51: its Hakka voice reads no characters, its Kurdish
-// one no Arabic letters, its Azerbaijani and Turkmen ones no Cyrillic; the Serbian, Croatian and Bosnian ones do.
-// Every voice reads Latin letters, and what is common.
+// The languages whose voices read a script, found by trying eSpeak NG 1.51: its Hakka voice reads no Chinese
+// characters, its Kurdish one no Arabic letters, its Azerbaijani and Turkmen ones no Cyrillic; the Serbian, Croatian
+// and Bosnian ones do read Cyrillic. Every voice reads Latin and common characters.
 constexpr std::array Readers = std::to_array<std::pair<Script, std::string_view>>({
     {Script::Cyrillic, " ru uk bg be sr mk hr bs kk tt ba cv nog ky uz "},
     {Script::Greek, " el grc "},
@@ -173,7 +175,7 @@ std::string WantedTag(std::string_view locale)
         const bool cantonese = tag.starts_with("yue") || tag.ends_with("-hk") || tag.ends_with("-mo");
         return cantonese ? "yue" : tag.starts_with("hak") ? "hak" : std::string(Mandarin);
     }
-    // Of all who write a region other than Spain behind their Spanish, most live in Latin America (UN M.49: 419).
+    // Most people whose Spanish locale names a region other than Spain live in Latin America (UN M.49: 419).
     if (family == "es" && tag.size() > 2 && tag != "es-es")
         return "es-419";
     return tag;

@@ -13,7 +13,8 @@ namespace voxmate::speech
 namespace
 {
 
-// A line end stays, since it may end a heading without a full stop; other control characters would only confuse.
+// Line ends are kept, because one may end a heading without a full stop; other control characters would only confuse
+// the engine.
 char32_t Clean(char32_t c)
 {
     if (c == U'\n')
@@ -23,7 +24,7 @@ char32_t Clean(char32_t c)
     return c;
 }
 
-// How much is decoded at a time, in bytes.
+// The bytes decoded at a time.
 constexpr std::size_t BlockSize = 4096;
 
 } // namespace
@@ -65,8 +66,8 @@ bool EndsWideSentence(char32_t c)
     return c == U'。' || c == U'！' || c == U'？';
 }
 
-/// From the worst place to the best: within a word, behind a comma or what may not end a sentence (whose pause may be
-/// lost), between two words, at a line's end, at a sentence's end by the look of it, and for sure.
+/// Places to cut, from the worst to the best: within a word; behind a comma or a mark that may not end a sentence (its
+/// pause may be lost); between two words; at a line's end; at the probable end of a sentence; at its certain end.
 enum class CutPlace { None, Stop, Blank, Line, Likely, Sentence };
 
 /// How good it is to cut a text before its character `at`.
@@ -74,7 +75,7 @@ CutPlace PlaceAt(std::u32string_view text, std::size_t at)
 {
     if (IsBlank(text[at]))
         return CutPlace::None;
-    std::size_t end = at; // of the word before
+    std::size_t end = at; // end of the preceding word
     int lines = 0;
     for (; end > 0 && IsBlank(text[end - 1]); --end)
         lines += text[end - 1] == U'\n' ? 1 : 0;
@@ -86,11 +87,11 @@ CutPlace PlaceAt(std::u32string_view text, std::size_t at)
         return CutPlace::None;
     if (lines > 1)
         return CutPlace::Sentence;
-    // Behind a quote it may go on.
+    // A mark followed by a closing quote is not counted: the sentence may go on behind it.
     const char32_t stop = text[end - 1];
     if (stop == U'!' || stop == U'?')
         return CutPlace::Sentence;
-    // A full stop behind a short word may be an abbreviation's ("No.", "approx."), one before a small letter is.
+    // A full stop behind a short word may belong to an abbreviation ("No.", "approx."); before a small letter it does.
     constexpr std::size_t longerThanMost = 4;
     constexpr std::size_t longerThanAll = 7;
     if (stop == U'.' && !(text[at] >= U'a' && text[at] <= U'z')) {
@@ -114,7 +115,7 @@ struct Cut {
     CutPlace place = CutPlace::None;
 };
 
-/// The best place to cut a text longer than a piece.
+/// The best place to cut a text that is longer than a piece.
 Cut FindCut(std::u32string_view text)
 {
     Cut best{Arranger::LongestPiece, CutPlace::None};
@@ -150,7 +151,7 @@ std::optional<MarkedText> Arranger::Next()
     return pause;
 }
 
-/// Takes segments in until there is more than one piece of the stretch at hand, or all of it.
+/// Gathers segments until more than one piece of the current stretch is there, or all of it.
 void Arranger::Gather()
 {
     for (; !segments_.empty() && gathered_.text.size() <= LongestPiece; segments_ = segments_.subspan(1)) {
@@ -175,7 +176,7 @@ void Arranger::Gather()
     }
 }
 
-/// Begins a text segment; false when it is spoken in another manner than the stretch at hand.
+/// Begins a text segment; false when its prosody differs from the current stretch's.
 bool Arranger::BeginText(const Segment& segment)
 {
     if (open_ && hasText_ && gathered_.prosody != segment.prosody)
@@ -190,7 +191,7 @@ bool Arranger::BeginText(const Segment& segment)
     return true;
 }
 
-/// Goes on with the text segment that is begun, as far as one piece and a little more.
+/// Continues the begun text segment until a little more than one piece is gathered.
 void Arranger::GatherText()
 {
     const Segment& segment = segments_.front();
@@ -211,7 +212,7 @@ void Arranger::GatherText()
     begun_ = at_ < segment.text.size();
 }
 
-/// The first `length` characters of the stretch at hand, which keeps the rest.
+/// Removes and returns the first `length` characters of the current stretch.
 MarkedText Arranger::CutOff(std::size_t length, MarkedText::End end)
 {
     const auto count = static_cast<std::ptrdiff_t>(length);

@@ -9,7 +9,7 @@ namespace voxmate::speech
 namespace
 {
 
-// FNV-1a with the published 64-bit prime, then the finishing steps of SplitMix64 so that every bit depends on every
+// FNV-1a with its published 64-bit prime, then the final mixing steps of SplitMix64, so that every bit depends on every
 // byte.
 std::uint64_t Hash(std::uint64_t start, std::string_view family, std::string_view key)
 {
@@ -30,7 +30,7 @@ std::uint64_t Hash(std::uint64_t start, std::string_view family, std::string_vie
 
 std::string ModeIdOf(std::string_view family, std::string_view key)
 {
-    // The published 64-bit offset basis, and its complement for the second half.
+    // FNV-1a's published 64-bit offset basis; its complement is used for the second half.
     constexpr std::uint64_t basis = 0xCBF29CE484222325U;
     const std::uint64_t high = (Hash(basis, family, key) & ~0xF000ULL) | 0x8000ULL;
     const std::uint64_t low = (Hash(~basis, family, key) & ~(3ULL << 62)) | (2ULL << 62);

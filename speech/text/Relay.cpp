@@ -18,11 +18,11 @@ namespace
 using Entry = VoiceCatalog::Entry;
 
 constexpr std::size_t None = std::string::npos;
-// A turn of that many bytes ends with its paragraph: the next one begins as well, and a book need not be dealt out
-// before it is heard.
+// A turn longer than this many bytes ends with its paragraph, where the next one can begin just as well, so that
+// speaking starts before a whole book has been divided.
 constexpr std::size_t LongTurn = 16384;
 
-/// Who says a character: the chosen voice or a reader; null: whoever is speaking.
+/// Decides who speaks a character: the chosen voice or a reader. Null: whoever is already speaking.
 class Casting
 {
 public:
@@ -61,7 +61,7 @@ private:
     const Entry& chosen_;
 };
 
-/// One speaker's way into the utterance, behind those before.
+/// Adds one speaker's output to the utterance, behind that of the earlier ones.
 class TurnSink final : public SampleSink
 {
 public:
@@ -114,7 +114,7 @@ private:
     bool wanted_ = true;
 };
 
-/// Deals an utterance out to its speakers, and has each turn spoken as soon as it is whole.
+/// Divides an utterance among its speakers, and has each turn spoken as soon as it is complete.
 class Relay
 {
 public:
@@ -135,16 +135,17 @@ public:
     }
 
 private:
-    // Divides a text where its speaker changes: behind the last word of the one, or within a word of both.
+    // Divides a text where its speaker changes: behind the last word of the first speaker, or inside a word that has
+    // letters of both.
     void Deal(const Segment& whole)
     {
         const int words = whole.shownWords > 0 ? CountWords(whole.text) : 0;
         piece_ = whole;
         piece_.text.clear();
-        int word = -1; // the one at hand
-        int begin = 0; // the piece's first one
+        int word = -1; // the current word
+        int begin = 0; // the piece's first word
         bool blank = true;
-        std::size_t cut = 0; // behind the last letter's word, None within it
+        std::size_t cut = 0; // end of the last word with a speaker; None while still inside it
         int next = 0;        // the first word behind the cut
         const auto finish = [&](int end) {
             AddPiece(whole, begin, end, words);
@@ -185,7 +186,7 @@ private:
         finish(word + 1);
     }
 
-    /// Gives the speaker the piece, which holds the whole's words from `begin` to before `end`.
+    /// Adds the piece to the speaker's turn. It holds the words of `whole` from `begin` up to but not including `end`.
     void AddPiece(const Segment& whole, int begin, int end, int words)
     {
         if (piece_.text.empty())
@@ -212,7 +213,7 @@ private:
         const Entry& speaker = speaker_ ? *speaker_ : chosen;
         const std::int64_t before = delivered_;
         ok_ = Say(speaker) || &speaker != &chosen;
-        // A voice that a person added may be damaged, or half of it gone: what is to be said is said all the same.
+        // A voice the user added may be damaged or incomplete; the text is to be spoken all the same.
         const Entry* const standIn = casting_.StandIn();
         if (!ok_ && delivered_ == before && standIn && standIn->voice.modeId != chosen.voice.modeId)
             ok_ = Say(*standIn);
@@ -235,8 +236,8 @@ private:
     const Casting& casting_;
     SampleSink& sink_;
     const Entry* speaker_ = nullptr; ///< null: before the first letter
-    std::vector<Segment> turn_;      ///< what the speaker is to say
-    Segment piece_;                  ///< of the text that is being dealt out
+    std::vector<Segment> turn_;      ///< the segments of the current turn
+    Segment piece_;                  ///< the piece of text being gathered
     WordFollower words_;
     std::int64_t delivered_ = 0;
     bool ended_ = false;

@@ -6,7 +6,7 @@
 namespace voxmate::qt
 {
 
-// freedesktop.org's StatusNotifierItem, with the name that it has come to be used under.
+// The service of freedesktop.org's StatusNotifierItem, under the name it is used with in practice.
 bool TrayIsOfItems()
 {
     const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();

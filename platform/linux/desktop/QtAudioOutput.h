@@ -1,4 +1,4 @@
-// The sound output of the Qt front end: the sound server's device, with Qt's event loop as the way back.
+// The Qt front end's sound output: the sound server's device, whose callbacks come through Qt's event loop.
 #pragma once
 
 #include "platform/linux/sound/PulseDevice.h"
@@ -8,14 +8,14 @@
 namespace voxmate::qt
 {
 
-/// Made and used on the user-interface thread. Costs nothing until it looks for the server.
+/// Constructed and used on the user-interface thread. Uses no resources until it looks for the server.
 class QtAudioOutput final : public speech::AudioOutput
 {
 public:
     QtAudioOutput();
 
-    /// Begins to look for the sound server and returns at once, so that a server which is slow to answer is known by
-    /// the time somebody wants to speak.
+    /// Starts looking for the sound server and returns at once, so that the answer of a slow server is there by the
+    /// time something is to be spoken.
     void Look() { device_.Look(); }
 
     State Check() override { return device_.Check(); }
@@ -26,7 +26,8 @@ public:
     void PostAfter(int milliseconds, std::function<void()> action) override;
 
 private:
-    QObject context_; // actions that are still to run go with it; it outlives the device, which posts them
+    // Owner of the posted actions: they are cancelled with it. It outlives the device, which posts them.
+    QObject context_;
     speech::PulseDevice device_;
 };
 

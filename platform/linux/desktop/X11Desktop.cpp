@@ -1,4 +1,4 @@
-// What an X11 window manager tells of the desktop and of the windows on it, read in one go.
+// Reads what an X11 window manager says about the desktop and the windows on it, in one go.
 #include "qt/system/Desktop.h"
 
 #include "platform/linux/desktop/X11Connection.h"
@@ -17,11 +17,11 @@ namespace voxmate::qt
 namespace
 {
 
-/// Most values of one property that are read: a list of windows is the longest.
+/// The most values read of one property; a list of windows is the longest.
 constexpr std::uint32_t MostValues = 4096;
 constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF;
 
-/// A property that has been asked for and is read later, so that all questions go out at once.
+/// A property that is requested now and read later, so that all requests are sent at once.
 class Property
 {
 public:
@@ -51,7 +51,7 @@ bool Contains(const std::vector<std::uint32_t>& values, std::uint32_t value)
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-/// What is asked of one window.
+/// The requests sent for one window.
 struct Questions {
     Questions(xcb_connection_t* connection, xcb_window_t root, xcb_window_t window)
         : id(window), state(connection, window, "_NET_WM_STATE"), type(connection, window, "_NET_WM_WINDOW_TYPE"),
@@ -76,7 +76,7 @@ struct Questions {
 
 void AddStruts(const Questions& window, QList<Strut>& struts)
 {
-    // Depths at the left, right, top and bottom edge, then where each begins and ends.
+    // The values are the depths at the left, right, top and bottom edge, and then the begin and end of each.
     std::vector<std::uint32_t> values = window.partialStrut.Read();
     const std::vector<std::uint32_t> whole = window.strut.Read();
     if (values.size() < 12) {
@@ -87,7 +87,7 @@ void AddStruts(const Questions& window, QList<Strut>& struts)
     }
     for (const auto edge : {Strut::Left, Strut::Right, Strut::Top, Strut::Bottom}) {
         const auto at = static_cast<std::size_t>(edge);
-        // No screen has more pixels; a panel may say anything.
+        // Limited to the most pixels a screen can have, because a panel may set any number.
         const auto pixels = [&values](std::size_t i) { return static_cast<int>(std::min(values[i], 0xFFFFU)); };
         if (values[at] > 0)
             struts.append({edge, pixels(at), pixels(4 + 2 * at), pixels(5 + 2 * at)});
@@ -126,7 +126,7 @@ QList<QRect> Monitors(xcb_connection_t* connection, xcb_window_t root)
     return monitors;
 }
 
-/// Has changes of the root window's properties told, besides what the toolkit wants to be told of it.
+/// Requests notice of changes to the root window's properties, in addition to what the toolkit has requested.
 void WatchRoot(xcb_connection_t* connection, xcb_window_t root)
 {
     const Reply<xcb_get_window_attributes_reply_t> now(
@@ -137,7 +137,8 @@ void WatchRoot(xcb_connection_t* connection, xcb_window_t root)
     xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
 }
 
-/// Has changes of another program's window told; of a full-screen one where it goes, too. The window may be gone.
+/// Requests notice of changes to another program's window, for a full-screen one also when it moves or closes. The
+/// window may already be gone.
 void Watch(xcb_connection_t* connection, xcb_window_t window, bool fullScreen)
 {
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE |
@@ -166,7 +167,7 @@ std::vector<std::uint32_t> ListedWindows(xcb_connection_t* connection, xcb_windo
     return windows.empty() ? all : windows;
 }
 
-/// Reads what was asked of one window.
+/// Reads the replies for one window.
 class Looker
 {
 public:
@@ -220,7 +221,7 @@ private:
     QSet<std::uint32_t> own_;
 };
 
-/// The first value of a property of the root window, 0 without one.
+/// The first value of a property; 0 without one.
 std::uint32_t First(const Property& property)
 {
     const std::vector<std::uint32_t> values = property.Read();
@@ -229,11 +230,11 @@ std::uint32_t First(const Property& property)
 
 void ReadWorkAreas(xcb_connection_t* connection, xcb_window_t root, std::uint32_t workspace, DesktopState& desktop)
 {
-    // One for all screens of each workspace, which tells of a screen only where it is alone.
+    // One work area per workspace for all screens together; it describes a screen only if there is no other.
     const std::vector<QRect> common = Rects(Property(connection, root, "_NET_WORKAREA").Read());
     if (desktop.monitors.size() < 2 && workspace < common.size())
         desktop.workAreas.append(common[workspace]);
-    // One for each screen, where the panel is part of the window manager.
+    // One work area per screen, set where the panel is part of the window manager.
     const std::string name = "_GTK_WORKAREAS_D" + std::to_string(workspace);
     for (const QRect& area : Rects(Property(connection, root, name.c_str()).Read()))
         desktop.workAreas.append(area);

@@ -1,4 +1,4 @@
-// What the program asks of X11 for its own windows, and the watch of the compositor.
+// What the program requests of X11 for its own windows, and the watch for the compositor.
 #include "qt/system/Desktop.h"
 
 #include "platform/linux/desktop/X11Connection.h"
@@ -28,7 +28,7 @@ xcb_connection_t* Connection()
 
 int ScreenNumber()
 {
-    // Qt's xcb platform always works on the default screen's root, whose number DISPLAY ends with.
+    // Qt's xcb platform always uses the root window of the default screen, whose number is at the end of DISPLAY.
     const QByteArray display = qgetenv("DISPLAY");
     const qsizetype dot = display.lastIndexOf('.');
     return dot > display.lastIndexOf(':') ? display.mid(dot + 1).toInt() : 0;
@@ -57,7 +57,7 @@ xcb_atom_t Atom(xcb_connection_t* connection, const char* name)
 namespace
 {
 
-constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF; // of _NET_WM_DESKTOP
+constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF; // value of _NET_WM_DESKTOP
 
 void SetShape(xcb_connection_t* connection, xcb_shape_kind_t kind, QWindow& window, const QRegion& region)
 {
@@ -71,7 +71,7 @@ void SetShape(xcb_connection_t* connection, xcb_shape_kind_t kind, QWindow& wind
                          rects.data());
 }
 
-/// A region of device pixels in device-independent ones.
+/// Converts a region from device pixels to device-independent ones.
 QRegion ToIndependent(const QRegion& region, qreal ratio)
 {
     QRegion scaled;
@@ -113,12 +113,12 @@ void MakeDesktopCompanion(QWindow& window)
     const std::array<xcb_atom_t, 3> states{Atom(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
                                            Atom(connection, "_NET_WM_STATE_SKIP_PAGER"),
                                            Atom(connection, "_NET_WM_STATE_STICKY")};
-    // The toolkit adds its own when it shows the window.
+    // The toolkit adds its own states when it shows the window.
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, Atom(connection, "_NET_WM_STATE"), XCB_ATOM_ATOM, 32,
                         states.size(), states.data());
-    // A notice, not a utility: of utilities some window managers think that they belong to the program's other windows,
-    // and raise and lower them with those. The first type keeps window managers that know it from hiding the window
-    // while another program is active.
+    // A notification, not a utility: some window managers take utilities for part of the program's other windows, and
+    // raise and lower them with those. The first type keeps window managers that know it from hiding the window while
+    // another program is active.
     const std::array<xcb_atom_t, 3> types{Atom(connection, "_KDE_NET_WM_WINDOW_TYPE_OVERRIDE"),
                                           Atom(connection, "_NET_WM_WINDOW_TYPE_NOTIFICATION"),
                                           Atom(connection, "_NET_WM_WINDOW_TYPE_NORMAL")};
@@ -183,7 +183,7 @@ Compositor::Compositor(QObject* parent) : QObject(parent)
     if (!xfixes || !xfixes->present)
         return;
     selectionNotify_ = static_cast<std::uint8_t>(xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY);
-    // The same three conditions as Qt's own watch of this selection, which this request replaces.
+    // The same three conditions as in Qt's own watch of this selection, because this request replaces that one.
     xcb_xfixes_select_selection_input(connection, RootWindow(connection), selection_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |

@@ -19,7 +19,7 @@ namespace
 constexpr const char* Western = "CP1252";
 constexpr char32_t Replacement = 0xFFFD;
 
-/// The system's converter to UTF-8, closed in the end.
+/// The system's converter to UTF-8, closed at the end of its lifetime.
 class Converter
 {
 public:
@@ -34,8 +34,8 @@ public:
 
     bool Good() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-    /// Takes from the front of `bytes` what can be converted, adds it to `text`, and returns 0, or why it went no
-    /// further: EILSEQ at a byte that says nothing, EINVAL at a character that breaks off.
+    /// Removes the convertible bytes from the front of `bytes` and appends their text. Returns 0 when all are
+    /// converted, EILSEQ at an undefined byte, or EINVAL at an incomplete character.
     int Take(std::string_view& bytes, std::string& text) const
     {
         std::array<char, 4096> buffer{};
@@ -49,7 +49,7 @@ public:
             text.append(buffer.data(), buffer.size() - room);
             bytes.remove_prefix(bytes.size() - left);
             if (all) {
-                // What was held back, as a letter to which an accent might have come.
+                // Flush what the converter held back, such as a letter that an accent might have followed.
                 to = buffer.data();
                 room = buffer.size();
                 ::iconv(handle_, nullptr, nullptr, &to, &room);
@@ -72,7 +72,7 @@ std::string Nothing(unsigned char byte)
     return text;
 }
 
-// An encoding's name without its hyphens, which some write and some don't.
+// An encoding's name without hyphens, which some write and some do not.
 std::string Plain(std::string name)
 {
     std::erase(name, '-');
@@ -115,7 +115,7 @@ std::string CodePage::NameFor(std::string_view locale)
     const std::string_view rest = locale.substr(language.size());
     if (const std::size_t dot = rest.find('.'); dot != std::string_view::npos) {
         const std::string own(rest.substr(dot + 1, rest.find('@', dot) - dot - 1));
-        // What is called Latin-1 is Windows-1252, which has letters where that has controls.
+        // Latin-1 is read as Windows-1252, which has letters where Latin-1 has control characters.
         if (Plain(own) == "ISO88591")
             return Western;
         if (!own.empty() && Plain(own) != "UTF8")
@@ -125,7 +125,7 @@ std::string CodePage::NameFor(std::string_view locale)
         return "CP1250";
     if (language == "zh")
         return rest.starts_with("_TW") || rest.starts_with("_HK") || rest.starts_with("_MO") ? "CP950" : "CP936";
-    // Windows' system code pages of the languages; all others have the Western one.
+    // Windows' system code pages for these languages; all others use the Western one.
     struct Page {
         const char* name;
         std::string_view languages;

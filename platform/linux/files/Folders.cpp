@@ -83,7 +83,7 @@ void PlaceTips(const std::string& sharedFolder, const std::string& programFolder
     std::error_code error;
     if (fs::symlink_status(target, error).type() != fs::file_type::not_found)
         return;
-    // Whole or not at all: it takes its name only when all of it is there.
+    // The file gets its name only when it is complete.
     const fs::path fresh = fs::path(programFolder) / "VoxmateTips.txt.new";
     if (fs::copy_file(fs::path(sharedFolder) / "VoxmateTips.txt", fresh, fs::copy_options::overwrite_existing, error))
         fs::rename(fresh, target, error);

@@ -1,4 +1,4 @@
-// Where things are: the folders of the XDG base directory standard, the program's own and the shared data.
+// The folders of the XDG base directory standard, the program's own folder and that of the shared data.
 #pragma once
 
 #include <string>
@@ -7,18 +7,18 @@
 namespace voxmate::linux_platform
 {
 
-/// $XDG_CONFIG_HOME, or ~/.config. A relative path in a variable does not count, as that standard asks.
+/// $XDG_CONFIG_HOME, or ~/.config. Relative paths in a variable are ignored, as that standard requires.
 std::string ConfigFolder();
 /// $XDG_CONFIG_DIRS, or /etc/xdg.
 std::vector<std::string> SystemConfigFolders();
-/// $VOXMATE_HOME, or voxmate below $XDG_DATA_HOME (~/.local/share); made if it is missing.
+/// $VOXMATE_HOME, or voxmate in $XDG_DATA_HOME (~/.local/share); created if it is missing.
 std::string ProgramFolder();
 /// The shared data: share/voxmate beside the program (a build tree) or one level above its folder (an installation).
 std::string SharedDataFolder();
-/// Puts the shipped tips into the program's folder, unless a file of that name is there: the user's own stays.
+/// Copies the shipped tips into the program's folder, unless a file of that name exists: the user's own is kept.
 void PlaceTips(const std::string& sharedFolder, const std::string& programFolder);
-/// Where the lock file of the one program that works on the program's folder may stand: in that folder, or, where that
-/// cannot be written or takes no locks, in $XDG_RUNTIME_DIR.
+/// The possible paths of the lock file that keeps a second program from working on the same folder: in the program's
+/// folder, or in $XDG_RUNTIME_DIR where that folder cannot be written or supports no locks.
 std::vector<std::string> LockFilePaths();
 
 } // namespace voxmate::linux_platform

@@ -1,4 +1,4 @@
-// What the file system changes: files of slots, and making, deleting and renaming files.
+// Changes in the file system: files of slots, and creating, deleting and renaming files.
 #include "base/FileName.h"
 #include "platform/linux/files/LinuxFileLock.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -88,10 +88,10 @@ void LinuxFileSystem::DeleteFile(const std::string& path)
     };
     if (::stat(found.c_str(), &status) != 0)
         throw ChangeErrorOf(errno);
-    // A file made read-only is meant to stay, though its folder would let it go.
+    // A read-only file is meant to stay, even though its folder would allow deleting it.
     if (!S_ISREG(status.st_mode) || ::faccessat(AT_FDCWD, found.c_str(), W_OK, AT_EACCESS) != 0)
         throw PermissionDenied();
-    // Held until it is gone, so that nobody opens it meanwhile.
+    // Locked until it is deleted, so that nobody opens it meanwhile.
     const Descriptor file(::open(found.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (file.Number() >= 0 && !LockedInTime(file.Number()))
         throw PermissionDenied();

@@ -16,15 +16,15 @@ namespace
 constexpr std::chrono::milliseconds Patience{2000};
 constexpr std::chrono::milliseconds LookEvery{1};
 
-// The bytes of the lock file that stand for the lock and for the first place in the queue for it. Whoever waits has
-// that place, so that whoever lets go of the lock cannot have it again at once: two that save without a pause take
-// turns.
+// The bytes of the lock file that stand for the lock and for the first place in its queue. A waiting program holds that
+// place, so the one that releases the lock cannot take it again at once: two that save without a pause take turns.
 constexpr off_t LockByte = 0;
 constexpr off_t QueueByte = 1;
 
 enum class Answer { Have, Held, NoLocks };
 
-// Locks or unlocks a byte for as long as this file is open, whatever else the process opens and closes.
+// Locks or unlocks a byte. The lock lasts as long as this file is open, whatever other files the process opens and
+// closes.
 Answer Set(int file, off_t byte, short type)
 {
     struct flock range {
@@ -52,7 +52,7 @@ class LinuxFileLock : public FileLock
 {
 public:
     explicit LinuxFileLock(int file) : file_(file) {}
-    /// Held: somebody else has had it for too long.
+    /// Returns Held when another program kept it too long.
     Answer Take()
     {
         const auto last = std::chrono::steady_clock::now() + Patience;

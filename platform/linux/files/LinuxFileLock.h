@@ -1,4 +1,4 @@
-// Locks that programs hold against one another while they read and replace a file.
+// Locks that keep programs from reading and replacing a file at the same time.
 #pragma once
 
 #include "platform/FileSystem.h"
@@ -9,8 +9,8 @@
 namespace voxmate::linux_platform
 {
 
-/// What FileSystem::Lock promises, on a file beside the one to be held ("path.lock"), which stays there: a file that is
-/// replaced by another, as a save does, cannot hold a lock over that.
+/// Implements FileSystem::Lock with a lock on a second file, "path.lock", which is never removed: a file that is
+/// replaced by another, as a save does, cannot keep a lock across that.
 std::unique_ptr<FileLock> LockBeside(const std::string& path);
 
 } // namespace voxmate::linux_platform

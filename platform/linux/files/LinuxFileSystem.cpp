@@ -38,7 +38,7 @@ std::string LinuxFileSystem::GetBaseName(const std::string& path)
 
 std::string LinuxFileSystem::GetExtensionName(const std::string& path)
 {
-    // Not the standard library's extension, which takes ".txt" for a name without one.
+    // Not the standard library's extension, which treats ".txt" as a name without an extension.
     const std::string name = path.substr(path.rfind('/') + 1);
     const std::size_t dot = name.rfind('.');
     return dot == std::string::npos ? "" : name.substr(dot + 1);

@@ -17,10 +17,10 @@ namespace voxmate::linux_platform
 namespace
 {
 
-// Large enough that reading costs more than asking for it, small enough to stay in the processor's cache.
+// Large enough for a system call to cost less than the reading itself, small enough for the processor's cache.
 constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
-// How long a file may be another's before that is an error, and how often it is looked at meanwhile.
+// How long to wait for a file another program has locked, and how often to try meanwhile.
 constexpr std::chrono::milliseconds Patience{500};
 constexpr std::chrono::milliseconds LookEvery{5};
 
@@ -31,7 +31,7 @@ bool Exists(const std::string& path)
     return ::stat(path.c_str(), &status) == 0;
 }
 
-// Whether a path still leads to this open file, which another program may have replaced.
+// Whether a path still leads to this open file, since another program may have replaced it.
 bool IsAt(int number, const std::string& path)
 {
     struct stat open {
@@ -42,7 +42,7 @@ bool IsAt(int number, const std::string& path)
            open.st_ino == named.st_ino;
 }
 
-// Opens for reading and writing, and for reading alone where that is all that is allowed.
+// Opens for reading and writing, or read-only where nothing else is allowed.
 int OpenForSlots(const std::string& path, bool& readOnly)
 {
     try {
@@ -66,7 +66,7 @@ bool Descriptor::Close()
 {
     const int number = number_;
     number_ = -1;
-    // Never again after EINTR: the number is free by then and may be another thread's.
+    // Do not close again after EINTR: the number is already free and may belong to another thread.
     return number < 0 || ::close(number) == 0 || errno == EINTR;
 }
 
@@ -96,7 +96,7 @@ RuntimeError WriteErrorOf(int number)
 bool LockedInTime(int number)
 {
     const auto last = std::chrono::steady_clock::now() + Patience;
-    // A file system without locks has none to respect.
+    // On a file system without locks there are none to respect.
     while (::flock(number, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         if (std::chrono::steady_clock::now() > last)
             return false;
@@ -107,7 +107,7 @@ bool LockedInTime(int number)
 
 int OpenLocked(const std::string& path, int flags)
 {
-    // Not blocking, because what stands there may be a pipe.
+    // Non-blocking, because the path may be a pipe.
     const int number = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
     if (number < 0)
         throw WriteErrorOf(errno);
@@ -118,7 +118,7 @@ int OpenLocked(const std::string& path, int flags)
     if (free && IsAt(number, path))
         return number;
     ::close(number);
-    // Whoever had it has replaced it.
+    // The program that held the lock has replaced the file.
     if (free)
         return OpenLocked(path, flags);
     throw regular ? PermissionDenied() : PathFileAccessError();
@@ -128,7 +128,7 @@ int RenameToNew(const char* from, const char* to)
 {
     if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
         return 0;
-    // Not every file system can.
+    // Not every file system supports the flag.
     if (errno != EINVAL && errno != ENOSYS)
         return -1;
     struct stat status {
@@ -153,7 +153,7 @@ LinuxRandomFile::LinuxRandomFile(const std::string& path, std::size_t recordLeng
       unnamed_(create && !Exists(path) ? path + ".new" : ""),
       file_(unnamed_.empty() ? OpenForSlots(path, readOnly_) : OpenLocked(unnamed_, O_RDWR | O_CREAT))
 {
-    // What a crash has left there was never whole.
+    // A file left there by a crash was never complete.
     if (!unnamed_.empty() && ::ftruncate(file_.Number(), 0) != 0)
         throw DeviceIOError();
 }
@@ -255,7 +255,7 @@ void LinuxRandomFile::WriteOut()
         if (written < 0) {
             const int number = errno;
             pending_.clear();
-            // Half a record at the end would spoil all before it.
+            // Half a record at the end would invalidate all those before it.
             [[maybe_unused]] const int tried = sizeKnown ? ::ftruncate(file_.Number(), before.st_size) : 0;
             throw WriteErrorOf(number);
         }

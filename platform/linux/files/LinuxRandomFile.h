@@ -12,7 +12,7 @@
 namespace voxmate::linux_platform
 {
 
-/// Holds a file open and lets go of it.
+/// Owns a file descriptor and closes it.
 class Descriptor
 {
 public:
@@ -21,32 +21,32 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     int Number() const { return number_; }
-    /// Closes the file; false, with errno, when the system has lost what was written to it.
+    /// Closes the file; false, with errno set, when data written to it was lost.
     bool Close();
 
 private:
     int number_;
 };
 
-/// Locks an open file against other processes until it is closed; false when another has it. Whoever looks at a file,
-/// as programs that make copies do, has it for a moment, which is waited for.
+/// Locks an open file against other processes until it is closed; false when another one keeps it locked. Programs that
+/// only look at a file, such as backup tools, hold it for a moment; that is waited for.
 bool LockedInTime(int number);
-/// Opens a regular file, with O_CREAT creating a missing one readable by its user alone, and locks it in that way.
-/// Raises what FileSystem::OpenRandom does.
+/// Opens a regular file and locks it with LockedInTime. With O_CREAT a missing one is created, readable only by its
+/// user. Raises the errors of FileSystem::OpenRandom.
 int OpenLocked(const std::string& path, int flags);
-/// Renames without ever replacing a file; 0, or -1 with errno.
+/// Renames a file without ever replacing another; returns 0, or -1 with errno set.
 int RenameToNew(const char* from, const char* to);
-/// Has the disk know of new and changed names in the folder of a file, as far as its file system can.
+/// Writes new and changed names in a file's folder to the disk, if its file system supports that.
 void SyncFolderOf(const std::string& path);
-/// The run-time error of a failed call that opens or writes a file, by its errno.
+/// The run-time error for a call that failed to open or write a file, by its errno.
 RuntimeError WriteErrorOf(int number);
 
 /// Reads and writes in blocks, so that going through all slots in order costs little more than the bytes themselves.
 class LinuxRandomFile : public RandomAccessFile
 {
 public:
-    /// Opens the file, or, with `create`, makes a missing one. Raises what FileSystem::OpenRandom does, and run-time
-    /// error 53 for a missing file that is not to be made.
+    /// Opens the file; with `create`, creates it if it is missing. Raises the errors of FileSystem::OpenRandom, and
+    /// run-time error 53 for a missing file that is not to be created.
     LinuxRandomFile(const std::string& path, std::size_t recordLength, bool create);
     ~LinuxRandomFile() override;
     LinuxRandomFile(const LinuxRandomFile&) = delete;
@@ -61,19 +61,19 @@ public:
 private:
     std::int64_t Position(std::int32_t slot) const;
     void ReadBlock(std::int64_t position);
-    /// Writes what is pending. Where that fails, the file gets back the size it had.
+    /// Writes what is pending. When that fails, the file gets its former size back.
     void WriteOut();
     /// Gives a new file its name.
     void Name();
 
     std::string path_;
     std::int64_t recordLength_;
-    std::string unnamed_; ///< where a new file stands until it has its name; else empty
+    std::string unnamed_; ///< path of a new file until it gets its name; else empty
     bool readOnly_ = false;
     Descriptor file_;
-    std::string block_; ///< read last, from blockAt_ on
+    std::string block_; ///< the block read last, from offset blockAt_ on
     std::int64_t blockAt_ = 0;
-    std::string pending_; ///< to be written from pendingAt_ on
+    std::string pending_; ///< to be written at offset pendingAt_
     std::int64_t pendingAt_ = 0;
 };
 

@@ -16,7 +16,7 @@ namespace voxmate::linux_platform
 namespace
 {
 
-// Large enough that reading costs more than asking for it, small enough to stay in the processor's cache.
+// Large enough for a system call to cost less than the reading itself, small enough for the processor's cache.
 constexpr std::size_t BlockSize = 64 * 1024;
 
 RuntimeError ErrorOf(int number)
@@ -35,7 +35,7 @@ RuntimeError ErrorOf(int number)
     }
 }
 
-// The length in bytes of UTF-16 without the half of a character at its end, if there is one.
+// The length in bytes of UTF-16 text without an incomplete character at its end.
 std::size_t WholeUtf16(std::string_view text, bool littleEndian)
 {
     const std::size_t even = text.size() / 2 * 2;
@@ -49,7 +49,7 @@ std::size_t WholeUtf16(std::string_view text, bool littleEndian)
 
 LinuxTextStream::File::File(const std::string& path)
 {
-    // Asked before it is opened as well: merely opening a device can do something.
+    // Checked before opening, too: merely opening a device can have an effect.
     struct stat status {
     };
     if (::stat(path.c_str(), &status) != 0)
@@ -201,7 +201,7 @@ void LinuxTextStream::AppendLine(std::string& text)
 
 std::size_t LinuxTextStream::LineEnd()
 {
-    // Each is looked for only when the last one found lies behind, so that no byte is looked at time and again.
+    // Each is searched for only when the last one found lies behind at_, so that no byte is scanned repeatedly.
     if (nextLf_ < at_)
         nextLf_ = std::min(text_.find('\n', at_), text_.size());
     if (nextCr_ < at_)
@@ -211,8 +211,8 @@ std::size_t LinuxTextStream::LineEnd()
 
 std::size_t LinuxTextStream::SizeHint()
 {
-    // A line's end of one byte makes two; elsewhere a byte makes three of UTF-8 at most (the Euro sign of
-    // Windows-1252). The last line may have had no end.
+    // A line end of one byte becomes two; in other encodings than UTF-8 one byte can become three (the Euro sign of
+    // Windows-1252). The last line may have had no line end.
     const std::size_t most = encoding_ == TextEncoding::Utf8 && !damaged_ ? 2 : 3;
     const std::size_t inFile =
         static_cast<std::size_t>(std::max(std::min(end_, file_.Size()) - position_, std::int64_t{0}));

@@ -13,18 +13,18 @@
 namespace voxmate::linux_platform
 {
 
-/// The largest text file, in bytes: half a year of speech. While it is being spoken its text is kept three times over
-/// (as it was asked for, for the voice and for the balloon), and that has to fit into the memory of a small computer.
+/// The largest text file in bytes, half a year of speech. While a text is spoken, three copies of it are kept (as
+/// requested, for the voice and for the balloon), and they have to fit into the memory of a small computer.
 inline constexpr std::int64_t LargestTextFile = std::int64_t{256} << 20;
 
-/// Reads in blocks, so that a file that is cut short or removed meanwhile does no harm. What is added to a file after
+/// Reads in blocks, so a file that is truncated or removed while being read does no harm. Text added to the file after
 /// it was opened may be left out.
 class LinuxTextStream : public TextStream
 {
 public:
-    /// Opens the file and finds out how it is encoded, for which a file that is not UTF-16 is read once through; one
-    /// that is not UTF-8 either is taken for one of the code page, which has to outlive the stream. Raises what
-    /// FileSystem::OpenTextFile does.
+    /// Opens the file and detects its encoding. Unless the file is UTF-16 this reads it once completely; a file that is
+    /// not UTF-8 either is read with the code page, which must outlive the stream. Raises the errors of
+    /// FileSystem::OpenTextFile.
     explicit LinuxTextStream(const std::string& path, const CodePage& codePage = CodePage::OfUser());
 
     bool AtEndOfStream() override;
@@ -37,16 +37,16 @@ private:
     class File
     {
     public:
-        /// Opens a regular file without ever waiting for it; raises run-time errors 53, 57 and 70.
+        /// Opens a regular file without ever blocking; raises run-time errors 53, 57 and 70.
         explicit File(const std::string& path);
         ~File();
         File(const File&) = delete;
         File& operator=(const File&) = delete;
 
-        /// Its size as the file system tells it, in bytes; 0 for the files a system makes up as they are read.
+        /// The size in bytes that the file system reports; 0 for files that are generated while they are read.
         std::int64_t Size() const { return size_; }
-        /// Fills the buffer from `position` on and returns the number of bytes read: fewer than it holds only at the
-        /// file's end. Raises run-time error 57.
+        /// Fills the buffer from `position` on and returns the number of bytes read, which is less than the buffer's
+        /// size only at the end of the file. Raises run-time error 57.
         std::size_t Read(std::int64_t position, std::string& buffer) const;
 
     private:
@@ -55,27 +55,28 @@ private:
     };
 
     void FindEncoding();
-    /// Sees to it that there is text ahead; false at the end of the file.
+    /// Reads on if no text is left in text_; false at the end of the file.
     bool Fill();
-    /// Where the line that begins at at_ ends in text_: at a line feed or carriage return, or at the end of it.
+    /// The end of the line that begins at at_: the position of a line feed or carriage return in text_, or the end of
+    /// text_.
     std::size_t LineEnd();
-    /// Puts a block of the file into text_ and returns how many of its bytes that took: without what there is of a
-    /// character that breaks off at its end, unless it is the file's last block.
+    /// Puts a block of the file into text_ and returns how many of its bytes were used. An incomplete character at its
+    /// end is left for the next block, unless `last` is set.
     std::size_t Take(std::string_view block, bool last);
 
     File file_;
     const CodePage& codePage_;
     TextEncoding encoding_ = TextEncoding::Utf8;
-    bool damaged_ = false;      ///< UTF-8 with bytes in it that are none
-    std::int64_t position_ = 0; ///< of the next block in the file
+    bool damaged_ = false;      ///< UTF-8 with invalid bytes in it
+    std::int64_t position_ = 0; ///< offset of the next block in the file
     std::int64_t end_ = LargestTextFile;
     std::string block_;
-    std::string decoded_;    ///< a block in UTF-8, where the file is not
-    std::string_view text_;  ///< the block at hand in UTF-8
-    std::size_t at_ = 0;     ///< where the next line begins in it
-    std::size_t nextLf_ = 0; ///< the first line feed and the first carriage return from there on
+    std::string decoded_;    ///< the current block converted to UTF-8, if the file is not UTF-8
+    std::string_view text_;  ///< the current block in UTF-8
+    std::size_t at_ = 0;     ///< position in text_ where the next line begins
+    std::size_t nextLf_ = 0; ///< the first line feed from there on; nextCr_ is the first carriage return
     std::size_t nextCr_ = 0;
-    bool afterCr_ = false; ///< a line feed would still belong to the end of the last line
+    bool afterCr_ = false; ///< a line feed that comes next still belongs to the end of the last line
 };
 
 } // namespace voxmate::linux_platform

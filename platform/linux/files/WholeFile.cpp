@@ -19,7 +19,7 @@ std::optional<std::string> ReadOpenFile(int file, std::uint64_t most)
     };
     if (::fstat(file, &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
-    // One byte more than it should have, to see its end; files that a system makes up as they are read have no size.
+    // One byte more than the file's size, to detect its end. Files that are generated while they are read have no size.
     constexpr std::uint64_t least = 4096;
     std::string text(std::min(most, std::max(static_cast<std::uint64_t>(info.st_size) + 1, least)), '\0');
     std::size_t length = 0;
@@ -41,7 +41,7 @@ std::optional<std::string> ReadOpenFile(int file, std::uint64_t most)
 
 std::optional<std::string> ReadWholeFile(const std::string& path, std::uint64_t most)
 {
-    // Not blocking, because what stands there may be a pipe.
+    // Non-blocking, because the path may be a pipe.
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return std::nullopt;

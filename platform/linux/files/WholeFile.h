@@ -1,4 +1,4 @@
-// Reading a file at once.
+// Reads a whole file at once.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 namespace voxmate::linux_platform
 {
 
-/// The first `most` bytes of a file, all of it when it has no more. Nothing for what is no file but a folder, a device
-/// or a pipe, which would have to be waited for, and for one that cannot be read.
+/// The first `most` bytes of a file, or the whole file if it is shorter. Nothing when it cannot be read, or is a
+/// folder, a device or a pipe, whose reading could block.
 std::optional<std::string> ReadWholeFile(const std::string& path,
                                          std::uint64_t most = std::numeric_limits<std::uint64_t>::max());
 

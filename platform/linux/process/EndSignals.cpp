@@ -19,8 +19,8 @@ namespace
 
 constexpr std::array Signals{SIGTERM, SIGINT, SIGHUP};
 
-// What the handler needs, which may do no more than write to a pipe. A child shares it until it becomes another
-// program.
+// What the signal handler needs; it may do little more than write to a pipe. A child shares the pipe until it becomes
+// another program, so the handler checks the process.
 volatile sig_atomic_t pipeEnd = -1;
 volatile sig_atomic_t owner = 0;
 
@@ -42,7 +42,7 @@ void Handle(int /*signal*/)
 EndSignals::EndSignals(std::function<void()> arrived, std::function<void()> overdue, std::chrono::milliseconds patience)
 {
     std::array<int, 2> ends{-1, -1};
-    // Without a pipe the signals end the program as ever.
+    // Without a pipe the signals end the program as usual.
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         return;
     wake_ = ends[0];

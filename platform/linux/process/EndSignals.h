@@ -8,14 +8,15 @@
 namespace voxmate::linux_platform
 {
 
-/// Takes SIGTERM (sent when a session or the system ends), SIGINT (Ctrl+C in a terminal) and SIGHUP (the terminal was
-/// closed) while it lives; one that the program was started to ignore stays ignored. Only one of these may exist.
+/// Handles SIGTERM (sent when a session or the system ends), SIGINT (Ctrl+C in a terminal) and SIGHUP (the terminal was
+/// closed) during its lifetime. A signal that was ignored at the program's start stays ignored. Only one of these
+/// objects may exist.
 class EndSignals
 {
 public:
-    /// `arrived` is called for the first signal, on a thread of this object's own; later ones change nothing, because
-    /// many who end a program send several. When the program still runs `patience` later, its event loop hangs, and
-    /// `overdue` is called on the same thread.
+    /// `arrived` is called for the first signal, on this object's own thread. Later signals change nothing, because
+    /// whoever ends a program often sends several. If the program still runs after `patience`, its event loop hangs,
+    /// and `overdue` is called on the same thread.
     EndSignals(std::function<void()> arrived, std::function<void()> overdue, std::chrono::milliseconds patience);
     ~EndSignals();
     EndSignals(const EndSignals&) = delete;
@@ -25,7 +26,7 @@ private:
     void Wait(const std::function<void()>& arrived, const std::function<void()>& overdue,
               std::chrono::milliseconds patience) const;
 
-    int wake_ = -1; ///< the end of the pipe that a signal's arrival is read from
+    int wake_ = -1; ///< read end of the pipe through which the signal handler reports
     std::thread waiter_;
 };
 

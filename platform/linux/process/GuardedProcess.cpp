@@ -31,21 +31,21 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
     return pointers;
 }
 
-// A namespace's map of one user or group that stays what it is outside.
+// The map for a namespace in which one user or group keeps its number.
 std::string OneToItself(unsigned int number)
 {
     return std::to_string(number) + " " + std::to_string(number) + " 1";
 }
 
-// Everything the guard needs, made before it is: a process that comes out of one with threads may not allocate.
+// Everything the guard needs, prepared before the fork: a child of a program with threads may not allocate memory.
 struct Plan {
     const char* program;
     char** arguments;
     char** environment;
     const char* folder;
     char** removal;     ///< the command that removes the leavings
-    const char* users;  ///< what maps our user to itself in a namespace; null when the program may have the network
-    const char* groups; ///< the same for our group
+    const char* users;  ///< the user map for the namespace; null when the program may use the network
+    const char* groups; ///< the group map for the namespace
     int life;
     int report;
 };
@@ -72,13 +72,13 @@ void WriteTo(const char* path, const char* text)
     const int file = ::open(path, O_WRONLY | O_CLOEXEC);
     if (file < 0)
         return;
-    // A map that is refused leaves us without a name of our own, but with all our rights to our files.
+    // Without the map we have no user name in the namespace, but keep all our rights to our files.
     [[maybe_unused]] const ssize_t written = ::write(file, text, std::strlen(text));
     ::close(file);
 }
 
-// Goes where there is no network, not even the machine's own. An ordinary user may only do so in a namespace of users,
-// in which we stay who we are.
+// Moves into a network namespace without any network, not even the loopback. An ordinary user may do that only in a
+// user namespace, in which we keep our own identity.
 void LeaveNetwork(const Plan& plan)
 {
     if (::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
@@ -103,7 +103,7 @@ void LeaveNetwork(const Plan& plan)
     ::_exit(127);
 }
 
-// Kills our children, those that lost their own parent and were given to us among them.
+// Kills our children, including orphaned descendants that were handed to us.
 void KillChildren()
 {
     const int list = ::open("/proc/thread-self/children", O_RDONLY | O_CLOEXEC);
@@ -130,12 +130,12 @@ void KillChildren()
 
 void KillAll(pid_t program)
 {
-    // Killed processes are gone within milliseconds; one that hangs in the kernel is not waited for any longer.
+    // Killed processes end within milliseconds; one that hangs in the kernel is not waited for any longer.
     constexpr int rounds = 400;
     constexpr timespec pause{0, 5'000'000};
     bool reaped = false;
     for (int i = 0; i < rounds; ++i) {
-        // The group's number is its own for as long as its first process has not been waited for.
+        // The group's number cannot be reused until its first process has been reaped.
         if (!reaped)
             ::kill(-program, SIGKILL);
         KillChildren();
@@ -154,10 +154,10 @@ bool HasEnded(pid_t program)
     return ::waitid(P_PID, static_cast<id_t>(program), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
 }
 
-// The guard's life, in which only what a signal handler may call is called.
+// The guard's main function. It may call only functions that are safe in a signal handler.
 [[noreturn]] void Guard(const Plan& plan)
 {
-    // A group of its own: what a terminal sends to ours must not keep it from its work.
+    // In its own group, so that signals a terminal sends to ours do not interrupt its work.
     ::setpgid(0, 0);
     SetSignals(SIG_IGN);
     const auto low = static_cast<unsigned int>(std::min(plan.life, plan.report));
@@ -242,7 +242,7 @@ GuardedProcess::~GuardedProcess()
 bool GuardedProcess::Ended(std::chrono::milliseconds wait)
 {
     pollfd report{report_, POLLIN, 0};
-    // The guard's end of the pipe closes and nothing is ever written to it.
+    // The guard never writes to the pipe; it only closes its end.
     if (!ended_ && ::poll(&report, 1, static_cast<int>(wait.count())) > 0)
         ended_ = true;
     return ended_;

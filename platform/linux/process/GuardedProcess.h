@@ -1,4 +1,4 @@
-// A program under guard: whatever becomes of it or of us, nothing of it stays.
+// Runs a program under guard: whatever happens to it or to us, nothing of it is left behind.
 #pragma once
 
 #include <chrono>
@@ -9,10 +9,10 @@
 namespace voxmate::linux_platform
 {
 
-/// What to start: a program by its full path, its arguments behind its name, the whole of its environment
-/// ("NAME=value"), the folder it starts in, the files and folders that are removed when all is over, and whether it
-/// shall have no network: then it gets a network namespace with nothing in it, where the system grants one to an
-/// ordinary user. Where it doesn't, the program runs all the same and has to be kept from the network by other means.
+/// A program to start: its full path, its arguments without its name, its complete environment ("NAME=value"), the
+/// folder it starts in, the files and folders to remove when everything is over, and whether to run it without a
+/// network. In that case it gets an empty network namespace, where the system grants one to an ordinary user. Otherwise
+/// it is run all the same and must be kept from the network by other means.
 struct GuardedCommand {
     std::string program;
     std::vector<std::string> arguments;
@@ -22,30 +22,30 @@ struct GuardedCommand {
     bool withoutNetwork = false;
 };
 
-/// A running program with a process group of its own. Between it and us stands a guard, a process that waits for our
-/// destructor or for our own end, however that comes: then it kills the program with everything that descends from it
-/// and removes the leavings. The program's input and output are nothing.
+/// A running program with its own process group. A guard process stands between it and us and waits for our destructor
+/// or our end, however that comes. Then it kills the program and all its descendants and removes the leavings. The
+/// program's input is empty and its output is discarded.
 class GuardedProcess
 {
 public:
-    /// A program that cannot be started counts as one that has ended.
+    /// A program that cannot be started counts as ended.
     explicit GuardedProcess(const GuardedCommand& command);
-    /// Ends all and waits until it is gone.
+    /// Ends everything and waits until that is done.
     ~GuardedProcess();
     GuardedProcess(const GuardedProcess&) = delete;
     GuardedProcess& operator=(const GuardedProcess&) = delete;
 
-    /// Waits until the program has ended, but no longer than this; whether it has. Its children may still run.
+    /// Waits at most `wait` for the program to end; returns whether it has. Its children may still run.
     bool Ended(std::chrono::milliseconds wait);
-    /// Has the program and its descendants killed and the leavings removed; doesn't wait for it.
+    /// Has the program and its descendants killed and the leavings removed; does not wait for that.
     void End();
-    /// Waits until all that `End` asked for is done, but no longer than this; whether it is.
+    /// Waits at most `wait` until everything requested by `End` is done; returns whether it is.
     bool Gone(std::chrono::milliseconds wait);
 
 private:
     pid_t guard_ = -1;
-    int life_ = -1;   ///< the guard does its work once this end of the pipe is closed
-    int report_ = -1; ///< the guard tells here that the program has ended
+    int life_ = -1;   ///< write end of a pipe; the guard cleans up once it is closed
+    int report_ = -1; ///< read end of a pipe; the guard closes its end when the program has ended
     bool ended_ = false;
 };
 

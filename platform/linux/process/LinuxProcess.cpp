@@ -53,8 +53,8 @@ std::vector<std::string> SplitCommand(const std::string& command)
     return words;
 }
 
-/// Starts a program in a session of its own, so that it outlives this one; its standard input is empty. The exit status
-/// arrives in `status` (-1 when it was ended by a signal). 0 when it cannot be started.
+/// Starts a program in its own session, so that it outlives this one; its standard input is empty. `status` receives
+/// its exit status, or -1 when a signal ended it. Returns 0 when it cannot be started.
 pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
 {
     std::vector<char*> arguments;
@@ -74,7 +74,7 @@ pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
     ::posix_spawn_file_actions_destroy(&files);
     if (error != 0)
         return 0;
-    // Somebody must wait for it as long as this program lives: an ended process that nobody asks after is kept.
+    // It must be reaped, or it would remain as a zombie while this program lives.
     std::promise<int> ended;
     status = ended.get_future();
     std::thread([process, ended = std::move(ended)]() mutable {
@@ -86,7 +86,7 @@ pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
     return process;
 }
 
-/// What exit() ends; none: it takes its own way.
+/// The object whose EndProgram exit() calls; null: exit() goes on as usual.
 LinuxProcess* endedAtExit = nullptr;
 
 } // namespace
@@ -134,7 +134,7 @@ bool LinuxProcess::PreviousInstance()
         if (taken)
             return true;
     }
-    // Where no lock can be had, a second copy is better than none.
+    // If no lock is possible, a second copy is better than none.
     return false;
 }
 
@@ -188,8 +188,8 @@ void LinuxProcess::EndWithin(std::chrono::milliseconds patience)
     ::_exit(EXIT_SUCCESS);
 }
 
-// The C library keeps the zone that TZ names as long as TZ stays the same. Where TZ is not set it looks at each tzset
-// whether the system's zone file is another, and that is the file which TZ names here.
+// The C library does not reload the zone named by TZ while TZ stays the same. Without TZ, each tzset checks whether the
+// system's zone file has changed. So TZ is removed if it names just that file.
 LinuxClock::LinuxClock()
 {
     constexpr std::string_view system = "/etc/localtime";
@@ -203,7 +203,7 @@ DateTime LinuxClock::Now()
 {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    // localtime_r alone need not see that the user has chosen another zone.
+    // localtime_r alone need not notice that the user has chosen another zone.
     ::tzset();
     ::localtime_r(&now, &local);
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
@@ -211,7 +211,7 @@ DateTime LinuxClock::Now()
 
 std::string LinuxClock::ShortDate(const DateTime& date)
 {
-    // The user's own locale, whatever the process has been set to, and without setting it.
+    // The user's own locale, regardless of the process's locale and without changing it.
     static const locale_t users = ::newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "", nullptr);
     static const locale_t plain = ::newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "C", nullptr);
     std::tm parts{};

@@ -23,7 +23,7 @@ namespace
 // Access rights of a value write and a value read (winnt.h: KEY_SET_VALUE, KEY_QUERY_VALUE).
 constexpr std::uint32_t CanSetValue = 0x0002;
 constexpr std::uint32_t CanQueryValue = 0x0001;
-// Handles of our own stay clear of the predefined roots.
+// Our own handles stay below the predefined roots.
 constexpr std::uint32_t FirstPredefinedRoot = 0x80000000;
 
 constexpr std::array<const char*, 7> rootNames{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",     "HKEY_LOCAL_MACHINE",
@@ -53,7 +53,7 @@ bool WriteWhole(int file, const std::string& text)
     return true;
 }
 
-// Where a save goes: the user may keep the file elsewhere, behind a link.
+// The file that a save writes; it may be behind a symbolic link, since the user may keep it elsewhere.
 std::string SaveTarget(const std::string& path)
 {
     std::error_code error;
@@ -66,7 +66,7 @@ std::string FolderOf(const std::string& path)
     return std::filesystem::path(path).parent_path().string();
 }
 
-// Whether a save has a chance. A file made read-only is meant to stay as it is.
+// Whether a save can succeed. A read-only file is meant to stay as it is.
 bool CanSave(const std::string& path)
 {
     const std::string target = SaveTarget(path);
@@ -78,8 +78,8 @@ bool CanSave(const std::string& path)
     return fileAllows && ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-// The new content goes to a file beside the old one, to the disk, and then takes its name in one step, so that a cut at
-// any point leaves the old file or the new one.
+// Writes the new content to a file beside the old one, syncs it, and renames it in one step, so that an interruption at
+// any point leaves either the old file or the new one.
 bool Save(const std::string& path, const std::string& text)
 {
     const std::string target = SaveTarget(path);
@@ -122,7 +122,7 @@ FileSettingsStore::~FileSettingsStore()
     StopSaver();
 }
 
-// A person may edit the file while the program runs: what they wrote must not be lost by the next save.
+// The user may edit the file while the program runs; the next save must not lose those changes.
 void FileSettingsStore::Refresh()
 {
     if (toSave_ || saving_)
@@ -145,7 +145,7 @@ std::int32_t FileSettingsStore::Change(RegistryFile content)
 {
     if (unreadable_ || !CanSave(userFile_))
         return ERROR_ACCESS_DENIED;
-    // Where the last save failed, the caller waits for this one and is told.
+    // After a failed save this one is done at once, so that the caller learns the result.
     if (saveFailed_ && !toSave_ && !saving_) {
         saveFailed_ = !Save(userFile_, content.Text());
         if (saveFailed_)
@@ -178,19 +178,19 @@ void FileSettingsStore::RunSaver()
         try {
             stamp = (good = Save(userFile_, text)) ? StampOf(userFile_) : Stamp{};
         } catch (const std::exception&) {
-            // Memory that ran out counts as a disk that failed: the caller that sets the next value is told.
+            // Running out of memory counts as a failed save: the caller that sets the next value is told.
             good = false;
         }
         lock.lock();
         saving_ = false;
         saveFailed_ = !good;
-        // After a failure the file counts again, as it is.
+        // After a failure the file is read again as it is.
         userStamp_ = good ? stamp : Stamp{-2, 0, 0, 0};
         changed_.notify_all();
     }
 }
 
-// Asks again and again, because whoever waits for changed_ or the mutex waits for its holder, too, who may be at the
+// Polls instead of waiting for changed_ or the mutex, because the thread that holds the mutex may be waiting for the
 // same disk.
 bool FileSettingsStore::Flush(std::chrono::milliseconds patience)
 {
@@ -218,7 +218,8 @@ void FileSettingsStore::StopSaver()
 
 std::int32_t FileSettingsStore::GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key)
 {
-    // Failed reads leave their key open; each handle is small, and a path that is open already is given out again.
+    // Callers leave a key open when a read fails. Each handle is small, and a path that is already open gets the same
+    // one again.
     for (const auto& [handle, opened] : open_) {
         if (opened.path == path && opened.access == access) {
             key = handle;

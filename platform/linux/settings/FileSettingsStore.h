@@ -1,7 +1,8 @@
-// The settings store of a system without a registry: a text file of the user's, and behind it those of the system.
+// The settings store for a system without a registry: a text file of the user's, with system files for the values it
+// lacks.
 //
-// A value is set in memory and handed to a thread that saves it, so that dragging a bar never waits for the disk. What
-// is set while a save runs is saved by the next one, all of it at once.
+// A value is set in memory and handed to a thread that saves it, so that dragging a scroll bar never waits for the
+// disk. Values set during a save are saved together by the next one.
 #pragma once
 
 #include "platform/SettingsStore.h"
@@ -24,19 +25,19 @@ namespace voxmate::linux_platform
 class FileSettingsStore : public SettingsStore
 {
 public:
-    /// `userFile` is read and written, `systemFiles` are only read, the first that has a value counts. A file that is
-    /// missing or cannot be read counts as empty.
+    /// `userFile` is read and written. `systemFiles` are only read; the first of them that has a value counts. A file
+    /// that is missing or cannot be read counts as empty.
     FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles);
-    /// Waits until all is saved.
+    /// Waits until everything is saved.
     ~FileSettingsStore() override;
     FileSettingsStore(const FileSettingsStore&) = delete;
     FileSettingsStore& operator=(const FileSettingsStore&) = delete;
 
-    /// Waits until everything set so far is in the file, or has failed to get there, but no longer than `patience`: a
-    /// folder of the network may never answer. False when it was not done by then.
+    /// Waits at most `patience` until everything set so far is in the file or could not be saved; a network folder may
+    /// never answer. False when that was not done in time.
     bool Flush(std::chrono::milliseconds patience);
 
-    /// Answers a value that no file has, or nothing: look-ups that the desktop itself knows.
+    /// Supplies values that no file has, because the desktop itself knows them; returns nothing for others.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
 
     std::int32_t RegCreateKeyA(std::uint32_t root, const std::string& subKey, std::uint32_t& key) override;
@@ -66,14 +67,14 @@ private:
     std::map<std::uint32_t, OpenKey> open_;
     std::uint32_t nextHandle_ = 1;
 
-    std::mutex mutex_; // guards all below
+    std::mutex mutex_; // guards everything below
     std::condition_variable changed_;
     RegistryFile user_;
     Stamp userStamp_;
-    bool unreadable_ = false; ///< the user's file is there and cannot be read: it counts as empty and stays as it is
+    bool unreadable_ = false; ///< the user's file exists but cannot be read: it counts as empty and is not changed
     std::optional<std::string> toSave_;
     bool saving_ = false;
-    bool saveFailed_ = false; ///< the last save did not get to the file
+    bool saveFailed_ = false; ///< the last save failed
     bool quit_ = false;
     std::thread saver_;
 
@@ -88,9 +89,9 @@ private:
     void StopSaver();
 };
 
-/// The user's settings file and the system's, in the places of the XDG base directory standard:
-/// $XDG_CONFIG_HOME/voxmate/registry.reg and voxmate/registry.reg below each of $XDG_CONFIG_DIRS; where they do not
-/// name the tool that describes the computer, the desktop's own.
+/// Makes the store of the user's and the system's settings files in the places of the XDG base directory standard:
+/// $XDG_CONFIG_HOME/voxmate/registry.reg, and voxmate/registry.reg in each of $XDG_CONFIG_DIRS. If they do not name the
+/// tool that describes the computer, the desktop's own is used.
 std::unique_ptr<FileSettingsStore> MakeSettingsStore();
 
 } // namespace voxmate::linux_platform

@@ -41,7 +41,7 @@ std::string Hex(std::uint32_t number, std::size_t digits)
     return text;
 }
 
-// Reads a quoted text at the front of `rest` and takes it off; false when it does not end.
+// Removes a quoted text from the front of `rest`; false when its closing quote is missing.
 bool TakeQuoted(std::string_view& rest, std::string& out)
 {
     if (!rest.starts_with('"'))
@@ -64,7 +64,7 @@ bool ParseHexBytes(std::string_view text, std::vector<std::uint8_t>& bytes)
     bytes.clear();
     std::string joined;
     for (const char c : text) {
-        // A backslash at a line's end only carries the list on.
+        // A backslash at a line's end only continues the list.
         if (c != ' ' && c != '\t' && c != '\r' && c != '\n' && c != '\\')
             joined += c;
     }
@@ -101,7 +101,7 @@ bool ParseValue(std::string_view text, RawValue& value)
         std::string quoted;
         if (!TakeQuoted(text, quoted) || !Strip(text).empty())
             return false;
-        // "" is what a person writes for a text that is there and empty: a lone NUL.
+        // "" is how a person writes an empty text that is present: a lone NUL.
         if (quoted.empty())
             quoted.push_back('\0');
         value.type = TypeText;
@@ -133,7 +133,8 @@ std::string Quoted(std::string_view text)
     return out + '"';
 }
 
-// Quotes can say a text of printable characters; "" says a lone NUL.
+// Whether the text can be written in quotes: it is not empty and has only printable characters, since "" means a lone
+// NUL.
 bool QuotesCanSay(std::string_view text)
 {
     return !text.empty() && IsValidUtf8(text) && std::none_of(text.begin(), text.end(), [](char c) {
@@ -167,7 +168,7 @@ std::string FormatValue(const RawValue& value)
     return out;
 }
 
-// What a person's editor may have saved: UTF-16 with its mark, UTF-8, or else Windows-1252.
+// Decodes what the user's editor may have saved: UTF-16 with its mark, UTF-8, or otherwise Windows-1252.
 std::string Decoded(std::string_view bytes)
 {
     if (bytes.starts_with("\xFF\xFE")) {
@@ -247,7 +248,7 @@ std::string RegistryFile::Text() const
 
 std::optional<std::size_t> RegistryFile::FindKey(const std::string& key) const
 {
-    // A key may stand several times; new values go to the last one.
+    // A key may occur several times; new values go to the last one.
     for (std::size_t i = lines_.size(); i > 0; --i) {
         if (lines_[i - 1].kind == Line::Kind::Key && EqualNoCase(lines_[i - 1].name, key))
             return i - 1;
@@ -304,7 +305,7 @@ void RegistryFile::SetValue(const std::string& key, const std::string& name, con
     std::size_t end = *FindKey(key) + 1;
     while (end < lines_.size() && lines_[end].kind != Line::Kind::Key)
         ++end;
-    // Behind the key's last line, before the blank lines and comments that lead to the next key.
+    // After the key's last line, before the blank lines and comments that belong to the next key.
     if (end < lines_.size()) {
         while (end > 0 && (Strip(lines_[end - 1].text).empty() || Strip(lines_[end - 1].text).starts_with(';')) &&
                lines_[end - 1].kind == Line::Kind::Other)

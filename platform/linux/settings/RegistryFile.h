@@ -1,5 +1,5 @@
-// The settings hive as a text file in registry-export form: parsing, raw values, and writing with order, comments and
-// lines that were not understood kept.
+// The settings hive as a text file in registry-export form: parsing, raw values, and writing that keeps order, comments
+// and lines that were not understood.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +17,16 @@ struct RawValue {
     bool operator==(const RawValue&) const = default;
 };
 
-/// One file's content. Key paths are written with their hive's name ("HKEY_LOCAL_MACHINE\SOFTWARE\Voxmate"); keys and
-/// value names are compared without regard to case. Where a value stands twice the later one counts.
+/// The contents of one file. Key paths include the hive's name ("HKEY_LOCAL_MACHINE\SOFTWARE\Voxmate"). Keys and value
+/// names are compared without regard to case. If a value occurs twice, the later one counts.
 ///
-/// Value forms: "Name"=dword:0000002a; "Name"="text" (\\ and \" escaped), which is the text's own bytes and, for "", a
-/// lone NUL; "Name"=hex(N):41,42 for any type and bytes, N the type in hexadecimal, long ones continued by a backslash
-/// at the line's end. Lines of any other form are kept and mean nothing.
+/// Value forms: "Name"=dword:0000002a; "Name"="text" (with \\ and \" escaped), which is the text's own bytes and, for
+/// "", a lone NUL; "Name"=hex(N):41,42 for any type and bytes, where N is the type in hexadecimal and a backslash at a
+/// line's end continues a long list. Lines of any other form are kept but have no meaning.
 class RegistryFile
 {
 public:
-    /// UTF-8, UTF-16 with its mark, or else Windows-1252; it is written as UTF-8.
+    /// Reads UTF-8, UTF-16 with its mark, or otherwise Windows-1252; the file is written as UTF-8.
     static RegistryFile Parse(std::string_view bytes);
     std::string Text() const;
 

@@ -16,7 +16,7 @@ struct Tool {
     const char* arguments;
 };
 
-// The general ones first, as they say most; then those of a desktop, which are there with that desktop.
+// The general tools first, because they show most, then those that come with a desktop.
 constexpr std::array<Tool, 4> tools{{
     {"hardinfo2", ""},
     {"hardinfo", ""},

@@ -1,4 +1,4 @@
-// The desktop's own tool that describes the computer, where a registry would name it.
+// The desktop's own tool that describes the computer, which elsewhere a registry names.
 #pragma once
 
 #include "platform/linux/settings/RegistryFile.h"
@@ -12,7 +12,7 @@ namespace voxmate::linux_platform
 /// The command that starts the first such tool found in the folders of $PATH; empty when none is installed.
 std::string SystemInformationCommand();
 
-/// Answers the one value of the registry that names that tool; nothing for any other value, and none without a tool.
+/// Answers the one registry value that names that tool; nothing for other values, or when there is no tool.
 std::optional<RawValue> SystemInformationValue(const std::string& key, const std::string& name);
 
 } // namespace voxmate::linux_platform

@@ -17,25 +17,25 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-// What the server may hold of a stream, its sink's share included: short, so that a stop is silent at once and a start
-// soon heard; long enough to bridge a busy machine's pauses.
+// How much of a stream the server may buffer, including its sink: short, so that a stop is silent at once and a start
+// is heard soon; long enough to bridge the pauses of a busy machine.
 constexpr int BufferMilliseconds = 80;
-// The server starts to play, and goes on after it ran dry, with this much.
+// The server starts playing, and resumes after an underrun, when it has this much.
 constexpr int FirstMilliseconds = 20;
 constexpr std::int64_t FeedMicroseconds = 10'000;
 constexpr std::chrono::milliseconds ClockInterval{20};
-// A server that neither opens a stream nor tells the time for so long has given out.
+// A server that for this long neither opens a stream nor reports the time has failed.
 constexpr std::chrono::seconds Patience{3};
 constexpr std::chrono::milliseconds ConnectPatience{300};
-// When a desktop has just been logged in to, its sound server may still be starting: so long after the first look a
-// server that is there may answer for the first time, or one that is not may come.
+// Just after login the sound server may still be starting. Counted from the first look, this is how long a server that
+// is there may take for its first answer, and how long a missing one may take to appear.
 constexpr std::chrono::seconds FirstAnswer{10};
 constexpr std::chrono::seconds FirstArrival{5};
 constexpr std::chrono::milliseconds LookInterval{100};
 
 using Properties = std::unique_ptr<pa_proplist, decltype(&pa_proplist_free)>;
 
-/// What mixers show of the program, and which rules of theirs it falls under.
+/// What mixers show for the program, and what their rules match.
 Properties ProgramProperties()
 {
     Properties properties(pa_proplist_new(), &pa_proplist_free);
@@ -50,15 +50,15 @@ Properties StreamProperties()
     Properties properties = ProgramProperties();
     pa_proplist_sets(properties.get(), PA_PROP_MEDIA_NAME, "Voice");
     pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ICON_NAME, "voxmate");
-    // The role of what reads aloud. That of an event would put the voice under the desktop's "System Sounds", which
-    // many people silence.
+    // The role of programs that read aloud. The role of an event would put the voice under the desktop's "System
+    // Sounds", which many people mute.
     pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "a11y");
     return properties;
 }
 
 } // namespace
 
-/// Holds the library's lock; its own thread holds it while it calls back.
+/// Holds the library's lock, which the library's own thread holds during callbacks.
 class PulseDevice::Lock
 {
 public:
@@ -82,14 +82,14 @@ struct PulseDevice::Playing {
     // Guarded by the library's lock.
     pa_stream* stream = nullptr;
     pa_time_event* timer = nullptr;
-    pa_operation* question = nullptr; // how far the server is, while it has not answered
+    pa_operation* question = nullptr; // the pending request for the stream's time, if any
     Clock::time_point asked;
     bool ready = false;
     bool over = false;
-    std::int64_t end = -1; // samples in all, once known
+    std::int64_t end = -1; // total number of samples; -1 until known
     Clock::time_point lastNews = Clock::now();
 
-    std::atomic<bool> abandoned = false; // the stream object is gone: nobody is to be called
+    std::atomic<bool> abandoned = false; // the stream object is destroyed: no callback may be called
     std::atomic<std::int64_t> written = 0;
 
     std::mutex clockMutex;
@@ -171,7 +171,7 @@ void PulseDevice::Connect()
     context_ = pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop_), nullptr, ProgramProperties().get());
     pa_context_set_state_callback(
         context_, [](pa_context*, void* self) { static_cast<PulseDevice*>(self)->ContextChanged(); }, this);
-    // The desktop's session runs the server; starting one from here could keep this thread waiting.
+    // The desktop's session runs the server; starting one from here could block this thread.
     if (pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
         SetServer(Server::Absent);
 }
@@ -234,7 +234,7 @@ void PulseDevice::SinkKnown(const pa_sink_info* sink, int end)
         sinkFound_ = true;
         return;
     }
-    // Behind the last sink, or there is none.
+    // Called once more after the last sink, or when there is none.
     const std::lock_guard lock(mutex_);
     const Server now = sinkFound_ ? Server::Ready : Server::WithoutSink;
     if (now != server_)
@@ -396,7 +396,7 @@ void PulseDevice::Feed(const PlayingPtr& playing)
             else
                 playing->written += static_cast<std::int64_t>(count);
         }
-        // Silence behind the last sample keeps the server's clock going until that sample has been heard.
+        // Silence after the last sample keeps the server's clock running until that sample has been heard.
         if (count == 0) {
             std::fill(room.begin(), room.end(), std::int16_t{0});
             count = room.size();
@@ -437,8 +437,8 @@ void PulseDevice::AskForClock(const PlayingPtr& playing)
         playing.get());
 }
 
-/// The server tells how much it has taken of the stream and how long its sink takes for what it was given before. The
-/// library's own interpolation of the two is not asked: it smooths over seconds, and so is far off while a sink with a
+/// The server reports how much of the stream it has taken and how long its sink still needs for what it got before. The
+/// library's own interpolation of the two is not used: it smooths over seconds, and so is far off while a sink with a
 /// long queue plays its first sound.
 void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
 {
@@ -453,7 +453,8 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     const std::int64_t heard =
         static_cast<std::int64_t>(pa_bytes_to_usec(taken, pa_stream_get_sample_spec(playing->stream))) -
         static_cast<std::int64_t>(timing->sink_usec);
-    // By the wall clock, which may have been set meanwhile; the answer is no older than the question.
+    // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
+    // request.
     const Clock::duration age = std::clamp<Clock::duration>(
         std::chrono::microseconds(pa_timeval_age(&timing->timestamp)), {}, now - playing->asked);
     {

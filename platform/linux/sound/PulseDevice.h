@@ -1,7 +1,7 @@
 // Sound output through the desktop's sound server (PulseAudio, or PipeWire speaking its protocol).
 //
-// The server's client library is used directly: it says how long a sample takes to be heard, which lip-sync needs, and
-// a server that refuses, hangs or dies is seen and never waited for.
+// The server's client library is used directly: it reports how long a sample takes to be heard, which lip-sync needs,
+// and a server that refuses, hangs or dies is noticed without waiting for it.
 #pragma once
 
 #include "speech/AudioOutput.h"
@@ -26,19 +26,19 @@ namespace voxmate::speech
 class PulseDevice
 {
 public:
-    /// `post` runs an action on the user-interface thread from any thread; it must outlive the device.
+    /// `post` runs an action on the user-interface thread; it is called from any thread and must outlive the device.
     explicit PulseDevice(std::function<void(std::function<void()>)> post);
     ~PulseDevice();
     PulseDevice(const PulseDevice&) = delete;
     PulseDevice& operator=(const PulseDevice&) = delete;
 
-    /// Begins to connect to the server, if it is not connected; returns at once.
+    /// Starts connecting to the server, if it is not connected; returns at once.
     void Look();
-    /// As AudioOutput says, from what the server reports; connects when need be and waits up to 300 ms for an answer,
-    /// Other when none comes. In the first seconds after the first look it waits longer: up to ten after it for a
-    /// server that has not answered yet, up to five for one that is not there or has no sink yet.
+    /// The state of the server as it reports it. Connects if necessary and waits up to 300 ms for an answer; Other when
+    /// none comes. Soon after the first look it waits longer: until ten seconds after it for a server that has not
+    /// answered yet, and until five seconds after it for one that is missing or has no sink yet.
     AudioOutput::State Check();
-    /// Whether the server is known to be there with a sink; begins to look for it and waits for nothing.
+    /// Whether the server is known to be there with a sink. Starts looking for it and never waits.
     bool Ready();
     std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                       std::function<void()> drained, std::function<void()> failed);
@@ -69,7 +69,7 @@ private:
     void Close(const PlayingPtr& playing);
 
     const std::function<void(std::function<void()>)> post_;
-    std::optional<std::chrono::steady_clock::time_point> firstLook_; // the user-interface thread's alone
+    std::optional<std::chrono::steady_clock::time_point> firstLook_; // used only on the user-interface thread
 
     // Guarded by the library's own lock.
     pa_threaded_mainloop* loop_ = nullptr;

@@ -16,7 +16,7 @@ namespace voxmate
 namespace
 {
 
-// The address sanitizer reserves far more addresses than any limit would leave it.
+// The address sanitizer reserves far more address space than any limit would allow.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool UnderAddressSanitizer = true;
 #elif defined(__has_feature)
@@ -25,24 +25,24 @@ constexpr bool UnderAddressSanitizer = __has_feature(address_sanitizer);
 constexpr bool UnderAddressSanitizer = false;
 #endif
 
-/// In a child: ends with the program (its thread that forked), and holds nothing open of it. Else the program's lock,
-/// display and sound would stay for as long as the child lives.
+/// Called in a child. Makes it end with the program (with the thread that forked it) and closes all of the program's
+/// files: otherwise the program's lock, display and sound would stay open as long as the child lives.
 void LeaveProgram(pid_t program)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != program) // it ended before it could be asked for that
+    if (getppid() != program) // it had already ended before that call
         _exit(1);
     constexpr unsigned first = 3;
     if (close_range(first, ~0U, 0) == 0)
         return;
-    // A kernel that does not know the call.
+    // The kernel does not know that call.
     const long most = sysconf(_SC_OPEN_MAX);
     for (int file = first; file < most; ++file)
         close(file);
 }
 
-/// Waits for a child: whether it ended as it should. None when that is not known, or nobody wanted it any more: then
-/// the child is put to an end.
+/// Waits for a child and returns whether it exited with status 0. Nothing when that is unknown, or when `wanted`
+/// returned false: then the child is killed.
 std::optional<bool> EndsWell(pid_t child, const std::function<bool()>& wanted)
 {
     constexpr std::chrono::milliseconds interval{10};

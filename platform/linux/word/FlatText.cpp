@@ -42,7 +42,7 @@ private:
     const char** attributes_; ///< names and values in turn, nullptr after the last
 };
 
-// Which styles hide their text. Word's styles inherit from each other; what is said nearest counts.
+// Knows which styles hide their text. Word's styles inherit from each other; the nearest setting counts.
 class Styles
 {
 public:
@@ -60,11 +60,11 @@ public:
             current_->display = properties.Attribute("text:display");
     }
 
-    // Whether text of a style is hidden, where the text around it is hidden or not.
+    // Whether text of this style is hidden. `around` is the answer when neither the style nor its parents say so.
     bool Hides(const char* family, const std::string& name, bool around) const
     {
         std::string key = std::string(family) + ' ' + name;
-        // A chain that is longer has a circle in it.
+        // A longer chain has a cycle.
         for (std::size_t depth = 0; depth <= styles_.size(); ++depth) {
             const auto found = styles_.find(key);
             if (found == styles_.end())
@@ -85,8 +85,8 @@ private:
     Style* current_ = nullptr;
 };
 
-// Takes the document's tags and texts in their order. The prefixes are those that the writer of these files always
-// uses.
+// Collects the main text from the document's tags and texts in order. The namespace prefixes are those that LibreOffice
+// always writes.
 class Reader
 {
 public:
@@ -143,15 +143,15 @@ private:
     struct Element {
         bool body = false;
         bool skipped = false; ///< nothing in it is main text
-        bool text = false;    ///< its characters are text, not only the layout of the file
+        bool text = false;    ///< its characters are text, not just layout of the XML file
         bool hidden = false;
         bool paragraph = false;
         bool style = false;
     };
     struct Paragraph {
-        bool hidden;       ///< it is hidden, or some of its text
-        bool seen = false; ///< some of its text is not
-        bool blank = true; ///< further blanks change nothing: they are one with the last, or at the beginning
+        bool hidden;       ///< the paragraph or some of its text is hidden
+        bool seen = false; ///< some of its text is visible
+        bool blank = true; ///< at its beginning or after a blank: further blanks are dropped
     };
 
     void StartInBody(const Tag& tag, Element& element)
@@ -177,15 +177,15 @@ private:
         } else if (name == "field:fieldmark-start") {
             fields_.push_back(text_.size());
         } else if (name == "field:fieldmark-separator") {
-            // What stands before it is the field's code.
+            // What precedes the separator is the field's code.
             if (!fields_.empty())
                 text_.resize(std::min(text_.size(), fields_.back()));
         } else if (name == "field:fieldmark-end") {
             if (!fields_.empty())
                 fields_.pop_back();
         } else if (name == "draw:frame") {
-            // Word's positioned paragraphs and floating tables belong to the main text and become frames of their
-            // paragraph; its text boxes do not, and become frames of a character.
+            // Word's positioned paragraphs and floating tables belong to the main text and become frames anchored to a
+            // paragraph. Its text boxes do not belong to it and become frames anchored to a character.
             element.skipped = tag.Attribute("text:anchor-type") != "paragraph";
             element.text = false;
             element.hidden = false;
@@ -261,7 +261,7 @@ private:
 
     Styles styles_;
     std::vector<Element> elements_;
-    std::vector<Paragraph> paragraphs_; ///< the open ones: a frame's stand inside the one that it belongs to
+    std::vector<Paragraph> paragraphs_; ///< the open ones; a frame's paragraphs are inside the one it is anchored to
     std::vector<std::size_t> fields_;   ///< where the open fields begin
     std::set<std::string> deletions_;
     std::string region_;

@@ -8,9 +8,9 @@
 namespace voxmate::linux_platform
 {
 
-/// The document's main text in UTF-8: every paragraph and table cell ends with one CR, a line break is VT, a tab is a
+/// The document's main text in UTF-8. Every paragraph and table cell ends with one CR, a line break is VT, a tab is a
 /// tab, and a field is its result. Footnotes, endnotes, comments, headers, footers, text boxes, list labels, hidden and
-/// deleted text are no part of it. Nothing when this is not a whole document.
+/// deleted text are left out. Nothing when the document is not complete.
 std::optional<std::string> MainText(std::string_view document);
 
 } // namespace voxmate::linux_platform

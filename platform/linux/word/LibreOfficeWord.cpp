@@ -32,18 +32,18 @@ namespace
 {
 
 constexpr const char* UsualFolders = "/usr/bin:/usr/lib/libreoffice/program";
-constexpr std::chrono::milliseconds Interval{10}; ///< between two calls that let the program live
-/// What such a call and the wait before it count at most towards the time limit. Drawing a busy window takes less.
+constexpr std::chrono::milliseconds Interval{10}; ///< time between two calls of `goOn`
+/// The most that one call and the wait before it count towards the time limit. Drawing a busy window takes less.
 constexpr std::chrono::milliseconds LongestRound{100};
 
-// Where nobody listens: the port of this machine that is for throwing away (RFC 863). No name has to be looked up.
+// An address where nothing listens: this machine's discard port (RFC 863). No name has to be looked up.
 constexpr const char* DeadHost = "127.0.0.1";
 constexpr const char* DeadPort = "9";
 
-// What a document must not do while it is only read: run macros, load anything over the network, follow its links.
-// Importers of several formats load pictures without asking whether links may be followed, so LibreOffice is left with
-// nothing that could: of its providers of contents only those for files, and for what lies inside files. A proxy that
-// leads nowhere is for what does without providers.
+// Settings that keep a document from running macros, loading anything over the network and following its links while it
+// is read. Importers of several formats load pictures without asking whether links may be followed, so of LibreOffice's
+// content providers only those for files, and for what is inside files, are left. A proxy that leads nowhere stops code
+// that does not use content providers.
 constexpr const char* Prohibitions = R"(<?xml version="1.0" encoding="UTF-8"?>
 <oor:items xmlns:oor="http://openoffice.org/2001/registry" xmlns:xs="http://www.w3.org/2001/XMLSchema">
 <item oor:path="/org.openoffice.Office.Common/Security/Scripting">
@@ -56,7 +56,7 @@ constexpr const char* Prohibitions = R"(<?xml version="1.0" encoding="UTF-8"?>
 </item>
 )";
 
-// The providers that are left: the scheme of an address and what serves it.
+// The remaining providers: an address's scheme and the service for it.
 constexpr std::array<std::pair<const char*, const char*>, 6> Providers{{
     {"file", "com.sun.star.ucb.FileContentProvider"},
     {"vnd.sun.star.expand", "com.sun.star.ucb.ExpandContentProvider"},
@@ -94,13 +94,13 @@ std::string Environment(const char* name)
     return value ? value : "";
 }
 
-// A folder for one conversion, which goes with everything in it.
+// A folder for one conversion, removed with all its contents.
 class WorkFolder
 {
 public:
     WorkFolder()
     {
-        // Its name becomes part of an address, where other characters would be written differently.
+        // Its name becomes part of an address, in which other characters would be escaped.
         constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-";
         std::error_code error;
         const std::string usual = fs::temp_directory_path(error).string();
@@ -130,8 +130,9 @@ private:
     std::string path_;
 };
 
-// The socket by which a second LibreOffice of the same profile would find the first, and which one that is killed
-// cannot remove. Its name holds the digest of the profile's address in UTF-16, each byte without a leading zero.
+// The name of the socket through which a second LibreOffice with the same profile would find the first; a killed one
+// cannot remove it. The name contains the MD5 digest of the profile's address in UTF-16, each byte in hexadecimal
+// without a leading zero.
 std::string SocketName(const std::string& profile)
 {
     std::string bytes;
@@ -202,7 +203,7 @@ public:
         std::optional<std::string> text = Convert(name, goOn);
         if (!text)
             throw CommandFailed();
-        // Even a document with no text has a paragraph, whose end is nothing to read.
+        // Even an empty document has a paragraph; its end alone is nothing to read.
         if (text->find_first_not_of('\r') == std::string::npos)
             text->clear();
         document_ = DecodeUtf8(*text);
@@ -230,7 +231,7 @@ private:
         return *document_;
     }
 
-    // The main text, or nothing when there is none to be had.
+    // The main text; nothing when the document cannot be converted.
     std::optional<std::string> Convert(const std::string& name, const std::function<bool()>& goOn) const
     {
         const WorkFolder folder;
@@ -238,12 +239,12 @@ private:
         for (const char* part : {"/profile/user", "/home", "/tmp", "/out"})
             fs::create_directories(folder.Path() + part, error);
         std::ofstream(folder.Path() + "/profile/user/registrymodifications.xcu") << Settings();
-        // A plain name in a folder of its own, whatever characters the document's name has and wherever it stands.
+        // The copy has a plain name in its own folder, whatever the document's name and path contain.
         if (!PlaceDocument(name, folder.Path() + "/document.doc"))
             return std::nullopt;
         GuardedProcess process(Conversion(program_, folder.Path()));
-        // A call that lets the program live may come back late, as when a box is up: the user's time is not the
-        // converter's.
+        // A call of `goOn` may return late, for example while a message box is open; that time must not count against
+        // the conversion.
         std::chrono::steady_clock::duration waited{};
         for (auto last = std::chrono::steady_clock::now(); !process.Ended(Interval);) {
             if (!goOn() || waited >= timeLimit_)
@@ -254,7 +255,7 @@ private:
         std::optional<std::string> text = ReadWholeFile(folder.Path() + "/out/document.fodt");
         if (text)
             text = MainText(*text);
-        // Removing a profile can take longer than a window may stand still.
+        // Removing a profile can take longer than a window may freeze.
         process.End();
         while (!process.Gone(Interval))
             if (!goOn())

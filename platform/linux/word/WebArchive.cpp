@@ -16,7 +16,7 @@ namespace
 
 constexpr int DeepestNesting = 8;
 
-// Takes a line from the front of the text, without its end.
+// Removes a line from the front of the text and returns it without its end.
 std::string_view TakeLine(std::string_view& text)
 {
     const std::size_t end = std::min(text.find('\n'), text.size());
@@ -34,7 +34,7 @@ std::string_view Stripped(std::string_view text)
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-// A part of a message: those header fields that say what it is, by their names in capitals, and what follows them.
+// A part of a message: the header fields that describe its content, by name in capitals, and its body.
 struct Part {
     std::map<std::string, std::string> fields;
     std::string_view body;
@@ -72,14 +72,14 @@ struct Part {
         return found == fields.end() ? "" : found->second;
     }
 
-    // The value of the content type up to its first parameter, in capitals.
+    // The content type in capitals, without its parameters.
     std::string Kind() const
     {
         const std::string value = Field("CONTENT-TYPE");
         return UCase(Stripped(std::string_view(value).substr(0, value.find(';'))));
     }
 
-    // One of the content type's parameters, its name given in capitals.
+    // A parameter of the content type; `name` is in capitals.
     std::string Parameter(std::string_view name) const
     {
         const std::string value = Field("CONTENT-TYPE");
@@ -109,7 +109,7 @@ int HexDigit(char c)
     return at == std::string_view::npos ? -1 : static_cast<int>(at);
 }
 
-// RFC 2045, 6.7. What is no code stays as it is.
+// Decodes quoted-printable (RFC 2045, 6.7). An invalid code is kept as it is.
 std::string FromQuotedPrintable(std::string_view text)
 {
     std::string bytes;
@@ -119,7 +119,7 @@ std::string FromQuotedPrintable(std::string_view text)
         text.remove_prefix(std::min(equals, text.size()));
         if (text.empty())
             break;
-        // A line is broken so, with blanks behind it at most.
+        // An equals sign at a line's end, with blanks after it at most, is a soft line break.
         const std::size_t next = std::min(text.find_first_not_of(" \t\r", 1), text.size());
         if (next == text.size() || text[next] == '\n') {
             text.remove_prefix(std::min(next + 1, text.size()));
@@ -134,7 +134,7 @@ std::string FromQuotedPrintable(std::string_view text)
     return bytes;
 }
 
-// RFC 2045, 6.8. Other characters than the sixty-four are left out.
+// Decodes base64 (RFC 2045, 6.8). Characters outside its alphabet are ignored.
 std::string FromBase64(std::string_view text)
 {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -171,7 +171,7 @@ std::optional<WebPage> Find(std::string_view text, std::string_view kind, int de
     if (!own.starts_with("MULTIPART/") || depth == DeepestNesting)
         return std::nullopt;
     const std::string mark = "--" + part.Parameter("BOUNDARY");
-    // Each part stands between two lines that begin with the mark.
+    // Each part is between two lines that begin with the mark.
     std::string_view rest = part.body;
     std::optional<std::size_t> begin;
     while (!rest.empty()) {

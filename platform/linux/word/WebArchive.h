@@ -1,4 +1,4 @@
-// Web pages in one file with all that belongs to them, as mail carries them (RFC 2557).
+// Web pages stored in one file with everything they need, in the format of mail messages (RFC 2557).
 #pragma once
 
 #include <optional>
@@ -8,16 +8,16 @@
 namespace voxmate::linux_platform
 {
 
-/// A page, or a plain text, in the bytes it was written in, and what it says of their encoding; empty when it doesn't.
+/// The original bytes of a page or plain text, and the encoding it declares (empty when it declares none).
 struct WebPage {
     std::string content;
     std::string charset;
 };
 
-/// Whether a text begins as such an archive does: with header fields, the version of MIME among them.
+/// Whether a text begins like such an archive: with header fields, among them the MIME version.
 bool IsWebArchive(std::string_view beginning);
 
-/// The first page of an archive, or its first plain text when it has no page; nothing when it has neither.
+/// The first page of an archive, or its first plain text if it has no page; nothing when it has neither.
 std::optional<WebPage> PageOfWebArchive(std::string_view archive);
 
 } // namespace voxmate::linux_platform

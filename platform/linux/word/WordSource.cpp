@@ -23,10 +23,10 @@ namespace fs = std::filesystem;
 namespace
 {
 
-/// As much of a text as shows what it is.
+/// The bytes of a file that are enough to tell what it is.
 constexpr std::size_t HeadSize = 64 * 1024;
 
-// Compound files ([MS-CFB]), ZIP archives, rich text, and the two kinds of binary documents from before.
+// Signatures of compound files ([MS-CFB]), ZIP archives, rich text, and two older kinds of binary documents.
 bool IsWordProcessors(std::string_view head)
 {
     constexpr std::array<std::string_view, 5> signatures{"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "PK\x03\x04", "{\\rtf",
@@ -35,16 +35,17 @@ bool IsWordProcessors(std::string_view head)
                        [&](auto signature) { return head.starts_with(signature); });
 }
 
-// Whether the beginning of a decoded text has only what texts are made of.
+// Whether the beginning of a decoded text has only characters that occur in texts.
 bool IsText(std::string_view decoded)
 {
     return std::all_of(decoded.begin(), decoded.end(), [](char c) {
-        // Tab to carriage return, the end mark of old systems' files, and escape.
+        // Allowed control characters: tab to carriage return, the end mark of old systems' files, and escape.
         return static_cast<unsigned char>(c) >= 0x20 || (c >= '\t' && c <= '\r') || c == '\x1A' || c == '\x1B';
     });
 }
 
-// Whether a text is markup that tells its encoding: XML, which is UTF-8 otherwise, or a page with a word on it.
+// Whether a text is markup that declares its encoding: XML, which is UTF-8 by default, or a page that contains
+// "charset".
 bool TellsItsEncoding(std::string_view decoded)
 {
     decoded.remove_prefix(std::min(decoded.find_first_not_of(" \t\r\n"), decoded.size()));
@@ -88,7 +89,7 @@ bool PlaceDocument(const std::string& document, const std::string& target, const
     const std::optional<WebPage> page = PageOfWebArchive(*text);
     if (!page)
         return false;
-    // These two say nothing of bytes that are not UTF-8.
+    // These two encodings do not say how to read bytes that are not UTF-8.
     const std::string charset = UCase(page->charset);
     const bool said = !charset.empty() && charset != "UTF-8" && charset != "US-ASCII";
     return WriteText(target, page->content, said ? CodePage(charset) : codePage);

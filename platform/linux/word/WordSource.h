@@ -1,4 +1,4 @@
-// What a Word document's file may hold besides a Word document, made ready for the word processor.
+// Prepares a Word document's file for the word processor, because it may hold something other than a Word document.
 #pragma once
 
 #include "platform/linux/files/CodePage.h"
@@ -8,11 +8,11 @@
 namespace voxmate::linux_platform
 {
 
-/// Puts a document's file where the word processor shall find it, under the new name. What begins as the documents of
-/// word processors do stays as it is, as a link. A text is written anew in UTF-8 with its mark, for the word processor
-/// would guess badly how it is encoded, unless it is markup that says that itself; of a web page archive its page is
-/// written, for the word processor knows none. False for other bytes, which the word processor would take for a text of
-/// nonsense, and for what is no file or cannot be read.
+/// Puts a document at `target`, a new path, for the word processor. A file that begins like a word processor's document
+/// is linked unchanged. A text is rewritten in UTF-8 with its mark, because the word processor guesses encodings badly,
+/// unless it is markup that declares its encoding. Of a web archive its page is written, because the word processor
+/// cannot read archives. False for other bytes, which the word processor would read as meaningless text, and when
+/// `document` is no regular file or cannot be read.
 bool PlaceDocument(const std::string& document, const std::string& target,
                    const CodePage& codePage = CodePage::OfUser());
 

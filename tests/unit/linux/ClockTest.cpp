@@ -1,4 +1,4 @@
-// The clock: the system's time zone, and that it is another from one moment to the next.
+// The clock: it follows the system's time zone, even when that changes.
 #include "platform/linux/process/LinuxProcess.h"
 
 #include <cstdint>
@@ -21,7 +21,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// A zone file (RFC 8536) of one offset from universal time, in hours.
+/// A zone file (RFC 8536) with a single offset from universal time, in hours.
 std::string ZoneFile(int hours)
 {
     std::string file = "TZif";
@@ -30,7 +30,7 @@ std::string ZoneFile(int hours)
         for (int shift = 24; shift >= 0; shift -= 8)
             file += static_cast<char>(static_cast<std::uint32_t>(value) >> shift & 0xFF);
     };
-    // No marks, no leap seconds, no changes; one kind of time, whose name takes four bytes.
+    // No indicators, no leap seconds, no transitions; one local time type, whose name takes four bytes.
     for (const std::int32_t count : {0, 0, 0, 0, 1, 4})
         number(count);
     number(hours * 3600);
@@ -38,7 +38,7 @@ std::string ZoneFile(int hours)
     return file;
 }
 
-/// Makes another zone the system's, as its tools do: the new file takes the old one's name.
+/// Changes the system's zone as the system's tools do: the new file is renamed over the old one.
 void Choose(int hours)
 {
     std::ofstream("/etc/zone.new", std::ios::binary) << ZoneFile(hours);
@@ -50,7 +50,7 @@ int Ahead(LinuxClock& clock)
 {
     std::tm universal{};
     DateTime told;
-    // Both in one hour.
+    // Read both times within the same minute.
     do {
         const std::time_t now = std::time(nullptr);
         ::gmtime_r(&now, &universal);
@@ -61,7 +61,7 @@ int Ahead(LinuxClock& clock)
 
 enum Outcome { Followed, NotFollowed, WrongAtFirst, NotGranted };
 
-/// What a process sees of a change of zone in a view of the file system of its own.
+/// What a process sees of a change of zone, in its own mount namespace.
 Outcome SeeAnotherZone(const char* tz)
 {
     const bool granted = (::geteuid() == 0 ? ::unshare(CLONE_NEWNS) : ::unshare(CLONE_NEWUSER | CLONE_NEWNS)) == 0;

@@ -21,10 +21,10 @@ using namespace std::chrono_literals;
 
 constexpr auto Never = 1h;
 
-/// What is to be waited for, but not for ever.
+/// How long to wait for something that must happen.
 constexpr auto Long = 60s;
 
-// Whoever runs the tests in the background may have these signals ignored.
+// When the tests run in the background, these signals may be ignored.
 const bool unignored = [] {
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         ::signal(number, SIG_DFL);
@@ -105,7 +105,7 @@ TEST(EndSignalsTest, AfterItTheSignalsEndTheProcessAgain)
     }
 }
 
-/// A process of its own that has not become another program yet takes nothing for its parent.
+/// A child that has not yet become another program must not pass signals on to its parent.
 TEST(EndSignalsTest, ASignalForAChildIsNotTheParents)
 {
     std::promise<void> told;

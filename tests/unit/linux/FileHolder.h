@@ -12,7 +12,7 @@
 namespace voxmate::linux_platform
 {
 
-/// Another process that has a file locked, for as long as it lives.
+/// Another process that keeps a file locked during this object's lifetime.
 class FileHolder
 {
 public:

@@ -52,7 +52,7 @@ void HangingDisk::WaitForASave()
 
 } // namespace voxmate::linux_platform
 
-// Stands in this program for the C library's.
+// Replaces the C library's function in this program.
 extern "C" int fdatasync(int file)
 {
     using voxmate::linux_platform::TheDisk;

@@ -4,8 +4,8 @@
 namespace voxmate::linux_platform
 {
 
-/// While it lives, no save of this test program gets to the disk: fdatasync waits, as it does in a folder of the
-/// network whose server has gone. Only one may exist.
+/// During this object's lifetime no save of this test program reaches the disk: fdatasync blocks, as it does in a
+/// network folder whose server has gone. Only one may exist.
 class HangingDisk
 {
 public:
@@ -15,7 +15,7 @@ public:
     HangingDisk(const HangingDisk&) = delete;
     HangingDisk& operator=(const HangingDisk&) = delete;
 
-    /// Returns when a save waits for the disk.
+    /// Returns once a save is waiting for the disk.
     static void WaitForASave();
 };
 

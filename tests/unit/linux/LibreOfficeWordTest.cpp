@@ -1,4 +1,4 @@
-// The word processor with stand-ins for LibreOffice: scripts that convert, hang, fail, or leave things behind.
+// The word processor, with stand-ins for LibreOffice: scripts that convert, hang, fail or leave files behind.
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "base/RuntimeError.h"
 
@@ -57,8 +57,9 @@ protected:
     fs::path Document() const { return folder_ / "document.doc"; }
     std::string Record(const std::string& name) const { return Read(folder_ / "record" / name); }
 
-    // Puts a stand-in for soffice in place. It knows $out, the folder for its output, $document, the file to convert,
-    // $profile, the address of its profile, and $record, a folder to leave notes in; it has noted its number in "pids".
+    // Installs a stand-in for soffice. Its script has these variables: $out, the folder for its output; $document, the
+    // file to convert; $profile, the address of its profile; and $record, a folder for notes. It has already noted its
+    // process number in "pids".
     void Soffice(const std::string& body)
     {
         const fs::path script = folder_ / "bin" / "soffice";
@@ -75,7 +76,7 @@ protected:
         return "<office:document><office:body><office:text>" + body + "</office:text></office:body></office:document>";
     }
 
-    // A line of the stand-in's that writes a document with this body.
+    // A line of the stand-in's script that writes a document with this body.
     static std::string Gives(const std::string& body)
     {
         return "printf '%s' '" + Flat(body) + "' > $out/document.fodt\n";
@@ -90,7 +91,7 @@ protected:
 
     static bool GoOn() { return true; }
 
-    // The number of the run-time error that opening raises, 0 for none.
+    // The number of the run-time error that opening raises; 0 for none.
     static int ErrorOfOpening(WordApplication& word, const fs::path& document, const std::function<bool()>& goOn = GoOn)
     {
         try {
@@ -108,7 +109,7 @@ protected:
         ASSERT_NE(Record(name), "");
     }
 
-    // The processes that noted their numbers and still are.
+    // The number of processes that noted their numbers and are still running.
     int Alive() const
     {
         std::istringstream pids(Record("pids"));
@@ -256,7 +257,7 @@ TEST_F(Word, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
     ASSERT_EQ(::waitpid(probe, &status, 0), probe);
     if (status != 0)
         GTEST_SKIP() << "this system grants an ordinary user no network of one's own";
-    // Behind two lines of headings each device of the network has one of its own.
+    // After two heading lines /proc/net/dev has one line per device.
     Soffice("readlink /proc/self/ns/net > $record/network\nsed 1,2d /proc/net/dev | cut -d: -f1 > $record/devices\n"
             "echo $(id -u) $(id -g) > $record/user\nstat -c '%u %g' $document > $record/owner\n" +
             Gives("<text:p>abc</text:p>"));
@@ -279,7 +280,7 @@ TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
     ASSERT_EQ(::dup2(held, high), high);
     Soffice("echo $PPID $$ > $record/family\nwhile [ ! -e $record/seen ]; do sleep 0.01; done\n" +
             Gives("<text:p>abc</text:p>"));
-    // Looked at from here: from within its namespace it must not look at others'.
+    // Inspected from here, because from within its namespace it may not inspect other processes.
     std::string files;
     Create()->Open(Document().string(), [&] {
         std::istringstream family(Record("family"));
@@ -335,7 +336,7 @@ TEST_F(Word, LetsTheProgramLiveWhileItConverts)
     const auto word = Create();
     word->Open(Document().string(), [&] { return ++calls > 0; });
     EXPECT_EQ(word->RangeEnd(), 4);
-    // About every 10 ms; a busy machine may take its time.
+    // Calls come about every 10 ms; a busy machine may be slower.
     EXPECT_GE(calls, 10);
 }
 
@@ -407,7 +408,8 @@ TEST_F(Word, AConversionThatTakesTooLongIsEnded)
 
 TEST_F(Word, OnlyTheConvertersTimeCountsWhileTheProgramDoesOtherThings)
 {
-    // As when a box of the program's waits for its user: the call that lets the program live does not come back.
+    // As when one of the program's message boxes waits for the user: the call that keeps the program responsive does
+    // not return.
     constexpr std::chrono::milliseconds limit = 1500ms;
     Soffice("while [ ! -e $record/box ]; do sleep 0.01; done\n" + Gives("<text:p>abc</text:p>"));
     const auto word = Create(limit);
@@ -506,7 +508,7 @@ TEST_F(Word, TheSocketOfOneThatIsKilledIsRemoved)
 TEST_F(Word, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
 {
     Soffice("sleep 600 & echo $! >> $record/pids\necho ready > $record/ready\nwait\n");
-    // With all of its process group, as a terminal does it.
+    // The program gets its own process group, which is killed as a whole, as a terminal does.
     const pid_t program = ::fork();
     if (program == 0) {
         ::setpgid(0, 0);

@@ -71,12 +71,12 @@ TEST_F(LinuxProcessTest, ASecondCopyIsSeenAndOneThatWasKilledIsNot)
     ::close(ready[1]);
 }
 
-/// The ends of a process whose settings do not get to the disk. Each runs in a child, which an alarm ends if nothing
+/// How a process ends whose settings do not reach the disk. Each test runs in a child, which an alarm ends if nothing
 /// else does.
 class EndTest : public LinuxProcessTest
 {
 protected:
-    /// How the child ended that has a value on its way to a disk that does not answer, and then does `end`.
+    /// How a child ended that calls `end` while a value is on its way to a disk that does not answer.
     int StatusOf(const std::function<void(LinuxProcess&)>& end)
     {
         const pid_t child = ::fork();
@@ -120,7 +120,7 @@ TEST_F(EndTest, ASignalEndsItWhenItsEventLoopHangsAtTheSameDisk)
 class OneCopyTest : public LinuxProcessTest
 {
 protected:
-    /// Whether another process that is started with this environment finds a previous instance.
+    /// Whether another process started with this environment finds a previous instance.
     bool AnotherIsSeen(const std::string& home, const std::string& runtime)
     {
         const pid_t child = ::fork();
@@ -186,7 +186,7 @@ class OpenerTest : public LinuxProcessTest
 {
 protected:
     OpenerTest() { Set("PATH", (folder / "bin").string() + ":" + std::getenv("PATH")); }
-    /// The desktop's opener is this script.
+    /// Makes this script the desktop's opener.
     void Opener(const std::string& script) { Program(folder / "bin" / "xdg-open", "#!/bin/sh\n" + script + "\n"); }
     std::chrono::milliseconds Taken() const
     {

@@ -1,4 +1,4 @@
-// A test as any user but the one to whom nothing is forbidden.
+// Runs a test as an ordinary user, not as root.
 #pragma once
 
 #include <cstdlib>
@@ -8,7 +8,7 @@
 namespace voxmate::linux_platform
 {
 
-/// Is an ordinary user for as long as it lives.
+/// The process is an ordinary user during this object's lifetime.
 class OrdinaryUser
 {
 public:

@@ -1,4 +1,4 @@
-// A test with files of its own.
+// A test with its own files.
 #pragma once
 
 #include <cstdlib>
@@ -12,7 +12,7 @@
 namespace voxmate::linux_platform
 {
 
-/// A folder of its own; what is set in the environment is as before afterwards.
+/// Has its own temporary folder, and restores the environment afterwards.
 class OwnFolder : public ::testing::Test
 {
 protected:

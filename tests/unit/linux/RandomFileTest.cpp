@@ -50,7 +50,7 @@ protected:
         std::ifstream in(folder / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
-    /// The number of the run-time error that something raises, 0 for none.
+    /// The number of the run-time error that `body` raises; 0 for none.
     template <class Body>
     static int ErrorOf(Body body)
     {
@@ -129,7 +129,7 @@ TEST_F(RandomFileTest, ALockIsHadByOneProcessAtATimeAndLetGoOfWhenThatEnds)
         EXPECT_EQ(others(), 70);
     }
     EXPECT_EQ(others(), 0);
-    // One that is killed holds nothing any longer.
+    // A killed process no longer holds a lock.
     const pid_t process = ::fork();
     if (process == 0) {
         const auto lock = files.Lock(Path());
@@ -230,7 +230,7 @@ TEST_F(RandomFileTest, ManySlotsGoThroughTheBlocksWhole)
 {
     std::string bytes;
     {
-        const auto file = files.OpenRandom(Path(), 100); // no divisor of a block
+        const auto file = files.OpenRandom(Path(), 100); // does not divide a block evenly
         for (int i = 1; i <= 3000; ++i) {
             std::string record = std::to_string(i) + " " + std::string(static_cast<std::size_t>(i % 90), 'x');
             file->Put(i, record);
@@ -363,7 +363,7 @@ TEST_F(RandomFileTest, TheCaseOfTheExtensionDoesNotMatter)
 
 TEST_F(RandomFileTest, AFullDiskRaisesDiskFullAndTheFileHasItsSizeAgain)
 {
-    // What a process may write ends here, in the midst of the third record, as a disk's room does.
+    // The process's file size limit falls in the middle of the third record, like the end of a full disk.
     const pid_t process = ::fork();
     if (process == 0) {
         ::signal(SIGXFSZ, SIG_IGN);

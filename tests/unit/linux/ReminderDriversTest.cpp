@@ -1,4 +1,4 @@
-// Several programs that change the reminders of one folder at the same time, as fast as they can.
+// Several programs change the reminders of one folder at the same time, as fast as they can.
 #include "OwnFolder.h"
 #include "modules/Reminders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -21,7 +21,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// How long the drivers work: so many seconds where VOXMATE_DRIVER_SECONDS says so, else a number of changes.
+/// How long the drivers work: the seconds in VOXMATE_DRIVER_SECONDS, otherwise a fixed number of changes.
 class Work
 {
 public:
@@ -44,10 +44,10 @@ private:
     int done_ = 0;
 };
 
-/// The reminders that must be in the file: title, and whether it is done.
+/// The reminders that must be in the file: their title, and whether they are done.
 using Expected = std::map<std::string, bool>;
 
-/// Adds, answers and deletes reminders of its own without a pause, among those of others.
+/// Adds, answers and deletes its own reminders without a pause, among those of others.
 class Driver
 {
 public:
@@ -83,7 +83,7 @@ public:
             RetryReminders();
         return mine_;
     }
-    /// How many reminders it has added in all.
+    /// The number of reminders it has added.
     int Added() const { return count_; }
 
 private:
@@ -132,7 +132,7 @@ private:
 class ReminderDriversTest : public OwnFolder
 {
 protected:
-    static constexpr int Others = 7; ///< reminders that were there before and that nobody touches
+    static constexpr int Others = 7; ///< reminders that exist beforehand and that nobody changes
     std::string File() const { return (folder / "VoxmateReminders.txt").string(); }
 
     void WriteOthers()
@@ -142,7 +142,7 @@ protected:
             ASSERT_TRUE(TryAppendReminder({"Other " + std::to_string(i), 7, 3, 2104, 9, 5, "", false}) &&
                         (LoadReminders(false, 0), RemCount == i));
     }
-    /// Starts a driver in a process of its own, which writes what it leaves, a line each, into a file.
+    /// Starts a driver in another process, which writes the reminders it leaves, one per line, to a file.
     pid_t Start(int number)
     {
         const pid_t process = ::fork();

@@ -1,4 +1,4 @@
-// The reminders in a real file: what is on the disk when the program ends in the midst of a save, or cannot finish one.
+// The reminders in a real file: what is on the disk when the program ends during a save or cannot complete one.
 #include "FileHolder.h"
 #include "OrdinaryUser.h"
 #include "modules/Reminders.h"
@@ -30,7 +30,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-// Enough for more than one block of 64 KiB.
+// Enough to fill more than one block of 64 KiB.
 constexpr int many = 600;
 
 class ReminderFileTest : public ::testing::Test
@@ -76,7 +76,7 @@ protected:
         bytes.resize(128, '\0');
         return bytes;
     }
-    /// Reminders "Reminder 1" and so on, without number `skip`, and another title for number `changed`.
+    /// The slots of "Reminder 1" and so on, without number `skip`, and with another title for number `changed`.
     static std::string Reminders(int count, int skip = 0, int changed = 0)
     {
         std::string bytes;
@@ -94,7 +94,7 @@ protected:
         std::ifstream in(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
-    /// Puts so many reminders into the file and loads them.
+    /// Writes `count` reminders to the file and loads them.
     void Load(int count)
     {
         fs::remove(ReminderTempPath);
@@ -106,7 +106,7 @@ protected:
     }
     static void Change(std::int16_t id) { StoreReminder(id, {"Changed", 7, 3, 2004, 9, 5, "Bank", false}); }
 
-    /// What a process of its own ends with that does this first.
+    /// The wait status of another process that runs `body`.
     static int StatusOf(const std::function<void()>& body)
     {
         const pid_t process = ::fork();
@@ -126,7 +126,7 @@ protected:
 
 enum class End { Cut, Finished, NotAllowed };
 
-/// Does this in another process and ends that at its stop number `stop` before or behind a system call.
+/// Runs `body` in another process, and kills that at its `stop`-th stop before or after a system call.
 End CutAt(int stop, const std::function<void()>& body)
 {
     const pid_t process = ::fork();
@@ -152,7 +152,7 @@ End CutAt(int stop, const std::function<void()>& body)
     return End::Cut;
 }
 
-/// What the cuts through a save left: in how many cases the old file, the new one, and the temporary copy alone.
+/// How often a save that was cut off left the old file, the new one, and only the temporary copy.
 struct Left {
     int before = 0;
     int after = 0;
@@ -187,7 +187,7 @@ TEST_F(ReminderFileTest, ASaveCutOffAtAnySystemCallLosesNoReminder)
         End end = End::Cut;
         for (int stop = 1; end == End::Cut; ++stop) {
             Load(many);
-            // A copy that an earlier cut left is there in every other case.
+            // In every other case an old copy from an earlier interruption is there.
             if (stop % 2 == 0)
                 Write(ReminderTempPath, Slot("Old copy"));
             end = CutAt(stop, save.change);
@@ -213,14 +213,14 @@ TEST_F(ReminderFileTest, ASaveCutOffAtAnySystemCallLosesNoReminder)
         EXPECT_EQ(Content(ReminderFilePath), save.after) << save.what;
         EXPECT_GT(left.before, 5) << save.what;
         EXPECT_GT(left.after, 0) << save.what;
-        // Between deleting the old file and renaming the new one, before and behind a call each.
+        // The stops between deleting the old file and renaming the new one, one before and one after a call each.
         EXPECT_EQ(left.copyOnly > 1, save.what != saves.back().what) << save.what;
         RecordProperty(std::string("cuts through ") + save.what, left.before + left.after + left.copyOnly);
     }
 }
 
-/// The names of the calls, in order, by which another process that does this changes what is on the disk, and has it
-/// there; nothing where that cannot be watched.
+/// The system calls, by name and in order, with which another process that runs `body` changes files or syncs them to
+/// the disk; empty where that cannot be traced.
 std::vector<std::string> DiskCalls(const std::function<void()>& body)
 {
     const std::map<std::uint64_t, std::string> names{{SYS_fdatasync, "fdatasync"},
@@ -241,7 +241,7 @@ std::vector<std::string> DiskCalls(const std::function<void()>& body)
     }
     int status = 0;
     ::waitpid(process, &status, 0);
-    // Lets the stops at system calls be told from others.
+    // Distinguishes stops at system calls from others.
     ::ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
     while (WIFSTOPPED(status)) {
         __ptrace_syscall_info info{};
@@ -260,8 +260,8 @@ TEST_F(ReminderFileTest, TheNewFileIsOnTheDiskBeforeTheOldOneGoesAndItsNameAfter
     const auto calls = DiskCalls([] { SaveReminders(0); });
     if (calls.empty())
         GTEST_SKIP() << "processes may not be traced here";
-    // The copy's bytes, the name that it has once it is whole, and that in the folder; the old file; the copy's new
-    // name, and that on the disk.
+    // In order: the copy's bytes, its name once it is complete, and that name in the folder; the old file is deleted;
+    // the copy gets the file's name, and that name is synced.
     EXPECT_EQ(calls, (std::vector<std::string>{"fdatasync", "rename", "fsync", "unlink", "rename", "fsync"}));
     EXPECT_EQ(DiskCalls([] {
                   AppendReminder({"More", 7, 3, 2004, 9, 5, "", false});
@@ -288,12 +288,12 @@ TEST_F(ReminderFileTest, ASaveCutOffWithinAWriteLosesNoReminder)
         });
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << limit;
         ASSERT_EQ(fs::file_size(ReminderTempPath + ".new"), limit);
-        ASSERT_FALSE(fs::exists(ReminderTempPath)); // half a copy never has the name of one
+        ASSERT_FALSE(fs::exists(ReminderTempPath)); // an incomplete copy never gets a copy's name
         ASSERT_EQ(Content(ReminderFilePath), before) << limit;
         ResetReminders();
         LoadReminders(false, 0);
         ASSERT_EQ(RemCount, many) << limit;
-        // Half the copy is no hindrance to the next save.
+        // The incomplete copy does not obstruct the next save.
         SaveReminders(0);
         ASSERT_EQ(Content(ReminderFilePath), before) << limit;
         ASSERT_FALSE(fs::exists(ReminderTempPath)) << limit;
@@ -324,7 +324,7 @@ TEST_F(ReminderFileTest, AFileThatIsASymbolicLinkStaysOneAndItsTargetIsReplaced)
     EXPECT_NE(inode(), before) << "not replaced but written over";
     EXPECT_TRUE(TryAppendReminder({"Reminder 4", 7, 3, 2004, 9, 5, "Bank", false}));
     EXPECT_EQ(Content(target), Reminders(4, 0, 2));
-    // Cut off between the old file and the new one, when the link leads nowhere.
+    // As when a save is cut off between deleting the old file and renaming the new one: the link is dangling.
     fs::rename(target, elsewhere / "Mine.txt.tmp");
     LoadReminders(false, 0);
     EXPECT_EQ(RemCount, 4);
@@ -349,7 +349,7 @@ TEST_F(ReminderFileTest, ReadingMakesNoFile)
 
 TEST_F(ReminderFileTest, AFullDiskIsToldOfAndLosesNothing)
 {
-    // A disk of its own, in a process of its own, with room for the file but not for another.
+    // A separate file system in another process, with room for the file but not for a second one.
     const int status = StatusOf([this] {
         if (::geteuid() != 0 && ::unshare(CLONE_NEWUSER) != 0)
             ::_exit(77);
@@ -369,11 +369,11 @@ TEST_F(ReminderFileTest, AFullDiskIsToldOfAndLosesNothing)
                     fake.windows.boxes[0].text.ends_with("Error 61 - Disk full"),
                 __LINE__);
         require(Content(ReminderFilePath) == before, __LINE__);
-        require(!fs::exists(ReminderTempPath), __LINE__); // it would keep the disk full
+        require(!fs::exists(ReminderTempPath), __LINE__); // a leftover copy would keep the disk full
         require(RemCount == many && RemTitles[1] == "Reminder 1" && RemindersValid != False, __LINE__);
         require(window.reminderTimer, __LINE__);
 
-        // An addition: the room that is left is taken first.
+        // For an addition the remaining room is filled first.
         Write((folder / "filler").string(), std::string(100000, 'x'));
         const auto size = fs::file_size(ReminderFilePath);
         int added = 0;

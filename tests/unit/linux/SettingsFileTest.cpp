@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t machine = 0x80000002;
 const std::string key = "SOFTWARE\\Voxmate";
-/// What is to be waited for, but not for ever.
+/// How long to wait for something that must happen.
 constexpr std::chrono::minutes Long{1};
 
 const std::string header = "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate]\n";
@@ -44,7 +44,7 @@ protected:
     }
     FileSettingsStore Store() { return {file.string(), {}}; }
 
-    // Sets a value and waits until it is in the file, so that the file can be looked at.
+    // Sets a value and waits until it is saved, so that the file can be checked.
     static std::int32_t Set(FileSettingsStore& store, const std::string& name, std::uint32_t type,
                             const std::string& data)
     {
@@ -274,11 +274,11 @@ TEST_F(SettingsFileTest, WhatAPersonWritesMeanwhileIsSeenAndKept)
 
 TEST_F(SettingsFileTest, AnUnwritablePlaceRefusesAndKeepsTheOldFile)
 {
-    // A folder where the new file would go can be neither opened nor replaced, whoever asks.
+    // A folder at the new file's path can be neither opened nor replaced, not even by root.
     FileSettingsStore store = Store();
     Set(store, "A", REG_SZ, "old");
     fs::create_directories(file.string() + ".new/x");
-    EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_SUCCESS); // the save fails behind the caller's back
+    EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_SUCCESS); // the save fails after the call has returned
     EXPECT_EQ(Get(store, "A").data, "old");
     EXPECT_EQ(Set(store, "A", REG_SZ, "new"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(Get(store, "A").data, "old");
@@ -332,7 +332,7 @@ TEST_F(SettingsFileTest, NorIsACallerWhoHangsAtTheDisk)
     FileSettingsStore store = Store();
     Set(store, "A", REG_SZ, "old");
     fs::create_directories(file.string() + ".new/x");
-    Set(store, "A", REG_SZ, "lost"); // so that the next caller waits for the disk
+    Set(store, "A", REG_SZ, "lost"); // makes the next caller wait for the disk
     fs::remove_all(file.string() + ".new");
     std::uint32_t handle = 0;
     store.RegCreateKeyA(machine, key, handle);
@@ -409,7 +409,7 @@ TEST_F(SettingsFileTest, ASaveThatIsCutOffLeavesTheOldFileOrTheNewOne)
         const std::string left = Read(file);
         ASSERT_TRUE(left == oldFile || left == newFile) << left;
         sawNew += left == newFile ? 1 : 0;
-        // What was left behind does not stand in the way of the next save.
+        // Leftover files must not obstruct the next save.
         FileSettingsStore next = Store();
         ASSERT_EQ(Set(next, "After", REG_SZ, std::to_string(round)), 0);
     }

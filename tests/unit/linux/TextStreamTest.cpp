@@ -22,7 +22,7 @@ namespace
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// Where the stream's blocks end: it reads 64 KiB at a time.
+// The size of the blocks in which the stream reads.
 constexpr std::size_t block = 65536;
 
 class TextStreamTest : public ::testing::Test
@@ -52,13 +52,13 @@ protected:
             lines.push_back(stream.ReadLine());
         return lines;
     }
-    /// A file's first line, which is told in the user's code page where nothing else fits.
+    /// The first line of a file, decoded with the user's code page where nothing else fits.
     std::string FirstLine(const std::string& content)
     {
         Write(content);
         return files.OpenTextFile(Path())->ReadLine();
     }
-    /// The lines of a file, as whoever uses this code page reads them.
+    /// The lines of a file as they are read with this code page.
     Lines LinesOf(const std::string& content, const char* codePage = "CP1252") const
     {
         Write(content);
@@ -66,7 +66,7 @@ protected:
         LinuxTextStream stream(Path(), page);
         return LinesOf(stream);
     }
-    /// Number and description of what opening raises, or "none".
+    /// The number and description of the error that opening raises, or "none".
     std::string ErrorOf(const std::string& path)
     {
         try {
@@ -204,9 +204,9 @@ TEST_F(TextStreamTest, AStrayByteDoesNotMakeUtf8Windows1252)
     EXPECT_EQ(LinesOf("\u00E9\n" + much + "\xE9"), (Lines{"\u00E9", much + "\u00E9"}));
     EXPECT_EQ(LinesOf("Gr\u00FC\u00DFe \xFC\x80\xFF \u20AC\u0416"),
               Lines{"Gr\u00FC\u00DFe \u00FC\u20AC\u00FF \u20AC\u0416"});
-    // What breaks off at the end is strays as well.
+    // An incomplete character at the end counts as stray bytes, too.
     EXPECT_EQ(LinesOf("\u00E4\u00F6\u20AC\xE2\x82"), Lines{"\u00E4\u00F6\u20AC\u00E2\u201A"});
-    // Where they are the most, such characters have come about by chance.
+    // If most bytes are stray, the valid UTF-8 characters are there by chance.
     EXPECT_EQ(LinesOf("\xC3\xA9\xE9\xE8"), Lines{"\u00C3\u00A9\u00E9\u00E8"});
 }
 
@@ -229,9 +229,9 @@ TEST_F(TextStreamTest, WhatIsNotUtf8IsInTheCodePageOfTheUsersLanguage)
     EXPECT_EQ(LinesOf(cyrillic, "CP1251"), Lines{"\u041F\u0440\u0438\u0432\u0435\u0442, \u043C\u0438\u0440"});
     EXPECT_EQ(LinesOf("za\xBF\xF3\xB3\xE6", "CP1250"), Lines{"za\u017C\u00F3\u0142\u0107"});
     EXPECT_EQ(LinesOf("\xF0\xD2\xC9", "KOI8-R"), Lines{"\u041F\u0440\u0438"});
-    // Stray bytes as well.
+    // The same for stray bytes.
     EXPECT_EQ(LinesOf("\u041F\u0440\u0438 \xE8", "CP1251"), Lines{"\u041F\u0440\u0438 \u0438"});
-    // One the system does not know is Western.
+    // A code page unknown to the system is read as the Western one.
     EXPECT_EQ(LinesOf("\xE9\x80", "NO-SUCH-PAGE"), Lines{"\u00E9\u20AC"});
 }
 
@@ -425,7 +425,7 @@ TEST_F(TextStreamTest, AFileThatMayNotBeReadIsAPermissionDenied)
 
 TEST_F(TextStreamTest, AFileThatCannotBeReadThroughIsADeviceError)
 {
-    // A process' memory, in which nothing is at address 0.
+    // A process's memory; address 0 is not mapped.
     EXPECT_EQ(ErrorOf("/proc/self/mem"), "57 Device I/O error");
 }
 

@@ -31,7 +31,7 @@ protected:
     std::string Path() const { return (folder_ / "document.doc").string(); }
     std::string Target() const { return (folder_ / "target.doc").string(); }
 
-    /// What the word processor gets to see of a document with these bytes; "refused" for nothing.
+    /// What the word processor gets for a document with these bytes; "refused" when it gets nothing.
     std::string Placed(const std::string& bytes, const char* codePage = "CP1252") const
     {
         std::ofstream(Path(), std::ios::binary) << bytes;
@@ -114,7 +114,7 @@ TEST_F(WordSource, OfAWebArchiveThePageIsTaken)
                      "PHA+R3LDvMOf\r\nZTwvcD4=\r\n" +
                      tail),
               Mark + std::string("<p>Gr\u00FC\u00DFe</p>"));
-    // What the page itself tells goes before what the message tells of it.
+    // The encoding that the page itself declares takes precedence over the message's.
     EXPECT_EQ(Placed(head + "Content-Type: text/html; charset=us-ascii\r\n\r\n<meta charset=windows-1251>\xCF" + tail),
               "<meta charset=windows-1251>\xCF\r\n");
 }
@@ -134,7 +134,7 @@ TEST_F(WordSource, OfAMessageThePageIsTakenBeforeTheText)
 
 TEST_F(WordSource, CodedTextWithoutLineEndsIsDecodedInOneGo)
 {
-    // Twelve megabytes: with a look at the rest of the line for each code this would take hours.
+    // Twelve megabytes: scanning the rest of the line for each code would take hours.
     std::string text = "MIME-Version: 1.0\nContent-Type: text/plain\nContent-Transfer-Encoding: quoted-printable\n\n";
     constexpr std::size_t count = 4'000'000;
     for (std::size_t i = 0; i < count; ++i)

@@ -1,4 +1,4 @@
-// The real engines: what they deliver, and how it is heard.
+// The real engines: what they deliver, and how it sounds.
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
@@ -301,7 +301,7 @@ TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
     EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
 }
 
-/// Throws what a full memory throws, at the call of that number.
+/// Throws the exception of exhausted memory at the call with this number.
 struct ThrowingSink final : SampleSink {
     bool Samples(std::span<const std::int16_t>) override
     {
@@ -318,7 +318,7 @@ struct ThrowingSink final : SampleSink {
     int eventsLeft = 0;
 };
 
-// What the library holds while it speaks is its own again only when it has returned: otherwise the next text is spoken
+// What the library holds while it speaks is released only when it has returned; otherwise the next text would be spoken
 // in the middle of the one before.
 TEST_P(EngineTest, WhatTheSinkThrowsComesOutAndTheNextTextIsSpokenAsEver)
 {
@@ -340,16 +340,16 @@ TEST_P(EngineTest, WhatTheSinkThrowsComesOutAndTheNextTextIsSpokenAsEver)
     }
 }
 
-// One sentence over and over, so that each ought to take as long as the one before, seam or not.
+// One sentence repeated, each of which should take equally long, whether or not a seam is in it.
 struct Repeated {
     explicit Repeated(const std::string& one) : sentence(one)
     {
         for (int i = 0; i < Count(); ++i)
             text += sentence;
     }
-    static constexpr int Words = 9; ///< of the sentence
+    static constexpr int Words = 9; ///< words in the sentence
     int Count() const { return static_cast<int>(Arranger::LongestPiece / sentence.size()) + 20; }
-    /// Seconds from the beginning of each to that of the next; the first and the last are left out.
+    /// Seconds from the beginning of each sentence to that of the next, without the first and the last.
     std::vector<double> Lengths(const RecordingSink& sink, int rate) const
     {
         std::vector<double> lengths;
@@ -371,7 +371,7 @@ struct Repeated {
 TEST_P(EngineTest, TheSeamsOfALongTextAreNotHeard)
 {
     const Repeated repeated("The old clock in the hall has stopped completely. ");
-    Prosody quick; // beyond the engines' own speed, so that what comes behind them has to keep its place, too
+    Prosody quick; // beyond the engines' own speed, so that the later stages must keep events in place, too
     quick.wordsPerMinute = 600;
     Segment last = Text("The end.", quick);
     last.firstWord = repeated.Count() * Repeated::Words;
@@ -397,7 +397,7 @@ TEST_P(EngineTest, WhereALongTextHasNoSentencesASeamIsNoPause)
     const Repeated repeated("The old clock in the hall has stopped completely ");
     std::vector<double> lengths = repeated.Lengths(Speak(repeated.text), rate);
     std::sort(lengths.begin(), lengths.end());
-    // Between two sentences both engines wait for longer than that; the ends of clauses differ by half of it.
+    // Both engines pause longer than that between two sentences; the ends of clauses differ by half of it.
     EXPECT_LT(lengths.back() - lengths[lengths.size() / 2], 0.25);
 }
 
@@ -480,7 +480,7 @@ TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
     }
 }
 
-// An utterance of the library's that was thrown past would stay for ever, some hundred kilobytes each.
+// An utterance of the library's that an exception skipped would never be freed; each takes some hundred kilobytes.
 TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
 {
     const std::unique_ptr<Engine> engine = CreateFliteEngine();
@@ -491,7 +491,7 @@ TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
         sink.callsLeft = 1;
         EXPECT_THROW(engine->Synthesize(engine->Voices().front(), segments, sink), std::bad_alloc);
     };
-    speakAndThrow(); // the voice is loaded, and stays
+    speakAndThrow(); // loads the voice, which stays loaded
     const std::size_t before = mallinfo2().uordblks;
     for (int i = 0; i < 10; ++i)
         speakAndThrow();

@@ -1,4 +1,4 @@
-// An engine that makes what a test tells it, and a sound output that plays only when a test turns its handle.
+// An engine that delivers what a test tells it to, and a sound output that plays only when a test asks it to.
 #pragma once
 
 #include "speech/AudioOutput.h"
@@ -18,7 +18,7 @@
 namespace voxmate::speech
 {
 
-/// Lets other threads work until `done` says so; false when they do not get there within five seconds.
+/// Lets other threads work until `done` returns true; false when that takes more than five seconds.
 inline bool Eventually(const std::function<bool()>& done)
 {
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
@@ -97,8 +97,8 @@ public:
 
     void PostAfter(int, std::function<void()> action) override { later_.push_back(std::move(action)); }
 
-    /// Takes up to `count` samples from the source, which are heard at once or, where there is a queue, behind it; how
-    /// many there were. At the end of the source the stream is drained.
+    /// Takes up to `count` samples from the source and returns how many it got. They are heard at once, or when a queue
+    /// is set, after it. At the end of the source the stream is drained.
     std::size_t Play(std::size_t count)
     {
         if (!source) {
@@ -117,7 +117,7 @@ public:
         return got;
     }
 
-    /// Runs what has been posted so far, and what was to come after a while. An action may throw; the others stay.
+    /// Runs the actions posted so far, including delayed ones. An action may throw; the others stay posted.
     void RunEvents()
     {
         std::deque<std::function<void()>> actions;
@@ -140,7 +140,7 @@ public:
         }
     }
 
-    /// Plays until nothing is left to be heard or to be reported.
+    /// Plays until nothing is left to hear or report.
     bool PlayAll()
     {
         return Eventually([this] {
@@ -155,8 +155,8 @@ public:
     int opens = 0;
     int openStreams = 0;
     int rate = 0;
-    std::int64_t taken = 0; ///< of the stream's samples
-    std::int64_t queue = 0; ///< how many of those are still under way to the listener
+    std::int64_t taken = 0; ///< samples taken from the stream
+    std::int64_t queue = 0; ///< how many of those have not yet reached the listener
     std::int64_t heard = 0;
     std::vector<std::int16_t> played;
     std::shared_ptr<SampleSource> source;
@@ -174,7 +174,7 @@ struct RecordingSink final : SampleSink {
     std::vector<std::int16_t> samples;
     std::vector<SpeechEvent> events;
     std::size_t stopAfter = SIZE_MAX;
-    std::int64_t latestEventBehind = 0; ///< how far an event lay before samples that were already delivered
+    std::int64_t latestEventBehind = 0; ///< how far an event was behind the samples already delivered, at most
 
     bool Samples(std::span<const std::int16_t> more) override
     {

@@ -1,4 +1,4 @@
-// Voices in files of the user's own. The files are made of the voices that are installed.
+// Voices in the user's own files. The test files are made from the installed voices.
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
@@ -40,7 +40,8 @@ protected:
         std::string form = (fs::temp_directory_path() / "flitevoxXXXXXX").string();
         ASSERT_NE(mkdtemp(form.data()), nullptr);
         folder = form;
-        // In a process of its own, where no voice has been used: what an engine sets in one would be written, too.
+        // In a separate process in which no voice has been used: what an engine sets in a voice would be written to the
+        // file, too.
         const std::string command = "VOXMATE_TEST_FOLDER='" + form + "' '" + fs::canonical("/proc/self/exe").string() +
                                     "' --gtest_also_run_disabled_tests --gtest_filter=FlitevoxChild.* >/dev/null";
         ASSERT_EQ(std::system(command.c_str()), 0);
@@ -117,7 +118,7 @@ TEST_F(Flitevox, WhatIsAskedInPitchAndSpeedIsHeard)
     }
 }
 
-// Of a file that is cut off anywhere, or overwritten, nothing is heard, and the program lives.
+// A file that is cut off anywhere, or overwritten, makes no sound, and the program survives.
 TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
 {
     std::ifstream whole(File("slt"), std::ios::binary);
@@ -129,7 +130,7 @@ TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
     };
     for (const std::size_t length : {0, 10, 26, 30, 100, 400, 2000})
         put("head" + std::to_string(length), bytes.substr(0, length));
-    EXPECT_LE(CreateFlitevoxEngine(folder)->Voices().size(), 1U); // the last one has a whole head
+    EXPECT_LE(CreateFlitevoxEngine(folder)->Voices().size(), 1U); // the last one has a complete header
     for (const std::size_t percent : {1, 30, 60, 90})
         put("cut" + std::to_string(percent), bytes.substr(0, bytes.size() / 100 * percent));
     std::string overwritten = bytes;
@@ -162,7 +163,7 @@ std::vector<pid_t> ChildrenOf(pid_t parent)
     return children;
 }
 
-/// Whether a process holds a descriptor beyond the three that every program has.
+/// Whether a process has a descriptor open beyond the three standard ones.
 bool HoldsMoreThanTheStandardOnes(pid_t process)
 {
     std::error_code error;
@@ -171,7 +172,7 @@ bool HoldsMoreThanTheStandardOnes(pid_t process)
                        [](const fs::directory_entry& entry) { return std::stoi(entry.path().filename()) > 2; });
 }
 
-/// A voice file that never comes to its end: a pipe with nothing in it, which is waited for.
+/// A voice file that never ends: an empty pipe, which blocks its reader.
 class EndlessFile : public ::testing::Test
 {
 protected:
@@ -191,7 +192,7 @@ protected:
     FliteLibrary flite;
 };
 
-// Every turn of a text would wait for it anew.
+// Otherwise every turn of a text would wait for the check again.
 TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
 {
     const auto engine = CreateFlitevoxEngine(folder);
@@ -202,7 +203,7 @@ TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
     std::ofstream(voice.key) << "damaged";
     RecordingSink sink;
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
-    fs::rename(kept, voice.key); // if it were tried again, it would speak
+    fs::rename(kept, voice.key); // a second try would succeed
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
     EXPECT_TRUE(sink.samples.empty());
 }
@@ -214,7 +215,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     const Voice voice = engine->Voices().front();
     const fs::path kept = folder / "kept";
     fs::rename(voice.key, kept);
-    ASSERT_EQ(mkfifo(voice.key.c_str(), 0600), 0); // the check waits for what never comes
+    ASSERT_EQ(mkfifo(voice.key.c_str(), 0600), 0); // the check blocks on it
     SpeechJob job;
     job.SetRate(engine->SampleRate(voice));
     bool spoken = false;
@@ -222,7 +223,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     EXPECT_TRUE(Eventually([] { return !ChildrenOf(getpid()).empty(); }));
     job.Cancel();
     worker.join();
-    EXPECT_TRUE(spoken); // as for every text that is stopped, where a check that ends by itself is a failure
+    EXPECT_TRUE(spoken); // a stop is not a failure; a check that ends by itself would be
     EXPECT_TRUE(ChildrenOf(getpid()).empty());
     fs::rename(kept, voice.key);
     EXPECT_FALSE(Say(*engine, voice, "Hello.", {}).samples.empty());
@@ -230,7 +231,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
 
 TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
 {
-    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // what the program leaves behind comes to this process
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // orphaned processes of the program are handed to this process
     std::array<int, 2> held{};
     ASSERT_EQ(pipe(held.data()), 0);
     const pid_t program = fork();
@@ -252,7 +253,7 @@ TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
         int status = 0;
         EXPECT_EQ(waitpid(check, &status, 0), check);
         EXPECT_TRUE(WIFSIGNALED(status));
-        EXPECT_EQ(WTERMSIG(status), SIGKILL); // its own time being up is another signal
+        EXPECT_EQ(WTERMSIG(status), SIGKILL); // running out of time would send another signal
     }
     close(held[0]);
     close(held[1]);

@@ -87,7 +87,7 @@ TEST(MarkedText, StressesTheFirstWordOnly)
     EXPECT_EQ(part.emphasised, expected);
 }
 
-// All pieces in one, as a text that was never cut has it.
+// Joins all pieces, as in a text that was never cut.
 MarkedText Joined(const std::vector<MarkedText>& pieces)
 {
     MarkedText all;
@@ -105,7 +105,7 @@ MarkedText Joined(const std::vector<MarkedText>& pieces)
 
 TEST(MarkedText, ALongStretchComesInPiecesWithoutLosingItsPlace)
 {
-    // In Greek, two bytes a letter, and with an emoji of four: the seams of pieces and of blocks fall anywhere.
+    // Greek letters of two bytes and an emoji of four, so that the seams of pieces and blocks fall anywhere.
     std::string text;
     std::u32string expected;
     std::vector<int> words;
@@ -160,7 +160,7 @@ struct Seam {
     MarkedText::End end;
 };
 
-// Where a text is cut that has `place` in the middle of what is looked at for that, and words and blanks elsewhere.
+// Cuts a text that has `place` in the middle of the stretch searched for a cut, and words and blanks elsewhere.
 Seam FirstSeam(const std::string& place)
 {
     std::string text;
@@ -192,12 +192,13 @@ TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
     EXPECT_EQ(FirstSeam("了。我").after, U"我 wo");
     EXPECT_EQ(FirstSeam("so\nAnd").after, U"And ");
     EXPECT_EQ(FirstSeam("so\nAnd").end, MarkedText::End::Inside);
-    // Behind a word of middling length it is one only where there is nothing better.
+    // After a word of medium length a full stop counts as a sentence's end only if there is nothing better.
     EXPECT_EQ(FirstSeam("again. And").after, U"And ");
     EXPECT_EQ(FirstSeam("again. And").end, MarkedText::End::Sentence);
     EXPECT_EQ(FirstSeam("remember! Not approx. Nine").after, U"Not ");
     EXPECT_EQ(FirstSeam("again. And\nso").after, U"And\n");
-    // Neither an abbreviation nor a full stop before a small letter ends a sentence: the last blank it is.
+    // Neither an abbreviation nor a full stop before a small letter ends a sentence, so the text is cut at the last
+    // blank.
     for (const char* place : {"Dr. Smith", "p.m. And", "remember. and", "3.14159265 And", "remembers.\" And"}) {
         EXPECT_EQ(FirstSeam(place).after, U"word") << place;
         EXPECT_EQ(FirstSeam(place).end, MarkedText::End::Inside) << place;

@@ -1,5 +1,5 @@
-// MBROLA voices with data of our own where eSpeak NG looks for it. The library looks once in a process, so what needs
-// it runs in one of its own.
+// MBROLA voices, with our own data where eSpeak NG looks for it. The library looks only once per process, so tests that
+// need the data run in a separate process.
 #include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
@@ -38,7 +38,7 @@ const std::vector<std::string_view> German{
     "beginnt in einer halben Stunde.",
 };
 
-/// A copy of the library's data (by links) with databases of MBROLA voices in it.
+/// A copy of the library's data (as links) that contains databases of MBROLA voices.
 class Mbrola : public ::testing::Test
 {
 protected:
@@ -57,7 +57,7 @@ protected:
                 fs::create_symlink(entry.path(), folder / "espeak-ng-data" / entry.path().filename());
         for (const char* database : {"de2", "us1", "ca1", "ic1"})
             std::ofstream(folder / "espeak-ng-data/mbrola" / database) << "MBROLA";
-        fs::create_directory(folder / "espeak-ng-data/mbrola/fr4"); // a folder is no database
+        fs::create_directory(folder / "espeak-ng-data/mbrola/fr4"); // a folder does not count as a database
         fs::create_directory(folder / "bin");
     }
     void TearDown() override { fs::remove_all(folder); }
@@ -172,7 +172,7 @@ TEST(MbrolaChild, DISABLED_Calibrated)
             std::printf("%s: %d Hz asked, %.1f heard\n", voice.name.c_str(), hertz, heard);
             EXPECT_NEAR(heard, hertz, hertz * 0.1) << voice.name;
         }
-        // As fast as the library's own voice of the language.
+        // The voice must be as fast as the library's own voice of the language.
         const std::string ownKey = voice.key == "mb/mb-us1" ? "gmw/en-US" : "gmw/de";
         for (const int wordsPerMinute : {80, 156, 250, 400}) {
             double seconds = 0;

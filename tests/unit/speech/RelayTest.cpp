@@ -1,4 +1,4 @@
-// A text in more than one writing: who says what, in which order, and how it is heard.
+// A text in more than one script: who says what, in which order, and what is heard.
 #include "speech/text/Relay.h"
 #include "Fakes.h"
 #include "bench/speech_measure.h"
@@ -16,7 +16,7 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-/// Writes down what each voice is told to say; a character is a sample of 20 ms, a word an event.
+/// Records what each voice is told to say. A byte of text is a sound of 20 ms, a word an event.
 struct ScriptEngine final : Engine {
     explicit ScriptEngine(std::vector<Voice> list, int samplesPerSecond)
         : voices(std::move(list)), rate(samplesPerSecond)
@@ -138,7 +138,7 @@ TEST_F(RelayTest, ShownWordsAreSharedOutInProportion)
 
 TEST_F(RelayTest, EventsAndSamplesFollowOneAnotherAtTheVoicesRate)
 {
-    EXPECT_TRUE(Speak({Text("abcd мир.")})); // 4 bytes and 8 of 20 ms each
+    EXPECT_TRUE(Speak({Text("abcd мир.")})); // 4 and 8 bytes of 20 ms each
     EXPECT_EQ(sink.samples.size(), 12 * 20U);
     ASSERT_EQ(sink.events.size(), 2U);
     EXPECT_EQ(sink.events[1].sample, 4 * 20);
@@ -178,7 +178,7 @@ TEST_F(RelayTest, AListenerWhoHasHadEnoughGetsNoMore)
 {
     sink.stopAfter = 1;
     EXPECT_TRUE(Speak({Text("one два three")}));
-    EXPECT_EQ(log.size(), 0U); // the fake is stopped before it writes down
+    EXPECT_EQ(log.size(), 0U); // the fake is stopped before it records the text
 }
 
 TEST_F(RelayTest, ALongTextIsNotDealtOutBeforeItIsHeard)
@@ -236,7 +236,8 @@ TEST(Resampler, LeavesOutWhatTheLowerRateCannotHold)
     EXPECT_LT(*loud, 32); // 50 dB below
 }
 
-// What is heard: with a Flite voice as with the reader alone.
+// What is heard when a reader speaks in place of a Flite voice: it lasts, has the pitch asked for, and is about as loud
+// as that voice.
 TEST(RealRelay, FliteAndAReaderSayAMixedSentenceWhole)
 {
     std::vector<std::unique_ptr<Engine>> engines;

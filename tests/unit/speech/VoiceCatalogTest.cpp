@@ -83,7 +83,7 @@ TEST(VoiceCatalog, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
     EXPECT_EQ(firstFor("nn_NO"), "Bokmal");
 }
 
-// The names within a limit, on a German desktop.
+// The names listed within a limit, on a German desktop.
 Names NamesWithin(int limit, std::vector<Voice> voices, const std::string& chosen = "")
 {
     std::vector<std::unique_ptr<Engine>> engines;
@@ -113,7 +113,7 @@ TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
                                             "Brazilian", "Esperanto", "French", "Portuguese", "Welsh"}));
     EXPECT_EQ(NamesWithin(10, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Belgian",
                                             "Brazilian", "French", "Portuguese", "Welsh"}));
-    // Further accents, the most widely spoken language's last.
+    // Further accents go first, that of the most widely spoken language last.
     EXPECT_EQ(NamesWithin(9, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Brazilian",
                                            "French", "Portuguese", "Welsh"}));
     EXPECT_EQ(NamesWithin(8, many),
@@ -131,11 +131,11 @@ TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
     EXPECT_EQ(NamesWithin(4, many, "esperanto"), (Names{"German", "Swiss", "English", "French"}));
 }
 
-// What is installed here, as a desktop of that locale lists it.
+// What is installed here, as it is listed on a desktop of that locale.
 class RealList : public ::testing::TestWithParam<std::pair<const char*, const char*>>
 {
 protected:
-    // A real engine, whose voices are looked for only once.
+    // A real engine, shared so that its voices are looked up only once.
     struct Shared final : Engine {
         explicit Shared(Engine& of) : real(of) {}
         const std::vector<Voice>& Voices() override { return real.Voices(); }
@@ -192,7 +192,7 @@ TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
           "eSpeak Japanese", "eSpeak English (Great Britain)", "eSpeak English (America)",
           "Flite SLT (American English)"})
         EXPECT_TRUE(names.contains(name)) << name;
-    // Of the desktop's first voice there are female ones, too, and of the English one.
+    // There are female variants of the desktop's first voice and of the English one.
     std::string female = first;
     if (female.ends_with(')'))
         female.pop_back();
@@ -264,7 +264,7 @@ TEST(ModeId, IsAGuidOfVersionEightInUpperCase)
 
 TEST(ModeId, OfAVoiceIsForEverTheSame)
 {
-    // Users' settings hold these: they may never change.
+    // Users' settings contain these identifiers, so they may never change.
     EXPECT_EQ(ModeIdOf("espeak", "gmw/en"), "84CB77DC-9B5D-8938-869A-7581728E342F");
     EXPECT_EQ(ModeIdOf("flite", "slt"), "AB59B8DF-AE66-8E77-A5ED-1762A50D82AD");
 }

@@ -63,7 +63,7 @@ protected:
 
 TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithItsSound)
 {
-    constexpr int early = FakeEngine::Rate * 15 / 1000; // samples in the 15 ms until the screen shows it
+    constexpr int early = FakeEngine::Rate * 15 / 1000; // samples in the 15 ms until the screen shows an event
     engine->synthesize = [](SampleSink& sink) {
         sink.Event({SpeechEvent::Kind::Word, 0, 0});
         sink.Event({SpeechEvent::Kind::Mouth, 0, 1});
@@ -317,7 +317,7 @@ TEST_F(VoicePlayerTest, NothingIsReportedAfterThePlayerIsGone)
     EXPECT_EQ(log, Lines{});
 }
 
-/// A file that goes with the test.
+/// A wave file that is removed after the test.
 class WavePlayerTest : public VoicePlayerTest
 {
 protected:
@@ -335,7 +335,7 @@ protected:
         sf_close(file);
     }
 
-    /// Waits until the file has been looked through and is to be heard.
+    /// Waits until the file has been analysed and its stream is open.
     bool Opens()
     {
         return Eventually([this] {
@@ -382,12 +382,12 @@ TEST_F(WavePlayerTest, TellsWordsAndTheBookmarksAmongThemEvenlyOverTheFilesLengt
     ASSERT_TRUE(Opens());
     const auto heardIn = [this](std::size_t samples) {
         log.clear();
-        // The file is read by a thread of its own, which may still be on its way.
+        // The file is read by another thread, which may not be done yet.
         std::size_t played = 0;
         EXPECT_TRUE(Eventually([&] { return (played += output.Play(samples - played)) == samples; }));
         return log;
     };
-    // A quarter of a second each, give or take what a player may be ahead of the screen.
+    // Each word lasts a quarter of a second, give or take the player's lead over the screen.
     EXPECT_EQ(heardIn(1), (Lines{"started", "bookmark 1", "word 0"}));
     EXPECT_EQ(heardIn(219), Lines{});
     EXPECT_EQ(heardIn(60), Lines{"word 1"});
@@ -403,7 +403,7 @@ TEST_F(WavePlayerTest, TellsWordsAndTheBookmarksAmongThemEvenlyOverTheFilesLengt
 
 TEST_F(WavePlayerTest, TheMouthFollowsTheLoudnessToTheEndThoughAClickIsMuchLouder)
 {
-    // Twenty times half a second of sound and half a second of silence, and a click.
+    // Twenty times half a second of sound and half a second of silence, plus a click.
     std::vector<std::int16_t> samples(20000);
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = i % 1000 < 500 ? i % 2 == 0 ? 800 : -800 : 0;
@@ -490,7 +490,7 @@ TEST_F(WavePlayerTest, NeitherWidthNorChannelsNorRateChangeLengthAndLevel)
                 double power = 0;
                 for (const std::int16_t sample : sink.samples)
                     power += static_cast<double>(sample) * sample;
-                // Eight bits are rounded down by what writes them.
+                // Eight-bit samples are rounded down when written.
                 EXPECT_NEAR(std::sqrt(power / static_cast<double>(frames)), 16384 * std::sqrt(0.5),
                             coding == SF_FORMAT_PCM_U8 ? 150 : 5)
                     << rate << " " << coding << " " << channels;

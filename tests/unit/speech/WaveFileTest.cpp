@@ -103,7 +103,7 @@ std::vector<std::uint8_t> Sixteen(const Samples& samples)
     return bytes;
 }
 
-/// So many frames of a tone at this amplitude in some channels, silence in the others.
+/// Frames of a tone, with an amplitude for each channel; 0 is silence.
 Samples Tone(std::size_t frames, const std::vector<double>& amplitudes)
 {
     Samples samples;
@@ -148,7 +148,7 @@ TEST(WaveFile, WhatIsInTheCentreAloneOfSixChannelsKeepsItsLoudness)
     const auto wave = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
     ASSERT_TRUE(wave);
     EXPECT_EQ(wave->samples, Tone(20000, {8000}));
-    // Also behind silence, which is longer than what is read at once.
+    // The same after silence that is longer than one block read.
     frames.insert(frames.begin(), 60000, 0);
     const auto later = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
     ASSERT_TRUE(later);
@@ -200,7 +200,7 @@ TEST(WaveFile, ChunksBehindNoSamplesAreNoSamples)
     for (const char c : std::string("INFO"))
         file.push_back(static_cast<std::uint8_t>(c));
     EXPECT_FALSE(DecodeWave(file));
-    // One that reaches beyond the file is none.
+    // A chunk that reaches beyond the file does not count.
     file[48] = 200;
     const auto wave = DecodeWave(file);
     ASSERT_TRUE(wave);
@@ -219,7 +219,7 @@ TEST(WaveFile, RefusesWhatIsNotAWaveFile)
 
 TEST(WaveFile, RefusesOtherKindsOfSoundFiles)
 {
-    // Sun's form: a header of 24 bytes, 16-bit PCM, 8000 samples per second, one channel; numbers highest byte first.
+    // Sun's format: a header of 24 bytes, 16-bit PCM, 8000 samples per second, one channel; big-endian numbers.
     const std::vector<std::uint8_t> au{'.', 's', 'n', 'd', 0, 0,    0,    24, 0, 0, 0, 4, 0, 0, 0,
                                        3,   0,   0,   0,   0, 0x1F, 0x40, 0,  0, 0, 1, 1, 2, 3, 4};
     EXPECT_FALSE(DecodeWave(au));
@@ -232,7 +232,7 @@ TEST(WaveFile, RefusesOtherKindsOfSoundFiles)
 
 TEST(WaveFile, RefusesAFewBytesThatWouldBecomeMinutesOfSound)
 {
-    // Silence in a lossless coding of music: some hundred samples a byte.
+    // Silence in a lossless music coding: some hundred samples per byte.
     const std::filesystem::path path = TemporaryPath();
     SF_INFO info{};
     info.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
@@ -253,7 +253,7 @@ TEST(WaveFile, RefusesWhatIsNoFile)
     EXPECT_FALSE(ReadWaveFile("/"));
     const std::filesystem::path path = TemporaryPath();
     EXPECT_FALSE(ReadWaveFile(path.string()));
-    // A pipe nobody writes to: opening it would wait for ever.
+    // A pipe nobody writes to: opening it would block for ever.
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_FALSE(ReadWaveFile(path.string()));
     std::filesystem::remove(path);

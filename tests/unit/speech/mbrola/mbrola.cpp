@@ -1,6 +1,6 @@
-// Stands in for the program that makes the sound of MBROLA voices, as eSpeak NG starts and feeds it: reads phonemes
-// with their lengths and pitches from standard input and writes a wave file without an end to standard output, each
-// phoneme a tone of just that length and pitch. So what is heard of it is what eSpeak NG asks such a voice for.
+// Stands in for the program that makes the sound of MBROLA voices, as eSpeak NG starts and feeds it: it reads phonemes
+// with their lengths and pitches from standard input and writes an endless wave file to standard output, in which each
+// phoneme is a tone of that length and pitch. So its sound is exactly what eSpeak NG asks of such a voice.
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -37,7 +37,7 @@ void PutHeader()
 }
 
 struct Voice {
-    double hertz = 100; ///< last asked for
+    double hertz = 100; ///< the pitch last asked for
     double phase = 0;
 
     void Say(const std::string& line)
