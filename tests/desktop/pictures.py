@@ -1,6 +1,6 @@
-"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, options, tip,
-about box, reminder editor and announcements in every style, and each message box, at scale 1 and 2, from the running
-program, and some of them once more in a dark theme. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
+"""Takes pictures of every window of the running program, at scale 1 and 2, and of some of them also in a dark theme:
+splash, main window, character with its balloon, the balloon's styles, options, tip, about box, reminder editor,
+announcements in every style, and each message box. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
 only those.
 
 Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER [NAME...]     (as root: the program is photographed where a user has it)
