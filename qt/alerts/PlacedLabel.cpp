@@ -56,8 +56,8 @@ private:
 };
 
 /// The text laid out in `font`, or in as much smaller letters as it takes to fit into `room` pixels of height, so that
-/// no word is left out. If it does not fit at LeastSize, its lines are joined into one, and a text still too long then
-/// becomes even smaller.
+/// no word is left out. If it does not fit at LeastSize, its lines are joined and the letters become as small as that
+/// takes.
 std::unique_ptr<Lines> Fitted(const QString& text, const QFont& font, int width, int room)
 {
     const QString runningOn = text.simplified();

@@ -36,8 +36,9 @@ public:
 
     /// The largest picture, in pixels, that is scaled at once; that takes some 25 ms.
     static constexpr std::int64_t LargestAtOnce = std::int64_t{1} << 20;
-    /// The cache's limit in bytes, the last picture not counted: some 40 pictures of a figure of 160 by 170 pixels at
-    /// twice its size. Pictures in their own size are not cached, because making them costs next to nothing.
+    /// The cache's limit in bytes; the last picture is kept even if it is larger. The limit holds some 40 pictures of a
+    /// figure of 160 by 170 pixels at twice its size. Pictures in their own size are not cached, because making them
+    /// costs next to nothing.
     static constexpr std::int64_t MemoryBound = std::int64_t{16} << 20;
     std::int64_t MemoryUsed() const { return used_; }
 

@@ -1,4 +1,4 @@
-// Edit fields of one line and of several lines.
+// Edit fields of one line and of several: what the user can enter, and how.
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/ControlPeers.h"
 #include "qt/widgets/QtText.h"
