@@ -1,4 +1,4 @@
-// The one place that knows which implementation is used: fills one Platform and starts the splash form.
+// The only place that knows which implementations are used: it fills one Platform and shows the splash form.
 #include "agent/Server.h"
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
@@ -30,15 +30,15 @@ using namespace voxmate;
 namespace
 {
 
-/// Of one who ends the program by a signal, before it ends whatever its event loop does. Sessions wait for some ten
-/// seconds before they kill.
+/// How long a signal that asks the program to end waits for the event loop; after that the program ends whatever the
+/// loop does. Session managers wait for some ten seconds before they kill.
 constexpr std::chrono::seconds EndPatience{4};
-/// What is left then for the settings: the event loop may hang because the disk does.
+/// How long the settings may then take to be saved. Short, because the event loop may hang on the very disk they go to.
 constexpr std::chrono::seconds LastSavePatience{1};
-/// The session's manager waits for the answer, and so does the user.
+/// How long a save may take that the session manager asks for; both it and the user wait for the answer.
 constexpr std::chrono::seconds SessionSavePatience{4};
 
-// Makes the parts of the program, and runs it until it ends.
+// Makes the parts of the program and runs it until it ends.
 int Run(qt::QtApplication& application)
 {
     const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
@@ -52,7 +52,8 @@ int Run(qt::QtApplication& application)
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
     engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
-    // name(): bcp47Name leaves out a region that goes without saying, so that Brazil's Portuguese would be any.
+    // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
+    // Portuguese.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), EngineLimit,
                                 [] { return Settings.LastSpeechEngine; });
 
@@ -89,7 +90,7 @@ int main(int argc, char** argv)
     try {
         return Run(application);
     } catch (const std::exception& error) {
-        // The parts are gone again: the report is all that is left to do.
+        // The parts of the program no longer exist; all that is left is to report the error.
         application.Icons = nullptr;
         application.EndRequested = nullptr;
         application.SaveRequested = nullptr;

@@ -1,5 +1,5 @@
-"""Prints how soon a typed sentence is heard and a stop is silent, how far lips and balloon are from the sound on three
-kinds of sinks, and how soon a Word document is heard. Needs the machine for itself.
+"""Measures and prints how soon a typed sentence is heard and a stop is silent, how far lips and balloon are from the
+sound on three kinds of sinks, and how soon a Word document is heard. Nothing else may run on the machine.
 
 Usage: /usr/bin/python3 -W ignore bench/heard.py [sentence] [lips] [document]
 """
@@ -21,11 +21,11 @@ from test_reading import SENTENCE, WordCase  # noqa: E402
 from test_speech import SENTENCE as SHORT, SpeechCase  # noqa: E402
 
 RUNS = 10
-SILENCE = 0.08  # a pause in speech that is no part of a consonant, in seconds
+SILENCE = 0.08  # seconds of silence that are a pause and not part of a consonant
 
 
 def spread(values):
-    """How far off, whichever way, and which way on average."""
+    """The size of the deviations regardless of direction, and the median deviation with its sign."""
     if not len(values):
         return "nothing measured"
     apart = numpy.abs(values) * 1000
@@ -60,14 +60,14 @@ class Sentence(SpeechCase):
         time.sleep(0.3)
 
     def moment(self, begin, which):
-        """When the first (0) or the last (1) sound since a sample was heard."""
+        """When the first (0) or the last (1) sound after a sample was heard."""
         samples, ends, times = self.recorder.snapshot()
         at = begin + desktop.loud_span(samples[begin:])[which]
         return self.recorder.time_of(min(at, len(samples) - 1), ends, times)
 
 
 class CloseEar:
-    """Records the desk's sink, whose queue becomes as short as can be."""
+    """Records the desk's sink and thereby makes its queue as short as possible."""
 
     RATE = desktop.RATE
 
@@ -112,12 +112,12 @@ class Lips(SpeechCase):
         mouth.stop()
         words.stop()
         speech = lips.Rendering(self.render(lips.TEXT), self.render_events, ear.RATE)
-        time.sleep(4)  # a recording of a sink with a long queue comes late
+        time.sleep(4)  # the recording of a sink with a long queue arrives late
         heard_at, aligned = self.align(ear, begin, speech)
 
         lags, missed = self.mouth_lags(mouth, speech, heard_at)
         openings = self.openings(mouth, aligned, ear.RATE, heard_at)
-        there = words.seen[0][1]  # words that stood before the first look
+        there = words.seen[0][1]  # words that were there before the first look
         shown = [next((when for when, count in words.seen if count > word), None) for _, word in speech.words]
         delays = [when - heard_at(seconds) for when, (seconds, word) in zip(shown, speech.words) if when and word >= there]
         first = heard_at(speech.first_sound)
@@ -129,8 +129,8 @@ class Lips(SpeechCase):
               f"  looks at most {mouth.worst * 1000:.0f} and {words.worst * 1000:.0f} ms apart", flush=True)
 
     def align(self, ear, begin, speech):
-        """What tells when a second of the speech was heard, and the recording of the speech. A sound server that had to
-        wait inserts silence: each second of the speech is looked for by itself."""
+        """Returns a function that tells when a second of the speech was heard, and the recording of the speech. A sound
+        server that had to wait inserts silence, so each second of the speech is searched for separately."""
         recording = ear.heard(begin)
         start = lips.place_in(recording, speech.samples)
         rate, shifts = ear.RATE, {}
@@ -153,8 +153,8 @@ class Lips(SpeechCase):
         return heard_at, recording[start:start + len(speech.samples)]
 
     def mouth_lags(self, mouth, speech, heard_at):
-        """What was heard and what was seen, laid side by side in their order, whenever it was; and how many mouths that
-        were long enough to be seen were not."""
+        """Matches heard and seen mouths by their order, regardless of their times. Returns the delays, and how many
+        mouths that were long enough to be seen were not."""
         seen = [(when, value) for when, value in mouth.seen if value is not None]
         order = difflib.SequenceMatcher(None, [value for _, value in speech.mouths], [value for _, value in seen], False)
         pairs = [(block.a + i, block.b + i) for block in order.get_matching_blocks() for i in range(block.size)]
@@ -164,7 +164,7 @@ class Lips(SpeechCase):
                 sum(ends[index] - speech.mouths[index][0] > max(0.04, mouth.worst + 0.02) for index in missed))
 
     def openings(self, mouth, aligned, rate, heard_at):
-        """After each pause: from the sound to the nearest opening of the mouth."""
+        """For each pause: the time from the next sound to the nearest opening of the mouth."""
         size = int(rate * 0.005)
         loud = numpy.abs(aligned[:len(aligned) // size * size]).reshape(-1, size).max(axis=1) > 0.02
         quiet, onsets = 1e9, []
@@ -179,7 +179,7 @@ class Lips(SpeechCase):
 class Document(WordCase):
     def measure(self):
         path = self.document("letter.doc", SENTENCE * 1500)
-        # The converter by itself, with a profile as new as the one the program gives it.
+        # The converter alone, with a new profile like the one the program gives it.
         alone = time.monotonic()
         self.convert(path, "txt:Text (encoded):UTF8", os.path.join(self.desk.home, "profile"))
         alone = time.monotonic() - alone

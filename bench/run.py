@@ -1,4 +1,4 @@
-"""Runs the benchmarks of the running program on a desktop of its own and prints their figures.
+"""Runs the benchmarks of the running program on a private desktop and prints their figures.
 
 Usage: /usr/bin/python3 bench/run.py [BUILD_FOLDER]
 """
@@ -19,7 +19,7 @@ QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 def main():
     build = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else os.path.join(ROOT, "build", "release"))
     desk = desktop.Desk(build)
-    # A screen reader makes any program larger and busier; none runs here.
+    # Switched off, because a screen reader makes any program larger and busier, and none runs here.
     desk.env.pop("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")
 
     def tool(name, *arguments):

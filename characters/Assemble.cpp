@@ -24,7 +24,7 @@ struct Box {
     int Area() const { return (right - left) * (bottom - top); }
 };
 
-// Keeps every image once, and a frame that differs little from an earlier one as that one and a patch over it.
+// Stores every image once. A frame that differs little from an earlier one is stored as that one and a patch over it.
 class ImageStore
 {
 public:
@@ -51,7 +51,8 @@ public:
         return placed;
     }
 
-    // What `frame` shows differently from `under`, for an overlay; false when it would have to uncover something.
+    // Makes an overlay of what `frame` shows differently from `under`. Returns false if the overlay would have to make
+    // a pixel transparent.
     bool Patch(const Indices& frame, const Indices& under, agent::FrameImage& image, Box& box)
     {
         if (!Covers(frame, under))
@@ -73,7 +74,8 @@ private:
     {
         return {reinterpret_cast<const char*>(pixels.data()), static_cast<qsizetype>(pixels.size())};
     }
-    // The box of all pixels that differ from `under`, or, without it, that show anything; one pixel if there are none.
+    // The box of all pixels that differ from `under`, or, if that is null, of all drawn pixels; one pixel if there are
+    // none.
     Box Bounds(const Indices& frame, const std::uint8_t* under) const
     {
         Box box{width_, height_, 0, 0};
@@ -89,7 +91,7 @@ private:
             return box;
         return under != nullptr ? Box{0, 0, 1, 1} : Box{};
     }
-    // No patch can make a pixel transparent that is drawn beneath it.
+    // Whether a patch can turn `under` into `frame`: no patch can make a drawn pixel transparent.
     static bool Covers(const Indices& frame, const Indices& under)
     {
         for (std::size_t i = 0; i < frame.size(); ++i)

@@ -1,4 +1,4 @@
-// From a source and its drawing to the description of a character file: frames, exits, mouths, shared images.
+// Turns a source and its drawing into the description of a character file: frames, exits, mouths, shared images.
 #pragma once
 
 #include "Drawing.h"
@@ -9,8 +9,8 @@
 namespace voxmate::characters
 {
 
-/// Renders every frame and puts the character together; raises SourceError. `error` gets the mean distance of a
-/// pixel's colour from the palette's, in steps of 1/255.
+/// Renders every frame and assembles the character; raises SourceError. `error` receives the mean distance between a
+/// pixel's colour and its palette colour, in steps of 1/255.
 agent::AcsDescription Assemble(const Source& source, const Drawing& drawing, double& error);
 
 } // namespace voxmate::characters

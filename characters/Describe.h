@@ -1,4 +1,4 @@
-// What is in a character file, as JSON.
+// Describes the contents of a character file as JSON.
 #pragma once
 
 #include "agent/file/AcsFile.h"
@@ -8,8 +8,8 @@
 namespace voxmate::characters
 {
 
-/// One JSON object (RFC 8259, UTF-8, indented by two blanks, a line end at its end) with all that the file says, in the
-/// order of the file's own description; pixels and sounds aside. `size` is the file's length in bytes.
+/// Returns one JSON object (RFC 8259, UTF-8, indented by two blanks, ending in a line end) with everything in the file
+/// except pixels and sounds, in the order of the file's own description. `size` is the file's length in bytes.
 std::string Describe(const agent::AcsFile& file, std::uint64_t size);
 
 } // namespace voxmate::characters

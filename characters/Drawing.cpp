@@ -14,7 +14,7 @@ namespace voxmate::characters
 namespace
 {
 
-// Each pixel is the mean of this many squared.
+// Each pixel is the mean of this many samples in each direction.
 constexpr int Fineness = 4;
 
 void CopyElement(QXmlStreamReader& in, QXmlStreamWriter& out)
@@ -71,7 +71,7 @@ void Drawing::ReadFrame(const QString& viewBox)
     mirror_ = QTransform(-1, 0, 0, 1, 2 * frame_.x() + frame_.width(), 0);
 }
 
-// Cuts the file into one document for each top-level group, every one with all shared definitions (gradients).
+// Splits the file into one document for each top-level group, each with all shared definitions (gradients).
 void Drawing::ReadGroups(const QByteArray& svg)
 {
     QXmlStreamReader in(svg);
@@ -182,7 +182,7 @@ QTransform Drawing::World(const Pose& pose, std::size_t index) const
     return part.parent < 0 ? local : local * World(pose, static_cast<std::size_t>(part.parent));
 }
 
-// A part that only holds others together hides all of them with itself.
+// A part that only groups others hides all of them when it is hidden.
 bool Drawing::Shown(const Pose& pose, std::size_t index) const
 {
     if (source_.parts[index].OnlyHolds() || pose[index].variant < 0)
@@ -231,8 +231,8 @@ QImage Drawing::Render(const Pose& pose) const
                     blue += static_cast<unsigned>(qBlue(row[dx]));
                 }
             }
-            // More than half covered is the figure. Its colours are premultiplied: dividing by the coverage leaves
-            // the figure's own.
+            // A pixel at least half covered belongs to the figure. Its colours are premultiplied; dividing by the
+            // coverage gives the figure's own.
             const auto own = [alpha](unsigned sum) {
                 return static_cast<int>(std::min(255u, (sum * 255 + alpha / 2) / alpha));
             };

@@ -1,5 +1,4 @@
-// The drawing of a character: an SVG file whose top-level groups are the parts' variants, and their rendering in a
-// pose.
+// The drawing of a character, an SVG file whose top-level groups are the parts' variants, and its rendering in a pose.
 #pragma once
 
 #include "Source.h"
@@ -18,18 +17,18 @@ namespace voxmate::characters
 class Drawing
 {
 public:
-    /// Reads the source's SVG file; raises SourceError when it is not sound or a group that a part names is missing.
+    /// Reads the source's SVG file. Raises SourceError if it is invalid or lacks a group that a part names.
     explicit Drawing(const Source& source);
 
-    /// The part of the drawing that a frame shows, its viewBox: one unit is one pixel.
+    /// The viewBox: the area of the drawing that a frame shows. One unit is one pixel.
     QRect Frame() const { return frame_; }
 
-    /// A pose in the size of a frame: each pixel either opaque or nothing (0). Soft edges lie within the figure only: a
-    /// pixel at its rim shows the figure's own colour, unmixed with any background.
+    /// Renders a pose in the size of a frame. Each pixel is either opaque or empty (0). Edges are smooth only within
+    /// the figure: a pixel at its outline has the figure's own colour, not mixed with any background.
     QImage Render(const Pose& pose) const;
 
-    /// How far apart two poses look, in pixels: the longest way that a corner of any shown part goes from one to the
-    /// other. A part that changes its drawing counts for a quarter of its size.
+    /// How different two poses look, in pixels: the longest distance that a corner of any shown part moves between
+    /// them. A part that changes its drawing counts for a quarter of its size.
     double Distance(const Pose& a, const Pose& b) const;
 
 private:
@@ -42,11 +41,11 @@ private:
 
     const Source& source_;
     QRect frame_;
-    QTransform mirror_;                    ///< a reflection at the frame's middle
-    std::map<QString, QByteArray> groups_; ///< each as a whole SVG document
+    QTransform mirror_;                    ///< reflection about the frame's vertical middle line
+    std::map<QString, QByteArray> groups_; ///< each a complete SVG document
     std::map<QString, std::unique_ptr<QSvgRenderer>> renderers_;
     std::vector<std::vector<QSvgRenderer*>> variants_; ///< by part and variant
-    std::vector<QRectF> extents_;                      ///< by part: where its variants are drawn, together
+    std::vector<QRectF> extents_;                      ///< by part: the bounding box of all its variants
 };
 
 } // namespace voxmate::characters

@@ -43,7 +43,7 @@ void Export(const agent::AcsFile& file, const QString& folder)
     const QDir target(folder);
     if (!target.mkpath("."))
         throw SourceError(folder + ": the folder cannot be made");
-    QHash<QString, int> uses; // by name in small letters: some file systems don't tell the case
+    QHash<QString, int> uses; // by lower-case name, because some file systems ignore case
     for (const agent::Animation& animation : file.animations) {
         QString name = FileName(animation.name);
         if (const int use = ++uses[name.toLower()]; use > 1)

@@ -11,7 +11,7 @@ namespace voxmate::characters
 namespace
 {
 
-// A step from one frame to the next that looks like movement and not like a jump, in pixels.
+// Largest step between two frames, in pixels, that looks like movement and not like a jump.
 constexpr double SmoothStep = 14;
 
 std::size_t Index(int value)
@@ -19,8 +19,8 @@ std::size_t Index(int value)
     return static_cast<std::size_t>(value);
 }
 
-// The frames in the order of time, one for each step; each shows the pose at its end, so that the last one shows that
-// of the animation's end.
+// The frames in the order of time, one for each step. Each shows the pose at the end of its step, so the last one shows
+// the animation's end.
 std::vector<PlannedFrame> Sampled(const SourceAnimation& animation, const Painter& painter)
 {
     std::vector<PlannedFrame> frames;
@@ -40,7 +40,7 @@ std::vector<PlannedFrame> Sampled(const SourceAnimation& animation, const Painte
     return frames;
 }
 
-// Takes frames that look alike together, except where something leads to or from the later one.
+// Merges consecutive frames that look alike, except where a branch, a sound or the hold needs them apart.
 void Merge(std::vector<PlannedFrame>& frames, int& hold)
 {
     const int last = static_cast<int>(frames.size()) - 1;
@@ -69,15 +69,15 @@ void Merge(std::vector<PlannedFrame>& frames, int& hold)
     frames = std::move(merged);
 }
 
-// Leads every frame on to one that it can pass into without a jump, earlier or later, such that following these exits
-// is the shortest smooth way to the animation's end.
+// Gives every frame an exit to an earlier or later one that it can change to without a jump, chosen so that following
+// the exits is the shortest smooth way to the animation's end.
 void FindExits(std::vector<PlannedFrame>& frames, const Painter& painter)
 {
     constexpr int unknown = std::numeric_limits<int>::max();
-    // A sound that was heard, or has yet to come, is not heard on the way out.
+    // The way out should pass no frames with sounds, neither one already heard nor a later one.
     constexpr int soundCost = 1000;
     const std::size_t last = frames.size() - 1;
-    std::vector<int> left(frames.size(), unknown); // 1/100 s from leaving this frame until the last is there
+    std::vector<int> left(frames.size(), unknown); // 1/100 s from leaving this frame until the last is shown
     std::vector<bool> settled(frames.size());
     left[last] = 0;
     for (;;) {
@@ -99,8 +99,8 @@ void FindExits(std::vector<PlannedFrame>& frames, const Painter& painter)
     }
 }
 
-// Puts the frame in which the animation ends behind those of the way back, where only exits lead. The way back ends in
-// a frame behind everything that is never drawn, so that it does not run on into the frame it came from.
+// Moves the frame in which the animation ends behind those of the way back, to which only exits lead. A frame that is
+// never drawn follows the way back, so that it does not run on into the frame it came from.
 void MoveHoldLast(std::vector<PlannedFrame>& frames, int hold, const SourceAnimation& animation)
 {
     const int last = static_cast<int>(frames.size()) - 1;

@@ -1,4 +1,4 @@
-// The frames of one animation before they are numbered into a file: how long each stands and where it goes on.
+// The frames of one animation before they get their numbers in the file: how long each is shown and where it goes next.
 #pragma once
 
 #include "Source.h"
@@ -13,21 +13,21 @@ namespace voxmate::characters
 struct PlannedFrame {
     Pose pose;
     QImage picture;
-    int duration = 0; ///< 1/100 s; 0: never drawn, without pose and picture
-    int exit = -1;    ///< all indices are into the same list
+    int duration = 0; ///< 1/100 s; 0: never drawn, has no pose or picture
+    int exit = -1;    ///< all indices refer to the list the frame is in
     std::vector<agent::Branch> branches;
     int sound = -1;
     bool speaks = false;
 };
 
-/// What a plan needs of the drawing; Drawing has both.
+/// The functions of Drawing that a plan needs.
 struct Painter {
     std::function<QImage(const Pose&)> render;
     std::function<double(const Pose&, const Pose&)> distance;
 };
 
-/// The animation's frames in the order of the file: from the start on, then, before the frame it ends in, those of the
-/// way back. Raises SourceError when the source's `hold` cannot be laid out.
+/// The animation's frames in the order of the file: from the start, then the frames of the way back, then the frame the
+/// animation ends in. Raises SourceError if the source's `hold` cannot be laid out so.
 std::vector<PlannedFrame> PlanFrames(const SourceAnimation& animation, const Painter& painter);
 
 } // namespace voxmate::characters

@@ -1,4 +1,4 @@
-// A value of a JSON file that knows where it stands, so that every complaint names its place.
+// A value of a JSON file that knows its place, so that every error message can name it.
 #pragma once
 
 #include "Source.h"
@@ -27,13 +27,13 @@ public:
     bool IsArray() const { return value_.isArray(); }
     bool IsString() const { return value_.isString(); }
 
-    /// The member of an object; one that does not exist if there is none.
+    /// The member `key` of an object; a place that does not exist if there is no such member.
     JsonPlace operator[](const QString& key) const
     {
         return {Object().value(key), file_, path_.isEmpty() ? key : path_ + "." + key};
     }
     QStringList Keys() const { return Object().keys(); }
-    /// Refuses members of an object that are not among `known`: a misspelt one would otherwise go unseen.
+    /// Fails for members that are not among `known`; otherwise a misspelt one would go unnoticed.
     void OnlyKeys(const QStringList& known) const
     {
         for (const QString& key : Keys())

@@ -13,7 +13,7 @@ double Eased(Ease ease, double part)
     if (part <= 0)
         return 0;
     const double rest = 1 - part;
-    constexpr double overshoot = 1.9; // some 12 percent beyond the end
+    constexpr double overshoot = 1.9; // goes some 12 percent beyond the end
     switch (ease) {
     case Ease::Linear:
         return part;
@@ -28,7 +28,7 @@ double Eased(Ease ease, double part)
     case Ease::Anticipate:
         return part * part * ((overshoot + 1) * part - overshoot);
     case Ease::Bounce: {
-        // A ball that falls, and bounces twice to a quarter and a sixteenth of the height.
+        // A falling ball that bounces twice, to a quarter and a sixteenth of the height.
         constexpr double fall = 4.0 / 11;
         if (part < fall)
             return part * part / (fall * fall);
@@ -49,7 +49,7 @@ double Eased(Ease ease, double part)
 namespace
 {
 
-// Goes through the keys that set one value and takes what it is at `time`.
+// Passes through the keys that set one value and computes it at `time`.
 class Track
 {
 public:
@@ -80,12 +80,12 @@ private:
     bool ahead_ = false;
 };
 
-// What a key sets last for a value is what counts: a part's own setting goes over that of a pose.
+// The setting that counts for a part: the last one in a key, so a part's own setting overrides that of a pose.
 struct Effective {
     std::array<std::optional<double>, PropertyCount> values;
     std::array<Ease, PropertyCount> eases{};
     std::optional<int> variant;
-    bool pins = false; // the part is named for its place: what is not said stays as it was
+    bool pins = false; // the key sets one of the part's values: values it does not mention keep theirs
 };
 
 Effective EffectOf(const Key& key, int part)

@@ -1,4 +1,4 @@
-// Keys become movement: the pose of an animation at any time.
+// Turns keys into movement: the pose of an animation at any time.
 #pragma once
 
 #include "Source.h"
@@ -6,11 +6,11 @@
 namespace voxmate::characters
 {
 
-/// Where an easing stands after `part` (0 to 1) of its time: 0 at the start, 1 at the end, beyond either in between for
-/// the lively ones.
+/// The value of an easing after `part` (0 to 1) of its time: 0 at the start, 1 at the end; lively easings go outside
+/// these limits in between.
 double Eased(Ease ease, double part);
 
-/// The pose at `time` (1/100 s). Each property of each part goes by itself from one key that sets it to the next.
+/// The pose at `time` (1/100 s). Each property of each part moves on its own, from one key that sets it to the next.
 Pose PoseAt(const SourceAnimation& animation, double time);
 
 } // namespace voxmate::characters

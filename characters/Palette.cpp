@@ -12,7 +12,7 @@ namespace voxmate::characters
 namespace
 {
 
-constexpr std::size_t MostColours = 255; // and the transparent one
+constexpr std::size_t MostColours = 255; // without the transparent one
 
 struct Bin {
     std::array<double, 3> colour{};
@@ -22,7 +22,7 @@ struct Bin {
 struct Box {
     std::size_t first = 0;
     std::size_t last = 0; // one past
-    double spread = 0;    // of its widest channel, weighted
+    double spread = 0;    // of its widest channel, by weight
     std::size_t channel = 0;
 };
 
@@ -69,7 +69,7 @@ double Distance(const std::array<double, 3>& a, const std::array<double, 3>& b)
     return sum;
 }
 
-// Cuts the colours into boxes at the middle of the widest, again and again.
+// Divides the colours into boxes: again and again the widest box is cut in the middle.
 std::vector<std::array<double, 3>> Cut(std::vector<Bin>& bins)
 {
     std::vector<Box> boxes{Measured(bins, 0, bins.size())};
@@ -99,7 +99,7 @@ std::vector<std::array<double, 3>> Cut(std::vector<Bin>& bins)
     return centres;
 }
 
-// Moves each colour to the mean of those it is nearest to.
+// Moves each palette colour to the mean of the colours that are nearest to it.
 void Settle(const std::vector<Bin>& bins, std::vector<std::array<double, 3>>& centres)
 {
     for (int round = 0; round < 8; ++round) {
@@ -138,7 +138,8 @@ void Palette::Count(const QImage& frame)
 
 void Palette::Choose()
 {
-    // Near colours are taken together (6 bits a channel) to keep this quick; the order must not depend on the hash.
+    // Similar colours are combined (6 bits a channel) to make this fast. A sorted map, because the order must not
+    // depend on the hash.
     std::map<std::uint32_t, Bin> gathered;
     for (const auto& [colour, count] : counts_) {
         Bin& bin = gathered[(colour >> 2) & 0x3F3F3F];
@@ -151,11 +152,11 @@ void Palette::Choose()
     for (auto& [key, bin] : gathered) {
         for (double& value : bin.colour)
             value /= bin.weight;
-        // The root keeps small bright details (an eye's glint) from being outvoted by large areas.
+        // With the square root large areas do not outvote small bright details (a glint in an eye).
         bin.weight = std::sqrt(bin.weight);
         bins.push_back(bin);
     }
-    // A colour nobody draws with stands at the transparent index, for programs that show it.
+    // The transparent index has a colour that no drawing uses, for programs that show it.
     colours_.assign(1, {255, 0, 255});
     if (!bins.empty()) {
         auto centres = Cut(bins);

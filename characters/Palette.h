@@ -1,4 +1,4 @@
-// The one palette of a character: the 255 colours that stand best for all those its frames are drawn with.
+// The single palette of a character: the 255 colours that best represent all the colours of its frames.
 #pragma once
 
 #include "agent/file/AcsFile.h"
@@ -16,15 +16,15 @@ inline constexpr std::uint8_t TransparentIndex = 0;
 class Palette
 {
 public:
-    /// Counts the colours of a frame; to be called for every frame before Choose.
+    /// Counts the colours of a frame. Must be called for every frame before Choose.
     void Count(const QImage& frame);
-    /// Chooses the colours: the same for the same frames, whatever the machine.
+    /// Chooses the colours. The result for the same frames is the same on every machine.
     void Choose();
 
     const std::vector<agent::Colour>& Colours() const { return colours_; }
-    /// A frame in palette indices, row by row from the top; TransparentIndex where it shows nothing.
+    /// A frame as palette indices, row by row from the top; TransparentIndex where it is empty.
     std::vector<std::uint8_t> Indices(const QImage& frame);
-    /// Mean distance of a pixel's colour from the one that stands for it, in steps of 1/255.
+    /// Mean distance between a pixel's colour and its palette colour, in steps of 1/255.
     double MeanError() const;
 
 private:

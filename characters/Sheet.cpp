@@ -87,13 +87,13 @@ QImage DrawSheet(const QString& acsFile, const QString& background, int scale, c
 namespace
 {
 
-// A contact sheet: two animations side by side, of each so many pictures at half their size.
+// Contact sheet: two animations side by side, with this many pictures of each at half size.
 constexpr int ContactColumns = 2;
 constexpr int ContactPictures = 8;
 constexpr int ContactGap = 12;
 constexpr int ContactTitle = 22;
 
-// The frames seen when an animation plays to its end, each with the hundredths of a second that it stands.
+// The frames that are visible when an animation plays to its end, each with its duration in 1/100 s.
 std::vector<std::pair<const agent::Frame*, int>> Played(const agent::Animation& animation)
 {
     std::vector<std::pair<const agent::Frame*, int>> seen;
@@ -108,7 +108,7 @@ std::vector<std::pair<const agent::Frame*, int>> Played(const agent::Animation& 
     return seen;
 }
 
-// The frame on show after so many hundredths of a second.
+// The frame shown `time` (1/100 s) after the start.
 const agent::Frame& FrameAt(const std::vector<std::pair<const agent::Frame*, int>>& played, int time)
 {
     for (const auto& [frame, duration] : played)
@@ -117,7 +117,7 @@ const agent::Frame& FrameAt(const std::vector<std::pair<const agent::Frame*, int
     return *played.back().first;
 }
 
-// The same in 256 colours, as the character itself has no more: a far smaller file.
+// The picture in 256 colours. The character itself has no more, and the file becomes far smaller.
 QImage FewColours(const QImage& picture)
 {
     Palette palette;
@@ -174,7 +174,7 @@ QImage DrawContactSheet(const QString& acsFile)
         painter.drawText(x + ContactGap + after, y + 17, QString("%1 s").arg(length / 100.0, 0, 'f', 1));
         const int count = std::min<int>(ContactPictures, static_cast<int>(played.size()));
         for (int k = 0; k < count; ++k) {
-            // From the first picture to the last; what moves between lies evenly apart in time.
+            // From the first picture to the last; those between are spaced evenly in time.
             const int time = count == 1 ? 0 : static_cast<int>(std::int64_t{length - 1} * k / (count - 1));
             const QImage picture = ToImage(agent::ComposeFrame(*file, FrameAt(played, time), -1))
                                        .convertToFormat(QImage::Format_ARGB32_Premultiplied)

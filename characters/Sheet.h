@@ -1,4 +1,4 @@
-// Contact sheets: all frames of a built character file side by side, to look at.
+// Contact sheets that show all frames of a built character file side by side.
 #pragma once
 
 #include <QImage>
@@ -7,13 +7,13 @@
 namespace voxmate::characters
 {
 
-/// Draws the frames of one animation, or of all of them and the mouths when `animation` is empty, on a background
-/// ("light", "dark" or "checkered"), each `scale` times as large. Raises agent::AcsError, or SourceError for a name not
-/// known.
+/// Draws the frames of one animation, or of all of them with the mouths if `animation` is empty, on a background
+/// ("light", "dark" or "checkered"), enlarged `scale` times. Raises agent::AcsError, or SourceError for an unknown
+/// name.
 QImage DrawSheet(const QString& acsFile, const QString& background, int scale, const QString& animation);
 
-/// Draws some pictures of every animation, as it plays, at half their size: what the character can do at a glance.
-/// Raises agent::AcsError.
+/// Draws a few pictures of every animation in the order of play, at half size, as an overview of the character. Raises
+/// agent::AcsError.
 QImage DrawContactSheet(const QString& acsFile);
 
 } // namespace voxmate::characters

@@ -39,7 +39,7 @@ JsonPlace ReadJson(const QString& path)
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (document.isNull()) {
-        // The offset is that of the first byte that was not read.
+        // The offset is that of the first byte not read.
         const QByteArray before = text.left(std::max(0, error.offset - 1));
         const auto line = before.count('\n') + 1;
         const auto column = before.size() - before.lastIndexOf('\n');
@@ -80,7 +80,7 @@ Ease ReadEase(const JsonPlace& at, Ease absent)
     return *found;
 }
 
-// The names of one pose or several.
+// One name of a pose or a list of them.
 std::vector<JsonPlace> Poses(const JsonPlace& at)
 {
     if (at.IsString())
@@ -375,7 +375,7 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
         const QByteArray sound = ReadAll(source_.folder + "/" + at["sound"].Text());
         if (!sound.startsWith("RIFF"))
             at["sound"].Fail("\"" + at["sound"].Text() + "\" is not a RIFF wave file");
-        // A sound that several keys play stands in the file once.
+        // A sound that several keys play is stored once.
         const auto known = std::find(source_.sounds.begin(), source_.sounds.end(), sound);
         animation.sounds.push_back({key.at, static_cast<int>(known - source_.sounds.begin())});
         if (known == source_.sounds.end())
@@ -415,7 +415,7 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
     }
     const int last = animation.keys.empty() ? 0 : animation.keys.back().at;
     animation.length = at["length"].Whole(std::max(1, last), 30000, std::max(animation.step, last));
-    // Between two frames nothing can be held or left.
+    // The time must be a frame's: only there can an animation hold or branch.
     const auto onFrame = [&animation](const JsonPlace& time, int value) {
         if (value % animation.step != 0 && value != animation.length)
             time.Fail(QString("a multiple of the step, %1, is needed").arg(animation.step));

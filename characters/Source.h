@@ -1,4 +1,4 @@
-// A character's source: what its folder's character.json says, checked and with every name resolved.
+// A character's source: the contents of its folder's character.json, checked and with all names resolved.
 #pragma once
 
 #include "agent/file/AcsFile.h"
@@ -23,7 +23,7 @@ public:
     explicit SourceError(const QString& message) : std::runtime_error(message.toStdString()) {}
 };
 
-/// What a key can set of a part: lengths in pixels of the frame, angles in degrees clockwise, factors of its size.
+/// What a key can set for a part: offsets in pixels of the frame, angles in degrees clockwise, scale factors.
 enum Property { MoveX, MoveY, Rotate, ScaleX, ScaleY };
 inline constexpr std::size_t PropertyCount = 5;
 
@@ -38,20 +38,20 @@ using Pose = std::vector<PartState>;
 
 struct Variant {
     QString name;
-    QString drawing; ///< identifier of a group of the drawing; empty for a part that only holds others together
+    QString drawing; ///< identifier of a group of the drawing; empty for a part that only groups others
 };
 
 struct Part {
     QString name;
-    int parent = -1; ///< index of an earlier or later part; -1: the frame itself
+    int parent = -1; ///< index of another part, earlier or later in the list; -1: the frame itself
     QPointF pivot;
-    bool mirrored = false; ///< drawn and moved as its own reflection at the frame's middle
+    bool mirrored = false; ///< drawn and moved as its reflection about the frame's middle
     std::vector<Variant> variants;
     PartState rest;
     bool OnlyHolds() const { return variants.size() == 1 && variants[0].drawing.isEmpty(); }
 };
 
-/// How a value comes from the last key to this one.
+/// How a value moves from the previous key to this one.
 enum class Ease { Linear, In, Out, InOut, Back, Anticipate, Bounce, Spring, Hold };
 
 struct Setting {
@@ -66,7 +66,7 @@ struct Key {
     std::vector<Setting> settings;
 };
 
-/// At the time `from` go on at the time `to`, in `percent` of the cases.
+/// At the time `from`, playing continues at the time `to` in `percent` of the cases.
 struct SourceBranch {
     int from = 0;
     int to = 0;
@@ -86,8 +86,8 @@ struct SourceAnimation {
     std::vector<Key> keys;
     int step = 6;        ///< 1/100 s a frame
     int length = 0;      ///< 1/100 s
-    int hold = -1;       ///< it ends here; what follows is only the way back to the rest pose; -1: at its length
-    bool speaks = false; ///< the frame it ends in has the mouths
+    int hold = -1;       ///< 1/100 s where it ends; the rest is only the way back to the rest pose; -1: at its length
+    bool speaks = false; ///< the frame it ends in has the mouths' overlays
     std::vector<SourceBranch> branches;
     std::vector<SourceSound> sounds;
 };
@@ -102,7 +102,7 @@ struct Source {
     std::optional<agent::BalloonInfo> balloon;
     std::vector<Part> parts; ///< back to front
     int mouthPart = -1;
-    std::array<int, agent::MouthCount> mouths{}; ///< for each mouth the variant of the mouth part
+    std::array<int, agent::MouthCount> mouths{}; ///< for each mouth, the variant of the mouth part
     std::vector<std::pair<std::string, std::vector<std::string>>> states;
     std::vector<SourceAnimation> animations;
     std::vector<QByteArray> sounds;
@@ -110,7 +110,7 @@ struct Source {
     Pose RestPose() const;
 };
 
-/// Reads `folder`/character.json; raises SourceError.
+/// Reads `folder`/character.json. Raises SourceError.
 Source ReadSource(const QString& folder);
 
 } // namespace voxmate::characters

@@ -1,4 +1,4 @@
-// A composed frame as Qt's kind of picture.
+// Converts a composed frame to a QImage.
 #pragma once
 
 #include "base/Geometry.h"
@@ -8,7 +8,7 @@
 namespace voxmate::characters
 {
 
-/// The bitmap's pixels, not premultiplied, in a picture of its own.
+/// A copy of the bitmap's pixels, not premultiplied.
 QImage ToImage(const Bitmap& bitmap);
 
 } // namespace voxmate::characters

@@ -1,4 +1,4 @@
-// acsbuild: makes a character file from a folder with its drawing and its character.json. See README.md.
+// acsbuild: makes a character file from a folder that contains its drawing and its character.json. See README.md.
 #include "Assemble.h"
 #include "Drawing.h"
 #include "Sheet.h"
@@ -32,7 +32,7 @@ void Build(const QString& folder, const QString& out)
     double error = 0;
     const agent::AcsDescription description = Assemble(source, drawing, error);
     const std::vector<std::uint8_t> bytes = agent::WriteAcs(description);
-    // What is not sound must not be written: the reader is the judge.
+    // An invalid file must not be written, so the reader checks it first.
     agent::AcsFile::Parse(bytes, out.toStdString());
     QSaveFile file(out);
     if (!file.open(QIODevice::WriteOnly) ||
@@ -55,10 +55,10 @@ void Build(const QString& folder, const QString& out)
 
 int main(int argc, char** argv)
 {
-    // Pictures need no display; the labels of a sheet need fonts, which come with a platform that has no display
-    // either.
+    // Rendering needs no display. The labels of a sheet need fonts, which the "offscreen" platform provides without
+    // one.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // What Qt misses of a desktop's environment concerns no picture.
+    // Qt's warnings about missing parts of a desktop's environment do not affect pictures.
     QLoggingCategory::setFilterRules("default.warning=false");
     const bool sheet = argc >= 4 && argc <= 7 && std::string_view(argv[1]) == "--sheet";
     const bool contact = argc == 4 && std::string_view(argv[1]) == "--contact";

@@ -1,4 +1,4 @@
-// acsinfo: tells what is in a character file, takes its pictures and sounds out, checks it wholly. See README.md.
+// acsinfo: describes a character file, exports its pictures and sounds, or checks it completely. See README.md.
 #include "Describe.h"
 #include "Export.h"
 
@@ -28,7 +28,7 @@ void Print(FILE* to, const std::string& text)
     std::fwrite(text.data(), 1, text.size(), to);
 }
 
-// A file whose images all decode: frames are made of nothing else, so they can be drawn.
+// Opens a file and checks that all its images decode. Frames consist only of images, so all of them can then be drawn.
 std::shared_ptr<const agent::AcsFile> OpenSound(const QString& path)
 {
     auto file = agent::AcsFile::Open(path.toStdString());

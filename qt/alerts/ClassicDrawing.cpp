@@ -141,7 +141,7 @@ struct Rounded {
         const qreal bottom = rect.y() + rect.height() - radiusY;
         const qreal dx = x + 0.5 - std::clamp(x + 0.5, rect.x() + radiusX, std::max(rect.x() + radiusX, right));
         const qreal dy = y + 0.5 - std::clamp(y + 0.5, rect.y() + radiusY, std::max(rect.y() + radiusY, bottom));
-        // Multiplied out: all of it is exact for radii of whole and half pixels.
+        // The ellipse's equation without divisions, so that it is exact for radii of whole and half pixels.
         return dx * dx * radiusY * radiusY + dy * dy * radiusX * radiusX <= radiusX * radiusX * radiusY * radiusY;
     }
 };
@@ -195,7 +195,7 @@ void DrawRoundRect(QImage& image, QRect rect, QSize ellipse, QColor colour)
 {
     const qreal ratio = image.devicePixelRatio();
     const Rounded shape(rect, ellipse, ratio);
-    // A pixel belongs to the outline when what lies outside is no further away than the pen is wide.
+    // A pixel belongs to the outline if the nearest pixel outside is no further away than the pen's width.
     const int pen = std::max(static_cast<int>(std::lround(ratio)), 1);
     const auto nearOutside = [&](int x, int y) {
         for (int dy = -pen; dy <= pen; ++dy) {
@@ -206,7 +206,7 @@ void DrawRoundRect(QImage& image, QRect rect, QSize ellipse, QColor colour)
         }
         return false;
     };
-    // Only the corners are curved: between them the inside is far away.
+    // Only the corners are curved, so pixels this far from all four edges need no test.
     const int edgeX = static_cast<int>(std::ceil(shape.radiusX)) + pen;
     const int edgeY = static_cast<int>(std::ceil(shape.radiusY)) + pen;
     const QRect inside = shape.rect.adjusted(edgeX, edgeY, -edgeX, -edgeY);

@@ -15,14 +15,14 @@ namespace voxmate::qt
 namespace
 {
 
-/// Least room, in pixels, between the text and the window's lower edge.
+/// Least distance, in pixels, between the text and the window's lower edge.
 constexpr int LowerMargin = 6;
 
-// Points. Smaller letters than these are not read with ease; a text gives up its lines before.
+// In points. Smaller letters are hard to read, so a text gives up its line breaks before it becomes smaller than this.
 constexpr qreal LeastSize = 6;
 constexpr qreal SizeStep = 0.25;
 
-/// Breaks a text into lines; line ends of every kind count.
+/// Breaks a text into lines; all kinds of line ends count.
 class Lines
 {
 public:
@@ -55,8 +55,9 @@ private:
     QTextLayout layout_;
 };
 
-/// The text in `font`, or in so much less of it that `room` pixels hold it: no word is left out. Where the least size
-/// is still too large, the lines run on into one another; and what is too long even then is made smaller yet.
+/// The text laid out in `font`, or in as much smaller letters as it takes to fit into `room` pixels of height, so that
+/// no word is left out. If it does not fit at LeastSize, its lines are joined and the letters become as small as that
+/// takes.
 std::unique_ptr<Lines> Fitted(const QString& text, const QFont& font, int width, int room)
 {
     const QString runningOn = text.simplified();
@@ -85,7 +86,7 @@ PlacedLabel::PlacedLabel(QWidget* parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::NoTextInteraction);
-    // The window is pale in every theme.
+    // The window's background is light in every theme.
     QPalette ink = palette();
     ink.setColor(QPalette::WindowText, Qt::black);
     setPalette(ink);
@@ -106,7 +107,7 @@ void PlacedLabel::mousePressEvent(QMouseEvent* event)
 
 void PlacedLabel::mouseReleaseEvent(QMouseEvent* event)
 {
-    // A copy: the form may let its window go from within.
+    // Copied, because the form may release its window inside the call.
     const auto click = OnClick;
     if (click && rect().contains(event->position().toPoint()))
         click();

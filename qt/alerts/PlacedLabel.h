@@ -1,5 +1,5 @@
-// A label that stands by pixels: plain text, broken where it must be, in smaller letters where the window would end
-// first.
+// A label placed by pixels. It shows plain text, breaks long lines, and uses smaller letters where the text would not
+// fit into the window.
 #pragma once
 
 #include "controls/Control.h"
@@ -12,7 +12,7 @@
 namespace voxmate::qt
 {
 
-/// Pixels that a plain text needs in height, broken into lines of `width` pixels.
+/// The height in pixels of a plain text that is broken into lines of `width` pixels.
 int PlainTextHeight(const QString& text, const QFont& font, int width);
 
 class PlacedLabel : public QLabel

@@ -28,13 +28,13 @@ QColor ToQColor(std::uint32_t colour, const QPalette& palette)
                   static_cast<int>(colour >> 16 & 0xFF));
 }
 
-// The window manager is bypassed: it would keep the window from standing below the screen's edge and from moving as
-// often and as exactly as it does. A tool's window leaves open menus and lists open when it appears.
+// The window bypasses the window manager, which would not let it stand below the screen's edge or move as often and as
+// exactly as it does. Qt::Tool, because a new window of that type leaves open menus and lists open.
 PlacedWindow::PlacedWindow()
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
 {
-    // Screen readers are told of an announcement, not of one more window.
+    // Screen readers report an announcement, not just another window.
     SetAccessibleRole(*this, QAccessible::AlertMessage);
     SetAccessiblePress(*this, [this] { Press(); });
     setAttribute(Qt::WA_TranslucentBackground);
@@ -49,7 +49,7 @@ PlacedWindow::PlacedWindow()
 
 QPoint WithinDevicePixels(const QRect& rect, qreal ratio)
 {
-    // Place and size are rounded each by itself.
+    // Qt rounds position and size separately.
     const auto fits = [ratio](int from, int length) {
         return qRound(from * ratio) + qRound(length * ratio) <= (from + length) * ratio;
     };
@@ -76,7 +76,7 @@ void PlacedWindow::Display()
     if (!created_) {
         winId();
         created_ = true;
-        // Before there is a window it would be lost.
+        // Set before the native window exists it would have no effect.
         setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
         // Another screen may have another pixel ratio.
         connect(windowHandle(), &QWindow::screenChanged, this, [this] {
@@ -92,7 +92,8 @@ void PlacedWindow::Display()
     QAccessible::updateAccessibility(&announced);
 }
 
-// Window managers keep a window that bypasses them above all of theirs. Without one the last raised is the uppermost.
+// A window that bypasses the window manager is kept above all managed ones. Without a window manager the window raised
+// last is the uppermost.
 void PlacedWindow::SetTopmost(bool topmost)
 {
     if (topmost)
@@ -158,8 +159,8 @@ QImage PlacedWindow::Drawn()
     return drawn_;
 }
 
-/// With a compositor the corners are smooth and translucent and only the mouse goes by the shape; without one the
-/// window is cut out.
+/// With a compositor the corners are smooth and translucent, and the shape limits only where the window takes the
+/// mouse. Without one the window is cut to the shape.
 void PlacedWindow::UpdateShape()
 {
     if (!created_)
@@ -178,7 +179,7 @@ void PlacedWindow::UpdateShape()
 
 bool PlacedWindow::event(QEvent* event)
 {
-    // The frame is drawn in the theme's colours.
+    // The drawing uses the theme's colours.
     if (event->type() == QEvent::PaletteChange)
         Invalidate();
     return QWidget::event(event);
@@ -193,7 +194,7 @@ void PlacedWindow::paintEvent(QPaintEvent* event)
     painter.drawImage(0, 0, shown_);
 }
 
-// Announcements may lie on one another; the one that is pointed at can be read.
+// Announcements may overlap; the one under the mouse pointer is raised so that it can be read.
 void PlacedWindow::enterEvent(QEnterEvent* event)
 {
     QWidget::enterEvent(event);
@@ -208,13 +209,13 @@ void PlacedWindow::mouseReleaseEvent(QMouseEvent* event)
 
 void PlacedWindow::Press()
 {
-    // A copy: the form may let its window go from within.
+    // Copied, because the form may release its window inside the call.
     const auto click = OnClick;
     if (click)
         click();
 }
 
-// It goes when its form lets it go.
+// Only its form closes it.
 void PlacedWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();

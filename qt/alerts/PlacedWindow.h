@@ -1,5 +1,5 @@
-// A window without a frame that stands exactly where its form says, above all others, and never takes the keyboard.
-// What is drawn on it is kept as calls, so that it can be painted at any screen's resolution.
+// A frameless window that stands exactly where its form says, above all others, and never takes the keyboard focus.
+// Drawing calls on it are recorded, so that they can be repeated at any screen's resolution.
 #pragma once
 
 #include "controls/PlacedForm.h"
@@ -22,8 +22,8 @@ struct RoundShape {
     QSize ellipse;
 };
 
-/// Where a window is put so that in device pixels, too, its right and lower edges lie within those of `rect`: there, or
-/// one pixel further left or up, where `ratio` is no whole number.
+/// The position for a window of the form's `rect` at which its right and lower edges, in device pixels too, stay within
+/// those of `rect`. Where `ratio` is not a whole number it may be one pixel further left or up.
 QPoint WithinDevicePixels(const QRect& rect, qreal ratio);
 
 class PlacedWindow : public QWidget
@@ -31,26 +31,27 @@ class PlacedWindow : public QWidget
 public:
     PlacedWindow();
 
-    /// Where the form wants it to stand, on the screen.
+    /// Moves the window to `rect`, in device-independent pixels of the screen.
     void Place(const QRect& rect);
     void Display();
-    /// Puts it above all other windows; without, it stays where it is among them.
+    /// True raises the window above all others; false leaves it where it is among them.
     void SetTopmost(bool topmost);
     void SetOpacity(int alpha);
     void SetShape(const RoundShape& shape);
 
     using Drawing = std::function<void(QImage&)>;
-    /// Draws on the window for good; `drawing` is run again whenever it has to be painted at another resolution.
+    /// Draws on the window and records `drawing`, which is run again whenever the window is painted at another
+    /// resolution.
     void Draw(Drawing drawing);
-    /// Fills the window; what was drawn before is gone.
+    /// Fills the window with one colour and forgets earlier drawings.
     void Clear(std::uint32_t colour);
-    /// What is drawn, without controls and not cut to the shape, at the window's own resolution.
+    /// The drawing at the window's own resolution, without controls and not cut to the shape.
     QImage Drawn();
 
     std::function<void()> OnClick;
 
-    std::uint32_t ForeColor = 0;    ///< of outlines, as the drawing calls name colours
-    std::int32_t ExtendedStyle = 0; ///< the bits that GWL_EXSTYLE stands for
+    std::uint32_t ForeColor = 0;    ///< colour of outlines, in the form the drawing calls use
+    std::int32_t ExtendedStyle = 0; ///< the window's GWL_EXSTYLE bits
 
 protected:
     bool event(QEvent* event) override;
@@ -66,12 +67,12 @@ private:
 
     std::vector<Drawing> drawings_;
     std::optional<RoundShape> shape_;
-    QImage drawn_; ///< null: to be drawn anew
+    QImage drawn_; ///< null: must be drawn again
     QImage shown_; ///< the same, cut to the shape
     bool created_ = false;
 };
 
-/// A colour as the drawing calls name it: 0x00BBGGRR or a system colour of the desktop's theme.
+/// Converts a colour of the drawing calls: 0x00BBGGRR, or a system colour, which comes from the desktop's theme.
 QColor ToQColor(std::uint32_t colour, const QPalette& palette);
 
 } // namespace voxmate::qt

@@ -51,7 +51,7 @@ bool QtWindowCalls::GetVersionExA(OsVersionInfo& info)
 {
     if (info.dwOSVersionInfoSize != sizeof info)
         return false;
-    // The oldest systems that can do what this desktop can: transparent windows take a compositor.
+    // Reports the oldest system with this desktop's abilities; transparent windows need a compositor.
     const bool transparent = Compositor::Instance().Running();
     info.dwPlatformId = transparent ? VER_PLATFORM_WIN32_NT : VER_PLATFORM_WIN32_WINDOWS;
     info.dwMajorVersion = transparent ? 5 : 4;
@@ -84,7 +84,7 @@ bool QtWindowCalls::SetWindowPos(voxmate::WindowHandle window, std::int32_t inse
         placed->SetTopmost(topmost);
         return true;
     }
-    // An ordinary window changes without being hidden for it, as the widget's own call would.
+    // Changes an ordinary window without hiding it, which the widget's own setWindowFlag would do.
     Qt::WindowFlags hints = widget->windowFlags();
     hints.setFlag(Qt::WindowStaysOnTopHint, topmost);
     widget->overrideWindowFlags(hints);
@@ -179,7 +179,7 @@ void QtWindowCalls::SetForeColor(voxmate::WindowHandle window, std::uint32_t col
         placed->ForeColor = colour;
 }
 
-// Every drawing is kept here, whether asked for or not: a modern desktop shows nothing else.
+// Drawings are always kept, whatever is asked for, because a modern desktop cannot show any others.
 void QtWindowCalls::SetAutoRedraw(voxmate::WindowHandle /*window*/, bool /*on*/) {}
 
 void QtWindowCalls::Line(voxmate::WindowHandle window, int x1, int y1, int x2, int y2, std::uint32_t colour)

@@ -1,4 +1,4 @@
-// The calls on windows on a Qt desktop: finds the window that a handle names and does what the call says.
+// Window calls on a Qt desktop: each finds the window that a handle names and does what the call says.
 #pragma once
 
 #include "platform/WindowSystem.h"
@@ -42,11 +42,11 @@ public:
     std::int32_t ScreenHeight() override;
 
 protected:
-    /// From now on the handle of `form` names this window.
+    /// Makes the handle of `form` name this window from now on.
     void Register(const Form& form, QWidget* window);
 
 private:
-    /// The window of that handle; nullptr when it has gone, or is not one that can be drawn on.
+    /// The window of a handle; nullptr when it no longer exists or (FindPlaced) cannot be drawn on.
     QWidget* Find(voxmate::WindowHandle window) const;
     PlacedWindow* FindPlaced(voxmate::WindowHandle window) const;
 

@@ -28,14 +28,14 @@ Background::~Background()
     thread_.request_stop();
     if (thread_.joinable())
         thread_.join();
-    // What it has told meanwhile concerns nobody any more.
+    // A report still in the event queue is no longer wanted.
     QCoreApplication::removePostedEvents(context_);
     context_->deleteLater();
 }
 
 void Background::Done(const std::exception_ptr& error)
 {
-    // Whoever hears of it may let this work go.
+    // Taken out first, because the callback or the error's handler may destroy this object.
     const std::function<void()> done = std::exchange(done_, nullptr);
     if (error)
         std::rethrow_exception(error);

@@ -1,4 +1,4 @@
-// Work on a thread of its own, whose end is told by the event loop.
+// Work on a thread of its own. The event loop reports its end.
 #pragma once
 
 #include "agent/Stage.h"
@@ -15,7 +15,7 @@ namespace voxmate::qt
 class Background : public agent::StageWork
 {
 public:
-    /// Begins at once; as Stage::InBackground.
+    /// Starts the work at once; parameters as for Stage::InBackground.
     Background(std::function<void(std::stop_token)> work, std::function<void()> done);
     ~Background() override;
 
@@ -23,7 +23,8 @@ private:
     void Done(const std::exception_ptr& error);
 
     std::function<void()> done_;
-    QObject* context_; ///< receives the end; it may come in the middle of being destroyed
+    QObject* context_; ///< receives the report; a separate object, because this one may be destroyed while the report
+                       ///< is being delivered
     std::jthread thread_;
 };
 

@@ -47,7 +47,7 @@ const ShapedImage* FrameScaler::Get(const agent::Picture& picture, QSize size, b
 const ShapedImage* FrameScaler::Remember(Entry entry)
 {
     const auto bytes = [](const Entry& one) { return std::int64_t{one.image.image.sizeInBytes()}; };
-    // What was in front has had its turn; it stays only if it was work to make.
+    // The picture used last is no longer shown; it is kept only if it had to be scaled.
     if (!entries_.empty() && !entries_.front().scaled) {
         used_ -= bytes(entries_.front());
         entries_.pop_front();

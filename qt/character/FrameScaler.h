@@ -1,5 +1,5 @@
-// Scales a character's pictures for its window: small ones at once, large ones on a thread of their own, each once
-// while it is remembered.
+// Scales a character's pictures for its window: small ones at once, large ones on a thread of their own. Scaled
+// pictures are cached.
 #pragma once
 
 #include "agent/Stage.h"
@@ -23,21 +23,22 @@ class FrameScaler
 public:
     using Scale = std::function<QImage(const Bitmap& bitmap, QSize size, const std::stop_token& stop)>;
 
-    /// `ready` is called from the event loop when a large picture has been made.
+    /// `ready` is called from the event loop when a large picture has been scaled.
     explicit FrameScaler(std::function<void()> ready);
-    /// With a scaling of the caller's own, which may run on any thread.
+    /// Uses the caller's scaling function, which may run on any thread.
     FrameScaler(std::function<void()> ready, Scale scale);
 
-    /// A picture in `size` pixels, shaped (see Shaped). Null when it is being made, or will be asked for again because
-    /// another is: one at a time.
+    /// A picture scaled to `size` pixels, with its shape (see Shaped). Null while it is being scaled, and also while
+    /// another one is: only one is scaled at a time, and the caller asks again when `ready` is called.
     const ShapedImage* Get(const agent::Picture& picture, QSize size, bool cutOut);
-    /// A large picture is being made.
+    /// Whether a large picture is being scaled.
     bool Busy() const { return work_ != nullptr; }
 
-    /// Pixels of the largest picture that is scaled at once, which takes some 25 ms.
+    /// The largest picture, in pixels, that is scaled at once; that takes some 25 ms.
     static constexpr std::int64_t LargestAtOnce = std::int64_t{1} << 20;
-    /// Bytes of scaled pictures that are remembered besides the last: some 40 of a figure of 160 by 170 pixels at twice
-    /// its size. Those in their own size are made anew, which costs next to nothing.
+    /// The cache's limit in bytes; the last picture is kept even if it is larger. The limit holds some 40 pictures of a
+    /// figure of 160 by 170 pixels at twice its size. Pictures in their own size are not cached, because making them
+    /// costs next to nothing.
     static constexpr std::int64_t MemoryBound = std::int64_t{16} << 20;
     std::int64_t MemoryUsed() const { return used_; }
 
@@ -54,7 +55,7 @@ private:
 
     std::function<void()> ready_;
     Scale scale_;
-    std::list<Entry> entries_; ///< the last used in front
+    std::list<Entry> entries_; ///< most recently used first
     std::int64_t used_ = 0;
     std::unique_ptr<agent::StageWork> work_;
 };

@@ -19,7 +19,7 @@ namespace
 constexpr qreal CornerRadius = 10;
 constexpr qreal TailWidth = 18;
 constexpr qreal OutlineWidth = 1.25;
-/// Room round the bubble for outline and shadow.
+/// Space around the bubble for outline and shadow, in device-independent pixels.
 constexpr int Margin = 7;
 
 QColor ToQColor(agent::Colour colour)
@@ -32,7 +32,7 @@ QRect ToQRect(const Rect& rect)
     return QRect(rect.x, rect.y, rect.width, rect.height);
 }
 
-/// Where the window of a balloon is on the screen.
+/// The rectangle of a balloon's window on the screen.
 QRect Extent(const agent::BalloonView& view)
 {
     return ToQRect(view.bubble)
@@ -40,7 +40,7 @@ QRect Extent(const agent::BalloonView& view)
         .adjusted(-Margin, -Margin, Margin, Margin);
 }
 
-/// The tail: from the edge of `bubble` nearest to `tip`, bent a little like a drawn stroke. Empty for a tip inside.
+/// The tail: from the edge of `bubble` nearest to `tip`, bent a little like a drawn stroke. Empty if `tip` lies inside.
 QPainterPath Tail(const QRectF& bubble, QPointF tip)
 {
     const qreal above = bubble.top() - tip.y();
@@ -53,7 +53,7 @@ QPainterPath Tail(const QRectF& bubble, QPointF tip)
         return tail;
 
     const qreal corner = CornerRadius + TailWidth / 2;
-    // The root lies inside the edge, so that both shapes unite without a seam.
+    // The root lies inside the edge so that both shapes unite without a seam.
     const qreal inside = OutlineWidth * 2;
     const bool upright = furthest == above || furthest == below;
     QPointF root;
@@ -62,7 +62,7 @@ QPainterPath Tail(const QRectF& bubble, QPointF tip)
         const qreal middle = bubble.center().x();
         const qreal x =
             bubble.width() > 2 * corner ? std::clamp(tip.x(), bubble.left() + corner, bubble.right() - corner) : middle;
-        // Leaning from the bubble's middle reads as speech, straight down as a map pin.
+        // A tail that leans from the bubble's middle looks like speech; one straight down would look like a map pin.
         const qreal lean = std::clamp((middle - x) * 0.25, -TailWidth, TailWidth);
         root = {x + lean, furthest == above ? bubble.top() + inside : bubble.bottom() - inside};
         half = {TailWidth / 2, 0};
@@ -126,7 +126,7 @@ QImage QtBalloonWindow::Draw(qreal ratio) const
     painter.setRenderHint(QPainter::Antialiasing);
 
     const QRectF whole = QRectF(ToQRect(view_.bubble)).translated(-all.topLeft());
-    // Half a pixel in, so that straight edges are sharp.
+    // Moved in by half a pixel so that straight edges are sharp.
     const QRectF bubble = whole.adjusted(0.5, 0.5, -0.5, -0.5);
     const QPointF tip = QPointF(view_.tailTip.x + 0.5, view_.tailTip.y + 0.5) - QPointF(all.topLeft());
 
@@ -155,7 +155,7 @@ QImage QtBalloonWindow::Draw(qreal ratio) const
     for (std::size_t i = 0; i < view_.lines.size(); ++i) {
         const QString line = ToQt(view_.lines[i]);
         const bool rightToLeft = i < view_.rightToLeft.size() && view_.rightToLeft[i];
-        // The direction also decides on which side a full stop stands.
+        // The direction also decides on which side of the line a full stop stands.
         painter.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
         const qreal x = rightToLeft ? whole.right() - agent::BalloonPadding - metrics.horizontalAdvance(line)
                                     : whole.left() + agent::BalloonPadding;

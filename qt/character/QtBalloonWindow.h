@@ -8,8 +8,8 @@
 namespace voxmate::qt
 {
 
-/// The font of a balloon; the desktop's own sans serif where the system does not have it. Text is measured and drawn
-/// with the same font.
+/// The font of a balloon, or the desktop's own sans serif where the named one is not installed. Text is measured and
+/// drawn with the same font.
 QFont ToQFont(const agent::BalloonFont& font);
 
 class QtBalloonWindow : public agent::BalloonWindow

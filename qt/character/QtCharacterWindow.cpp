@@ -19,7 +19,7 @@ QtCharacterWindow::QtCharacterWindow()
         if (!echoes_.isActive())
             ComparePlace();
     };
-    // A window manager may place a new window before it heeds where that is wanted.
+    // A window manager may first place a new window elsewhere, before it honours the position asked for.
     window_->OnShow = [this] { Await(EchoTime); };
     echoes_.setSingleShot(true);
     QObject::connect(&echoes_, &QTimer::timeout, &context_, [this] { ComparePlace(); });
@@ -29,7 +29,7 @@ QtCharacterWindow::QtCharacterWindow()
     });
 }
 
-/// Looks where the window stands in so many milliseconds, and not before.
+/// Compares the window's position after so many milliseconds, and not before.
 void QtCharacterWindow::Await(int milliseconds)
 {
     if (!echoes_.isActive() || echoes_.remainingTime() < milliseconds)
@@ -65,7 +65,7 @@ void QtCharacterWindow::ComparePlace()
     if (!window_->isVisible())
         return;
     const Point place{window_->x(), window_->y()};
-    // Where a pixel of the screen is a fraction of ours, a place comes back rounded.
+    // Where a device-independent pixel is not a whole number of the screen's, the reported position is rounded.
     if (std::abs(place.x - place_.x) <= 1 && std::abs(place.y - place_.y) <= 1)
         return;
     if (forTheScreens) {
@@ -87,7 +87,7 @@ ShapedImage QtCharacterWindow::Draw(qreal ratio, bool cutOut)
     return drawn_;
 }
 
-/// A large picture is ready, though perhaps another is wanted by now.
+/// A large picture is ready; by now a different one may be wanted.
 void QtCharacterWindow::PictureMade()
 {
     window_->Refresh();

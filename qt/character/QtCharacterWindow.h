@@ -19,10 +19,10 @@ public:
     void MoveTo(Point topLeft) override;
     void SetVisible(bool visible) override;
 
-    /// Milliseconds after a move of the program's own in which the desktop may still report older places: what differs
-    /// then is looked at again when they have passed.
+    /// Milliseconds after the program moves the window in which the desktop may still report older positions. A
+    /// position reported in this time is compared only after it has passed.
     static constexpr int EchoTime = 150;
-    /// Milliseconds in which window managers move windows when the screens have become others.
+    /// Milliseconds in which window managers move windows after the screens have changed.
     static constexpr int ScreensTime = 500;
 
 private:
@@ -34,11 +34,11 @@ private:
     ShapedWindowPtr window_{new ShapedWindow(QString::fromLatin1(CharacterTitle))};
     FrameScaler scaler_{[this] { PictureMade(); }};
     agent::Picture picture_;
-    ShapedImage drawn_; ///< what stays until the picture is ready
-    Point place_;       ///< as asked for or told last
+    ShapedImage drawn_; ///< shown until the wanted picture is ready
+    Point place_;       ///< the position last asked for or reported
     QTimer echoes_;
-    bool screensChanged_ = false; ///< what the window manager has done since then is not what the user wants
-    QObject context_;             ///< receiver of the desktop's signals: they end with this
+    bool screensChanged_ = false; ///< the next move is the window manager's, not the user's
+    QObject context_;             ///< receives the desktop's signals, which are disconnected when it is destroyed
 };
 
 } // namespace voxmate::qt

@@ -23,7 +23,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// Runs an action once. The timer may be destroyed in the middle of that action.
+/// Runs an action once. The timer may be destroyed inside that action.
 class QtStageTimer : public agent::StageTimer
 {
 public:
@@ -177,7 +177,8 @@ void QtStage::PopupMenu(const std::vector<agent::MenuEntry>& entries, Point at,
         action->setEnabled(entry.enabled);
         QObject::connect(action, &QAction::triggered, menu, [chosen, name = entry.name] { chosen(name); });
     }
-    // The choice is told after the menu has gone, within the same event; the menu itself goes after that.
+    // The menu reports the choice after it has closed, but within the same event, so it is deleted only after that
+    // event.
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     menu_ = menu;
     menu->popup(QPoint(at.x, at.y));
@@ -186,13 +187,13 @@ void QtStage::PopupMenu(const std::vector<agent::MenuEntry>& entries, Point at,
 void QtStage::PlaySound(std::span<const std::uint8_t> wave)
 {
     StopSound();
-    if (!audio_.Ready()) // to wait for the sound server would hold up the character and all other windows
+    if (!audio_.Ready()) // waiting for the sound server would block the character and all other windows
         return;
     auto data = speech::DecodeWave(wave);
     if (!data)
         return;
     auto source = std::make_shared<SoundSource>(std::move(data->samples));
-    // Later, not within the stream's own call; by then another sound may be playing.
+    // Queued, because a stream must not be destroyed inside its own call. By then another sound may be playing.
     const auto done = [this, number = ++soundNumber_] {
         QMetaObject::invokeMethod(
             &context_,

@@ -46,7 +46,7 @@ private:
     QObject context_;
     std::mt19937 random_;
     QPointer<QMenu> menu_;
-    // Measuring goes on word by word in one font: the last one is kept.
+    // Text is measured word by word in one font, so the last font is kept.
     agent::BalloonFont fontAsked_;
     std::optional<QFont> font_;
 };

@@ -13,7 +13,7 @@ namespace
 
 constexpr std::size_t Channels = 4; // red, green, blue, mask
 
-/// Rows of pixels with the four channels of each side by side, 0 to 255.
+/// Rows of pixels; the four channels of a pixel stand side by side, each 0 to 255.
 struct Plane {
     Plane(int w, int h)
         : width(w), height(h), values(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * Channels)
@@ -32,10 +32,10 @@ struct Plane {
     std::vector<float> values;
 };
 
-/// A room of transparent pixels round the bitmap, so that curves at its edges are drawn like all others.
+/// Width of the transparent rim around the bitmap, with which curves at its edges are drawn like all others.
 constexpr int Rim = 2;
 
-/// Rows [from, to) of the bitmap with its rim, counted from the rim's first.
+/// Rows [from, to) of the bitmap with its rim; row 0 is the rim's first.
 Plane WithRim(const Bitmap& bitmap, int from, int to)
 {
     Plane plane(bitmap.width + 2 * Rim, to - from);
@@ -53,8 +53,8 @@ Plane WithRim(const Bitmap& bitmap, int from, int to)
     return plane;
 }
 
-/// Gives transparent pixels next to drawn ones their mean colour: what is interpolated across the outline then has the
-/// figure's own colour. Twice, as far as cubics reach.
+/// Gives transparent pixels next to drawn ones the mean colour of those, so that colours interpolated across the
+/// outline are the figure's own. Done twice, because cubics reach two pixels.
 void GrowColours(Plane& plane)
 {
     const auto w = static_cast<std::size_t>(plane.width);
@@ -90,8 +90,8 @@ void GrowColours(Plane& plane)
     }
 }
 
-/// Softens the mask by a binomial filter, 1 4 6 4 1 in both directions: steps of one pixel become slopes. Lines of a
-/// single pixel, which would all but vanish, keep their middle.
+/// Softens the mask by a binomial filter, 1 4 6 4 1 in both directions, which makes slopes of one-pixel steps. Lines of
+/// a single pixel, which would nearly vanish, keep the mask along their middle.
 void SoftenMask(Plane& plane)
 {
     std::vector<std::size_t> drawn;
@@ -114,7 +114,7 @@ void SoftenMask(Plane& plane)
             soften(plane.Row(0) + static_cast<std::size_t>(x) * Channels + 3,
                    static_cast<std::size_t>(plane.width) * Channels, plane.height);
     }
-    // A pixel of an edge keeps more than this, the middle of a line has 6/16.
+    // At an edge a pixel keeps more than `thin`; the middle of a line one pixel wide has 6/16.
     constexpr float thin = 255 * 0.44F;
     constexpr float kept = 255 * 0.65F;
     for (const std::size_t i : drawn)
@@ -122,7 +122,8 @@ void SoftenMask(Plane& plane)
             plane.values[i] = kept;
 }
 
-/// Where an output pixel lies among the input's, and the weights of the four around it (the cubic of Catmull and Rom).
+/// Position of an output pixel among the input's, and the weights of the four input pixels around it (the Catmull-Rom
+/// cubic).
 struct Taps {
     int first = 0;
     std::array<float, 4> weights{};
@@ -145,7 +146,7 @@ std::vector<Taps> TapsFor(int from, int to)
     return taps;
 }
 
-/// Rows [from, to) of a plane, each `width` pixels wide.
+/// Rows [from, to) of a plane, each resampled to one pixel per entry of `taps`.
 Plane Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps)
 {
     Plane wide(static_cast<int>(taps.size()), to - from);
@@ -162,12 +163,12 @@ Plane Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps)
     return wide;
 }
 
-/// Rows of the bitmap that are worked on at a time: the planes of a whole large one would take half a gigabyte.
+/// Number of the bitmap's rows processed at a time; the planes of a whole large one would take half a gigabyte.
 constexpr int BandRows = 64;
-/// How far a row's colours and mask depend on those above and below it.
+/// How many rows above and below influence a row's colours and mask.
 constexpr int Reach = 2;
 
-/// Rows [from, to) of the bitmap with its rim, their mask softened and their colours grown, made wider.
+/// Rows [from, to) of the bitmap with its rim, with softened mask and grown colours, resampled to the output's width.
 Plane Band(const Bitmap& bitmap, int from, int to, const std::vector<Taps>& across)
 {
     const int above = std::max(0, from - Reach);
@@ -181,7 +182,8 @@ QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
 {
     const std::vector<Taps> across = TapsFor(bitmap.width, size.width());
     const std::vector<Taps> taps = TapsFor(bitmap.height, size.height());
-    // The slope of the softened mask at a straight edge is 3/8 a pixel; on the screen the edge takes one pixel.
+    // At a straight edge the softened mask rises by 3/8 per input pixel; on the screen the edge shall be one pixel
+    // wide.
     constexpr float level = 255 * 0.5F;
     const float slope =
         8 / 3.0F *

@@ -1,4 +1,4 @@
-// A frame of one-colour transparency in another size.
+// Scales a frame whose transparency is a single colour.
 #pragma once
 
 #include "base/Geometry.h"
@@ -10,10 +10,9 @@
 namespace voxmate::qt
 {
 
-/// The bitmap, premultiplied, in `size` pixels. In its own size it is as it is, to the pixel. Smaller, pixels are
-/// averaged. Larger, colours are interpolated by cubics and the outline, steps of whole pixels in the bitmap, becomes a
-/// smooth curve with soft edges.
-/// May run on any thread; what it is asked to stop is of no use.
+/// The bitmap in `size` pixels, premultiplied. In its own size every pixel stays as it is. Shrinking averages pixels.
+/// Enlarging interpolates colours by cubics and turns the outline, in the bitmap steps of whole pixels, into a smooth
+/// curve with soft edges. May run on any thread. After a stop request the result is incomplete and must not be used.
 QImage Scaled(const Bitmap& bitmap, QSize size, const std::stop_token& stop = {});
 
 } // namespace voxmate::qt

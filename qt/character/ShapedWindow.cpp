@@ -19,10 +19,10 @@ namespace voxmate::qt
 namespace
 {
 
-/// Pixels at least half opaque take the mouse and, without a compositor, are drawn.
+/// Pixels of at least this alpha (half opaque) take the mouse and, without a compositor, are drawn.
 constexpr int AlphaThreshold = 128;
 
-/// Makes what the cut-out shows fully opaque, lest the smooth edges come out black.
+/// Makes every drawn pixel of the cut-out fully opaque; otherwise the smooth edges would be black.
 void MakeOpaque(QImage& image)
 {
     for (int y = 0; y < image.height(); ++y) {
@@ -93,7 +93,8 @@ ShapedWindow::ShapedWindow(const QString& name)
 
 void ShapedWindow::LiveBeside(QWindow* modal)
 {
-    // Qt lets the transient windows of a modal window live. The window of an icon in the tray it keeps to itself.
+    // Qt does not block the transient windows of a modal window. It has no public access to the tray icon's window,
+    // which is therefore found by its class name.
     for (QWidget* window : QApplication::topLevelWidgets()) {
         const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window) ||
                            window->inherits("QSystemTrayIconSys");
@@ -120,7 +121,8 @@ bool ShapedWindow::InTheWay() const
     return screen && DesktopWatch::Instance().Filled(*screen);
 }
 
-/// Shows or hides the window: where another program's full-screen window stands it is not seen, whoever wants it.
+/// Shows or hides the window. While another program's full-screen window fills its screen it stays hidden, even if
+/// wanted.
 void ShapedWindow::ComeOrGo()
 {
     const bool visible = wanted_ && !InTheWay();
@@ -143,13 +145,13 @@ void ShapedWindow::ComeOrGo()
     windowHandle()->setTransientParent(modal ? modal->windowHandle() : nullptr);
     const QPoint place = pos();
     Refresh();
-    // Qt closes every open menu and list for a new window, unless it is a tool's: the user may be in one.
+    // For a new window Qt closes every open menu and list, which the user may be using; it does not for a Qt::Tool.
     const Qt::WindowFlags flags = windowFlags();
     overrideWindowFlags((flags & ~Qt::WindowType_Mask) | Qt::Tool);
     show();
     overrideWindowFlags(flags);
     KeepDesktopCompanion(*windowHandle());
-    // A window manager may have placed the window itself.
+    // The window manager may have chosen another position.
     move(place);
 }
 
@@ -198,7 +200,7 @@ void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
     const QPoint screen = event.globalPosition().toPoint();
     told.at = {at.x(), at.y()};
     told.screen = {screen.x(), screen.y()};
-    // A copy: the owner may let the window go from within.
+    // Copied, because the owner may release the window inside the call.
     if (const auto tell = OnMouse)
         tell(told);
 }
@@ -227,7 +229,7 @@ void ShapedWindow::moveEvent(QMoveEvent* event)
         tell();
 }
 
-// Only the program puts the character away.
+// Only the program hides the character.
 void ShapedWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();

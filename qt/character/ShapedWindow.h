@@ -1,6 +1,6 @@
-// A window without a frame that is exactly as large as what is drawn on it: the character, its balloon. It stays on
-// top, never takes the keyboard, and clicks on what is not drawn go to what lies beneath. With a compositor it is truly
-// translucent; without one its outline is cut out of the screen.
+// A frameless window that is exactly as large as what is drawn on it: the character or its balloon. It stays on top and
+// never takes the keyboard focus; clicks outside the drawing go to what lies beneath. With a compositor it is
+// translucent, without one its outline is cut out of the screen.
 #pragma once
 
 #include "agent/Stage.h"
@@ -15,20 +15,20 @@
 namespace voxmate::qt
 {
 
-/// Title of the character's window, which nobody sees but who lists windows.
+/// Title of the character's window. Only programs that list windows show it.
 inline constexpr const char* CharacterTitle = "Voxmate character";
 
-/// Where a premultiplied image is drawn: its pixels that are at least half opaque.
+/// The drawn part of a premultiplied image: its pixels that are at least half opaque.
 QRegion ShapeOf(const QImage& image);
 
-/// What a window shows, and where of it it takes the mouse.
+/// What a window shows, and the part of it that takes the mouse.
 struct ShapedImage {
     QImage image; ///< premultiplied
     QRegion shape;
 };
 
-/// A premultiplied image and its shape; `cutOut`, for a screen without a compositor: what is drawn is fully opaque. May
-/// run on any thread.
+/// A premultiplied image with its shape. `cutOut` is for a screen without a compositor: what is drawn becomes fully
+/// opaque. May run on any thread.
 ShapedImage Shaped(QImage image, bool cutOut);
 
 class ShapedWindow : public QWidget
@@ -36,27 +36,27 @@ class ShapedWindow : public QWidget
 public:
     explicit ShapedWindow(const QString& name);
 
-    /// Draws what the window shows, in its size times `ratio`, cut out of the screen or not. A null image shows
+    /// Called to draw the window's content in its size times `ratio`; `cutOut` as for Shaped. A null image shows
     /// nothing.
     std::function<ShapedImage(qreal ratio, bool cutOut)> Draw;
     std::function<void(const agent::MouseEvent&)> OnMouse;
-    /// The window stands elsewhere, for whatever reason; pos() tells where.
+    /// The window has moved, for whatever reason; pos() is its new position.
     std::function<void()> OnMove;
-    /// The window is about to be shown, for whatever reason: a window manager may place it before it heeds where that
-    /// is wanted.
+    /// The window is about to be shown, for whatever reason. A window manager may first place it elsewhere, before it
+    /// honours the position asked for.
     std::function<void()> OnShow;
 
-    /// Lets these windows, announcements and the tray's icon take the mouse beside the modal window `modal`: the
-    /// character is nobody's dialog to block, it may be moved aside or silenced while a message stands there. nullptr
-    /// when the last modal window goes.
+    /// Lets character, balloon, announcements and the tray's icon take the mouse while the modal window `modal` is up,
+    /// so that the user can move the character aside or silence it while a message is shown. nullptr when the last
+    /// modal window goes.
     static void LiveBeside(QWindow* modal);
 
-    /// Shows or hides the window without activating it. Where another program's full-screen window fills the screen it
-    /// is not shown before that has gone.
+    /// Shows or hides the window without activating it. While another program's full-screen window fills the screen it
+    /// stays hidden, and it appears when that window has gone.
     void Display(bool visible);
     /// Moves the upper left corner to a point of the screen.
     void Place(QPoint topLeft);
-    /// Draws anew and brings the window's shape in line. Does nothing before the window is first shown.
+    /// Draws the content again and updates the window's shape. Does nothing before the window is first shown.
     void Refresh();
 
 protected:
@@ -80,7 +80,7 @@ private:
     bool cutOut_ = false;
 };
 
-/// Destroys a window when that is safe: its owner may let it go in the middle of one of its own events.
+/// Destroys a window later: its owner may release it inside one of the window's own events.
 struct DestroyLater {
     void operator()(ShapedWindow* window) const
     {

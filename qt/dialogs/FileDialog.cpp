@@ -26,12 +26,13 @@ namespace voxmate::qt
 namespace
 {
 
-/// Places at the side, names and dates are to be read in full. The file's type goes: its icon and its name tell it.
+/// Makes room to show the places at the side, names and dates in full. The type column is hidden, because icon and name
+/// already tell the type.
 void MakeRoom(QFileDialog& dialog)
 {
     constexpr int typeColumn = 2;
     if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
-        // A size that all of the toolkit's pictures have, so that all names begin at the same place.
+        // All of the toolkit's icons exist in this size, so that all names begin at the same position.
         places->setIconSize({16, 16});
         places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
     }
@@ -42,7 +43,7 @@ void MakeRoom(QFileDialog& dialog)
     }
 }
 
-/// Names the parts that the toolkit leaves nameless, for those who cannot see them.
+/// Gives accessible names to the parts that the toolkit leaves without.
 void NameParts(const QFileDialog& dialog)
 {
     const std::pair<const char*, const char*> names[] = {{"sidebar", "Places"},    {"listView", "Files"},
@@ -52,7 +53,7 @@ void NameParts(const QFileDialog& dialog)
         if (auto* widget = dialog.findChild<QWidget*>(QString::fromLatin1(part)))
             widget->setAccessibleName(QString::fromLatin1(name));
     }
-    // A drop-down list is called by its label.
+    // A drop-down list takes its name from its label.
     for (const auto& [label, field] : {std::pair{"lookInLabel", "lookInCombo"}, {"fileTypeLabel", "fileTypeCombo"}}) {
         auto* text = dialog.findChild<QLabel*>(QString::fromLatin1(label));
         auto* list = dialog.findChild<QWidget*>(QString::fromLatin1(field));
@@ -61,8 +62,8 @@ void NameParts(const QFileDialog& dialog)
     }
 }
 
-/// Enters a folder whose path is typed, and then lets a file's name be typed: left in the field the path would stand
-/// for a file of that name, which cannot be opened.
+/// Enters a folder whose path is typed, and then clears the field: left there, the path would be taken for a file's
+/// name, which cannot be opened.
 class Dialog : public QFileDialog
 {
 public:
@@ -71,7 +72,8 @@ public:
 protected:
     void showEvent(QShowEvent* event) override
     {
-        // As on all other windows' buttons; the kind of dialog, told later, makes them anew.
+        // No icons, as on all other windows' buttons. Done here, because setting the kind of dialog later makes the
+        // buttons anew.
         if (const auto* buttons = findChild<QDialogButtonBox*>()) {
             for (QAbstractButton* button : buttons->buttons())
                 button->setIcon({});
@@ -91,7 +93,7 @@ protected:
         if (!name)
             return;
         name->clear();
-        // The names that were offered for what was typed, of which none is left.
+        // Closes the list of completions, which offers names for the text just cleared.
         if (QCompleter* completer = name->completer())
             completer->popup()->hide();
     }
@@ -104,7 +106,7 @@ QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const Q
     const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
     const QPointer<QFileDialog> dialog =
         new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
-    // The desktop's own dialog would be a window of another program, beside which the character cannot live.
+    // The desktop's own dialog would be a window of another program, and the character would not stay usable beside it.
     dialog->setOption(QFileDialog::DontUseNativeDialog);
     dialog->setSidebarUrls({QUrl::fromLocalFile(QDir::homePath()),
                             QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),

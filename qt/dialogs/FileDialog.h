@@ -10,9 +10,9 @@ class QWidget;
 namespace voxmate::qt
 {
 
-/// A modal dialog over files and folders that begins in the folder `begin`, or at home when there is no such folder,
-/// with the places people keep things in at its side. It stands over the window `over` while that is to be seen, and
-/// may go with it while it is up. The caller deletes it.
+/// Makes a modal file dialog that begins in the folder `begin`, or in the home folder when `begin` does not exist, with
+/// the usual places listed at its side. It stands over the window `over` if that is visible. The caller deletes it; if
+/// `over` is destroyed while the dialog is up the pointer becomes null.
 QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin);
 
 } // namespace voxmate::qt

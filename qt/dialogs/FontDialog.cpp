@@ -27,8 +27,8 @@ constexpr int ListWidth = 300;
 constexpr int ListHeight = 200;
 constexpr int SampleHeight = 84;
 
-/// Each once: of a family from several foundries the toolkit has one entry each, "Courier [foundry]". By the name
-/// alone it takes the best of them.
+/// The names of the installed families, each once. For a family from several foundries the toolkit lists an entry for
+/// each, "Courier [foundry]"; asked for the plain name it takes the best of them.
 QStringList InstalledFamilies()
 {
     QStringList families;
@@ -76,7 +76,7 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
     sample_->setAlignment(Qt::AlignCenter);
     sample_->setTextFormat(Qt::PlainText);
     sample_->setText(QStringLiteral("Good day!"));
-    // Neither a large size nor a wide face moves anything.
+    // Fixed, so that neither a large size nor a wide face moves anything.
     sample_->setFixedHeight(SampleHeight);
     sample_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 
@@ -114,7 +114,7 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
 
 void FontDialog::Typed(const QString& name)
 {
-    // The list goes along to the first family that begins so.
+    // Scrolls the list to the first family that begins with the typed text.
     for (qsizetype i = 0; !name.isEmpty() && i < families_.size(); ++i) {
         if (families_[i].startsWith(name, Qt::CaseInsensitive)) {
             const QSignalBlocker quiet(list_->selectionModel());
@@ -160,7 +160,7 @@ FontSpec FontDialog::Chosen() const
 
 std::optional<FontSpec> ShowFontDialog(QWidget* over, const FontSpec& font, int minSize, int maxSize)
 {
-    // On the heap: while the dialog is up its owner may go, and takes it along.
+    // On the heap, because the owner may be destroyed while the dialog is up and then deletes it.
     const QPointer<FontDialog> dialog = new FontDialog(over, font, minSize, maxSize);
     std::optional<FontSpec> chosen;
     if (dialog->exec() == QDialog::Accepted && dialog)

@@ -17,8 +17,8 @@ class QSpinBox;
 namespace voxmate::qt
 {
 
-/// Family and size, with a sample. A name can be typed; only a family that is installed is taken, or the one that stood
-/// there at first, which may be from elsewhere.
+/// Asks for family and size and shows a sample. The family's name can be typed; the dialog accepts only an installed
+/// family, or the initial one even if it is not installed.
 class FontDialog : public QDialog
 {
 public:
@@ -30,7 +30,7 @@ private:
     void Typed(const QString& name);
     void Picked(int row);
     void ShowSample();
-    /// The family that the typed name stands for; empty when there is none.
+    /// The family that the typed name stands for; empty when it is not acceptable.
     QString Family() const;
 
     const QString first_;
@@ -42,7 +42,7 @@ private:
     QPushButton* ok_;
 };
 
-/// Shows the dialog over a window; none when the user cancels.
+/// Shows the dialog over a window. Sizes are in points. Returns nothing when the user cancels.
 std::optional<FontSpec> ShowFontDialog(QWidget* over, const FontSpec& font, int minSize, int maxSize);
 
 } // namespace voxmate::qt

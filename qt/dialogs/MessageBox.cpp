@@ -31,22 +31,22 @@ namespace
 
 // Device-independent pixels.
 constexpr int IconSize = 40;
-constexpr int RightMargin = 4; // to what the box has on both sides
+constexpr int RightMargin = 4; // added to the margin that the box has on both sides
 
-// What the window manager's frame takes of the screen where no other window's tells: a high title bar and two borders.
+// Size of the window manager's frame where no other window's is known: a high title bar and two borders.
 constexpr QSize UnknownFrame(8, 40);
-// A box whose text scrolls grows no wider than this for the sake of long lines: longer ones are hard to read.
+// Widest that a box with a scrolling text becomes to fit its lines; longer lines are hard to read.
 constexpr int WidestBox = 1000;
-// Between a text and its scroll bar.
+// Space between a text and its scroll bar.
 constexpr int BarGap = 8;
 
-/// A message box in the middle of its owner. One that is higher than the screen lets its text scroll.
+/// A message box that is centred on its owner. If it is higher than the screen its text scrolls.
 class ProgramBox : public QMessageBox
 {
 public:
     explicit ProgramBox(QWidget* over) : QMessageBox(over) { LetCharacterLiveBeside(*this); }
 
-    /// Has the program's own icon of that name, drawn in the theme's colours, if there is one.
+    /// Shows the program's own icon `name`, if there is one, in the theme's colours.
     void SetOwnIcon(const IconSet& icons, const QString& name)
     {
         icons_ = &icons;
@@ -61,7 +61,7 @@ protected:
         QMessageBox::showEvent(event);
         FitScreen();
         Centre(*this, parentWidget());
-        // In the middle of the screen, the frame of a box as high as the screen would reach beyond it.
+        // Centred, a box as high as the screen would have its frame reach beyond the screen's edge.
         if (scroll_ && !parentWidget())
             move(x(), screen()->availableGeometry().top());
     }
@@ -75,15 +75,15 @@ protected:
 
     bool event(QEvent* event) override
     {
-        // A message box measures itself anew by its label, which is of no account once it scrolls.
+        // A message box would compute its size from its label, which no longer counts once the text scrolls.
         if (scroll_ && event->type() == QEvent::LayoutRequest)
             return QWidget::event(event);
         return QMessageBox::event(event);
     }
 
 private:
-    /// Puts the text of a box that is higher than the screen into a scroll area, wide enough that only its height is
-    /// cut. Needs the size that the box has been given by its own measure.
+    /// Puts the text of a box that is higher than the screen into a scroll area, wide enough that only the height is
+    /// cut. Must be called after the box has computed its own size.
     void FitScreen()
     {
         auto* label = findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
@@ -125,7 +125,7 @@ private:
         grid->addWidget(scroll_, row, column, rows, columns);
         setFixedSize(boxWidth, around.height() + textHeight);
         grid->activate();
-        // The keyboard stays with the buttons, which leave these keys to the text.
+        // The buttons keep the focus and do not use these keys, which scroll the text.
         for (const auto& [key, action] : {std::pair{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
                                           std::pair{Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd},
                                           std::pair{Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
@@ -147,10 +147,10 @@ private:
 
     const IconSet* icons_ = nullptr;
     QString iconName_;
-    QScrollArea* scroll_ = nullptr; ///< what the text scrolls in, if it must
+    QScrollArea* scroll_ = nullptr; ///< scroll area of the text; null while the text fits
 };
 
-/// The program's own picture for a style's icon; empty: none.
+/// Name of the program's own picture for a style's icon; empty if there is none.
 QString IconName(int icon)
 {
     switch (icon) {
@@ -171,14 +171,14 @@ QString IconName(int icon)
 
 int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text, int style, const std::string& title)
 {
-    // Buttons, icon and default button are fields of their own within the style.
+    // Buttons, icon and default button are separate bit fields of the style.
     const int buttons = style & 0x0F;
     const bool cancel = buttons == vbYesNoCancel;
     const bool yesNo = buttons == vbYesNo || cancel;
     const int icon = style & 0xF0;
     const bool second = (style & 0xF00) == vbDefaultButton2;
 
-    // On the heap: while the box is up its owner may go, and takes it along.
+    // On the heap, because the owner may be destroyed while the box is up and then deletes it.
     const QPointer<ProgramBox> box = new ProgramBox(over && over->isVisible() && !over->isMinimized() ? over : nullptr);
     box->setObjectName(QStringLiteral("MsgBox"));
     box->setWindowTitle(ToQt(title));
@@ -191,14 +191,14 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
                                          : QMessageBox::NoIcon);
     if (const QString own = IconName(icon); icons && !own.isEmpty()) {
         box->SetOwnIcon(*icons, own);
-        // A single line stands in the middle of its picture, and ends as far from the edge as the picture begins.
+        // Centres a single line beside its icon and makes the right margin as wide as the one left of the icon.
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
             label->setMinimumHeight(IconSize);
             QMargins margins = label->contentsMargins();
             margins.setRight(RightMargin);
             label->setContentsMargins(margins);
         }
-        // For those who do not see it.
+        // Screen readers say the icon's name.
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label")))
             label->setAccessibleName(own.at(0).toUpper() + own.mid(1));
     }
@@ -219,7 +219,7 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
     delete box;
     if (pressed == QMessageBox::Yes)
         return vbYes;
-    // What is neither is a box that went with its owner.
+    // Whatever is neither Yes nor No counts as Escape, even a box that was deleted with its owner.
     return cancel && pressed != QMessageBox::No ? vbCancel : yesNo ? vbNo : vbOK;
 }
 

@@ -1,4 +1,4 @@
-// The message box, by itself: the window system shows it, and so does the application for an error nobody caught.
+// The message box as a function of its own: both the window system and the application, for uncaught errors, show it.
 #pragma once
 
 #include <string>
@@ -10,10 +10,10 @@ namespace voxmate::qt
 
 class IconSet;
 
-/// Shows a modal box with `text` as it is (line breaks kept, no markup) and the icon and buttons of `style`; returns
-/// the button pressed. Closing it and Escape mean Cancel, or No where there is no Cancel, or else OK. It stands in the
-/// middle of `over`, of the screen where that is not to be seen, and above any splash. A text too high for the screen
-/// scrolls, by wheel, arrows, Page Up and Down. Without `icons` the style's own icons are taken.
+/// Shows a modal box with `text` as it is (line breaks kept, no markup) and with the icon and buttons of `style`.
+/// Returns the pressed button; closing the box or Escape means Cancel, or No where there is no Cancel, or else OK. The
+/// box is centred on `over`, or on the screen if `over` is not visible, and stands above any splash. A text too high
+/// for the screen scrolls by wheel, arrows, Page Up and Page Down. Without `icons` the style's own icons are used.
 int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text, int style, const std::string& title);
 
 } // namespace voxmate::qt

@@ -15,7 +15,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// Belongs to its dialog and goes with it.
+/// Belongs to its dialog and is deleted with it.
 class Companion : public QObject
 {
 public:
@@ -45,7 +45,7 @@ private:
             ShapedWindow::LiveBeside(shown.empty() ? nullptr : shown.back()->dialog_.windowHandle());
     }
 
-    /// Those whose dialogs are on the screen, the latest last.
+    /// The companions of the visible dialogs, the latest last.
     static inline std::vector<Companion*> shown;
 
     QDialog& dialog_;

@@ -18,7 +18,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// "Text Files (*.txt;*.log)|*.txt;*.log|…" as the toolkit has it: "Text Files (*.txt *.log)" each.
+/// Turns "Text Files (*.txt;*.log)|*.txt;*.log|…" into the toolkit's form, a list of "Text Files (*.txt *.log)".
 QStringList NameFilters(const std::string& filter)
 {
     const QStringList parts = ToQt(filter).split(u'|');
@@ -33,9 +33,10 @@ QStringList NameFilters(const std::string& filter)
     return filters;
 }
 
-/// While a path is typed the toolkit selects each folder on its way, and lets go of it again only if the field has the
-/// keyboard, which it has not at every moment: a list of names may just open below it. What is left selected counts
-/// more than what was typed, so that the button is off or Enter goes into a folder. Lets go of all that is not meant.
+/// Deselects everything but what the typed text names. While a path is typed, the toolkit selects each folder on the
+/// way, and deselects it only if the field has the focus, which is not always so: a list of completions may be opening
+/// below it. A folder left selected takes precedence over the text, so that the button is disabled or Enter opens that
+/// folder.
 void SelectOnlyWhatIsTyped(const QFileDialog& dialog)
 {
     const auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
@@ -47,7 +48,7 @@ void SelectOnlyWhatIsTyped(const QFileDialog& dialog)
         if (typed == QLatin1String("~") || typed.startsWith(QLatin1String("~/")))
             typed.replace(0, 1, QDir::homePath());
         const QString meant = QDir::cleanPath(dialog.directory().absoluteFilePath(typed));
-        // A folder that was chosen by the mouse while nothing is typed stays.
+        // While nothing is typed, a folder chosen by the mouse stays selected.
         if (text.isEmpty())
             return;
         for (const QModelIndex& row : files->selectionModel()->selectedRows()) {
@@ -66,7 +67,7 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
     const QPointer<QFileDialog> dialog = NewFileDialog(over, ToQt(settings.DialogTitle), ToQt(folder));
     dialog->setObjectName(QStringLiteral("Open"));
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    // Not only files that exist: it is for the program to say that it does not find one.
+    // Names of missing files are allowed, because the program itself reports that a file does not exist.
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(NameFilters(settings.Filter));
     SelectOnlyWhatIsTyped(*dialog);

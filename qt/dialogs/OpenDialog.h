@@ -11,9 +11,9 @@ class QWidget;
 namespace voxmate::qt
 {
 
-/// Lets the user choose a file, or type the name of one, which need not exist. Begins in `folder`, or in the documents
-/// folder when there is no such folder, and leaves there the folder the user was in. Returns the full path, none when
-/// the user cancels.
+/// Lets the user choose a file or type a name, which need not exist. The dialog begins in `folder`, or in the documents
+/// folder when `folder` does not exist, and sets `folder` to the one it was left in. Returns the full path, nothing
+/// when the user cancels.
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder);
 
 } // namespace voxmate::qt

@@ -17,10 +17,10 @@ namespace
 {
 
 // Device-independent pixels.
-constexpr int Gap = 14;  ///< between windows, and to the screen's edges
-constexpr int Step = 30; ///< from one round to the next: a title bar
+constexpr int Gap = 14;  ///< between windows, and between a window and the screen's edges
+constexpr int Step = 30; ///< offset from one round to the next: a title bar
 
-// What the window manager puts round a window, until it has done so: a high title bar and two borders.
+// Size of the window manager's frame as long as a window has none yet: a high title bar and two borders.
 constexpr QSize UnknownFrame(4, 32);
 
 QSize FrameOf(const QWidget& window)
@@ -35,7 +35,7 @@ QPoint FreePlace(const QRect& area, const QSize& size, const QList<QRect>& taken
 {
     const int columns = std::max(1, (area.width() - Gap) / (size.width() + Gap));
     const int rows = std::max(1, (area.height() - Gap) / (size.height() + Gap));
-    // A round is over where its windows would leave the screen or cover the next column's titles.
+    // Rounds end before their windows would leave the screen or cover the next column's titles.
     const int rounds = std::max(1, std::min(size.width(), size.height()) / Step);
     for (int round = 0; round < rounds; ++round) {
         for (int column = 0; column < columns; ++column) {
@@ -46,7 +46,7 @@ QPoint FreePlace(const QRect& area, const QSize& size, const QList<QRect>& taken
                 place.moveLeft(std::max(place.left(), area.left()));
                 place.moveTop(std::max(std::min(place.top(), area.bottom() - size.height()), area.top()));
                 const bool free = std::none_of(taken.begin(), taken.end(), [&](const QRect& other) {
-                    // In later rounds windows cover one another; their upper left corners must not.
+                    // In later rounds windows overlap; only their upper left corners must stay apart.
                     const QPoint apart = other.topLeft() - place.topLeft();
                     return round == 0 ? other.intersects(place)
                                       : std::abs(apart.x()) < Step / 2 && std::abs(apart.y()) < Step / 2;
@@ -80,7 +80,7 @@ QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken)
 {
     if (!place.intersects(taken))
         return place;
-    const QRect room = area.adjusted(0, 0, 1, 1); // a rectangle's right and lower edges are its last pixels
+    const QRect room = area.adjusted(0, 0, 1, 1); // QRect's right and lower edges are its last pixels
     QRect best;
     const auto consider = [&](int dx, int dy) {
         const QRect moved = place.translated(dx, dy);
@@ -103,7 +103,7 @@ void Centre(QWidget& window, const QWidget* over)
     if (!screen)
         return;
     const QRect area = DesktopWatch::Instance().WorkArea(*screen);
-    // The window manager's frame is as large as that of the other window.
+    // The new window's frame is assumed to be as large as the other window's.
     const QSize frame = over ? over->frameGeometry().size() - over->size() : QSize(0, 0);
     QRect place(QPoint(0, 0), window.size() + frame);
     place.moveCenter(over ? over->frameGeometry().center() : area.center());

@@ -1,4 +1,4 @@
-// Where windows go: those that come by themselves, without the user having asked for them, and those over others.
+// Where windows are placed: those that appear without the user having asked for them, and those that stand over others.
 #pragma once
 
 #include <QList>
@@ -11,21 +11,21 @@ class QWidget;
 namespace voxmate::qt
 {
 
-/// The first place in `area` where a window of `size` covers none of `taken`: from the upper right corner downwards,
-/// then column by column to the left. When all places are taken they are gone through again, each time a title's height
-/// lower and further left, so that something of every window stays in sight.
+/// The first position in `area` where a window of `size` covers none of `taken`, tried from the upper right corner
+/// downwards, then column by column to the left. When all are taken, the same positions are tried again a title bar's
+/// height lower and further left, so that a part of every window stays visible.
 QPoint FreePlace(const QRect& area, const QSize& size, const QList<QRect>& taken);
 
-/// Moves a window that knows its size and shows without taking the keyboard to a free place among the others like it,
-/// on the primary screen.
+/// Moves a window to a free position among the other windows that, like it, appear without taking the keyboard focus,
+/// on the primary screen. The window must have its size.
 void PlaceAmongOthers(QWidget& window);
 
-/// `place` moved by the shortest way, along one edge of the screen, so that it does not touch `taken` and is still in
-/// `area`; as it is when it does not touch it or there is no such way.
+/// `place` moved the shortest way, horizontally or vertically, so that it does not touch `taken` and stays in `area`.
+/// Returned unchanged when it does not touch `taken` or there is no such way.
 QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken);
 
-/// Moves a window that knows its size into the middle of another, or of the primary screen when that is none, not
-/// visible or minimised, and beside the character, which stands above all windows, where there is room.
+/// Centres a window on another one, or on the primary screen if `over` is null, hidden or minimised. Where there is
+/// room it is moved beside the character, which stands above all windows. The window must have its size.
 void Centre(QWidget& window, const QWidget* over);
 
 } // namespace voxmate::qt

@@ -16,13 +16,13 @@
 namespace voxmate::qt
 {
 
-/// Text for a tool tip: plain, even where it looks like markup.
+/// Text for a tool tip, shown as plain text even where it looks like markup.
 inline QString PlainToolTip(const QString& text)
 {
     return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
-/// Acts when the desktop's font has changed and the window has it, as long as its parent lives.
+/// Calls `act` after the desktop's font has changed and the window has received it, as long as the parent lives.
 class FontChange : public QObject
 {
 public:
@@ -42,8 +42,8 @@ private:
     std::function<void()> act_;
 };
 
-/// What all widgets have in common. `C` is the control, `W` its widget, which the form's window owns: it outlives the
-/// peer when the form goes in the middle of one of the widget's own events.
+/// The base of all widget peers. `C` is the control, `W` its widget. The form's window owns the widget, which outlives
+/// the peer when the form is destroyed inside one of the widget's own events.
 template <class C, class W>
 class Common : public WidgetPeer
 {
@@ -86,11 +86,11 @@ protected:
 
     C& control_;
     W* widget_;
-    /// Receiver of the widget's signals: they end with the peer.
+    /// Receives the widget's signals, which are disconnected when the peer is destroyed.
     QObject context_;
 
 private:
-    /// Whether an ampersand in the caption is a mark; in a label that names no control it is text.
+    /// Whether an ampersand in the caption marks an access key; in a label without a buddy it is plain text.
     bool HasAccessKey() const
     {
         if constexpr (requires { control_.Buddy; })

@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    /// A label that tells a changing value keeps the room it once needed, so that nothing beside it moves.
+    /// A label whose text changes keeps the width it once needed, so that nothing beside it moves.
     void KeepRoom()
     {
         if (!widget_->wordWrap())
@@ -122,10 +122,10 @@ public:
     }
 };
 
-// Entries of an open list on the screen at once.
+// Entries that an open list shows at once.
 constexpr int VisibleItems = 12;
 
-/// A combo box that the wheel changes only while it has the keyboard, so that scrolling past it chooses nothing.
+/// A combo box that the wheel changes only while it has the focus, so that scrolling past it chooses nothing.
 class QuietComboBox : public QComboBox
 {
 public:
@@ -147,10 +147,11 @@ public:
     ComboBoxPeer(ComboBox& box, QWidget* parent) : Common(box, new QuietComboBox(parent))
     {
         widget_->setFocusPolicy(Qt::StrongFocus);
-        // Long names are cut in the field and whole in the list.
+        // Long names are cut off in the field, but shown in full in the list.
         widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        // A list below the field that scrolls, not one that fills the screen with a hundred entries. A style sheet
-        // keeps the colours that the desktop once had, so it is for styles that cannot be asked in another way.
+        // Makes the list open below the field and scroll, instead of filling the screen with a hundred entries.
+        // ReadableStyle says so by a style hint. Other styles need a style sheet, which has the drawback that it keeps
+        // the colours the desktop had when it was set.
         if (!dynamic_cast<ReadableStyle*>(QApplication::style()))
             widget_->setStyleSheet(QStringLiteral("combobox-popup: 0"));
         widget_->setMaxVisibleItems(VisibleItems);
@@ -170,7 +171,7 @@ public:
         const QSignalBlocker quiet(widget_);
         const std::vector<std::string>& items = control_.Items();
         if (property == Property::Items) {
-            // A list grows by one at its end or is emptied.
+            // The control's list only grows at its end or is emptied.
             if (items.size() < static_cast<std::size_t>(widget_->count()))
                 widget_->clear();
             for (auto i = static_cast<std::size_t>(widget_->count()); i < items.size(); ++i)
@@ -236,7 +237,7 @@ public:
             label->setObjectName(ToQt(control_.Name) + QString::number(++number));
             label->setAccessibleDescription(ToQt(panel.accessibleName));
             label->setAlignment((panel.minChars > 0 ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
-            // Permanent: a menu's passing help text must not cover the panels.
+            // Permanent, because a menu's temporary help text must not cover the panels.
             widget_->addPermanentWidget(label, panel.minChars > 0 ? 0 : 1);
             panels_.push_back(label);
         }
@@ -254,7 +255,7 @@ public:
             if (panels_[i]->text() == text && !text.isEmpty())
                 continue;
             panels_[i]->setText(text);
-            // What a screen reader says is the text; an empty panel says at least what it is for.
+            // A screen reader says the text; for an empty panel it says what the panel is for.
             panels_[i]->setAccessibleName(text.isEmpty() ? ToQt(panel.accessibleName) : text);
         }
     }
@@ -275,7 +276,7 @@ public:
     }
     ~TimerPeer() override
     {
-        // Maybe within its own tick.
+        // This may run inside the timer's own tick.
         clock_->stop();
         clock_->disconnect();
         clock_->deleteLater();
@@ -288,7 +289,7 @@ public:
     }
 
 private:
-    /// The system's own granularity, in milliseconds.
+    /// Granularity of the system's timers, in milliseconds.
     static constexpr int LeastInterval = 10;
 
     void Start()
@@ -303,8 +304,9 @@ private:
         }
     }
 
-    /// Who ticks as fast as can be moves something and counts the time by it: ticks that came too late are made up for,
-    /// one more at a time so that nothing jumps, and those of the last second at most.
+    /// An interval below LeastInterval means as fast as possible: such a timer moves something and counts time by its
+    /// ticks. Late ticks are therefore made up for, one extra at a time so that nothing jumps, and no more than those
+    /// of the last second.
     void TimeOut()
     {
         if (control_.Interval >= LeastInterval) {
@@ -315,7 +317,7 @@ private:
         constexpr qint64 Nanoseconds = LeastInterval * 1'000'000;
         const qint64 due = (running_.nsecsElapsed() + Nanoseconds / 2) / Nanoseconds;
         ticks_ = std::max(ticks_, due - MostBehind);
-        // A tick may do away with this peer or stop it.
+        // A tick may destroy this peer or stop the timer.
         const QPointer<QTimer> clock(clock_);
         for (qint64 left = std::min<qint64>(due - ticks_, 2); left > 0 && clock && clock->isActive(); --left) {
             ++ticks_;
@@ -333,7 +335,7 @@ private:
 
 std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent)
 {
-    // Before the kinds that some of these are made of.
+    // First, because some of these controls derive from the kinds below.
     if (auto peer = CreateDialogPeer(control, icons, parent))
         return peer;
     if (auto* label = dynamic_cast<Label*>(&control))

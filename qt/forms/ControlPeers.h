@@ -21,7 +21,7 @@ class MonthView;
 namespace voxmate::qt
 {
 
-/// A peer that is a widget. It registers itself with its control; the form takes it off.
+/// A peer with a widget. It registers itself with its control; the form removes it again.
 class WidgetPeer : public Peer
 {
 public:
@@ -29,33 +29,33 @@ public:
     void SetFocus() override { Widget()->setFocus(Qt::OtherFocusReason); }
 };
 
-/// Makes the widget of a control, as a child of `parent`, and connects the two; nullptr for a control that is none
-/// (a timer, a menu).
+/// Makes the widget of a control, as a child of `parent`, and connects the two. Returns nullptr for a control that has
+/// no widget (a timer, a menu).
 std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& icons, QWidget* parent);
 
-// The larger ones of them.
+// The larger peers, each in a source file of its own.
 std::unique_ptr<WidgetPeer> CreateTextBoxPeer(TextBox& box, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& icons, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateMonthViewPeer(MonthView& month, QWidget* parent);
 
-/// The font a control asks for, on top of `base`; a family that is not installed is left out. On top of a font without
-/// any property of its own the desktop's is followed in all that is not asked for.
+/// The font that a control asks for, based on `base`; a family that is not installed is ignored. If `base` has no
+/// property set, the font follows the desktop's in everything the control does not ask for.
 QFont ToQFont(const FontSpec& font, const QFont& base);
 
-/// Makes the clock of a timer and starts it if it is enabled.
+/// Makes the toolkit's timer for a control and starts it if the control is enabled.
 std::unique_ptr<Peer> CreateTimerPeer(Timer& timer);
 
-/// A menu or a menu item, with all that is below it.
+/// A menu or a menu item with all items below it.
 class MenuPeer : public Peer
 {
 public:
-    /// `parent` owns the menu's window and lives as long as the form's.
+    /// `parent` owns the menu's window and lives as long as the form's window.
     MenuPeer(Menu& menu, QWidget* parent);
     ~MenuPeer() override;
 
     void Update(Property property) override;
     QAction* Action() const { return action_; }
-    /// The menu itself; nullptr for an item without items of its own.
+    /// The toolkit's menu; nullptr for an item without items of its own.
     QMenu* Submenu() const { return submenu_; }
 
 private:

@@ -37,7 +37,7 @@ public:
         if (property == Property::Caption) {
             widget_->setText(ToQt(control_.Caption));
         } else if (property == Property::Value && widget_->isChecked() != control_.Value) {
-            // The toolkit's group lets none be unset without another in its place.
+            // An exclusive group does not let a button be unset unless another one is set.
             group_->setExclusive(control_.Value);
             widget_->setChecked(control_.Value);
             group_->setExclusive(true);
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    /// Made by the group's first button; it goes with the form's window.
+    /// The group is made for its first button and is deleted with the form's window.
     static QButtonGroup* GroupOf(const OptionButton& button, QWidget* parent)
     {
         const QString name = ToQt(button.Group().Name);
@@ -57,7 +57,7 @@ private:
         return group;
     }
 
-    /// Tab goes to the chosen button of a group, from which the arrow keys go on.
+    /// Tab goes to the chosen button of a group; the arrow keys go on from there.
     void UpdateTabStops()
     {
         for (QAbstractButton* button : group_->buttons())

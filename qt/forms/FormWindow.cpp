@@ -36,7 +36,7 @@ FormWindow::FormWindow(BorderStyle border)
 void FormWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();
-    // A copy: the form may let its window go from within.
+    // Copied, because the form may release its window inside the call.
     if (const auto close = OnClose)
         close();
 }
@@ -80,11 +80,11 @@ SplashWindow::SplashWindow()
     });
 }
 
-// What stands below the product's name is quieter than the name.
+// Draws the text below the product's name fainter than the name.
 void SplashWindow::Quieten()
 {
     const QColor ink = Mix(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.28);
-    // Setting it is a change, too.
+    // Setting the palette raises a change event, too.
     if (palette().color(QPalette::WindowText) == ink)
         return;
     QPalette quiet;
@@ -149,7 +149,7 @@ void SplashWindow::paintEvent(QPaintEvent* /*event*/)
     gradient.setColorAt(0, base);
     gradient.setColorAt(1, Mix(base, accent, 0.22));
     const bool cutOut = !Compositor::Instance().Running();
-    // What is cut out ends hard: the corners must not fade into the black behind them.
+    // The cut-out has hard edges; its smooth corners must not blend with the black behind them.
     if (cutOut)
         painter.fillRect(Card(), Mix(base, palette().color(QPalette::Text), 0.25));
     painter.setPen(QPen(Mix(base, palette().color(QPalette::Text), 0.25), 1));
@@ -169,7 +169,7 @@ void SplashWindow::showEvent(QShowEvent* event)
     UpdateShape();
 }
 
-// It goes when the program takes it away.
+// Only the program closes it.
 void SplashWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();

@@ -1,4 +1,4 @@
-// The windows that forms become: an ordinary one with menu bar and status bar, and the splash.
+// The windows of forms: an ordinary one with menu bar and status bar, and the splash.
 #pragma once
 
 #include "controls/Form.h"
@@ -12,20 +12,20 @@ class QPushButton;
 namespace voxmate::qt
 {
 
-/// An ordinary window. The user's wish to close it goes to `OnClose`; it never closes by itself.
+/// An ordinary window. The user's request to close it goes to `OnClose`; the window never closes itself.
 class FormWindow : public QMainWindow
 {
 public:
     explicit FormWindow(BorderStyle border);
 
-    /// The button that Enter presses where nothing else takes it looks so. While another button has the keyboard that
-    /// one does, because Enter presses it.
+    /// Draws the button that Enter presses as the default button. While another button has the focus that one is drawn
+    /// so instead, because Enter then presses it.
     void SetDefaultButton(QPushButton* button);
 
     std::function<void()> OnClose;
-    /// Enter was pressed where nothing else takes it.
+    /// Enter was pressed and no control used it.
     std::function<void()> OnEnter;
-    /// Escape, likewise.
+    /// Escape was pressed and no control used it.
     std::function<void()> OnEscape;
 
 protected:
@@ -33,13 +33,13 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 };
 
-/// A card without a frame, above all other windows. Its corners are translucent with a compositor, else cut out.
+/// A frameless card above all other windows. Its corners are translucent with a compositor, otherwise cut out.
 class SplashWindow : public QWidget
 {
 public:
     SplashWindow();
 
-    /// Room between the card's edge and the window's.
+    /// Space between the card's edge and the window's, in device-independent pixels.
     static constexpr int ShadowMargin = 14;
 
     /// Whether a splash is on the screen.

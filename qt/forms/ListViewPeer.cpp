@@ -1,4 +1,4 @@
-// A list in report style: a tree view without a tree, over a model that looks straight into the control.
+// A list in report style: a tree view without a tree, over a model that reads the control's list directly.
 #include "controls/ListView.h"
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/ControlPeers.h"
@@ -29,12 +29,12 @@ namespace
 constexpr int IconSize = 16;
 constexpr int RowPadding = 8;
 constexpr int HeaderPadding = 12;
-constexpr int TextMargin = 6; // on either side of a text
+constexpr int TextMargin = 6; // on each side of a text
 constexpr int LeastRows = 8;
-// Average characters that a column which takes what is left would like to have.
+// Preferred width, in average characters, of a column that takes the remaining space.
 constexpr int SpareChars = 32;
 
-/// The desktop's style with a little more air between columns, in the frame that other fields have.
+/// The desktop's style with wider columns and with the frame that other fields have.
 class AirierStyle : public QProxyStyle
 {
 public:
@@ -63,14 +63,14 @@ public:
     {
     }
 
-    /// Takes over what the control holds now.
+    /// Takes over the rows that the control has now.
     void Refresh()
     {
         beginResetModel();
         rows_ = list_->Rows();
         endResetModel();
     }
-    /// The control is about to go; the view may live a little longer.
+    /// Must be called before the control is destroyed; the view may exist a little longer.
     void Detach() { list_ = nullptr; }
 
     int RowOf(std::size_t item) const
@@ -91,7 +91,7 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override
     {
-        // Between a change of the list and the refresh, rows may have gone.
+        // Between a change of the list and the refresh, rows may no longer exist.
         const std::size_t number = ItemAt(index.row());
         if (!list_ || number < 1 || number > list_->ListItems().size())
             return {};
@@ -132,10 +132,11 @@ private:
     const IconSet& icons_;
     const QWidget& view_;
     const int columns_;
-    std::vector<std::uint32_t> rows_; ///< numbers of the items shown
+    std::vector<std::uint32_t> rows_; ///< numbers of the items shown, in order
 };
 
-/// A round picture on a disc of a field's colour, which it is drawn for: it stands out from a selected row, too.
+/// A round picture on a disc of a field's background colour, for which it was drawn, so that it also stands out in a
+/// selected row.
 QPixmap OnField(const QPixmap& picture, const QColor& field)
 {
     QPixmap disc(picture.size());
@@ -150,8 +151,8 @@ QPixmap OnField(const QPixmap& picture, const QColor& field)
     return disc;
 }
 
-/// Rows of a comfortable height; a picture keeps its colours in the row that is selected, and no cell shows a frame of
-/// its own, as a row is one thing.
+/// Makes rows of a comfortable height. In the selected row a picture keeps its colours. No cell shows a focus frame,
+/// because a row is one unit.
 class RowDelegate : public QStyledItemDelegate
 {
 public:
@@ -202,7 +203,7 @@ public:
         header()->setStretchLastSection(false);
     }
 
-    /// The user selected a row, or pressed the mouse on the one that is selected.
+    /// Called when the user selects a row, or presses the mouse on the selected one.
     std::function<void(int row)> OnSelect;
 
     QSize sizeHint() const override
@@ -214,14 +215,14 @@ public:
         return {width, 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
     }
 
-    /// What makes an item the one that is selected.
+    /// Flags that make an item the only one selected.
     QItemSelectionModel::SelectionFlags Selecting() const
     {
         return selectionBehavior() == SelectRows ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
                                                  : QItemSelectionModel::ClearAndSelect;
     }
 
-    /// Of a column for so many average characters.
+    /// Width of a column for so many average characters.
     int WidthOf(int chars) const { return chars * fontMetrics().horizontalAdvance(u'0') + 4 * TextMargin; }
     int RowHeight() const { return std::max(fontMetrics().height(), IconSize) + RowPadding; }
 
@@ -233,7 +234,7 @@ protected:
             Tell(current.row());
     }
 
-    // The first row becomes the current one, but nobody has selected it.
+    // On focus the toolkit makes the first row current, but nobody has selected it.
     void focusInEvent(QFocusEvent* event) override
     {
         const auto tell = std::exchange(OnSelect, nullptr);
@@ -250,7 +251,7 @@ protected:
             Tell(pressed.row());
     }
 
-    // A row that is selected stays so, whatever is held or clicked beside it.
+    // A selected row stays selected, whichever keys are held and wherever beside it the user clicks.
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override
     {
         if (!index.isValid() || (event && event->type() == QEvent::MouseButtonRelease))
@@ -262,7 +263,7 @@ private:
     void Tell(int row)
     {
         told_ = true;
-        // A copy: the form may go from within.
+        // Copied, because the form may be destroyed inside the call.
         if (const auto tell = OnSelect)
             tell(row);
     }
@@ -317,7 +318,7 @@ public:
     }
 
 private:
-    /// Looks at the list when the handler that changes it has ended, so that many changes cost one look.
+    /// Refreshes after the handler that changes the list has ended, so that many changes cost one refresh.
     void Later()
     {
         if (!std::exchange(waiting_, true))
@@ -347,7 +348,7 @@ private:
         const QModelIndex index = model_->index(model_->RowOf(control_.SelectedItem()), 0);
         quiet_ = true;
         if (index.isValid()) {
-            // It may be the current one without being selected.
+            // Both are set, because a row may be current without being selected.
             widget_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
             widget_->selectionModel()->select(index, widget_->Selecting());
             widget_->scrollTo(index);
@@ -358,8 +359,8 @@ private:
     }
 
     RowModel* model_;
-    bool waiting_ = false; ///< a look at the list is on its way
-    bool quiet_ = false;   ///< the program selects, not the user
+    bool waiting_ = false; ///< a refresh is queued
+    bool quiet_ = false;   ///< the selection is changed by the program, not by the user
 };
 
 } // namespace

@@ -12,7 +12,7 @@ MenuPeer::MenuPeer(Menu& menu, QWidget* parent) : menu_(menu), parent_(parent), 
     action_->setObjectName(ToQt(menu_.Name));
     action_->setSeparator(menu_.Caption.get() == "-");
     QObject::connect(action_, &QAction::triggered, action_, [this] {
-        // Qt has toggled a checked item; what is checked is the program's to say.
+        // Qt has toggled a checkable item, but only the program decides what is checked.
         Update(Property::Checked);
         menu_.UserClick();
     });
@@ -23,7 +23,7 @@ MenuPeer::MenuPeer(Menu& menu, QWidget* parent) : menu_(menu), parent_(parent), 
 
 MenuPeer::~MenuPeer()
 {
-    // The menu may be open, or this may be its own click: what is on the screen goes when that has ended.
+    // The menu may be open, or this may run inside its own click, so its widgets are deleted later.
     if (action_) {
         action_->disconnect();
         action_->setVisible(false);
@@ -39,7 +39,7 @@ void MenuPeer::Update(Property property)
 {
     switch (property) {
     case Property::Caption:
-        // A rule with a text would be a heading.
+        // A separator with a text would be shown as a heading.
         if (action_->isSeparator())
             break;
         action_->setText(ToQt(menu_.Caption));
@@ -53,7 +53,7 @@ void MenuPeer::Update(Property property)
         action_->setVisible(menu_.Visible);
         break;
     case Property::Checked:
-        // Room for a check mark is kept only where there is one.
+        // Only a checked item is checkable, so that room for a check mark is kept only where there is one.
         action_->setCheckable(menu_.Checked);
         action_->setChecked(menu_.Checked);
         break;

@@ -38,7 +38,8 @@ public:
         UpdateCommon(property);
         if (property == Property::Caption) {
             widget_->setText(ToQt(control_.Caption));
-            // The window is announced with what it says, line ends being no words; an ampersand in it is one.
+            // Screen readers announce the window by its text, without the line ends that are not to be read out. An
+            // ampersand in the text is read as it is.
             const QString said = widget_->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n")).trimmed();
             widget_->setAccessibleName(said);
             widget_->window()->setAccessibleName(said);
@@ -63,7 +64,7 @@ PlacedFormPeer::PlacedFormPeer(PlacedForm& form) : form_(form), window_(new Plac
         if (auto* label = dynamic_cast<Label*>(control))
             peers_.push_back(std::make_unique<PlacedLabelPeer>(*label, window_));
     }
-    // The timers last: a tick must find the form complete.
+    // Timers last, because a tick must find the form complete.
     for (Control* control : form_.Controls()) {
         if (auto* timer = dynamic_cast<Timer*>(control))
             peers_.push_back(CreateTimerPeer(*timer));
@@ -72,7 +73,7 @@ PlacedFormPeer::PlacedFormPeer(PlacedForm& form) : form_(form), window_(new Plac
 
 PlacedFormPeer::~PlacedFormPeer()
 {
-    // The form may go in the middle of one of its window's own events: the window goes when that has ended.
+    // The form may be destroyed inside one of its window's own events, so the window is deleted later.
     peers_.clear();
     window_->OnClick = nullptr;
     window_->hide();

@@ -14,7 +14,7 @@ namespace voxmate::qt
 class PlacedFormPeer : public FormPeer
 {
 public:
-    /// The form's labels and timers get their peers; other controls have no place on such a form.
+    /// Makes peers for the form's labels and timers; other controls are not supported on such a form.
     explicit PlacedFormPeer(PlacedForm& form);
     ~PlacedFormPeer() override;
 

@@ -48,7 +48,7 @@ QtFormPeer::QtFormPeer(Form& form, const IconSet& icons, QWidget* owner) : form_
     Update(Property::Caption);
     ConnectLabels();
     SetTabOrder();
-    // The timers last: a tick must find the form complete.
+    // Timers last, because a tick must find the form complete.
     for (Control* control : form_.Controls()) {
         if (auto* timer = dynamic_cast<Timer*>(control))
             timers_.push_back(CreateTimerPeer(*timer));
@@ -57,7 +57,7 @@ QtFormPeer::QtFormPeer(Form& form, const IconSet& icons, QWidget* owner) : form_
 
 QtFormPeer::~QtFormPeer()
 {
-    // The form may go in the middle of one of its window's own events: the window goes when that has ended.
+    // The form may be destroyed inside one of its window's own events, so the window is deleted later.
     timers_.clear();
     menus_.clear();
     widgets_.clear();
@@ -74,7 +74,7 @@ FormWindow* QtFormPeer::MakeFormWindow()
 {
     auto* window = new FormWindow(form_.Border);
     window_ = window;
-    // Before its controls, which take it over.
+    // Set before the controls are made, because they take it over.
     if (!form_.FontName.empty())
         window->setFont(ToQFont({form_.FontName}, QFont()));
     content_ = new QWidget(window);
@@ -87,7 +87,7 @@ FormWindow* QtFormPeer::MakeFormWindow()
         auto peer = CreateWidgetPeer(*form_.Status, icons_, window);
         auto* bar = static_cast<QStatusBar*>(peer->Widget());
         bar->setSizeGripEnabled(form_.Border == BorderStyle::Sizable);
-        // In line with the content; a status bar has a little room of its own.
+        // Aligned with the content; a status bar adds a little space of its own.
         bar->setContentsMargins(WindowMargin - 2, 0, WindowMargin, WindowMargin / 2);
         window->setStatusBar(bar);
         widgets_[form_.Status] = std::move(peer);
@@ -132,7 +132,7 @@ QWidget* QtFormPeer::MakeItem(const Layout& item)
         widget->setMinimumWidth(std::max(item.minWidth, widget->minimumWidth()));
     if (item.minHeight > 0)
         widget->setMinimumHeight(std::max(item.minHeight, widget->minimumHeight()));
-    // A label that is given its width breaks into lines.
+    // A label with a given width and height wraps its text.
     if (auto* label = qobject_cast<QLabel*>(widget); label && item.minWidth > 0 && item.minHeight > 0) {
         label->setWordWrap(true);
         label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -171,14 +171,14 @@ void QtFormPeer::Fill(QBoxLayout& layout, const Layout& arrangement)
         }
         case Layout::Kind::Item:
             if (QWidget* widget = MakeItem(child)) {
-                // A picture keeps its size and its place in the middle.
+                // A picture keeps its size and is centred.
                 const bool picture = dynamic_cast<Image*>(child.control) != nullptr;
                 layout.addWidget(widget, child.stretch, picture ? Qt::AlignCenter : Qt::Alignment());
             }
             break;
         default:
             if (child.minWidth > 0 || child.minHeight > 0) {
-                // Only a widget has a least size.
+                // Only a widget, not a layout, can have a minimum size.
                 auto* room = new QWidget(content_);
                 room->setLayout(Build(child));
                 room->setMinimumSize(child.minWidth, child.minHeight);
@@ -238,7 +238,7 @@ QLayout* QtFormPeer::Build(const Layout& arrangement)
         return column;
     }
     default: {
-        // A control by itself, the content of a frame.
+        // A single control, such as the content of a frame.
         Layout one;
         one.kind = Layout::Kind::Column;
         one.children.push_back(arrangement);
@@ -281,7 +281,7 @@ void QtFormPeer::SetTabOrder()
     QWidget* preset = nullptr;
     for (const Control* control : form_.Controls()) {
         QWidget* widget = WidgetOf(control);
-        // An option button that is not the chosen one may become so.
+        // An option button that is not chosen has no tab stop now, but may get one.
         if (!widget || !(widget->focusPolicy() & Qt::TabFocus || dynamic_cast<const OptionButton*>(control)))
             continue;
         if (last)
@@ -292,7 +292,8 @@ void QtFormPeer::SetTabOrder()
         if (const auto* button = dynamic_cast<const CommandButton*>(control); button && button->IsDefault)
             preset = widget;
     }
-    // The keyboard begins at the first control, unless that is a button which Enter would press in the default's place.
+    // The focus begins at the first control. If that is a button, it begins at the default button instead, because
+    // Enter presses the focused button.
     if (first)
         (preset && qobject_cast<QPushButton*>(first) ? preset : first)->setFocus(Qt::OtherFocusReason);
 }
@@ -307,7 +308,7 @@ void QtFormPeer::Place()
 {
     placed_ = true;
     window_->adjustSize();
-    // That ends at two thirds of the screen, where a form that can be made larger may want more.
+    // adjustSize() is limited to two thirds of the screen, and a resizable form may need more.
     if (const QScreen* screen = window_->screen(); screen && form_.Border == BorderStyle::Sizable)
         window_->resize(window_->sizeHint().boundedTo(screen->availableSize()));
     if (form_.ShowActivated)
@@ -355,7 +356,7 @@ void QtFormPeer::PopupMenu(Menu& menu, Control* at)
     auto* peer = static_cast<MenuPeer*>(menu.GetPeer());
     if (!peer)
         return;
-    // An item without items of its own is shown as a menu of one.
+    // An item without items of its own is shown as a menu with one entry.
     QMenu alone(window_);
     if (!peer->Submenu())
         alone.addAction(peer->Action());

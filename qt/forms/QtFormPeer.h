@@ -21,7 +21,7 @@ class FormWindow;
 class QtFormPeer : public FormPeer
 {
 public:
-    /// `icons` must outlive the window, `owner` is the window it is first centred on (nullptr: the screen).
+    /// `icons` must outlive the window; the window is first centred on `owner` (nullptr: on the screen).
     QtFormPeer(Form& form, const IconSet& icons, QWidget* owner);
     ~QtFormPeer() override;
 
@@ -36,7 +36,7 @@ public:
 private:
     FormWindow* MakeFormWindow();
     QWidget* MakeSplash();
-    /// Fills `layout` with the children of a row or a column; makes the widgets on the way.
+    /// Fills `layout` with the children of a row or a column and makes their widgets.
     void Fill(QBoxLayout& layout, const Layout& arrangement);
     QLayout* Build(const Layout& arrangement);
     QLayout* BuildAll();

@@ -1,4 +1,4 @@
-// Edit fields of one line and of several: what the user can put in, and how.
+// Edit fields of one line and of several: what the user can enter, and how.
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/ControlPeers.h"
 #include "qt/widgets/QtText.h"
@@ -28,16 +28,17 @@ namespace
 constexpr int BackspaceKey = 8;
 constexpr int EnterKey = 13;
 
-// A field for so few characters is no wider than they are.
+// A field for at most this many characters is only as wide as they are.
 constexpr std::size_t FewCharacters = 8;
 // Device-independent pixels.
-constexpr int FieldPadding = 22; // with the frame
-constexpr int TextMargin = 2;    // to what a style leaves, so that texts begin where those of a list do
+constexpr int FieldPadding = 22; // including the frame
+constexpr int TextMargin =
+    2; // added to the style's own margin, so that texts begin at the same position as those of a list
 
-/// The characters that a key makes, as a control's KeyPress has them; none for a key that only moves or commands.
+/// The characters that a key makes, as KeyPress passes them to a control; none for a key that only moves or commands.
 QList<uint> CharactersOf(const QKeyEvent& event)
 {
-    // Control and Alt together are the third level of a keyboard.
+    // Control and Alt together select a keyboard's third level.
     const Qt::KeyboardModifiers held = event.modifiers();
     if (held.testFlag(Qt::MetaModifier) || held.testFlag(Qt::ControlModifier) != held.testFlag(Qt::AltModifier))
         return {};
@@ -56,7 +57,7 @@ QList<uint> CharactersOf(const QKeyEvent& event)
     }
 }
 
-/// Number of characters, the two halves of one beyond the basic plane counted as one.
+/// Number of characters; a surrogate pair counts as one.
 qsizetype Count(const QString& text)
 {
     return text.size() - std::count_if(text.begin(), text.end(), [](QChar c) { return c.isLowSurrogate(); });
@@ -71,14 +72,14 @@ QString First(const QString& text, qsizetype count)
     return text.left(end);
 }
 
-/// An edit field whose keys can be swallowed, and whose ground can be the window's.
+/// An edit field whose keys can be swallowed and whose background can be the window's.
 template <class W>
 class FilteredEdit : public W
 {
 public:
     using W::W;
 
-    /// A key makes a character: false to swallow it. May be empty.
+    /// Called for each character typed; returns false to swallow it. May be empty.
     std::function<bool(int)> OnKeyPress;
 
     void SetGrey(bool grey)
@@ -99,7 +100,7 @@ protected:
         W::keyPressEvent(event);
     }
 
-    // Characters that are composed of several keys.
+    // Characters that an input method composes.
     void inputMethodEvent(QInputMethodEvent* event) override
     {
         QString passed;
@@ -130,7 +131,7 @@ private:
     {
         const QPalette desktop = QApplication::palette(this);
         const QBrush ground = desktop.brush(grey_ ? QPalette::Window : QPalette::Base);
-        // Setting it is a change, too.
+        // Setting the palette raises a change event, too.
         if (ground == W::palette().brush(QPalette::Base))
             return;
         QPalette own;
@@ -142,29 +143,29 @@ private:
     bool grey_ = false;
 };
 
-/// Cuts what the user puts into a field of one line down to the characters for which there is room.
+/// Cuts what the user enters into a one-line field so that the field does not exceed its maximum length.
 class LengthLimit : public QValidator
 {
 public:
     LengthLimit(const TextBox& box, QObject* parent) : QValidator(parent), box_(&box) {}
-    /// The control is about to go.
+    /// Must be called before the control is destroyed.
     void Detach() { box_ = nullptr; }
 
     State validate(QString& text, int& cursor) const override
     {
         if (!box_)
             return Acceptable;
-        // A text that the program has set may be longer, and may be shortened.
+        // The program may have set a longer text; the user may still shorten it.
         const auto most = std::max(qsizetype(box_->MaxLength), qsizetype(Len(box_->Text.get())));
         const qsizetype excess = Count(text) - most;
         if (excess <= 0)
             return Acceptable;
-        // What was put in ends at the cursor.
+        // The entered text ends at the cursor.
         const QString put = text.left(cursor);
         const QString kept = First(put, std::max<qsizetype>(Count(put) - excess, 0));
         QString cut = kept + text.mid(cursor);
         if (cut == ToQt(box_->Text))
-            return Invalid; // the field takes its change back
+            return Invalid; // the field then undoes the change
         cursor = static_cast<int>(kept.size());
         text = std::move(cut);
         return Acceptable;
@@ -189,7 +190,7 @@ public:
             new FontChange(&context_, *widget_->window(), [this] { FitCharacters(); });
         }
         if (control_.MaxLength > 0) {
-            // The field's own limit would count halves of characters.
+            // QLineEdit's own limit would count each half of a surrogate pair.
             limit_ = new LengthLimit(control_, widget_);
             widget_->setValidator(limit_);
         }
@@ -216,7 +217,7 @@ public:
     }
 
 private:
-    /// As wide as the few characters that it takes.
+    /// Makes the field as wide as the few characters it takes.
     void FitCharacters()
     {
         const int characters = static_cast<int>(control_.MaxLength);
@@ -226,11 +227,11 @@ private:
     LengthLimit* limit_ = nullptr;
 };
 
-/// The text with line ends in its endless paragraphs, behind a blank where there is one. A paragraph is laid out as a
-/// whole before any of it can be shown, which for one as long as a book takes many seconds and a gigabyte.
+/// The text with line breaks inserted into overlong paragraphs, after a blank if there is one. A paragraph is laid out
+/// as a whole before any of it can be shown; one as long as a book takes many seconds and a gigabyte.
 QString WithoutEndlessParagraphs(const QString& text)
 {
-    constexpr qsizetype longest = 32768; // QChars; laid out within a frame of the screen
+    constexpr qsizetype longest = 32768; // QChars; this many are laid out within one frame of the screen
     QString shown;
     qsizetype copied = 0;
     for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {
@@ -252,13 +253,13 @@ QString WithoutEndlessParagraphs(const QString& text)
     return shown += QStringView(text).sliced(copied);
 }
 
-/// A text field of several lines that asks for no more room than a few of them; the form's arrangement gives it more.
+/// A text field of several lines that asks only for a few lines' height; the form's layout gives it more.
 class MultiLineEdit : public FilteredEdit<QPlainTextEdit>
 {
 public:
     using FilteredEdit::FilteredEdit;
 
-    qsizetype MaxLength = 0; ///< characters that the user can put in; 0: any number
+    qsizetype MaxLength = 0; ///< most characters the user can enter; 0: no limit
 
     QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -268,7 +269,7 @@ protected:
     {
         const QList<uint> made = CharactersOf(*event);
         const bool puts = !made.isEmpty() && made.first() != BackspaceKey;
-        // A full field still tells of the key.
+        // A full field still reports the key.
         if (puts && !isReadOnly() && made.size() > Room()) {
             if (const auto tell = OnKeyPress)
                 tell(static_cast<int>(made.first()));
@@ -286,7 +287,7 @@ protected:
         FilteredEdit::inputMethodEvent(event);
     }
 
-    // Pasted, or dropped onto the field.
+    // Called for pasted and dropped text.
     void insertFromMimeData(const QMimeData* source) override
     {
         QMimeData fits;
@@ -296,11 +297,12 @@ protected:
     }
 
 private:
-    /// Characters that can still be put in, in place of those that are selected.
+    /// Characters that can still be entered, counting the selected ones as replaced.
     qsizetype Room() const
     {
         if (MaxLength == 0)
-            return std::numeric_limits<qsizetype>::max() / 2; // room for a replaced text to be added
+            return std::numeric_limits<qsizetype>::max() /
+                   2; // half, so that the length of a replaced text can be added
         return std::max<qsizetype>(0, MaxLength - Count(toPlainText()) + Count(textCursor().selectedText()));
     }
 };
@@ -330,7 +332,7 @@ public:
             widget_->setPlainText(WithoutEndlessParagraphs(ToQt(control_.Text)));
         } else if (property == Property::Locked) {
             widget_->setReadOnly(control_.Locked);
-            // What can be read can be gone through and copied by the keyboard, too.
+            // A locked text can still be navigated and copied by the keyboard.
             if (control_.Locked)
                 widget_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         } else if (property == Property::BackColor) {

@@ -1,5 +1,5 @@
-// The seam to the desktop that the front end stands on: what Qt has no public call for. Each platform has its own
-// implementation, which is linked in; where a desktop cannot do something, it falls back to what Qt has.
+// The front end's interface to the desktop for what Qt has no public call for. Each platform links in its own
+// implementation; what a desktop cannot do falls back to what Qt offers.
 #pragma once
 
 #include "qt/system/Screens.h"
@@ -15,41 +15,41 @@
 namespace voxmate::qt
 {
 
-/// Limits where a window takes the mouse to `region`, in device pixels of the window.
+/// Limits the part of a window that takes the mouse to `region`, in device pixels of the window.
 void SetInputShape(QWindow& window, const QRegion& region);
-/// Limits where a window is drawn at all to `region`, in device pixels of the window. For screens without a compositor,
-/// where transparent pixels would be black.
+/// Limits the part of a window that is drawn to `region`, in device pixels of the window. For screens without a
+/// compositor, where transparent pixels would be black.
 void SetBoundingShape(QWindow& window, const QRegion& region);
-/// Lets a window be drawn wherever it is again.
+/// Removes the limit that SetBoundingShape set.
 void ClearBoundingShape(QWindow& window);
-/// Keeps a window out of task bar and window switcher and shows it on every virtual desktop. Before each time it is
-/// shown: window managers forget that of a window that goes.
+/// Keeps a window out of the task bar and the window switcher and shows it on every virtual desktop. Must be called
+/// each time before the window is shown, because window managers forget these states when it is hidden.
 void MakeDesktopCompanion(QWindow& window);
-/// Asks for the same once more, of a window that has just been shown: a window manager that has not yet seen it go
-/// forgets what was set in between.
+/// Asks for the same once more, for a window that has just been shown: a window manager that has only now noticed the
+/// earlier hiding forgets what was set in between.
 void KeepDesktopCompanion(QWindow& window);
-/// Sends what has been asked of the desktop and still waits to be sent. Qt does so only when it has drawn or heard
+/// Sends requests to the desktop that are still queued. Qt itself does so only after it has drawn or received
 /// something.
 void Flush();
 
-/// Whether a panel keeps tray icons itself, as items that it asks for over the session's bus. Such a panel tells of an
-/// icon's activation only, not of clicks.
+/// Whether a panel shows tray icons itself, from data it reads over the session's bus. Such a panel reports only that
+/// an icon was activated, not the clicks.
 bool TrayIsOfItems();
 
 /// The desktop and the other programs' windows on it, in device pixels.
 struct DesktopState {
-    QRect extent;                ///< all screens together; empty where only Qt knows of the desktop
-    QList<QRect> monitors;       ///< none where it does not tell
-    QList<QRect> workAreas;      ///< of the workspace on show
-    QList<Strut> struts;         ///< of the panels on show
-    QList<ListedWindow> windows; ///< those on show, the lowest first
-    QSet<std::uint32_t> watched; ///< the other programs' windows, on show or not
+    QRect extent;                ///< all screens together; empty where only Qt knows the desktop
+    QList<QRect> monitors;       ///< empty if the desktop does not report them
+    QList<QRect> workAreas;      ///< of the current workspace
+    QList<Strut> struts;         ///< of the visible panels
+    QList<ListedWindow> windows; ///< the visible ones, lowest first
+    QSet<std::uint32_t> watched; ///< the other programs' windows, visible or not
 };
 
-/// Reads the desktop, and has changes of it told to the program's native event filters. `watched` are the windows of
-/// which that is asked already.
+/// Reads the desktop's state and subscribes to its changes, which then reach the program's native event filters.
+/// `watched` are the windows that are subscribed to already.
 DesktopState LookAtDesktop(const QSet<std::uint32_t>& watched);
-/// Whether a native event is one after which LookAtDesktop may answer differently.
+/// Whether LookAtDesktop may give another answer after this native event.
 bool TellsOfDesktop(const void* event, const QSet<std::uint32_t>& watched);
 
 /// Watches whether a compositor runs on the screen, that is, whether windows can be translucent. Costs nothing while
@@ -59,7 +59,7 @@ class Compositor : public QObject, private QAbstractNativeEventFilter
     Q_OBJECT
 
 public:
-    /// The one watch of the program; made when first asked for, after the application object.
+    /// The program's only instance, made on first use, which must be after the application object exists.
     static Compositor& Instance();
 
     bool Running() const { return running_; }

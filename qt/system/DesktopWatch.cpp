@@ -15,7 +15,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// Milliseconds in which the properties of one change arrive.
+/// Milliseconds within which all property changes of one change of the desktop arrive.
 constexpr int ChangeTime = 20;
 
 /// Squared distance from a point to a rectangle.
@@ -112,7 +112,7 @@ QList<QRect> DesktopWatch::WorkAreas() const
     return areas;
 }
 
-/// A screen in device pixels. The toolkit tells its first pixel as it is and its size rounded.
+/// A screen in device pixels. The toolkit reports its first pixel exactly, but its size rounded.
 QRect DesktopWatch::NativeScreen(const QScreen& screen) const
 {
     const QRect told = screen.geometry();
@@ -120,7 +120,7 @@ QRect DesktopWatch::NativeScreen(const QScreen& screen) const
         if (monitor.topLeft() == told.topLeft())
             return monitor;
     }
-    // The smallest that is told as this one.
+    // The smallest size that the toolkit would report as this one.
     const auto least = [&screen](int size) {
         return static_cast<int>(std::ceil((size - 0.5) * screen.devicePixelRatio()));
     };
@@ -134,7 +134,7 @@ QRect DesktopWatch::WorkArea(const QScreen& screen) const
     const QRect whole = NativeScreen(screen);
     QRect area = WithoutPanels(whole, desktop_.size(), struts_);
     for (const QRect& reported : reported_) {
-        // A work area of all screens together says nothing of one of them.
+        // A work area that spans several screens says nothing about a single one.
         if (whole.contains(reported) && reported.intersects(area))
             area = area.intersected(reported);
     }

@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
-/// X11 first, Wayland where the X server does not answer.
+/// X11 first, Wayland if the X server does not answer.
 constexpr const char* PreferX11 = "xcb;wayland";
 
 int& PreparePlatform(int& argc)
@@ -32,12 +32,12 @@ int& PreparePlatform(int& argc)
 QtApplication::QtApplication(int& argc, char** argv)
     : QApplication((PreparePlatform(argc)), argv), EndProgram([] { std::_Exit(EXIT_FAILURE); })
 {
-    // The choice is this program's alone, not that of programs it starts.
+    // The choice is for this program alone, not for the programs it starts.
     if (qgetenv(PlatformVariable) == PreferX11)
         qunsetenv(PlatformVariable);
     setApplicationName(QStringLiteral("Voxmate"));
     setDesktopFileName(QStringLiteral("voxmate"));
-    // Hidden in the tray the program goes on; it ends by its own exit.
+    // The program goes on while it is hidden in the tray; it ends only by its own exit.
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();
     connect(this, &QGuiApplication::commitDataRequest, this, [this] {
@@ -53,7 +53,7 @@ void QtApplication::Post(std::function<void()> act)
 
 bool QtApplication::event(QEvent* event)
 {
-    // The toolkit would close all windows, one of which may go to the tray and stay.
+    // The toolkit would close all windows, and one of them may hide in the tray instead of closing.
     if (event->type() == QEvent::Quit && EndRequested) {
         EndRequested();
         return true;
@@ -78,7 +78,7 @@ void QtApplication::Report(const RuntimeError& error)
             this, [this, error] { Report(error); }, Qt::QueuedConnection);
         return;
     }
-    // While the box is up timers go on and may fail, too: the first error is the one to tell.
+    // While the box is up timers go on and may fail too. Only the first error is shown.
     if (std::exchange(reporting_, true))
         return;
     ShowMessageBox(activeWindow(), Icons,

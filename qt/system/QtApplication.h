@@ -1,4 +1,4 @@
-// The application object: the event loop's last resort for errors, and what Qt must know before it starts.
+// The application object: the last handler for errors in the event loop, and the settings Qt needs before it starts.
 #pragma once
 
 #include "base/RuntimeError.h"
@@ -15,31 +15,31 @@ namespace voxmate::qt
 class QtApplication : public QApplication
 {
 public:
-    /// Prefers X11 where a Wayland session offers both, because only there a program can say where its windows stand:
-    /// the character moves by itself.
+    /// Prefers X11 where a Wayland session offers both: only under X11 can a program set its windows' positions, and
+    /// the character moves on its own.
     QtApplication(int& argc, char** argv);
 
-    /// Ends the program after an error that nobody caught has been shown. By default the process ends with status 1.
+    /// Ends the program after an uncaught error has been shown. By default the process ends with status 1.
     std::function<void()> EndProgram;
 
-    /// The desktop asks the program to end, as a session's manager does when the session is over. Closing windows is
-    /// not asked for: what they would do is for the user who closes one.
+    /// The desktop asks the program to end, for example the session manager at log-out. The program's windows are not
+    /// asked to close, because what a form does when it is closed is meant for the user's own closing.
     std::function<void()> EndRequested;
-    /// The session may be about to end: what is on its way to the disk should get there.
+    /// The session may be about to end: pending writes should reach the disk.
     std::function<void()> SaveRequested;
 
-    /// Has `act` called from the event loop; from any thread.
+    /// Calls `act` from the event loop. May be called on any thread.
     void Post(std::function<void()> act);
 
-    /// Where the box of an error takes its icon from; without it from the desktop.
+    /// Icons for the error box; nullptr: the desktop's.
     const IconSet* Icons = nullptr;
 
-    /// Catches what an event handler throws and reports it.
+    /// Catches exceptions of event handlers and reports them.
     bool notify(QObject* receiver, QEvent* event) override;
     bool event(QEvent* event) override;
 
-    /// Shows "Run-time error 'N':", an empty line and the description, then ends the program. From another thread the
-    /// box comes up in the user interface's, soon after.
+    /// Shows "Run-time error 'N':", an empty line and the description, then ends the program. Called on another thread,
+    /// it returns and the box appears soon after in the user-interface thread.
     void Report(const RuntimeError& error);
 
 private:

@@ -16,11 +16,11 @@ namespace
 
 constexpr double TwipsPerInch = 1440;
 
-// How often to look whether the notification area is still there while the window is hidden; milliseconds.
+// Milliseconds between checks, while the window is hidden, whether the notification area still exists.
 constexpr int WatchInterval = 2000;
 
-/// Whether the icon that is shown is a window within the notification area's, which has real clicks: the toolkit makes
-/// such a window for it then.
+/// Whether the icon is a window embedded in the notification area, which gets real clicks. The toolkit makes a window
+/// of this class only then.
 bool IsEmbedded()
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -38,7 +38,7 @@ void Iconify(QWidget& window)
 
 double TwipsPerPixel()
 {
-    // Qt's own pixels are 1/96 inch, whatever the screen's.
+    // Qt's device-independent pixels are 1/96 inch on every screen.
     constexpr double pixelsPerInch = 96;
     return TwipsPerInch / pixelsPerInch;
 }
@@ -56,7 +56,8 @@ std::uint32_t QtTray::HandleOf(PictureBox& box)
 
 void QtTray::Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box)
 {
-    // A status notifier knows no clicks: its activation is whatever opens a program on that desktop, one click or two.
+    // A status notifier reports no clicks: it is activated by whatever opens a program on that desktop, one click or
+    // two.
     const bool activation = viaNotifier_ && reason == QSystemTrayIcon::Trigger;
     if (reason == QSystemTrayIcon::DoubleClick || activation)
         box.UserMouseMove(WM_LBUTTONDBLCLK * TwipsPerPixel());
@@ -93,13 +94,13 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
     icon_->setToolTip(QString::fromUtf8(data.tip.data()));
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                      [this, receiver = box->second](auto reason) {
-                         // Later: a panel waits for its call to return, and a menu stays up for long.
+                         // Deferred, because the panel waits for its call to return, and a menu may stay open for long.
                          QTimer::singleShot(0, icon_.get(), [=, this] { Activated(reason, *receiver); });
                      });
     icon_->show();
     viaNotifier_ = !IsEmbedded();
-    // Some areas show a menu of their own, or none, for an icon without one. In the other kind the right click is a
-    // message, and the toolkit would pop up the menu a second time.
+    // For a status notifier without a menu some areas show one of their own, or none. An embedded icon reports the
+    // right click as a message, and with a menu set the toolkit would open it a second time.
     if (viaNotifier_)
         ExportMenu(*box->second);
     watch_.disconnect();

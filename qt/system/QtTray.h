@@ -1,4 +1,4 @@
-// The notification-area icon on a Qt desktop: a status-notifier or system-tray icon, whatever the desktop has.
+// The notification-area icon on a Qt desktop: a status notifier or a system-tray icon, whichever the desktop supports.
 #pragma once
 
 #include "platform/WindowSystem.h"
@@ -19,25 +19,25 @@ class QtTray
 public:
     explicit QtTray(const IconSet& icons) : icons_(icons) {}
 
-    /// As WindowSystem says. Where the desktop has no such area, or loses it, `window` comes back iconified once it has
-    /// been hidden, so that nobody loses it.
+    /// As WindowSystem::Shell_NotifyIconA. Where the desktop has no notification area, or loses it, a hidden `window`
+    /// is minimised instead, so that the user can still reach it.
     bool Notify(std::uint32_t message, const TrayIconData& data, QWidget* window);
-    /// A number that stands for this picture box from now on.
+    /// A handle for this picture box, valid from now on.
     std::uint32_t HandleOf(PictureBox& box);
 
 private:
-    /// Makes the icon's menu known to the area, which shows it itself.
+    /// Gives the icon's menu to the notification area, which shows it itself.
     void ExportMenu(const PictureBox& box);
     void Activated(QSystemTrayIcon::ActivationReason reason, PictureBox& box);
 
     const IconSet& icons_;
     std::map<std::uint32_t, PictureBox*> boxes_;
     std::unique_ptr<QSystemTrayIcon> icon_;
-    QTimer watch_;             ///< looks whether the area is still there
-    bool viaNotifier_ = false; ///< the icon is one of the status-notifier kind, told of over the session's bus
+    QTimer watch_;             ///< checks whether the area still exists
+    bool viaNotifier_ = false; ///< the icon is a status notifier, announced over the session's bus
 };
 
-/// Twips a pixel of the primary screen.
+/// Twips per pixel of the primary screen.
 double TwipsPerPixel();
 
 } // namespace voxmate::qt

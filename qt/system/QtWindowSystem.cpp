@@ -23,13 +23,13 @@ namespace voxmate::qt
 namespace
 {
 
-// The kind of a format, without the parameters behind it.
+// A format's media type, without its parameters.
 QString KindOf(const QString& format)
 {
     return format.section(QLatin1Char(';'), 0, 0).trimmed().toLower();
 }
 
-// How a format says its text is encoded; UTF-8 where it doesn't, or names what is not known.
+// The encoding that a format's charset names; UTF-8 if it names none or an unknown one.
 QStringConverter::Encoding EncodingOf(const QString& format)
 {
     const QString mark = QStringLiteral("charset=");
@@ -39,8 +39,8 @@ QStringConverter::Encoding EncodingOf(const QString& format)
     return QStringConverter::encodingForName(name.trimmed().toLatin1().constData()).value_or(QStringConverter::Utf8);
 }
 
-// The format in which something copied has a plain text, null when it has none. Not the toolkit's hasText(), for which
-// the address that a copied picture came from is a text, and which knows no format with a charset.
+// The format of copied content that is plain text; null if there is none. The toolkit's hasText() is not used: it
+// counts the address of a copied picture as text, and it ignores formats with a charset.
 QString PlainTextFormat(const QMimeData* content)
 {
     if (!content)
@@ -60,7 +60,7 @@ QtWindowSystem::QtWindowSystem(const std::string& shareDirectory)
     : icons_(ToQt(shareDirectory) + QStringLiteral("/icons"))
 {
     QApplication::setWindowIcon(icons_.Icon(QStringLiteral("voxmate")));
-    // When a box closes no window has the keyboard for a moment, and the next box may come just then.
+    // Remembered, because no window has the focus for a moment after a box closes, and the next box may come just then.
     QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
         if (auto* form = now ? dynamic_cast<FormWindow*>(now->window()) : nullptr)
             lastForm_ = form;

@@ -20,7 +20,7 @@ class FormWindow;
 class QtWindowSystem : public QtWindowCalls
 {
 public:
-    /// `shareDirectory` is the folder of the shared data, which holds icons/.
+    /// `shareDirectory` is the folder of the shared data; it contains icons/.
     explicit QtWindowSystem(const std::string& shareDirectory);
 
     const IconSet& Icons() const { return icons_; }
@@ -43,17 +43,17 @@ public:
     double TwipsPerPixelX() override { return TwipsPerPixel(); }
 
 private:
-    /// The form that the user is at or was at last, over which a box or a dialog stands; else the main window.
+    /// The owner for a box or a dialog: the form in use, or else the one last used, or else the main window.
     QWidget* Owner() const;
 
     IconSet icons_;
     QtTray tray_{icons_};
     std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed
     ItemList lastItemList_ = 0;
-    std::string openFolder_; ///< where the dialog for opening a file was last left; empty before the first
+    std::string openFolder_; ///< the folder in which the open dialog was last left; empty before the first use
     QPointer<QWidget> main_; ///< the main window: the form with a menu bar
     QPointer<FormWindow> lastForm_;
-    QObject context_; ///< receiver of the application's signals: they end with this
+    QObject context_; ///< receives the application's signals, which are disconnected when it is destroyed
 };
 
 } // namespace voxmate::qt

@@ -28,7 +28,7 @@ public:
     }
     void doAction(const QString& action) override
     {
-        // Later: a screen reader waits for its call to return.
+        // Deferred, because the screen reader waits for its call to return.
         if (action == pressAction())
             QTimer::singleShot(0, widget(), widget()->property(PressProperty).value<std::function<void()>>());
         else

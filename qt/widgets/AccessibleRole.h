@@ -1,4 +1,4 @@
-// What screen readers are told that a widget of our own is.
+// What screen readers are told about the program's own kinds of widgets.
 #pragma once
 
 #include <QAccessible>
@@ -9,11 +9,11 @@
 namespace voxmate::qt
 {
 
-/// Gives a widget that draws itself a role; without one it would be a mere container. To be called before the widget
-/// has a name, with which it becomes known to screen readers. Widgets of the toolkit have roles of their own, which
-/// this would replace along with what they can do.
+/// Gives a widget that draws itself a role; without one screen readers take it for a mere container. Must be called
+/// before the widget gets its name, because the name makes it known to them. Not for the toolkit's widgets: the call
+/// would replace their own roles and actions.
 void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
-/// Lets screen readers press a widget that was given a role: who has no mouse can press it, too.
+/// Lets screen readers press a widget that has been given a role, so that it can be pressed without a mouse.
 void SetAccessiblePress(QWidget& widget, std::function<void()> press);
 
 } // namespace voxmate::qt

@@ -15,7 +15,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// The desktop's name among those of the session, as the toolkit looks for it.
+/// Looks for the desktop's name in the session's list, as the toolkit does.
 bool IsKde()
 {
     return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QStringLiteral("KDE"));
@@ -26,7 +26,7 @@ QString SettingsFile()
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/kdeglobals");
 }
 
-/// A font is written as its parts with commas between them, which are read as a list.
+/// A font is stored as parts separated by commas, which QSettings reads as a list.
 QString FontText(const QSettings& settings, const char* key)
 {
     return settings.value(QLatin1String(key)).toStringList().join(u',');
@@ -50,8 +50,8 @@ DesktopFonts::DesktopFonts() : file_(IsKde() ? SettingsFile() : QString())
     Watch();
 }
 
-// The file is replaced by another of its name when it is saved: the folder tells of that, the file of being written
-// into.
+// When the settings are saved, the file is either replaced by another of the same name, which the watch on the folder
+// reports, or rewritten in place, which the watch on the file reports.
 void DesktopFonts::Watch()
 {
     watcher_.addPaths({QFileInfo(file_).path(), file_});

@@ -8,8 +8,8 @@
 namespace voxmate::qt
 {
 
-/// Where the toolkit took the fonts from the KDE desktop's settings at start, takes them from there again when they
-/// change, and so do all windows. The colours it follows by itself, and of other desktops it takes no fonts.
+/// Takes the fonts from the KDE desktop's settings again whenever these change; all windows follow. The toolkit reads
+/// those fonts only at start. It follows changes of the colours by itself, and takes no fonts from other desktops.
 class DesktopFonts : public QObject
 {
 public:
@@ -19,8 +19,8 @@ private:
     void Watch();
     void Read();
 
-    const QString file_; ///< the settings of the desktop; empty on another one
-    QString general_;    ///< the font of windows and that of menus, as the settings have them
+    const QString file_; ///< the desktop's settings file; empty if the desktop is not KDE
+    QString general_;    ///< the fonts of windows and of menus as the settings name them
     QString menus_;
     QFileSystemWatcher watcher_;
 };

@@ -58,7 +58,7 @@ void MovieLabel::paintEvent(QPaintEvent* /*event*/)
     const QRectF square(rect());
     const QPixmap picture = movie()->currentPixmap();
     if (!picture.isNull()) {
-        // As a brush the picture fills the rounded square with smooth corners; a clip would leave steps.
+        // Drawn as a brush, the picture has smooth rounded corners; a clip would leave steps.
         QBrush brush(picture);
         brush.setTransform(QTransform::fromScale(square.width() / picture.width(), square.height() / picture.height()));
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -78,7 +78,7 @@ PaneArea::PaneArea(QWidget* parent) : QScrollArea(parent)
     auto* content = new QWidget;
     setWidget(content);
     content->setAutoFillBackground(false);
-    // The keyboard stays with the form's buttons, which leave these keys to the text.
+    // The form's buttons keep the focus and do not use these keys, which scroll the text.
     for (const auto& [key, action] : {std::pair{Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
                                       std::pair{Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd}})
         connect(new QShortcut(key, this), &QShortcut::activated, verticalScrollBar(),
@@ -120,7 +120,7 @@ void SampleLabel::paintEvent(QPaintEvent* /*event*/)
     if (points_ > 0)
         shown.setPointSizeF(points_);
     const int room = height() - 4;
-    // A font's height grows with its size.
+    // A font's height is proportional to its size.
     if (const int needed = QFontMetrics(shown).height(); needed > room)
         shown.setPointSizeF(std::max(1.0, shown.pointSizeF() * room / needed));
 

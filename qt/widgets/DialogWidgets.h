@@ -1,4 +1,4 @@
-// The widgets that dialogs need beyond Qt's own. They draw with the palette alone, so that they follow light and dark
+// Widgets that dialogs need beyond Qt's own. They take all colours from the palette, so they follow light and dark
 // themes.
 #pragma once
 
@@ -8,7 +8,7 @@
 namespace voxmate::qt
 {
 
-/// Plays a moving picture, over and over, in a square with rounded corners while it is seen.
+/// Plays an animated picture in a loop, in a square with rounded corners, while it is visible.
 class MovieLabel : public QLabel
 {
 public:
@@ -21,7 +21,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A page for a text: rounded, on the ground of a field. What does not fit scrolls, by the page keys, too.
+/// A page for a text, with rounded corners and a field's background. A text that does not fit scrolls, also by the page
+/// keys.
 class PaneArea : public QScrollArea
 {
 public:
@@ -31,12 +32,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// One line in a font of any size: drawn no larger than the line allows.
+/// One line in a font of any size, drawn no larger than the line's height allows.
 class SampleLabel : public QLabel
 {
 public:
     explicit SampleLabel(QWidget* parent);
-    /// `points` 0 is the desktop's own size, an empty family its own font.
+    /// 0 `points` means the desktop's size, an empty family its font.
     void ShowIn(const QString& family, double points);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

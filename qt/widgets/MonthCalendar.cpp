@@ -28,7 +28,7 @@ constexpr int ArrowWidth = 24;
 constexpr int Padding = 6;
 constexpr qreal Rounding = 5;
 
-constexpr qreal Quiet = 0.45; ///< how far what is of less account fades into its ground
+constexpr qreal Quiet = 0.45; ///< how far secondary text is blended into its background
 constexpr qreal DisabledOpacity = 0.4;
 
 bool IsShown(const QDate& date)
@@ -41,7 +41,7 @@ QColor FieldGround(const QWidget& widget)
     return widget.palette().color(QPalette::Base);
 }
 
-/// One day; it is checked when it is the one chosen. The keyboard stays with the calendar.
+/// One day; checked if it is the chosen one. The calendar keeps the focus.
 class DayButton : public QPushButton
 {
 public:
@@ -94,7 +94,7 @@ protected:
     }
 };
 
-/// An arrow above the days: single for a month, double for a year.
+/// An arrow above the days, single for a month, double for a year.
 class ArrowButton : public QPushButton
 {
 public:
@@ -140,7 +140,7 @@ private:
     const int months_;
 };
 
-/// The line at the foot that goes to today.
+/// The line at the bottom; a click goes to today.
 class TodayButton : public QPushButton
 {
 public:
@@ -236,7 +236,7 @@ void MonthCalendar::SetDate(const QDate& date)
 void MonthCalendar::Choose(const QDate& date)
 {
     if (!IsShown(date) || date == date_) {
-        Fill(); // a click has changed the button's own check
+        Fill(); // the click has changed the button's own checked state
         return;
     }
     date_ = date;
@@ -245,7 +245,7 @@ void MonthCalendar::Choose(const QDate& date)
         QAccessibleEvent moved(days_[static_cast<std::size_t>(FirstShown().daysTo(date_))], QAccessible::Focus);
         QAccessible::updateAccessibility(&moved);
     }
-    // A copy: the form may go from within.
+    // Copied, because the form may be destroyed inside the call.
     if (const auto tell = OnSelect)
         tell(date);
 }
@@ -264,7 +264,7 @@ void MonthCalendar::FillTitles()
         QLabel& label = *weekdays_[static_cast<std::size_t>(column)];
         const int day = (locale.firstDayOfWeek() - 1 + column) % DaysOfWeek + 1;
         const QString name = locale.standaloneDayName(day, QLocale::ShortFormat);
-        // A name that is too long for its column is cut to its first two letters, as calendars on paper do.
+        // A name too wide for its column is cut to its first two letters, as in printed calendars.
         const bool fits = label.fontMetrics().horizontalAdvance(name) <= CellWidth - 2;
         label.setText(fits ? name : name.left(2));
         label.setAccessibleName(locale.standaloneDayName(day, QLocale::LongFormat));
@@ -354,7 +354,7 @@ void MonthCalendar::changeEvent(QEvent* event)
     }
 }
 
-// Another day may have begun.
+// Today may have changed while the calendar was hidden.
 void MonthCalendar::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);

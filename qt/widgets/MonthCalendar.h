@@ -1,4 +1,4 @@
-// A small calendar: the days of one month, of which one is chosen, drawn in the palette's colours.
+// A small calendar: the days of one month, one of them chosen, drawn in the palette's colours.
 #pragma once
 
 #include <QDate>
@@ -12,19 +12,19 @@
 namespace voxmate::qt
 {
 
-/// Shows the chosen day's month in the desktop's own language, its week beginning as the locale has it, and marks
-/// today. Arrow keys go by days and weeks, Page Up and Down by months (with Control by years), Home and End to the
-/// month's ends; the arrows above and the mouse do the same.
+/// Shows the chosen day's month in the desktop's language, with weeks that begin on the locale's first day, and marks
+/// today. Arrow keys move by days and weeks, Page Up and Page Down by months (with Control by years), Home and End to
+/// the ends of the month. The arrow buttons above the days and the mouse do the same.
 class MonthCalendar : public QWidget
 {
 public:
     explicit MonthCalendar(QWidget* parent);
 
     const QDate& Date() const { return date_; }
-    /// Shows a day as the chosen one; tells nobody.
+    /// Chooses a day without calling OnSelect.
     void SetDate(const QDate& date);
 
-    /// The user chose another day.
+    /// Called when the user chooses another day.
     std::function<void(const QDate& date)> OnSelect;
 
 protected:
@@ -42,7 +42,7 @@ private:
     void Choose(const QDate& date);
     void Fill();
     void FillTitles();
-    /// The day at the upper left.
+    /// The day in the upper left cell.
     QDate FirstShown() const;
 
     QDate date_;

@@ -1,4 +1,4 @@
-// Between the program's UTF-8 text and Qt's.
+// Converts between the program's UTF-8 text and Qt's.
 #pragma once
 
 #include <QString>
@@ -17,7 +17,7 @@ inline std::string FromQt(const QString& text)
     return text.toStdString();
 }
 
-/// A caption as it is read: without the ampersand that marks its access key; "&&" is one ampersand.
+/// A caption as shown: without the ampersand that marks its access key; "&&" becomes one ampersand.
 inline QString WithoutAccessKey(const QString& caption)
 {
     QString plain;

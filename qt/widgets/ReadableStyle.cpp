@@ -15,16 +15,17 @@ namespace voxmate::qt
 namespace
 {
 
-// The guidelines ask 4.5 of text and 3 of parts of the interface, and nothing of what is disabled, which is 2.5 here.
-// Thin curves lose a little of it to smoothing, and frames have a ground that is not quite the window's.
+// The guidelines ask for 4.5 for text and 3 for parts of the interface, and for nothing where something is disabled;
+// here that gets 2.5. Some values are higher, because smoothing takes a little contrast from thin curves, and the
+// background of frames is not quite the window's.
 constexpr qreal TextContrast = 4.5;
-constexpr qreal SelectedContrast = 5.2; // its ground becomes lighter towards the top
+constexpr qreal SelectedContrast = 5.2; // its background becomes lighter towards the top
 constexpr qreal PartContrast = 3.2;
 constexpr qreal DisabledContrast = 2.7;
 
 constexpr qreal FieldRounding = 2;
-constexpr qreal QuietText = 0.4; ///< how far a field's hint fades into its ground, if it stays readable
-constexpr qreal Rule = 0.35;     ///< how far a rule between a menu's items stands out
+constexpr qreal QuietText = 0.4; ///< how far a field's hint fades into its background, as long as it stays readable
+constexpr qreal Rule = 0.35;     ///< how far a separator between a menu's items stands out
 
 qreal Luminance(const QColor& colour)
 {
@@ -34,26 +35,26 @@ qreal Luminance(const QColor& colour)
     return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
 
-/// Black or white, whichever stands out more from the colour.
+/// Black or white, whichever has more contrast with the colour.
 QColor Stronger(const QColor& colour)
 {
     return Contrast(colour, Qt::black) > Contrast(colour, Qt::white) ? Qt::black : Qt::white;
 }
 
-/// The ground of a tab's page, which Fusion makes lighter than a button: a dark one by a fifth, a light one hardly.
+/// The background of a tab's page. Fusion makes it lighter than a button: a dark one by a fifth, a light one hardly.
 QColor Page(const QPalette& palette)
 {
     const QColor button = palette.color(QPalette::Button);
     return button.lighter(104 + std::max(1, (180 - qGray(button.rgb())) / 6));
 }
 
-/// The lightest part of a button, where Fusion lets light fall on it.
+/// The lightest part of a button, at the top of Fusion's gradient.
 QColor ButtonFace(const QPalette& palette)
 {
     return Page(palette).lighter(115);
 }
 
-/// What an element's outline is drawn with.
+/// The colour of an element's outline.
 QColor OutlineOf(const QStyleOption& option, bool focused)
 {
     const QColor window = option.palette.color(QPalette::Window);
@@ -64,7 +65,7 @@ QColor OutlineOf(const QStyleOption& option, bool focused)
                    : Outline(option.palette);
 }
 
-/// Draws `draw` with an outline's pen, in the middle of the pixels it covers.
+/// Calls `draw` with an outline's pen. Its coordinates are the middles of the pixels covered.
 template <class Draw>
 void DrawOutline(QPainter& painter, const QColor& colour, Draw draw)
 {
@@ -118,8 +119,8 @@ void ReadableStyle::polish(QPalette& palette)
     const QColor text = palette.color(QPalette::Active, QPalette::Text);
     palette.setColor(QPalette::PlaceholderText, Readable(Mix(text, base, QuietText), text, {base}, TextContrast));
 
-    // In a light theme a stronger colour of selection helps its text and itself. In a dark one, where it must stay
-    // light to be seen, its text gives way.
+    // In a light theme a stronger selection colour makes both the selection and its text clearer. In a dark theme the
+    // selection must stay light to be seen, so its text is changed.
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const QColor selection = palette.color(group, QPalette::Highlight);
         const QColor selected = palette.color(group, QPalette::HighlightedText);
@@ -163,7 +164,7 @@ void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
                     [&] { painter->drawRoundedRect(edge, FieldRounding, FieldRounding); });
         break;
     case PE_Frame:
-        // An open list's is that of a menu.
+        // The frame of an open list is the menu's.
         if (!widget || !widget->inherits("QComboBoxPrivateContainer"))
             DrawOutline(*painter, OutlineOf(*option, focus), [&] { painter->drawRect(edge); });
         break;
@@ -212,7 +213,7 @@ void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptio
 int ReadableStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                              QStyleHintReturn* answer) const
 {
-    // The lists of the program's fields open below them and scroll.
+    // The program's drop-down lists open below their fields and scroll.
     return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
 }
 

@@ -1,4 +1,4 @@
-// The toolkit's own style with enough contrast. Desktops with a style of their own are not touched.
+// The toolkit's own style with enough contrast. Desktops that bring a style of their own are left alone.
 #pragma once
 
 #include <QColor>
@@ -10,19 +10,19 @@
 namespace voxmate::qt
 {
 
-/// Contrast of two opaque colours as the Web Content Accessibility Guidelines 2.1 measure it: 1 (none) to 21.
+/// Contrast of two opaque colours as defined by the Web Content Accessibility Guidelines 2.1: 1 (none) to 21.
 qreal Contrast(const QColor& one, const QColor& other);
 
-/// `colour`, or as little further towards `end` as gives it `least` contrast with every one of `grounds`; `end` if
-/// nothing before does.
+/// `colour`, moved towards `end` only as far as needed for a contrast of `least` with every one of `grounds`; `end` if
+/// nothing before it has that.
 QColor Readable(const QColor& colour, const QColor& end, std::initializer_list<QColor> grounds, qreal least);
 
-/// The outline of what can be filled in or pressed: stands out from windows, tab pages and fields, 3 to 1.
+/// The outline of what can be filled in or pressed. Its contrast with windows, tab pages and fields is 3 to 1 or more.
 QColor Outline(const QPalette& palette);
 
-/// Fusion, the style of desktops that bring none, draws outlines darker than the window and takes over whatever colours
-/// the desktop has: in a dark theme empty boxes and fields can hardly be seen. Here outlines stand out, and texts that
-/// are too faint for their ground are made stronger: 4.5 to 1 for what is read, 2.5 to 1 for what is disabled.
+/// Fusion is the style on desktops that bring none. It draws outlines darker than the window and takes whatever colours
+/// the desktop has, so that empty boxes and fields can hardly be seen in a dark theme. Here outlines stand out, and
+/// texts too faint for their background are made stronger: 4.5 to 1 for what is read, 2.5 to 1 for what is disabled.
 class ReadableStyle : public QProxyStyle
 {
 public:
@@ -40,7 +40,7 @@ public:
                             const QWidget* widget) const override;
 };
 
-/// Makes the application's style this one, if it is Fusion; once, as soon as there is an application.
+/// Makes this the application's style if the style is Fusion. Call it once, as soon as there is an application.
 void UseReadableStyle();
 
 } // namespace voxmate::qt

@@ -26,7 +26,7 @@ constexpr int PanelPadding = 8;
 
 constexpr qreal DisabledOpacity = 0.4;
 
-/// The colour of lines on a widget: its text, a little softer.
+/// The colour of lines on a widget: its text colour, a little softer.
 QColor Ink(const QWidget& widget)
 {
     const QPalette& palette = widget.palette();
@@ -34,7 +34,7 @@ QColor Ink(const QWidget& widget)
                0.2);
 }
 
-/// The face of what can be pressed: lighter than the window in light themes and in dark ones.
+/// The face of what can be pressed: lighter than the window, in light and in dark themes.
 QColor Face(const QWidget& widget)
 {
     const QPalette& palette = widget.palette();
@@ -43,7 +43,7 @@ QColor Face(const QWidget& widget)
                                     : Mix(palette.color(QPalette::Button), palette.color(QPalette::Base), 0.8);
 }
 
-/// The ring round what has the keyboard.
+/// The ring around the widget that has the focus.
 void DrawFocusRing(QPainter& painter, const QWidget& widget, const QRectF& rect, qreal rounding)
 {
     painter.setBrush(Qt::NoBrush);
@@ -72,13 +72,13 @@ QSize Button::sizeHint() const
 {
     if (!picture_.isEmpty())
         return {PictureButtonSize, PictureButtonSize};
-    // Never narrower than a comfortable target, however short its text.
+    // A comfortable minimum size to click, however short the text.
     return QPushButton::sizeHint().expandedTo({84, 30});
 }
 
 bool Button::event(QEvent* event)
 {
-    // The picture is drawn in the palette's colours.
+    // The picture uses the palette's colours.
     if (event->type() == QEvent::PaletteChange)
         update();
     return QPushButton::event(event);
@@ -117,7 +117,7 @@ void Button::paintEvent(QPaintEvent* event)
 
 void Button::TellMouseUp(int button)
 {
-    // A copy: the form may go from within.
+    // Copied, because the form may be destroyed inside the call.
     if (const auto tell = OnMouseUp)
         tell(button);
 }
@@ -148,7 +148,7 @@ void Button::keyPressEvent(QKeyEvent* event)
 
 void Button::contextMenuEvent(QContextMenuEvent* event)
 {
-    // The mouse's own release has told already.
+    // A mouse click has already been reported by its release event.
     if (event->reason() == QContextMenuEvent::Keyboard)
         TellMouseUp(2);
     event->accept();
@@ -158,7 +158,7 @@ ValueBar::ValueBar(QWidget* parent) : QScrollBar(Qt::Horizontal, parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setContextMenuPolicy(Qt::NoContextMenu);
-    // A scroll bar's keys and wheel move a document; here up and right mean more.
+    // An ordinary scroll bar's keys and wheel scroll a document; here up and right mean a higher value.
     setInvertedControls(false);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
@@ -208,7 +208,7 @@ void ValueBar::paintEvent(QPaintEvent* /*event*/)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1.0 : DisabledOpacity);
 
-    // A style may have no arrows, or both at one end: each is drawn where the style takes its clicks.
+    // A style may have no arrows, or both at one end. Each is drawn where the style takes its clicks.
     for (const bool less : {true, false}) {
         const QRectF arrow = part(less ? QStyle::SC_ScrollBarSubLine : QStyle::SC_ScrollBarAddLine);
         if (arrow.width() < 4)
@@ -259,7 +259,7 @@ void ValueBar::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Right:
         triggerAction(mirrored ? SliderSingleStepSub : SliderSingleStepAdd);
         break;
-    // The page keys go the way of a classic scroll bar: down is on.
+    // The page keys work as in a classic scroll bar: Page Down moves forward.
     case Qt::Key_PageUp:
         triggerAction(SliderPageStepSub);
         break;
@@ -289,7 +289,7 @@ StatusPanel::StatusPanel(int chars, QWidget* parent) : QLabel(parent), chars_(ch
 QSize StatusPanel::sizeHint() const
 {
     const QFontMetrics metrics = fontMetrics();
-    // Digits and capitals are wider than a font's average of small letters.
+    // Measured by a digit, because digits and capitals are wider than a font's average of small letters.
     return {chars_ * metrics.horizontalAdvance(u'0') + 2 * PanelPadding, metrics.height() + 8};
 }
 
@@ -355,7 +355,7 @@ void GroupFrame::paintEvent(QPaintEvent* /*event*/)
     QFont heading = font();
     heading.setWeight(QFont::DemiBold);
     painter.setFont(heading);
-    // Between the edge and the first line of the content, which begins a margin below what the style keeps free.
+    // Between the edge and the content's first line, which begins `Margin` below the space that the style keeps free.
     const QRect caption(Margin + 1, 0, width() - 2 * Margin - 2, top + Margin);
     style()->drawItemText(&painter, caption, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, palette(),
                           isEnabled(), title(), QPalette::WindowText);

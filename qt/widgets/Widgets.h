@@ -1,5 +1,5 @@
-// The widgets that a form's controls need beyond Qt's own. They draw with the palette alone, so that they follow light
-// and dark themes.
+// Widgets that a form's controls need beyond Qt's own. They take all colours from the palette, so they follow light and
+// dark themes.
 #pragma once
 
 #include "qt/widgets/IconSet.h"
@@ -14,18 +14,18 @@
 namespace voxmate::qt
 {
 
-/// A colour between two others: `share` 0 is the first, 1 the second.
+/// A colour between two others; `share` is 0 for the first, 1 for the second.
 QColor Mix(const QColor& first, const QColor& second, qreal share);
 
 /// A button with text or with a picture. Space and Enter press it.
 class Button : public QPushButton
 {
 public:
-    /// With a picture, `icons` must outlive the button.
+    /// `icons` must outlive a button with a picture.
     Button(const IconSet& icons, const QString& picture, QWidget* parent);
 
-    /// A mouse button was released over it (1 left, 2 right), after any click. The keyboard's menu key counts as the
-    /// right button.
+    /// Called when a mouse button is released over the button (1 left, 2 right), after any click. The keyboard's menu
+    /// key counts as the right mouse button.
     std::function<void(int button)> OnMouseUp;
 
     QSize sizeHint() const override;
@@ -45,8 +45,8 @@ private:
     const QString picture_;
 };
 
-/// A horizontal scroll bar for setting a value: a slim track, filled up to the handle, between two arrows. It takes the
-/// keyboard and shows so; the wheel moves it only then, so that scrolling past it changes nothing.
+/// A horizontal scroll bar for setting a value: a slim track between two arrows, filled up to the handle. It can have
+/// the focus and shows so; the wheel moves it only then, so that scrolling past it changes nothing.
 class ValueBar : public QScrollBar
 {
 public:
@@ -61,7 +61,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 };
 
-/// One panel of a status bar: sunken; a text that does not fit ends in an ellipsis and is told whole by the tool tip.
+/// One sunken panel of a status bar. A text that does not fit ends in an ellipsis, and the tool tip shows all of it.
 class StatusPanel : public QLabel
 {
 public:
@@ -84,10 +84,10 @@ class GroupFrame : public QGroupBox
 public:
     using QGroupBox::QGroupBox;
 
-    /// Room between the frame's edge and its content, device-independent pixels.
+    /// Space between the frame's edge and its content, in device-independent pixels.
     static constexpr int Margin = 10;
 
-    /// Sets the caption, for which the frame stays wide enough.
+    /// Sets the caption; the frame stays wide enough for it.
     void ShowTitle(const QString& title);
 
     QSize minimumSizeHint() const override;

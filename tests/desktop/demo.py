@@ -1,4 +1,4 @@
-"""Has the real program greet and read a typed sentence on a desktop of its own, and leaves a picture and a recording.
+"""Makes the real program greet and read a typed sentence on a private desktop; saves a picture and a recording.
 
 Usage: demo.py BUILD_FOLDER OUTPUT_FOLDER
 """
@@ -24,7 +24,7 @@ def save_wave(path, samples):
 
 
 def wait_until_idle(desk, seconds):
-    """Waits until the status line has said that the program is idle for a while."""
+    """Waits until the status line has shown for a while that the program is idle."""
     quiet_since = None
     end = time.monotonic() + seconds
     while time.monotonic() < end:

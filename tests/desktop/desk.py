@@ -1,5 +1,5 @@
-"""A desktop of its own for the running program: an X display with a window manager, an accessibility bus and a sound
-server whose only sink is recorded. Real input events go in, pictures and sound come out."""
+"""A private desktop for the running program: an X display with a window manager, an accessibility bus and a sound
+server whose only sink is recorded. Tests send real input events and get pictures and sound."""
 
 import glob
 import os
@@ -16,12 +16,12 @@ from PIL import ImageGrab
 
 RATE = 44100  # samples per second of the recording
 SCREEN = (1600, 1100)
-STATUS = ("I am Idle now !", "Busy...")  # what the status line's first panel says of a program at rest and at work
+STATUS = ("I am Idle now !", "Busy...")  # the status line's first panel while the program rests and while it works
 
 
-# What the log of a program says whose memory is damaged or that ends by an error that nobody caught.
+# Words in a program's log that show damaged memory or an uncaught error.
 FAULTS = (b"free():", b"corrupt", b"terminate called", b"AddressSanitizer", b"Segmentation")
-PATIENCE = 60  # seconds for what takes a moment on a quiet machine: how long a busy one takes is no test's verdict
+PATIENCE = 60  # seconds for what takes a moment on a quiet machine; slowness of a busy one must fail no test
 
 
 def wait_for(condition, timeout=PATIENCE, step=0.02, what="condition"):
@@ -37,8 +37,8 @@ def wait_for(condition, timeout=PATIENCE, step=0.02, what="condition"):
 
 
 class Recorder:
-    """Records what the sink plays, with the time at which each block arrived. One that is hurried has each block soon,
-    and makes the sink's own queue as short; the other leaves the sink as it is."""
+    """Records what the sink plays, with the arrival time of each block. A hurried recorder gets its blocks soon and
+    thereby shortens the sink's own queue; one that is not hurried leaves the queue as it is."""
 
     def __init__(self, env, hurried=True):
         self.process = subprocess.Popen(
@@ -66,7 +66,8 @@ class Recorder:
                 self.times.append(now)
 
     def snapshot(self):
-        """All samples so far, as floats from -1 to 1, and the arrival time of each block's end with its sample number."""
+        """All samples so far, as floats from -1 to 1, and the number of the last sample and the arrival time of each
+        block."""
         with self.lock:
             blocks = list(self.blocks)
             times = list(self.times)
@@ -74,8 +75,8 @@ class Recorder:
         return numpy.concatenate(blocks).astype(numpy.float64) / 32768, ends, numpy.array(times)
 
     def time_of(self, sample, ends, times):
-        """When a sample was recorded: what arrived later was recorded earlier by its distance to the block's end. The
-        earliest of the estimates of nearby blocks is nearest to the truth, as blocks only ever arrive late."""
+        """When a sample was recorded: the arrival time of its block's end, less the time from the sample to that end.
+        Blocks may arrive late but never early, so the earliest of the estimates from nearby blocks is the best."""
         index = int(numpy.searchsorted(ends, sample + 1))
         near = slice(max(0, index - 50), min(len(ends), index + 50))
         return float(numpy.min(times[near] - (ends[near] - sample) / RATE))
@@ -104,8 +105,8 @@ def loud_span(samples, threshold=0.01, window=0.005):
 
 
 def best_match(rows, part):
-    """How alike the most similar stretch of rows is to a part of as many columns, from 0 to 1: their correlation, each
-    column without its mean."""
+    """How similar the best-matching stretch of `rows` is to `part`, which has as many columns, from 0 to 1: their
+    correlation, with each column's mean subtracted."""
     part = part - part.mean(axis=0)
     best = 0.0
     for at in range(len(rows) - len(part) + 1):
@@ -116,8 +117,8 @@ def best_match(rows, part):
 
 
 def showing(pyatspi):
-    """Every accessible of the program that is showing, as (name, role name, accessible). The accessibility library is for
-    one thread of a process."""
+    """Every accessible of the program that is showing, as (name, role name, accessible). Only one thread of a process
+    may use the accessibility library."""
     found = []
 
     def visit(node):
@@ -128,7 +129,7 @@ def showing(pyatspi):
             for child in node:
                 if child is not None:
                     visit(child)
-        except Exception:  # the widget went while it was looked at
+        except Exception:  # the widget disappeared while it was examined
             return
 
     for application in pyatspi.Registry.getDesktop(0):
@@ -139,15 +140,15 @@ def showing(pyatspi):
 
 class Desk:
     def __init__(self, build, compositor=False, screen=SCREEN, home=None, manager=("openbox",), monitors=()):
-        """`manager` is the command of the window manager; `monitors` are the screens that the display is divided into, each
-        as (x, y, width, height), the first of them the primary one. Without any the display is one screen."""
+        """`manager` is the window manager's command. `monitors` are the screens into which the display is divided, each
+        as (x, y, width, height), the primary one first; without any, the display is one screen."""
         self.build = os.path.abspath(build)
         self.home = home or tempfile.mkdtemp(prefix="voxmate-desk-")
         os.makedirs(self.home, exist_ok=True)
         self.children = []
-        self.programs = {}  # those that were started and whose end nobody has seen yet, and their logs' names
+        self.programs = {}  # the started programs whose end nobody has seen yet, with the names of their logs
         self.screen = screen
-        self.scale = 1  # of the program's windows, for those who start it with another
+        self.scale = 1  # scale factor of the program's windows, if it is started with another one
         runtime = os.path.join(self.home, "runtime")
         os.mkdir(runtime, 0o700)
         self.env = {key: value for key, value in os.environ.items()
@@ -192,7 +193,7 @@ class Desk:
         self.env["DISPLAY"] = ":" + number
         self.run("xsetroot", "-solid", "#3b6e8f")
         for number, (x, y, width, height) in enumerate(monitors):
-            # The first takes the display's one output, which is the primary screen's.
+            # The first monitor gets the display's only output, which makes it the primary screen.
             self.run("xrandr", "--setmonitor", f"part{number}", f"{width}/{width // 4}x{height}/{height // 4}+{x}+{y}",
                      "none" if number else "screen")
 
@@ -213,7 +214,7 @@ class Desk:
         self.spawn(launcher, "--launch-immediately")
 
     def kill_sound(self):
-        """The sound server crashes."""
+        """Makes the sound server crash."""
         self.sound.kill()
         self.sound.wait()
 
@@ -257,8 +258,8 @@ class Desk:
         return os.path.join(self.env["XDG_CONFIG_HOME"], "voxmate", "registry.reg")
 
     def install_defaults(self, **values):
-        """Puts the defaults file in place; values replace single settings (numbers or texts). There is no tip at start-up
-        unless it is asked for: it would be read into every recording."""
+        """Installs the defaults file; `values` replace single settings (numbers or texts). The start-up tip is off
+        unless asked for, because it would be read aloud into every recording."""
         values.setdefault("ShowTipAtStartUp", 0)
         here = os.path.dirname(os.path.abspath(__file__))
         if os.path.exists(self.settings_file):
@@ -283,8 +284,8 @@ class Desk:
         return {name.strip('"'): value for name, value in pairs}
 
     def start(self, without=(), path=None, **environment):
-        """Starts the program, or the copy of it at another path; its messages go to a log file. `without` is a command
-        that takes rights from it."""
+        """Starts the program, or the copy at `path`; its messages go to a log file. `without` is a command that removes
+        rights from it."""
         log = os.path.join(self.home, f"voxmate-{len(self.children)}.log")
         with open(log, "wb") as out:
             program = self.spawn(*without, path or os.path.join(self.build, "voxmate"), env=dict(self.env, **environment),
@@ -293,8 +294,8 @@ class Desk:
         return program
 
     def start_without_engines(self, **environment):
-        """Starts the program where the voices' data and libraries are hidden from it; None where this machine does not
-        let a process have a view of the file system of its own."""
+        """Starts the program with the voices' data and libraries hidden from it. None if this machine does not let a
+        process have its own view of the file system."""
         if subprocess.run(["unshare", "-m", "true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
             return None
         empty = os.path.join(self.home, "empty")
@@ -306,8 +307,8 @@ class Desk:
         return self.start(without=("unshare", "-m", "sh", "-c", " && ".join(steps)), **environment)
 
     def end(self, program):
-        """Ends the program as the end of a session does, if nobody has seen its end yet. It must have been running, and
-        end without a fault."""
+        """Ends the program as the end of a session does, unless its end has been seen already. It must still be
+        running, and must end without a fault."""
         if program not in self.programs:
             return
         status = program.poll()
@@ -318,7 +319,7 @@ class Desk:
         self.ended(program)
 
     def ended(self, program, status=0, timeout=PATIENCE):
-        """Waits for the end of a program that is about to end; it must be with that status and without a fault."""
+        """Waits for the end of a program that is about to end. It must end with `status` and without a fault."""
         late = False
         try:
             program.wait(timeout)
@@ -349,7 +350,7 @@ class Desk:
         return picture
 
     def accessible(self):
-        """The accessibility library, connected to this desktop's bus. One desktop a process."""
+        """The accessibility library, connected to this desktop's bus. A process can use it for one desktop only."""
         os.environ.update({key: self.env[key] for key in ("DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "XDG_RUNTIME_DIR")})
         import pyatspi  # pylint: disable=import-outside-toplevel
         return pyatspi
@@ -378,12 +379,12 @@ class Desk:
     def rect(self, widget):
         pyatspi = self.accessible()
         box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-        # The toolkit tells device-independent pixels.
+        # The toolkit reports device-independent pixels.
         return tuple(value * self.scale for value in (box.x, box.y, box.width, box.height))
 
     def windows(self, title, by="--name"):
         """Ids of the visible windows with this title, or class with by="--class"."""
-        # The search breaks off with an error when a window goes while it is being looked at.
+        # The search fails with an error when a window disappears meanwhile.
         for _ in range(100):
             result = subprocess.run(["xdotool", "search", "--onlyvisible", by, title], env=self.env, capture_output=True, check=False)
             if not result.stderr:
@@ -391,7 +392,7 @@ class Desk:
         raise AssertionError(f"no search for {title!r} came to its end: {result.stderr.decode()}")
 
     def properties(self, window, *names):
-        """What xprop says of a window's properties, or of the root window's (None)."""
+        """xprop's output on a window's properties, or the root window's (None)."""
         where = ("-root",) if window is None else ("-id", window)
         return self.run("xprop", *where, *names, check=False).decode()
 
@@ -400,14 +401,15 @@ class Desk:
         return [int(number, 16) for number in re.findall(r"0x[0-9a-f]+", self.properties(None, "_NET_CLIENT_LIST_STACKING"))]
 
     def neighbour(self, title, *options):
-        """A window of another program (see neighbour.py), when it is on the screen: the program and the window's id."""
+        """Shows a window of another program (see neighbour.py) and waits until it is visible; returns the program and
+        the window's id."""
         here = os.path.dirname(os.path.abspath(__file__))
         child = self.spawn("/usr/bin/python3", os.path.join(here, "neighbour.py"), title, *options)
         window = wait_for(lambda: self.windows(f"^{title}$"), what=f"the window {title!r}")[0]
         return child, window
 
     def window_rect(self, window):
-        """Place and size of a window's content on the screen."""
+        """Position and size of a window's content on the screen."""
         lines = self.run("xwininfo", "-id", window).decode().split("\n")
         values = dict(line.strip().split(":", 1) for line in lines if line.count(":") == 1)
         return tuple(int(values[key]) for key in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
@@ -419,7 +421,7 @@ class Desk:
         self.click_at(x + width // 2, y + height // 2, button)
 
     def click_at(self, x, y, button=1):
-        # Its own waiting for the pointer takes seconds when the pointer stands there already.
+        # Not with --sync, which takes seconds when the pointer is already there.
         self.run("xdotool", "mousemove", str(x), str(y))
         time.sleep(0.05)
         self.run("xdotool", "click", str(button))

@@ -1,4 +1,4 @@
-"""A character that says nothing by its looks: one disc that never moves."""
+"""A character whose looks show nothing: one disc that never moves."""
 
 import os
 import sys
@@ -14,7 +14,7 @@ RADIUS = 50
 
 
 def disc(**more):
-    """Its file; `more` goes into it."""
+    """The character's file; `more` adds fields to it."""
     rows = [bytes((x + 0.5 - SIDE / 2) ** 2 + (y + 0.5 - SIDE / 2) ** 2 < RADIUS ** 2 for x in range(SIDE)) for y in range(SIDE)]
     return make({**BLANK, "width": SIDE, "height": SIDE, "names": [(0x0409, "Disc", "", "")],
                  "palette": [(1, 2, 3), DISC], "images": [image(SIDE, rows)],

@@ -1,5 +1,5 @@
-"""What the test and the benchmark of the lips share: a character whose mouths are colours, what is to be seen of a text
-at each of its moments, and a loudspeaker that plays only as far as it is told."""
+"""What the test and the benchmark of the lips share: a character whose mouths are colours, what a text should show at
+each moment, and a loudspeaker that plays only as far as it is told."""
 
 import os
 import subprocess
@@ -16,7 +16,7 @@ from program import ROOT
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
 from acs_maker import BLANK, MOUTHS, animation, frame, image, make, overlay  # noqa: E402  pylint: disable=wrong-import-position
 
-# Every clause begins with a vowel, so that the sound after each pause is that of an open mouth.
+# Every clause begins with a vowel, so that the sound after each pause has an open mouth.
 TEXT = ("Every evening at eight, all animals of the old farm meet under one apple tree. A brown owl opens the evening. "
         "Under her eyes, a family of foxes plays with a paper boat. Other animals prefer to watch, eating apples, "
         "emptying bowls, or asking about tomorrow. An hour before midnight, everybody moves home. "
@@ -28,7 +28,7 @@ LOUD = 0.01  # of full scale
 
 
 def lips_character():
-    """A character that is one square, of another colour for each mouth."""
+    """A character that is a square with a different colour for each mouth."""
     square = [bytes([1]) * SIDE] * SIDE
     images = [image(SIDE, square)]
     images += [image(SIDE, [bytes([2 + mouth]) * SIDE] * SIDE) for mouth in range(7)]
@@ -41,8 +41,8 @@ def lips_character():
 
 
 def install_lips(desk):
-    """Makes that character the program's, with a balloon of words that come as they are spoken, and nothing else to be
-    heard."""
+    """Makes the program use that character, with a balloon whose words appear as they are spoken, and without any other
+    sounds."""
     folder = os.path.join(desk.home, "lips", "")
     os.makedirs(folder, exist_ok=True)
     with open(os.path.join(folder, "Lips.acs"), "wb") as file:
@@ -53,13 +53,12 @@ def install_lips(desk):
 
 
 def mouth_in(picture):
-    """The mouth in a picture of the character: None at rest."""
+    """The mouth shown in a picture of the character; None at rest."""
     return {AT_REST: None, **{colour: mouth for mouth, colour in enumerate(COLOURS)}}[picture.getpixel((1, 1))]
 
 
 def words_in(picture):
-    """How many words stand in a picture of the balloon's text: stretches of ink with more than a letter's gap between
-    them."""
+    """How many words a picture of the balloon's text shows: stretches of ink separated by more than a letter's gap."""
     grey = numpy.asarray(picture.convert("L"), dtype=int)
     ink = numpy.abs(grey - grey[0, 0]) > 60
     words, rows = 0, ink.any(axis=1)
@@ -71,10 +70,10 @@ def words_in(picture):
 
 
 class Rendering:
-    """A text's speech without the program: its samples, and the seconds at which its mouths and words begin."""
+    """A text's speech made without the program: its samples, and the seconds at which its mouths and words begin."""
 
     def __init__(self, path, events, rate):
-        """Of a wave file and the lines that came with it; `rate` samples a second are wanted."""
+        """From a wave file and the lines of events that came with it, converted to `rate` samples a second."""
         with wave.open(path) as file:
             made = file.getframerate()
             samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
@@ -94,27 +93,28 @@ class Rendering:
         return int(numpy.flatnonzero(numpy.abs(self.samples) > LOUD)[0]) / self.rate
 
     def held_mouths(self, at_least):
-        """The beginning and the shape of each mouth that stays so many seconds, but for the last."""
+        """Beginning and shape of each mouth that lasts at least so many seconds, without the last one."""
         ends = [begin for begin, _ in self.mouths[1:]] + [len(self.samples) / self.rate]
-        # Behind the last one the speech is over.
+        # The last one ends the speech.
         return [(begin, mouth) for (begin, mouth), end in zip(self.mouths[:-1], ends) if end - begin >= at_least]
 
     def words_at(self, seconds):
-        """How many words have begun by then."""
+        """How many words have begun by that time."""
         return max((word + 1 for begin, word in self.words if begin <= seconds), default=0)
 
 
 def place_in(recording, rendered):
-    """Where in a recording a rendering begins, in samples: the place of the highest correlation."""
+    """Where a rendering begins in a recording, in samples: the position of the highest correlation."""
     size = 1 << (len(recording) + len(rendered)).bit_length()
     product = numpy.fft.irfft(numpy.fft.rfft(recording, size) * numpy.conj(numpy.fft.rfft(rendered, size)), size)
     return int(numpy.argmax(product[:len(recording)]))
 
 
 class DistantEar:
-    """Records what the desk's sink plays and leaves the sink its long queue, so that what is recorded comes late and in
-    large pieces. When it was heard is known from clicks that were also heard close by: the sink plays as many samples
-    each second, from first to last. A busy machine hears a click late but never early, so the earliest of them counts."""
+    """Records what the desk's sink plays without shortening the sink's queue, so that the recording arrives late and in
+    large pieces. The moment of each sound is computed from clicks that a hurried recorder hears as well, because the
+    sink plays the same number of samples every second throughout. A busy machine hears a click late but never early, so
+    the earliest estimate counts."""
 
     RATE = desktop.RATE
     CLICKS = 5
@@ -128,7 +128,7 @@ class DistantEar:
             close.stop()
 
     def _click(self, desk, close):
-        """Plays a click and returns when the recording began, judged by it."""
+        """Plays a click and returns the time at which, judged by it, the recording began."""
         begins = [len(recorder.snapshot()[0]) for recorder in (close, self.recorder)]
         click = numpy.full(self.RATE // 20, 16000, dtype="<i2").tobytes()
         subprocess.run(["pacat", "--raw", "--format=s16le", "--channels=1", f"--rate={self.RATE}"], input=click,
@@ -136,7 +136,7 @@ class DistantEar:
         spans = []
         for recorder, begin in zip((close, self.recorder), begins):
             span = desktop.wait_for(lambda r=recorder, b=begin: desktop.loud_span(r.snapshot()[0][b:], 0.1), what="a click")
-            # The whole click, that none of it is taken for the next one.
+            # Waits for the whole click, so that its rest is not taken for the next one.
             desktop.wait_for(lambda r=recorder, end=begin + span[0] + self.RATE // 5: len(r.snapshot()[0]) > end,
                              what="the end of the click")
             spans.append(begin + span[0])
@@ -145,7 +145,7 @@ class DistantEar:
         return close.time_of(here, ends, times) - there / self.RATE
 
     def heard(self, begin=0):
-        """What was recorded from a sample on."""
+        """The samples recorded from a sample on."""
         return self.recorder.snapshot()[0][begin:]
 
     def time_of(self, sample):
@@ -156,16 +156,16 @@ class DistantEar:
 
 
 class Speaker:
-    """A sink with a queue of half a second, as that of a headset far away. What it has played is known to the sample; it
-    can be held at any of them, for as long as one likes."""
+    """A sink with a queue of half a second, like that of a wireless headset. The number of samples it has played is
+    exact, and it can be held at any sample for any time."""
 
-    RATE = 64000  # of which a pipe's 64 KiB are 0.512 s
+    RATE = 64000  # at this rate a pipe's 64 KiB hold 0.512 s
 
     def __init__(self, desk, patient=False):
-        """Becomes the desk's default sink. A patient one plays on only when the sound server has more, so that on a
-        busy machine there is never a gap in the sound."""
+        """Becomes the desk's default sink. A patient one plays on only when the sound server has more to play, so that
+        the sound has no gaps even on a busy machine."""
         self.desk, self.patient = desk, patient
-        self.step = 2048 if patient else 320  # samples that are played at once; the server writes 2048
+        self.step = 2048 if patient else 320  # samples played at once; the server writes 2048
         path = os.path.join(desk.home, "speaker")
         self.module = desk.run("pactl", "load-module", "module-pipe-sink", "sink_name=speaker", "file=" + path,
                                "format=s16le", f"rate={self.RATE}", "channels=1").decode().strip()
@@ -175,8 +175,8 @@ class Speaker:
         self.blocks = []
         self.times = []
         self.played = 0
-        self.end = None  # the sample to hold at, or none
-        self.at_sound = False  # whether to hold as soon as there is a sound
+        self.end = None  # the sample to hold at, or None
+        self.at_sound = False  # whether to hold at the first sound
         self.running = True
         self.thread = threading.Thread(target=self._play, daemon=True)
         self.thread.start()
@@ -205,13 +205,13 @@ class Speaker:
                 self.lock.notify_all()
 
     def _has_more(self):
-        """Whether the sound server could do with its programs' sound for longer than it takes to play the next step."""
+        """Whether the sound server holds more sound of its programs than playing the next step takes."""
         listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
         waiting = [int(line.split()[2]) for line in listed.split("\n") if "Buffer Latency:" in line]
         return all(microseconds > 1.25e6 * self.step / self.RATE for microseconds in waiting)
 
     def hold(self):
-        """Plays nothing more from now on; returns the number of samples played."""
+        """Stops playing and returns the number of samples played."""
         with self.lock:
             self.end = self.played
             return self.played
@@ -224,7 +224,7 @@ class Speaker:
                 raise AssertionError(f"played {self.played} of {sample} samples")
 
     def play_to_sound(self, timeout=60):
-        """Plays until something is heard and holds there; returns the number of its first sample."""
+        """Plays until there is sound and holds there; returns the number of its first sample."""
         with self.lock:
             begin = self.played
             self.at_sound, self.end = True, None
@@ -237,7 +237,7 @@ class Speaker:
             self.end = None
 
     def heard(self, begin=0):
-        """What has been played from a sample on."""
+        """The samples played from a sample on."""
         with self.lock:
             return numpy.concatenate([numpy.zeros(0), *self.blocks])[begin:]
 
@@ -249,7 +249,7 @@ class Speaker:
             return self.times[index] - (ends[index] - sample) / self.RATE
 
     def stop(self):
-        """Takes the sink away; the desk's other one is the default again."""
+        """Removes the sink; the desk's other one becomes the default again."""
         self.running = False
         self.thread.join()
         self.desk.run("pactl", "unload-module", self.module, check=False)

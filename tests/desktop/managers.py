@@ -1,4 +1,4 @@
-"""What the character asks of every window manager; test_openbox, test_xfwm4 and test_marco run it under one each."""
+"""What the character needs of every window manager. test_openbox, test_xfwm4 and test_marco run this under one each."""
 
 import desk as desktop
 from program import ProgramCase
@@ -27,7 +27,7 @@ class Companions(ProgramCase):
         return desktop.wait_for(lambda: self.shown("Voxmate character"), what="the character")
 
     def lacking(self, window):
-        """What a window on show has lost of what keeps it out of task bars and on every workspace."""
+        """The states a visible window lacks of those that keep it out of task bars and on every workspace."""
         told = self.desk.properties(window, "_NET_WM_STATE", "_NET_WM_DESKTOP")
         return [name for name in COMPANION if f"_NET_WM_STATE_{name}" not in told] + (
             [] if "_NET_WM_DESKTOP(CARDINAL) = 4294967295" in told else ["every workspace"])
@@ -63,7 +63,7 @@ class Companions(ProgramCase):
         character = int(self.character())
         for title in ("Maximised one", "Maximised two"):
             _, window = self.neighbour(title, "--state", "MAXIMIZED_HORZ", "--state", "MAXIMIZED_VERT")
-            # What lies on top when the order has settled.
+            # Check the order once it has settled.
             self.desk.run("xdotool", "windowactivate", window)
             desktop.wait_for(lambda: f"{int(window):x}" in self.desk.properties(None, "_NET_ACTIVE_WINDOW"), what=f"{title} being active")
             desktop.wait_for(lambda: self.desk.stacking().index(int(window)) > self.desk.stacking().index(int(self.main_window())),
@@ -83,7 +83,7 @@ class Companions(ProgramCase):
         desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * self.rendered_length(text), what="the sentence")
         for title in ("Voxmate character", "Voxmate balloon"):
             self.assertIsNone(self.shown(title), f"{title} over the film")
-        # A window above it, as one that the user has turned to, and the film again.
+        # A window above the film, as when the user turns to another program; then the film again.
         other, _ = self.neighbour("Other work")
         self.character()
         self.end(other)

@@ -1,5 +1,6 @@
-"""A window of another program: neighbour.py TITLE [--at X,Y,WIDTH,HEIGHT] [--state NAME]... [--type NAME] [--strut 12 NUMBERS].
-NAME is the end of the property's value, as FULLSCREEN of _NET_WM_STATE_FULLSCREEN. It stays until the program is ended."""
+"""Shows a window of another program: neighbour.py TITLE [--at X,Y,WIDTH,HEIGHT] [--state NAME]... [--type NAME]
+[--strut 12 NUMBERS]. NAME is the end of the property's value, as FULLSCREEN of _NET_WM_STATE_FULLSCREEN. The window
+stays until this program is ended."""
 
 import argparse
 import ctypes
@@ -34,7 +35,7 @@ def put(name, kind, values):
 
 
 class SizeHints(ctypes.Structure):
-    """XSizeHints: USPosition and USSize say that the place is what the user wants."""
+    """XSizeHints: USPosition and USSize mean that the user chose the position and size."""
     _fields_ = [("flags", ctypes.c_long)] + [(name, ctypes.c_int) for name in ("x", "y", "width", "height")] + [
         ("rest", ctypes.c_int * 13)]
 

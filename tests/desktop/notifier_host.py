@@ -1,4 +1,4 @@
-"""Keeps status-notifier icons, as a desktop's panel does, and prints the bus name of each that is registered."""
+"""Hosts status-notifier icons as a desktop's panel does, and prints the bus name of each one that registers."""
 
 from gi.repository import Gio, GLib
 

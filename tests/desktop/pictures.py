@@ -1,6 +1,6 @@
-"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, options, tip,
-about box, reminder editor and announcements in every style, and each message box, at scale 1 and 2, from the running
-program, and some of them once more in a dark theme. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
+"""Takes pictures of every window of the running program, at scale 1 and 2, and of some of them also in a dark theme:
+splash, main window, character with its balloon, the balloon's styles, options, tip, about box, reminder editor,
+announcements in every style, and each message box. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
 only those.
 
 Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER [NAME...]     (as root: the program is photographed where a user has it)
@@ -20,7 +20,7 @@ from test_looks import dark_theme
 from test_reminders import record
 
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
-MARGIN = 12  # of desktop round a window
+MARGIN = 12  # pixels of desktop around a window
 SCREENS = {1: (1280, 800), 2: (2560, 1600)}  # by scale
 PLACE = "/opt/voxmate"
 HOME = "/home/buddy"
@@ -39,7 +39,7 @@ class Photographer:
         return os.path.join(self.out, name + self.suffix + ("" if self.scale == 1 else f"@{self.scale}x") + ".png")
 
     def window(self, name, title):
-        """The newest window of that title with its frame and a little of the desktop."""
+        """Takes a picture of the newest window of that title with its frame and a little of the desktop."""
         window = desktop.wait_for(lambda: self.desk.windows(title), what=title)[-1]
         time.sleep(0.4)
         self.content(name, self.desk.window_rect(window))
@@ -91,7 +91,8 @@ class Photographer:
         self.desk.end(program)
 
     def balloons(self):
-        """One picture of all that a balloon can be told to do, and of where it stands, with the whole cast."""
+        """One picture that shows, with all characters, everything a balloon can be set to do and the positions it
+        takes."""
         on = dict(ShowBalloon=1, SizeBallonToText=1, BalloonAutoPace=0, BalloonAutoHide=0, BalloonCharactersPerLine=24)
         short = "Good morning! I read to you."
         text = "Whatever you type here I read aloud, word by word, for as long as you like to listen to me."
@@ -233,7 +234,7 @@ class Photographer:
         self.reminders_file()
 
     def dark(self):
-        """The windows in which most is to be seen, and the desktop with all, in a dark theme."""
+        """The windows with the most content, and the desktop with all of them, in a dark theme."""
         self.suffix = "-dark"
         environment, self.environment = self.environment, {**self.environment, **dark_theme(self.desk)}
         self.main_windows()
@@ -321,7 +322,7 @@ def main():
     shutil.copy(os.path.join(build, "voxmate"), PLACE)
     shutil.copytree(os.path.join(build, "share"), os.path.join(PLACE, "share"))
     try:
-        # The accessibility library knows one desktop a process.
+        # A process can use the accessibility library for one desktop only.
         for scale in SCREENS:
             subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), out, *names], check=True)
     finally:

@@ -1,4 +1,5 @@
-"""What the tests of the running program share: one desktop for all of them, and the program started anew for each."""
+"""What the tests of the running program share: one desktop for all of them, on which each test starts the program
+anew."""
 
 import atexit
 import json
@@ -23,7 +24,7 @@ _desk = None
 
 
 def the_desk(**options):
-    """The desktop of all tests of this process; whoever asks first may say what it is like."""
+    """The desktop of all tests of this process. The first caller's options apply."""
     global _desk  # pylint: disable=global-statement
     if _desk is None:
         _desk = desktop.Desk(BUILD, **options)
@@ -32,7 +33,7 @@ def the_desk(**options):
 
 
 class StatusWatch:
-    """Notes every text that the status line's first panel shows, from the one that it shows now."""
+    """Records every text that the status line's first panel shows, beginning with the present one."""
 
     def __init__(self, desk):
         self.out = tempfile.TemporaryFile()
@@ -47,7 +48,7 @@ class StatusWatch:
         return [json.loads(line) for line in lines]
 
     def stop(self):
-        """Looks for the last time. What was noted stays."""
+        """Takes a last look and stops. The recorded texts stay."""
         if self.process.poll() is None:
             self.process.terminate()
             self.process.wait()
@@ -58,12 +59,13 @@ class StatusWatch:
 
 
 class Watch:
-    """Looks at a part of the screen as often as it can and notes each change of what `look` makes of the picture (its
-    bytes, if not told), with its time. It does so in a thread: `look` must not use the accessibility library."""
+    """Looks at a part of the screen as often as it can and records, with its time, each change of the value that `look`
+    computes from the picture (by default its bytes). It runs in a thread, so `look` must not use the accessibility
+    library."""
 
     def __init__(self, desk, box, look=lambda picture: picture.tobytes()):
         self.seen = []
-        self.by = []  # when the looks that saw those values were over: they were there by then
+        self.by = []  # when the looks that saw those values ended: the values were there by then
         self.worst = 0  # longest time between two looks, in seconds
         self._stop = False
         self._thread = threading.Thread(target=self._run, args=(desk, box, look), daemon=True)
@@ -103,7 +105,7 @@ class ProgramCase(unittest.TestCase):
                 self.desk.end(program)
 
     def listen(self):
-        """Records what is heard from now on."""
+        """Records the sound from now on."""
         self.recorder = self.desk.recorder()
         self.addCleanup(self.recorder.stop)
 
@@ -112,11 +114,11 @@ class ProgramCase(unittest.TestCase):
         return int(self.recorder.snapshot()[1][-1])
 
     def sound_since(self, begin):
-        """Seconds of sound from that sample on, silence left out."""
+        """Seconds of sound from that sample on, without the silence."""
         return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
 
     def streams(self):
-        """What the sound server says of those who play, a text each."""
+        """The sound server's descriptions of the playing streams, one text for each."""
         listed = self.desk.run("pactl", "list", "sink-inputs", check=False).decode()
         return ["Sink Input" + part for part in listed.split("Sink Input")[1:]]
 
@@ -148,7 +150,7 @@ class ProgramCase(unittest.TestCase):
         return next(w[2] for w in self.desk.widgets() if w[0] in desktop.STATUS)
 
     def watch_status(self):
-        """Notes the texts of the status line from now on."""
+        """Records the texts of the status line from now on."""
         watch = StatusWatch(self.desk)
         self.addCleanup(watch.close)
         return watch
@@ -164,7 +166,7 @@ class ProgramCase(unittest.TestCase):
         self.desk.click(self.desk.find(name, role="push button"))
 
     def has_ended(self, timeout=desktop.PATIENCE, status=0):
-        """Waits for the program's end, which is no fault here."""
+        """Waits for the program's end, which this test expects."""
         self.desk.ended(self.program, status, timeout)
 
     def boxes(self):
@@ -186,8 +188,8 @@ class ProgramCase(unittest.TestCase):
         return self.desk.windows("^Voxmate$")[-1]
 
     def open_character_menu(self):
-        """Opens the character's menu with the right button and returns the middles of its five items, top to bottom. A
-        pop-up of its own is in no window's accessibility tree: its place on the screen is all there is."""
+        """Opens the character's menu with the right button and returns the centres of its five items, top to bottom.
+        The accessibility tree does not hold such a pop-up, so they are computed from its place on the screen."""
         _, (x, y, width, height) = self.character_window()
         known = set(self.desk.windows("")) | {self.main_window()}
         self.desk.click_at(x + width // 2, y + height // 2, button=3)
@@ -199,13 +201,13 @@ class ProgramCase(unittest.TestCase):
         window = desktop.wait_for(popup, what="the character's menu").pop()
         time.sleep(0.2)
         left, top, width, height = self.desk.window_rect(window)
-        item = (height - 12) / 5  # the rule and the frame take some 12 pixels
+        item = (height - 12) / 5  # the separator and the frame take some 12 pixels
         middles = [top + item * (number + 0.5) for number in range(4)] + [top + height - item * 0.6]
         return [(left + width // 2, int(middle)) for middle in middles]
 
     def render(self, text, voice=None):
-        """The path of the engine's own rendering of a text with the settings in the file; render_events gets the moments
-        of its words and mouths, a line each: kind, sample, value."""
+        """Renders a text by the engine alone, with the settings in the file, and returns the path of the sound.
+        render_events receives the moments of its words and mouths, one a line: kind, sample, value."""
         settings = self.desk.read_settings()
         path = os.path.join(self.desk.home, "rendered.wav")
         voice = voice or settings["LastSpeechEngine"].strip('"')
@@ -217,7 +219,7 @@ class ProgramCase(unittest.TestCase):
         return path
 
     def rendered_length(self, text):
-        """Seconds of a text's rendering in which something is heard."""
+        """Seconds of a text's rendering that are not silent."""
         with wave.open(self.render(text)) as file:
             rate = file.getframerate()
             samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768

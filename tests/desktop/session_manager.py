@@ -1,5 +1,5 @@
-"""Manages a session as a desktop's session manager does, with the X session management protocol. Prints the address for its
-clients, then a line for each thing that happens; reads what it is to do from its standard input: save, cancel, die."""
+"""Manages a session as a desktop's session manager does, with the X session management protocol. Prints its address for
+clients, then a line for each event. Reads commands from standard input: save, cancel, die."""
 
 import ctypes
 import select
@@ -18,8 +18,8 @@ ACCEPTED, PENDING = 1, 0
 for function in (ice.IceAcceptConnection, ice.IceComposeNetworkIdList, sm.SmsGenerateClientID, sm.SmsGetIceConnection):
     function.restype = POINTER
 
-clients = {}  # connections of sessions by their files
-kept = []  # what the library calls must not go
+clients = {}  # connections of the sessions, by their file descriptors
+kept = []  # callbacks of the library, which must not be garbage-collected
 
 
 def say(*words):
@@ -37,7 +37,7 @@ def callback(result, *arguments):
 def register_client(connection, _data, _previous):
     identity = sm.SmsGenerateClientID(POINTER(connection))
     sm.SmsRegisterClientReply(POINTER(connection), POINTER(identity))
-    # The protocol wants a first save, which is no end.
+    # The protocol demands a first save, which does not end anything.
     sm.SmsSaveYourself(POINTER(connection), SAVE_LOCAL, 0, INTERACT_NONE, 0)
     return 1
 
@@ -102,7 +102,7 @@ def anyone(_host):
 
 
 @callback(None, POINTER)
-def gone(_link):  # instead of ending this process
+def gone(_link):  # the library's default would end this process
     pass
 
 

@@ -1,6 +1,6 @@
-"""Prints each text that the first panel of the program's status line shows, a line of JSON each. A process of its own,
-because the accessibility library must not be used by two threads of one. When it is asked to end it looks once more, so
-that nothing shown before is left out."""
+"""Prints each text that the first panel of the program's status line shows, as one line of JSON each. This is a process
+of its own, because only one thread of a process may use the accessibility library. When asked to end it looks once
+more, so that nothing shown before is missed."""
 
 import json
 import signal
@@ -22,7 +22,7 @@ def main():
         ends = bool(asked)
         try:
             text = panel.name
-        except (GLib.Error, LookupError):  # a busy program has not answered in time, or there is no program any more
+        except (GLib.Error, LookupError):  # the program is too busy to answer in time, or has ended
             text = last
         if text != last:
             print(json.dumps(text), flush=True)

@@ -15,7 +15,7 @@ COMMANDS = {"stop": 0, "time": 1, "date": 2, "who": 3, "hide": 4}
 
 
 class Character(ProgramCase):
-    # Without the sounds of its movements: what is heard is the voice.
+    # Sound effects are off, so that only the voice is heard.
     defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
 
     def setUp(self):
@@ -37,7 +37,7 @@ class Character(ProgramCase):
         desktop.wait_for(lambda: self.heard_since(begin), what="sound")
 
     def phrases(self, command):
-        """What the character says to a command, by the default settings."""
+        """What the character answers to a command, with the default settings."""
         now = datetime.datetime.now()
         if command == "time":
             part = ("Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening")
@@ -52,7 +52,7 @@ class Character(ProgramCase):
                 "read TEXT and WORD documents."]
 
     def quiet_from(self, moment, tolerance=0.3):
-        """Nothing is heard from a moment (of the steady clock) on, but for `tolerance` seconds."""
+        """Nothing is heard after `moment` (of the monotonic clock) plus `tolerance` seconds."""
         time.sleep(tolerance + 1.0)
         samples, ends, times = self.recorder.snapshot()
         span = desktop.loud_span(samples)
@@ -119,7 +119,7 @@ class Character(ProgramCase):
             with self.subTest(name):
                 self.desk.click(self.desk.find(CHARACTER_BUTTON), button=3)
                 time.sleep(0.3)
-                # In order of name; the one on the stage stands checked.
+                # The characters are listed by name; the present one is checked.
                 for _ in range(("Gamp", "Nalu", "Tock").index(name) + 1):
                     self.desk.key("Down")
                 self.desk.key("Return")
@@ -163,8 +163,8 @@ class Sizes(ProgramCase):
             self.start_and_settle(QT_SCALE_FACTOR=str(scale))
             window, (x, y, width, height) = self.character_window()
             sizes[size, scale] = (width, height)
-            # It takes the mouse exactly where something is drawn: down its middle line, the first drawn pixel and those
-            # above it.
+            # It takes the mouse exactly where something is drawn. Tested along its vertical middle line, at the first
+            # drawn pixel and at those above it.
             picture = self.desk.screenshot(box=(x, y, x + width, y + height))
             drawn = next(row for row in range(height) if picture.getpixel((width // 2, row)) == DISC)
             self.assertAlmostEqual(drawn, height * 10 / 120, delta=1)

@@ -1,5 +1,6 @@
-"""A tour of all other windows by real input: options, font box, folder picker, file dialog, tip, about, editor, notice,
-alert, and the boxes. What can be pressed there is pressed and does what it says. A picture of each stays in build/tour."""
+"""A tour by real input of all windows but the main one: options, font box, folder picker, file dialog, tip, about,
+editor, notice, alert, and the boxes. Everything that can be pressed is pressed and must do what it says. A picture of
+each window is saved in build/tour."""
 
 import datetime
 import os
@@ -21,17 +22,17 @@ FUTURE = datetime.datetime(2099, 3, 7, 9, 5)
 
 
 class Options(TourCase):
-    # So that as much as can be is enabled.
+    # These settings enable as many controls as possible.
     defaults = {**TourCase.defaults, "GreetingEnabled": 1, "RemAlertClose": 1}
 
     def applied(self, **values):
-        """Presses Apply, after which the file has these values."""
+        """Presses Apply, after which the settings file must have these values."""
         self.use("Apply")
         for name, value in values.items():
             desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} in the file")
 
     def boxes_and_buttons(self, without=()):
-        """Toggles every check box of the tab that is not disabled, there and back, and chooses every option button."""
+        """Toggles every enabled check box of the tab, there and back, and chooses every option button."""
         for control in self.walk(OPTIONS):
             if control.role == "check box" and control.name not in without:
                 for value in (not self.has(control.node, "CHECKED"), self.has(control.node, "CHECKED")):
@@ -103,7 +104,7 @@ class Options(TourCase):
         x, y, width, height = self.desk.window_rect(alert)
         self.picture("alert-preview", (x - 8, y - 8, x + width, y + height))
         self.desk.click_at(x + width // 2, y + height // 2)
-        # Of the other kind of window there is no preview, but it can be kept on top.
+        # The other kind of window has no preview, but it can be kept on top.
         self.assertEqual(self.next_entry("Show Reminder as"), "Normal Window")
         self.assertFalse(self.has(self.control("Preview").node, "ENABLED"))
         self.toggle("Always on top")
@@ -112,7 +113,8 @@ class Options(TourCase):
         desktop.wait_for(lambda: not self.alerts(), what="the alert going away")
 
     def font_box(self):
-        """A face is typed, one is clicked, a size is typed; Cancel keeps what was, OK takes it over."""
+        """A typeface is typed, another is clicked, a size is typed. Cancel keeps the old font, OK applies the new
+        one."""
         for button in ("Cancel", "OK"):
             self.use("Font", window=OPTIONS)
             self.opened("Font")
@@ -149,7 +151,8 @@ class Options(TourCase):
         self.assertEqual(self.text_in("Characters Location"), self.cast + "/")
 
     def around_a_file_dialog(self, title, kind):
-        """Presses what both file dialogs have: they go from folder to folder and back, and show them in two ways."""
+        """Presses what both file dialogs have: buttons that go from folder to folder and back, and two ways to show
+        them."""
         folder = self.desk.home
         before = self.shown(title)
         self.use("Places", "list", title)
@@ -187,7 +190,7 @@ class Options(TourCase):
         self.assertEqual(self.control("Files of type", "combo box", title).node.name.removesuffix("."), kind)
 
     def confirm(self, button, title):
-        """Presses the button below a name that was typed; a first click only takes the names away that were offered."""
+        """Presses the button below a typed name. The first click may only close the list of completions."""
         for _ in range(2):
             self.use(button, window=title)
             time.sleep(0.5)
@@ -237,7 +240,7 @@ class Small(TourCase):
             return next(c.name for c in self.walk("Tip of the Day") if c.role == "label" and c.name in tips)
 
         seen = {tip()}
-        for _ in range(8):  # each is one of dozens, by chance
+        for _ in range(8):  # each tip is one of dozens, by chance
             self.use("Next Tip", window="Tip of the Day")
             time.sleep(0.05)
             seen.add(tip())
@@ -245,7 +248,7 @@ class Small(TourCase):
         begin = self.now()
         self.use("Read Tip")
         self.hears([tip()], begin)
-        # The button that stops it lies beneath.
+        # The button that would stop the speech is covered.
         self.desk.click_at(*self.open_character_menu()[0])
         self.settle()
         for name, setting in (("Auto Read Tip", "AutoReadTip"), ("Show Tips at Startup", "ShowTipAtStartUp")):
@@ -284,11 +287,11 @@ class Reminders(TourCase):
     ASK = "Voxmate - Reminders"
 
     def month(self):
-        """What stands above the calendar's days."""
+        """The title above the calendar's days."""
         return next(c.name for c in self.walk(self.EDITOR) if c.role == "label" and c.parents and c.parents[-1] == ("panel", "Date"))
 
     def rows(self):
-        """What stands in the list's second column, from the top."""
+        """The texts of the list's second column, from the top."""
         cells = [c for c in self.walk(self.EDITOR) if c.role == "table cell"]
         return [c.name for c in cells[1::4]]
 
@@ -309,7 +312,7 @@ class Reminders(TourCase):
         self.pressed.add((self.EDITOR, "tree", "Reminders"))
         desktop.wait_for(lambda: self.text_in("Title") == "Bank", what="the chosen reminder in the fields")
         self.assertTrue(self.has(self.control("Marked as done", "check box").node, "CHECKED"))
-        # The list is said to be in the order of its first column, which a click turns round.
+        # The list counts as sorted by its first column, so the first click on that reverses the order.
         for column, order in (("Id", ["Bank", "Tea"]), ("Date", ["Tea", "Bank"]), ("Title", ["Bank", "Tea"]), ("Title", ["Tea", "Bank"]),
                               ("Time", ["Bank", "Tea"])):
             self.use(column, "table column header", self.EDITOR)

@@ -1,5 +1,5 @@
-"""A session without a manager, at whose end the display goes. In a file of its own, because each file has one desktop, whose
-display is gone afterwards."""
+"""A session without a manager, which ends when its display goes away. This is a file of its own, because each file has
+one desktop, whose display is gone afterwards."""
 
 import unittest
 

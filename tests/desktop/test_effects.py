@@ -1,5 +1,5 @@
-"""What is applied in the options dialog is in effect at once: on the character that stands there and its balloon, in what is
-heard, at the next start, and in the reminders that come."""
+"""What is applied in the options dialog takes effect at once: on the present character and its balloon, in what is
+heard, at the next start, and in coming reminders."""
 
 import datetime
 import os
@@ -22,11 +22,12 @@ from acs_maker import animation, frame, wave  # noqa: E402  pylint: disable=wron
 
 WHEN = datetime.datetime(2004, 3, 7, 9, 5)
 TEXT = "One two three four five six seven eight"
-LOUD = 0.005  # seconds that are enough to be heard
+LOUD = 0.005  # seconds of sound that count as heard
 
 
 def spectrum(samples):
-    """The loudness of a sound in 24 bands of hearing (100 to 7000 Hz), 100 times a second: a row each, logarithmic."""
+    """The loudness of a sound in 24 bands of hearing (100 to 7000 Hz), 100 times a second: one row for each time,
+    logarithmic."""
     step = desktop.RATE // 100
     count = max(0, len(samples) // step - 2)
     windows = numpy.stack([samples[i * step:(i + 3) * step] for i in range(count)]) * numpy.hanning(3 * step)
@@ -38,9 +39,10 @@ def spectrum(samples):
 
 
 def likeness(recording, rendering):
-    """How like its rendering a text is heard, from 0 to 1: the least of the best correlations of its parts of 0.6 seconds.
-    The spectra are compared, as no sentence's wave is the same when others have been said before it; another word, number or
-    name gives 0.65 and less, the same ones 0.88 and more."""
+    """How similar the heard text is to its rendering, from 0 to 1. Every part of 0.6 seconds is correlated with the
+    best place in the recording, and the least of these values counts. Spectra are compared, because a sentence's wave
+    differs when others have been said before it. Another word, number or name gives 0.65 and less, the same ones 0.88
+    and more."""
     if len(recording) < max(len(rendering), desktop.RATE // 10):
         return 0.0
     heard, expected = spectrum(recording), spectrum(rendering)
@@ -51,10 +53,10 @@ def likeness(recording, rendering):
 
 
 class EffectsCase(OptionsCase):
-    """Tells by the sound what is said: the recording is compared with the engine's own rendering of the words."""
+    """Recognises by the sound what is said: the recording is compared with the engine's own rendering of the words."""
 
     def install(self, **values):
-        # Of all voices this one says a thing always the same way.
+        # The only voice that says the same text always in the same way.
         super().install(**{"LastSpeechEngine": "Flite KAL (American English)", "Pitch": 105, "Speed": 220, **values})
 
     def setUp(self):
@@ -63,18 +65,18 @@ class EffectsCase(OptionsCase):
 
     def start_here(self):
         super().start_here()
-        # Beside one another, so that each can be clicked.
+        # The windows stand beside one another, so that each can be clicked.
         self.desk.run("xdotool", "windowmove", self.main_window(), "720", "40")
 
     def open_options(self):
         super().open_options()
         window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Options$"), what="the dialog")[-1]
         self.desk.run("xdotool", "windowmove", window, "20", "40")
-        # The toolkit learns of it a little later.
+        # The toolkit learns of the move a little later.
         desktop.wait_for(lambda: self.desk.rect(self.dialog)[0] < 40, what="the dialog beside the main window")
 
     def set(self, tab, *changes):
-        """Makes changes on a tab, each a kind, a name and what the control shows then, and applies them."""
+        """Makes changes on a tab, each a kind, a name and the value that the control then shows, and applies them."""
         self.turn_to(tab)
         for change in changes:
             self.change(*change)
@@ -85,7 +87,8 @@ class EffectsCase(OptionsCase):
         self.desk.find(IDLE)
 
     def rendered(self, text, seconds):
-        """Samples of a text, or of its beginning, at the rate of the recording and without silence at its ends."""
+        """Samples of a text's rendering, or of its beginning, at the recording's rate and without silence at the
+        ends."""
         with wave_file.open(self.render(text)) as file:
             rate = file.getframerate()
             samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
@@ -95,7 +98,7 @@ class EffectsCase(OptionsCase):
         return samples[first:last][:int(seconds * desktop.RATE)]
 
     def hear(self, begin, text, seconds=60.0, timeout=desktop.PATIENCE):
-        """Waits until a text, or so many seconds of its beginning, has been said since `begin`."""
+        """Waits until a text, or the first `seconds` of it, has been said since `begin`."""
         rendering = self.rendered(text, seconds)
         end = time.monotonic() + timeout
         while True:
@@ -153,7 +156,7 @@ class AlertWatch:
 
 
 class AtOnce(EffectsCase, ReminderCase):
-    # The program counts the seconds to the next time it tells all along.
+    # During all of this the program counts the seconds until it tells the time again.
     values = dict(QUIET, ShowCharacterAtStart=1, SpeakTimeInterval=240, BalloonAutoHide=0, BalloonCharactersPerLine=20,
                   ReadTextBoxTextAtLeftClick=0, ReadNameWithMessages=0, UserName="Ada", RemAlertCloseTime=9)
 
@@ -191,7 +194,7 @@ class AtOnce(EffectsCase, ReminderCase):
         return self.desk.screenshot(box=(x + 10, y + 10, x + width - 10, y + height - 10)).tobytes()
 
     def speak(self):
-        """Has the text in the box spoken; returns how many pictures of the balloon were seen."""
+        """Has the text in the box spoken; returns how many different pictures of the balloon were seen."""
         begin = self.now()
         self.press("Speak the textbox text")
         desktop.wait_for(lambda: self.sound_since(begin) > 0.1 and self.balloon(), what="the balloon")
@@ -202,11 +205,11 @@ class AtOnce(EffectsCase, ReminderCase):
         return len({picture for _, picture in watch.seen})
 
     def resized(self, before, what):
-        """The new width and height of the balloon."""
+        """Waits until the balloon's size changes and returns the new one."""
         return desktop.wait_for(lambda: self.balloon() and self.balloon()[2:] != before and self.balloon()[2:], what=what)
 
     def balloon_follows(self):
-        # It does not hide by itself and stands there for what follows.
+        # The balloon does not hide by itself and stays for the next steps.
         first = self.balloon()[2:]
         self.set("Character", ("text", "Total lines", "4"))
         higher = self.resized(first, "a balloon of four lines")
@@ -261,7 +264,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.quiet(begin)
 
     def clock(self, hours):
-        """What is said of the time now, which stays true for some seconds."""
+        """What the program says as the time now; waits until that stays true for some seconds."""
         now = datetime.datetime.now()
         while now.second > 57:
             time.sleep(0.1)
@@ -286,7 +289,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.ask("What's today's date?", f"Today is {now:%A}, {now:%B} {now.day}{suffix}")
 
     def announce(self):
-        """Has the running program find a reminder of long ago in its file."""
+        """Makes the running program find an overdue reminder in its file."""
         self.write(record("Tea", WHEN, "Green"))
         begin = self.now()
         self.desk.click(self.desk.find("Text to read"))
@@ -309,7 +312,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.06, msg="and nothing else")
 
     def notice(self):
-        """The notice's window, when it has come, and whether it is kept above others."""
+        """Waits for the notice's window; returns whether it is kept above others."""
         window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), what="the notice")[0]
         self.desk.find("Snooze", role="push button")
         return b"_NET_WM_STATE_ABOVE" in self.desk.run("xprop", "-id", window, "_NET_WM_STATE")
@@ -329,7 +332,7 @@ class AtOnce(EffectsCase, ReminderCase):
                  ("check box", "Speak below sentence while showing reminder", "on"), ("text", "Sentence to speak", "Listen please"),
                  ("check box", "Title", "on"), ("check box", "Time", "on"), ("check box", "Next schedule if snoozed", "on"))
         begin = self.announce()
-        # Users know it so: it is the box left unticked that keeps the notice above other windows.
+        # Users know it so: the notice is kept above other windows when the box is not ticked.
         self.assertTrue(self.notice())
         self.says(begin, "Listen please", "Title: Tea\r\n", "Time: 9:05 AM\r\n")
         self.hear(self.snooze(), "Your reminder has been snoozed by 10 minute(s)\r\nNew schedule for this reminder is", 1.5)
@@ -374,7 +377,8 @@ class AtOnce(EffectsCase, ReminderCase):
         self.assertGreater(len({place[1] for place in watch.places}), 3, "it does not slide")
 
     def help_box(self, said):
-        """Has a message shown; its first second or two is read as told, or none of it."""
+        """Makes the program show a message; its first second or two must be read aloud if `said` is given, otherwise
+        nothing."""
         begin = self.now()
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h", "h")
@@ -414,7 +418,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.desk.key("Escape", "Escape", "Escape")
 
     def closing_follows(self):
-        # Where there is no tray the window is iconified.
+        # Without a tray the window is minimised.
         window = self.main_window()
         self.set("Misc", ("check box", "When closed minimize to system tray", "on"))
         self.desk.click(self.desk.find("Text to read"))
@@ -427,7 +431,7 @@ class AtOnce(EffectsCase, ReminderCase):
     def the_minute_follows(self, started):
         begin = self.now()
         self.set("Reading", ("text", "Speak Time Every, in minutes", "1"))
-        # A minute since the start, or now when that is over.
+        # A minute after the start, or now if that has passed.
         rest = max(0.0, 60 - (time.monotonic() - started))
         self.quiet(begin, max(0.0, rest - 4))
         desktop.wait_for(lambda: self.sound_since(begin) > 0.5, what="the time told by itself")
@@ -438,7 +442,7 @@ class NextStart(EffectsCase):
     values = {"ShowCharacterAtStart": 0, "UserName": "Ada"}
 
     def restart(self):
-        """Starts the program anew and returns since when it is listened to."""
+        """Starts the program anew and returns the sample from which to listen."""
         self.silence()
         begin = self.now()
         super().restart()

@@ -1,5 +1,5 @@
-"""The program is asked to end by others than its user: by signals and by the end of the session. It ends at once, with all
-that was set in its file, also where closing its window would put it into the tray."""
+"""Others than the user ask the program to end: signals and the end of the session. It must end at once, with all
+settings in its file, even where closing its window would put it into the tray."""
 
 import os
 import signal
@@ -14,13 +14,13 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 class SilentDisk:
-    """A disk for a program that is started with its library: from hold() on saves wait until answer()."""
+    """A slow disk for a program started with its library: from hold() on, saves wait until answer()."""
 
     def __init__(self, case):
         folder = tempfile.TemporaryDirectory(prefix="voxmate-end-test-", dir="/tmp")
         case.addCleanup(folder.cleanup)
         self.stand_in, self.asked, self.answered = (os.path.join(folder.name, name) for name in ("disk.so", "asked", "answered"))
-        # Stands for the C library's.
+        # Replaces the C library's fdatasync.
         source = ('#include <fcntl.h>\n#include <unistd.h>\nextern "C" int fdatasync(int) { creat("%s", 0600); '
                   'while (access("%s", F_OK) != 0) usleep(1000); return 0; }\n' % (self.asked, self.answered))
         subprocess.run(["c++", "-shared", "-fPIC", "-x", "c++", "-o", self.stand_in, "-"], input=source.encode(), check=True)
@@ -41,7 +41,7 @@ class EndCase(TrayCase):
     defaults = {**TrayCase.defaults, "CloseToTray": 1}
 
     def set_speed(self):
-        """Moves the bar of the speed; what the file must say of it."""
+        """Moves the speed bar and returns the value that the settings file must then have."""
         self.desk.click(self.desk.find("Speed", role="scroll bar"))
         self.desk.key("Home", "Right", "Right", "Right")
         self.desk.find("= 43", role="label")
@@ -71,7 +71,7 @@ class Signals(EndCase):
         self.ends_with(speed)
 
     def test_it_ends_with_a_box_and_a_menu_open(self):
-        self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
+        self.start_and_settle(PATH="/nonexistent")  # no system information tool
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h")
         self.desk.find("About Voxmate", role="menu item")
@@ -95,7 +95,7 @@ class Signals(EndCase):
 
 
 class Crashes(EndCase):
-    """What goes wrong at the end or before it fails the test that it happens in."""
+    """A fault at the program's end or before it must fail the test in which it happens."""
 
     def test_a_program_that_has_ended_by_itself_is_a_failure(self):
         self.start_and_settle()
@@ -121,7 +121,7 @@ class Crashes(EndCase):
 
 
 class Session(EndCase):
-    """A session with a manager and a tray, as desktops have."""
+    """A session with a manager and a tray, as on a desktop."""
 
     def setUp(self):
         super().setUp()
@@ -146,7 +146,7 @@ class Session(EndCase):
 
     def start_in_session(self):
         self.start_and_settle(SESSION_MANAGER=self.address)
-        self.assertEqual(self.told(), "saved")  # as every program does when it comes into a session
+        self.assertEqual(self.told(), "saved")  # as every program saves when it joins a session
 
     def test_it_ends_with_the_session_with_all_saved(self):
         self.start_in_session()
@@ -196,7 +196,7 @@ class Session(EndCase):
 
 
 class Disk(EndCase):
-    """A disk that does not answer any more, as a folder of the network whose server has gone."""
+    """A disk that no longer answers, like a network folder whose server is gone."""
 
     def start_and_hang(self):
         disk = SilentDisk(self)

@@ -1,4 +1,4 @@
-"""Errors that nobody foresaw: memory that runs out in the middle of the work."""
+"""Unforeseen errors: memory runs out in the middle of the work."""
 
 import datetime
 import os
@@ -9,13 +9,13 @@ from test_reading import wait_and_type
 from test_reminders import ReminderCase, record
 
 FUTURE = datetime.datetime(2099, 3, 7, 9, 5)
-TEXT_SIZE = 300 * 1024 * 1024  # bytes of a text that cannot be held
-ROOM = 100 * 1024 * 1024       # bytes that the program may still take
+TEXT_SIZE = 300 * 1024 * 1024  # bytes of a text too large for the memory left
+ROOM = 100 * 1024 * 1024       # bytes the program may still allocate
 
 
 class Errors(ReminderCase):
     def leave_little_memory(self):
-        """From now on the program gets no more than ROOM bytes of addresses."""
+        """Limits the program to ROOM more bytes of address space."""
         with open(f"/proc/{self.program.pid}/statm", encoding="ascii") as file:
             taken = int(file.read().split()[0]) * os.sysconf("SC_PAGE_SIZE")
         resource.prlimit(self.program.pid, resource.RLIMIT_AS, (taken + ROOM, taken + ROOM))

@@ -16,14 +16,14 @@ REMINDED = "You have a reminder"
 
 
 class FirstEvening(TourCase):
-    """From the command that the README names first to the last word, in one go and one recording, with the settings that
-    a new user has."""
+    """From the command that the README names first to the last word, in one run and one recording, with a new user's
+    settings."""
 
     def start_as_new_user(self):
         self.desk.remove_settings()
         if BUILD == os.path.join(ROOT, "build", "release"):
             return self.start(path=os.path.join(ROOT, "run"))
-        # What the command does where it has nothing to build.
+        # What the command does if it has nothing to build.
         self.desk.run(os.path.join(ROOT, "packaging", "install-defaults"), os.path.join(BUILD, "share", "voxmate"))
         return self.start()
 
@@ -82,7 +82,7 @@ class FirstEvening(TourCase):
         self.desk.screenshot(os.path.join(PICTURES, "evening-alert.png"))
         self.settle()
 
-        # As long as it waits for its answer it is announced in the other kind of window, too.
+        # A reminder that waits for its answer is announced in the other kind of window, too.
         self.press("User Options")
         self.desk.click(self.desk.find("Reminders", role="page tab"))
         self.desk.click(self.desk.find("Alert Window", role="combo box"))

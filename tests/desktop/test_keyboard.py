@@ -1,5 +1,5 @@
 """The whole program by keyboard alone: Tab reaches every control of every window, Enter and Escape do what they should,
-and each menu item has its keys. The mouse is not touched."""
+and every menu item has its keys. The mouse is not used."""
 
 import datetime
 import os
@@ -19,28 +19,28 @@ PAST = datetime.datetime(2004, 3, 7, 9, 5)
 
 
 def takes_keyboard(control):
-    # A page tab says that it has the keyboard whenever it is the front one; the list of tabs tells the truth.
+    # A page tab claims the focus whenever it is in front; the list of tabs reports the focus correctly.
     return (control.role in PRESSED - {"page tab", "table column header"} | {"page tab list"}
             or (control.role, control.name) == ("panel", "Date"))
 
 
 class KeyboardCase(TourCase):
     def start_by_keys(self, listen=False):
-        # The pointer out of the way, lest it opens a menu's item under it.
+        # Moves the pointer away, so that it opens no menu item.
         self.desk.run("xdotool", "mousemove", "2", "2")
         self.start_touring(listen)
         self.activate(self.main_window())
 
     def activate(self, window):
-        """What a desktop's own keys do: the window gets the keyboard."""
+        """Activates the window, as a desktop's own keys do."""
         self.desk.run("xdotool", "windowactivate", "--sync", window)
 
     def focused(self, window):
-        """The control of the window that has the keyboard."""
+        """The control of the window that has the focus."""
         return next((c for c in self.walk(window) if takes_keyboard(c) and self.has(c.node, "FOCUSED")), None)
 
     def tab(self, window, before):
-        """Presses Tab and tells which control has the keyboard then."""
+        """Presses Tab and returns the control that then has the focus."""
         def another():
             control = self.focused(window)
             return control if control and control.key() != before else None
@@ -48,7 +48,7 @@ class KeyboardCase(TourCase):
         return desktop.wait_for(another, what=f"the keyboard leaving {before}")
 
     def tab_to(self, name, window, role=None):
-        """Presses Tab until the control of this name has the keyboard."""
+        """Presses Tab until the control of this name has the focus."""
         control = desktop.wait_for(lambda: self.focused(window), what=f"the keyboard in {window}")
         for _ in range(40):
             if control.name == name and (role is None or control.role == role):
@@ -57,7 +57,7 @@ class KeyboardCase(TourCase):
         self.fail(f"the keyboard does not reach {name}")
 
     def goes_round(self, window):
-        """Tab reaches each control of the window that can be used, and comes back to where it began."""
+        """Tab must reach each usable control of the window and come back to where it began."""
         wanted = {c.key() for c in self.walk(window) if takes_keyboard(c) and c.role != "radio button"
                   and self.has(c.node, "FOCUSABLE") and self.has(c.node, "ENABLED")}
         self.assertTrue(wanted)
@@ -110,7 +110,7 @@ class Windows(KeyboardCase):
                          what="the reminder in the file")
 
     def default_button(self, title):
-        """The button of a window that says it is the one for Enter."""
+        """The button of a window that is marked as the one for Enter."""
         state = self.desk.accessible().STATE_IS_DEFAULT
         return next((c.name for c in self.walk(title) if c.role == "push button" and c.node.getState().contains(state)), None)
 
@@ -127,7 +127,7 @@ class Windows(KeyboardCase):
         desktop.wait_for(lambda: "Busy..." in self.desk.texts(), what="the busy status")
         self.keys("alt+n")
         self.close_by_escape(tip)
-        # Enter presses the button that looks so: it begins with OK.
+        # Enter presses the button drawn as the default, at first OK.
         self.open_by(tip, "alt+f", "t")
         self.assertEqual(self.default_button(tip), "OK")
         self.keys("Return")
@@ -138,7 +138,7 @@ class Windows(KeyboardCase):
         self.tab_to("Auto Read Tip", tip)
         desktop.wait_for(lambda: self.default_button(tip) == "OK", what="OK as the default")
         self.close_by_escape(tip)
-        # Enter presses the button that has the keyboard, else OK.
+        # Enter presses the focused button, or else OK.
         self.open_by(tip, "alt+f", "t")
         self.tab_to("Auto Read Tip", tip)
         self.keys("Return")
@@ -180,7 +180,7 @@ class Windows(KeyboardCase):
         self.tab_to("Font", OPTIONS, role="push button")
         self.open_by("Font", "space")
         self.goes_round("Font")
-        # It begins in the name, all of it selected.
+        # The focus begins in the name, with all of it selected.
         for key, face in (("Escape", "DejaVu Serif"), ("Return", "DejaVu Sans Mono")):
             if not self.desk.windows("^Font$"):
                 self.open_by("Font", "space")
@@ -203,7 +203,7 @@ class Windows(KeyboardCase):
         self.keys("Return")
         self.closed(PICKER)
         self.assertEqual(self.text_in("Characters Location"), cast + "/")
-        # Enter is OK wherever the keyboard is not on another button.
+        # Enter means OK unless another button has the focus.
         self.tab_to("Characters per line", OPTIONS)
         self.keys("Return")
         self.closed(OPTIONS)
@@ -217,7 +217,7 @@ class Windows(KeyboardCase):
         self.start_by_keys()
         title = "Voxmate Reminder"
         self.opened(title)
-        # It does not take the keyboard by itself.
+        # The window does not take the focus by itself.
         self.assertIsNone(self.focused(title))
         self.activate(self.desk.windows("^" + title + "$")[-1])
         self.goes_round(title)
@@ -251,7 +251,7 @@ class Windows(KeyboardCase):
 
 class Menus(KeyboardCase):
     def says_by_keys(self, command, *keys):
-        """Chooses what is said; the keyboard, which stands on Stop, ends it."""
+        """Chooses what is said, then ends it by the Stop button, which has the focus."""
         phrases = test_character.Character.phrases(self, command)[:1] if command else ["Copied from there"]
         begin = self.now()
         self.keys("alt+s", *keys)
@@ -281,7 +281,8 @@ class Menus(KeyboardCase):
         self.opens("Open Text File to Read...", "alt+f", "p")
         self.opens("Tip of the Day", "alt+f", "t")
         self.opens(OPTIONS, "alt+f", "o")
-        # Two items go by W, two by T: such a key goes from one to the other, and Enter takes. It begins at the first item.
+        # Two items have the key W, two have T: such a key moves from one to the other, and Enter chooses. It begins at
+        # the first item.
         self.says_by_keys("who", "w", "w", "Return")
         self.says_by_keys("date", "d")
         self.says_by_keys("time", "t", "Return")
@@ -301,7 +302,7 @@ class Menus(KeyboardCase):
             desktop.wait_for(lambda: len(opened()) > number, what=f"the page {page}")
             self.assertEqual(os.path.basename(opened()[-1]), page + ".html")
         self.opens("About Voxmate ®", "alt+h", "a")
-        # Without a tray the window becomes an icon.
+        # Without a tray the window is minimised.
         window = self.main_window()
         self.keys("alt+f", "s")
         desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")

@@ -1,4 +1,4 @@
-"""Lips and balloon keep to the sound: what is on the screen is what has just been heard from the loudspeaker."""
+"""Lips and balloon follow the sound: the screen shows what has just been heard from the loudspeaker."""
 
 import time
 import unittest
@@ -7,11 +7,11 @@ import desk as desktop
 import lips
 from program import ProgramCase, Watch
 
-# Seconds. When the sound is held the program is ahead of it by the 15 ms that a screen needs and by the 40 ms for which it
-# carries the server's clock on.
+# In seconds. When the sound is held, the program is ahead of it by the 15 ms that a screen needs and by the 40 ms for
+# which it extrapolates the server's clock.
 AHEAD = 0.06
 INTO = 0.05   # how far into a mouth or a pause the sound is held
-EARLY = 0.2   # what the moments at which a mouth is seen and a sound is heard are known to, at the worst
+EARLY = 0.2   # greatest error of the moments at which a mouth is seen and a sound is heard
 
 TEXT = ". ".join(lips.TEXT.split(". ")[:2]) + "."
 
@@ -36,7 +36,7 @@ class Lips(ProgramCase):
         return self.desk.windows("^Voxmate balloon$")
 
     def words(self):
-        """How many words stand in the balloon, which is not there before the first."""
+        """How many words the balloon shows; it appears only with the first."""
         for balloon in self.balloons():
             x, y, width, height = self.desk.window_rect(balloon)
             return lips.words_in(self.desk.screenshot(box=(x + 12, y + 12, x + width - 12, y + height - 30)))
@@ -44,7 +44,7 @@ class Lips(ProgramCase):
 
 
 class HeldSound(Lips):
-    """On a loudspeaker with a long queue that is held, so that there is time to look."""
+    """On a loudspeaker with a long queue whose sound is held, so that there is time to look."""
 
     def setUp(self):
         super().setUp()
@@ -60,7 +60,7 @@ class HeldSound(Lips):
     def test_nothing_is_seen_before_it_is_heard(self):
         self.begin_held()
         desktop.wait_for(self.streams, what="the program's stream")
-        # However long that takes.
+        # Nothing may be seen, however long the sound is held.
         end = time.monotonic() + 2
         while time.monotonic() < end:
             self.assertIsNone(self.mouth())
@@ -96,7 +96,7 @@ class HeldSound(Lips):
 
 
 class UnheldSound(Lips):
-    """On a sink that nobody hurries, whose queue is as long as the sound server likes: two seconds."""
+    """On a sink that nobody hurries, with the longest queue the sound server uses: two seconds."""
 
     def test_nothing_is_seen_before_it_is_heard(self):
         ear = lips.DistantEar(self.desk)

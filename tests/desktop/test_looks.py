@@ -1,5 +1,6 @@
-"""How every window looks on a small screen with a panel, in a dark theme: it is whole, and what it says and what can be
-filled in or pressed stands out from its ground, measured on the screen. A picture of each stays in build/tour-dark."""
+"""How every window looks on a small screen with a panel, in a dark theme: no part is cut off, and texts, fields and
+buttons stand out from their background, as measured on the screen. A picture of each window is saved in
+build/tour-dark."""
 
 import datetime
 import os
@@ -16,19 +17,20 @@ from program import BUILD
 from test_reminders import QUIET, ReminderCase, record
 
 PANEL = 32  # of the screen's height
-TEXT, PART, DISABLED = 4.5, 3.0, 2.5  # contrast that is wanted
+TEXT, PART, DISABLED = 4.5, 3.0, 2.5  # required contrasts
 ROWS = {"table cell", "tree item", "list item"}
 READ = {"label", "push button", "check box", "radio button", "page tab", "table column header", "menu item", "menu"} | ROWS
 FIELDS = {"text", "combo box", "spin button"}
-INDICATOR = 20  # room that a check box or option button has for its mark, in device-independent pixels
-ICON = 22  # and a row of a list for its picture
+INDICATOR = 20  # space for the mark of a check box or option button, in device-independent pixels
+ICON = 22  # space for a list row's picture
 COLOURS = {"Button": ("49,54,59", "77,77,77", "239,240,241"), "View": ("35,38,41", "49,54,59", "239,240,241"),
            "Window": ("49,54,59", "77,77,77", "239,240,241"), "Tooltip": ("49,54,59", "77,77,77", "239,240,241"),
            "Selection": ("61,174,233", "29,153,243", "239,240,241")}
 
 
 def dark_theme(desk):
-    """Puts the dark colours of a desktop that keeps them in a file in place; the environment in which they are looked for."""
+    """Installs the dark colours of a desktop that keeps its colours in a file; returns the environment with which the
+    toolkit looks for them."""
     os.makedirs(desk.env["XDG_CONFIG_HOME"], exist_ok=True)
     with open(os.path.join(desk.env["XDG_CONFIG_HOME"], "kdeglobals"), "w", encoding="utf-8") as file:
         for name, (normal, alternate, text) in COLOURS.items():
@@ -43,13 +45,13 @@ def luminance(pixels):
 
 
 def contrast(one, other):
-    """As the Web Content Accessibility Guidelines 2.1 have it; of two colours or of many."""
+    """Contrast as defined by the Web Content Accessibility Guidelines 2.1, of two colours or of many."""
     one, other = luminance(one), luminance(other)
     return (numpy.maximum(one, other) + 0.05) / (numpy.minimum(one, other) + 0.05)
 
 
 def ground(pixels):
-    """The colour that most of a picture has."""
+    """The most frequent colour of a picture."""
     colours, counts = numpy.unique(pixels.reshape(-1, 3), axis=0, return_counts=True)
     return colours[counts.argmax()]
 
@@ -75,10 +77,11 @@ class Looks(ReminderCase):
         x, y, width, height = (int(number) for number in answer.split("=")[1].split(",")[:4])
         return (x, y, x + width, y + height) if y == PANEL else None
 
-    # What is looked at.
+    # The checks.
 
     def whole(self, window, framed=True):
-        """The window with its frame lies within the screen, beside the panel; its content's place."""
+        """The window with its frame must lie within the screen, beside the panel. Returns its content's position and
+        size."""
         x, y, width, height = self.desk.window_rect(window)
         left, right, top, bottom = 0, 0, 0, 0
         if framed:
@@ -90,8 +93,8 @@ class Looks(ReminderCase):
         return x, y, width, height
 
     def look(self, title, picture, framed=True, hint=None, settle=0.4):
-        """Looks at the newest window of this title, when it has settled; how many of its parts were measured. `hint` names a field
-        that shows what it is for."""
+        """Measures the newest window of this title after it has settled; returns how many of its parts were measured.
+        `hint` names a field that shows a placeholder text."""
         pattern = "^" + title.replace("?", "\\?") + "$"
         window = desktop.wait_for(lambda: self.desk.windows(pattern), what=title)[-1]
         self.desk.run("xdotool", "mousemove", "2", str(self.desk.screen[1] - 2))
@@ -111,7 +114,7 @@ class Looks(ReminderCase):
                 continue
             if not states.contains(pyatspi.STATE_SHOWING) or box[2] < 4 or box[3] < 4:
                 continue
-            # A list tells of rows, too, that are scrolled out of it.
+            # A list also reports rows that are scrolled out of view.
             if node.getRoleName() in ROWS and not self.within(box, self.desk.rect(node.parent)):
                 continue
             self.assertTrue(self.within(box, (x, y, width, height)), f"{node.getRoleName()} {node.name!r} is cut off")
@@ -129,7 +132,7 @@ class Looks(ReminderCase):
                 and box[1] + box[3] <= outer[1] + outer[3] + slack)
 
     def measures(self, node, box, able, hint):
-        """What of a widget has which contrast, and which it should have."""
+        """The measures of a widget: what, its contrast, the required contrast."""
         role, scale = node.getRoleName(), self.desk.scale
         x, y, width, height = (int(value) for value in box)
         ticked = role in ("check box", "radio button") and width > 2 * INDICATOR * scale  # not a day of a calendar
@@ -145,7 +148,7 @@ class Looks(ReminderCase):
         if role in FIELDS and able and height < 400 * scale:
             edge = self.screen[y + height // 2, x:x + 2 * scale]
             yield "outline from outside", contrast(edge, self.screen[y + height // 2, x - 3 * scale]).max(), PART
-            # A list's face is a button's, which says by itself that it is one.
+            # A drop-down list has a button's face, which shows by itself what it is.
             if role != "combo box":
                 yield "outline from inside", contrast(edge, self.screen[y + 3 * scale, x + width // 2]).max(), PART
         if role == "table cell" and ", " in node.name:  # "1, Pending": a number with its picture
@@ -310,13 +313,13 @@ class Changing(Looks):
         self.addCleanup(self.bus.close_sync)
 
     def write_theme(self, text):
-        """As the desktop does it: a new file takes the place of the old one."""
+        """Replaces the file by a new one, as the desktop does."""
         with open(self.file + ".new", "w", encoding="utf-8") as file:
             file.write(text)
         os.replace(self.file + ".new", self.file)
 
     def tell(self, key, value):
-        """What the desktop tells its programs, once the file is written."""
+        """Sends the signal that the desktop sends to its programs once the file is written."""
         self.bus.emit_signal(None, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged",
                              GLib.Variant("(ssv)", ("org.kde.kdeglobals.General", key, GLib.Variant("s", value))))
         self.bus.flush_sync()

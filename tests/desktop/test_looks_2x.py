@@ -1,5 +1,5 @@
-"""How every window looks on a screen of twice as many pixels to the inch, in a light theme and in a dark one. A picture of
-each stays in build/tour-2x and build/tour-dark-2x."""
+"""How every window looks on a screen with twice the pixel density, in a light and in a dark theme. A picture of each is
+saved in build/tour-2x and build/tour-dark-2x."""
 
 import unittest
 

@@ -1,4 +1,4 @@
-"""Announcements on two monitors of different heights, with a panel on either, and at a scale that splits pixels."""
+"""Announcements on two monitors of different heights with a panel on each, and at a scale that splits pixels."""
 
 import datetime
 import unittest
@@ -20,7 +20,7 @@ class Monitors(ReminderCase):
         the_desk(monitors=(FIRST, SECOND))
 
     def panel(self, monitor):
-        """A panel at the foot of a monitor; what it keeps free counts from the foot of the whole screen."""
+        """A panel at the bottom of a monitor; its strut counts from the bottom of the whole screen."""
         x, y, width, height = monitor
         depth = desktop.SCREEN[1] - (y + height - PANEL)
         strut = [0, 0, 0, depth] + [0] * 6 + [x, x + width - 1]
@@ -30,7 +30,7 @@ class Monitors(ReminderCase):
         self.addCleanup(child.terminate)
 
     def corner(self, **environment):
-        """Where the lower right corner of an announcement is that has come to stand."""
+        """The lower right corner of an announcement after it has stopped moving."""
         self.write(record("Tea", datetime.datetime(2004, 3, 7, 9, 5), "Green"))
         self.start(**environment)
         left, top, width, height = desktop.wait_for(self.places, what="the alert")[0]
@@ -50,7 +50,7 @@ class Monitors(ReminderCase):
                 right, bottom = self.corner(QT_SCALE_FACTOR=scale)
                 self.assertLessEqual(right, 1000)
                 self.assertLessEqual(bottom, 1080)
-                # Nowhere near the next one of the program's own pixels.
+                # The corner is only a few of the program's own pixels away.
                 self.assertGreater(right, 1000 - 2 * float(scale))
                 self.assertGreater(bottom, 1080 - 3 * float(scale))
                 self.desk.end(self.program)

@@ -1,5 +1,5 @@
-"""The options dialog on a real display: its tabs and rules, every setting changed by hand, in the file at once and back after
-a restart, and the keyboard alone."""
+"""The options dialog on a real display: its tabs and rules; every setting changed by hand, in the file at once and
+still there after a restart; and the keyboard alone."""
 
 import os
 import shutil
@@ -12,11 +12,11 @@ from program import BUILD, ProgramCase, Watch
 from test_start import catalogue
 
 TABS = ("Character", "Reading", "Misc", "Reminders")
-# Settings with a place of their own: the main window, the tip, the character's menu.
+# Settings that are changed elsewhere: in the main window, the tip, the character's menu.
 ELSEWHERE = {"LastCharacter", "LastSpeechEngine", "Pitch", "Speed", "Whisper", "ShowTipAtStartUp", "AutoReadTip"}
 
-# What the user does on each tab, in this order: setting, kind and name of its control, value in the file, and what the control
-# then shows where that is not the value.
+# What the user does on each tab, in this order: setting, kind and name of its control, value in the file, and what the
+# control then shows if that is not the value.
 CHANGES = {
     "Character": [
         ("CharacterSize", "combo box", "Character Size", 2, "Big"),
@@ -59,7 +59,8 @@ CHANGES = {
         ("ReminderOnTop", "check box", "Always on top", 0)],
 }
 
-# The tabs from top to bottom: kind | name | shown for the settings of OTHER | shown after Default; in brackets what is disabled.
+# The tabs from top to bottom: kind | name | shown with the settings of OTHER | shown after Default. Disabled controls
+# are in brackets.
 ROWS = {
     "Character": """
         label | Characters Location: | |
@@ -165,8 +166,8 @@ BALLOON = {"Balloon Settings", "Font", "Size to text", "Auto Hide", "Auto Pace",
 GREETING = {"Greeting", "Time Only", "Date Only", "Other Only", "Date and Time", "Date and Time and Other", "Other Greeting"}
 ALERT = {"Action", "Scroll", "Fade", "Gradiant Type", "Corner", "Tube", "Shape", "Square", "Round corners", "Color", "Yellow", "Red",
          "Blue", "Green", "Auto Close in", "Auto close time in seconds", "Preview"}
-# Clicks one after the other, beginning with the program's own defaults, and what is disabled then; on the third tab also which of
-# its first three boxes are ticked.
+# Clicks in sequence, beginning with the program's own defaults, and what is disabled after each; on the third tab also
+# which of its first three boxes are ticked.
 RULES = {
     "Character": [
         ("Show Balloon", BALLOON), ("Show Balloon", set()), ("Size to text", {"Total lines"}), ("Show Balloon", BALLOON),
@@ -194,7 +195,7 @@ def shown_for(role, value):
 
 
 class OptionsCase(ProgramCase):
-    """The program on a character without gestures, so that nothing need be waited for."""
+    """The program with a character without gestures, so that nothing has to be waited for."""
 
     values = {}
 
@@ -211,7 +212,7 @@ class OptionsCase(ProgramCase):
         return disc()
 
     def install(self, **values):
-        """Settings without any talk at the start, but for what `values` say."""
+        """Settings without any speech at the start, apart from `values`."""
         self.desk.install_defaults(**{"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0,
                                       "CharacterPath": self.cast, "LastCharacter": "Disc", **values})
 
@@ -233,7 +234,7 @@ class OptionsCase(ProgramCase):
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate Options$"), what="the dialog going away")
 
     def click(self, node):
-        """A quick click, after which each test waits for what comes of it."""
+        """A quick click; each test waits for its effect itself."""
         x, y, width, height = self.desk.rect(node)
         place = str(x + width // 2), str(y + height // 2)
         self.desk.run("xdotool", "mousemove", *place, "sleep", "0.03", "click", "--delay", "0", "1")
@@ -242,7 +243,8 @@ class OptionsCase(ProgramCase):
         return node.getState().contains(getattr(self.desk.accessible(), "STATE_" + state))
 
     def page_of(self, tab):
-        """The dialog's showing widgets by kind and name, a list by its label's; None unless this tab is in front."""
+        """The dialog's visible widgets by kind and name; a list goes by its label's name. None unless this tab is in
+        front."""
         pyatspi = self.desk.accessible()
         found = {}
 
@@ -266,7 +268,7 @@ class OptionsCase(ProgramCase):
         self.page = desktop.wait_for(lambda: self.page_of(tab), what=f"the tab {tab}")
 
     def shown(self, role, name):
-        """What a control shows: on or off, its text or its entry."""
+        """A control's state: on or off, its text or its entry."""
         node = self.page[role, name]
         if role in ("check box", "radio button"):
             return "on" if self.is_a(node, "CHECKED") else "off"
@@ -276,7 +278,7 @@ class OptionsCase(ProgramCase):
         return self.is_a(self.page[role, name], "ENABLED")
 
     def table(self):
-        """What the tab is made of, a line each: kind | name | what is shown, in brackets where it is disabled."""
+        """The tab's widgets, one line each: kind | name | state, in brackets if disabled."""
         lines = []
         for role, name in self.page:
             if role in ("filler", "layered pane", "page tab", "page tab list"):
@@ -286,7 +288,7 @@ class OptionsCase(ProgramCase):
         return lines
 
     def become(self, look, expected, message=None):
-        """Waits until look() is as expected, and tells the difference where it does not become so."""
+        """Waits until look() returns the expected value; fails with the difference if it does not."""
         end = time.monotonic() + desktop.PATIENCE
         while look() != expected and time.monotonic() < end:
             time.sleep(0.03)
@@ -382,7 +384,7 @@ class EverySetting(OptionsCase):
         self.become(lambda: self.settings(names), expected)
         changed = {name for name in names if expected[name] != before[name]}
 
-        # The introduction takes the greeting's place.
+        # The introduction replaces the greeting.
         self.turn_to("Misc")
         self.tick("Speak character intro at startup")
         expected.update(IntroAtStart=in_file(1), GreetingEnabled=in_file(0))
@@ -414,7 +416,7 @@ class Tabs(OptionsCase):
     values = OTHER
 
     def rows(self, tab, column, font, apply):
-        """The rows of a tab as table() tells them, by a column of ROWS."""
+        """The rows of a tab in the form of table(), from a column of ROWS."""
         found = []
         for line in (ROWS[tab] + BUTTONS).format(path=self.cast, font=font).strip().split("\n"):
             role, name, *shown = (part.strip() for part in line.split("|"))
@@ -441,7 +443,7 @@ class Tabs(OptionsCase):
         self.assertEqual(self.desk.read_settings(), before)
         self.open_options()
         self.check(0, "DejaVu Serif", "()")
-        # The greeting has kept the character's box ticked till now.
+        # Until now the greeting has kept the character's box ticked.
         self.turn_to("Misc")
         self.tick("Show character at startup")
         self.click(self.page["push button", "Default"])
@@ -489,7 +491,7 @@ class Failures(OptionsCase):
         self.assertEqual(self.box_text("Voxmate - Options in Error"), message)
         self.desk.key("Return")
         self.desk.gone("Voxmate - Options in Error")
-        # The tab with the box in error has come to the front, with the keyboard in the box.
+        # The tab with the wrong field has come to the front, with the focus in that field.
         self.become(lambda: self.is_a(self.desk.find(focus, role="text"), "FOCUSED"), True, focus)
 
     def test_a_number_out_of_range_is_refused_and_nothing_is_saved(self):
@@ -507,7 +509,7 @@ class Failures(OptionsCase):
         self.click(self.page["push button", "Apply"])
         self.complaint("Total number of lines must be between 1 and 128", "Total lines")
         self.put("Total lines", "1")
-        # The time to close is checked though it does not count.
+        # The closing time is checked although it is not in use.
         self.turn_to("Reminders")
         self.tick("Auto Close in")
         self.put("Auto close time in seconds", "")
@@ -520,7 +522,7 @@ class Failures(OptionsCase):
         self.page = desktop.wait_for(lambda: self.page_of("Reminders"), what="the tab of the box in error")
         self.assertEqual(self.shown("text", "Auto close time in seconds"), "0")
         self.assertEqual(self.desk.read_settings(), before)
-        # OK tries once more, and closes all the same.
+        # OK checks again, and closes all the same.
         self.click(self.page["push button", "OK"])
         self.assertEqual(self.box_text("Voxmate - Options in Error"), "Auto close time should be between 4 and 20.")
         self.desk.key("Return")
@@ -570,7 +572,7 @@ class Keyboard(OptionsCase):
                      and self.is_a(node, "FOCUSED")), None)
 
     def press_key(self, key):
-        """Presses a key and returns the control that has the keyboard then."""
+        """Presses a key and returns the control that then has the focus."""
         before = self.focused()
         self.desk.key(key)
         end = time.monotonic() + 1
@@ -579,7 +581,7 @@ class Keyboard(OptionsCase):
         return self.focused()
 
     def group_of(self, key):
-        """The option buttons beside one, by the frame they stand in."""
+        """All option buttons of the frame that a given one is in."""
         names = list(self.page)
         first = max(i for i, (role, _) in enumerate(names[:names.index(key)]) if role == "panel")
         group = []
@@ -590,17 +592,17 @@ class Keyboard(OptionsCase):
         return group
 
     def chosen(self, group):
-        """The chosen option of a group; None while it changes."""
+        """The chosen option of a group, as a list; None while the choice changes."""
         on = [option for option in group if self.shown(*option) == "on"]
         return on if len(on) == 1 else None
 
     def walk(self, group):
-        """Goes round a group, which has up to two columns of up to three buttons, by the arrow keys."""
+        """Visits all options of a group, which has up to two columns of up to three buttons, by the arrow keys."""
         chosen = set()
         for key in ("Up", "Up", "Left", "Down", "Down", "Up", "Up", "Right", "Down"):
             self.desk.key(key)
             time.sleep(0.03)
-            # Between two looks the choice may have gone from one to the next.
+            # The choice may move from one button to the next while they are read.
             on = desktop.wait_for(lambda: self.chosen(group), what="one chosen option of " + group[0][1])
             chosen.update(on)
         self.assertEqual(chosen, set(group))
@@ -624,7 +626,7 @@ class Keyboard(OptionsCase):
                     self.walk(self.group_of(reached[-1]))
                 self.assertLess(len(reached), 40, "the keyboard does not go round")
             self.assertEqual(sorted(reached), sorted(wanted + [("page tab list", tab)]), tab)
-            # To the next tab: from a control, and from the tabs themselves.
+            # Goes to the next tab, once from the tabs themselves, once from a control.
             if number == 1:
                 while self.focused() != ("page tab list", tab):
                     self.press_key("Tab")
@@ -660,7 +662,7 @@ class Buttons(OptionsCase):
         window = desktop.wait_for(lambda: self.desk.windows("^frmAlert$"), what="the alert")[0]
         self.assertTrue(any("Test reminder window." in text for text in self.desk.texts()))
         right, bottom = desktop.SCREEN
-        # It has slid up when its right edge in the lower corner shows the colour at its strongest.
+        # The alert has slid up when its right edge shows the strongest colour in the lower corner.
         edge = (right - 3, bottom - 20, right - 2, bottom - 19)
         self.become(lambda: self.desk.screenshot(box=edge).getpixel((0, 0)), (160, 195, 255))
         desktop.wait_for(lambda: sum(self.desk.window_rect(window)[1::2]) == bottom, what="the alert in its place")

@@ -1,4 +1,5 @@
-"""What can be read aloud, for real: buttons and menu, clipboard, text files, Word documents, wave files."""
+"""Everything that can be read aloud, with the real program: buttons and menu, clipboard, text files, Word documents,
+wave files."""
 
 import os
 import shutil
@@ -20,7 +21,7 @@ SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
 
 
 def focused_text(desk):
-    """The text field that has the keyboard, or none."""
+    """The text field that has the focus, or None."""
     focused = desk.accessible().STATE_FOCUSED
     return next((node for _, role, node in desk.widgets() if role == "text" and node.getState().contains(focused)), None)
 
@@ -58,7 +59,7 @@ class ReadingCase(ProgramCase):
         return desktop.loud_span(self.recorder.snapshot()[0][begin:])
 
     def stop_reading(self):
-        """Presses Stop, after which nothing more may be heard."""
+        """Presses Stop, after which nothing more may sound."""
         self.press("Stop Everything !!!")
         desktop.wait_for(lambda: not self.streams(), what="the end of the sound")
         self.settle()
@@ -111,14 +112,14 @@ class Reading(ReadingCase):
         with subprocess.Popen(["xclip", "-quiet", "-selection", "clipboard", "-t", "text/plain;charset=utf-8"],
                               stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                               env=self.desk.env) as owner:
-            # It gives the clipboard's text for as long as it runs.
+            # The other program provides the clipboard's text as long as it runs.
             try:
                 owner.stdin.write(text.encode())
                 owner.stdin.close()
                 box = self.desk.find("Text to read")
 
                 def read():
-                    # It takes a moment until the other program has the clipboard.
+                    # It takes a moment until the other program owns the clipboard.
                     self.press("Speak Clipboard Text")
                     return box.queryText().getText(0, -1) == text
 
@@ -135,7 +136,7 @@ class Reading(ReadingCase):
         self.desk.key("Escape")
         self.desk.gone("Open Text File to Read...")
         self.assertIn(IDLE, self.desk.texts())
-        # A folder is entered, whatever it is called.
+        # A folder is opened, whatever its name.
         folder = os.path.join(self.folder, "folder.txt")
         os.mkdir(folder)
         self.press("Open and Read a Text Document")
@@ -167,7 +168,7 @@ class Reading(ReadingCase):
         with wave.open(path, "wb") as out:
             out.setparams((1, 2, rate, 0, "NONE", ""))
             out.writeframes(tone.tobytes())
-        # Loud and quiet by turns, so that the mouth has something to follow.
+        # Alternately loud and quiet, so that the mouth has something to follow.
         begin = self.now()
         _, (x, y, width, height) = self.character_window()
         mouth = Watch(self.desk, (x + width // 2 - 24, y + height * 5 // 9 - 12, x + width // 2 + 24, y + height * 5 // 9 + 16))
@@ -180,7 +181,7 @@ class Reading(ReadingCase):
         self.assertAlmostEqual(self.sound_since(begin), 3, delta=0.09)
         start, end = (self.recorder.time_of(begin + at, ends, times) for at in (first, last))
         self.assertGreaterEqual(len({picture for when, picture in mouth.seen if start <= when <= end}), 3)
-        # Of one that is cut in its samples, what there is.
+        # Of a file cut off within its samples, the remaining ones are played.
         with open(path, "rb") as file:
             data = file.read()
         begin = self.now()
@@ -198,7 +199,7 @@ class Reading(ReadingCase):
             with wave.open(os.path.join(self.folder, name), "wb") as out:
                 out.setparams((len(channels), 2, rate, 0, "NONE", ""))
                 out.writeframes(numpy.column_stack(channels).astype("<i2").tobytes())
-        # As a program leaves it that could not go back to the header.
+        # The header as left by a program that cannot go back to it: without the length.
         with open(os.path.join(self.folder, "one.wav"), "rb") as file:
             data = file.read()
         self.file("streamed.wav", data[:40] + bytes(4) + data[44:])
@@ -280,7 +281,7 @@ class WithoutRights(ReadingCase):
 
     def setUp(self):
         if os.geteuid() == 0:
-            # Whoever may read everything starts the program without that right.
+            # A user with the right to read every file starts the program without it.
             self.without = ("setpriv", "--bounding-set", "-dac_override,-dac_read_search", "--inh-caps", "-all")
             if subprocess.run([*self.without, "true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
                 self.skipTest("the right to read every file cannot be given up here")
@@ -301,7 +302,7 @@ class WithoutRights(ReadingCase):
 @unittest.skipUnless(shutil.which("soffice") or os.path.exists("/usr/bin/soffice"), "without a word processor")
 class WordCase(ReadingCase):
     def document(self, name, text):
-        """A .doc made by the word processor from a text."""
+        """Makes a .doc from a text, by the word processor."""
         source = self.file("source.txt", text.encode())
         self.convert(source, "doc:MS Word 97", os.path.join(self.desk.home, "maker"))
         path = os.path.join(self.folder, name)
@@ -314,7 +315,7 @@ class WordCase(ReadingCase):
                        stderr=subprocess.DEVNULL, env=self.desk.env, timeout=120)
 
     def processors(self):
-        """Word processors that run for the program."""
+        """The processes of word processors that run for the program."""
         listed = subprocess.run(["pgrep", "-f", f"soffice.*{self.temporary}"], stdout=subprocess.PIPE, check=False)
         return listed.stdout.split()
 
@@ -337,7 +338,7 @@ class Word(WordCase):
         status.stop()
         parts = [seen for seen in status.texts() if seen and seen.startswith("Reading part ")]
         self.assertIn("Opening Word Document. Please wait...", status.texts())
-        # They go by as quickly as they are queued: a busy machine sees few of them, or none.
+        # The parts pass as fast as they are queued: a busy machine shows few of them, or none.
         self.assertTrue(all(seen.endswith(" of 101 . Click STOP to Cancel Reading...") for seen in parts), parts)
         numbers = [int(seen.split()[2]) for seen in parts]
         self.assertEqual(numbers, sorted(set(numbers)))
@@ -384,7 +385,7 @@ class Word(WordCase):
                 self.nothing_left()
 
     def protected(self, path):
-        """The document, such that it only opens with a password."""
+        """The document, encrypted so that it opens only with a password."""
         office = maker.Office(self.folder)
         office.profile = os.path.join(self.desk.home, "maker")
         with open(office.protect(path, os.path.join(self.folder, "closed.doc"), "secret"), "rb") as file:
@@ -410,7 +411,7 @@ class WholeDocument(WordCase):
     defaults = {**QUIET, "Speed": 400}
 
     def test_all_of_a_document_is_heard_and_stop_in_a_later_part_ends_it(self):
-        # Each sentence has so many empty paragraphs behind it that it is a part of its own.
+        # Each sentence is followed by so many empty paragraphs that it makes a part of its own.
         sentence = SENTENCE.strip()
         path = self.document("letter.doc", " ".join([sentence + "\n" * 940] * 4))
         long = self.document("long.doc", " ".join([sentence + "\n" * 940] * 20))
@@ -424,7 +425,7 @@ class WholeDocument(WordCase):
         self.open_word(long)
         desktop.wait_for(lambda: self.sound_since(begin) > 1.2 * one, what="the second part")
         self.stop_reading()
-        # A busy machine presses the button some parts later.
+        # On a busy machine the button is pressed some parts later.
         self.assertLess(self.sound_since(begin), 15 * one)
         self.nothing_left()
 

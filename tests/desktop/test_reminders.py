@@ -1,4 +1,5 @@
-"""Reminders on a real display: announced in both kinds of window, answered, kept in the file; the editor by real input."""
+"""Reminders on a real display: announced in both kinds of window, answered, kept in the file; and the editor used by
+real input."""
 
 import datetime
 import fcntl
@@ -19,7 +20,7 @@ TALKING = dict(QUIET, ReminderSentenceSpeak=1, ReminderTitleSpeak=1, ReminderDes
 
 
 def record(title, when, description, done="N"):
-    """One slot of the file: eight fields, each a length of two bytes and its text, filled up with zeros."""
+    """One slot of the file: eight fields, each a two-byte length and its text, padded with zeros."""
     fields = [title, f"{when:%d}", f"{when:%m}", f"{when:%Y}", f"{when:%H}", f"{when:%M}", description, done]
     data = b"".join(struct.pack("<H", len(field.encode())) + field.encode() for field in fields)
     assert len(data) <= SLOT
@@ -63,7 +64,7 @@ class ReminderCase(ProgramCase):
             return None
 
     def minute(self, room=20):
-        """The present minute, of which there are `room` seconds to come."""
+        """The present minute, with at least `room` seconds of it left."""
         while datetime.datetime.now().second > 59 - room:
             time.sleep(0.2)
         return datetime.datetime.now().replace(second=0, microsecond=0)
@@ -96,7 +97,7 @@ class Alerts(ReminderCase):
                 break
             time.sleep(0.02)
         self.assertGreater(len(set(tops)), 4, "it does not slide")
-        # It goes up and nowhere else; its last step of 50 twips may go beyond its place, to which it then returns.
+        # It only moves up. Its last step of 50 twips may go beyond its place, to which it then returns.
         self.assertLessEqual(max(after - before for before, after in zip(tops, tops[1:])), 4, tops)
         left, top, width, height = self.desk.window_rect(window)
         self.assertEqual((left + width, top + height), desktop.SCREEN, "the corner of the work area")
@@ -121,7 +122,7 @@ class Alerts(ReminderCase):
         time.sleep(1)
         self.settings(RemAlertAction=1, RemAlertClose=1, RemAlertCloseTime=4)
         self.write(record("Bus", self.minute(room=5), "Line 7"))
-        # Its lower right corner, where the colour is strongest.
+        # Watches its lower right corner, where the colour is strongest.
         watch = Watch(self.desk, (desktop.SCREEN[0] - 40, desktop.SCREEN[1] - 30, desktop.SCREEN[0] - 10, desktop.SCREEN[1] - 10))
         self.addCleanup(watch.stop)
         self.start()
@@ -130,7 +131,7 @@ class Alerts(ReminderCase):
         watch.stop()
         moments = [moment for moment, _ in watch.seen]
         lasts, number = max((after - before, i) for i, (before, after) in enumerate(zip(moments[1:], moments[2:]), 1))
-        # Half a second each way, 2 % a tick, and the seconds asked for between.
+        # Fading takes half a second each way, 2 % a tick; between them are the seconds asked for.
         self.assertLess(abs(lasts - 4), 0.3, "seconds at full strength")
         self.assertGreater(number - 1, 4, "it does not fade in")
         self.assertGreater(len(moments) - number - 1, 4, "it does not fade out")
@@ -149,7 +150,7 @@ class Alerts(ReminderCase):
         self.assertEqual(self.desk.find("Text to read").queryText().getText(0, -1), "abcdefghijklmnopqrstuvwxyz" * 4)
 
     def program_reads_file_anew(self, records):
-        """Has the running program load the file by opening and closing its editor."""
+        """Makes the running program load the file by opening and closing its editor."""
         self.write(*records)
         self.desk.key("alt+r")
         self.desk.find("Show All Reminders")
@@ -213,7 +214,7 @@ class Notices(ReminderCase):
 
 
 class Kept(ReminderCase):
-    """What cannot be written just now is written later."""
+    """What cannot be written now is written later."""
 
     call = datetime.datetime(2004, 3, 7, 9, 5)
 

@@ -1,4 +1,4 @@
-"""The main job for real: a sentence is typed, read aloud by the character, and stopped."""
+"""The program's main job: a sentence is typed, read aloud by the character, and stopped."""
 
 import os
 import signal
@@ -26,7 +26,7 @@ class Speech(SpeechCase):
         self.listen()
 
     def hear(self, begin):
-        """Waits until something is heard that came after a sample."""
+        """Waits until there is sound after a given sample."""
         desktop.wait_for(lambda: self.sound_since(begin), what="sound")
 
     def test_a_typed_sentence_is_heard_and_as_much_of_it_as_the_engine_makes(self):
@@ -35,7 +35,7 @@ class Speech(SpeechCase):
         _, (x, y, width, height) = self.character_window()
         begin = self.now()
         status = self.watch_status()
-        # The mouth of the character that ships, where it stands at rest.
+        # The mouth of the shipped character in its rest pose.
         mouth_x, mouth_y = x + width // 2, y + height * 5 // 9
         frames = Watch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
         self.press("Speak the textbox text")
@@ -43,9 +43,9 @@ class Speech(SpeechCase):
         self.settle()
         frames.stop()
         status.stop()
-        # Silence is left out: a busy sound server may put some in.
+        # Silence is not counted, because a busy sound server may insert some.
         self.assertAlmostEqual(self.sound_since(begin) / self.rendered_length(SENTENCE), 1.0, delta=0.05)
-        # (Before the press the character may be looking round.)
+        # (Before the press the character may be looking around.)
         samples, ends, times = self.recorder.snapshot()
         start, end = (self.recorder.time_of(begin + at, ends, times) for at in desktop.loud_span(samples[begin:]))
         self.assertGreaterEqual(len({picture for when, picture in frames.seen if start <= when <= end}), 5)
@@ -141,7 +141,7 @@ class SoundServer(SpeechCase):
 
 
 class Greeting(ProgramCase):
-    defaults = {"EnableSoundEffects": 0}  # what is heard is the voice
+    defaults = {"EnableSoundEffects": 0}  # so that only the voice is heard
 
     def test_the_start_up_greeting_is_heard(self):
         recorder = self.desk.recorder()
@@ -161,9 +161,9 @@ class Greeting(ProgramCase):
         os.kill(self.desk.sound.pid, signal.SIGSTOP)
         try:
             self.start()
-            # The main window comes while the splash is still there, and then the greeting.
+            # The main window appears while the splash is still shown, and then the greeting.
             desktop.wait_for(lambda: len(self.desk.windows("^Voxmate$")) == 2, what="the main window")
-            # So long after the program wanted to speak.
+            # By then the program has wanted to speak for a while.
             time.sleep(1)
         finally:
             os.kill(self.desk.sound.pid, signal.SIGCONT)

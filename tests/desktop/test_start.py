@@ -1,4 +1,4 @@
-"""Starting and ending: settings, boxes, the second copy, and machines that lack something."""
+"""Start and end: settings, boxes, the second copy, and machines that lack something."""
 
 import os
 import shutil
@@ -38,7 +38,7 @@ DISPLAY_NAMES = [
 
 
 def plain(text):
-    """A box's text as the toolkit shows it: line ends of one character."""
+    """A box's text as the toolkit shows it: line ends are one character."""
     return text.replace("\r\n", "\n")
 
 

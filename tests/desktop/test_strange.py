@@ -1,4 +1,4 @@
-"""Character files that are not as they should be: what the user is told, and that the program goes on."""
+"""Faulty character files: what the user is told, and that the program goes on."""
 
 import math
 import os
@@ -17,7 +17,7 @@ CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Clic
 
 
 def picture(colour, side=SIDE, radius=RADIUS):
-    """A disc of one colour of the palette."""
+    """A disc in one colour of the palette."""
     rows = []
     for y in range(side):
         half = round(math.sqrt(max(0, radius ** 2 - (y + 0.5 - side / 2) ** 2)))
@@ -27,7 +27,7 @@ def picture(colour, side=SIDE, radius=RADIUS):
 
 class Strange(ProgramCase):
     def install(self, name, data, **settings):
-        """Makes a character file the one to be loaded; gives its path."""
+        """Makes a character file the one that the program loads; returns its path."""
         folder = os.path.join(self.desk.home, "strange", "")
         os.makedirs(folder, exist_ok=True)
         for file in os.listdir(folder):
@@ -41,7 +41,7 @@ class Strange(ProgramCase):
         return path
 
     def disc_pixels(self):
-        """How many pixels of the screen, where the character stands, are the disc's."""
+        """How many of the screen's pixels in the character's window have the disc's colour."""
         windows = self.desk.windows("^Voxmate character$")
         if not windows:
             return 0
@@ -61,7 +61,7 @@ class Strange(ProgramCase):
 
 class Damaged(Strange):
     def test_damaged_pictures_are_told_of_once_and_the_character_goes_on_with_the_others(self):
-        # The neutral pose shows a colour that the palette does not have, another pose is sound.
+        # The neutral pose uses a colour that the palette does not have; another pose is valid.
         path = self.install("Disc", disc(images=[picture(7), picture(1)], animations=[
             animation("RestPose", [frame((0, 0, 0))]), animation("Greet", [frame((1, 0, 0))])]))
         self.start()
@@ -112,7 +112,7 @@ class Endless(Strange):
 
 class Large(Strange):
     def test_a_character_larger_than_the_screen_is_seen_and_the_program_can_be_used(self):
-        # 2000 by 2000 pixels at twice their size, another picture every 100 ms.
+        # 2000 by 2000 pixels at twice their size, with another picture every 100 ms.
         side = 2000
         pictures = [picture(1, side, 900 + 10 * number) for number in range(4)]
         frames = [frame((number, 0, 0), branches=[(0, 100)] if number == 3 else ()) for number in range(4)]

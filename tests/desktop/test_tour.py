@@ -1,5 +1,5 @@
-"""A tour of the main window by real input: every button, box, bar and menu item is pressed and does what it says; nothing
-is there that nobody presses. A picture of each stays in build/tour."""
+"""A tour of the main window by real input: every button, box, bar and menu item is pressed and does what it says, and
+no control is left unpressed. A picture of each is saved in build/tour."""
 
 import datetime
 import os
@@ -18,18 +18,18 @@ OPEN = {  # kinds of files -> the dialog that asks for one
     "Word Files (*.doc)": "Open Word File to Read...",
     "Wav Files (*.wav)": "Open Text File to Read...",
 }
-PAGES = {  # of the items of the help menu
+PAGES = {  # help pages of the help menu's items
     ("Help", "Download More Characters", "site1"): "characters",
     ("Help", "Download More Characters", "site2"): "installing",
     ("Help", "Download More Characters", "site3"): "making",
-    ("Help", "Download More Voice Types", "site1"): "installing",  # the same as of the second item above
+    ("Help", "Download More Voice Types", "site1"): "installing",  # the same page as for the second item above
     ("Help", "Download More Voice Types", "site2"): "voices",
 }
 
 
 class MainTour(TourCase):
     def phrases(self, command):
-        """What is said to a command now, or would have been a moment ago."""
+        """What the program answers to a command now, or would have answered a moment ago."""
         return test_character.Character.phrases(self, command)[:1]
 
     def tells_the_time(self, act):
@@ -40,7 +40,7 @@ class MainTour(TourCase):
         self.hush()
 
     def opens_a_file_of(self, kind, act, picture):
-        """The file dialog comes up for this kind of file; it is cancelled."""
+        """The file dialog must appear for this kind of file; it is cancelled."""
         act()
         self.opened(OPEN[kind])
         self.assertEqual(self.control("Files of type", "combo box").node.name, kind)
@@ -59,14 +59,14 @@ class MainTour(TourCase):
         desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
 
     def becomes(self, name):
-        """The character of this name has come on the stage."""
+        """Waits until the character of this name is the present one."""
         self.desk.find(name.upper(), role="label")
         self.setting("LastCharacter", f'"{name}"')
         self.settle()
         self.character_window()
 
     def copy(self, text):
-        """Puts a text into the clipboard; the text box is empty after that."""
+        """Copies a text to the clipboard; the text box is empty afterwards."""
         self.put("Text to read", text)
         self.desk.key("ctrl+a", "ctrl+c", "Delete")
 
@@ -98,13 +98,13 @@ class Buttons(MainTour):
             before = in_file()
             self.use(name, "scroll bar")  # to the middle
             self.desk.key(key)
-            # Either of them may be the one that is in the file just now.
+            # By now the file may hold the result of the click or that of the key.
             desktop.wait_for(lambda: in_file() != before and f"= {in_file()}" in self.desk.texts(), what=f"the {name} shown and in the file")
         entry = self.next_entry("Voice Types")
         self.setting("LastSpeechEngine", f'"{entry}"')
 
         self.the_characters_own_menu()
-        # It has hidden itself.
+        # The character is hidden now.
         self.use(CHARACTER_BUTTON)
         desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
         self.use(CHARACTER_BUTTON, button=3)
@@ -204,7 +204,7 @@ class Menus(MainTour):
         self.closed(title)
 
     def switch(self, way, question):
-        """Switches reminders on or off; that is checked in the menu."""
+        """Switches reminders on or off, which the menu then shows by a check."""
         self.choose("Reminders", "Enable/Disable Reminders", way + " Reminders", picture=f"menu-{way.lower()}")
         if question:
             self.assertEqual(self.box_text("Voxmate - Reminders"), question)

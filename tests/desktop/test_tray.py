@@ -1,4 +1,4 @@
-"""The notification-area icon, in a tray that other desktops' panels have, too."""
+"""The notification-area icon, in a tray such as other desktops' panels have."""
 
 import os
 import subprocess
@@ -18,7 +18,7 @@ class TrayCase(ProgramCase):
     defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ShowCharacterAtStart": 0}
 
     def hide(self):
-        """Puts the window into the tray by the menu."""
+        """Puts the window into the tray through the menu."""
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+f")
         self.desk.find("Put in System Tray")
@@ -26,7 +26,7 @@ class TrayCase(ProgramCase):
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), what="the hidden window")
 
     def visible(self):
-        """Places of the program's visible windows; a hidden window's menu is not on the accessibility bus."""
+        """Positions of the program's visible windows; a hidden window's menu is not on the accessibility bus."""
         ids = self.desk.windows("voxmate", by="--class")
         return [self.desk.window_rect(window) for window in ids]
 
@@ -49,7 +49,7 @@ class Tray(TrayCase):
         self.panel = desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")[-1]
 
     def icons(self):
-        """Places of the icons in the tray."""
+        """Positions of the icons in the tray."""
         tree = self.desk.run("xwininfo", "-tree", "-id", self.panel).decode()
         ids = [line.split()[0] for line in tree.split("\n") if '"voxmate"' in line]
         return [self.desk.window_rect(window) for window in ids]
@@ -73,7 +73,7 @@ class Tray(TrayCase):
         self.click_icon("--repeat", "2", "--delay", "80", "1")
         desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
         self.assertEqual(len(self.icons()), 1)
-        # Once more: the icon is there already.
+        # Once more: the icon exists already.
         self.put_in_tray()
         self.assertEqual(len(self.icons()), 1)
         self.click_icon("--repeat", "2", "--delay", "80", "1")
@@ -105,7 +105,7 @@ class Tray(TrayCase):
         self.choose_exit(before)
 
     def test_the_icon_offers_exit_while_a_box_is_up(self):
-        self.start_and_settle(PATH="/nonexistent")  # no tool that tells of the system
+        self.start_and_settle(PATH="/nonexistent")  # no system information tool
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+h")
         self.desk.find("About Voxmate", role="menu item")
@@ -120,7 +120,7 @@ class Tray(TrayCase):
         self.choose_exit(before)
 
     def front(self):
-        """The active window and the uppermost of the ordinary ones."""
+        """The active window and the uppermost ordinary one."""
         active = int(self.desk.run("xdotool", "getactivewindow"))
         text = self.desk.run("xprop", "-root", "_NET_CLIENT_LIST_STACKING").decode()
         stack = [int(number, 16) for number in text.split("#")[1].split(",")]
@@ -168,7 +168,7 @@ class Tray(TrayCase):
 
 
 class Notifier(TrayCase):
-    """The other kind of tray, which tells of clicks over the session's bus."""
+    """The other kind of tray, which reports clicks over the session's bus."""
 
     def setUp(self):
         super().setUp()
@@ -192,7 +192,8 @@ class Notifier(TrayCase):
                       "org.kde.StatusNotifierItem." + method, "int32:100", "int32:100")
 
     def menu(self, item):
-        """What the panel shows for a right click: the icon's exported menu, as (number, label) of what is to be seen."""
+        """The icon's exported menu, which the panel shows for a right click: its path and the visible entries as
+        (number, label)."""
         path = self.ask(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties.Get", GLib.Variant("(ss)", (ITEM, "Menu")))[0]
         self.assertNotEqual(path, "/NO_DBUSMENU")
         self.ask(item, path, MENU + ".AboutToShow", GLib.Variant("(i)", (0,)))
@@ -224,7 +225,7 @@ class Notifier(TrayCase):
         item = self.put_in_tray()
         path, entries = self.menu(item)
         self.assertEqual([label for _, label in entries], ["_Exit"])
-        # Nobody waits for the answer of a program that ends.
+        # No answer is waited for, because the program ends.
         self.bus.call(item, path, MENU, "Event", GLib.Variant("(isvu)", (entries[0][0], "clicked", GLib.Variant("i", 0), 0)), None,
                       Gio.DBusCallFlags.NONE, -1, None, None)
         self.bus.flush_sync()

@@ -1,4 +1,4 @@
-"""The voices on offer: which are listed, and that the one the user chose stays."""
+"""The offered voices: which are listed, and that the user's choice stays."""
 
 import unittest
 

@@ -32,7 +32,7 @@ class Window(ProgramCase):
         self.assertEqual(self.desk.window_rect(self.main_window())[2:], (width, height))
 
     def test_the_keyboard_goes_round_all_controls(self):
-        # A drop-down list is called by what is chosen in it; its label names it to a screen reader.
+        # A drop-down list is named by its chosen entry; its label names it to a screen reader.
         expected = ["Speak the textbox text", "Stop Everything !!!", "eSpeak English (Great Britain)", "Speed", "Pitch",
                     "Whisper", "What's today's date?", "What time is it?", "Speak Clipboard Text",
                     "Do you know who am I ?", "Open and Read a Text Document", "Open and Read a Word Document", "User Options",

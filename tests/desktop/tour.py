@@ -1,5 +1,5 @@
-"""What the tours of the program share: a walk over all that a screen reader is told of, and a record of what has been
-pressed by real input, so that a control that nobody presses is found."""
+"""What the tours of the program share: a walk over everything that a screen reader is told, and a record of the
+controls that real input has pressed, which finds those that nobody presses."""
 
 import os
 import stat
@@ -13,21 +13,22 @@ from program import BUILD, IDLE
 from test_reminders import ReminderCase
 
 PICTURES = os.path.join(BUILD, "tour")
-SMALL_SCREEN = (1024, 600 - 32)  # a panel takes some of it
-# What a person acts on or reads; each must say what it is. (A cell of a list says what is in it, which may be nothing.)
+SMALL_SCREEN = (1024, 600 - 32)  # a panel takes a part of it
+# Roles that a person acts on or reads; each must have a name. (A list's cell is named by its content, which may be
+# empty.)
 NAMED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "page tab list",
          "slider", "scroll bar", "spin button", "list", "table", "tree table", "tree", "table column header", "menu", "menu item", "menu bar",
          "popup menu", "status bar", "frame", "dialog", "alert", "animation", "panel", "label", "image"}
 WINDOWS = {"frame", "dialog", "alert", "animation"}
-# What can be pressed, typed into or moved. Menus are apart.
+# Roles that can be pressed, typed into or moved, except menus.
 PRESSED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "slider",
            "scroll bar", "spin button", "list", "tree", "table", "tree table", "table column header"}
-ALIKE = 0.7  # the same text makes 0.8 and more, another 0.6 at most
-DAY = "a day"  # stands for each of the calendar's
+ALIKE = 0.7  # the same text gives 0.8 and more, another text 0.6 at most
+DAY = "a day"  # stands for every day of the calendar
 
 
 class Control:
-    """Something on the accessibility bus: the title of its window, its role, what a person calls it."""
+    """An accessible with the title of its window, its role and the name that a person would use."""
 
     def __init__(self, window, node, role, name, parents):
         self.window, self.node, self.role, self.name, self.parents = window, node, role, name, parents
@@ -37,8 +38,8 @@ class Control:
 
 
 def spectra(samples, rate):
-    """How a sound's colour goes on: the loudness, in decibels above that of a quiet room, of bands a third of an octave
-    wide, 100 times a second."""
+    """The spectrum of a sound over time: 100 times a second the loudness of bands a third of an octave wide, in
+    decibels above a quiet room."""
     step, size = rate // 100, 1 << (rate // 40).bit_length()
     frames = numpy.lib.stride_tricks.sliding_window_view(samples, size)[::step] * numpy.hanning(size)
     power = numpy.abs(numpy.fft.rfft(frames)) ** 2 / size
@@ -54,14 +55,15 @@ class TourCase(ReminderCase):
         super().setUp()
         self.seen = set()
         self.pressed = set()
-        # Programs that stand before the machine's own: each writes down what it was started with.
+        # Stand-ins that are found before the machine's own programs; each records its arguments.
         self.bin = os.path.join(self.desk.home, "bin")
         os.makedirs(self.bin, exist_ok=True)
         for name in os.listdir(self.bin):
             os.remove(os.path.join(self.bin, name))
 
     def fake(self, program, status=0):
-        """Puts a program in place that notes its arguments; returns what it has noted, line by line, as a function."""
+        """Installs a stand-in that records its arguments; returns a function that gives them, one line for each
+        call."""
         notes = os.path.join(self.bin, program + ".notes")
         path = os.path.join(self.bin, program)
         with open(path, "w", encoding="utf-8") as file:
@@ -76,7 +78,7 @@ class TourCase(ReminderCase):
         return noted
 
     def start_touring(self, listen=False, **environment):
-        """Starts the program where only the programs of fake() are found."""
+        """Starts the program with only the stand-ins of fake() on its path."""
         self.start_and_settle(PATH=self.bin, **environment)
         if listen:
             self.listen()
@@ -84,7 +86,7 @@ class TourCase(ReminderCase):
     # Looking.
 
     def walk(self, window=None):
-        """Everything on the bus that is showing, of one window or of all."""
+        """Everything showing on the accessibility bus, of one window or of all."""
         pyatspi = self.desk.accessible()
         found = []
 
@@ -94,7 +96,7 @@ class TourCase(ReminderCase):
                     return
                 role = node.getRoleName()
                 name = node.name
-                if role == "combo box":  # its own name is what is chosen in it
+                if role == "combo box":  # its own name is the chosen entry
                     name = self.label_of(node)
                 if role == "check box" and parents and parents[-1] == ("panel", "Date"):
                     name = DAY
@@ -102,7 +104,7 @@ class TourCase(ReminderCase):
                 for child in node:
                     if child is not None:
                         visit(child, window or name, parents + [(role, name)])
-            except Exception:  # it went while it was looked at
+            except Exception:  # it disappeared while it was examined
                 return
 
         for application in pyatspi.Registry.getDesktop(0):
@@ -120,8 +122,8 @@ class TourCase(ReminderCase):
         return ""
 
     def look(self, title, picture):
-        """Looks at the window of this title: what can be pressed there, names and roles of all that is on the bus, its
-        size. A picture of it stays."""
+        """Checks the window of this title: its size and the names and roles of everything on the bus. Records what can
+        be pressed there, and saves a picture."""
         window = desktop.wait_for(lambda: self.desk.windows("^" + title.replace("?", "\\?") + "$"), what=title)[-1]
         time.sleep(0.2)  # painted
         x, y, width, height = self.desk.window_rect(window)
@@ -135,33 +137,33 @@ class TourCase(ReminderCase):
         self.desk.screenshot(os.path.join(PICTURES, name + ".png"), box=inside)
 
     def check_names(self):
-        """All that is on the bus says what it is; what can be pressed is noted."""
+        """Everything on the bus must have a name. Records what can be pressed."""
         pyatspi = self.desk.accessible()
         for control in self.walk():
             if self.is_pressed(control):
                 self.seen.add(control.key())
-            # The bars of a field that scrolls belong to the toolkit.
+            # The scroll bars inside a scrolling field belong to the toolkit.
             inside = control.role == "scroll bar" and control.parents and control.parents[-1][0] == "filler"
-            # A label without a caption takes no room.
+            # An empty label takes no room.
             empty = control.role == "label" and self.desk.rect(control.node)[2] < 8
             if control.role in NAMED and not control.name and not inside and not empty:
                 self.fail(f"a nameless {control.role} in {control.window}: {control.parents}")
             if not control.parents:
                 self.assertIn(control.role, WINDOWS, f"the window {control.name}")
             elif control.node.getState().contains(pyatspi.STATE_FOCUSABLE):
-                # The widget round some tabs hands the keyboard to them.
+                # The widget around some tabs passes the focus on to them.
                 tabs = control.role == "filler" and any(child.getRoleName() == "page tab list" for child in control.node)
                 self.assertFalse(control.role in ("filler", "unknown") and not tabs,
                                  f"{control.name or control.parents} takes the keyboard and is {control.role}")
 
     def is_pressed(self, control):
         if control.role == "table column header":
-            # One that is hidden is on the bus, but nowhere on the screen.
+            # A hidden header is on the bus, but not on the screen.
             return "Component" in self.desk.accessible().utils.listInterfaces(control.node)
         return control.role in PRESSED and not (control.role == "scroll bar" and control.parents[-1][0] in ("filler", "tree", "list"))
 
     def everything_was_pressed(self, *windows):
-        """Whatever look() has seen in these windows has been pressed since."""
+        """Everything that look() has recorded in these windows must have been pressed since."""
         self.assertEqual({key for key in self.seen if key[0] in windows} - self.pressed, set(), "nobody has pressed")
 
     def control(self, name, role="push button", window=None, timeout=desktop.PATIENCE):
@@ -173,7 +175,7 @@ class TourCase(ReminderCase):
     # Pressing.
 
     def use(self, name, role="push button", window=None, button=1):
-        """Clicks a control and notes that."""
+        """Clicks a control and records that."""
         control = self.control(name, role, window)
         self.click(control, button)
         return control
@@ -203,14 +205,14 @@ class TourCase(ReminderCase):
         return node.getState().contains(getattr(self.desk.accessible(), "STATE_" + state))
 
     def toggle(self, name, role="check box", window=None):
-        """Clicks a box or an option button; its check changes."""
+        """Clicks a check box or an option button and waits until its check changes."""
         control = self.control(name, role, window)
         before = self.has(control.node, "CHECKED")
         self.click(control)
         desktop.wait_for(lambda: self.has(control.node, "CHECKED") != before, what=f"the check of {name}")
 
     def next_entry(self, name, window=None):
-        """Opens a drop-down list by the mouse and takes the next entry, or the one before where there is none."""
+        """Opens a drop-down list by the mouse and chooses the next entry, or the one before if there is none."""
         control = self.use(name, "combo box", window)
         before = control.node.name
         time.sleep(0.3)
@@ -238,7 +240,7 @@ class TourCase(ReminderCase):
         return next(c.node for c in self.walk() if c.role == "menu bar")
 
     def menu_leaves(self):
-        """Paths of all items of the menu bar that have no menu of their own, open or not."""
+        """Paths of all items of the menu bar that have no submenu, whether their menu is open or not."""
         leaves = []
 
         def visit(node, path):
@@ -258,7 +260,7 @@ class TourCase(ReminderCase):
         return leaves
 
     def menu_item(self, path):
-        """The item of this path."""
+        """The menu item at this path."""
         node = self.menu_bar()
         for name in path:
             nodes = [child for child in node if child is not None]
@@ -268,7 +270,7 @@ class TourCase(ReminderCase):
         return node
 
     def choose(self, *path, picture=None):
-        """Goes through the menu by the mouse."""
+        """Opens the menu path with the mouse."""
         for depth in range(1, len(path) + 1):
             item = self.menu_item(path[:depth])
             desktop.wait_for(lambda: self.has(item, "SHOWING"), what=f"the menu item {path[:depth]}")
@@ -287,7 +289,7 @@ class TourCase(ReminderCase):
     # Listening.
 
     def hears(self, texts, begin, seconds=1.2):
-        """What is heard since then begins like the engine's own rendering of one of the texts."""
+        """The sound since `begin` must start like the engine's own rendering of one of the texts."""
         wanted = []
         for text in texts:
             with wave.open(self.render(text)) as file:
@@ -308,15 +310,15 @@ class TourCase(ReminderCase):
             raise self.failureException(f"not heard: {texts} (the best likeness is {best[0]:.2f})") from None
 
     def says(self, act, *texts):
-        """Does something and hears one of the texts; then all is stopped."""
+        """Does something, expects to hear one of the texts, then stops everything."""
         begin = self.now()
         act()
         self.hears(texts, begin)
         self.hush()
 
     def hush(self):
-        """Presses Stop: idle and silent."""
+        """Presses Stop and waits until the program is idle and silent."""
         self.use("Stop Everything !!!")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
-        # What has been recorded comes a little later than it was heard.
+        # The recording arrives a little later than the sound is heard.
         desktop.wait_for(lambda: self.sound_since(self.now() - desktop.RATE // 2) == 0, what="silence")

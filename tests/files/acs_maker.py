@@ -1,13 +1,14 @@
 """Writes character files byte by byte from a plain description, without any of the program's own code, so that the
-program's reader is tested against a second hand. Only Python's standard library.
+program's reader is tested by an independent implementation. Uses only Python's standard library.
 
-A description is a dictionary with the keys of BLANK below. Points the form of the file leaves open, and what is taken:
-  - the animation set's version stands in the file as major, minor, unlike the file's own version (minor, major);
+A description is a dictionary with the keys of BLANK below. The file format leaves some points open; these are the
+choices made here:
+  - the animation set's version is stored as major, minor, unlike the file's own version (minor, major);
   - an absent list (None) is the locator 0, 0; an empty one ([]) is a section whose count is 0;
-  - the closing zero of a text is not counted, and a text without units has none;
-  - checksums and unused bytes mean nothing to a reader: arbitrary values are written;
-  - bytes that fill up a row of pixels mean nothing either and may exceed the palette;
-  - the region of an image has no bearing on how a frame is drawn; only the transparent palette entry has;
+  - a text's closing zero is not counted, and a text without units has none;
+  - checksums and unused bytes mean nothing to a reader, so arbitrary values are written;
+  - bytes that pad a row of pixels mean nothing either and may exceed the palette;
+  - an image's region does not affect how a frame is drawn, only the transparent palette entry does;
   - an absent pixel of a composed frame has the colour 0, 0, 0, 0.
 """
 
@@ -28,7 +29,7 @@ BLANK = {
     "version": (2, 1), "animation_set": (2, 0), "guid": bytes(range(16)),
     "names": [],        # or None: (language, name, description, extra)
     "width": 16, "height": 16, "transparent": 0,
-    "flags": (),        # of FLAG_BITS but for voice and balloon, which follow from the next two
+    "flags": (),        # names in FLAG_BITS except voice and balloon, which follow from the next two
     "voice": None,      # engine, mode, speed, pitch, details: None or (language, dialect, gender, age, style)
     "balloon": None,    # lines, columns, text, background, border, font, height, weight, italic
     "palette": [(0, 0, 0), (255, 255, 255)],
@@ -41,26 +42,26 @@ BLANK = {
 
 
 def animation(name, frames, transition="none", returns=""):
-    """An animation; `transition` is one of TRANSITIONS, `returns` the name of its return animation."""
+    """An animation. `transition` is one of TRANSITIONS, `returns` the name of its return animation."""
     return {"name": name, "frames": frames, "transition": transition, "returns": returns}
 
 
 def frame(*images, sound=None, duration=10, leave=-1, branches=(), overlays=()):
-    """A frame: `images` are (number, x, y), front-most first; `leave` is the exit frame, negative for none;
-    `branches` are (frame, percent)."""
+    """A frame. `images` are (number, x, y), front-most first; `leave` is the exit frame, negative for none; `branches`
+    are (frame, percent)."""
     return {"images": images, "sound": sound, "duration": duration, "leave": leave, "branches": branches,
             "overlays": overlays}
 
 
 def overlay(mouth, number, x=0, y=0, width=1, height=1, replace=False, region=None, unused=0):
-    """A mouth lying over a frame, or in place of its front-most image; `region` is None or bytes."""
+    """A mouth drawn over a frame, or in place of its front-most image. `region` is None or bytes."""
     return {"mouth": mouth, "image": number, "x": x, "y": y, "width": width, "height": height, "replace": replace,
             "region": region, "unused": unused}
 
 
 def image(width, rows, packed=False, region=b"", pack_region=False, raw=None, raw_region=None, fill=0xEE, unused=0):
-    """An image of `rows` (bytes, from the top down). `raw` and `raw_region` are packed bytes to stand in place of the
-    packer's, whatever they mean; `fill` is the byte that fills up each row."""
+    """An image of `rows` (bytes, from the top down). `raw` and `raw_region` replace the packer's output by the given
+    bytes, valid or not; `fill` is the byte that pads each row."""
     return {"width": width, "rows": rows, "packed": packed or raw is not None, "region": region,
             "pack_region": pack_region or raw_region is not None, "raw": raw, "raw_region": raw_region, "fill": fill,
             "unused": unused}
@@ -68,7 +69,7 @@ def image(width, rows, packed=False, region=b"", pack_region=False, raw=None, ra
 
 @dataclasses.dataclass(frozen=True)
 class Same:
-    """An entry of a list whose locator is that of another entry; an animation has a `name` in the list still."""
+    """A list entry with the same locator as another entry; an animation still has its own `name` in the list."""
     number: int
     name: str = ""
 
@@ -77,9 +78,10 @@ class Same:
 
 @dataclasses.dataclass(frozen=True)
 class Field:
-    """A number in the file. `kind`: free (any value is good), number (of a thing; `limit` many there are, `none` or a
-    negative one means no thing), count, size, offset, dimension, flag, choice, bits, signature, version, wave (inside
-    a sound) or loose (a reader may mind its value or not). `shown` is its place in what the reader reports."""
+    """A number in the file. `kind`: free (every value is valid), number (of a thing; there are `limit` of them, and
+    `none` or a negative value means no thing), count, size, offset, dimension, flag, choice, bits, signature, version,
+    wave (inside a sound) or loose (a reader may or may not object to its value). `shown` is its place in the reader's
+    report."""
     name: str
     position: int
     width: int
@@ -93,7 +95,7 @@ class Field:
 
 
 class Section:
-    """A stretch of the file that a locator points to."""
+    """A part of the file that a locator points to."""
 
     def __init__(self, name):
         self.name = name
@@ -149,7 +151,7 @@ class Made:
 
 
 def stored_pixels(entry):
-    """The rows as the file has them: from the bottom up, each filled up to four bytes."""
+    """The rows as stored: from the bottom up, each padded to a multiple of four bytes."""
     filler = bytes([entry["fill"]]) * (-entry["width"] % 4)
     return b"".join(row + filler for row in reversed(entry["rows"]))
 
@@ -251,7 +253,7 @@ def write_frame(out, name, one, frames, images, sounds, shown):
         out.i16(y, f"{name}, image {at}, y", "free", shown=(*place, "y"))
     out.u16(NO_SOUND if one["sound"] is None else one["sound"], name + ", sound", "number", limit=sounds,
             none=NO_SOUND, shown=(*shown, "sound"))
-    # No duration where there are branches may make a circle without end, which a reader may refuse.
+    # A duration of 0 in a frame with branches may make an endless loop, which a reader may refuse.
     out.u16(one["duration"], name + ", duration", "loose" if one["branches"] else "free", shown=(*shown, "duration"))
     out.i16(one["leave"], name + ", exit frame", "number", limit=frames, shown=(*shown, "exitFrame"))
     out.u8(len(one["branches"]), name + ", branches, count", "count")
@@ -276,7 +278,7 @@ def write_frame(out, name, one, frames, images, sounds, shown):
 
 
 def write_image(number, entry):
-    """The section, and the size of its pixel block."""
+    """Returns the section and the size of its pixel block."""
     out = Section(f"image {number}")
     out.u8(entry["unused"], "unused", "free")
     out.u16(entry["width"], "width", "dimension")
@@ -320,8 +322,8 @@ def write_list(name, entries, with_checksum):
 
 
 def make(description, order=None, gap=None):
-    """Writes the file. `order` takes the list of all sections but the header and gives it in the order they shall
-    stand in; `gap` takes a section's place in that order and gives the bytes that shall stand before it."""
+    """Writes the file. `order` takes the list of all sections but the header and returns it in the order in which they
+    are to be stored; `gap` takes a section's position in that order and returns bytes to be put before it."""
     images, sounds, animations = (description[key] for key in ("images", "sounds", "animations"))
     sections = {"character": write_character(description)}
     if description["names"] is not None:
@@ -352,7 +354,7 @@ def make(description, order=None, gap=None):
 
 
 def lay_out(header, sections, order, gap):
-    """Places the sections behind the header and fills in the locators; gives the bytes and all numbers."""
+    """Places the sections after the header and fills in the locators; returns the bytes and all numbers."""
     keys = list(sections)
     places, data = {}, bytearray(len(header.bytes))
     for at, key in enumerate(order(keys) if order else keys):
@@ -376,13 +378,13 @@ def lay_out(header, sections, order, gap):
 # -------------------------------------------------------------------------------------------------------- composing
 
 def resolve(entries, number):
-    """The entry that `number` stands for, through a shared locator."""
+    """The entry that `number` refers to, also through a shared locator."""
     entry = entries[number]
     return entries[entry.number] if isinstance(entry, Same) else entry
 
 
 def compose(description, one):
-    """The frame without a mouth: rows from the top down, four bytes a pixel (red, green, blue, alpha)."""
+    """Composes the frame without a mouth: rows from the top down, four bytes a pixel (red, green, blue, alpha)."""
     width, height = description["width"], description["height"]
     rows = [bytearray(4 * width) for _ in range(height)]
     colours = [bytes((*rgb, 255)) for rgb in description["palette"]]
@@ -398,7 +400,7 @@ def compose(description, one):
 
 
 def wave(frames, channels=1, rate=22050, bits=16, extra=b"", seed=1):
-    """A whole wave file of noise; `extra` is a chunk to stand before the sound's own."""
+    """A complete wave file of noise; `extra` is a chunk to be put before the data."""
     size = frames * channels * bits // 8
     body = random.Random(seed).randbytes(size)
     block = channels * bits // 8

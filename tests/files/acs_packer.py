@@ -1,10 +1,11 @@
-"""Packs pixels and regions of a character file, from tokens or by looking for copies. Only Python's standard library.
+"""Packs pixels and regions of a character file, from tokens or by searching for copies. Uses only Python's standard
+library.
 
-The first byte is 0, then come bits, lowest first, then six bytes 0xFF. These may themselves be the end mark, or follow
-one written before them: the form of the file leaves it open, so that both must be readable.
+The first byte is 0, then follow bits, lowest first, then six bytes 0xFF. These may be the end mark themselves, or
+follow one written before them: the file format leaves that open, so a reader must accept both.
 """
 
-# Distances of a copy: bits of the value, and the distance that the value 0 means.
+# Distances of a copy: number of bits of the value, and the distance that the value 0 means.
 WIDTHS = ((6, 1), (9, 65), (12, 577), (20, 4673))
 END_VALUE = 0xFFFFF
 MAX_DISTANCE = WIDTHS[3][1] + END_VALUE - 1
@@ -17,7 +18,7 @@ def max_length(distance):
 
 
 class BitWriter:
-    """Bits, lowest first."""
+    """Writes bits, lowest first."""
 
     def __init__(self):
         self.bytes = bytearray(b"\0")
@@ -36,7 +37,7 @@ class BitWriter:
         self.put((1 << count) - 1, count)
 
     def finish(self, filler):
-        """Fills up the last byte with the bit `filler` and closes the data."""
+        """Pads the last byte with the bit `filler` and ends the data."""
         if self._count:
             self.put(0xFF if filler else 0, 8 - self._count)
             self._pending = 0
@@ -61,8 +62,8 @@ def put_copy(bits, distance, length):
 
 
 def pack_tokens(tokens, end_mark=True, filler=1):
-    """Packs bytes objects (literals) and (distance, length) copies. Without `end_mark` the closing bytes serve as it,
-    so that the rest of the last byte must be ones."""
+    """Packs bytes objects (literals) and (distance, length) copies. Without `end_mark` the closing bytes serve as end
+    mark, so the rest of the last byte must be ones."""
     bits = BitWriter()
     for token in tokens:
         if isinstance(token, tuple):
@@ -77,7 +78,7 @@ def pack_tokens(tokens, end_mark=True, filler=1):
 
 
 def expand(tokens):
-    """The bytes that the tokens mean."""
+    """The bytes that the tokens stand for."""
     out = bytearray()
     for token in tokens:
         if not isinstance(token, tuple):
@@ -94,7 +95,8 @@ def expand(tokens):
 
 
 def find_tokens(data):
-    """Greedy tokens for `data`: the longest copy of three bytes or more, one of two from nearby, else a literal."""
+    """Greedy tokens for `data`: the longest copy of three bytes or more, else a copy of two from nearby, else a
+    literal."""
     tokens, triples, pairs, at = [], {}, {}, 0
     while at < len(data):
         best, distance = 0, 0

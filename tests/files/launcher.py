@@ -1,7 +1,7 @@
-"""The small process behind tool.Runner: launcher.py MEGABYTES. Takes per line on standard input a JSON list of the
-files for standard output and error and a command, and gives per line on standard output its exit code (or minus the
-signal that ended it), seconds of processor time and peak kilobytes of memory. It must stay small: a child begins with
-its parent's peak memory on its account."""
+"""The small process that tool.Runner starts programs from: launcher.py MEGABYTES. Each line on standard input is a JSON
+list: the files for standard output and error, then a command. For each it prints a line with the exit code (or minus
+the signal that ended it), the seconds of processor time and the peak kilobytes of memory. It must stay small, because a
+child starts with its parent's peak memory counted as its own."""
 
 import json
 import os
@@ -9,7 +9,7 @@ import resource
 import signal
 import sys
 
-TIMEOUT_SECONDS = 3  # By the clock: the processor time of what only waits would not end.
+TIMEOUT_SECONDS = 3  # Of real time, because a process that only waits uses no processor time.
 
 
 def run(out, err, *command):

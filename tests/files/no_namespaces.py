@@ -1,4 +1,4 @@
-"""A process for which there are no namespaces, as on systems that refuse them to ordinary users."""
+"""Makes a process without namespaces, as on systems that refuse them to ordinary users."""
 
 import ctypes
 import platform
@@ -13,7 +13,7 @@ _SET_SECCOMP, _FILTER, _SET_NO_NEW_PRIVILEGES = 22, 2, 38
 
 
 def refuse():
-    """Has unshare fail with EPERM from here on, in this process and all that come from it."""
+    """Makes unshare fail with EPERM from now on, in this process and all its descendants."""
     steps = [(_LOAD, 0, 0, 0), (_JUMP_IF_EQUAL, 0, 1, _UNSHARE[platform.machine()]), (_RETURN, 0, 0, _ERROR | _EPERM),
              (_RETURN, 0, 0, _ALLOW)]
     code = ctypes.create_string_buffer(b"".join(struct.pack("HBBI", *step) for step in steps))

@@ -1,5 +1,5 @@
-"""Descriptions of character files: a small one that has a little of everything, and one for each point that a reader
-could get wrong."""
+"""Descriptions of character files: a small one with a little of everything, and one for each point that a reader could
+get wrong."""
 
 import random
 import struct
@@ -17,7 +17,7 @@ MANY_COLOURS = [(index, 255 - index, index * 7 % 256) for index in range(256)]
 
 
 def description(**changes):
-    """The blank description with changes."""
+    """The blank description with some values replaced."""
     unknown = set(changes) - set(BLANK)
     if unknown:
         raise KeyError(f"no such part: {unknown}")
@@ -31,7 +31,7 @@ def noise(width, height, colours, seed=1):
 
 
 def blobs(width, height, colours, seed=1):
-    """Rows as a drawing has them: runs of equal entries, and rows much like the one before."""
+    """Rows like a drawing's: runs of equal entries, and rows similar to the one before."""
     dice, rows, row = random.Random(seed), [], b""
     for _ in range(height):
         if not rows or dice.random() < 0.4:
@@ -79,8 +79,8 @@ def one_frame(rows=None, **changes):
 
 
 def odd_widths():
-    """Every width from 1 to 17, stored and packed, so that rows end at every place within four bytes; the filling
-    bytes are no entries of the palette."""
+    """Every width from 1 to 17, stored and packed, so that rows end at every position within four bytes. The padding
+    bytes are not in the palette."""
     images = [image(width, noise(width, 5, 6, width), packed=packed, fill=0xEE)
               for packed in (False, True) for width in range(1, 18)]
     frames = [frame((number, 2, 3)) for number in range(len(images))]
@@ -88,7 +88,7 @@ def odd_widths():
 
 
 def regions():
-    """Regions stored and packed, with stored and with packed pixels; short, long, and none."""
+    """Stored and packed regions, each with stored and with packed pixels; short, long, and none."""
     long_one = struct.pack("<8I", 32, 1, 40, 640, 0, 0, 9, 9) + b"".join(
         struct.pack("<4i", 0, row, 9, row + 1) for row in range(40))
     images = [image(9, blobs(9, 9, 6, seed), packed=packed, region=region, pack_region=bool(region) and pack_region)
@@ -99,7 +99,7 @@ def regions():
 
 
 def languages():
-    """Names with every kind of character that a text or its JSON form could spoil."""
+    """Names with every kind of character that could be damaged in a text or its JSON form."""
     return one_frame(names=[
         (0x0409, "Quote \" backslash \\ slash /", "tab\tline\nreturn\rform\fback\b", "bell\a unit\x1f delete\x7f"),
         (0x0407, "Zoë Größe", "ﬁ \u0301 \u200d \u2028 \u2029", "\ufeff\ufffd\uffff"),
@@ -110,12 +110,12 @@ def languages():
 
 
 def bare():
-    """Nothing optional at all."""
+    """A description without any of the optional things."""
     return description(names=None, images=None, sounds=None, animations=None, palette=[])
 
 
 def empty_lists():
-    """All lists there, and empty."""
+    """All lists exist and are empty."""
     return description(palette=[], states=[("", []), ("Showing", [])])
 
 
@@ -147,8 +147,8 @@ def many_animations(count):
 
 
 def leaving():
-    """Exit branches, named return animations and chances that leave something over. Chances of more than 100 in all
-    have no meaning and are left to the files that lie."""
+    """Exit branches, named return animations, and chances that add up to less than 100. Chances of more than 100 in all
+    have no meaning; test_hostile has them."""
     still = (0, 0, 0)
     return one_frame(animations=[
         animation("Look", [
@@ -164,7 +164,8 @@ def leaving():
 
 
 def mouths():
-    """A frame with every mouth, both ways and with and without regions, and one with as many as there may be."""
+    """A frame with every mouth, over and in place of its image, with and without regions; and a frame with the most
+    mouths possible."""
     kinds = ("closed", "wide1", "wide2", "wide3", "wide4", "medium", "narrow")
     each = [overlay(mouth, at % 3, -at, at * 7, at, 65535 - at, replace=bool(at % 2),
                     region=bytes(at) if at % 3 else None, unused=at) for at, mouth in enumerate(kinds)]
@@ -175,7 +176,7 @@ def mouths():
 
 
 def outside():
-    """Images that lie over every edge of the frame, wholly outside it, and larger than it."""
+    """Images that extend beyond every edge of the frame, lie wholly outside it, or are larger than it."""
     images = [image(8, noise(8, 8, 6, 1)), image(40, noise(40, 30, 6, 2), packed=True)]
     places = [(-3, -3), (-7, 2), (9, -5), (15, 15), (-8, 0), (0, -8), (16, 0), (0, 12), (8, 4), (-32768, -32768),
               (32767, 32767), (-32768, 3), (3, 32767), (-1, -1)]
@@ -186,7 +187,7 @@ def outside():
 
 
 def layers():
-    """Frames of several images that hide each other, and one of none."""
+    """Frames of several images that hide each other, and a frame without images."""
     images = [image(6, noise(6, 6, 6, seed), packed=bool(seed % 2)) for seed in range(5)]
     frames = [frame((0, 2, 2), (1, 4, 4), (2, 0, 0)), frame((2, 0, 0), (1, 4, 4), (0, 2, 2)), frame(),
               frame(*[(at % 5, at % 11, at % 9) for at in range(40)]), frame((3, 1, 1), (3, 1, 1), (4, 1, 1))]
@@ -194,7 +195,7 @@ def layers():
 
 
 def transparency(entry):
-    """The transparent entry is not the first."""
+    """The transparent entry is `entry`, not the first one."""
     images = [image(7, noise(7, 7, len(PALETTE), 5)), image(7, noise(7, 7, len(PALETTE), 6), packed=True)]
     return description(palette=PALETTE, transparent=entry, images=images,
                        animations=[animation("Glass", [frame((0, 2, 3), (1, 4, 5)), frame((1, 0, 0))])])
@@ -209,7 +210,7 @@ def full_palette():
 
 
 def sounds():
-    """Wave files plain and with chunks before the data, and a sound that is none."""
+    """Wave files, plain and with chunks before the data, and a sound that is not a wave file."""
     listed = struct.pack("<4sI", b"LIST", 5) + b"INFOx\0"
     return one_frame(
         animations=[animation("Sing", [frame((0, 0, 0), sound=number) for number in range(8)] + [frame((0, 0, 0))])],
@@ -218,7 +219,7 @@ def sounds():
 
 
 def shared():
-    """Lists whose entries point at the same bytes."""
+    """Lists in which several entries point at the same bytes."""
     part = layers()
     return {**part, "images": part["images"][:3] + [Same(1), Same(0)],
             "animations": [animation("Twice", part["animations"][0]["frames"]),
@@ -227,8 +228,8 @@ def shared():
 
 
 def every_distance():
-    """A packed image that is larger than the farthest copy reaches, of copies at both ends of every width of the
-    distance and of every count of length bits; seen through a small frame in several places."""
+    """A packed image larger than the farthest copy reaches. It has copies at both ends of every width of the distance
+    and with every count of length bits, and is seen through a small frame in several places."""
     dice = random.Random(7)
     tokens, size = [dice.randbytes(5000)], 5000
     width, height = 1028, 1040

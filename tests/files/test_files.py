@@ -1,4 +1,4 @@
-"""Character files made by another hand, read by acsinfo: every number, text, pixel and sound must come out as it was
+"""Character files made by acs_maker and read by acsinfo: every number, text, pixel and sound must come out as
 described."""
 
 import json
@@ -42,13 +42,13 @@ class FilesCase(unittest.TestCase):
         return path
 
     def read(self, path):
-        """What acsinfo prints of a good file, keys in their order."""
+        """acsinfo's report on a valid file, with the keys in their order."""
         result = run(path)
         self.assertEqual((result.status, result.err), (0, b""))
         return json.loads(result.out.decode("utf-8"))
 
     def assert_reads(self, description, **layout):
-        """The file of the description is sound and reported to the letter; gives its path."""
+        """The file made from the description must be valid and reported exactly; returns its path."""
         made = make(description, **layout)
         path = self.write(made.data)
         said, meant = self.read(path), tool.report(description, made, path)
@@ -59,7 +59,7 @@ class FilesCase(unittest.TestCase):
         return path
 
     def export(self, path):
-        """Exports the file; gives the folder."""
+        """Exports the file; returns the folder."""
         folder = os.path.join(FOLDER, "export")
         shutil.rmtree(folder, ignore_errors=True)
         result = run("--export", folder, path)
@@ -67,7 +67,8 @@ class FilesCase(unittest.TestCase):
         return folder
 
     def assert_exports(self, description, path):
-        """Every frame and every sound comes out, under its name, to the pixel and to the byte, and nothing else."""
+        """Every frame and every sound must be exported under its name, exact to the pixel and the byte, and nothing
+        else."""
         folder = self.export(path)
         wanted = set()
         animations = description["animations"] or []
@@ -90,7 +91,7 @@ class FilesCase(unittest.TestCase):
 
 
 def unpacked(data):
-    """The bytes that packed data means: a second, slow reading of its form that checks the packer."""
+    """Unpacks data: a second, slow implementation of the format that checks the packer."""
     bits, at, out = int.from_bytes(data[1:], "little"), 0, bytearray()
 
     def take(count):
@@ -116,7 +117,7 @@ def unpacked(data):
 
 
 class PackerTest(unittest.TestCase):
-    """The packer itself, before anything is proved by it."""
+    """Tests the packer itself, before other tests rely on it."""
 
     def test_bits_stand_as_worked_out_by_hand(self):
         # A literal 0x41; a copy from 1 back of 3 bytes: 10 000000 10 0; the end mark of 24 ones; ones to fill up.
@@ -141,7 +142,7 @@ class PackerTest(unittest.TestCase):
 
 
 class ReadBackTest(FilesCase):
-    """Files that are as they should be."""
+    """Valid files."""
 
     def test_reports_pixels_and_sounds_are_as_described(self):
         for title, sample in samples.READ_BACK.items():

@@ -1,5 +1,5 @@
-"""Character files that lie: cut short, with every number driven to its extremes, or made to blow up. acsinfo either
-reads such a file or refuses it in one line that names it: it never crashes, never takes long and never fills the
+"""Malicious character files: cut short, with every number set to its extremes, or made to expand enormously. acsinfo
+either reads such a file or refuses it in one line that names it. It never crashes, never takes long and never fills the
 memory."""
 
 import collections
@@ -16,7 +16,7 @@ import tool
 from acs_maker import Same, animation, frame, image, make, wave
 from acs_packer import MAX_DISTANCE, BitWriter, pack_tokens
 
-EXTRA_SECONDS = 0.1  # What a file may take beyond the start of the process.
+EXTRA_SECONDS = 0.1  # Seconds a file may take in addition to the start of the process.
 BATCH = 100
 
 
@@ -42,7 +42,7 @@ def tearDownModule():
 
 
 def extremes(field, size):
-    """The values (as they stand in the file, unsigned) to drive a field of a file of `size` bytes to."""
+    """Extreme values (as stored, unsigned) for a field of a file of `size` bytes."""
     top = (1 << 8 * field.width) - 1
     now = field.value & top
     values = {0, 1, 2, now - 1, now + 1, top, top - 1, top >> 1, (top >> 1) + 1, (top >> 1) + 2, (top >> 1) - 1,
@@ -55,7 +55,7 @@ def extremes(field, size):
 
 
 def verdict(field, value, size):
-    """What has to become of a file whose field has the value: "sound", "refused" or None for either."""
+    """The required outcome for a file whose field has the value: "sound", "refused", or None for either."""
     top = 1 << 8 * field.width
     number = value - top if field.signed and value >= top // 2 else value
     if field.kind in ("free", "wave"):
@@ -65,7 +65,7 @@ def verdict(field, value, size):
     if field.kind == "number":
         if number == field.none or number < 0:
             return "sound"
-        # Another branch within reach may make a circle without end.
+        # Another valid branch target may make an endless loop.
         return "refused" if number >= field.limit else None if "branch" in field.name else "sound"
     if field.kind in ("count", "size", "offset") and number > size or field.kind == "offset" and number == size:
         return "refused"
@@ -75,7 +75,7 @@ def verdict(field, value, size):
 
 
 def patched(made, *changes):
-    """The file with fields set: (field, value as it stands in the file)."""
+    """The file with some fields changed: (field, value as stored)."""
     data = bytearray(made.data)
     for field, value in changes:
         data[field.position:field.position + field.width] = value.to_bytes(field.width, "little")
@@ -83,7 +83,7 @@ def patched(made, *changes):
 
 
 class HostileCase(unittest.TestCase):
-    """Checking many files at once and few alone."""
+    """Checks many files at once and a few alone."""
 
     def write(self, name, data):
         path = os.path.join(FOLDER, name + ".acs")
@@ -92,7 +92,7 @@ class HostileCase(unittest.TestCase):
         return path
 
     def timed(self, *arguments, title):
-        """Runs acsinfo, up to three times while it seems slow: even processor time wavers on a busy machine."""
+        """Runs acsinfo, again up to twice while it seems slow, because even processor time varies on a busy machine."""
         global slowest
         best = None
         for _ in range(3):
@@ -106,13 +106,13 @@ class HostileCase(unittest.TestCase):
         return best
 
     def assert_refusal(self, text, path, title):
-        """One line that names the file."""
+        """The text must be one line that names the file."""
         self.assertTrue(text.endswith("\n") and text.count("\n") == 1 and f'"{path}" cannot be used: ' in text,
                         f"{title}: {text[:300]!r}")
 
     def check(self, files):
-        """Checks files of (title, bytes, verdict) in batches; gives how many were sound and how many refused.
-        Whatever goes wrong in a batch, slowness too, is traced to the file by checking each alone."""
+        """Checks files of (title, bytes, verdict) in batches; returns how many were valid and how many refused. A fault
+        in a batch, slowness included, is traced to its file by checking each file alone."""
         tally = collections.Counter()
         for at in range(0, len(files), BATCH):
             batch = [(title, self.write(str(number), data), wanted)
@@ -132,7 +132,7 @@ class HostileCase(unittest.TestCase):
         return tally
 
     def judge(self, batch, result, tally):
-        """Whether a run of --check did as it should with every file of the batch."""
+        """Whether a run of --check gave the required outcome for every file of the batch."""
         lines = result.out.decode("utf-8").splitlines(keepends=True)
         if len(lines) != len(batch):
             return False
@@ -148,7 +148,7 @@ class HostileCase(unittest.TestCase):
         return True
 
     def single(self, path, title):
-        """What a run for one file alone makes of it: its report, or None when it is refused."""
+        """acsinfo's report on one file alone, or None if it refuses the file."""
         result = self.timed(path, title=title)
         self.assertLess(result.seconds, start_seconds + EXTRA_SECONDS, title)
         if result.status == 0:
@@ -160,7 +160,7 @@ class HostileCase(unittest.TestCase):
 
 
 class DamagedFileTest(HostileCase):
-    """One small file with a little of everything, spoilt in all ways."""
+    """One small file with a little of everything, damaged in all ways."""
 
     @classmethod
     def setUpClass(cls):
@@ -262,7 +262,7 @@ class DamagedFileTest(HostileCase):
                     (0x80000000, 0x80000000, "refused"), (0, 36, None), (size - 1, 1, None)):
                 files.append((f"{field.name} {offset:#x}, size {length:#x}",
                               patched(made, (field, offset), (extent, length)), wanted))
-            for other in offsets:  # Everything may point to everything else, itself and its own list among it.
+            for other in offsets:  # Every locator is pointed at everything else, also at itself and its own list.
                 files.append((f"{field.name} of {other.name}",
                               patched(made, (field, other.value),
                                       (extent, by_name[other.name.removesuffix("offset") + "size"].value)),
@@ -286,12 +286,12 @@ class DamagedFileTest(HostileCase):
 
 
 class LyingPixelsTest(HostileCase):
-    """Packed data that does not mean what it should."""
+    """Packed data with errors."""
 
-    PIXELS = bytes(range(6)) * 8  # Of an image of 8 by 6.
+    PIXELS = bytes(range(6)) * 8  # The pixels of an image of 8 by 6.
 
     def file(self, packed, region=None):
-        """A file of one image, its packed pixels or its packed region being the given bytes."""
+        """A file with one image whose packed pixels or packed region are the given bytes."""
         entry = image(8, samples.noise(8, 6, 6), raw=packed, region=self.PIXELS, raw_region=region)
         return make(samples.description(palette=samples.PALETTE, images=[entry],
                                         animations=[animation("Wave", [frame((0, 0, 0))])])).data
@@ -341,7 +341,7 @@ class LyingPixelsTest(HostileCase):
         self.assertEqual(sum(self.check(files).values()), len(files))
 
     def test_pixels_beyond_the_palette_are_refused(self):
-        # More entries than a pixel can name are either. The transparent entry needs no colour.
+        # With more entries than a pixel can name, either outcome is allowed. The transparent entry needs no colour.
         files = [(f"a palette of {count}, entry {entry} transparent",
                   make(samples.one_frame([bytes(range(256))], palette=[(1, 2, 3)] * count, transparent=entry)).data,
                   None if count > 256 else "sound" if count + (entry == 255) >= 256 else "refused")
@@ -360,10 +360,10 @@ class LyingPixelsTest(HostileCase):
 
 
 class GreedyFileTest(HostileCase):
-    """Files that are small and claim, or even mean, very much."""
+    """Small files that claim to hold, or really expand to, very much."""
 
     def greedy(self, title, data, wanted=None):
-        """Checks the file and reads it alone."""
+        """Checks the file, and then reads it alone."""
         self.check([(title, data, wanted)])
         with self.subTest(title + ", alone"):
             report = self.single(self.write("greedy", data), title)
@@ -371,7 +371,7 @@ class GreedyFileTest(HostileCase):
                 self.assertIsNotNone(report)
 
     def sized(self, made, width, height):
-        """The file whose image 0 claims other sizes."""
+        """The file with other claimed sizes for image 0."""
         fields = {field.name: field for field in made.fields}
         return patched(made, (fields["image 0: width"], width), (fields["image 0: height"], height))
 
@@ -385,7 +385,7 @@ class GreedyFileTest(HostileCase):
                 self.greedy(title, self.sized(made, width, height), "refused" if width * height else None)
 
     def bomb(self, width, height, as_region=False):
-        """An image that truly unpacks to so many zeros, or a small one whose region does."""
+        """An image that really unpacks to width * height zeros, or a small one whose region does."""
         size = width * height
         whole, rest = divmod(size - 1, 4096)
         packed = pack_tokens([bytes(1 + rest)] + [(1, 4096)] * whole)
@@ -394,7 +394,7 @@ class GreedyFileTest(HostileCase):
         return entry + pixels + struct.pack("<II", len(region), size if region else 0) + region
 
     def with_image(self, section):
-        """A file whose image 0 is the given bytes, standing at the end."""
+        """A file whose image 0 is the given bytes, put at the end of the file."""
         made = make(samples.one_frame([bytes(8)] * 8))
         fields = {field.name: field for field in made.fields}
         return patched(made, (fields["image list: 0, offset"], len(made.data)),
@@ -405,7 +405,7 @@ class GreedyFileTest(HostileCase):
             section = self.bomb(20000, 20000, as_region)
             self.greedy(f"{'a region' if as_region else 'an image'} of 400 MB in {len(section)} bytes",
                         self.with_image(section))
-        # What an animated character might well have must not be taken for it.
+        # Sizes that a real character might have must not be refused.
         self.greedy("an image of 1200 by 1000", self.with_image(self.bomb(1200, 1000)), "sound")
 
     def test_frames_of_huge_sizes(self):

@@ -1,6 +1,6 @@
-"""Word documents as the program gets to see them through LibreOffice: the main text and nothing else, what cannot be opened,
-conversions that are broken off, and what is left behind. The program under test is word_text, $VOXMATE_WORD_TEXT or that of
-the release build."""
+"""Word documents as the program gets them through LibreOffice: the main text and nothing else, documents that cannot be
+opened, interrupted conversions, and leftovers. The program under test is word_text, $VOXMATE_WORD_TEXT or that of the
+release build."""
 
 import collections
 import glob
@@ -25,14 +25,14 @@ Result = collections.namedtuple("Result", "error milliseconds length pause text"
 
 
 def dead_sockets():
-    """LibreOffice's sockets whose owner is gone: others' programs may have theirs at the same time."""
+    """LibreOffice's sockets without an owner; other programs may have live ones at the same time."""
     found = set(glob.glob("/tmp/OSL_PIPE_*"))
     with open("/proc/net/unix", encoding="utf-8") as file:
         return found - {line.split()[-1] for line in file}
 
 
 def pieces(count, seed=1):
-    """Lines of words that make a text of so many characters, with the end of each line counted."""
+    """Lines of words that add up to `count` characters, with each line's end counted."""
     chance, words = random.Random(seed), "a quick brown fox jumps over the lazy Übermut 😀 while rain falls on tin".split()
     lines = []
     while count > 0:
@@ -71,7 +71,7 @@ class WordCase(unittest.TestCase):
         return subprocess.Popen([WORD_TEXT, *arguments], stdout=subprocess.PIPE, env=environment, preexec_fn=before)
 
     def read(self, *arguments, before=None):
-        """Opens a document; whatever comes of it, nothing may be left."""
+        """Opens a document. Whatever the result, nothing may be left behind."""
         sockets = dead_sockets()
         with self.start(*arguments, before=before) as process:
             out = process.communicate(timeout=120)[0].decode()
@@ -86,7 +86,7 @@ class WordCase(unittest.TestCase):
         return Result(0, int(opened[2]), int(opened[1]), float(opened[3]), text)
 
     def processes(self):
-        """The command lines of all processes that work in our folder for temporary files."""
+        """The command lines of all processes that use the test's folder for temporary files."""
         found = []
         for path in glob.glob("/proc/[0-9]*/cmdline"):
             try:
@@ -145,12 +145,12 @@ class MainText(WordCase):
         result = self.read(self.office.save("big", maker.paragraphs(lines)))
         self.assertEqual(result.length, 1_000_000)
         self.assertEqual(result.text, "".join(line + "\r" for line in lines))
-        # A tenth of a second is seen; a busy machine gets some grace.
+        # A pause of a tenth of a second would be noticed; the limit leaves room for a busy machine.
         self.assertLess(result.pause, 300)
 
 
 class OtherFormats(WordCase):
-    """Files called .doc with something else inside."""
+    """Files named .doc with other contents."""
 
     TEXT = "Käthe & Jürgen.\rTwo.\r"
     PAGE = "<html>%s<body><p>Käthe &amp; Jürgen.</p><p>Two.</p></body></html>"
@@ -254,7 +254,7 @@ class BreakingOff(WordCase):
 
 
 class Connection(http.server.BaseHTTPRequestHandler):
-    """Whoever connects at all is noted, whatever is said, and told that there is nothing."""
+    """Records every client that connects, whatever it sends, and answers that nothing is there."""
 
     def setup(self):
         super().setup()
@@ -270,8 +270,8 @@ class Connection(http.server.BaseHTTPRequestHandler):
 
 
 class Network(WordCase):
-    """Nothing that is read may send anything. Each document is read where the system grants a network of one's own, with
-    nothing in it, if it does, and where it refuses one, as some do to ordinary users."""
+    """Reading may not send anything. Each document is read in an empty network namespace, if the system grants one, and
+    once more where the system refuses one, as some do to ordinary users."""
 
     def setUp(self):
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Connection)
@@ -289,7 +289,7 @@ class Network(WordCase):
                 self.assertEqual(self.asked, [])
 
     def check_that_it_asks(self, path):
-        """The document does ask for something where nothing forbids it."""
+        """Makes sure that the document does ask for something where nothing prevents it."""
         self.asked.clear()
         self.office.run("--convert-to", "fodt", "--outdir", self.path("out"), path)
         self.assertNotEqual(self.asked, [])
@@ -321,13 +321,13 @@ class Network(WordCase):
         self.check(self.write("archive.doc", maker.web_archive(page, "utf-8")), "A picture: .\r\r")
 
     def test_xml_loads_no_entities(self):
-        # It is read as a web page, in which the names of the entities are text.
+        # The document is read as a web page, in which the names of the entities are plain text.
         page = '<?xml version="1.0"?><!DOCTYPE a SYSTEM "%sa.dtd" [<!ENTITY b SYSTEM "%sb.txt"><!ENTITY %% c SYSTEM "%sc.ent"> %%c;]>'
         self.check(self.write("xml.doc", (page % ((self.address,) * 3) + "<a>&b;</a>").encode()), "%c;]>&b;\r")
 
     def test_rich_text_with_a_linked_picture_gives_what_stands_for_it(self):
-        """LibreOffice 7.4 asks for no picture, text, template or object of rich text even where it may, so that this shows
-        only what is read, and nothing of what keeps it from asking."""
+        """LibreOffice 7.4 requests no picture, text, template or object of rich text even where it could, so this test
+        shows only what is read, and not what prevents the requests."""
         self.check(self.write("rich.doc", (r'{\rtf1\ansi A picture: {\field{\*\fldinst INCLUDEPICTURE "%spicture.png" \\d}'
                                            r'{\fldrslt here}}.\par}' % self.address).encode()), "A picture: here.\r")
 

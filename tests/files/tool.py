@@ -1,6 +1,6 @@
-"""Runs acsinfo under a memory limit, with its time and its peak memory, and says what it has to report of a
-description. The program is $VOXMATE_ACSINFO, else that of the release build. $VOXMATE_ACSINFO_MEGABYTES is the limit
-of its address space (0: none, as a build with sanitizers needs)."""
+"""Runs acsinfo under a memory limit and measures its time and peak memory; computes the report that it must give on a
+description. The program is $VOXMATE_ACSINFO, else that of the release build. $VOXMATE_ACSINFO_MEGABYTES limits its
+address space (0: no limit, for a build with sanitizers)."""
 
 import collections
 import json
@@ -15,12 +15,12 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 ACSINFO = os.path.abspath(os.environ.get("VOXMATE_ACSINFO") or os.path.join(ROOT, "build", "release", "acsinfo"))
 MEGABYTES = int(os.environ.get("VOXMATE_ACSINFO_MEGABYTES", "400"))
 
-# `seconds` are of processor time, so that a busy machine makes no difference.
+# `seconds` is processor time, so that a busy machine makes no difference.
 Result = collections.namedtuple("Result", "status out err seconds kilobytes")
 
 
 class Runner:
-    """Starts programs from a small process of its own, whose memory does not hide theirs."""
+    """Starts programs from a small process, so that this one's memory is not counted as theirs."""
 
     def __init__(self):
         launcher = os.path.join(os.path.dirname(os.path.abspath(__file__)), "launcher.py")
@@ -67,7 +67,7 @@ def colour_text(rgb):
 
 
 def sound_report(data):
-    """What is reported of a sound: its size and, of a plain wave file, its format."""
+    """The report on a sound: its size and, for a plain wave file, its format."""
     report, at = {"size": len(data)}, 12
     channels = rate = bits = frames = None
     while data[:4] == b"RIFF" and data[8:12] == b"WAVE" and at + 8 <= len(data):
@@ -121,7 +121,7 @@ def balloon_report(balloon):
 
 
 def report(description, made, path):
-    """What `acsinfo path` has to print for a file made of the description, keys in their order."""
+    """What `acsinfo path` must print for a file made from the description, with the keys in their order."""
     version, animation_set, tray = (description[key] for key in ("version", "animation_set", "tray"))
     images = description["images"] or []
     flags = {"value": "0x%08x" % made.flags}
@@ -149,8 +149,8 @@ def report(description, made, path):
 
 
 def export_names(names):
-    """The stems under which the frames of animations are exported: plain characters, and every stem once, without
-    regard to case."""
+    """The file name stems under which animations' frames are exported: only plain characters, and each stem unique
+    regardless of case."""
     stems, taken = [], collections.Counter()
     for name in names:
         stem = "".join(c if c.isascii() and c.isalnum() or c in "_-. " else "_" for c in name)

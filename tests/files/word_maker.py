@@ -1,5 +1,5 @@
-"""Makes Word documents for the tests: an OpenDocument text with everything in it, saved by LibreOffice in Word's formats, and
-XML documents written part by part."""
+"""Makes Word documents for the tests: an OpenDocument text with all kinds of content, which LibreOffice saves in Word's
+formats, and XML documents written part by part."""
 
 import os
 import quopri
@@ -59,7 +59,7 @@ _BODY = """
 <text:p/>
 <text:p>Last.</text:p>""".replace("{change}", _CHANGE)
 
-# What Word's main text has of it; every line is a paragraph.
+# What Word's main text contains of it; every line is a paragraph.
 SAMPLE = """Überschrift
 Some words go on here.
 Seen and bold.
@@ -111,7 +111,7 @@ def flat(body, styles=""):
 
 
 def web_archive(page, charset):
-    """A page as one saves it from a browser with all that belongs to it."""
+    """A web page saved from a browser with everything that belongs to it."""
     return b"".join([
         b'MIME-Version: 1.0\r\nContent-Type: multipart/related; boundary="----=_Next"; type="text/html"\r\n\r\n'
         b'This is a message in several parts.\r\n\r\n------=_Next\r\nContent-Type: text/html; charset="',
@@ -121,13 +121,13 @@ def web_archive(page, charset):
 
 
 def flat_picture(address):
-    """A picture in the line that is not in the document, for a flat one."""
+    """An inline picture, for a flat document, that is linked and not stored in it."""
     return ('<draw:frame text:anchor-type="as-char" svg:width="2cm" svg:height="2cm"><draw:image xlink:href="%s" '
             'xlink:type="simple" xlink:show="embed" xlink:actuate="onLoad"/></draw:frame>' % address)
 
 
 class Office:
-    """LibreOffice with a profile in a folder of the tests'."""
+    """LibreOffice with a profile in a folder of the tests."""
 
     FILTERS = {"doc": "MS Word 97", "docx": "MS Word 2007 XML", "rtf": "Rich Text Format",
                "odt": "writer8", "html": "HTML (StarWriter)", "xml": "MS Word 2003 XML"}
@@ -141,7 +141,7 @@ class Office:
                        check=True, timeout=120, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def save(self, name, document, kind="doc"):
-        """Saves a flat document in one of the formats, as name.doc whatever the format, and returns its path."""
+        """Saves a flat document in one of the formats, always as name.doc, and returns its path."""
         source, folder = os.path.join(self.folder, name + ".fodt"), os.path.join(self.folder, "out")
         with open(source, "w", encoding="utf-8") as file:
             file.write(document)
@@ -151,8 +151,8 @@ class Office:
         return path
 
     def protect(self, path, target, password):
-        """Saves a document once more, so that it can only be opened with a password."""
-        # The profile has its folder for macros since the first run.
+        """Saves a document again so that it opens only with a password."""
+        # The profile has had its folder for macros since the first run.
         with open(os.path.join(self.profile, "user/basic/Standard/Module1.xba"), "w", encoding="utf-8") as file:
             file.write(_MACRO)
         self.run('macro:///Standard.Module1.Save("file://%s","file://%s","%s","%s")'
@@ -207,7 +207,7 @@ def linked_picture(relation):
 
 
 def write_xml(path, body, relations=(), settings_relations=()):
-    """An XML document; relations are triples of name, type and address outside the document."""
+    """An XML document; relations are triples of name, type and address outside it."""
     office = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
     package = "http://schemas.openxmlformats.org/package/2006"
     wordml = "application/vnd.openxmlformats-officedocument.wordprocessingml.%s+xml"

@@ -1,8 +1,8 @@
-"""Uses the running program without pause and watches what it takes: memory, threads, handles, windows, files.
+"""Uses the running program without pause and watches what it consumes: memory, threads, handles, windows, files.
 
-Each round is one thing a user does, chosen by chance. Every few rounds all is brought to rest and measured. In the end
-every reminder must have been announced and answered, nothing may be left of what rounds have opened, and the memory of the
-last tenth of the time may be 2 MB above that of the second tenth at most."""
+Each round is one user action, chosen at random. Every few rounds the program is brought to rest and measured. At the
+end every reminder must have been announced and answered, nothing that the rounds opened may be left, and the memory
+during the last tenth of the time may be at most 2 MB above that of the second tenth."""
 
 import csv
 import datetime
@@ -25,9 +25,9 @@ from test_reminders import fields  # noqa: E402  pylint: disable=wrong-import-po
 from tour import TourCase  # noqa: E402  pylint: disable=wrong-import-position
 
 RESULTS = os.path.join(BUILD, "soak")
-GROWTH = 2048      # KiB of its own memory that the program may have more in the end
+GROWTH = 2048      # KiB by which the program's own memory may grow
 ROUNDS = 6         # rounds between two measurements
-BEGIN = datetime.datetime(2031, 3, 4, 6, 0)  # the program's clock at the start; no soak comes to its midnight
+BEGIN = datetime.datetime(2031, 3, 4, 6, 0)  # the program's clock at the start; no soak reaches its midnight
 FAKETIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"
 SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
 OPTIONS = "Voxmate Options"
@@ -43,7 +43,7 @@ class Soak(TourCase):
     # The clock.
 
     def set_clock(self):
-        """The program's clock stands `ahead` before the machine's."""
+        """Sets the program's clock `ahead` seconds before the machine's."""
         with open(self.clock_file, "w", encoding="ascii") as file:
             file.write(f"{int(self.ahead):+d}")
 
@@ -80,7 +80,7 @@ class Soak(TourCase):
         self.titles = []
         self.measured = []
 
-    # What a user does, a method each.
+    # User actions, one method each.
 
     def type_a_text(self):
         self.put("Text to read", SENTENCE * self.chance.randint(1, 2))
@@ -146,7 +146,7 @@ class Soak(TourCase):
         self.closed("Tip of the Day")
 
     def options(self):
-        """Applies something on each tab, the size of the character and the kind of reminders' windows among it."""
+        """Applies a change on each tab, among them the character's size and the kind of reminder windows."""
         self.press("User Options")
         self.opened(OPTIONS)
         self.tab("Reminders")
@@ -182,7 +182,7 @@ class Soak(TourCase):
         return [self.desk.window_rect(line.split()[0]) for line in tree.split("\n") if '"voxmate"' in line]
 
     def sound_server(self):
-        """The sound server crashes in mid-sentence and comes back."""
+        """Makes the sound server crash in mid-sentence and come back."""
         self.press("What time is it?")
         time.sleep(0.3)
         self.desk.kill_sound()
@@ -193,7 +193,7 @@ class Soak(TourCase):
         self.press("Stop Everything !!!")
 
     def reminder(self):
-        """Enters a reminder, moves the clock to its minute, and answers what comes."""
+        """Enters a reminder, moves the clock to its minute, and answers its announcement."""
         title = f"No {len(self.titles) + 1}"
         self.titles.append(title)
         due = self.clock() + datetime.timedelta(minutes=2)
@@ -202,7 +202,7 @@ class Soak(TourCase):
         self.put("Title", title, EDITOR)
         self.put("Time", f"{due:%H:%M}", EDITOR)
         self.put("Description", "Kettle", EDITOR)
-        # The editor opens with the first reminder's fields, its mark among them.
+        # The editor opens with the first reminder's fields, including its mark.
         if self.has(self.control("Marked as done", "check box", EDITOR).node, "CHECKED"):
             self.toggle("Marked as done", window=EDITOR)
         self.use("Add", window=EDITOR)
@@ -219,7 +219,7 @@ class Soak(TourCase):
         return self.desk.windows("^frmAlert$") + self.desk.windows("^" + NOTICE + "$")
 
     def answer(self, snooze=False):
-        """Answers all announcements that are up."""
+        """Answers all visible announcements."""
         while self.announcements():
             alerts = self.desk.windows("^frmAlert$")
             if alerts:
@@ -239,7 +239,7 @@ class Soak(TourCase):
     # Watching.
 
     def measure(self, begin):
-        """Brings all to rest, with the same character on show each time, and notes the figures."""
+        """Brings the program to rest, with the same character shown each time, and records the figures."""
         self.press("Stop Everything !!!")
         self.answer()
         self.choose("File", "Characters", "Nalu")
@@ -293,7 +293,7 @@ class Soak(TourCase):
         begin = time.monotonic()
         count = 0
         while time.monotonic() - begin < self.minutes * 60:
-            # Each once before any comes again.
+            # Each action once before any is repeated.
             for step in self.chance.sample(rounds, len(rounds)):
                 count += 1
                 print(f"{int(time.monotonic() - begin):5} s  {step.__name__}", flush=True)
@@ -304,7 +304,7 @@ class Soak(TourCase):
         self.finish(begin, count)
 
     def finish(self, begin, count):
-        # A snooze of ten minutes, and one after it.
+        # Lets a snooze of ten minutes pass, and one after it.
         for _ in range(2):
             self.move_clock(12)
             time.sleep(2)

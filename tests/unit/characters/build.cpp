@@ -1,4 +1,4 @@
-// From a source to a character file: pictures without fringes, mirrored parts, ways out, mouths.
+// Builds character files from sources: pictures without fringes, mirrored parts, exits, mouths.
 #include "source_folder.h"
 
 #include "characters/Assemble.h"
@@ -210,7 +210,7 @@ TEST(CharacterBuild, LeadsOutInStepsThatDoNotJump)
     const auto file = Built(folder);
     const auto& frames = file->FindAnimation("Hop")->frames;
     ASSERT_EQ(frames.size(), 20u);
-    // Out by 4 pixels a frame, and back: of 14 pixels at most, a step on the way out is one of 12.
+    // The part moves out by 4 pixels a frame and back. A smooth step is at most 14 pixels, so one on the way out is 12.
     const auto place = [](int frame) { return frame < 10 ? 4 * (frame + 1) : 4 * (19 - frame); };
     for (int i = 0; i < 19; ++i) {
         int steps = 0;

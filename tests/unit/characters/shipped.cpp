@@ -1,4 +1,4 @@
-// The characters that ship: they have what the program calls them for, and nothing about them jumps.
+// The characters that ship: they have all the animations the program calls, and nothing in them jumps.
 #include "agent/file/AcsFile.h"
 #include "speech/sound/WaveFile.h"
 
@@ -41,7 +41,7 @@ protected:
             throw std::runtime_error("no animation " + name);
         return *animation;
     }
-    // The frames shown when the animation plays to its end, along the branches that are always taken.
+    // The frames shown when the animation plays to its end, following the branches that are always taken.
     static std::vector<std::size_t> Played(const Animation& animation)
     {
         std::vector<std::size_t> order;
@@ -158,7 +158,7 @@ const std::vector<std::string> StandardSet{"Acknowledge",
 // Poses held for talking, besides the one at rest.
 const std::vector<std::string> TalkingPoses{"Greet", "Announce", "Suggest", "Explain", "GestureLeft", "GestureRight"};
 
-// How far the drawn parts of two frames differ at most: the share of the pixels drawn in either.
+// How much the drawn parts of two frames differ: the share of pixels that differ among those drawn in either.
 double Difference(const Bitmap& a, const Bitmap& b)
 {
     std::size_t drawn = 0;
@@ -292,7 +292,8 @@ TEST_P(ShippedCharacter, NeverJumpsFromOneFrameToTheNextOnItsWayOut)
             if (next.duration == 0)
                 continue;
             const Bitmap here = ComposeFrame(*file, frame, -1);
-            // What appears from nothing or goes to nothing has to change its outline.
+            // A figure that appears or vanishes has to change its outline, so frames with little of it drawn are left
+            // out.
             if (Drawn(here) > Drawn(rest) / 2) {
                 EXPECT_LT(Difference(here, ComposeFrame(*file, next, -1)), 0.5) << animation.name << " " << i;
             }
@@ -326,7 +327,7 @@ TEST_P(ShippedCharacter, HasAHandfulOfShortSoundsThatItUses)
 
 TEST_P(ShippedCharacter, ReadsAsAFigureOnLightAndOnDarkDesktops)
 {
-    // The outline is dark, what it encloses is light enough to stand out where the outline does not.
+    // The outline is dark, and the inside is light enough to stand out where the outline does not.
     const auto brightness = [](std::uint32_t pixel) {
         return 0.299 * (pixel >> 16 & 0xFF) + 0.587 * (pixel >> 8 & 0xFF) + 0.114 * (pixel & 0xFF);
     };

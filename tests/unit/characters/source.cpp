@@ -1,4 +1,4 @@
-// A character's source: what is wrong with it is said with its place.
+// A character's source: every error message names its place.
 #include "source_folder.h"
 
 #include "characters/Drawing.h"

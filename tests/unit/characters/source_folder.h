@@ -1,4 +1,4 @@
-// A small character's source in a folder of its own, to be changed by a test before it is read.
+// A small character's source in a temporary folder. Tests change it before it is read.
 #pragma once
 
 #include "characters/Source.h"
@@ -56,7 +56,7 @@ public:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text.toUtf8());
     }
-    // The message of the error that `work` ends in, without the folder.
+    // The message of the SourceError that `work` raises, without the folder.
     template <typename Work>
     std::string ErrorOf(Work work) const
     {

@@ -1,4 +1,4 @@
-// What the alert window looks like, pixel by pixel, and how its window behaves.
+// The alert window's looks, pixel by pixel, and its behaviour as a window.
 #include "forms/frmAlertWindow.h"
 #include "modules/AlertSlots.h"
 #include "modules/Declarations.h"
@@ -54,7 +54,7 @@ protected:
         form->DisplayMessage(text, 9999, true, style.seconds, style.fade, style.fit, style.square, style.color,
                              style.tube);
     }
-    /// The window that is on the screen.
+    /// The alert window that is visible.
     static PlacedWindow* Window()
     {
         for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -67,7 +67,7 @@ protected:
     static QRect WorkArea() { return QGuiApplication::primaryScreen()->availableGeometry(); }
 };
 
-/// A picture that the test works out by itself.
+/// A picture that the test computes by itself.
 struct Expected {
     int width;
     int height;
@@ -78,8 +78,8 @@ struct Expected {
     }
 };
 
-/// The share `part` of `whole` on the way from one channel to another. They have 16 bits and their lower byte is 0: the
-/// upper byte of what lies between them is told from `from` downwards or upwards, never above the exact value.
+/// The channel value `part` of `whole` on the way from `from` to `to`. The calls' channels have 16 bits with a lower
+/// byte of 0; the upper byte of a value between is rounded down, never above the exact value.
 int Between(int from, int to, int part, int whole)
 {
     const int scaled = 256 * (from * whole + (to - from) * part);
@@ -104,7 +104,7 @@ void DrawTube(Expected& picture, QRgb color)
     }
 }
 
-/// Above the diagonal the colour grows with the rows, below it with the columns.
+/// Above the diagonal the colour changes with the rows, below it with the columns.
 void DrawCorner(Expected& picture, QRgb color)
 {
     for (int y = 0; y < picture.height; ++y) {
@@ -116,7 +116,7 @@ void DrawCorner(Expected& picture, QRgb color)
     }
 }
 
-/// Each line goes from its first point to before its second.
+/// Each line includes its first point, but not its last.
 void DrawSquare(Expected& picture, int inset, QRgb color)
 {
     const int right = picture.width - 1 - inset;
@@ -131,27 +131,27 @@ void DrawSquare(Expected& picture, int inset, QRgb color)
     }
 }
 
-/// Half the width, in pixels, that a corner of this radius leaves of each of its rows, the outermost row first, seen
-/// from the corner's centre: what lies within the circle at the height of the row's middle.
+/// For each row of a corner of this radius, the outermost first: the number of pixels from the corner's centre that lie
+/// within the circle at the height of the row's middle.
 std::vector<int> CornerRows(double radius)
 {
     std::vector<int> rows;
     for (int row = 0; row < std::floor(radius); ++row) {
         const double height = radius - row - 0.5;
-        // The last pixel whose middle, 0.5 and whole ones from the centre, lies within.
+        // The last pixel whose middle lies within; middles are 0.5, 1.5, ... from the centre.
         rows.push_back(static_cast<int>(std::floor(std::sqrt(radius * radius - height * height) + 0.5)));
     }
     return rows;
 }
 
-/// The first pixel of each row of a rounded rectangle with whole radius; rows count from its upper edge.
+/// The first pixel of a row of a rounded rectangle with a whole radius; rows count from its upper edge.
 int FirstOf(int row, int height, int radius)
 {
     const int fromEdge = std::min(row, height - 1 - row);
     return fromEdge >= radius ? 0 : radius - CornerRows(radius)[static_cast<std::size_t>(fromEdge)];
 }
 
-/// Of every row the pixels that have nothing of the shape beside, above or below them.
+/// Draws the outline: in every row, the pixels next to which the shape ends at the side, above or below.
 void DrawRound(Expected& picture, int left, int top, int right, int bottom, int radius, QRgb color)
 {
     const int width = right - left;
@@ -169,7 +169,7 @@ void DrawRound(Expected& picture, int left, int top, int right, int bottom, int 
     }
 }
 
-/// The first pixel that differs, or nothing.
+/// The first pixel that differs; empty if none does.
 std::string Difference(const QImage& image, Expected& expected)
 {
     if (image.size() != QSize(expected.width, expected.height))
@@ -204,7 +204,7 @@ Expected Draw(int width, int height, bool tube, bool square, QRgb color, QRgb fa
     return picture;
 }
 
-/// The call's colour of one of a picture.
+/// A picture's colour in the form of the drawing calls.
 std::int32_t Reversed(QRgb color)
 {
     return qBlue(color) << 16 | qGreen(color) << 8 | qRed(color);
@@ -235,7 +235,7 @@ TEST_F(AlertTest, ThePictureHasTheseColoursInThesePlaces)
     const QImage corner = Window()->Drawn();
     EXPECT_EQ(corner.pixel(2, 2), qRgb(253, 254, 255)); // 255 - 95 * 2/160, 255 - 60 * 2/160, always down
     EXPECT_EQ(corner.pixel(80, 66), qRgb(207, 225, 255));
-    EXPECT_EQ(corner.pixel(0, 0), qRgb(255, 255, 255)); // where no line ends
+    EXPECT_EQ(corner.pixel(0, 0), qRgb(255, 255, 255)); // lines end here, and end points are not drawn
     EXPECT_EQ(corner.pixel(1, 1), qRgb(254, 254, 255));
     EXPECT_EQ(corner.pixel(158, 131), qRgb(160, 195, 255));
     form = std::make_unique<frmAlertWindow>(platform);
@@ -289,7 +289,7 @@ TEST_F(AlertTest, OnAFineScreenTheSameDrawingIsFiner)
     }
     EXPECT_EQ(Difference(image, halves), "");
 
-    // A line is as wide as a pixel was, and ends a whole one before its end.
+    // At ratio 2 a line is two device pixels wide and ends that much before its end point.
     image.fill(White);
     DrawLine(image, {159, 132}, {159, 0}, Qt::red);
     for (int y = 0; y < 266; ++y) {
@@ -359,7 +359,8 @@ TEST_F(AlertTest, ARoundWindowHasThisShape)
     EXPECT_TRUE(region.contains(QPoint(6, 0)));
     constexpr double radius = 9.5;
     for (int y = 0; y < 133; ++y) {
-        // Of the circle's row at the height of the pixels' middles: the first pixel whose middle is not left of it.
+        // In the circle's row at the height of the pixels' middles: the first pixel whose middle is not left of the
+        // circle.
         const double height = std::max(radius - 0.5 - std::min(y, 132 - y), 0.0);
         const int cut = static_cast<int>(std::ceil(radius - std::sqrt(radius * radius - height * height) - 0.5));
         for (int x = 0; x < 160; ++x)
@@ -387,7 +388,7 @@ TEST_F(AlertTest, FadesToEveryOpacityItIsGiven)
     form->Timer1.Enabled = false;
     for (int i = 1; i <= 50; ++i)
         form->Timer1.Fire();
-    EXPECT_EQ(Window()->windowOpacity(), 0); // a timer that is off does not tick
+    EXPECT_EQ(Window()->windowOpacity(), 0); // a disabled timer does not tick
     form->Timer1.Enabled = true;
     for (int i = 1; i <= 25; ++i)
         form->Timer1.Fire();
@@ -418,7 +419,7 @@ TEST_F(AlertTest, ClicksOnTheTextAndBesideItSendItAway)
     QTest::mouseClick(Window(), Qt::RightButton, {}, QPoint(80, 130));
     EXPECT_TRUE(QTest::qWaitFor([this] { return !form->IsLoaded(); }, 3000));
     Show({.seconds = 0});
-    // A press that is released elsewhere is no click.
+    // A press that is released outside the label is not a click.
     QTest::mousePress(MessageLabel(), Qt::LeftButton, {}, QPoint(20, 5));
     QTest::mouseRelease(MessageLabel(), Qt::LeftButton, {}, QPoint(-40, 5));
     QTest::qWait(50);
@@ -515,7 +516,7 @@ TEST_F(AlertTest, NoWordOfATextIsLeftOutInAWindowThatDoesNotGrow)
         second.Unload();
         return image;
     };
-    // All that a reminder's record has room for: 99 bytes of title and description.
+    // As much as a reminder's record can hold: 99 bytes of title and description.
     const std::string head = "Missed Reminder\r\nRem. Id: 2\r\nTitle: ";
     const std::string middle = "\r\nDate: 03/07/2004\r\nTime: 09:05\r\nDesc: ";
     std::string words;
@@ -532,7 +533,7 @@ TEST_F(AlertTest, NoWordOfATextIsLeftOutInAWindowThatDoesNotGrow)
         ASSERT_EQ(one.height(), 133);
         EXPECT_NE(one, drawn(text + "two")) << "the last word is not on show";
         EXPECT_EQ(one, drawn(text + "one"));
-        // Nor is a line cut by the window's edge.
+        // The window's edge cuts no line either.
         for (int y = 133 - 6; y < 131; ++y) {
             for (int x = 2; x < 158; ++x)
                 ASSERT_GT(qGray(one.pixel(x, y)), 200) << x << ", " << y;
@@ -548,7 +549,7 @@ TEST_F(AlertTest, ATextThatFitsKeepsItsSize)
     plain.fill(Qt::white);
     label->render(&plain, {}, {}, {});
     EXPECT_EQ(label->height(), PlainTextHeight(label->text(), label->font(), label->width()));
-    // One line more leaves every line above it as it is.
+    // An additional line does not change those above it.
     label->setText(label->text() + QStringLiteral("\nmore"));
     label->setFixedHeight(PlainTextHeight(label->text(), label->font(), label->width()));
     Window()->setFixedHeight(label->y() + label->height() + 15);
@@ -610,7 +611,7 @@ TEST_F(AlertTest, TheFastestTimerMakesUpForTicksThatCameTooLate)
     running.start();
     while (running.elapsed() < 900) {
         QTest::qWait(60);
-        // Something keeps the program busy.
+        // The program is busy for a while.
         QElapsedTimer busy;
         busy.start();
         while (busy.elapsed() < 60) {
@@ -619,7 +620,7 @@ TEST_F(AlertTest, TheFastestTimerMakesUpForTicksThatCameTooLate)
     QTest::qWait(300);
     const auto due = static_cast<double>(running.elapsed()) / 10;
     form->Timer1.Enabled = false;
-    // Without that half of them would be missing.
+    // If late ticks were not made up for, half of them would be missing.
     EXPECT_GE(ticks, due * 0.85);
     EXPECT_LE(ticks, due + 2);
 }

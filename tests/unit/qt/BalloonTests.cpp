@@ -16,7 +16,7 @@ constexpr int kLineHeight = 24;
 class BalloonWindowTest : public QtTest
 {
 protected:
-    /// Where the ink of a line is, from its leftmost to its rightmost pixel, counted from the bubble's left edge.
+    /// Leftmost and rightmost inked pixel of a line, counted from the bubble's left edge.
     struct Ink {
         int left = 0;
         int right = 0;
@@ -43,7 +43,7 @@ protected:
 
     Ink InkOf(int line) const
     {
-        // The window is larger than the bubble by the room for its outline and, below, by the tail.
+        // The window is larger than the bubble: by the space for its outline and, below, by the tail.
         const int margin = (picture.width() - bubble.width) / 2;
         Ink ink{bubble.width, -1};
         for (int y = 0; y < kLineHeight; ++y)

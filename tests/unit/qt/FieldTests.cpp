@@ -1,5 +1,5 @@
-// Edit fields as widgets: how many characters they take, which keys, and how they look when they are locked or grey;
-// labels' fonts; the buttons that Enter and Escape press.
+// Edit fields as widgets: how many characters they take, which keys, and how they look when locked or grey. Also
+// labels' fonts, and the buttons that Enter and Escape press.
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QClipboard>

@@ -1,4 +1,4 @@
-// Forms as real windows: what the user does arrives at the control, what the program sets arrives at the widget.
+// Forms as real windows: user actions reach the control, property changes by the program reach the widget.
 #include "tests/unit/qt/QtFixture.h"
 
 #include <QCheckBox>
@@ -76,7 +76,7 @@ TEST_F(QtTest, SpaceAndEnterPressAButtonAndShiftF10IsItsRightButton)
     form.cmdSpeak.MouseUp = [this](int button) { happened.push_back("up " + std::to_string(button)); };
     QTest::keyClick(Find("cmdSpeak"), Qt::Key_Space);
     QTest::keyClick(Find("cmdSpeak"), Qt::Key_Return);
-    // A press by Enter shows for a moment before it counts.
+    // A press by Enter is shown for a moment before it takes effect.
     EXPECT_TRUE(QTest::qWaitFor([this] { return happened.size() == 2; }));
     QTest::keyClick(Find("cmdSpeak"), Qt::Key_F10, Qt::ShiftModifier);
     EXPECT_EQ(happened, (Happened{"click", "click", "up 2"}));
@@ -110,7 +110,7 @@ TEST_F(QtTest, WhatTheProgramSetsIsShownAndRaisesItsEventOnce)
     EXPECT_EQ(Find<QComboBox>("comEngine")->currentText(), "Two");
 }
 
-// A paragraph as long as a book would have to be laid out as a whole before a line of it could be shown.
+// Left whole, a paragraph as long as a book would be laid out completely before a line of it could be shown.
 TEST_F(QtTest, AParagraphAsLongAsABookIsShownWholeAtOnce)
 {
     std::string text;

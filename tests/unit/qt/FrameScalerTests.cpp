@@ -24,14 +24,14 @@ agent::Picture PictureOf(std::int32_t number, int side)
             std::make_shared<const Bitmap>(Bitmap{side, side, std::vector<std::uint32_t>(count, 0xFF0000FFu)})};
 }
 
-constexpr QSize Large(2000, 1000); // above what is scaled at once
+constexpr QSize Large(2000, 1000); // too large to be scaled at once
 
 class FrameScalerTest : public testing::Test
 {
 protected:
     FrameScalerTest() { App(); }
 
-    /// Lets the scaling of a large picture go on, and waits until it is told of.
+    /// Lets the scaling of a large picture go on, and waits until it is reported.
     void Finish()
     {
         go.release();
@@ -45,7 +45,7 @@ protected:
 
     std::atomic<int> scalings = 0;
     std::counting_semaphore<> go{0};
-    Qt::HANDLE thread = nullptr; ///< of the last scaling
+    Qt::HANDLE thread = nullptr; ///< the thread of the last scaling
     int readied = 0;
     std::function<void()> whenReady;
     FrameScaler scaler{[this] {
@@ -75,7 +75,7 @@ TEST_F(FrameScalerTest, ASmallPictureIsScaledAtOnceAndOnceWhileItIsRemembered)
     }
     EXPECT_EQ(scalings, 2);
     EXPECT_EQ(thread, QThread::currentThreadId());
-    // Another size, and another kind of screen, are other pictures.
+    // Another size and another kind of screen count as other pictures.
     EXPECT_EQ(scaler.Get(one, {30, 30}, false)->image.size(), QSize(30, 30));
     scaler.Get(one, {40, 40}, true);
     EXPECT_EQ(scalings, 4);
@@ -110,7 +110,7 @@ TEST_F(FrameScalerTest, ALargePictureIsScaledOnAnotherThreadOneAtATime)
     const auto one = PictureOf(1, 20);
     EXPECT_FALSE(scaler.Get(one, Large, false));
     EXPECT_TRUE(scaler.Busy());
-    // A hundred more are asked for meanwhile: nothing is done for them.
+    // A hundred more are requested meanwhile; none of them is scaled.
     for (std::int32_t number = 2; number < 102; ++number)
         EXPECT_FALSE(scaler.Get(PictureOf(number, 20), Large, false));
     EXPECT_EQ(scalings, 0);

@@ -192,7 +192,7 @@ TEST_F(ListTest, AHeadersClickIsToldAndTheSortedListShowsItsOrder)
     EXPECT_EQ(Shown(), (QStringList{"C", "b", "a"}));
     EXPECT_EQ(View()->header()->sortIndicatorOrder(), Qt::DescendingOrder);
     EXPECT_EQ(columns, (std::vector<int>{2, 2}));
-    // The same item is selected, wherever it stands now, and a click tells an item, not a row.
+    // The same item stays selected at its new position, and a click reports an item, not a row.
     EXPECT_EQ(View()->currentIndex().row(), 1);
     Watch();
     Press(0);

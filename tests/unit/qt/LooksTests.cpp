@@ -1,4 +1,4 @@
-// What is drawn can be seen and read in light and dark themes, and no window cuts what it holds.
+// Drawings are visible and readable in light and dark themes, and no window cuts off its content.
 #include "forms/frmAbout.h"
 #include "forms/frmMain.h"
 #include "forms/frmOptions.h"
@@ -43,7 +43,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// What a desktop gives the toolkit, before the style has looked at it.
+/// The colours a desktop gives the toolkit, before the style changes them.
 struct Theme {
     const char* name;
     QColor window, button, base, text, disabled, selection, selected;
@@ -74,7 +74,7 @@ protected:
     QtApplication& app = App();
     const QPalette palette = PaletteOf(GetParam());
 
-    /// The widget, without the keyboard, in the middle of a window, as pixels of `ratio` to a unit.
+    /// The widget, without focus, in the middle of a window, drawn at `ratio` pixels to a unit.
     QImage Picture(QWidget& widget, qreal ratio) const
     {
         widget.setAttribute(Qt::WA_DontShowOnScreen);
@@ -90,7 +90,8 @@ protected:
         widget.hide();
         return image;
     }
-    /// Contrast of what stands out most from the window on the way into the middle of the widget's left edge.
+    /// The strongest contrast with the window on the way from outside to inside the widget's left edge, at half its
+    /// height.
     static qreal EdgeContrast(const QImage& image)
     {
         const int ratio = qRound(image.devicePixelRatio());
@@ -110,7 +111,7 @@ std::string NameOf(const ::testing::TestParamInfo<Theme>& info)
 
 INSTANTIATE_TEST_SUITE_P(Of, LooksTest, ::testing::ValuesIn(Themes), NameOf);
 
-/// The parts of a window that are smaller than what they hold, or not all within their surroundings.
+/// Names the parts of a window that are smaller than their content or not all within their parent.
 std::string Cut(const QWidget& window)
 {
     std::string cut;
@@ -125,7 +126,7 @@ std::string Cut(const QWidget& window)
         QSize needed = widget->minimumSizeHint();
         if (label && label->wordWrap())
             needed = {0, label->heightForWidth(label->width())};
-        else if (button && button->objectName().isEmpty()) // a calendar's, which has no edge
+        else if (button && button->objectName().isEmpty()) // a calendar's button, which has no edge
             needed = button->fontMetrics().size(0, button->text());
         if (widget->width() < needed.width() || widget->height() < needed.height() ||
             !widget->parentWidget()->rect().contains(widget->geometry()))
@@ -194,7 +195,7 @@ TEST_P(LooksTest, WhatIsFilledInOrPressedHasAnOutlineThatCanBeSeen)
     QComboBox choice;
     QPushButton button;
     button.setAutoDefault(false);
-    // As the program's own are, whose open lists scroll.
+    // The program's own drop-down lists are set so: their open lists scroll.
     choice.setStyleSheet(QStringLiteral("combobox-popup: 0"));
     for (QWidget* widget :
          std::initializer_list<QWidget*>{&check, &option, &line, &text, &list, &number, &choice, &button}) {
@@ -294,7 +295,7 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
 
 using Lines = std::vector<std::string>;
 
-/// The colour that most of a widget has, and its font, of all that is to be seen in a window.
+/// The most frequent colour and the font of every visible widget of a window.
 Lines LooksOf(QWidget& window)
 {
     QCoreApplication::processEvents();
@@ -316,7 +317,7 @@ Lines LooksOf(QWidget& window)
     return looks;
 }
 
-/// Shows each kind of window there is and hands it to `look`.
+/// Shows each of the program's windows and passes it to `look`.
 void ShowEach(Platform& platform, const std::function<void(const char* name)>& look)
 {
     const auto show = [&](auto& form) {
@@ -340,7 +341,7 @@ void ShowEach(Platform& platform, const std::function<void(const char* name)>& l
     show(splash);
 }
 
-// A window that was open while the desktop's theme and font changed has the looks of one that is opened afterwards.
+// A window that is open while the desktop's theme and font change looks afterwards like one opened later.
 TEST(WindowsTest, EveryOpenWindowFollowsAChangeOfColoursAndFont)
 {
     QtApplication& app = App();
@@ -362,7 +363,7 @@ TEST(WindowsTest, EveryOpenWindowFollowsAChangeOfColoursAndFont)
     fake.StoreDefaults();
     LoadSettings();
     std::map<std::string, Lines> fresh;
-    std::map<std::string, std::string> cut; ///< fields for few characters count as cut with this font
+    std::map<std::string, std::string> cut; ///< with this font, fields for few characters count as cut
     change(true);
     ShowEach(platform, [&](const char* name) {
         fresh[name] = LooksOf(*WindowOf(name));
@@ -398,7 +399,7 @@ TEST(WindowsTest, TheTipBeginsOnTheButtonThatEnterPressesAndEnterClosesIt)
     EXPECT_TRUE(QTest::qWaitFor([&] { return !form.IsShown(); }));
 }
 
-// At a large font the main window is wider than the numbers of an icon's mouse messages.
+// With a large font the main window is wider than the numbers of an icon's mouse messages.
 TEST(WindowsTest, ThePointerOverTheMainWindowPopsUpNothingAndShowsNothing)
 {
     QtApplication& app = App();

@@ -26,7 +26,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// A home with a documents folder, for as long as it lives.
+/// A temporary home folder with a documents folder in it.
 class Home
 {
 public:
@@ -70,8 +70,7 @@ void InDialog(const std::function<void(QFileDialog&)>& act)
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
         const QPointer<QFileDialog> shown = dialog;
-        // A field of a window that is not active yet has no keyboard, and what is typed counts less than what is
-        // selected.
+        // In a window that is not active yet a field has no focus, and its text counts less than the selection.
         EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
         act(*dialog);
         if (shown && shown->isVisible()) {
@@ -104,7 +103,7 @@ class OpenDialogTest : public QtTest
 {
 protected:
     CommonDialog Settings() const { return {"Text Files (*.txt)|*.txt", "Open Text File to Read...", true, {}}; }
-    /// What the user makes of the dialog: the file name, or the error as "32755 Cancel was selected.".
+    /// The user's answer to the dialog: the file name, or the error as "32755 Cancel was selected.".
     std::string Opened(CommonDialog settings)
     {
         try {
@@ -114,7 +113,7 @@ protected:
             return std::to_string(error.Number) + " " + error.Description;
         }
     }
-    /// The folder in which the next dialog begins; it is cancelled.
+    /// The folder in which the next dialog begins. The dialog is cancelled.
     std::string FolderOfTheNext()
     {
         std::string folder;
@@ -206,9 +205,9 @@ TEST_F(OpenDialogTest, ATypedPathOfAFileInTheFolderShownIsTakenByEnterAndByTheBu
         for (const bool enter : {true, false}) {
             InDialog([&](QFileDialog& dialog) {
                 dialog.setDirectory(QString::fromStdString(home.Path("Documents")));
-                // What the toolkit looks names up in.
+                // The toolkit looks names up in this list.
                 ASSERT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog).contains("notes.txt"); }));
-                // By keys, as each of them has the toolkit look for what is meant.
+                // Typed by keys, because each of them makes the toolkit look up what is meant.
                 QTest::keyClicks(&NameField(dialog), QString::fromStdString(home.Path(name)));
                 QPushButton* open = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
                 EXPECT_TRUE(open->isEnabled()) << name;
@@ -223,7 +222,7 @@ TEST_F(OpenDialogTest, ATypedPathOfAFileInTheFolderShownIsTakenByEnterAndByTheBu
     }
 }
 
-// The keyboard leaves the field for a moment now and then, as when the list of names opens below it.
+// The field loses the focus for a moment now and then, for example when the list of completions opens below it.
 TEST_F(OpenDialogTest, ATypedPathIsTakenWhereverTheKeyboardWasWhileItWasTyped)
 {
     for (const char* name : {"Documents/notes.txt", "Documents/other.txt"})
@@ -238,7 +237,7 @@ TEST_F(OpenDialogTest, ATypedPathIsTakenWhereverTheKeyboardWasWhileItWasTyped)
             NameField(dialog).selectAll();
             const QString path = QString::fromStdString(home.Path("Documents/notes.txt"));
             for (qsizetype i = 0; i < path.size(); ++i) {
-                // At the ends of folders' names, at all but them, always, never.
+                // Without focus: at the ends of folder names, everywhere but there, always, never.
                 const bool end = i + 1 == path.size() || path[i + 1] == u'/';
                 const bool away = without == 0 ? end : without == 1 ? !end : without == 2;
                 away ? files->setFocus() : NameField(dialog).setFocus();

@@ -1,4 +1,5 @@
-// Windows that come by themselves: where they go, and that they leave the keyboard where it is. And the boxes that ask.
+// Windows that appear without the user having asked: where they are placed, and that they take no focus. And the
+// message boxes that ask.
 #include "platform/WindowSystem.h"
 #include "qt/dialogs/Placement.h"
 #include "tests/unit/qt/QtFixture.h"

@@ -15,7 +15,7 @@
 namespace voxmate::qt
 {
 
-/// The application object; made when first asked for.
+/// The application object, made on first use.
 QtApplication& App();
 
 class TestForm : public Form
@@ -59,14 +59,14 @@ class QtTest : public testing::Test
 protected:
     QtTest() { form.Show(); }
 
-    /// The window of the form, and the widget of that object name in it.
+    /// The form's window, and the widget of that object name in it.
     QWidget* Window() const;
     template <class W = QWidget>
     W* Find(const char* name) const
     {
         return Window()->findChild<W*>(QString::fromLatin1(name));
     }
-    /// Notes what happens, in order.
+    /// Returns a handler that records `what`.
     std::function<void()> Note(const std::string& what)
     {
         return [this, what] { happened.push_back(what); };

@@ -33,7 +33,7 @@ double Covered(const QImage& image)
     return sum;
 }
 
-/// The furthest that the half-opaque border of a drawn disc lies from a circle, in pixels, along every row.
+/// The greatest distance, in pixels, between the half-opaque border of a drawn disc and a circle, along the rows.
 double Waviness(const QImage& image, double centre, double radius)
 {
     double worst = 0;
@@ -79,7 +79,7 @@ TEST(Scaling, AnEnlargedDiscHasASmoothOutlineInItsOwnColourAndPlace)
     const Bitmap disc = Filled(64, 64, [](double x, double y) { return std::hypot(x - 32, y - 32) < 25; });
     for (const int factor : {2, 3}) {
         const QImage image = Scaled(disc, QSize(64, 64) * factor);
-        // Steps of whole pixels would stand a pixel of the bitmap apart.
+        // With steps of whole pixels the border would deviate by a pixel of the bitmap.
         EXPECT_LT(Waviness(image, 32.0 * factor, 25.0 * factor), 0.3 * factor) << factor;
         EXPECT_NEAR(std::sqrt(Covered(image) / M_PI), 25.0 * factor, 0.25 * factor) << factor;
         for (int y = 0; y < image.height(); ++y)
@@ -110,12 +110,12 @@ TEST(Scaling, WidthAndHeightAreScaledByThemselves)
     EXPECT_NEAR(Covered(image), 10 * 10, 15);
 }
 
-// It is worked on in bands of rows, which must not be seen: the same figure further down is the same.
+// Bitmaps are processed in bands of rows whose seams must not show: the same figure further down comes out the same.
 TEST(Scaling, ATallBitmapHasNoSeams)
 {
     constexpr int height = 300;
     std::uint32_t chance = 7;
-    constexpr int blank = 6; // rows above it, so that its upper edge is no end of the bitmap
+    constexpr int blank = 6; // blank rows above the figure, so that its upper edge is not the bitmap's
     Bitmap figure{12, height, std::vector<std::uint32_t>(std::size_t{12} * blank)};
     for (int i = 0; i < 12 * (height - blank); ++i) {
         chance = chance * 1664525u + 1013904223u; // the constants of Numerical Recipes

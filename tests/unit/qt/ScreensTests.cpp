@@ -1,4 +1,4 @@
-// The sums behind work areas and full-screen windows.
+// The computations behind work areas and full-screen windows.
 #include "qt/alerts/PlacedWindow.h"
 #include "qt/system/Screens.h"
 
@@ -68,7 +68,7 @@ TEST(Screens, OfAFractionOfAPixelNothingIsFree)
     EXPECT_EQ(WholePixels({0, 0, 1600, 1100}, {0, 0}, 2), QRect(0, 0, 800, 550));
     EXPECT_EQ(WholePixels({0, 0, 1600, 1100}, {0, 0}, 1.5), QRect(0, 0, 1066, 733));
     EXPECT_EQ(WholePixels({0, 25, 1600, 1035}, {0, 0}, 1.5), QRect(0, 17, 1066, 689));
-    // A screen's first pixel is told as it is.
+    // A screen's first pixel is the same in both kinds of pixels.
     EXPECT_EQ(WholePixels({1600, 31, 1280, 993}, {1600, 0}, 1.25), QRect(1600, 25, 1024, 794));
 }
 
@@ -98,7 +98,7 @@ TEST(Screens, AFullScreenWindowFillsTheScreenItStandsOn)
     EXPECT_FALSE(IsFilled(Left, {work}));
     EXPECT_TRUE(IsFilled(Left, {work, film}));
     EXPECT_FALSE(IsFilled(Right, {work, film}));
-    // It has said so and not yet become as large.
+    // It has declared itself full-screen but is not yet that large.
     EXPECT_TRUE(IsFilled(Left, {{.rect = {300, 200, 400, 300}, .fullScreen = true}}));
     // Over all screens.
     const ListedWindow wide{.rect = {0, 0, 2880, 1200}, .fullScreen = true};

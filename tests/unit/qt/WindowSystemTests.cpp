@@ -1,4 +1,4 @@
-// Message boxes, errors nobody caught, and what the stage measures and times.
+// Message boxes, uncaught errors, and the stage's measures and timers.
 #include "tests/unit/qt/QtFixture.h"
 
 #include "qt/character/QtBalloonWindow.h"
@@ -26,7 +26,7 @@ namespace voxmate::qt
 namespace
 {
 
-/// Presses a key in the next message box and tells what the box said.
+/// Presses a key in the next message box and records the box's title and text.
 void AnswerBox(Qt::Key key, std::string& title, std::string& text)
 {
     QTimer::singleShot(30, &App(), [key, &title, &text] {
@@ -50,7 +50,7 @@ void LookAtBox(const std::function<void(QMessageBox&)>& look)
     });
 }
 
-/// Runs `look` on the message box that comes up next, whenever that is, then ends it with Escape.
+/// Runs `look` on the message box that comes up next, however late, then ends it with Escape.
 void LookAtNextBox(const std::function<void(QMessageBox&)>& look)
 {
     auto* timer = new QTimer(&App());
@@ -74,7 +74,7 @@ std::string Numbered(int lines)
     return text;
 }
 
-/// The character's window on the screen.
+/// The character's visible window; nullptr if there is none.
 QWidget* CharacterWidget()
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -84,7 +84,7 @@ QWidget* CharacterWidget()
     return nullptr;
 }
 
-/// A sound output that takes all samples at once and is heard when told so.
+/// A sound output that takes all samples at once and plays them to the end when told to.
 class FakeAudio : public speech::AudioOutput
 {
 public:
@@ -202,7 +202,8 @@ TEST_F(QtTest, ABoxTallerThanTheScreenStaysOnItAndItsTextScrolls)
         EXPECT_FALSE(scroll->horizontalScrollBar()->isVisible());
         EXPECT_EQ(labels[0]->width(), scroll->viewport()->width());
 
-        // From the button that has the keyboard, by page and end; by line in the text itself; by the wheel.
+        // The text scrolls by page and to its end while a button has the focus, by line in the text itself, and by the
+        // wheel.
         const QScrollBar& bar = *scroll->verticalScrollBar();
         ASSERT_TRUE(bar.isVisible());
         EXPECT_TRUE(box.defaultButton()->hasFocus());
@@ -408,13 +409,13 @@ TEST_F(StageTest, TheEndOfOneSoundDoesNotCutTheNextAndStopSoundDoes)
     EXPECT_EQ(audio.open, 0);
 }
 
-// A character's picture would stand still until the sound server has answered.
+// If the sound were awaited, the character's picture would freeze until the sound server answers.
 TEST_F(StageTest, ASoundIsLeftOutWhileTheOutputIsNotReady)
 {
     audio.ready = false;
     stage.PlaySound(Wave({1}));
     EXPECT_EQ(audio.open, 0);
-    EXPECT_EQ(audio.rate, 0); // nothing was asked of it
+    EXPECT_EQ(audio.rate, 0); // it was not asked for anything
     audio.ready = true;
     stage.PlaySound(Wave({1}));
     EXPECT_EQ(audio.open, 1);
@@ -495,7 +496,7 @@ TEST_F(StageTest, AnOlderPlaceReportedWhileTheCharacterIsBeingMovedIsNotTakenFor
     QTest::qWait(300);
     EXPECT_EQ(told, std::vector<Point>{});
 
-    // One that is still so when things have come to rest is real.
+    // A position that is still different when things have settled is a real move.
     character->MoveTo({90, 90});
     window->setPosition(70, 80);
     EXPECT_EQ(told, std::vector<Point>{});
@@ -555,7 +556,7 @@ TEST_F(QtTest, EveryIconIsThereAndDrawsItsLinesInTheInk)
         EXPECT_EQ(icons.Pixmap(QString::fromLatin1(name), 24, 2.0, Qt::white).size(), QSize(48, 48)) << name;
     EXPECT_TRUE(icons.Pixmap(QStringLiteral("no such icon"), 24, 1.0, Qt::white).isNull());
     const QImage dark = icons.Pixmap(QStringLiteral("stop"), 24, 1.0, QColor(10, 20, 30)).toImage();
-    // On the ring round it.
+    // A pixel of the drawn ring.
     EXPECT_EQ(dark.pixelColor(12, 2), QColor(10, 20, 30));
 }
 
