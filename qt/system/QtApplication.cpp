@@ -4,6 +4,7 @@
 #include "qt/dialogs/MessageBox.h"
 #include "qt/widgets/ReadableStyle.h"
 
+#include <QPixmapCache>
 #include <QThread>
 
 #include <cstdlib>
@@ -14,6 +15,8 @@ namespace voxmate::qt
 
 namespace
 {
+
+constexpr int PixmapCacheKilobytes = 1024;
 
 constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
 /// X11 first, Wayland if the X server does not answer.
@@ -40,6 +43,9 @@ QtApplication::QtApplication(int& argc, char** argv)
     // The program goes on while it is hidden in the tray; it ends only by its own exit.
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();
+    // Each open dialog leaves the pictures of its icons in this cache, under keys that nobody asks for again. The
+    // toolkit would let them grow to 10 MB.
+    QPixmapCache::setCacheLimit(PixmapCacheKilobytes);
     connect(this, &QGuiApplication::commitDataRequest, this, [this] {
         if (SaveRequested)
             SaveRequested();

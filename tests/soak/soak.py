@@ -162,6 +162,8 @@ class Soak(TourCase):
         desktop.wait_for(lambda: any(c.role == "filler" and c.name == name for c in self.walk(OPTIONS)), what=f"the page {name}")
 
     def hide_and_show(self):
+        # A text that is about to be said would show the character again at once.
+        self.press("Stop Everything !!!")
         items = self.open_character_menu()
         self.desk.click_at(*items[-1])
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
