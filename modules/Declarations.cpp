@@ -45,8 +45,7 @@ std::string separator;
 
 std::string VersionText()
 {
-    return std::to_string(VersionMajor) + "." + std::to_string(VersionMinor) + " - Build " +
-           std::to_string(VersionBuild);
+    return VOXMATE_VERSION_TEXT;
 }
 
 Platform& Host()

@@ -1,4 +1,4 @@
-// The program's shared state, and its version numbers.
+// The program's shared state, and its version.
 #pragma once
 
 #include "base/Checked.h"
@@ -15,10 +15,7 @@
 namespace voxmate
 {
 
-inline constexpr int VersionMajor = 1;
-inline constexpr int VersionMinor = 1;
-inline constexpr int VersionBuild = 5;
-/// "1.1 - Build 5", as the splash form and the error report show it.
+/// The version of the project in CMakeLists.txt as the program's windows and the error report show it: "1.1 - Build 5".
 std::string VersionText();
 
 inline constexpr const char* SupportName = "Voxmate Support";

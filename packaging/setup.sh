@@ -15,8 +15,10 @@ desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
 )
-# Only the tests need other window managers and another program's clipboard.
-test_packages=(libgtest-dev libgmock-dev xclip xfwm4 marco mate-settings-daemon-common)
+# Only the tests need other window managers and another program's clipboard, and look at how the code is written.
+test_packages=(
+  libgtest-dev libgmock-dev clang-format clang-tidy xclip xfwm4 marco mate-settings-daemon-common
+)
 
 say() { printf '== %s\n' "$*"; }
 

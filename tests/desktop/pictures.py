@@ -1,13 +1,16 @@
-"""Takes pictures of every window of the running program, at scale 1 and 2, and of some of them also in a dark theme:
-splash, main window, character with its balloon, the balloon's styles, options, tip, about box, reminder editor,
-announcements in every style, and each message box. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
-only those.
+"""Takes the pictures of every window: splash, main window, character with its balloon, the balloon's styles, options, tip,
+about box, reminder editor and announcements in every style, and each message box, at scale 1 and 2, from the running
+program, and some of them once more in a dark theme. With names (main, balloons, dialogs, reminders, alerts, boxes, dark)
+only those. The program is that of build/release; the pictures are left in build/pictures. With --pages those that a page
+of the project shows are put into docs/pictures as well.
 
-Usage: pictures.py BUILD_FOLDER OUTPUT_FOLDER [NAME...]     (as root: the program is photographed where a user has it)
+Usage: pictures.py [--pages] [NAME...]     (as root: the program is photographed where a user has it)
 """
 
 import datetime
+import glob
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -22,6 +25,9 @@ from test_reminders import record
 QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 MARGIN = 12  # pixels of desktop around a window
 SCREENS = {1: (1280, 800), 2: (2560, 1600)}  # by scale
+ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", ".."))
+BUILD = os.environ.get("VOXMATE_BUILD", os.path.join(ROOT, "build", "release"))
+OUT = os.path.join(ROOT, "build", "pictures")
 PLACE = "/opt/voxmate"
 HOME = "/home/buddy"
 
@@ -312,29 +318,55 @@ class Photographer:
             shutil.rmtree(folder)
 
 
+def shown_by_pages():
+    """The file names of the pictures in docs/pictures that a page shows."""
+    shown = set()
+    for page in glob.glob(os.path.join(ROOT, "*.md")) + glob.glob(os.path.join(ROOT, "docs", "**", "*.*"), recursive=True):
+        if page.endswith((".md", ".html")):
+            with open(page, encoding="utf-8") as file:
+                shown.update(re.findall(r"pictures/([\w@-]+\.png)", file.read()))
+    return shown
+
+
+def refresh_pages(since):
+    """Puts what has been photographed since then, and is shown by a page, where the page looks for it."""
+    for name in sorted(shown_by_pages()):
+        picture = os.path.join(OUT, name)
+        if os.path.exists(picture) and os.path.getmtime(picture) >= since:
+            print(shutil.copy(picture, os.path.join(ROOT, "docs", "pictures")), flush=True)
+
+
 def main():
-    build, out, *names = sys.argv[1:]
-    os.makedirs(out, exist_ok=True)
+    names = sys.argv[1:]
+    pages = "--pages" in names
+    if pages:
+        names.remove("--pages")
+    if any(name.startswith("-") for name in names):
+        sys.exit(__doc__)
+    os.makedirs(OUT, exist_ok=True)
+    begin = time.time()
     for folder in (PLACE, HOME):
         if os.path.exists(folder):
             sys.exit(f"{folder} is in use")
     os.makedirs(PLACE)
-    shutil.copy(os.path.join(build, "voxmate"), PLACE)
-    shutil.copytree(os.path.join(build, "share"), os.path.join(PLACE, "share"))
+    shutil.copy(os.path.join(BUILD, "voxmate"), PLACE)
+    shutil.copytree(os.path.join(BUILD, "share"), os.path.join(PLACE, "share"))
     try:
         # A process can use the accessibility library for one desktop only.
         for scale in SCREENS:
-            subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), out, *names], check=True)
+            subprocess.run([sys.executable, "-W", "ignore", __file__, "--scale", str(scale), *names], check=True)
     finally:
         shutil.rmtree(PLACE)
+    if pages:
+        refresh_pages(begin)
 
 
-def photograph(scale, out, names):
+def photograph(scale, names):
     desk = desktop.Desk(PLACE, compositor=True, screen=SCREENS[scale], home=HOME)
     try:
         if shutil.which("hsetroot"):
             desk.run("hsetroot", "-add", "#7fb7c9", "-add", "#2f5d7c", "-gradient", "0")
-        photographer = Photographer(desk, out, scale)
+        photographer = Photographer(desk, OUT, scale)
         parts = {"main": photographer.main_windows, "balloons": photographer.balloons, "dialogs": photographer.dialogs,
                  "reminders": photographer.reminders, "alerts": photographer.alerts, "boxes": photographer.boxes, "dark": photographer.dark}
         for name in names or parts:
@@ -344,7 +376,7 @@ def photograph(scale, out, names):
 
 
 if __name__ == "__main__":
-    if sys.argv[1] == "--scale":
-        photograph(int(sys.argv[2]), sys.argv[3], sys.argv[4:])
+    if sys.argv[1:2] == ["--scale"]:
+        photograph(int(sys.argv[2]), sys.argv[3:])
     else:
         main()

@@ -59,7 +59,7 @@ TEST_F(TipsTest, AllTipsAreEquallyLikely)
     EXPECT_EQ(drawn[0], 0);
     // 2000 each are to be expected; five standard deviations are 200.
     for (std::size_t tip = 1; tip < drawn.size(); ++tip)
-        EXPECT_NEAR(drawn.at(tip), draws / 5, 200) << tip;
+        EXPECT_NEAR(drawn.at(tip), draws / 5.0, 200) << tip;
 }
 
 TEST_F(TipsTest, TheClockDecidesTheChoice)
