@@ -272,10 +272,9 @@ std::int16_t frmReminder::PlaceOfShown() const
 
 Reminder frmReminder::Fields() const
 {
-    const std::string time = Trim(txtTime.Text.get());
-    const auto number = [&time](std::size_t at) { return ToInt16(WholeNumber(Mid(time, at, 2)).value_or(0)); };
-    return {txtTitle.Text, ToInt16(mvDate.Day()), ToInt16(mvDate.Month()), ToInt16(mvDate.Year()), number(1),
-            number(4),     txtDesc.Text,          chkDone.Value != 0};
+    const TimeOfDay time = ParseTime(txtTime.Text.get()).value_or(TimeOfDay{});
+    return {txtTitle.Text, ToInt16(mvDate.Day()), ToInt16(mvDate.Month()), ToInt16(mvDate.Year()), time.Hour,
+            time.Minute,   txtDesc.Text,          chkDone.Value != 0};
 }
 
 bool frmReminder::ValidateReminderInput(bool adding)
