@@ -2,7 +2,7 @@
 #include "agent/Server.h"
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
-#include "modules/Declarations.h"
+#include "modules/Program.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -48,14 +48,15 @@ int Run(qt::QtApplication& application)
     process.BeforeEnd = [&settings](std::chrono::milliseconds patience) { settings->Flush(patience); };
     application.EndProgram = [&process] { process.EndProgram(); };
 
+    const Program* running = nullptr;
     std::vector<std::unique_ptr<speech::Engine>> engines;
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
     engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
     // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
     // Portuguese.
-    speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), EngineLimit,
-                                [] { return Settings.LastSpeechEngine; });
+    speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), Voice::EngineLimit,
+                                [&running] { return running ? running->Settings.LastSpeechEngine : std::string(); });
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();
@@ -67,9 +68,10 @@ int Run(qt::QtApplication& application)
 
     linux_platform::LibreOfficeWord word;
     Platform platform{*settings, server, voices, windows, files, process, clock, word};
-    frmMain mainForm(platform);
-    frmSplash splash(platform);
-    BeginProgram(platform, mainForm);
+    Program program(platform);
+    running = &program;
+    frmMain mainForm(program);
+    frmSplash splash(program);
     sound.Look();
 
     const auto end = [&process] { process.EndRequested(); };

@@ -5,8 +5,6 @@
 // Usage: editor [COUNT]   COUNT runs of each kind
 #include "bench/Statistics.h"
 #include "forms/frmReminder.h"
-#include "modules/Declarations.h"
-#include "modules/Reminders.h"
 #include "qt/system/QtApplication.h"
 #include "qt/system/QtWindowSystem.h"
 #include "tests/fakes/FakePlatform.h"
@@ -35,7 +33,7 @@ public:
 };
 
 /// Makes reminders with titles of several lengths in no order, at dates and times spread over the year.
-void MakeReminders()
+void MakeReminders(Reminders& reminders)
 {
     const char* const titles[] = {"Call the bank",         "dentist", "Water the plants", "Äpfel",
                                   "Zoo with the children", "back-up"};
@@ -54,8 +52,8 @@ void MakeReminders()
         one.Minute = next(60);
         one.Description = "Something to be done";
         one.Done = next(2) == 0;
-        AppendReminder(one);
-        ++RemCount;
+        reminders.AppendReminder(one);
+        ++reminders.List.RemCount;
     }
 }
 
@@ -78,15 +76,17 @@ int main(int argc, char** argv)
     qt::QtWindowSystem windows(VOXMATE_SHARE_DIR);
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
     EditorsMain main(fake.log);
-    frmReminder form(platform);
+    Program program(platform);
+    frmReminder form(program);
     main.form = &form;
-    BeginProgram(platform, main);
-    ReminderFilePath = "C:\\Voxmate\\VoxmateReminders.txt";
-    ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
-    MakeReminders();
+    program.Main = &main;
+    Reminders& reminders = program.Reminders;
+    reminders.File.ReminderFilePath = "C:\\Voxmate\\VoxmateReminders.txt";
+    reminders.File.ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
+    MakeReminders(reminders);
     main.CheckReminderMenus(true, false);
-    LoadReminders(false, 0);
-    if (RemCount != MostReminders) {
+    reminders.LoadReminders(false, 0);
+    if (reminders.List.RemCount != MostReminders) {
         std::fprintf(stderr, "the reminders could not be made\n");
         return 1;
     }
@@ -99,7 +99,7 @@ int main(int argc, char** argv)
         form.Unload();
         Draw();
         const double begin = NowMs();
-        ShowAllReminders();
+        reminders.ShowAllReminders();
         const double filled = NowMs();
         Draw();
         const double end = NowMs();

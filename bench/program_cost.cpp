@@ -6,8 +6,7 @@
 #include "agent/Server.h"
 #include "bench/Statistics.h"
 #include "forms/frmMain.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
+#include "modules/Program.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -79,7 +78,7 @@ private:
 };
 
 // The program assembled as in main().
-struct Program {
+struct WholeProgram {
     std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
     linux_platform::LinuxFileSystem files;
     linux_platform::LinuxProcess process;
@@ -93,11 +92,11 @@ struct Program {
     agent::Server server{stage, voice};
     linux_platform::LibreOfficeWord word;
     Platform platform{*settings, server, voices, windows, files, process, clock, word};
-    frmMain form{platform};
+    Program parts{platform};
+    frmMain form{parts};
 
-    Program()
+    WholeProgram()
     {
-        BeginProgram(platform, form);
         form.Show();
         windows.DoEvents();
     }
@@ -126,16 +125,16 @@ struct Program {
 
 void MeasureStartUp()
 {
-    Program program;
+    WholeProgram program;
     const double begin = NowMs();
-    RunStartUp();
+    program.parts.RunStartUp();
     std::printf("%.3f\n", NowMs() - begin);
 }
 
 void MeasurePitch()
 {
-    Program program;
-    RunStartUp();
+    WholeProgram program;
+    program.parts.RunStartUp();
     std::vector<double> times;
     for (int i = 0; i < 1000; ++i) {
         const int value = 41 + i % 350;
@@ -161,18 +160,18 @@ void MeasureSpeech()
     constexpr int rounds = 21;
     std::vector<double> program_;
     {
-        Program program;
-        RunStartUp();
+        WholeProgram program;
+        program.parts.RunStartUp();
         program.RunUntil([&] { return program.form.stsBar.Panels()[0].text == StatusIdle; }, 3000);
         program.RunEvents(3000);
         for (int i = 0; i < rounds; ++i) {
             program.watched.firstSample = 0;
             const double begin = NowMs();
-            SpeakText(text, "");
+            program.parts.Voice.SpeakText(text, "");
             program.RunUntil([&] { return program.watched.firstSample != 0; }, 5000);
             program_.push_back(program.watched.firstSample - begin);
             program.RunEvents(150);
-            Character->StopAll("");
+            program.parts.Character->StopAll("");
             program.RunEvents(400);
         }
     }

@@ -4,9 +4,7 @@
 // other programs.
 //
 // Usage: reminders [COUNT]   COUNT runs of each kind; the file is made in the folder for temporary files
-#include "modules/Reminders.h"
 #include "bench/Statistics.h"
-#include "modules/ReminderRecord.h"
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "tests/fakes/FakePlatform.h"
 
@@ -17,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -109,11 +108,19 @@ int main(int argc, char** argv)
     fakes::FakeMainWindow window(fake.log);
     linux_platform::LinuxFileSystem files;
     Platform platform{fake.store, fake.agent, fake.speech, fake.windows, files, fake.process, fake.clock, fake.word};
-    BeginProgram(platform, window);
-    ReminderFilePath = folder + "/VoxmateReminders.txt";
-    ReminderTempPath = folder + "/VoxmateReminders.tmp";
+    const auto start = [&] {
+        auto program = std::make_unique<Program>(platform);
+        program->Main = &window;
+        program->Reminders.File.ReminderFilePath = folder + "/VoxmateReminders.txt";
+        program->Reminders.File.ReminderTempPath = folder + "/VoxmateReminders.tmp";
+        return program;
+    };
+    const std::unique_ptr<Program> program = start();
+    Reminders& reminders = program->Reminders;
+    const std::string& path = reminders.File.ReminderFilePath;
+    const std::string& beside = reminders.File.ReminderTempPath;
     const std::string bytes = Slots();
-    std::ofstream(ReminderFilePath, std::ios::binary) << bytes;
+    std::ofstream(path, std::ios::binary) << bytes;
 
     std::vector<double> first;
     std::vector<double> load;
@@ -124,14 +131,14 @@ int main(int argc, char** argv)
     // The measurements alternate, so that whatever else the machine does affects all alike. The first round warms up
     // and is not counted.
     for (int i = -1; i < count; ++i) {
-        const double loaded = Time(ProcessorMs, [] { LoadReminders(false, 0); });
-        if (RemCount != most)
+        const double loaded = Time(ProcessorMs, [&] { reminders.LoadReminders(false, 0); });
+        if (reminders.List.RemCount != most)
             Fail("the file could not be loaded");
-        const double read = Time(ProcessorMs, [&] { ReadPlainly(ReminderFilePath, bytes.size()); });
-        const double written = Time(NowMs, [] { SaveReminders(0); });
-        const double plain = Time(NowMs, [&] { WritePlainly(ReminderFilePath, ReminderTempPath, bytes); });
+        const double read = Time(ProcessorMs, [&] { ReadPlainly(path, bytes.size()); });
+        const double written = Time(NowMs, [&] { reminders.SaveReminders(0); });
+        const double plain = Time(NowMs, [&] { WritePlainly(path, beside, bytes); });
         fake.log.clear();
-        const double scanned = Time(ProcessorMs, [] { RemTimer_Timer(); });
+        const double scanned = Time(ProcessorMs, [&] { program->Scheduler.RemTimer_Timer(); });
         if (!fake.log.empty())
             Fail("something was due");
         if (i < 0)
@@ -144,8 +151,8 @@ int main(int argc, char** argv)
     }
     // As at the program's start, when there is no memory to reuse.
     for (int i = 0; i < count; ++i) {
-        ResetReminders();
-        first.push_back(Time(ProcessorMs, [] { LoadReminders(false, 0); }));
+        const std::unique_ptr<Program> fresh = start();
+        first.push_back(Time(ProcessorMs, [&] { fresh->Reminders.LoadReminders(false, 0); }));
     }
     Compare("32767 reminders: loaded into an empty list", first, loadPlain);
     Compare("32767 reminders: loaded", load, loadPlain);

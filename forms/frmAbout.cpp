@@ -1,6 +1,6 @@
 #include "forms/frmAbout.h"
 
-#include "modules/Declarations.h"
+#include "modules/Program.h"
 
 #include <array>
 #include <charconv>
@@ -35,7 +35,7 @@ std::string NumberText(const std::string& bytes)
 
 } // namespace
 
-frmAbout::frmAbout(Platform& platform) : Form(platform.Windows, "frmAbout"), platform_(platform)
+frmAbout::frmAbout(Program& program) : Form(program.Host.Windows, "frmAbout"), program_(program)
 {
     cmdOK.IsDefault = true;
     cmdOK.IsCancel = true;
@@ -70,23 +70,23 @@ void frmAbout::StartSysInfo()
 {
     std::string path;
     if (GetKeyValue(localMachine, "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", "PATH", path)) {
-        platform_.System.Shell(path, normalFocus);
+        program_.Host.System.Shell(path, normalFocus);
         return;
     }
     if (GetKeyValue(localMachine, "SOFTWARE\\Microsoft\\Shared Tools Location", "MSINFO", path)) {
-        const std::string program = path + PathSeparator() + "MSINFO32.EXE";
-        if (platform_.Files.FileExists(program)) {
-            platform_.System.Shell(program, normalFocus);
+        const std::string program = path + program_.PathSeparator() + "MSINFO32.EXE";
+        if (program_.Host.Files.FileExists(program)) {
+            program_.Host.System.Shell(program, normalFocus);
             return;
         }
     }
-    platform_.Windows.MsgBox("System Information Is Unavailable At This Time", vbOKOnly, "Voxmate");
+    program_.Host.Windows.MsgBox("System Information Is Unavailable At This Time", vbOKOnly, "Voxmate");
 }
 
 bool frmAbout::GetKeyValue(std::uint32_t KeyRoot, const std::string& KeyName, const std::string& SubKeyRef,
                            std::string& KeyVal)
 {
-    SettingsStore& store = platform_.Settings;
+    SettingsStore& store = program_.Host.Settings;
     std::uint32_t key = 0;
     std::array<std::uint8_t, bufferSize> buffer{};
     std::uint32_t type = 0;

@@ -10,10 +10,12 @@
 namespace voxmate
 {
 
+class Program;
+
 class frmAbout : public Form
 {
 public:
-    explicit frmAbout(Platform& platform);
+    explicit frmAbout(Program& program);
 
     MovingPicture Picture1{this, "Picture1", "about", 144};
     Label lblTitle{this, "lblTitle"};
@@ -25,7 +27,7 @@ protected:
     void Form_Load() override;
 
 private:
-    Platform& platform_;
+    Program& program_;
 
     void cmdOK_Click();
     void cmdSysInfo_Click();

@@ -2,8 +2,7 @@
 
 #include "base/Checked.h"
 #include "base/Text.h"
-#include "modules/AlertSlots.h"
-#include "modules/Reminders.h"
+#include "modules/Program.h"
 
 #include <algorithm>
 
@@ -50,8 +49,8 @@ void ColorToVertex(TriVertex& vertex, std::int32_t color)
     vertex.Alpha = 0;
 }
 
-frmAlertWindow::frmAlertWindow(Platform& platform)
-    : PlacedForm(platform.Windows, "frmAlertWindow"), windows_(platform.Windows)
+frmAlertWindow::frmAlertWindow(Program& program)
+    : PlacedForm(program.Host.Windows, "frmAlertWindow"), program_(program), windows_(program.Host.Windows)
 {
     Caption = "frmAlert";
     ShowActivated = false;
@@ -89,13 +88,13 @@ void frmAlertWindow::TakeSlot(bool bTake)
 {
     if (!bTake) {
         // Two windows in the last place: the second to go sets its bit again.
-        AlertSlotMask = static_cast<std::uint8_t>(AlertSlotMask ^ (1 << (my_.SlotNo - 1)));
+        program_.AlertSlotMask = static_cast<std::uint8_t>(program_.AlertSlotMask ^ (1 << (my_.SlotNo - 1)));
         return;
     }
     my_.SlotNo = 1;
-    while (my_.SlotNo < LastSlot && (AlertSlotMask & (1 << (my_.SlotNo - 1))) != 0)
+    while (my_.SlotNo < LastSlot && (program_.AlertSlotMask & (1 << (my_.SlotNo - 1))) != 0)
         ++my_.SlotNo;
-    AlertSlotMask = static_cast<std::uint8_t>(AlertSlotMask | (1 << (my_.SlotNo - 1)));
+    program_.AlertSlotMask = static_cast<std::uint8_t>(program_.AlertSlotMask | (1 << (my_.SlotNo - 1)));
 }
 
 void frmAlertWindow::SetOnTop(bool bOn)
@@ -322,7 +321,7 @@ void frmAlertWindow::Form_Unload()
 {
     TakeSlot(false);
     if (!my_.IsPreview)
-        FinishReminder(my_.FormId, false, 0);
+        program_.Scheduler.FinishReminder(my_.FormId, false, 0);
 }
 
 } // namespace voxmate

@@ -12,13 +12,15 @@
 namespace voxmate
 {
 
+class Program;
+
 /// A gradient's vertex colour of 0x00BBGGRR: each channel in the upper byte of its 16 bits.
 void ColorToVertex(TriVertex& vertex, std::int32_t color);
 
 class frmAlertWindow : public PlacedForm, public AlertWindow
 {
 public:
-    explicit frmAlertWindow(Platform& platform);
+    explicit frmAlertWindow(Program& program);
     /// One that is done away with while it stands there gives its place back; its reminder stays as it was.
     ~frmAlertWindow() override;
 
@@ -38,6 +40,7 @@ protected:
     void Form_Unload() override;
 
 private:
+    Program& program_;
     WindowSystem& windows_;
 
     /// What one announcement knows; a window that is loaded anew begins with a fresh one.

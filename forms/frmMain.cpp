@@ -1,20 +1,15 @@
 #include "forms/frmMain.h"
 
 #include "base/Text.h"
-#include "forms/Command.h"
 #include "forms/frmAbout.h"
 #include "forms/frmAlertWindow.h"
 #include "forms/frmOptions.h"
 #include "forms/frmReminder.h"
 #include "forms/frmShowRem.h"
 #include "forms/frmTip.h"
-#include "modules/Declarations.h"
+#include "modules/Command.h"
 #include "modules/Format.h"
-#include "modules/Functions.h"
-#include "modules/Messages.h"
-#include "modules/Registry.h"
-#include "modules/Reminders.h"
-#include "modules/Tips.h"
+#include "modules/Program.h"
 
 #include <algorithm>
 #include <string_view>
@@ -39,7 +34,7 @@ std::string MenuCaption(const std::string& name)
 
 } // namespace
 
-frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platform_(platform)
+frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), program_(program)
 {
     Caption = "Voxmate";
     Border = BorderStyle::FixedSingle;
@@ -79,62 +74,17 @@ frmMain::frmMain(Platform& platform) : Form(platform.Windows, "frmMain"), platfo
     // The item that exists before any character is found.
     mnuMainChar.Load("mnuChar", "Character1");
     Arrange();
-
-    SysTime.Tick = [this] { SysTime_Timer(); };
-    cmdDate.Click = [this] { cmdDate_Click(); };
-    cmdTime.Click = [this] { cmdTime_Click(); };
-    cmdClip.Click = [this] { cmdClip_Click(); };
-    cmdCharIntro.Click = [this] { cmdCharIntro_Click(); };
-    cmdText.Click = [this] { cmdText_Click(); };
-    cmdWord.Click = [this] { cmdWord_Click(); };
-    mnuWho.Click = [this] { mnuWho_Click(); };
-    mnuDate.Click = [this] { mnuDate_Click(); };
-    mnuTime.Click = [this] { mnuTime_Click(); };
-    mnuReadClip.Click = [this] { mnuReadClip_Click(); };
-    mnuWord.Click = [this] { mnuWord_Click(); };
-    mnuText.Click = [this] { mnuText_Click(); };
-    mnuPlayWav.Click = [this] { mnuPlayWav_Click(); };
-    cmdSpeak.Click = [this] { cmdSpeak_Click(); };
-    cmdStop.Click = [this] { cmdStop_Click(); };
-    cmdCharacter.Click = [this] { cmdCharacter_Click(); };
-    cmdCharacter.MouseUp = [this](int button) { cmdCharacter_MouseUp(button); };
-    comSpEng.Click = [this] { comSpEng_Click(); };
-    scrPitch.Change = [this] { scrPitch_Change(); };
-    scrSpeed.Change = [this] { scrSpeed_Change(); };
-    chkWhisper.Click = [this] { chkWhisper_Click(); };
-    cmdOptions.Click = [this] { cmdOptions_Click(); };
-    mnuTip.Click = [this] { mnuTip_Click(); };
-    mnuOptions.Click = [this] { mnuOptions_Click(); };
-    mnuSysTray.Click = [this] { mnuSysTray_Click(); };
-    RemTimer.Tick = [] { RemTimer_Timer(); };
-    RemRetryTimer.Tick = [] { RetryReminders(); };
-    DamageTimer.Tick = [this] { DamageTimer_Timer(); };
-    mnuShowAll.Click = [this] { mnuShowAll_Click(); };
-    mnuEReminders.Click = [this] { mnuEReminders_Click(); };
-    mnuDReminders.Click = [this] { mnuDReminders_Click(); };
-    mnuHelp.Click = [this] { mnuHelp_Click(); };
-    // Where character files come from, how to install them, how to make one; how to install voices, and which.
-    mnuDownChar1.Click = [] { OpenUrl(HelpPage("characters")); };
-    mnuDownChar2.Click = [] { OpenUrl(HelpPage("installing")); };
-    mnuDownChar3.Click = [] { OpenUrl(HelpPage("making")); };
-    mnuSpEng1.Click = [] { OpenUrl(HelpPage("installing")); };
-    mnuSpEng2.Click = [] { OpenUrl(HelpPage("voices")); };
-    mnuAbout.Click = [this] { mnuAbout_Click(); };
-    mnuExit.Click = [this] { mnuExit_Click(); };
-    mnuStop.Click = [this] { cmdStop_Click(); };
-    mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
-    TrayPict.IconMenu = &mnuTray;
-    TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
+    ConnectHandlers();
     // Closing to the tray is for the user who closes the window; at the end of a session it would hold that up.
-    platform_.System.EndRequested = [this] { mnuTrayExit_Click(); };
+    program_.Host.System.EndRequested = [this] { mnuTrayExit_Click(); };
     ConnectAgent();
+    program_.Main = this;
 }
 
-// The announcement windows are this platform's, too.
 frmMain::~frmMain()
 {
-    platform_.System.EndRequested = nullptr;
-    ResetReminders();
+    program_.Host.System.EndRequested = nullptr;
+    program_.Main = nullptr;
 }
 
 void frmMain::Arrange()
@@ -151,31 +101,80 @@ void frmMain::Arrange()
     });
 }
 
+void frmMain::ConnectHandlers()
+{
+    SysTime.Tick = [this] { SysTime_Timer(); };
+    cmdDate.Click = [this] { cmdDate_Click(); };
+    cmdTime.Click = [this] { cmdTime_Click(); };
+    cmdClip.Click = [this] { cmdClip_Click(); };
+    cmdCharIntro.Click = [this] { cmdCharIntro_Click(); };
+    cmdText.Click = [this] { cmdText_Click(); };
+    cmdWord.Click = [this] { cmdWord_Click(); };
+    mnuWho.Click = [this] { cmdCharIntro_Click(); };
+    mnuDate.Click = [this] { cmdDate_Click(); };
+    mnuTime.Click = [this] { cmdTime_Click(); };
+    mnuReadClip.Click = [this] { cmdClip_Click(); };
+    mnuWord.Click = [this] { cmdWord_Click(); };
+    mnuText.Click = [this] { cmdText_Click(); };
+    mnuPlayWav.Click = [this] { program_.Reading.OpenAndPlayWave(); };
+    cmdSpeak.Click = [this] { cmdSpeak_Click(); };
+    cmdStop.Click = [this] { cmdStop_Click(); };
+    cmdCharacter.Click = [this] { cmdCharacter_Click(); };
+    cmdCharacter.MouseUp = [this](int button) { cmdCharacter_MouseUp(button); };
+    comSpEng.Click = [this] { comSpEng_Click(); };
+    scrPitch.Change = [this] { scrPitch_Change(); };
+    scrSpeed.Change = [this] { scrSpeed_Change(); };
+    chkWhisper.Click = [this] { chkWhisper_Click(); };
+    cmdOptions.Click = [this] { cmdOptions_Click(); };
+    mnuTip.Click = [this] { mnuTip_Click(); };
+    mnuOptions.Click = [this] { cmdOptions_Click(); };
+    mnuSysTray.Click = [this] { AddTrayIcon(); };
+    RemTimer.Tick = [this] { program_.Scheduler.RemTimer_Timer(); };
+    RemRetryTimer.Tick = [this] { program_.Reminders.RetryReminders(); };
+    DamageTimer.Tick = [this] { DamageTimer_Timer(); };
+    mnuShowAll.Click = [this] { program_.Reminders.ShowAllReminders(); };
+    mnuEReminders.Click = [this] { program_.Reminders.EnableReminders(); };
+    mnuDReminders.Click = [this] { program_.Reminders.DisableReminders(); };
+    mnuHelp.Click = [this] { mnuHelp_Click(); };
+    // Where character files come from, how to install them, how to make one; how to install voices, and which.
+    mnuDownChar1.Click = [this] { program_.OpenUrl(program_.HelpPage("characters")); };
+    mnuDownChar2.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
+    mnuDownChar3.Click = [this] { program_.OpenUrl(program_.HelpPage("making")); };
+    mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
+    mnuSpEng2.Click = [this] { program_.OpenUrl(program_.HelpPage("voices")); };
+    mnuAbout.Click = [this] { mnuAbout_Click(); };
+    mnuExit.Click = [this] { mnuTrayExit_Click(); };
+    mnuStop.Click = [this] { cmdStop_Click(); };
+    mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
+    TrayPict.IconMenu = &mnuTray;
+    TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
+}
+
 void frmMain::ConnectAgent()
 {
-    AgentControl& agent = platform_.Agent;
+    AgentControl& agent = program_.Host.Agent;
     agent.Click = [this](const std::string&, int button, int, int, int) { AgentX_Click(button); };
     agent.Command = [this](const std::string& name) { AgentX_Command(name); };
     agent.RequestStart = [this](const AgentRequestPtr&) { SetStatus(StatusBusy); };
     agent.RequestComplete = [this](const AgentRequestPtr& request) { AgentX_RequestComplete(request); };
     agent.Damaged = [this](const std::string&, const std::string& message) { AgentX_Damaged(message); };
-    agent.Hidden = [](const std::string&, VisibilityCause) {
-        if (Character)
-            Character->StopAll(everything);
+    agent.Hidden = [this](const std::string&, VisibilityCause) {
+        if (program_.Character)
+            program_.Character->StopAll(everything);
     };
 }
 
 void frmMain::Form_Load()
 {
-    if (platform_.System.PreviousInstance()) {
-        platform_.Windows.MsgBox("Another copy of Voxmate is already running.", vbCritical, "Voxmate - Running");
-        platform_.System.EndProgram();
+    if (program_.Host.System.PreviousInstance()) {
+        program_.Host.Windows.MsgBox("Another copy of Voxmate is already running.", vbCritical, "Voxmate - Running");
+        program_.Host.System.EndProgram();
     }
 }
 
 void frmMain::Form_QueryUnload(bool& cancel)
 {
-    if (Settings.CloseToTray == 1) {
+    if (program_.Settings.CloseToTray == 1) {
         AddTrayIcon();
         cancel = true;
     } else {
@@ -186,20 +185,20 @@ void frmMain::Form_QueryUnload(bool& cancel)
 void frmMain::AddTrayIcon()
 {
     trayIconData_ = {};
-    trayIconData_.window = platform_.Windows.WindowHandle(TrayPict);
+    trayIconData_.window = program_.Host.Windows.WindowHandle(TrayPict);
     trayIconData_.iconId = 1;
     trayIconData_.flags = NIF_MESSAGE_ICON_TIP;
     trayIconData_.callbackMessage = WM_MOUSEMOVE;
-    trayIconData_.icon = platform_.Windows.PictureHandle(TrayPict);
+    trayIconData_.icon = program_.Host.Windows.PictureHandle(TrayPict);
     constexpr std::string_view tip = "Voxmate";
     std::copy(tip.begin(), tip.end(), trayIconData_.tip.begin());
-    platform_.Windows.Shell_NotifyIconA(NIM_ADD, trayIconData_);
+    program_.Host.Windows.Shell_NotifyIconA(NIM_ADD, trayIconData_);
     Hide();
 }
 
 int frmMain::MouseMessage(double x) const
 {
-    return static_cast<int>(RoundHalfEven(x / platform_.Windows.TwipsPerPixelX()));
+    return static_cast<int>(RoundHalfEven(x / program_.Host.Windows.TwipsPerPixelX()));
 }
 
 // The icon's mouse messages arrive as moves over the picture box, the message in place of x.
@@ -224,16 +223,11 @@ void frmMain::Form_MouseMove(double x)
         PopupMenu(mnuTrayExit);
 }
 
-void frmMain::mnuSysTray_Click()
-{
-    AddTrayIcon();
-}
-
 void frmMain::mnuTrayExit_Click()
 {
-    platform_.Windows.Shell_NotifyIconA(NIM_DELETE, trayIconData_);
-    SaveLastAnswers();
-    platform_.System.EndProgram();
+    program_.Host.Windows.Shell_NotifyIconA(NIM_DELETE, trayIconData_);
+    program_.Reminders.SaveLastAnswers();
+    program_.Host.System.EndProgram();
 }
 
 void frmMain::ListCharacters(const std::vector<std::string>& names)
@@ -266,12 +260,12 @@ void frmMain::CheckReminderMenus(bool enable, bool disable)
 
 std::unique_ptr<AlertWindow> frmMain::NewAlertWindow()
 {
-    return std::make_unique<frmAlertWindow>(platform_);
+    return std::make_unique<frmAlertWindow>(program_);
 }
 
 std::unique_ptr<NoticeWindow> frmMain::NewNoticeWindow()
 {
-    return std::make_unique<frmShowRem>(platform_);
+    return std::make_unique<frmShowRem>(program_);
 }
 
 ReminderEditor& frmMain::Editor()
@@ -288,7 +282,7 @@ template <class F>
 F& frmMain::Made(std::unique_ptr<F>& form)
 {
     if (!form)
-        form = std::make_unique<F>(platform_);
+        form = std::make_unique<F>(program_);
     return *form;
 }
 
@@ -296,50 +290,52 @@ void frmMain::cmdSpeak_Click()
 {
     std::string text = Trim(txtText.Text.get());
     if (text.empty()) {
-        const BusyScope busy;
-        ShowMessage("There is nothing to read from the textbox.", "Confused");
+        const BusyScope busy(program_.Messages.IsBusy);
+        program_.Messages.ShowMessage("There is nothing to read from the textbox.", "Confused");
         return;
     }
-    SpeakText(std::move(text), "");
+    program_.Voice.SpeakText(std::move(text), "");
 }
 
 void frmMain::cmdStop_Click()
 {
-    StopRequested = True;
-    ++StopCount;
-    if (Character) {
-        Character->StopAll(everything);
-        Character->Play("RestPose");
+    program_.StopRequested = True;
+    ++program_.StopCount;
+    if (program_.Character) {
+        program_.Character->StopAll(everything);
+        program_.Character->Play("RestPose");
     }
     SetStatus(StatusIdle);
 }
 
 void frmMain::cmdTime_Click()
 {
-    SpeakText(FormatSpokenTime(Settings.TimeIn24Hour, false), "Announce");
+    program_.Voice.SpeakText(FormatSpokenTime(program_.Host.Time.Now(), program_.Settings.TimeIn24Hour, false),
+                             "Announce");
 }
 
 void frmMain::cmdDate_Click()
 {
-    SpeakText("Today is " + FormatSpokenDate(Settings.DateFormat, platform_.Time.Now()), "Announce");
+    program_.Voice.SpeakText("Today is " + FormatSpokenDate(program_.Settings.DateFormat, program_.Host.Time.Now()),
+                             "Announce");
 }
 
 void frmMain::cmdCharIntro_Click()
 {
-    GreetAndIntroduce(false);
+    GreetAndIntroduce(program_, false);
 }
 
 void frmMain::cmdClip_Click()
 {
-    if (!platform_.Windows.ClipboardGetFormat(vbCFText))
+    if (!program_.Host.Windows.ClipboardGetFormat(vbCFText))
         return;
-    txtText.Text = platform_.Windows.ClipboardGetText();
-    SpeakText(platform_.Windows.ClipboardGetText(), "");
+    txtText.Text = program_.Host.Windows.ClipboardGetText();
+    program_.Voice.SpeakText(program_.Host.Windows.ClipboardGetText(), "");
 }
 
 void frmMain::cmdText_Click()
 {
-    OpenAndReadText();
+    program_.Reading.OpenAndReadText();
 }
 
 // Only one document at a time: what is pressed while the word processor is at work would come in between. The button
@@ -348,42 +344,7 @@ void frmMain::cmdWord_Click()
 {
     const Command command(readingWord_);
     if (command.Begun())
-        OpenAndReadWord();
-}
-
-void frmMain::mnuWho_Click()
-{
-    cmdCharIntro_Click();
-}
-
-void frmMain::mnuDate_Click()
-{
-    cmdDate_Click();
-}
-
-void frmMain::mnuTime_Click()
-{
-    cmdTime_Click();
-}
-
-void frmMain::mnuReadClip_Click()
-{
-    cmdClip_Click();
-}
-
-void frmMain::mnuWord_Click()
-{
-    cmdWord_Click();
-}
-
-void frmMain::mnuText_Click()
-{
-    cmdText_Click();
-}
-
-void frmMain::mnuPlayWav_Click()
-{
-    OpenAndPlayWave();
+        program_.Reading.OpenAndReadWord();
 }
 
 void frmMain::cmdOptions_Click()
@@ -391,15 +352,10 @@ void frmMain::cmdOptions_Click()
     Made(optionsForm_).Show();
 }
 
-void frmMain::mnuOptions_Click()
-{
-    cmdOptions_Click();
-}
-
 void frmMain::mnuTip_Click()
 {
     Tip().ShowTip();
-    ShowTipOfTheDay(false);
+    program_.Tips.ShowTipOfTheDay(false);
 }
 
 void frmMain::mnuAbout_Click()
@@ -409,102 +365,82 @@ void frmMain::mnuAbout_Click()
 
 void frmMain::mnuHelp_Click()
 {
-    Announce("Help will be available very soon. Author is preparing the help.", vbInformation, "Voxmate - Help",
-             "Suggest");
+    program_.Messages.Announce("Help will be available very soon. Author is preparing the help.", vbInformation,
+                               "Voxmate - Help", "Suggest");
 }
 
 void frmMain::cmdCharacter_Click()
 {
-    if (Character)
-        Character->Show(false);
+    if (program_.Character)
+        program_.Character->Show(false);
 }
 
 void frmMain::cmdCharacter_MouseUp(int button)
 {
     constexpr int rightButton = 2;
-    if (button == rightButton && CharacterCount > 0)
+    if (button == rightButton && program_.Characters.CharacterCount > 0)
         PopupMenu(mnuMainChar, &cmdCharacter);
 }
 
 void frmMain::comSpEng_Click()
 {
-    ChooseSpeechEngine(comSpEng.ListIndex + 1);
+    program_.Voice.ChooseSpeechEngine(comSpEng.ListIndex + 1);
 }
 
 void frmMain::scrPitch_Change()
 {
-    Settings.Pitch = ToInt16(scrPitch.Value);
-    lblPitch.Caption = "= " + std::to_string(Settings.Pitch);
-    WriteRegDword(SettingsKey, "Pitch", Settings.Pitch);
+    program_.Settings.Pitch = ToInt16(scrPitch.Value);
+    lblPitch.Caption = "= " + std::to_string(program_.Settings.Pitch);
+    program_.Registry.WriteRegDword(SettingsKey, "Pitch", program_.Settings.Pitch);
 }
 
 void frmMain::scrSpeed_Change()
 {
-    Settings.Speed = ToInt16(scrSpeed.Value);
-    lblSpeed.Caption = "= " + std::to_string(Settings.Speed);
-    WriteRegDword(SettingsKey, "Speed", Settings.Speed);
+    program_.Settings.Speed = ToInt16(scrSpeed.Value);
+    lblSpeed.Caption = "= " + std::to_string(program_.Settings.Speed);
+    program_.Registry.WriteRegDword(SettingsKey, "Speed", program_.Settings.Speed);
 }
 
 void frmMain::chkWhisper_Click()
 {
-    Settings.Whisper = chkWhisper.Value == 1 ? True : False;
-    WriteRegDword(SettingsKey, "Whisper", chkWhisper.Value);
+    program_.Settings.Whisper = chkWhisper.Value == 1 ? True : False;
+    program_.Registry.WriteRegDword(SettingsKey, "Whisper", chkWhisper.Value);
 }
 
 void frmMain::mnuChar_Click(const std::string& caption)
 {
-    LoadCharacter(caption, false);
-}
-
-void frmMain::mnuExit_Click()
-{
-    mnuTrayExit_Click();
+    program_.Characters.LoadCharacter(caption, false);
 }
 
 void frmMain::SysTime_Timer()
 {
-    stsBar.SetPanel(3, Format(platform_.Time.Now(), "h:nn:ss AM/PM"));
-    if (Settings.SpeakTimeInterval == 0)
+    stsBar.SetPanel(3, Format(program_.Host.Time.Now(), "h:nn:ss AM/PM"));
+    if (program_.Settings.SpeakTimeInterval == 0)
         return;
-    const std::int32_t counter = AddInt32(SpeakTimeCounter, 1);
-    const std::int16_t limit = MultiplyInt16(Settings.SpeakTimeInterval, 60);
-    SpeakTimeCounter = counter;
-    if (SpeakTimeCounter >= limit) {
-        SpeakTimeCounter = 0;
+    const std::int32_t counter = AddInt32(program_.SpeakTimeCounter, 1);
+    const std::int16_t limit = MultiplyInt16(program_.Settings.SpeakTimeInterval, 60);
+    program_.SpeakTimeCounter = counter;
+    if (program_.SpeakTimeCounter >= limit) {
+        program_.SpeakTimeCounter = 0;
         cmdTime_Click();
     }
-}
-
-void frmMain::mnuShowAll_Click()
-{
-    ShowAllReminders();
-}
-
-void frmMain::mnuEReminders_Click()
-{
-    EnableReminders();
-}
-
-void frmMain::mnuDReminders_Click()
-{
-    DisableReminders();
 }
 
 void frmMain::AgentX_Click(int button)
 {
     constexpr int leftButton = 1;
-    if (button == leftButton && Settings.ReadTextBoxTextAtLeftClick == 1)
+    if (button == leftButton && program_.Settings.ReadTextBoxTextAtLeftClick == 1)
         cmdSpeak_Click();
 }
 
 void frmMain::AgentX_RequestComplete(const AgentRequestPtr& request)
 {
-    if (request && request == AnimateRequest) {
-        AnimateRequest.reset();
-        if (AnimateEnded)
-            AnimateEnded();
-        if (Character)
-            Character->Play("RestPose");
+    if (request && request == program_.Characters.AnimateRequest) {
+        program_.Characters.AnimateRequest.reset();
+        if (program_.Characters.AnimateEnded)
+            program_.Characters.AnimateEnded();
+        if (program_.Character)
+            program_.Character->Play("RestPose");
     }
     SetStatus(StatusIdle);
 }
@@ -517,7 +453,7 @@ void frmMain::AgentX_Damaged(const std::string& message)
 
 void frmMain::DamageTimer_Timer()
 {
-    if (!TellDamagedCharacter(damages_.front()))
+    if (!program_.Characters.TellDamagedCharacter(damages_.front()))
         return;
     damages_.pop_front(); // others may have come while the box was up
     DamageTimer.Enabled = !damages_.empty();

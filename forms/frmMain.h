@@ -13,6 +13,7 @@
 namespace voxmate
 {
 
+class Program;
 class frmAbout;
 class frmOptions;
 class frmReminder;
@@ -21,7 +22,7 @@ class frmTip;
 class frmMain : public Form, public MainWindow
 {
 public:
-    explicit frmMain(Platform& platform);
+    explicit frmMain(Program& program);
     ~frmMain() override;
 
     Timer SysTime{this, "SysTime", 1000, true};
@@ -124,7 +125,7 @@ protected:
     void Form_MouseMove(double x) override;
 
 private:
-    Platform& platform_;
+    Program& program_;
     bool readingWord_ = false; ///< a document is being opened or taken in
 
     TrayIconData trayIconData_;
@@ -141,9 +142,9 @@ private:
     void AddTrayIcon();
     int MouseMessage(double x) const;
     void TrayPict_MouseMove(double x);
-    void mnuSysTray_Click();
     void mnuTrayExit_Click();
     void ConnectAgent();
+    void ConnectHandlers();
     void Arrange();
     void cmdSpeak_Click();
     void cmdStop_Click();
@@ -153,15 +154,7 @@ private:
     void cmdClip_Click();
     void cmdText_Click();
     void cmdWord_Click();
-    void mnuWho_Click();
-    void mnuDate_Click();
-    void mnuTime_Click();
-    void mnuReadClip_Click();
-    void mnuWord_Click();
-    void mnuText_Click();
-    void mnuPlayWav_Click();
     void cmdOptions_Click();
-    void mnuOptions_Click();
     void mnuTip_Click();
     void mnuHelp_Click();
     void mnuAbout_Click();
@@ -172,11 +165,7 @@ private:
     void scrSpeed_Change();
     void chkWhisper_Click();
     void mnuChar_Click(const std::string& caption);
-    void mnuExit_Click();
     void SysTime_Timer();
-    void mnuShowAll_Click();
-    void mnuEReminders_Click();
-    void mnuDReminders_Click();
     void AgentX_Click(int button);
     void AgentX_RequestComplete(const AgentRequestPtr& request);
     void AgentX_Command(const std::string& name);

@@ -1,26 +1,17 @@
 #include "forms/frmOptions.h"
 
 #include "base/Text.h"
-#include "forms/Command.h"
 #include "modules/BrowseFolder.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
-#include "modules/Messages.h"
-#include "modules/Registry.h"
+#include "modules/Command.h"
+#include "modules/Program.h"
 
-#include <algorithm>
 #include <array>
-#include <limits>
-#include <string_view>
 
 namespace voxmate
 {
 
 namespace
 {
-
-constexpr int characterTab = 0;
-constexpr int remindersTab = 3;
 
 constexpr const char* animate = "Animate";
 constexpr const char* stop = "Stop";
@@ -39,55 +30,6 @@ constexpr std::int32_t Rgb(int red, int green, int blue)
 constexpr std::array<std::int32_t, 4> alertColors{Rgb(255, 255, 192), Rgb(160, 195, 255), Rgb(255, 200, 200),
                                                   Rgb(200, 255, 200)};
 
-// One date in each of the formats 1 to 6.
-constexpr std::array dateSamples{"31-DECEMBER-25", "31-DECEMBER-2025", "31-DECEMBER",
-                                 "DECEMBER-31-25", "DECEMBER-31-2025", "DECEMBER-31"};
-
-/// The number at the beginning of a field; 0 where it has no digits.
-std::int16_t NumberIn(const TextBox& box)
-{
-    constexpr std::int32_t most = std::numeric_limits<std::int16_t>::max();
-    std::int32_t number = 0;
-    for (const char c : Trim(box.Text.get())) {
-        if (c < '0' || c > '9')
-            break;
-        number = std::min(number * 10 + (c - '0'), most);
-    }
-    return static_cast<std::int16_t>(number);
-}
-
-/// The field's number; the field then shows it, whatever was pasted into it.
-std::int16_t KeptNumber(TextBox& box)
-{
-    const std::int16_t number = NumberIn(box);
-    box.Text = std::to_string(number);
-    return number;
-}
-
-/// The field's text as far as it comes back at the next start; the field then shows that.
-std::string KeptText(TextBox& box)
-{
-    const std::string& text = box.Text.get();
-    if (text.size() > LongestRegString)
-        box.Text = text.substr(0, WholeUtf8(std::string_view(text).substr(0, LongestRegString)));
-    return box.Text;
-}
-
-std::int16_t Ticked(const CheckBox& box)
-{
-    return static_cast<std::int16_t>(box.Value.get());
-}
-
-std::int16_t Chosen(const ComboBox& box)
-{
-    return static_cast<std::int16_t>(box.ListIndex.get());
-}
-
-std::int16_t Chosen(const OptionGroup& group)
-{
-    return static_cast<std::int16_t>(group.Selected());
-}
-
 // A disabled field is greyed.
 void EnableBox(TextBox& box, bool enabled)
 {
@@ -95,27 +37,15 @@ void EnableBox(TextBox& box, bool enabled)
     box.BackColor = enabled ? vbWindowBackground : vbButtonFace;
 }
 
-void SaveNumber(const char* name, std::int16_t SettingsRecord::*field, std::int16_t value)
-{
-    WriteRegDword(SettingsKey, name, value);
-    Settings.*field = value;
-}
-
-void SaveText(const char* name, std::string SettingsRecord::*field, const std::string& value)
-{
-    WriteRegString(SettingsKey, name, value);
-    Settings.*field = value;
-}
-
 } // namespace
 
 frmOptions::~frmOptions()
 {
-    AnimateEnded = nullptr;
-    AnimationNamesChanged = nullptr;
+    program_.Characters.AnimateEnded = nullptr;
+    program_.Characters.AnimationNamesChanged = nullptr;
 }
 
-frmOptions::frmOptions(Platform& platform) : Form(platform.Windows, "frmOptions"), platform_(platform)
+frmOptions::frmOptions(Program& program) : Form(program.Host.Windows, "frmOptions"), program_(program)
 {
     Caption = "Voxmate Options";
     FontName = "Tahoma";
@@ -137,178 +67,24 @@ void frmOptions::Form_Load()
     FillLists();
     FillAnimations();
     cmdAnimate.Caption = animate;
-    AnimationNamesChanged = [this] { FillAnimations(); };
+    program_.Characters.AnimationNamesChanged = [this] { FillAnimations(); };
     ShowSettings();
     chkBalloon_Click();
     EnableGreeting(chkGreeting.Value == 1);
     chkSpkSentence_Click();
     comRemType_Click();
     cmdApply.Enabled = false;
-    SSTab1.Tab = characterTab;
-}
-
-void frmOptions::FillLists()
-{
-    const auto fill = [](ComboBox& box, auto entries) {
-        box.Clear();
-        for (const char* entry : entries)
-            box.AddItem(entry);
-    };
-    fill(comCharSize, std::array{"Small", "Normal", "Big"});
-    fill(comDateFMT, dateSamples);
-    fill(comRemType, std::array{"Alert Window", "Normal Window"});
+    SSTab1.Tab = CharacterTab;
 }
 
 void frmOptions::FillAnimations()
 {
     constexpr std::size_t most = 1000;
     comAnimation.Clear();
-    for (std::size_t i = 0; i < most && !AnimationNames.at(i).empty(); ++i)
-        comAnimation.AddItem(AnimationNames.at(i));
+    for (std::size_t i = 0; i < most && !program_.Characters.AnimationNames.at(i).empty(); ++i)
+        comAnimation.AddItem(program_.Characters.AnimationNames.at(i));
     if (!comAnimation.Items().empty())
         comAnimation.ListIndex = 0;
-}
-
-void frmOptions::ShowSettings()
-{
-    txtCharPath.Text = Settings.CharacterPath;
-    comCharSize.ListIndex = Settings.CharacterSize;
-    chkSoundEffects.Value = Settings.EnableSoundEffects;
-    chkBalloon.Value = Settings.ShowBalloon;
-    lblFont.Caption = Settings.BalloonFontName;
-    lblFont.Font = {Settings.BalloonFontName, static_cast<double>(Settings.BalloonFontSize)};
-    chkSizeToText.Value = Settings.SizeBallonToText;
-    chkAutoHide.Value = Settings.BalloonAutoHide;
-    chkAutoPace.Value = Settings.BalloonAutoPace;
-    txtTotalLines.Text = std::to_string(Settings.BalloonTotalLines);
-    txtCharPerLine.Text = std::to_string(Settings.BalloonCharactersPerLine);
-
-    txtTimeInterval.Text = std::to_string(Settings.SpeakTimeInterval);
-    chk24Time.Value = Settings.TimeIn24Hour;
-    comDateFMT.ListIndex = Settings.DateFormat - 1;
-    chkReadOnLeftClick.Value = Settings.ReadTextBoxTextAtLeftClick;
-    txtUserName.Text = Settings.UserName;
-    chkMyName.Value = Settings.ReadNameWithMessages;
-    chkMsgRead.Value = Settings.ReadMessages;
-
-    // Each of these may change those before it: the greeting counts last.
-    chkShowStart.Value = Settings.ShowCharacterAtStart;
-    chkIntroAtStart.Value = Settings.IntroAtStart;
-    chkGreeting.Value = Settings.GreetingEnabled;
-    OptGreet.Select(Settings.GreetingType);
-    txtGreeting.Text = Settings.OtherGreeting;
-    chkCloseInTray.Value = Settings.CloseToTray;
-
-    comRemType.ListIndex = Settings.ReminderType;
-    chkOnTop.Value = Settings.ReminderOnTop;
-    chkSpkSentence.Value = Settings.ReminderSentenceSpeak;
-    txtRemText.Text = Settings.ReminderSentence;
-    chkSpkTitle.Value = Settings.ReminderTitleSpeak;
-    chkSpkDate.Value = Settings.ReminderDateSpeak;
-    chkSpkTime.Value = Settings.ReminderTimeSpeak;
-    chkSpkDesc.Value = Settings.ReminderDescSpeak;
-    chkSpkSnooze.Value = Settings.ReminderNextSchSpeak;
-    optAction.Select(Settings.RemAlertAction);
-    optGradiantType.Select(Settings.RemAlertGradient);
-    optShape.Select(Settings.RemAlertShape);
-    optColor.Select(Settings.RemAlertColor);
-    optColor_Click(Settings.RemAlertColor);
-    chkAutoClose.Value = Settings.RemAlertClose;
-    txtAutoClose.Text = std::to_string(Settings.RemAlertCloseTime);
-}
-
-void frmOptions::SaveOptions()
-{
-    using S = SettingsRecord;
-    SaveText("BalloonFontName", &S::BalloonFontName, lblFont.Font.get().Name);
-    SaveNumber("BalloonFontSize", &S::BalloonFontSize, ToInt16(RoundHalfEven(lblFont.Font.get().Size)));
-    SaveCharacterPath();
-    SaveNumber("CharacterSize", &S::CharacterSize, Chosen(comCharSize));
-    SaveNumber("CloseToTray", &S::CloseToTray, Ticked(chkCloseInTray));
-    SaveNumber("DateFormat", &S::DateFormat, ToInt16(Chosen(comDateFMT) + 1));
-    SaveNumber("EnableSoundEffects", &S::EnableSoundEffects, Ticked(chkSoundEffects));
-    SaveNumber("GreetingType", &S::GreetingType, Chosen(OptGreet));
-    SaveNumber("GreetingEnabled", &S::GreetingEnabled, Ticked(chkGreeting));
-    SaveNumber("IntroAtStart", &S::IntroAtStart, Ticked(chkIntroAtStart));
-    SaveText("OtherGreeting", &S::OtherGreeting, KeptText(txtGreeting));
-    SaveNumber("ReadMessages", &S::ReadMessages, Ticked(chkMsgRead));
-    SaveNumber("ReadNameWithMessages", &S::ReadNameWithMessages, Ticked(chkMyName));
-    SaveNumber("ReadTextBoxTextAtLeftClick", &S::ReadTextBoxTextAtLeftClick, Ticked(chkReadOnLeftClick));
-    SaveNumber("ShowBalloon", &S::ShowBalloon, Ticked(chkBalloon));
-    SaveNumber("SizeBallonToText", &S::SizeBallonToText, Ticked(chkSizeToText));
-    SaveNumber("BalloonAutoHide", &S::BalloonAutoHide, Ticked(chkAutoHide));
-    SaveNumber("BalloonAutoPace", &S::BalloonAutoPace, Ticked(chkAutoPace));
-    SaveNumber("BalloonCharactersPerLine", &S::BalloonCharactersPerLine, KeptNumber(txtCharPerLine));
-    SaveNumber("BalloonTotalLines", &S::BalloonTotalLines, KeptNumber(txtTotalLines));
-    SaveNumber("ShowCharacterAtStart", &S::ShowCharacterAtStart, Ticked(chkShowStart));
-    SaveNumber("TimeIn24Hour", &S::TimeIn24Hour, Ticked(chk24Time));
-    SaveText("UserName", &S::UserName, KeptText(txtUserName));
-    SaveNumber("SpeakTimeInterval", &S::SpeakTimeInterval, KeptNumber(txtTimeInterval));
-    SaveNumber("ReminderOnTop", &S::ReminderOnTop, Ticked(chkOnTop));
-    SaveNumber("ReminderSentenceSpeak", &S::ReminderSentenceSpeak, Ticked(chkSpkSentence));
-    SaveText("ReminderSentence", &S::ReminderSentence, KeptText(txtRemText));
-    SaveNumber("ReminderTitleSpeak", &S::ReminderTitleSpeak, Ticked(chkSpkTitle));
-    SaveNumber("ReminderDateSpeak", &S::ReminderDateSpeak, Ticked(chkSpkDate));
-    SaveNumber("ReminderTimeSpeak", &S::ReminderTimeSpeak, Ticked(chkSpkTime));
-    SaveNumber("ReminderDescSpeak", &S::ReminderDescSpeak, Ticked(chkSpkDesc));
-    SaveNumber("ReminderNextSchSpeak", &S::ReminderNextSchSpeak, Ticked(chkSpkSnooze));
-    SaveNumber("ReminderType", &S::ReminderType, Chosen(comRemType));
-    SaveNumber("RemAlertAction", &S::RemAlertAction, Chosen(optAction));
-    SaveNumber("RemAlertGradient", &S::RemAlertGradient, Chosen(optGradiantType));
-    SaveNumber("RemAlertShape", &S::RemAlertShape, Chosen(optShape));
-    SaveNumber("RemAlertColor", &S::RemAlertColor, Chosen(optColor));
-    SaveNumber("RemAlertClose", &S::RemAlertClose, Ticked(chkAutoClose));
-    SaveNumber("RemAlertCloseTime", &S::RemAlertCloseTime, KeptNumber(txtAutoClose));
-}
-
-// The box then shows the folder that is in use, which need not be the one that was asked for.
-void frmOptions::SaveCharacterPath()
-{
-    std::string path = Trim(txtCharPath.Text.get());
-    if (!path.ends_with(PathSeparator()))
-        path += PathSeparator();
-    if (path.size() > LongestRegString) {
-        const std::string lines[] = {"The path of the following folder is too long to be kept:", path,
-                                     "CharacterPath setting will not take effect."};
-        platform_.Windows.MsgBox(JoinLines(lines), vbExclamation, "Voxmate - Path Error");
-    } else {
-        ChangeCharacterPath(path);
-    }
-    SaveText("CharacterPath", &SettingsRecord::CharacterPath, std::string(Settings.CharacterPath));
-    txtCharPath.Text = Settings.CharacterPath;
-}
-
-void frmOptions::Complain(const char* message, int tab, TextBox& box)
-{
-    Announce(message, vbExclamation, "Voxmate - Options in Error", "Confused");
-    SSTab1.Tab = tab;
-    box.SetFocus();
-}
-
-bool frmOptions::Valid()
-{
-    const auto outside = [](const TextBox& box, int least, int most) {
-        return Trim(box.Text.get()).empty() || NumberIn(box) < least || NumberIn(box) > most;
-    };
-    if (outside(txtCharPerLine, 8, 255)) {
-        Complain("No. of characters per line must be between 8 and 255", characterTab, txtCharPerLine);
-        return false;
-    }
-    if (outside(txtTotalLines, 1, 128)) {
-        Complain("Total number of lines must be between 1 and 128", characterTab, txtTotalLines);
-        return false;
-    }
-    if (txtAutoClose.Text.get().empty())
-        txtAutoClose.Text = "0";
-    if (outside(txtAutoClose, 4, 20)) {
-        Complain("Auto close time should be between 4 and 20.", remindersTab, txtAutoClose);
-        return false;
-    }
-    if (txtTimeInterval.Text.get().empty())
-        txtTimeInterval.Text = "0";
-    if (txtUserName.Text.get().empty())
-        txtUserName.Text = "Buddy";
-    return true;
 }
 
 void frmOptions::cmdApply_Click()
@@ -318,8 +94,8 @@ void frmOptions::cmdApply_Click()
     if (!command.Begun() || !Valid())
         return;
     SaveOptions();
-    if (Character)
-        ApplyCharacterSettings();
+    if (program_.Character)
+        program_.Characters.ApplyCharacterSettings();
     // Where Apply was pressed it gives the keyboard away: to what Enter stands for, not to Default beside it.
     cmdOK.SetFocus();
     cmdApply.Enabled = false;
@@ -348,10 +124,10 @@ void frmOptions::Form_QueryUnload(bool& cancel)
 
 void frmOptions::Form_Unload()
 {
-    if (cmdAnimate.Caption.get() == stop && Character)
-        Character->StopAll("Play");
-    AnimateEnded = nullptr;
-    AnimationNamesChanged = nullptr;
+    if (cmdAnimate.Caption.get() == stop && program_.Character)
+        program_.Character->StopAll("Play");
+    program_.Characters.AnimateEnded = nullptr;
+    program_.Characters.AnimationNamesChanged = nullptr;
 }
 
 void frmOptions::cmdDefault_Click()
@@ -392,29 +168,31 @@ void frmOptions::cmdDefault_Click()
 
 void frmOptions::cmdBrowse_Click()
 {
-    std::string folder = BrowseForFolder("Select Characters' Location :");
+    std::string folder =
+        BrowseForFolder(program_.Host.Windows, "Select Characters' Location :", program_.Settings.CharacterPath);
     if (folder.empty())
         return;
     // A root has its separator already.
-    if (!folder.ends_with(PathSeparator()))
-        folder += PathSeparator();
+    if (!folder.ends_with(program_.PathSeparator()))
+        folder += program_.PathSeparator();
     txtCharPath.Text = folder;
 }
 
 void frmOptions::cmdAnimate_Click()
 {
     if (cmdAnimate.Caption.get() == animate) {
-        if (!Character || comAnimation.ListIndex < 0)
+        if (!program_.Character || comAnimation.ListIndex < 0)
             return;
         cmdAnimate.Caption = stop;
         // Nothing here watches for the end: the main window, which the character tells of it, runs this.
-        AnimateEnded = [this] { cmdAnimate.Caption = animate; };
-        AnimateRequest = Character->Play(comAnimation.Items().at(static_cast<std::size_t>(comAnimation.ListIndex)));
-        CurrentRequest = AnimateRequest;
+        program_.Characters.AnimateEnded = [this] { cmdAnimate.Caption = animate; };
+        program_.Characters.AnimateRequest =
+            program_.Character->Play(comAnimation.Items().at(static_cast<std::size_t>(comAnimation.ListIndex)));
+        program_.Reading.CurrentRequest = program_.Characters.AnimateRequest;
     } else {
         cmdAnimate.Caption = animate;
-        if (Character)
-            Character->StopAll("Play");
+        if (program_.Character)
+            program_.Character->StopAll("Play");
     }
 }
 
@@ -424,7 +202,7 @@ void frmOptions::cmdFont_Click()
     constexpr int least = 4;
     constexpr int most = 72;
     FontSpec font = lblFont.Font;
-    if (!platform_.Windows.ShowFont(font, least, most))
+    if (!program_.Host.Windows.ShowFont(font, least, most))
         return;
     lblFont.Font = font;
     lblFont.Caption = font.Name;
@@ -441,7 +219,7 @@ void frmOptions::cmdPreview_Click()
         (closes ? "Test reminder window to be closed in " + txtAutoClose.Text.get() + "  second(s)."
                 : "Test reminder window.") +
         CrLf;
-    previews_.push_back(Main().NewAlertWindow());
+    previews_.push_back(program_.Main->NewAlertWindow());
     previews_.back()->DisplayMessage(message, previewId, true, closes ? NumberIn(txtAutoClose) : 0, optAction(1).Value,
                                      true, optShape(0).Value, SelectedAlertColor, optGradiantType(1).Value);
 }
@@ -449,8 +227,8 @@ void frmOptions::cmdPreview_Click()
 void frmOptions::Play(const std::string& animation)
 {
     try {
-        if (Character)
-            Character->Play(animation);
+        if (program_.Character)
+            program_.Character->Play(animation);
     } catch (const RuntimeError&) {
         // Not every character can do everything.
     }

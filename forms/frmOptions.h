@@ -15,10 +15,13 @@
 namespace voxmate
 {
 
+class Program;
+struct SettingsRecord;
+
 class frmOptions : public Form
 {
 public:
-    explicit frmOptions(Platform& platform);
+    explicit frmOptions(Program& program);
     ~frmOptions() override;
 
     TabStrip SSTab1{this, "SSTab1", {"Character", "Reading", "Misc", "Reminders"}};
@@ -106,7 +109,9 @@ protected:
     void Form_Unload() override;
 
 private:
-    Platform& platform_;
+    static constexpr int CharacterTab = 0;
+    static constexpr int RemindersTab = 3;
+    Program& program_;
     bool applying_ = false;
     std::vector<std::unique_ptr<AlertWindow>> previews_;
 
@@ -121,9 +126,14 @@ private:
     void FillLists();
     void FillAnimations();
     void ShowSettings();
+    void SaveNumber(const char* name, std::int16_t SettingsRecord::*field, std::int16_t value);
+    void SaveText(const char* name, std::string SettingsRecord::*field, const std::string& value);
     void SaveOptions();
     void SaveCharacterPath();
     bool Valid();
+    /// The number at the beginning of a field; 0 where it has no digits.
+    static std::int16_t NumberIn(const TextBox& box);
+    static std::int16_t KeptNumber(TextBox& box);
     void Complain(const char* message, int tab, TextBox& box);
     void Play(const std::string& animation);
 

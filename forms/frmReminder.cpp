@@ -1,10 +1,8 @@
 #include "forms/frmReminder.h"
 
 #include "base/Text.h"
-#include "forms/Command.h"
-#include "modules/Declarations.h"
-#include "modules/ReminderList.h"
-#include "modules/ReminderRecord.h"
+#include "modules/Command.h"
+#include "modules/Program.h"
 
 #include <tuple>
 #include <utility>
@@ -19,12 +17,6 @@ constexpr std::size_t TitleLength = 50;
 constexpr std::size_t TimeLength = 5;
 constexpr std::size_t DescriptionLength = 250;
 
-// A question whose answer changes the file: No is what Enter answers.
-bool Confirmed(const std::string& question, const char* animation)
-{
-    return ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, animation) == vbYes;
-}
-
 CalendarDate DayOf(const DateTime& date)
 {
     return {date.year, date.month, date.day};
@@ -32,7 +24,7 @@ CalendarDate DayOf(const DateTime& date)
 
 } // namespace
 
-frmReminder::frmReminder(Platform& platform) : Form(platform.Windows, "frmReminder"), platform_(platform)
+frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmReminder"), program_(program)
 {
     Caption = "Voxmate Reminders";
     Border = BorderStyle::Sizable;
@@ -67,6 +59,12 @@ frmReminder::frmReminder(Platform& platform) : Form(platform.Windows, "frmRemind
     cmdClose.Click = [this] { cmdClose_Click(); };
 }
 
+// A question whose answer changes the file: No is what Enter answers.
+bool frmReminder::Confirmed(const std::string& question, const char* animation)
+{
+    return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, animation) == vbYes;
+}
+
 void frmReminder::Arrange()
 {
     constexpr int tight = 4;
@@ -89,7 +87,7 @@ void frmReminder::Arrange()
 void frmReminder::Form_Load()
 {
     Caption = std::string("Voxmate Reminders") +
-              (Main().ReminderTimerEnabled() ? " - CURRENTLY ENABLED" : " - CURRENTLY DISABLED");
+              (program_.Main->ReminderTimerEnabled() ? " - CURRENTLY ENABLED" : " - CURRENTLY DISABLED");
     lstvReminders.ClearItems();
     lstvReminders.FullRowSelect = false;
     lstvReminders.Sorted = false;
@@ -119,18 +117,16 @@ void frmReminder::SelectListItem(std::int16_t index)
         lstvReminders.SelectItem(static_cast<std::size_t>(index));
 }
 
-void frmReminder::ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
-                             const std::string& time, const std::string& description, bool done)
+void frmReminder::ShowFields(const Reminder& reminder)
 {
-    const auto number = [&time](std::size_t at) { return ToInt16(WholeNumber(Mid(time, at, 2)).value_or(0)); };
-    shown_ = {title, day, month, year, number(1), number(4), description, done};
-    txtTitle.Text = title;
-    mvDate.SetValue({year, month, day});
+    shown_ = reminder;
+    txtTitle.Text = reminder.Title;
+    mvDate.SetValue({reminder.Year, reminder.Month, reminder.Day});
     timeByCode_ = true;
-    txtTime.Text = time;
+    txtTime.Text = Padded(reminder.Hour, 2) + ":" + Padded(reminder.Minute, 2);
     timeByCode_ = false;
-    txtDesc.Text = description;
-    chkDone.Value = done ? 1 : 0;
+    txtDesc.Text = reminder.Description;
+    chkDone.Value = reminder.Done ? 1 : 0;
     // The fields are those of a reminder that exists, until the user makes them another's.
     cmdAdd.Enabled = false;
 }
@@ -143,7 +139,7 @@ void frmReminder::ClearFields()
     txtTime.Text = "";
     timeByCode_ = false;
     chkDone.Value = 0;
-    mvDate.SetValue(DayOf(platform_.Time.Now()));
+    mvDate.SetValue(DayOf(program_.Host.Time.Now()));
     cmdUpdate.Enabled = false;
     cmdDelete.Enabled = false;
     cmdAdd.Enabled = true;
@@ -152,7 +148,7 @@ void frmReminder::ClearFields()
 void frmReminder::MarkChanged()
 {
     cmdAdd.Enabled = true;
-    if (RemCount > 0)
+    if (program_.Reminders.List.RemCount > 0)
         cmdUpdate.Enabled = true;
 }
 
@@ -167,8 +163,7 @@ void frmReminder::txtTime_KeyPress(int& keyAscii)
 
 void frmReminder::lstvReminders_ItemClick(std::size_t number)
 {
-    const std::string& id = lstvReminders.ListItems()[number - 1].Text;
-    ShowReminderInEditor(ToInt16(WholeNumber(id).value_or(0)));
+    program_.Reminders.ShowReminderInEditor(ToInt16(static_cast<std::int64_t>(number)));
 }
 
 void frmReminder::lstvReminders_ColumnClick(int column)
@@ -187,9 +182,9 @@ void frmReminder::lstvReminders_ColumnClick(int column)
 void frmReminder::cmdAdd_Click()
 {
     const Command command(working_);
-    if (!command.Begun() || !ValidateReminderInput(true) || !TryAppendReminder(Fields()))
+    if (!command.Begun() || !ValidateReminderInput(true) || !program_.Reminders.TryAppendReminder(Fields()))
         return;
-    LoadReminders(true, ToInt16(RemCount + 1));
+    program_.Reminders.LoadReminders(true, ToInt16(program_.Reminders.List.RemCount + 1));
 }
 
 void frmReminder::cmdUpdate_Click()
@@ -207,13 +202,13 @@ bool frmReminder::UpdateSelected()
         return true;
     const std::int16_t id = PlaceOfShown();
     if (id == 0) {
-        TellOfListReadAnew();
+        program_.Reminders.TellOfListReadAnew();
         return false;
     }
-    StoreReminder(id, Fields());
-    if (!TrySaveReminders(0))
+    program_.Reminders.List.Set(id, Fields());
+    if (!program_.Reminders.TrySaveReminders(0))
         return false;
-    LoadReminders(true, id);
+    program_.Reminders.LoadReminders(true, id);
     cmdUpdate.Enabled = false;
     return true;
 }
@@ -225,9 +220,9 @@ void frmReminder::cmdDelete_Click()
         return;
     const std::int16_t id = PlaceOfShown();
     if (id == 0)
-        TellOfListReadAnew();
-    else if (TrySaveReminders(id))
-        LoadReminders(true, 0);
+        program_.Reminders.TellOfListReadAnew();
+    else if (program_.Reminders.TrySaveReminders(id))
+        program_.Reminders.LoadReminders(true, 0);
 }
 
 void frmReminder::cmdClose_Click()
@@ -241,7 +236,8 @@ bool frmReminder::MayClose()
 {
     if (!cmdUpdate.Enabled)
         return true;
-    switch (ReminderMessage("Do you want to save changes ?", vbYesNoCancel + vbQuestion, "Suggest")) {
+    switch (
+        program_.Reminders.ReminderMessage("Do you want to save changes ?", vbYesNoCancel + vbQuestion, "Suggest")) {
     case vbYes:
         return UpdateSelected();
     case vbNo:
@@ -251,26 +247,21 @@ bool frmReminder::MayClose()
     }
 }
 
-std::int16_t frmReminder::SelectedId() const
-{
-    const std::size_t number = lstvReminders.SelectedItem();
-    return number == 0 ? std::int16_t{0} : ToInt16(WholeNumber(lstvReminders.ListItems()[number - 1].Text).value_or(0));
-}
-
 // Where the reminder that is shown stands in the list, which may have been read anew with what another program has done
 // to it; 0 when it is not there any more.
 std::int16_t frmReminder::PlaceOfShown() const
 {
-    const std::int16_t selected = SelectedId();
-    if (RemindersValid == False || selected == 0)
+    const std::int16_t selected = ToInt16(static_cast<std::int64_t>(lstvReminders.SelectedItem()));
+    if (program_.Reminders.List.RemindersValid == False || selected == 0)
         return selected;
-    if (const std::int32_t id = FindEntry(shown_, selected); id != 0)
+    if (const std::int32_t id = program_.Reminders.List.Find(shown_, selected); id != 0)
         return static_cast<std::int16_t>(id);
     // An answer gives it another date or mark; then it is the only one of its texts.
     std::int16_t place = 0;
-    for (std::int32_t id = 1; id <= RemCount; ++id) {
+    for (std::int32_t id = 1; id <= program_.Reminders.List.RemCount; ++id) {
         const auto at = static_cast<std::size_t>(id);
-        if (RemTitles[at] != shown_.Title || RemDescs[at] != shown_.Description)
+        if (program_.Reminders.List.RemTitles[at] != shown_.Title ||
+            program_.Reminders.List.RemDescs[at] != shown_.Description)
             continue;
         if (place != 0)
             return 0;
@@ -281,10 +272,9 @@ std::int16_t frmReminder::PlaceOfShown() const
 
 Reminder frmReminder::Fields() const
 {
-    const std::string time = Trim(txtTime.Text.get());
-    const auto number = [&time](std::size_t at) { return ToInt16(WholeNumber(Mid(time, at, 2)).value_or(0)); };
-    return {txtTitle.Text, ToInt16(mvDate.Day()), ToInt16(mvDate.Month()), ToInt16(mvDate.Year()), number(1),
-            number(4),     txtDesc.Text,          chkDone.Value != 0};
+    const TimeOfDay time = ParseTime(txtTime.Text.get()).value_or(TimeOfDay{});
+    return {txtTitle.Text, ToInt16(mvDate.Day()), ToInt16(mvDate.Month()), ToInt16(mvDate.Year()), time.Hour,
+            time.Minute,   txtDesc.Text,          chkDone.Value != 0};
 }
 
 bool frmReminder::ValidateReminderInput(bool adding)
@@ -303,7 +293,7 @@ bool frmReminder::ValidateReminderInput(bool adding)
 
 bool frmReminder::Refuse(const char* text, Control& field)
 {
-    ReminderMessage(text, vbOKOnly + vbExclamation, "Confused");
+    program_.Reminders.ReminderMessage(text, vbOKOnly + vbExclamation, "Confused");
     field.SetFocus();
     return false;
 }
@@ -311,7 +301,7 @@ bool frmReminder::Refuse(const char* text, Control& field)
 bool frmReminder::IsBackDated() const
 {
     const Reminder due = Fields();
-    const DateTime now = platform_.Time.Now();
+    const DateTime now = program_.Host.Time.Now();
     return std::tuple<int, int, int, int, int>(due.Year, due.Month, due.Day, due.Hour, due.Minute) <
            std::tuple(now.year, now.month, now.day, now.hour, now.minute);
 }

@@ -3,7 +3,7 @@
 
 #include "controls/ListView.h"
 #include "controls/MonthView.h"
-#include "modules/Reminders.h"
+#include "modules/ReminderRecord.h"
 #include "modules/Windows.h"
 #include "platform/Platform.h"
 
@@ -12,10 +12,12 @@
 namespace voxmate
 {
 
+class Program;
+
 class frmReminder : public Form, public ReminderEditor
 {
 public:
-    explicit frmReminder(Platform& platform);
+    explicit frmReminder(Program& program);
 
     ImageList RemImgList{this, "RemImgList", {{"done", "Done"}, {"pending", "Pending"}}};
     ListView lstvReminders{this, "lstvReminders", {{"Id", 5}, {"Title", 0}, {"Date", 10}, {"Time", 5}}};
@@ -41,8 +43,7 @@ public:
     void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
                      const std::string& time) override;
     void SelectListItem(std::int16_t index) override;
-    void ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
-                    const std::string& time, const std::string& description, bool done) override;
+    void ShowFields(const Reminder& reminder) override;
     void ClearFields() override;
 
 protected:
@@ -50,7 +51,7 @@ protected:
     void Form_QueryUnload(bool& cancel) override;
 
 private:
-    Platform& platform_;
+    Program& program_;
     bool working_ = false;    ///< a command runs
     bool timeByCode_ = false; ///< the program fills txtTime, not the user
     Reminder shown_;          ///< the reminder that was put into the fields last
@@ -65,10 +66,10 @@ private:
     void cmdDelete_Click();
     void cmdClose_Click();
 
-    std::int16_t SelectedId() const;
     std::int16_t PlaceOfShown() const;
     Reminder Fields() const;
     bool ValidateReminderInput(bool adding);
+    bool Confirmed(const std::string& question, const char* animation);
     bool Refuse(const char* text, Control& field);
     bool IsBackDated() const;
     bool UpdateSelected();

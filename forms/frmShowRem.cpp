@@ -1,10 +1,8 @@
 #include "forms/frmShowRem.h"
 
 #include "base/Text.h"
-#include "forms/Command.h"
-#include "modules/Declarations.h"
-#include "modules/ReminderRecord.h"
-#include "modules/Reminders.h"
+#include "modules/Command.h"
+#include "modules/Program.h"
 
 namespace voxmate
 {
@@ -17,7 +15,7 @@ constexpr std::size_t SnoozeLength = 3;
 
 } // namespace
 
-frmShowRem::frmShowRem(Platform& platform) : Form(platform.Windows, "frmShowRem"), platform_(platform)
+frmShowRem::frmShowRem(Program& program) : Form(program.Host.Windows, "frmShowRem"), program_(program)
 {
     Caption = "Voxmate Reminder";
     FontName = "Tahoma";
@@ -61,15 +59,16 @@ void frmShowRem::ShowNotice(const NoticeText& text)
 {
     Load();
     lblHeading.Caption = text.Heading;
-    lblId.Caption = std::to_string(text.Id);
+    id_ = text.Id;
+    lblId.Caption = std::to_string(id_);
     lblTitle.Caption = text.Title;
     lblDate.Caption = text.Date;
     lblTime.Caption = text.Time;
     txtDesc.Text = text.Description;
     txtDesc.Locked = true;
     // The setting says the opposite of its name; users know it so.
-    const std::int32_t insertAfter = Settings.ReminderOnTop == 1 ? HWND_NOTOPMOST : HWND_TOPMOST;
-    platform_.Windows.SetWindowPos(hWnd(), insertAfter, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    const std::int32_t insertAfter = program_.Settings.ReminderOnTop == 1 ? HWND_NOTOPMOST : HWND_TOPMOST;
+    program_.Host.Windows.SetWindowPos(hWnd(), insertAfter, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     Show();
 }
 
@@ -89,7 +88,7 @@ void frmShowRem::cmdOK_Click()
     const Command command(working_);
     if (!command.Begun())
         return;
-    FinishReminder(Id(), false, 0);
+    program_.Scheduler.FinishReminder(id_, false, 0);
     Unload();
 }
 
@@ -100,18 +99,13 @@ void frmShowRem::cmdSnooze_Click()
         return;
     txtSnooze.Text = Trim(txtSnooze.Text.get());
     if (!IsWholeNumber(txtSnooze.Text, false)) {
-        ReminderMessage("Snooze time should be greater than zero.", vbOKOnly + vbExclamation);
+        program_.Reminders.ReminderMessage("Snooze time should be greater than zero.", vbOKOnly + vbExclamation);
         txtSnooze.SetFocus();
         return;
     }
     // Three digits at most.
-    FinishReminder(Id(), true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
+    program_.Scheduler.FinishReminder(id_, true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
     Unload();
-}
-
-std::int16_t frmShowRem::Id() const
-{
-    return ToInt16(WholeNumber(lblId.Caption.get()).value_or(0));
 }
 
 } // namespace voxmate

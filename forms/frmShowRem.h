@@ -7,10 +7,12 @@
 namespace voxmate
 {
 
+class Program;
+
 class frmShowRem : public Form, public NoticeWindow
 {
 public:
-    explicit frmShowRem(Platform& platform);
+    explicit frmShowRem(Program& program);
 
     TextBox txtSnooze{this, "txtSnooze"};
     CommandButton cmdSnooze{this, "cmdSnooze", "Snooze"};
@@ -37,14 +39,14 @@ protected:
     void Form_Load() override;
 
 private:
-    Platform& platform_;
+    Program& program_;
     bool working_ = false; ///< a command runs
+    std::int16_t id_ = 0;  ///< of the reminder that is shown
 
     void Arrange();
     void txtSnooze_KeyPress(int& keyAscii);
     void cmdOK_Click();
     void cmdSnooze_Click();
-    std::int16_t Id() const;
 };
 
 } // namespace voxmate

@@ -1,12 +1,11 @@
 #include "forms/frmSplash.h"
 
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
+#include "modules/Program.h"
 
 namespace voxmate
 {
 
-frmSplash::frmSplash(Platform& platform) : Form(platform.Windows, "frmSplash")
+frmSplash::frmSplash(Program& program) : Form(program.Host.Windows, "frmSplash"), program_(program)
 {
     Caption = "Voxmate";
     Border = BorderStyle::Splash;
@@ -29,7 +28,7 @@ void frmSplash::Form_Load()
 
 void frmSplash::splashTimer_Timer()
 {
-    StartMain();
+    program_.StartMain();
     splashTimer.Enabled = false;
     Unload();
 }

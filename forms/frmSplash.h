@@ -6,10 +6,12 @@
 namespace voxmate
 {
 
+class Program;
+
 class frmSplash : public Form
 {
 public:
-    explicit frmSplash(Platform& platform);
+    explicit frmSplash(Program& program);
 
     Image imgIcon{this, "imgIcon", "voxmate", 96};
     Label lblProduct{this, "lblProduct", "Voxmate"};
@@ -23,6 +25,8 @@ protected:
     void Form_Load() override;
 
 private:
+    Program& program_;
+
     void splashTimer_Timer();
 };
 

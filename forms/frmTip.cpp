@@ -1,15 +1,13 @@
 #include "forms/frmTip.h"
 
-#include "modules/Declarations.h"
-#include "modules/Registry.h"
-#include "modules/Tips.h"
+#include "modules/Program.h"
 
 #include <utility>
 
 namespace voxmate
 {
 
-frmTip::frmTip(Platform& platform) : Form(platform.Windows, "frmTip")
+frmTip::frmTip(Program& program) : Form(program.Host.Windows, "frmTip"), program_(program)
 {
     Caption = "Tip of the Day";
     cmdOK.IsDefault = true;
@@ -45,32 +43,32 @@ void frmTip::SetChecks(int showAtStartUp, int autoRead)
 
 void frmTip::DisplayCurrentTip()
 {
-    if (!Tips.empty())
-        lblTipText.Caption = Tips.at(static_cast<std::size_t>(CurrentTip) - 1);
+    if (!program_.Tips.All.empty())
+        lblTipText.Caption = program_.Tips.All.at(static_cast<std::size_t>(program_.Tips.CurrentTip) - 1);
 }
 
 void frmTip::chkAutoRead_Click()
 {
-    WriteRegDword(SettingsKey, "AutoReadTip", chkAutoRead.Value);
-    Settings.AutoReadTip = static_cast<std::int16_t>(chkAutoRead.Value.get());
+    program_.Registry.WriteRegDword(SettingsKey, "AutoReadTip", chkAutoRead.Value);
+    program_.Settings.AutoReadTip = static_cast<std::int16_t>(chkAutoRead.Value.get());
 }
 
 void frmTip::chkLoadTipsAtStartup_Click()
 {
-    WriteRegDword(SettingsKey, "ShowTipAtStartUp", chkLoadTipsAtStartup.Value);
-    Settings.ShowTipAtStartUp = static_cast<std::int16_t>(chkLoadTipsAtStartup.Value.get());
+    program_.Registry.WriteRegDword(SettingsKey, "ShowTipAtStartUp", chkLoadTipsAtStartup.Value);
+    program_.Settings.ShowTipAtStartUp = static_cast<std::int16_t>(chkLoadTipsAtStartup.Value.get());
 }
 
 void frmTip::cmdReadTip_Click()
 {
-    ReadTipAloud();
+    program_.Tips.ReadTipAloud();
 }
 
 void frmTip::cmdNextTip_Click()
 {
-    PickRandomTip();
-    if (Settings.AutoReadTip == 1)
-        ReadTipAloud();
+    program_.Tips.PickRandomTip();
+    if (program_.Settings.AutoReadTip == 1)
+        program_.Tips.ReadTipAloud();
 }
 
 void frmTip::cmdOK_Click()

@@ -10,10 +10,12 @@
 namespace voxmate
 {
 
+class Program;
+
 class frmTip : public Form, public TipWindow
 {
 public:
-    explicit frmTip(Platform& platform);
+    explicit frmTip(Program& program);
 
     Pane Picture1{this, "Picture1"};
     Image imgTip{this, "imgTip", "voxmate", 44};
@@ -36,6 +38,8 @@ protected:
     void Form_Load() override;
 
 private:
+    Program& program_;
+
     void chkAutoRead_Click();
     void chkLoadTipsAtStartup_Click();
     void cmdReadTip_Click();

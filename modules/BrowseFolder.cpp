@@ -1,14 +1,11 @@
 #include "modules/BrowseFolder.h"
 
-#include "modules/Declarations.h"
-
 namespace voxmate
 {
 
-std::string BrowseForFolder(const std::string& prompt)
+std::string BrowseForFolder(WindowSystem& windows, const std::string& prompt, const std::string& start)
 {
-    WindowSystem& windows = Host().Windows;
-    const ItemList list = windows.SHBrowseForFolderA({prompt, Settings.CharacterPath, BIF_RETURNONLYFSDIRS});
+    const ItemList list = windows.SHBrowseForFolderA({prompt, start, BIF_RETURNONLYFSDIRS});
     if (list == 0)
         return {};
     std::string path;

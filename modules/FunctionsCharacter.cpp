@@ -1,9 +1,6 @@
 // The character: finding the files, loading one, applying the settings to it.
 #include "base/Text.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
-#include "modules/Messages.h"
-#include "modules/Registry.h"
+#include "modules/Program.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,55 +13,9 @@ namespace
 
 constexpr const char* extension = ".acs";
 
-std::vector<std::string> CharacterFiles(const std::string& folder)
+bool Ask(WindowSystem& windows, std::span<const std::string> lines)
 {
-    return Host().Files.ListFiles(folder, std::string("*") + extension);
-}
-
-// What is wrong with a characters folder: the first line of the box, or empty.
-std::string FolderProblem(const std::string& folder)
-{
-    if (!Host().Files.FolderExists(folder))
-        return "Following folder containing the characters does not exist:";
-    return CharacterFiles(folder).empty() ? "No characters found in the following path:" : "";
-}
-
-bool Ask(std::span<const std::string> lines)
-{
-    return Host().Windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Path Error") == vbYes;
-}
-
-[[noreturn]] void EndWithoutCharacters(const std::string& problem)
-{
-    const std::string page = HelpPage("characters");
-    const std::string lines[] = {problem, SearchPath,
-                                 "Please goto following MS Agents' download page and install MS Agent.", page,
-                                 "Do you want to goto download site now ?"};
-    if (Ask(lines))
-        OpenUrl(page);
-    Host().System.EndProgram();
-}
-
-// Settles SearchPath on a folder with characters; false when the user keeps the folder in use.
-bool SettleSearchPath(bool fromOptions)
-{
-    std::string problem = FolderProblem(SearchPath);
-    if (problem.empty())
-        return true;
-    const std::string lines[] = {
-        problem, SearchPath, "Do you want to let Voxmate load characters from windows system directory ?",
-        fromOptions ? "If no then CharacterPath setting will not take effect." : "If no then Voxmate will end."};
-    if (!Ask(lines)) {
-        if (fromOptions && CharacterCount != 0)
-            return false;
-        Host().System.EndProgram();
-    }
-    const std::string separator = PathSeparator();
-    SearchPath = WindowsDir + separator + "msagent" + separator + "chars" + separator;
-    problem = FolderProblem(SearchPath);
-    if (!problem.empty())
-        EndWithoutCharacters(problem);
-    return true;
+    return windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Path Error") == vbYes;
 }
 
 // The name as its file has it, for names of characters compare without case; the first of all where there is none.
@@ -75,22 +26,8 @@ std::string InAnyCase(const std::string& name, const std::vector<std::string>& n
     return found == names.end() ? names.front() : *found;
 }
 
-void FillAnimationNames()
+void AddCommands(AgentCommands& commands)
 {
-    AnimationNames.fill({});
-    std::size_t index = 0;
-    for (const std::string& name : Character->AnimationNames()) {
-        if (index == AnimationNames.size())
-            break;
-        AnimationNames.at(index++) = name;
-    }
-    if (AnimationNamesChanged)
-        AnimationNamesChanged();
-}
-
-void AddCommands()
-{
-    AgentCommands& commands = Character->Commands();
     commands.Add("mnuStop", "&Stop", "Stop", true, true);
     commands.Add("mnuTime", "Tell me &Time", "Tell me Time", true, true);
     commands.Add("mnuDate", "Tell me &Date", "Tell me Date", true, true);
@@ -102,38 +39,37 @@ std::uint32_t WithBit(std::uint32_t style, std::uint32_t bit, std::int16_t setti
     return setting == 1 ? style | bit : style & ~bit;
 }
 
-void ApplyBalloonSettings()
+void ApplyBalloonSettings(AgentBalloon& balloon, const SettingsRecord& settings)
 {
-    AgentBalloon& balloon = Character->Balloon();
     // Field by field, as each change is a style of its own to the balloon.
-    const auto lines = static_cast<std::uint32_t>(Settings.BalloonTotalLines);
-    const auto characters = static_cast<std::uint32_t>(Settings.BalloonCharactersPerLine);
+    const auto lines = static_cast<std::uint32_t>(settings.BalloonTotalLines);
+    const auto characters = static_cast<std::uint32_t>(settings.BalloonCharactersPerLine);
     balloon.SetStyle((balloon.Style() & 0x00FFFFFFu) + (lines << 24));
     balloon.SetStyle((balloon.Style() & ~BalloonCharactersMask) + (characters << 16));
-    balloon.SetStyle(WithBit(balloon.Style(), BalloonOn, Settings.ShowBalloon));
-    balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoHide, Settings.BalloonAutoHide));
-    balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoPace, Settings.BalloonAutoPace));
-    balloon.SetStyle(WithBit(balloon.Style(), BalloonSizeToText, Settings.SizeBallonToText));
-    balloon.SetFontName(Settings.BalloonFontName);
-    balloon.SetFontSize(Settings.BalloonFontSize);
+    balloon.SetStyle(WithBit(balloon.Style(), BalloonOn, settings.ShowBalloon));
+    balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoHide, settings.BalloonAutoHide));
+    balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoPace, settings.BalloonAutoPace));
+    balloon.SetStyle(WithBit(balloon.Style(), BalloonSizeToText, settings.SizeBallonToText));
+    balloon.SetFontName(settings.BalloonFontName);
+    balloon.SetFontSize(settings.BalloonFontSize);
 }
 
-void ApplySize()
+void ApplySize(AgentCharacter& character, std::int16_t size)
 {
-    const int width = Character->OriginalWidth();
-    const int height = Character->OriginalHeight();
-    switch (Settings.CharacterSize) {
+    const int width = character.OriginalWidth();
+    const int height = character.OriginalHeight();
+    switch (size) {
     case 0:
-        Character->SetWidth(static_cast<int>(RoundHalfEven(width / 2.0)));
-        Character->SetHeight(static_cast<int>(RoundHalfEven(height / 2.0)));
+        character.SetWidth(static_cast<int>(RoundHalfEven(width / 2.0)));
+        character.SetHeight(static_cast<int>(RoundHalfEven(height / 2.0)));
         break;
     case 1:
-        Character->SetWidth(width);
-        Character->SetHeight(height);
+        character.SetWidth(width);
+        character.SetHeight(height);
         break;
     case 2:
-        Character->SetWidth(MultiplyInt16(ToInt16(width), 2));
-        Character->SetHeight(MultiplyInt16(ToInt16(height), 2));
+        character.SetWidth(MultiplyInt16(ToInt16(width), 2));
+        character.SetHeight(MultiplyInt16(ToInt16(height), 2));
         break;
     default:
         break;
@@ -142,79 +78,140 @@ void ApplySize()
 
 } // namespace
 
-void FindCharacters(bool fromOptions)
+std::vector<std::string> Characters::CharacterFiles(const std::string& folder) const
 {
-    NumberedRoutine(1, [fromOptions] {
+    return program_.Host.Files.ListFiles(folder, std::string("*") + extension);
+}
+
+// What is wrong with a characters folder: the first line of the box, or empty.
+std::string Characters::FolderProblem(const std::string& folder) const
+{
+    if (!program_.Host.Files.FolderExists(folder))
+        return "Following folder containing the characters does not exist:";
+    return CharacterFiles(folder).empty() ? "No characters found in the following path:" : "";
+}
+
+void Characters::EndWithoutCharacters(const std::string& problem)
+{
+    const std::string page = program_.HelpPage("characters");
+    const std::string lines[] = {problem, SearchPath,
+                                 "Please goto following MS Agents' download page and install MS Agent.", page,
+                                 "Do you want to goto download site now ?"};
+    if (Ask(program_.Host.Windows, lines))
+        program_.OpenUrl(page);
+    program_.Host.System.EndProgram();
+}
+
+// Settles SearchPath on a folder with characters; false when the user keeps the folder in use.
+bool Characters::SettleSearchPath(bool fromOptions)
+{
+    std::string problem = FolderProblem(SearchPath);
+    if (problem.empty())
+        return true;
+    const std::string lines[] = {
+        problem, SearchPath, "Do you want to let Voxmate load characters from windows system directory ?",
+        fromOptions ? "If no then CharacterPath setting will not take effect." : "If no then Voxmate will end."};
+    if (!Ask(program_.Host.Windows, lines)) {
+        if (fromOptions && CharacterCount != 0)
+            return false;
+        program_.Host.System.EndProgram();
+    }
+    const std::string separator = program_.PathSeparator();
+    SearchPath = program_.WindowsDir + separator + "msagent" + separator + "chars" + separator;
+    problem = FolderProblem(SearchPath);
+    if (!problem.empty())
+        EndWithoutCharacters(problem);
+    return true;
+}
+
+void Characters::FillAnimationNames()
+{
+    AnimationNames.fill({});
+    std::size_t index = 0;
+    for (const std::string& name : program_.Character->AnimationNames()) {
+        if (index == AnimationNames.size())
+            break;
+        AnimationNames.at(index++) = name;
+    }
+    if (AnimationNamesChanged)
+        AnimationNamesChanged();
+}
+
+void Characters::FindCharacters(bool fromOptions)
+{
+    program_.Messages.NumberedRoutine(1, [this, fromOptions] {
         if (!SettleSearchPath(fromOptions))
             return;
-        Settings.CharacterPath = SearchPath;
+        program_.Settings.CharacterPath = SearchPath;
         std::vector<std::string> names;
         for (const std::string& file : CharacterFiles(SearchPath))
-            names.push_back(Host().Files.GetBaseName(file));
-        Main().ListCharacters(names);
+            names.push_back(program_.Host.Files.GetBaseName(file));
+        program_.Main->ListCharacters(names);
         CharacterCount = ToInt16(static_cast<std::int64_t>(names.size()));
-        WriteRegString(SettingsKey, "CharacterPath", Settings.CharacterPath);
-        if (!Host().Files.FileExists(Settings.CharacterPath + Settings.LastCharacter + extension))
-            Settings.LastCharacter = InAnyCase(Settings.LastCharacter, names);
+        program_.Registry.WriteRegString(SettingsKey, "CharacterPath", program_.Settings.CharacterPath);
+        if (!program_.Host.Files.FileExists(program_.Settings.CharacterPath + program_.Settings.LastCharacter +
+                                            extension))
+            program_.Settings.LastCharacter = InAnyCase(program_.Settings.LastCharacter, names);
     });
 }
 
-void ChangeCharacterPath(const std::string& path)
+void Characters::ChangeCharacterPath(const std::string& path)
 {
-    const std::string loaded = Settings.LastCharacter;
+    const std::string loaded = program_.Settings.LastCharacter;
     SearchPath = path;
     FindCharacters(true);
-    SearchPath = Settings.CharacterPath;
-    const std::string next = std::exchange(Settings.LastCharacter, loaded);
-    if (!Character || next != loaded)
+    SearchPath = program_.Settings.CharacterPath;
+    const std::string next = std::exchange(program_.Settings.LastCharacter, loaded);
+    if (!program_.Character || next != loaded)
         LoadCharacter(next, false);
     else
-        Main().CheckCharacter(loaded);
+        program_.Main->CheckCharacter(loaded);
 }
 
-void LoadCharacter(const std::string& name, bool atStartUp)
+void Characters::LoadCharacter(const std::string& name, bool atStartUp)
 {
-    NumberedRoutine(2, [&name, atStartUp] {
-        const std::string path = Settings.CharacterPath + name + extension;
-        if (!Host().Files.FileExists(path)) {
-            Announce(std::string("Please make sure following file is available to load this charater:") + CrLf + path,
-                     vbExclamation, "Voxmate - File Error", "Decline");
+    program_.Messages.NumberedRoutine(2, [&] {
+        const std::string path = program_.Settings.CharacterPath + name + extension;
+        if (!program_.Host.Files.FileExists(path)) {
+            program_.Messages.Announce(
+                std::string("Please make sure following file is available to load this charater:") + CrLf + path,
+                vbExclamation, "Voxmate - File Error", "Decline");
             return;
         }
         if (!atStartUp) {
-            Character = nullptr;
-            Host().Agent.Unload(Settings.LastCharacter);
+            program_.Character = nullptr;
+            program_.Host.Agent.Unload(program_.Settings.LastCharacter);
         }
-        Host().Agent.Load(name, path);
-        Character = &Host().Agent.Characters(name);
-        if (Settings.ShowCharacterAtStart == 1)
-            Character->Show(false);
-        Settings.LastCharacter = name;
+        program_.Host.Agent.Load(name, path);
+        program_.Character = &program_.Host.Agent.Characters(name);
+        if (program_.Settings.ShowCharacterAtStart == 1)
+            program_.Character->Show(false);
+        program_.Settings.LastCharacter = name;
         FillAnimationNames();
-        Main().SetCharacterPanel(UCase(name));
-        WriteRegString(SettingsKey, "LastCharacter", name);
-        Main().CheckCharacter(name);
-        const int engine = Main().SelectedSpeechEngine();
+        program_.Main->SetCharacterPanel(UCase(name));
+        program_.Registry.WriteRegString(SettingsKey, "LastCharacter", name);
+        program_.Main->CheckCharacter(name);
+        const int engine = program_.Main->SelectedSpeechEngine();
         if (engine >= 0)
-            Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(engine) + 1));
-        AddCommands();
+            program_.Character->SetTTSModeID(program_.Voice.EngineIds.at(static_cast<std::size_t>(engine) + 1));
+        AddCommands(program_.Character->Commands());
         ApplyCharacterSettings();
     });
 }
 
-bool TellDamagedCharacter(const std::string& message)
+bool Characters::TellDamagedCharacter(const std::string& message)
 {
-    if (!StartedUp || IsBusy)
+    if (!program_.StartedUp || program_.Messages.IsBusy)
         return false;
-    Announce(message, vbExclamation, "Voxmate - File Error", "Decline");
+    program_.Messages.Announce(message, vbExclamation, "Voxmate - File Error", "Decline");
     return true;
 }
 
-void ApplyCharacterSettings()
+void Characters::ApplyCharacterSettings()
 {
-    ApplyBalloonSettings();
-    ApplySize();
-    Host().Agent.SetSoundEffectsOn(Settings.EnableSoundEffects != 0);
+    ApplyBalloonSettings(program_.Character->Balloon(), program_.Settings);
+    ApplySize(*program_.Character, program_.Settings.CharacterSize);
+    program_.Host.Agent.SetSoundEffectsOn(program_.Settings.EnableSoundEffects != 0);
 }
 
 } // namespace voxmate

@@ -1,7 +1,6 @@
 // The spoken phrases: greeting, introduction, date and time.
-#include "modules/Declarations.h"
 #include "modules/Format.h"
-#include "modules/Functions.h"
+#include "modules/Program.h"
 
 #include <array>
 #include <cstdint>
@@ -41,28 +40,31 @@ const char* Salutation(int hour)
 class Saying
 {
 public:
+    explicit Saying(Program& program) : program_(program) {}
     void operator()(const std::string& text, const std::string& animation) const
     {
-        if (StopCount == stops_)
-            SpeakText(text, animation);
+        if (program_.StopCount == stops_)
+            program_.Voice.SpeakText(text, animation);
     }
 
 private:
-    std::uint32_t stops_ = StopCount;
+    Program& program_;
+    std::uint32_t stops_ = program_.StopCount;
 };
 
-void Introduce(const Saying& say)
+void Introduce(const Saying& say, const SettingsRecord& settings)
 {
-    say("Hello " + Settings.UserName + ". My name is " + Settings.LastCharacter, "Greet");
+    say("Hello " + settings.UserName + ". My name is " + settings.LastCharacter, "Greet");
     say("Hey, do you know, beside reading text in the text box, I can also read TEXT and WORD documents.", "RestPose");
 }
 
-void Greet(const Saying& say)
+void Greet(const Saying& say, const SettingsRecord& settings, Clock& clock)
 {
-    say("Hello " + Settings.UserName + ". ", "Greet");
-    const std::string time = FormatSpokenTime(Settings.TimeIn24Hour, true);
-    const std::string today = "Today is " + FormatSpokenDate(Settings.DateFormat, Host().Time.Now());
-    switch (Settings.GreetingType) {
+    say("Hello " + settings.UserName + ". ", "Greet");
+    const DateTime now = clock.Now();
+    const std::string time = FormatSpokenTime(now, settings.TimeIn24Hour, true);
+    const std::string today = "Today is " + FormatSpokenDate(settings.DateFormat, now);
+    switch (settings.GreetingType) {
     case 0:
         say(time, "Announce");
         break;
@@ -70,14 +72,14 @@ void Greet(const Saying& say)
         say(today, "Announce");
         break;
     case 2:
-        say(Settings.OtherGreeting, "Greet");
+        say(settings.OtherGreeting, "Greet");
         break;
     case 3:
         say(today + " and " + time, "Announce");
         break;
     case 4:
         say(today + " and " + time, "Announce");
-        say(Settings.OtherGreeting, "");
+        say(settings.OtherGreeting, "");
         break;
     default:
         break;
@@ -114,24 +116,23 @@ std::string FormatSpokenDate(std::int16_t format, const DateTime& date)
     return Format(date, patterns.leading) + OrdinalSuffix(date.day) + Format(date, patterns.trailing);
 }
 
-std::string FormatSpokenTime(std::int16_t in24Hour, bool omitSalutation)
+std::string FormatSpokenTime(const DateTime& now, std::int16_t in24Hour, bool omitSalutation)
 {
-    const DateTime now = Host().Time.Now();
     const std::string time = Format(now, in24Hour == 1 ? "HH:MM" : "h:nn AM/PM");
     return (omitSalutation ? "" : Salutation(now.hour)) + ("Time now is " + time);
 }
 
-void GreetAndIntroduce(bool atStartUp)
+void GreetAndIntroduce(Program& program, bool atStartUp)
 {
-    const Saying say;
+    const Saying say(program);
     if (!atStartUp) {
-        Introduce(say);
+        Introduce(say, program.Settings);
         return;
     }
-    if (Settings.IntroAtStart == 1)
-        Introduce(say);
-    if (Settings.GreetingEnabled == 1)
-        Greet(say);
+    if (program.Settings.IntroAtStart == 1)
+        Introduce(say, program.Settings);
+    if (program.Settings.GreetingEnabled == 1)
+        Greet(say, program.Settings, program.Host.Time);
 }
 
 } // namespace voxmate

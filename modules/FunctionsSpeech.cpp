@@ -1,9 +1,6 @@
 // The voice: engines, and the one routine through which everything is spoken.
 #include "base/Text.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
-#include "modules/Messages.h"
-#include "modules/Registry.h"
+#include "modules/Program.h"
 
 #include <algorithm>
 #include <string_view>
@@ -12,23 +9,15 @@
 namespace voxmate
 {
 
-namespace
+void Voice::GiveCharacterEngine(int number)
 {
-
-std::string EngineName(int number)
-{
-    return EngineNames.at(static_cast<std::size_t>(number));
+    if (program_.Character)
+        program_.Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(number)));
 }
 
-void GiveCharacterEngine(int number)
+void Voice::EndWithoutEngine()
 {
-    if (Character)
-        Character->SetTTSModeID(EngineIds.at(static_cast<std::size_t>(number)));
-}
-
-[[noreturn]] void EndWithoutEngine()
-{
-    const std::string page = HelpPage("voices");
+    const std::string page = program_.HelpPage("voices");
     const std::string lines[] = {
         "No speech engine is loaded on this machine. Please load a speech engine and then try again.",
         "Voxmate will end now.",
@@ -36,50 +25,48 @@ void GiveCharacterEngine(int number)
         page,
         "Do you want to goto download site now ?",
     };
-    if (Host().Windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Unhandled Error") == vbYes)
-        OpenUrl(page);
-    Host().System.EndProgram();
+    if (program_.Host.Windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Unhandled Error") == vbYes)
+        program_.OpenUrl(page);
+    program_.Host.System.EndProgram();
 }
 
-void AudioProblem(const char* text)
+void Voice::AudioProblem(const char* text)
 {
-    const BusyScope busy;
-    Host().Windows.MsgBox(text, vbCritical, "Voxmate - Audio Output Problem");
+    const BusyScope busy(program_.Messages.IsBusy);
+    program_.Host.Windows.MsgBox(text, vbCritical, "Voxmate - Audio Output Problem");
 }
 
-} // namespace
-
-void LoadSpeechEngines()
+void Voice::LoadSpeechEngines()
 {
-    NumberedRoutine(1, [] {
-        const int count = std::min(Host().Speech.CountEngines(), EngineLimit);
+    program_.Messages.NumberedRoutine(1, [this] {
+        const int count = std::min(program_.Host.Speech.CountEngines(), EngineLimit);
         if (count == 0)
             EndWithoutEngine();
         int selected = 0;
         for (int i = 1; i <= count; ++i) {
             const auto at = static_cast<std::size_t>(i);
-            EngineNames.at(at) = Host().Speech.ModeName(i);
-            EngineIds.at(at) = "{" + Host().Speech.ModeID(i) + "}";
-            Main().AddSpeechEngine(EngineNames.at(at));
-            if (EngineNames.at(at) == Settings.LastSpeechEngine)
+            EngineNames.at(at) = program_.Host.Speech.ModeName(i);
+            EngineIds.at(at) = "{" + program_.Host.Speech.ModeID(i) + "}";
+            program_.Main->AddSpeechEngine(EngineNames.at(at));
+            if (EngineNames.at(at) == program_.Settings.LastSpeechEngine)
                 selected = i;
         }
         if (selected == 0) {
             static constexpr const char* displayName = "Voice Type Last Used";
             selected = 1;
-            WriteRegString(SettingsKey, "LastSpeechEngine", EngineName(1));
-            if (!ContainsNoCase(Settings.SettingsErrorList, displayName))
-                Settings.SettingsErrorList += std::string(displayName) + CrLf;
+            program_.Registry.WriteRegString(SettingsKey, "LastSpeechEngine", EngineNames[1]);
+            if (!ContainsNoCase(program_.Settings.SettingsErrorList, displayName))
+                program_.Settings.SettingsErrorList += std::string(displayName) + CrLf;
         }
-        Main().SelectSpeechEngine(selected - 1);
+        program_.Main->SelectSpeechEngine(selected - 1);
         GiveCharacterEngine(selected);
     });
 }
 
-void ChooseSpeechEngine(int number)
+void Voice::ChooseSpeechEngine(int number)
 {
     GiveCharacterEngine(number);
-    WriteRegString(SettingsKey, "LastSpeechEngine", EngineName(number));
+    program_.Registry.WriteRegString(SettingsKey, "LastSpeechEngine", EngineNames.at(static_cast<std::size_t>(number)));
 }
 
 std::string EscapeMarkup(std::string text)
@@ -109,9 +96,9 @@ std::string VoicePrefix(int pitch, int speed, bool whisper)
            "\\ \\Spd=" + std::to_string(speed) + "\\";
 }
 
-bool SpeakText(std::string text, const std::string& animation)
+bool Voice::SpeakText(std::string text, const std::string& animation)
 {
-    switch (Host().Agent.AudioOutputStatus()) {
+    switch (program_.Host.Agent.AudioOutputStatus()) {
     case AudioStatus::NoSupport:
         AudioProblem("There is no support for audio output.");
         return false;
@@ -122,22 +109,22 @@ bool SpeakText(std::string text, const std::string& animation)
         break;
     }
     text = Trim(std::move(text));
-    if (text.empty() || !Character)
+    if (text.empty() || !program_.Character)
         return false;
     // Handed on, never copied: a text may be as long as a library.
     text = EscapeMarkup(std::move(text));
-    text.insert(0, VoicePrefix(Settings.Pitch, Settings.Speed, Settings.Whisper == True));
-    const std::uint32_t stops = StopCount;
-    Character->Show(false);
-    Host().Windows.DoEvents();
+    text.insert(0, VoicePrefix(program_.Settings.Pitch, program_.Settings.Speed, program_.Settings.Whisper == True));
+    const std::uint32_t stops = program_.StopCount;
+    program_.Character->Show(false);
+    program_.Host.Windows.DoEvents();
     // A Stop among these events means this text too, which it could not yet find in the queue.
-    if (StopCount != stops)
+    if (program_.StopCount != stops)
         return false;
     const std::string gesture = Trim(animation);
     if (!gesture.empty())
-        LastPlayRequest = Character->Play(gesture);
-    LastSpeakRequest = Character->Speak(std::move(text), "");
-    Character->Play("RestPose");
+        LastPlayRequest = program_.Character->Play(gesture);
+    LastSpeakRequest = program_.Character->Speak(std::move(text), "");
+    program_.Character->Play("RestPose");
     return true;
 }
 

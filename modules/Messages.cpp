@@ -1,51 +1,42 @@
 #include "modules/Messages.h"
 
 #include "base/Text.h"
-#include "modules/Functions.h"
-
-#include <utility>
+#include "modules/Program.h"
 
 namespace voxmate
 {
 
-BusyScope::BusyScope() : before_(std::exchange(IsBusy, True)) {}
-
-BusyScope::~BusyScope()
+int Messages::Announce(const std::string& text, int style, const std::string& title, const std::string& animation1,
+                       const std::string& animation2, const std::string& animation3, const std::string& animation4)
 {
-    IsBusy = before_;
-}
-
-int Announce(const std::string& text, int style, const std::string& title, const std::string& animation1,
-             const std::string& animation2, const std::string& animation3, const std::string& animation4)
-{
-    const BusyScope busy;
+    const BusyScope busy(IsBusy);
     MessageText = text;
     ShowMessage(text, animation1, animation2, animation3, animation4);
     // Speaking lets events run, and with them other messages, which share MessageText.
     MessageText = text;
-    return Host().Windows.MsgBox(text, style, title);
+    return program_.Host.Windows.MsgBox(text, style, title);
 }
 
-void ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2,
-                 const std::string& animation3, const std::string& animation4)
+void Messages::ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2,
+                           const std::string& animation3, const std::string& animation4)
 {
     IsBusy = True;
-    if (Settings.ReadMessages == 0)
+    if (program_.Settings.ReadMessages == 0)
         return;
     if (!animation1.empty()) {
-        Main().SetStatus(StatusBusy);
+        program_.Main->SetStatus(StatusBusy);
         for (const std::string* animation : {&animation1, &animation2, &animation3, &animation4}) {
             if (animation->empty())
                 break;
-            if (Character)
-                LastPlayRequest = Character->Play(*animation);
+            if (program_.Character)
+                program_.Voice.LastPlayRequest = program_.Character->Play(*animation);
         }
     }
-    const bool byName = Settings.ReadNameWithMessages == 1 && !Settings.UserName.empty();
-    SpeakText(byName ? "Dear " + Settings.UserName + ", " + CrLf + message : message, "");
+    const bool byName = program_.Settings.ReadNameWithMessages == 1 && !program_.Settings.UserName.empty();
+    program_.Voice.SpeakText(byName ? "Dear " + program_.Settings.UserName + ", " + CrLf + message : message, "");
 }
 
-void ReportError(std::int32_t errorNumber, const std::string& errorDescription, std::int16_t routineId)
+void Messages::ReportError(std::int32_t errorNumber, const std::string& errorDescription, std::int16_t routineId)
 {
     IsBusy = True;
     const std::string lines[] = {
@@ -61,8 +52,8 @@ void ReportError(std::int32_t errorNumber, const std::string& errorDescription, 
         "",
         "Voxmate will end now.",
     };
-    Host().Windows.MsgBox(JoinLines(lines), vbCritical, "Voxmate - Unhandled Error");
-    Host().System.EndProgram();
+    program_.Host.Windows.MsgBox(JoinLines(lines), vbCritical, "Voxmate - Unhandled Error");
+    program_.Host.System.EndProgram();
 }
 
 } // namespace voxmate

@@ -1,40 +1,29 @@
 #include "modules/Registry.h"
 
 #include "base/Text.h"
-#include "modules/Declarations.h"
-#include "platform/SettingsStore.h"
 
-#include <array>
-#include <cstring>
-#include <span>
 #include <utility>
 
 namespace voxmate
 {
-
-Boolean RegFailed = False;
-Boolean BadKeyName = False;
-std::int32_t LastRegResult = 0;
 
 namespace
 {
 
 constexpr std::uint32_t BufferLength = LongestRegString + 1;
 
-std::uint32_t rootKey = 0;
-std::uint32_t openKey = 0;
-std::array<std::uint8_t, 4> dwordBuffer{};
+} // namespace
 
-// Splits a copy of the path into rootKey and the sub-key; true when an operation may go on.
-bool Locate(const std::string& path, std::string& subKey)
+// Splits a copy of the path into rootKey_ and the sub-key; true when an operation may go on.
+bool Registry::Locate(const std::string& path, std::string& subKey)
 {
     subKey = path;
-    ParseKeyPath(subKey, rootKey);
-    return BadKeyName == False && rootKey != 0;
+    ParseKeyPath(subKey, rootKey_);
+    return BadKeyName == False && rootKey_ != 0;
 }
 
 // For reads: a bad name fails with the integer 0, an unknown hive gives the empty variant.
-bool LocateForReading(const std::string& path, std::string& subKey, Variant& result)
+bool Registry::LocateForReading(const std::string& path, std::string& subKey, Variant& result)
 {
     if (Locate(path, subKey))
         return true;
@@ -45,7 +34,7 @@ bool LocateForReading(const std::string& path, std::string& subKey, Variant& res
     return false;
 }
 
-bool Succeeded(std::int32_t code)
+bool Registry::Succeeded(std::int32_t code)
 {
     LastRegResult = code;
     if (code != ERROR_SUCCESS)
@@ -53,28 +42,26 @@ bool Succeeded(std::int32_t code)
     return code == ERROR_SUCCESS;
 }
 
-bool Open(const std::string& subKey, std::uint32_t access)
+bool Registry::Open(const std::string& subKey, std::uint32_t access)
 {
-    return Succeeded(Host().Settings.RegOpenKeyExA(rootKey, subKey, 0, access, openKey));
+    return Succeeded(store_.RegOpenKeyExA(rootKey_, subKey, 0, access, openKey_));
 }
 
-void Close()
+void Registry::Close()
 {
-    LastRegResult = Host().Settings.RegCloseKey(openKey);
+    LastRegResult = store_.RegCloseKey(openKey_);
 }
 
-void WriteValue(const std::string& path, const std::string& name, std::uint32_t type,
-                std::span<const std::uint8_t> data)
+void Registry::WriteValue(const std::string& path, const std::string& name, std::uint32_t type,
+                          std::span<const std::uint8_t> data)
 {
     CreateRegKey(path);
     std::string subKey;
     if (!Locate(path, subKey) || !Open(subKey, KEY_WRITE))
         return;
-    Succeeded(Host().Settings.RegSetValueExA(openKey, name, 0, type, data));
+    Succeeded(store_.RegSetValueExA(openKey_, name, 0, type, data));
     Close();
 }
-
-} // namespace
 
 std::uint32_t GetRootKey(const std::string& name)
 {
@@ -94,7 +81,7 @@ std::uint32_t GetRootKey(const std::string& name)
     return 0;
 }
 
-void ParseKeyPath(std::string& path, std::uint32_t& root)
+void Registry::ParseKeyPath(std::string& path, std::uint32_t& root)
 {
     BadKeyName = False;
     const std::size_t backslash = InStr(path, "\\");
@@ -112,16 +99,16 @@ void ParseKeyPath(std::string& path, std::uint32_t& root)
     }
 }
 
-void CreateRegKey(const std::string& path)
+void Registry::CreateRegKey(const std::string& path)
 {
     std::string subKey;
     if (!Locate(path, subKey))
         return;
-    if (Succeeded(Host().Settings.RegCreateKeyA(rootKey, subKey, openKey)))
+    if (Succeeded(store_.RegCreateKeyA(rootKey_, subKey, openKey_)))
         Close();
 }
 
-void WriteRegDword(const std::string& path, const std::string& name, std::int32_t value)
+void Registry::WriteRegDword(const std::string& path, const std::string& name, std::int32_t value)
 {
     const auto bits = static_cast<std::uint32_t>(value);
     const std::array<std::uint8_t, 4> data{static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
@@ -130,13 +117,13 @@ void WriteRegDword(const std::string& path, const std::string& name, std::int32_
     WriteValue(path, name, REG_DWORD, data);
 }
 
-void WriteRegString(const std::string& path, const std::string& name, const std::string& text)
+void Registry::WriteRegString(const std::string& path, const std::string& name, const std::string& text)
 {
     // The count leaves out the terminating NUL: the data is the text's own characters in the ANSI code page.
     WriteValue(path, name, REG_SZ, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
-Variant ReadRegDword(const std::string& path, const std::string& name)
+Variant Registry::ReadRegDword(const std::string& path, const std::string& name)
 {
     Variant result;
     std::string subKey;
@@ -146,15 +133,15 @@ Variant ReadRegDword(const std::string& path, const std::string& name)
         return std::int32_t{0};
     std::uint32_t type = REG_DWORD;
     std::uint32_t size = 4;
-    if (!Succeeded(Host().Settings.RegQueryValueExA(openKey, name, type, dwordBuffer, size)))
+    if (!Succeeded(store_.RegQueryValueExA(openKey_, name, type, dwordBuffer_, size)))
         return std::int32_t{0};
     Close();
-    const std::uint32_t bits = dwordBuffer[0] | std::uint32_t{dwordBuffer[1]} << 8 |
-                               std::uint32_t{dwordBuffer[2]} << 16 | std::uint32_t{dwordBuffer[3]} << 24;
+    const std::uint32_t bits = dwordBuffer_[0] | std::uint32_t{dwordBuffer_[1]} << 8 |
+                               std::uint32_t{dwordBuffer_[2]} << 16 | std::uint32_t{dwordBuffer_[3]} << 24;
     return static_cast<std::int32_t>(bits);
 }
 
-Variant ReadRegString(const std::string& path, const std::string& name)
+Variant Registry::ReadRegString(const std::string& path, const std::string& name)
 {
     RegFailed = False;
     Variant result;
@@ -166,8 +153,8 @@ Variant ReadRegString(const std::string& path, const std::string& name)
     std::string buffer(BufferLength, ' ');
     std::uint32_t type = REG_SZ;
     std::uint32_t length = BufferLength;
-    std::int32_t code = Host().Settings.RegQueryValueExA(
-        openKey, name, type, {reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size()}, length);
+    std::int32_t code = store_.RegQueryValueExA(
+        openKey_, name, type, {reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size()}, length);
     // A text that fills the buffer leaves no room for its terminator and counts as too long.
     if (code == ERROR_SUCCESS && length >= BufferLength)
         code = ERROR_MORE_DATA;
@@ -182,16 +169,6 @@ Variant ReadRegString(const std::string& path, const std::string& name)
     }
     Close();
     return result;
-}
-
-void ResetRegistry()
-{
-    RegFailed = False;
-    BadKeyName = False;
-    LastRegResult = 0;
-    rootKey = 0;
-    openKey = 0;
-    dwordBuffer.fill(0);
 }
 
 } // namespace voxmate

@@ -1,72 +1,22 @@
 #include "modules/ReminderList.h"
 
 #include "base/Text.h"
-#include "modules/Declarations.h"
 
 #include <algorithm>
 #include <limits>
-#include <set>
 #include <utility>
 
 namespace voxmate
 {
-
-std::vector<std::string> RemTitles;
-std::vector<std::int16_t> RemDays;
-std::vector<std::int16_t> RemMonths;
-std::vector<std::int16_t> RemYears;
-std::vector<std::int16_t> RemHours;
-std::vector<std::int16_t> RemMinutes;
-std::vector<std::string> RemDescs;
-std::vector<std::string> RemDone;
-std::int16_t RemCount = 0;
 
 namespace
 {
 
 constexpr std::int32_t MostReminders = std::numeric_limits<std::int16_t>::max();
 
-std::int32_t entries = 0;
-std::string slots;              // what the file had, entry by entry
-std::set<std::int32_t> changed; // entries that are not as in the file
-std::set<std::int32_t> foreign; // entries with a text in the file that is not UTF-8
-
-// Cuts the list off, or fills it up, to this number of entries.
-void ResizeList(std::int32_t count)
+// A record of these texts and a reminder's numbers as it is written.
+std::string WithNumbers(ReminderRecord record, const Reminder& numbers)
 {
-    const auto size = static_cast<std::size_t>(count) + 1;
-    for (auto* texts : {&RemTitles, &RemDescs, &RemDone})
-        texts->resize(size);
-    for (auto* numbers : {&RemDays, &RemMonths, &RemYears, &RemHours, &RemMinutes})
-        numbers->resize(size);
-}
-
-// A text from an older system, which is not UTF-8, as text files of that kind are shown.
-std::string Shown(std::string_view bytes)
-{
-    return IsValidUtf8(bytes) ? std::string(bytes) : Host().Files.DecodeText(bytes);
-}
-
-ReminderRecord RecordInFile(std::int32_t id)
-{
-    return ReadReminder(
-        std::string_view(slots).substr(static_cast<std::size_t>(id - 1) * ReminderSlotSize, ReminderSlotSize));
-}
-
-// Puts a text into an entry's place for it; assigned to what is there, so that a list read anew needs no new memory.
-void StoreText(std::string& place, std::string_view bytes, std::int32_t id)
-{
-    if (IsValidUtf8(bytes)) {
-        place.assign(bytes);
-        return;
-    }
-    place = Host().Files.DecodeText(bytes);
-    foreign.insert(id);
-}
-
-std::string Numbers(const ReminderRecord& texts, const Reminder& numbers)
-{
-    ReminderRecord record = texts;
     const std::string day = Padded(numbers.Day, 2);
     const std::string month = Padded(numbers.Month, 2);
     const std::string year = Padded(numbers.Year, 4);
@@ -82,127 +32,137 @@ std::string Numbers(const ReminderRecord& texts, const Reminder& numbers)
 
 } // namespace
 
-void BeginList(std::int64_t count)
+// Cuts the list off, or fills it up, to this number of entries.
+void ReminderList::Resize(std::int32_t count)
+{
+    const auto size = static_cast<std::size_t>(count) + 1;
+    for (auto* texts : {&RemTitles, &RemDescs, &RemDone})
+        texts->resize(size);
+    for (auto* numbers : {&RemDays, &RemMonths, &RemYears, &RemHours, &RemMinutes})
+        numbers->resize(size);
+}
+
+// A text from an older system, which is not UTF-8, as text files of that kind are shown.
+std::string ReminderList::Shown(std::string_view bytes) const
+{
+    return IsValidUtf8(bytes) ? std::string(bytes) : files_.DecodeText(bytes);
+}
+
+ReminderRecord ReminderList::RecordInFile(std::int32_t id) const
+{
+    return ReadReminder(
+        std::string_view(slots_).substr(static_cast<std::size_t>(id - 1) * ReminderSlotSize, ReminderSlotSize));
+}
+
+// Puts a text into an entry's place for it; assigned to what is there, so that a list read anew needs no new memory.
+void ReminderList::StoreText(std::string& place, std::string_view bytes, std::int32_t id)
+{
+    if (IsValidUtf8(bytes)) {
+        place.assign(bytes);
+        return;
+    }
+    place = files_.DecodeText(bytes);
+    foreign_.insert(id);
+}
+
+void ReminderList::BeginList(std::int64_t count)
 {
     const auto size = static_cast<std::size_t>(std::min<std::int64_t>(count, MostReminders)) + 1;
     for (auto* texts : {&RemTitles, &RemDescs, &RemDone})
         texts->reserve(size);
     for (auto* numbers : {&RemDays, &RemMonths, &RemYears, &RemHours, &RemMinutes})
         numbers->reserve(size);
-    slots.reserve((size - 1) * ReminderSlotSize);
-    slots.clear();
-    changed.clear();
-    foreign.clear();
-    entries = 0;
+    slots_.reserve((size - 1) * ReminderSlotSize);
+    slots_.clear();
+    changed_.clear();
+    foreign_.clear();
+    entries_ = 0;
 }
 
-std::optional<ReminderRecord> AddEntry(std::string_view slot)
+std::optional<ReminderRecord> ReminderList::AddEntry(std::string_view slot)
 {
     const ReminderRecord record = ReadReminder(slot);
-    const std::optional<ReminderSchedule> schedule = Validate(record);
-    if (!schedule)
+    const std::optional<Reminder> numbers = Validate(record);
+    if (!numbers)
         return std::nullopt;
-    if (entries == MostReminders)
+    if (entries_ == MostReminders)
         throw Overflow();
-    ++entries;
-    const auto at = static_cast<std::size_t>(entries);
+    ++entries_;
+    const auto at = static_cast<std::size_t>(entries_);
     if (at >= RemTitles.size())
-        ResizeList(entries);
-    slots.append(slot);
-    slots.resize(at * ReminderSlotSize, '\0');
-    StoreText(RemTitles[at], record.Title, entries);
-    RemDays[at] = schedule->Day;
-    RemMonths[at] = schedule->Month;
-    RemYears[at] = schedule->Year;
-    RemHours[at] = schedule->Time.Hour;
-    RemMinutes[at] = schedule->Time.Minute;
-    StoreText(RemDescs[at], record.Description, entries);
+        Resize(entries_);
+    slots_.append(slot);
+    slots_.resize(at * ReminderSlotSize, '\0');
+    StoreText(RemTitles[at], record.Title, entries_);
+    SetNumbers(at, *numbers);
+    StoreText(RemDescs[at], record.Description, entries_);
     RemDone[at].assign(record.Done);
     return record;
 }
 
-void EndList()
-{
-    ResizeList(entries);
-}
-
-std::int32_t EntryCount()
-{
-    return entries;
-}
-
-bool InList(std::int32_t id)
-{
-    return id >= 1 && id <= RemCount;
-}
-
-Reminder EntryAt(std::int32_t id)
+Reminder ReminderList::At(std::int32_t id) const
 {
     const auto at = static_cast<std::size_t>(id);
     return {RemTitles[at], RemDays[at],    RemMonths[at], RemYears[at],
             RemHours[at],  RemMinutes[at], RemDescs[at],  RemDone[at] != "N"};
 }
 
-Reminder EntryInFile(std::int32_t id)
+Reminder ReminderList::InFile(std::int32_t id) const
 {
     const ReminderRecord record = RecordInFile(id);
-    const ReminderSchedule schedule = Validate(record).value_or(ReminderSchedule{});
-    return {Shown(record.Title),
-            schedule.Day,
-            schedule.Month,
-            schedule.Year,
-            schedule.Time.Hour,
-            schedule.Time.Minute,
-            Shown(record.Description),
-            record.Done != "N"};
+    Reminder reminder = Validate(record).value_or(Reminder{});
+    reminder.Title = Shown(record.Title);
+    reminder.Description = Shown(record.Description);
+    reminder.Done = record.Done != "N";
+    return reminder;
 }
 
-std::int32_t FindEntry(const Reminder& reminder, std::int32_t preferred)
+std::int32_t ReminderList::Find(const Reminder& reminder, std::int32_t preferred) const
 {
-    if (InList(preferred) && EntryAt(preferred) == reminder)
+    if (Has(preferred) && At(preferred) == reminder)
         return preferred;
     for (std::int32_t id = 1; id <= RemCount; ++id)
-        if (RemTitles[static_cast<std::size_t>(id)] == reminder.Title && EntryAt(id) == reminder)
+        if (RemTitles[static_cast<std::size_t>(id)] == reminder.Title && At(id) == reminder)
             return id;
     return 0;
 }
 
-std::vector<std::int32_t> ChangedEntries()
+void ReminderList::SetNumbers(std::size_t at, const Reminder& reminder)
 {
-    return {changed.begin(), changed.end()};
-}
-
-void StoreReminder(std::int16_t id, const Reminder& reminder)
-{
-    if (!InList(id))
-        return;
-    const auto at = static_cast<std::size_t>(id);
-    RemTitles[at] = reminder.Title;
     RemDays[at] = reminder.Day;
     RemMonths[at] = reminder.Month;
     RemYears[at] = reminder.Year;
     RemHours[at] = reminder.Hour;
     RemMinutes[at] = reminder.Minute;
-    RemDescs[at] = reminder.Description;
-    RemDone[at] = reminder.Done ? "Y" : "N";
-    changed.insert(id);
 }
 
-std::string EncodedEntry(std::int32_t id)
+void ReminderList::Set(std::int32_t id, const Reminder& reminder)
+{
+    if (!Has(id))
+        return;
+    const auto at = static_cast<std::size_t>(id);
+    SetNumbers(at, reminder);
+    RemTitles[at] = reminder.Title;
+    RemDescs[at] = reminder.Description;
+    RemDone[at] = reminder.Done ? "Y" : "N";
+    changed_.insert(id);
+}
+
+std::string ReminderList::Encoded(std::int32_t id) const
 {
     const auto at = static_cast<std::size_t>(id);
     ReminderRecord record;
     record.Title = RemTitles[at];
     record.Description = RemDescs[at];
     record.Done = RemDone[at];
-    if (foreign.contains(id)) {
+    if (foreign_.contains(id)) {
         const ReminderRecord inFile = RecordInFile(id);
         if (Shown(inFile.Title) == RemTitles[at])
             record.Title = inFile.Title;
         if (Shown(inFile.Description) == RemDescs[at])
             record.Description = inFile.Description;
     }
-    return Numbers(record, {"", RemDays[at], RemMonths[at], RemYears[at], RemHours[at], RemMinutes[at], "", false});
+    return WithNumbers(record, {{}, RemDays[at], RemMonths[at], RemYears[at], RemHours[at], RemMinutes[at], {}, false});
 }
 
 std::string Encoded(const Reminder& reminder)
@@ -211,37 +171,32 @@ std::string Encoded(const Reminder& reminder)
     record.Title = reminder.Title;
     record.Description = reminder.Description;
     record.Done = reminder.Done ? "Y" : "N";
-    return Numbers(record, reminder);
+    return WithNumbers(record, reminder);
 }
 
-bool EntryFits(std::int32_t id)
+bool ReminderList::Fits(std::int32_t id) const
 {
     // Most are so short that whatever their numbers need they fit.
     constexpr std::size_t mostDigits = 6; // -32768
     constexpr std::size_t room = ReminderSlotSize - std::size_t{8} * 2 - 5 * mostDigits;
     const auto at = static_cast<std::size_t>(id);
     return RemTitles[at].size() + RemDescs[at].size() + RemDone[at].size() <= room ||
-           EncodedEntry(id).size() <= ReminderSlotSize;
+           Encoded(id).size() <= ReminderSlotSize;
 }
 
-std::int32_t TooLongEntry(std::int32_t skipIndex)
+std::int32_t ReminderList::TooLongEntry(std::int32_t skipIndex) const
 {
     for (std::int32_t id = 1; id <= RemCount; ++id)
-        if (id != skipIndex && !EntryFits(id))
+        if (id != skipIndex && !Fits(id))
             return id;
     return 0;
 }
 
-const std::string& SlotsInFile()
+void ReminderList::EntriesAreSaved(std::string&& written)
 {
-    return slots;
-}
-
-void EntriesAreSaved(std::string&& written)
-{
-    slots = std::move(written);
-    changed.clear();
-    std::erase_if(foreign, [](std::int32_t id) {
+    slots_ = std::move(written);
+    changed_.clear();
+    std::erase_if(foreign_, [this](std::int32_t id) {
         const ReminderRecord record = RecordInFile(id);
         return IsValidUtf8(record.Title) && IsValidUtf8(record.Description);
     });

@@ -151,7 +151,7 @@ std::optional<TimeOfDay> ParseTime(std::string_view text)
     return TimeOfDay{static_cast<std::int16_t>(*hour), static_cast<std::int16_t>(*minute)};
 }
 
-std::optional<ReminderSchedule> Validate(const ReminderRecord& record)
+std::optional<Reminder> Validate(const ReminderRecord& record)
 {
     const int day = DateNumber(record.Day);
     const int month = DateNumber(record.Month);
@@ -161,8 +161,14 @@ std::optional<ReminderSchedule> Validate(const ReminderRecord& record)
     const std::optional<TimeOfDay> time = TimeOf(record.Hour, record.Minute);
     if (!time)
         return std::nullopt;
-    return ReminderSchedule{static_cast<std::int16_t>(day), static_cast<std::int16_t>(month),
-                            static_cast<std::int16_t>(year), *time};
+    return Reminder{{},
+                    static_cast<std::int16_t>(day),
+                    static_cast<std::int16_t>(month),
+                    static_cast<std::int16_t>(year),
+                    time->Hour,
+                    time->Minute,
+                    {},
+                    false};
 }
 
 std::optional<std::int32_t> WholeNumber(std::string_view text)

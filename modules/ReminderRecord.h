@@ -1,4 +1,5 @@
-// One reminder as it stands in the file: eight texts in a slot of 128 bytes, and what they may be.
+// One reminder: as the program has it, and as it stands in the file: eight texts in a slot of 128 bytes, and what they
+// may be.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +10,18 @@
 
 namespace voxmate
 {
+
+struct Reminder {
+    std::string Title;
+    std::int16_t Day = 0;
+    std::int16_t Month = 0;
+    std::int16_t Year = 0;
+    std::int16_t Hour = 0;
+    std::int16_t Minute = 0;
+    std::string Description;
+    bool Done = false;
+    bool operator==(const Reminder&) const = default;
+};
 
 inline constexpr std::size_t ReminderSlotSize = 128;
 /// What a title and a description may take up together: the slot without eight lengths of two bytes and without the
@@ -47,16 +60,10 @@ struct TimeOfDay {
 /// The time a text of the form HH:MM stands for, blanks round it aside; none for anything else.
 std::optional<TimeOfDay> ParseTime(std::string_view text);
 
-struct ReminderSchedule {
-    std::int16_t Day = 0;
-    std::int16_t Month = 0;
-    std::int16_t Year = 0;
-    TimeOfDay Time;
-};
-/// When a record is due; none when the record is not valid: it is whole, its day, month and year are 1 to 4 digits
-/// each, blanks round them aside, and make a real date, its hour, a colon and its minute make a time, and its flag is Y
-/// or N, blanks round it aside.
-std::optional<ReminderSchedule> Validate(const ReminderRecord& record);
+/// A record's day and time, in a reminder that has nothing else yet; none when the record is not valid. It is
+/// valid when it is whole, its day, month and year are 1 to 4 digits each, blanks round them aside, and make a real
+/// date, its hour, a colon and its minute make a time, and its flag is Y or N, blanks round it aside.
+std::optional<Reminder> Validate(const ReminderRecord& record);
 
 /// The number that a text of digits, a sign before them or not, stands for, blanks round it aside; none for anything
 /// else, and what is beyond 32 bits is the nearest number within.

@@ -1,11 +1,8 @@
-// The scheduler: announces what is due, and takes the answer.
+#include "modules/ReminderScheduler.h"
+
 #include "base/Text.h"
-#include "modules/Declarations.h"
 #include "modules/Format.h"
-#include "modules/Functions.h"
-#include "modules/ReminderList.h"
-#include "modules/ReminderRecord.h"
-#include "modules/Reminders.h"
+#include "modules/Program.h"
 
 #include <algorithm>
 #include <array>
@@ -21,63 +18,60 @@ namespace
 // 0x00BBGGRR of yellow, blue, red and green.
 constexpr std::array<std::int32_t, 4> alertColors{0xC0FFFF, 0xFFC3A0, 0xC8C8FF, 0xC8FFC8};
 
-struct Schedule {
-    DateTime at;
-    bool isDate;
-};
-
-Schedule ScheduleOf(const std::string& day, const std::string& month, const std::string& year, const std::string& hour,
-                    const std::string& minute)
+bool IsDate(const DateTime& date)
 {
-    const auto number = [](const std::string& text) { return WholeNumber(text).value_or(0); };
-    const DateTime at{number(year), number(month), number(day), number(hour), number(minute), 0};
-    return {at, IsRealDate(at.day, at.month, at.year)};
+    return IsRealDate(date.day, date.month, date.year);
 }
+
+// Makes room for so many windows. A window stays where it is when its array grows.
+template <class Window>
+void Grow(std::vector<std::unique_ptr<Window>>& windows, std::int16_t count)
+{
+    windows.resize(std::max(windows.size(), static_cast<std::size_t>(count) + 1));
+}
+
+} // namespace
+
+ReminderScheduler::ReminderScheduler(Program& program) : program_(program), list_(program.Reminders.List) {}
 
 // A snooze across midnight can give a day that no calendar has, and that has no name.
-std::string SpokenDate(const DateTime& date)
+std::string ReminderScheduler::SpokenDate(const DateTime& date) const
 {
-    return IsRealDate(date.day, date.month, date.year) ? FormatSpokenDate(Settings.DateFormat, date) : "";
+    return IsDate(date) ? FormatSpokenDate(program_.Settings.DateFormat, date) : "";
 }
 
-std::string SpokenTime(const DateTime& time)
+std::string ReminderScheduler::SpokenTime(const DateTime& time) const
 {
-    return Format(time, Settings.TimeIn24Hour == 1 ? "HH:MM" : "h:nn AM/PM");
-}
-
-// Makes room for the list's windows and this one's. A window stays where it is when its array grows.
-template <class Window>
-void Grow(std::vector<std::unique_ptr<Window>>& windows, std::int16_t id)
-{
-    windows.resize(std::max(windows.size(), static_cast<std::size_t>(std::max(RemCount, id)) + 1));
+    return Format(time, program_.Settings.TimeIn24Hour == 1 ? "HH:MM" : "h:nn AM/PM");
 }
 
 // Shows an alert window; false when that reminder's is on the screen already.
-bool ShowAlert(const NoticeText& text)
+bool ReminderScheduler::ShowAlert(const NoticeText& text)
 {
     std::unique_ptr<AlertWindow>& entry = RemAlertWindows.at(static_cast<std::size_t>(text.Id));
     if (!entry)
-        entry = Main().NewAlertWindow();
+        entry = program_.Main->NewAlertWindow();
     AlertWindow& window = *entry;
     if (window.Visible())
         return false;
     const std::string lines[] = {text.Heading,           "Rem. Id: " + std::to_string(text.Id),
                                  "Title: " + text.Title, "Date: " + text.Date,
                                  "Time: " + text.Time,   "Desc: " + text.Description};
-    const auto color = static_cast<std::size_t>(Settings.RemAlertColor);
+    const SettingsRecord& settings = program_.Settings;
+    const auto color = static_cast<std::size_t>(settings.RemAlertColor);
     window.DisplayMessage(JoinLines(lines), text.Id, false,
-                          Settings.RemAlertClose == 1 ? Settings.RemAlertCloseTime : 0, Settings.RemAlertAction == 1,
-                          true, Settings.RemAlertShape == 0, alertColors.at(color < alertColors.size() ? color : 0),
-                          Settings.RemAlertGradient == 1);
+                          settings.RemAlertClose == 1 ? settings.RemAlertCloseTime : 0, settings.RemAlertAction == 1,
+                          true, settings.RemAlertShape == 0, alertColors.at(color < alertColors.size() ? color : 0),
+                          settings.RemAlertGradient == 1);
     return true;
 }
 
 // The same with a notice window.
-bool ShowNotice(const NoticeText& text)
+bool ReminderScheduler::ShowNotice(const NoticeText& text)
 {
     std::unique_ptr<NoticeWindow>& entry = RemNoticeWindows.at(static_cast<std::size_t>(text.Id));
     if (!entry)
-        entry = Main().NewNoticeWindow();
+        entry = program_.Main->NewNoticeWindow();
     NoticeWindow& window = *entry;
     if (window.Visible())
         return false;
@@ -85,41 +79,44 @@ bool ShowNotice(const NoticeText& text)
     return true;
 }
 
-void SpeakReminder(const std::string& title, const Schedule& schedule, const std::string& description)
+void ReminderScheduler::SpeakReminder(const Reminder& reminder, const DateTime& schedule)
 {
+    const SettingsRecord& settings = program_.Settings;
     bool first = true;
-    const auto speak = [&first](std::int16_t setting, const std::string& text) {
+    const auto speak = [&](std::int16_t setting, const std::string& text) {
         if (setting != 1 || Trim(text).empty())
             return;
-        SpeakText(text, first ? "Announce" : "");
+        program_.Voice.SpeakText(text, first ? "Announce" : "");
         first = false;
     };
-    speak(Settings.ReminderSentenceSpeak, Settings.ReminderSentence);
-    speak(Settings.ReminderTitleSpeak, "Title: " + title + CrLf);
-    speak(Settings.ReminderDateSpeak, "Date: " + SpokenDate(schedule.at) + CrLf);
-    speak(Settings.ReminderTimeSpeak, "Time: " + SpokenTime(schedule.at) + CrLf);
-    const std::string trimmed = Trim(description);
-    speak(Settings.ReminderDescSpeak, trimmed.empty() ? "" : "Description: " + trimmed);
+    speak(settings.ReminderSentenceSpeak, settings.ReminderSentence);
+    speak(settings.ReminderTitleSpeak, "Title: " + reminder.Title + CrLf);
+    speak(settings.ReminderDateSpeak, "Date: " + SpokenDate(schedule) + CrLf);
+    speak(settings.ReminderTimeSpeak, "Time: " + SpokenTime(schedule) + CrLf);
+    const std::string trimmed = Trim(reminder.Description);
+    speak(settings.ReminderDescSpeak, trimmed.empty() ? "" : "Description: " + trimmed);
 }
 
-/// The list's entry as it is announced.
-Reminder EntryOf(std::size_t at)
+// The list's entry as it is announced.
+Reminder ReminderScheduler::Pending(std::int32_t id) const
 {
-    return {RemTitles[at], RemDays[at], RemMonths[at], RemYears[at], RemHours[at], RemMinutes[at], RemDescs[at], false};
+    Reminder reminder = list_.At(id);
+    reminder.Done = false;
+    return reminder;
 }
 
 // Where the reminder that was announced under a number stands now; 0 when it is gone or is not to be told from others.
-std::int16_t PlaceNow(std::int16_t id)
+std::int16_t ReminderScheduler::PlaceNow(std::int16_t id) const
 {
     const auto at = static_cast<std::size_t>(std::max<std::int16_t>(id, 0));
     if (at >= RemAnnounced.size() || !RemAnnounced[at])
-        return InList(id) ? id : std::int16_t{0};
+        return list_.Has(id) ? id : std::int16_t{0};
     const Reminder& announced = *RemAnnounced[at];
-    if (InList(id) && announced == EntryOf(at))
+    if (list_.Has(id) && announced == Pending(id))
         return id;
     std::int16_t place = 0;
-    for (std::int32_t number = 1; number <= RemCount; ++number) {
-        if (RemDone[static_cast<std::size_t>(number)] != "N" || announced != EntryOf(static_cast<std::size_t>(number)))
+    for (std::int32_t number = 1; number <= list_.RemCount; ++number) {
+        if (list_.RemDone[static_cast<std::size_t>(number)] != "N" || announced != Pending(number))
             continue;
         if (place != 0)
             return 0;
@@ -130,74 +127,68 @@ std::int16_t PlaceNow(std::int16_t id)
 
 // The reminder that was announced under a number, as the list has it or, while the file cannot be read, as it was
 // announced; nothing when it is gone.
-std::optional<Reminder> ToBeAnswered(std::int16_t id)
+std::optional<Reminder> ReminderScheduler::ToBeAnswered(std::int16_t id) const
 {
     if (const std::int16_t place = PlaceNow(id); place != 0)
-        return EntryAt(place);
+        return list_.At(place);
     const auto at = static_cast<std::size_t>(std::max<std::int16_t>(id, 0));
-    const bool unread = RemindersValid == False && RemindersUnread();
+    const bool unread = list_.RemindersValid == False && program_.Reminders.RemindersUnread();
     return unread && at < RemAnnounced.size() ? RemAnnounced[at] : std::nullopt;
 }
 
-void SpeakSnooze(const DateTime& next, std::int16_t minutes)
+void ReminderScheduler::SpeakSnooze(const DateTime& next, std::int16_t minutes)
 {
-    SpeakText("Your reminder has been snoozed by " + std::to_string(minutes) + " minute(s)" + CrLf +
-                  "New schedule for this reminder is " + CrLf + SpokenDate(next) + CrLf + SpokenTime(next) + CrLf,
-              "Announce");
+    program_.Voice.SpeakText("Your reminder has been snoozed by " + std::to_string(minutes) + " minute(s)" + CrLf +
+                                 "New schedule for this reminder is " + CrLf + SpokenDate(next) + CrLf +
+                                 SpokenTime(next) + CrLf,
+                             "Announce");
 }
 
-} // namespace
-
-void RemTimer_Timer()
+void ReminderScheduler::RemTimer_Timer()
 {
-    if (RemCount == 0 || IsBusy != False)
+    if (list_.RemCount == 0 || program_.Messages.IsBusy != False)
         return;
-    DateTime now = Host().Time.Now();
+    DateTime now = program_.Host.Time.Now();
     // Events run while the character is made to speak, and may change the list.
-    for (std::int32_t number = 1; number <= RemCount; ++number) {
+    for (std::int32_t number = 1; number <= list_.RemCount; ++number) {
         const auto at = static_cast<std::size_t>(number);
-        if (RemDone[at] != "N")
+        if (list_.RemDone[at] != "N")
             continue;
-        const std::tuple<int, int, int, int, int> schedule{RemYears[at], RemMonths[at], RemDays[at], RemHours[at],
-                                                           RemMinutes[at]};
+        const std::tuple<int, int, int, int, int> schedule{list_.RemYears[at], list_.RemMonths[at], list_.RemDays[at],
+                                                           list_.RemHours[at], list_.RemMinutes[at]};
         const std::tuple<int, int, int, int, int> minute{now.year, now.month, now.day, now.hour, now.minute};
         if (schedule > minute)
             continue;
-        const std::string title = RemTitles[at];
-        const std::string description = RemDescs[at];
-        ShowReminder(schedule < minute, static_cast<std::int16_t>(number), title, std::to_string(RemDays[at]),
-                     std::to_string(RemMonths[at]), std::to_string(RemYears[at]), std::to_string(RemHours[at]),
-                     std::to_string(RemMinutes[at]), description);
+        ShowReminder(schedule < minute, static_cast<std::int16_t>(number), list_.At(number));
         // The user may have switched them off meanwhile.
-        if (!Main().ReminderTimerEnabled())
+        if (!program_.Main->ReminderTimerEnabled())
             return;
-        now = Host().Time.Now();
+        now = program_.Host.Time.Now();
     }
 }
 
-void ShowReminder(bool missed, std::int16_t id, const std::string& title, const std::string& day,
-                  const std::string& month, const std::string& year, const std::string& hour, const std::string& minute,
-                  const std::string& description)
+void ReminderScheduler::ShowReminder(bool missed, std::int16_t id, const Reminder& reminder)
 {
-    Grow(RemNoticeWindows, id);
-    Grow(RemAlertWindows, id);
-    const Schedule schedule = ScheduleOf(day, month, year, hour, minute);
+    const std::int16_t count = std::max(list_.RemCount, id);
+    Grow(RemNoticeWindows, count);
+    Grow(RemAlertWindows, count);
+    const DateTime schedule{reminder.Year, reminder.Month, reminder.Day, reminder.Hour, reminder.Minute, 0};
     NoticeText text;
     text.Heading = missed ? "Missed Reminder" : "New Reminder";
     text.Id = id;
-    text.Title = title;
-    text.Date = schedule.isDate ? Host().Time.ShortDate(schedule.at)
-                                : Padded(schedule.at.day, 2) + "/" + Padded(schedule.at.month, 2) + "/" +
-                                      Padded(schedule.at.year, 4);
-    text.Time = Padded(schedule.at.hour, 2) + ":" + Padded(schedule.at.minute, 2);
-    text.Description = description;
-    if (!(Settings.ReminderType == 1 ? ShowNotice(text) : ShowAlert(text)))
+    text.Title = reminder.Title;
+    text.Date = IsDate(schedule)
+                    ? program_.Host.Time.ShortDate(schedule)
+                    : Padded(schedule.day, 2) + "/" + Padded(schedule.month, 2) + "/" + Padded(schedule.year, 4);
+    text.Time = Padded(schedule.hour, 2) + ":" + Padded(schedule.minute, 2);
+    text.Description = reminder.Description;
+    if (!(program_.Settings.ReminderType == 1 ? ShowNotice(text) : ShowAlert(text)))
         return;
     const auto at = static_cast<std::size_t>(id);
     RemAnnounced.resize(std::max(RemAnnounced.size(), at + 1));
-    if (InList(id))
-        RemAnnounced[at] = EntryOf(at);
-    SpeakReminder(title, schedule, description);
+    if (list_.Has(id))
+        RemAnnounced[at] = Pending(id);
+    SpeakReminder(reminder, schedule);
 }
 
 DateTime SnoozedTime(const DateTime& now, std::int16_t minutes)
@@ -226,14 +217,14 @@ DateTime SnoozedTime(const DateTime& now, std::int16_t minutes)
     return next;
 }
 
-void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
+void ReminderScheduler::FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
 {
     const std::optional<Reminder> before = ToBeAnswered(id);
     if (!before)
         return;
     Reminder outcome = *before;
     outcome.Done = !snooze;
-    DateTime next = Host().Time.Now();
+    DateTime next = program_.Host.Time.Now();
     if (snooze) {
         next = SnoozedTime(next, minutes);
         outcome.Day = ToInt16(next.day);
@@ -242,55 +233,14 @@ void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
         outcome.Hour = ToInt16(next.hour);
         outcome.Minute = ToInt16(next.minute);
     }
-    if (!KeepAnswer({*before, outcome})) {
-        TellOfTooLongAnswer(outcome);
+    if (!program_.Reminders.KeepAnswer({*before, outcome})) {
+        program_.Reminders.TellOfTooLongAnswer(outcome);
         return;
     }
     // Events run meanwhile, which may save the answer, too, or find that its reminder has been deleted.
-    if (snooze && Settings.ReminderNextSchSpeak == 1)
+    if (snooze && program_.Settings.ReminderNextSchSpeak == 1)
         SpeakSnooze(next, minutes);
-    SaveAnswers();
-}
-
-void EnableReminders()
-{
-    if (Main().ReminderTimerEnabled())
-        return;
-    if (RemindersUnread()) {
-        WantReminders(true);
-        ReadRemindersNow();
-        // The user has been told why there is no list, or has had the file emptied, which has switched them on.
-        if (RemindersValid == False)
-            return;
-    }
-    if (RemindersValid == False) {
-        ReminderMessage(std::string("Following reminders file is not having valid data:") + CrLf + ReminderFilePath +
-                            CrLf + CrLf + "To enable reminders delete the above file and then restart the application.",
-                        vbOKOnly + vbExclamation, "GetAttention", "GetAttentionContinued", "GetAttentionContinued",
-                        "GetAttentionReturn");
-        return;
-    }
-    Main().EnableReminderTimer(true);
-    Main().CheckReminderMenus(true, false);
-}
-
-void DisableReminders()
-{
-    if (!Main().ReminderTimerEnabled() && !RemindersWanted())
-        return;
-    if (ReminderMessage("Are you sure you want to disable the reminders ?", vbYesNo + vbQuestion + vbDefaultButton2,
-                        "GetAttention", "GetAttentionContinued", "GetAttentionContinued",
-                        "GetAttentionReturn") != vbYes)
-        return;
-    WantReminders(false);
-    Main().CheckReminderMenus(false, true);
-    Main().EnableReminderTimer(false);
-}
-
-void ShowAllReminders()
-{
-    Main().Editor().ShowEditor();
-    LoadReminders(true, 1);
+    program_.Reminders.SaveAnswers();
 }
 
 } // namespace voxmate

@@ -1,9 +1,7 @@
 #include "modules/Settings.h"
 
 #include "base/Text.h"
-#include "modules/Declarations.h"
-#include "modules/Messages.h"
-#include "modules/Registry.h"
+#include "modules/Program.h"
 
 #include <string_view>
 
@@ -83,32 +81,32 @@ const SettingRow catalogue[] = {
     Number("RemAlertCloseTime", "Alert Reminder Auto Close Time", &S::RemAlertCloseTime, 4, 20, 4),
 };
 
-void ReadTextSetting(const SettingRow& row, std::string& field)
+void ReadTextSetting(Program& program, const SettingRow& row, std::string& field)
 {
-    RegFailed = False;
-    const Variant value = ReadRegString(SettingsKey, row.name);
-    if (RegFailed == False && std::holds_alternative<std::string>(value)) {
+    program.Registry.RegFailed = False;
+    const Variant value = program.Registry.ReadRegString(SettingsKey, row.name);
+    if (program.Registry.RegFailed == False && std::holds_alternative<std::string>(value)) {
         field = Trim(std::get<std::string>(value));
     } else {
-        Settings.SettingsErrorList += std::string(row.displayName) + CrLf;
+        program.Settings.SettingsErrorList += std::string(row.displayName) + CrLf;
         const bool isPath = std::string_view(row.name) == "CharacterPath";
-        field = isPath ? ProgramPath("Character") + PathSeparator() : row.defaultText;
+        field = isPath ? program.ProgramPath("Character") + program.PathSeparator() : row.defaultText;
         if (row.writeBack)
-            WriteRegString(SettingsKey, row.name, row.defaultText);
+            program.Registry.WriteRegString(SettingsKey, row.name, row.defaultText);
     }
-    RegFailed = False;
+    program.Registry.RegFailed = False;
 }
 
 // Either start-up switch forces the character to be shown; with both on the greeting wins. In memory only.
-void ReconcileStartUpSwitches()
+void ReconcileStartUpSwitches(SettingsRecord& settings)
 {
-    if (Settings.GreetingEnabled == 1) {
-        Settings.IntroAtStart = 0;
-        Settings.ShowCharacterAtStart = 1;
+    if (settings.GreetingEnabled == 1) {
+        settings.IntroAtStart = 0;
+        settings.ShowCharacterAtStart = 1;
     }
-    if (Settings.IntroAtStart == 1) {
-        Settings.GreetingEnabled = 0;
-        Settings.ShowCharacterAtStart = 1;
+    if (settings.IntroAtStart == 1) {
+        settings.GreetingEnabled = 0;
+        settings.ShowCharacterAtStart = 1;
     }
 }
 
@@ -119,50 +117,51 @@ std::span<const SettingRow> SettingsCatalogue()
     return catalogue;
 }
 
-std::int16_t ReadIntSetting(const std::string& valueName, const std::string& displayName, std::int32_t min,
-                            std::int32_t max, std::int16_t defaultValue)
+std::int16_t ReadIntSetting(Program& program, const std::string& valueName, const std::string& displayName,
+                            std::int32_t min, std::int32_t max, std::int16_t defaultValue)
 {
-    RegFailed = False;
-    const Variant value = ReadRegDword(SettingsKey, valueName);
-    if (RegFailed == False && std::holds_alternative<std::int32_t>(value)) {
+    program.Registry.RegFailed = False;
+    const Variant value = program.Registry.ReadRegDword(SettingsKey, valueName);
+    if (program.Registry.RegFailed == False && std::holds_alternative<std::int32_t>(value)) {
         const std::int32_t number = std::get<std::int32_t>(value);
         if (min <= number && number <= max)
             return ToInt16(number);
     }
     if (!displayName.empty())
-        Settings.SettingsErrorList += displayName + CrLf;
-    WriteRegDword(SettingsKey, valueName, defaultValue);
-    RegFailed = False;
+        program.Settings.SettingsErrorList += displayName + CrLf;
+    program.Registry.WriteRegDword(SettingsKey, valueName, defaultValue);
+    program.Registry.RegFailed = False;
     return defaultValue;
 }
 
-void LoadSettings()
+void LoadSettings(Program& program)
 {
-    RegFailed = False;
+    program.Registry.RegFailed = False;
     for (const SettingRow& row : catalogue) {
         if (const auto* number = std::get_if<std::int16_t S::*>(&row.field)) {
-            Settings.*(*number) = ReadIntSetting(row.name, row.displayName, row.min, row.max, row.defaultNumber);
+            program.Settings.*(*number) =
+                ReadIntSetting(program, row.name, row.displayName, row.min, row.max, row.defaultNumber);
             if (*number == &S::BalloonTotalLines)
-                ReconcileStartUpSwitches();
+                ReconcileStartUpSwitches(program.Settings);
         } else {
             const auto text = std::get<std::string S::*>(row.field);
-            ReadTextSetting(row, Settings.*text);
-            if (text == &S::CharacterPath && !Settings.CharacterPath.ends_with(PathSeparator()))
-                Settings.CharacterPath += PathSeparator();
+            ReadTextSetting(program, row, program.Settings.*text);
+            if (text == &S::CharacterPath && !program.Settings.CharacterPath.ends_with(program.PathSeparator()))
+                program.Settings.CharacterPath += program.PathSeparator();
         }
     }
 }
 
-void ReportSettingsInError()
+void ReportSettingsInError(Program& program)
 {
-    if (!Settings.SettingsErrorList.empty()) {
+    if (!program.Settings.SettingsErrorList.empty()) {
         const std::string text =
             std::string("Following option(s) not found (or inavlid values found) in your system registry:") + CrLf +
-            CrLf + Settings.SettingsErrorList + CrLf + "Default value(s) will be used for all these option(s)";
-        Announce(text, vbExclamation, "Voxmate - Options in Error", "GetAttention", "GetAttentionContinued",
-                 "GetAttentionReturn", "Suggest");
+            CrLf + program.Settings.SettingsErrorList + CrLf + "Default value(s) will be used for all these option(s)";
+        program.Messages.Announce(text, vbExclamation, "Voxmate - Options in Error", "GetAttention",
+                                  "GetAttentionContinued", "GetAttentionReturn", "Suggest");
     }
-    Settings.SettingsErrorList.clear();
+    program.Settings.SettingsErrorList.clear();
 }
 
 } // namespace voxmate

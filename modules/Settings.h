@@ -9,6 +9,8 @@
 namespace voxmate
 {
 
+class Program;
+
 /// The registry key that holds all settings.
 inline constexpr const char* SettingsKey = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate";
 
@@ -82,13 +84,13 @@ std::span<const SettingRow> SettingsCatalogue();
 
 /// Reads an integer setting. A value that is missing or outside min..max is replaced by the default, which is written
 /// back, and displayName is added to SettingsErrorList unless it is empty.
-std::int16_t ReadIntSetting(const std::string& valueName, const std::string& displayName, std::int32_t min,
-                            std::int32_t max, std::int16_t defaultValue);
+std::int16_t ReadIntSetting(Program& program, const std::string& valueName, const std::string& displayName,
+                            std::int32_t min, std::int32_t max, std::int16_t defaultValue);
 
-/// Fills Settings and SettingsErrorList from the registry.
-void LoadSettings();
+/// Fills the program's settings and SettingsErrorList from the registry.
+void LoadSettings(Program& program);
 
 /// Shows and speaks the "Options in Error" report when SettingsErrorList is not empty, then empties it.
-void ReportSettingsInError();
+void ReportSettingsInError(Program& program);
 
 } // namespace voxmate

@@ -1,7 +1,7 @@
 // What the modules need of the windows beside the main one; their forms implement it.
 #pragma once
 
-#include "platform/Clock.h"
+#include "modules/ReminderRecord.h"
 
 #include <cstdint>
 #include <string>
@@ -65,8 +65,7 @@ public:
     /// order in which the items were added; what is not there is not selected.
     virtual void SelectListItem(std::int16_t index) = 0;
     /// Puts a reminder into the fields; cmdAdd is disabled.
-    virtual void ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
-                            const std::string& time, const std::string& description, bool done) = 0;
+    virtual void ShowFields(const Reminder& reminder) = 0;
     /// Empties the fields, sets today's date and disables cmdUpdate and cmdDelete.
     virtual void ClearFields() = 0;
 };

@@ -73,11 +73,12 @@ public:
         rows.push_back(std::to_string(id) + "|" + std::to_string(image) + "|" + title + "|" + date + "|" + time);
     }
     void SelectListItem(std::int16_t index) override { log_.push_back("Select item " + std::to_string(index)); }
-    void ShowFields(const std::string& title, std::int16_t day, std::int16_t month, std::int16_t year,
-                    const std::string& time, const std::string& description, bool done) override
+    void ShowFields(const Reminder& reminder) override
     {
-        log_.push_back("Fields " + title + "|" + std::to_string(day) + "|" + std::to_string(month) + "|" +
-                       std::to_string(year) + "|" + time + "|" + description + (done ? "|done" : "|pending"));
+        log_.push_back("Fields " + reminder.Title + "|" + std::to_string(reminder.Day) + "|" +
+                       std::to_string(reminder.Month) + "|" + std::to_string(reminder.Year) + "|" +
+                       Padded(reminder.Hour, 2) + ":" + Padded(reminder.Minute, 2) + "|" + reminder.Description +
+                       (reminder.Done ? "|done" : "|pending"));
     }
     void ClearFields() override { log_.push_back("Fields empty"); }
 

@@ -3,8 +3,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
+#include "modules/Program.h"
 #include "platform/Platform.h"
 #include "tests/fakes/FakeFiles.h"
 #include "tests/fakes/FakeLog.h"
@@ -330,7 +329,7 @@ public:
     }
 };
 
-/// All of them, wired into one Platform, with two engines and two characters in place.
+/// All of them, wired into one Platform, with two engines and two characters in place, and a program over it.
 struct FakePlatform {
     Log log;
     FakeSettingsStore store{log};
@@ -342,6 +341,7 @@ struct FakePlatform {
     FakeClock clock;
     FakeWord word{log};
     Platform platform{store, agent, speech, windows, files, process, clock, word};
+    Program program{platform};
 
     FakePlatform()
     {
@@ -376,7 +376,7 @@ struct FakePlatform {
     {
         windows.whilePending = [this] {
             windows.whilePending = nullptr;
-            LoadCharacter("Nobody", false);
+            program.Characters.LoadCharacter("Nobody", false);
         };
     }
     /// Runs something that ends the program; true when it did.

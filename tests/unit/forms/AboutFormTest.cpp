@@ -1,7 +1,6 @@
 #include "forms/frmAbout.h"
-#include "modules/Declarations.h"
 #include "tests/fakes/FakeMainWindow.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +15,13 @@ using Lines = std::vector<std::string>;
 const std::string first = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
 const std::string second = "SOFTWARE\\Microsoft\\Shared Tools Location";
 
-class AboutForm : public ::testing::Test
+class AboutForm : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
     fakes::FakeMainWindow window{fake.log};
-    frmAbout form{fake.platform};
+    frmAbout form{program};
 
-    AboutForm() { BeginProgram(fake.platform, window); }
+    AboutForm() { program.Main = &window; }
     void Store(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data)
     {
         fake.store.keys[key][name] = {type, data};

@@ -1,9 +1,6 @@
 // The alert window: every call it makes, tick by tick.
 #include "forms/frmAlertWindow.h"
-#include "modules/AlertSlots.h"
-#include "modules/Declarations.h"
-#include "modules/Reminders.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <algorithm>
 #include <memory>
@@ -33,22 +30,19 @@ struct Style {
 };
 
 /// The screen is 1024 x 768 pixels with a panel of 30 at its foot: the work area ends at 11070 twips.
-class AlertWindowTest : public ::testing::Test
+class AlertWindowTest : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
     fakes::FakeMainWindow mainWindow{fake.log};
-    frmAlertWindow form{fake.platform};
+    frmAlertWindow form{program};
 
     AlertWindowTest()
     {
-        BeginProgram(fake.platform, mainWindow);
-        ResetReminders();
+        program.Main = &mainWindow;
         AlertSlotMask = 0;
         ReminderFilePath = "C:\\Voxmate\\VoxmateReminders.txt";
         ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
     }
-    ~AlertWindowTest() override { ResetReminders(); }
 
     static void Preview(frmAlertWindow& window, const Style& style, const std::string& text = "Tea")
     {
@@ -86,14 +80,14 @@ protected:
             form.Timer1.Fire();
     }
     /// Puts reminders with these titles into the file and the list.
-    static void Remind(const std::vector<std::string>& titles)
+    void Remind(const std::vector<std::string>& titles)
     {
         for (const std::string& title : titles) {
             AppendReminder({title, 7, 3, 2004, 14, 30, "", false});
             LoadReminders(false, 0);
         }
     }
-    static std::string Marks()
+    std::string Marks() const
     {
         std::string marks;
         for (std::size_t i = 1; i < RemDone.size(); ++i)
@@ -201,7 +195,7 @@ TEST_F(AlertWindowTest, DrawsEveryStyleInItsColoursAndSize)
         for (const bool square : {false, true}) {
             for (const auto& [color, channels, hex] : colors) {
                 SCOPED_TRACE(std::string(tube ? "tube " : "corner ") + (square ? "square " : "round ") + hex);
-                frmAlertWindow window(fake.platform);
+                frmAlertWindow window(program);
                 window.Load();
                 fake.log.clear();
                 // 10 pixels above the text, its 13 and 15 below it.
@@ -261,7 +255,7 @@ TEST_F(AlertWindowTest, WhatTheSystemCanDrawIsToldByItsVersion)
         fake.windows.majorVersion = major;
         fake.windows.minorVersion = minor;
         for (const bool tube : {false, true}) {
-            frmAlertWindow window(fake.platform);
+            frmAlertWindow window(program);
             window.Load();
             fake.log.clear();
             Preview(window, {.fade = true, .tube = tube});
@@ -325,7 +319,7 @@ TEST_F(AlertWindowTest, WhileItOnlyWaitsToBeSentAwayItDoesNotTick)
     for (const bool fade : {false, true}) {
         for (const bool click : {false, true}) {
             SCOPED_TRACE(std::string(fade ? "fading" : "sliding") + (click ? ", clicked" : ", told"));
-            frmAlertWindow window(fake.platform);
+            frmAlertWindow window(program);
             Preview(window, {.seconds = click ? 0 : -1, .fade = fade});
             int ticks = 0;
             while (window.Timer1.Enabled && ticks < 1000) {
@@ -361,8 +355,8 @@ TEST_F(AlertWindowTest, AClickThatSendsNothingAwayStartsNoTicks)
 
 TEST_F(AlertWindowTest, OnlyTheLowestWindowGrowsOrShrinksToItsText)
 {
-    frmAlertWindow second(fake.platform);
-    frmAlertWindow unasked(fake.platform);
+    frmAlertWindow second(program);
+    frmAlertWindow unasked(program);
     const std::string text = "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\n9\r\n10\r\n11\r\n12";
     Preview({.fit = true}, text);
     Preview(second, {.fit = true}, text);
@@ -448,7 +442,7 @@ TEST_F(AlertWindowTest, SlidesUpStaysAndSlidesDownWithinTheseTicks)
 
 TEST_F(AlertWindowTest, HigherWindowsSlideTwiceAsFast)
 {
-    frmAlertWindow lowest(fake.platform);
+    frmAlertWindow lowest(program);
     Preview(lowest, {.seconds = 0});
     Preview({.seconds = 1});
     Tick(40);
@@ -475,7 +469,7 @@ TEST_F(AlertWindowTest, AWindowHigherThanTheWorkAreaStopsAtTheScreensTop)
     EXPECT_EQ(form.Top(), 0);
     EXPECT_EQ(Tick(), OnTop);
     EXPECT_EQ(form.Top(), 0);
-    frmAlertWindow fading(fake.platform);
+    frmAlertWindow fading(program);
     Preview(fading, {.fade = true});
     EXPECT_EQ(fading.Top(), 0);
 }
@@ -517,7 +511,7 @@ TEST_F(AlertWindowTest, NineWindowsTakeEightPlacesAndTheLastTwoLieOnOneAnother)
     std::vector<std::int32_t> tops;
     std::vector<int> masks;
     for (int i = 0; i < 9; ++i) {
-        windows.push_back(std::make_unique<frmAlertWindow>(fake.platform));
+        windows.push_back(std::make_unique<frmAlertWindow>(program));
         Preview(*windows.back(), {.fade = true});
         tops.push_back(windows.back()->Top());
         masks.push_back(AlertSlotMask);
@@ -617,7 +611,7 @@ TEST_F(AlertWindowTest, OneThatIsDoneAwayWithGivesItsPlaceBackAndMarksNothing)
 {
     Remind({"Call"});
     {
-        frmAlertWindow window(fake.platform);
+        frmAlertWindow window(program);
         window.DisplayMessage("Call", 1, false, 1, true, true, true, Yellow, false);
         EXPECT_EQ(AlertSlotMask, 1);
     }

@@ -1,8 +1,6 @@
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
-#include "modules/Functions.h"
-#include "modules/Registry.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <cstring>
 #include <limits>
@@ -17,14 +15,10 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-class MainFormTest : public ::testing::Test
+class MainFormTest : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
-    frmMain form{fake.platform};
-
-    MainFormTest() { BeginProgram(fake.platform, form); }
-    ~MainFormTest() override { WordApp.reset(); } // it belongs to this test's platform
+    frmMain form{program};
 
     fakes::FakeCharacter& Start()
     {
@@ -41,7 +35,7 @@ TEST_F(MainFormTest, ASecondCopyIsRefusedBeforeAnySettingIsRead)
 {
     fake.process.previousInstance = true;
     fake.store.logCalls = true;
-    EXPECT_TRUE(fake.Ends([] { StartMain(); }));
+    EXPECT_TRUE(fake.Ends([this] { StartMain(); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].text, "Another copy of Voxmate is already running.");
     EXPECT_EQ(fake.windows.boxes[0].style, 16);
@@ -52,7 +46,7 @@ TEST_F(MainFormTest, ASecondCopyIsRefusedBeforeAnySettingIsRead)
 TEST_F(MainFormTest, TheSplashTimerStartsTheProgramOnceAndUnloadsTheSplash)
 {
     fake.StoreDefaults();
-    frmSplash splash(fake.platform);
+    frmSplash splash(program);
     splash.Show();
     EXPECT_EQ(splash.splashTimer.Interval.get(), 2000);
     EXPECT_TRUE(splash.splashTimer.Enabled.get());

@@ -1,7 +1,6 @@
 // The main window's menus and what their simple items do.
 #include "forms/frmMain.h"
-#include "modules/Functions.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <gtest/gtest.h>
 
@@ -13,13 +12,10 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-class MainMenuTest : public ::testing::Test
+class MainMenuTest : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
-    frmMain form{fake.platform};
-
-    MainMenuTest() { BeginProgram(fake.platform, form); }
+    frmMain form{program};
 
     void Start()
     {
@@ -133,7 +129,7 @@ TEST_F(MainMenuTest, EveryButtonHasItsToolTip)
 TEST_F(MainMenuTest, HelpIsAnnouncedAndShown)
 {
     Start();
-    fake.windows.whileBoxIsUp = [](const auto&) { EXPECT_EQ(IsBusy, True); };
+    fake.windows.whileBoxIsUp = [this](const auto&) { EXPECT_EQ(IsBusy, True); };
     form.mnuHelp.UserClick();
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].text, "Help will be available very soon. Author is preparing the help.");

@@ -1,8 +1,6 @@
 // The notice window against the real list of reminders and its file in memory.
 #include "forms/frmShowRem.h"
-#include "modules/Declarations.h"
-#include "modules/Reminders.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <algorithm>
 
@@ -19,29 +17,27 @@ using Lines = std::vector<std::string>;
 class NoticesMain : public fakes::FakeMainWindow
 {
 public:
-    NoticesMain(fakes::Log& log, Platform& platform) : FakeMainWindow(log), platform_(platform) {}
+    NoticesMain(fakes::Log& log, Program& program) : FakeMainWindow(log), program_(program) {}
     std::vector<frmShowRem*> made;
     std::unique_ptr<NoticeWindow> NewNoticeWindow() override
     {
-        auto window = std::make_unique<frmShowRem>(platform_);
+        auto window = std::make_unique<frmShowRem>(program_);
         made.push_back(window.get());
         return window;
     }
 
 private:
-    Platform& platform_;
+    Program& program_;
 };
 
-class NoticeFormTest : public ::testing::Test
+class NoticeFormTest : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
-    NoticesMain main{fake.log, fake.platform};
+    NoticesMain main{fake.log, program};
 
     NoticeFormTest()
     {
-        BeginProgram(fake.platform, main);
-        ResetReminders();
+        program.Main = &main;
         ReminderFilePath = "C:\\Voxmate\\VoxmateReminders.txt";
         ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
         main.CheckReminderMenus(true, false);
@@ -56,7 +52,6 @@ protected:
         LoadReminders(false, 0);
         fake.log.clear();
     }
-    ~NoticeFormTest() override { ResetReminders(); }
 
     void Add(const Reminder& reminder)
     {
@@ -85,7 +80,7 @@ protected:
 
 TEST_F(NoticeFormTest, TheControlsSayWhatTheyAreFor)
 {
-    const frmShowRem form(fake.platform);
+    const frmShowRem form(program);
     EXPECT_EQ(form.Caption, "Voxmate Reminder");
     EXPECT_EQ(form.cmdSnooze.Caption.get(), "Snooze");
     EXPECT_EQ(form.cmdOK.Caption.get(), "OK");
@@ -127,7 +122,7 @@ TEST_F(NoticeFormTest, WithReminderOnTopOneItIsNotKeptAboveOthersAndElseItIs)
 {
     for (const std::int16_t setting : std::initializer_list<std::int16_t>{1, 0, 2}) {
         Settings.ReminderOnTop = setting;
-        frmShowRem form(fake.platform);
+        frmShowRem form(program);
         fake.log.clear();
         fake.windows.named.clear();
         form.ShowNotice({"New Reminder", 1, "Call", "", "", ""});

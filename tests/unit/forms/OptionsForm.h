@@ -3,10 +3,8 @@
 #pragma once
 
 #include "forms/frmOptions.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
 #include "tests/fakes/FakeMainWindow.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <functional>
 #include <string>
@@ -19,23 +17,21 @@ namespace voxmate
 
 using Lines = std::vector<std::string>;
 
-class OptionsForm : public ::testing::Test
+class OptionsForm : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
     fakes::FakeMainWindow window{fake.log};
-    frmOptions form{fake.platform};
+    frmOptions form{program};
 
     OptionsForm()
     {
-        BeginProgram(fake.platform, window);
+        program.Main = &window;
         fake.StoreDefaults();
         LoadSettings();
         SearchPath = Settings.CharacterPath;
         FindCharacters(false);
         LoadCharacter("Alfa", true);
     }
-    ~OptionsForm() override { BeginProgram(fake.platform, window); }
 
     void Open()
     {

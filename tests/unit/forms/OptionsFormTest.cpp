@@ -237,9 +237,9 @@ const SettingRow& Catalogue(const std::string& setting)
     throw std::logic_error(setting);
 }
 
-std::int16_t& Field(const std::string& setting)
+std::int16_t& Field(SettingsRecord& settings, const std::string& setting)
 {
-    return Settings.*std::get<std::int16_t SettingsRecord::*>(Catalogue(setting).field);
+    return settings.*std::get<std::int16_t SettingsRecord::*>(Catalogue(setting).field);
 }
 
 TEST_F(OptionsForm, EveryNumberAndSwitchIsShownAsItIsSet)
@@ -250,7 +250,7 @@ TEST_F(OptionsForm, EveryNumberAndSwitchIsShownAsItIsSet)
     EXPECT_EQ(form.chkIntroAtStart.Value, 0);
     form.Unload();
     for (const Row& row : NumberRows())
-        Field(row.setting) = static_cast<std::int16_t>(row.other);
+        Field(Settings, row.setting) = static_cast<std::int16_t>(row.other);
     Open();
     for (const Row& row : NumberRows())
         EXPECT_EQ(row.shown(form), row.other) << row.setting;
@@ -266,22 +266,22 @@ TEST_F(OptionsForm, EveryNumberAndSwitchIsShownAsItIsSet)
 TEST_F(OptionsForm, EveryNumberAndSwitchThatTheUserChangesIsSavedAndKeptAndBackTheNextTime)
 {
     for (const Row& row : NumberRows()) {
-        const std::int16_t before = Field(row.setting);
+        const std::int16_t before = Field(Settings, row.setting);
         Open();
         row.user(form, row.other);
         EXPECT_TRUE(form.cmdApply.Enabled) << row.setting;
         form.cmdApply.UserClick();
         EXPECT_FALSE(form.cmdApply.Enabled) << row.setting;
         EXPECT_EQ(fake.store.Dword(row.setting), row.other) << row.setting;
-        EXPECT_EQ(Field(row.setting), row.other) << row.setting;
+        EXPECT_EQ(Field(Settings, row.setting), row.other) << row.setting;
         form.Unload();
         LoadSettings();
-        EXPECT_EQ(Field(row.setting), row.other) << row.setting;
+        EXPECT_EQ(Field(Settings, row.setting), row.other) << row.setting;
         Open();
         EXPECT_EQ(row.shown(form), row.other) << row.setting;
         row.user(form, before);
         form.cmdOK.UserClick();
-        EXPECT_EQ(Field(row.setting), before) << row.setting;
+        EXPECT_EQ(Field(Settings, row.setting), before) << row.setting;
         // Some switches untick others: each row begins from the defaults.
         Settings.ShowCharacterAtStart = 1;
         Settings.GreetingEnabled = 1;

@@ -40,7 +40,7 @@ TEST_F(ReminderCommandsTest, TheCharacterSaysARefusalBeforeTheBoxShowsIt)
 {
     Open({});
     Settings.ReadMessages = 1;
-    fake.windows.whileBoxIsUp = [](const auto& box) {
+    fake.windows.whileBoxIsUp = [this](const auto& box) {
         EXPECT_EQ(MessageText, box.text);
         EXPECT_EQ(IsBusy, True);
     };

@@ -2,9 +2,7 @@
 #pragma once
 
 #include "forms/frmReminder.h"
-#include "modules/Declarations.h"
-#include "modules/Reminders.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <algorithm>
 #include <array>
@@ -47,27 +45,24 @@ private:
     std::string& focused_;
 };
 
-class ReminderFormTest : public ::testing::Test
+class ReminderFormTest : public ProgramTest
 {
 protected:
     const std::string file = "C:\\Voxmate\\VoxmateReminders.txt";
-    fakes::FakePlatform fake;
     EditorsMain main{fake.log};
-    frmReminder form{fake.platform};
+    frmReminder form{program};
     std::string focused;
 
     ReminderFormTest()
     {
         main.form = &form;
-        BeginProgram(fake.platform, main);
-        ResetReminders();
+        program.Main = &main;
         ReminderFilePath = file;
         ReminderTempPath = "C:\\Voxmate\\VoxmateReminders.tmp";
         main.CheckReminderMenus(true, false);
         main.reminderTimer = true;
         fake.clock.now = {2004, 3, 7, 9, 5, 30};
     }
-    ~ReminderFormTest() override { ResetReminders(); }
 
     using Record = std::array<std::string, 8>; // title, day, month, year, hour, minute, description, flag
     static std::string Slot(const Record& fields)

@@ -1,9 +1,6 @@
 #include "forms/frmTip.h"
-#include "modules/Declarations.h"
-#include "modules/Functions.h"
-#include "modules/Tips.h"
 #include "tests/fakes/FakeMainWindow.h"
-#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/ProgramTest.h"
 
 #include <set>
 #include <string>
@@ -29,28 +26,21 @@ private:
     frmTip& tipForm_;
 };
 
-class TipForm : public ::testing::Test
+class TipForm : public ProgramTest
 {
 protected:
-    fakes::FakePlatform fake;
-    frmTip form{fake.platform};
+    frmTip form{program};
     WindowWithTip window{fake.log, form};
 
     TipForm()
     {
-        BeginProgram(fake.platform, window);
-        ResetTips();
+        program.Main = &window;
         fake.StoreDefaults();
         LoadSettings();
         Settings.AutoReadTip = 0;
         Settings.ShowCharacterAtStart = 0;
         LoadCharacter("Alfa", true);
         fake.log.clear();
-    }
-    ~TipForm() override
-    {
-        ResetTips();
-        BeginProgram(fake.platform, window);
     }
     void File(const std::string& text) { fake.files.texts["C:\\Voxmate\\VoxmateTips.txt"] = text; }
     void Open()

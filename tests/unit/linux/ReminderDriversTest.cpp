@@ -1,8 +1,6 @@
 // Several programs change the reminders of one folder at the same time, as fast as they can.
 #include "OwnFolder.h"
-#include "modules/Reminders.h"
-#include "platform/linux/files/LinuxFileSystem.h"
-#include "tests/fakes/FakePlatform.h"
+#include "RealFiles.h"
 
 #include <algorithm>
 #include <chrono>
@@ -48,20 +46,18 @@ private:
 using Expected = std::map<std::string, bool>;
 
 /// Adds, answers and deletes its own reminders without a pause, among those of others.
-class Driver
+class Driver : private RealFiles, public ProgramNames
 {
 public:
     Driver(const fs::path& folder, int number)
-        : name_("Driver " + std::to_string(number) + " "), random_(static_cast<unsigned>(number))
+        : ProgramNames(programOnFiles), name_("Driver " + std::to_string(number) + " "),
+          random_(static_cast<unsigned>(number))
     {
-        BeginProgram(platform_, window_);
-        ResetReminders();
         ReminderFilePath = (folder / "VoxmateReminders.txt").string();
         ReminderTempPath = (folder / "VoxmateReminders.tmp").string();
-        window_.CheckReminderMenus(true, false);
+        window.CheckReminderMenus(true, false);
         LoadReminders(false, 0);
     }
-    ~Driver() { ResetReminders(); }
     Driver(const Driver&) = delete;
     Driver& operator=(const Driver&) = delete;
 
@@ -79,7 +75,7 @@ public:
                 Delete();
         }
         // An answer that could not be saved at once is saved later.
-        while (window_.reminderRetry)
+        while (window.reminderRetry)
             RetryReminders();
         return mine_;
     }
@@ -87,18 +83,13 @@ public:
     int Added() const { return count_; }
 
 private:
-    fakes::FakePlatform fake_;
-    LinuxFileSystem files_;
-    Platform platform_{fake_.store, fake_.agent,   fake_.speech, fake_.windows,
-                       files_,      fake_.process, fake_.clock,  fake_.word};
-    fakes::FakeMainWindow window_{fake_.log};
     std::string name_;
     std::mt19937 random_;
     Expected mine_;
     int count_ = 0;
 
     std::string Any() { return std::next(mine_.begin(), static_cast<std::ptrdiff_t>(random_() % mine_.size()))->first; }
-    static std::int16_t NumberOf(const std::string& title)
+    std::int16_t NumberOf(const std::string& title) const
     {
         const auto at = std::find(RemTitles.begin() + 1, RemTitles.begin() + 1 + RemCount, title);
         return at == RemTitles.begin() + 1 + RemCount ? std::int16_t{0}
@@ -139,8 +130,8 @@ protected:
     {
         Driver driver(folder, 0);
         for (int i = 1; i <= Others; ++i)
-            ASSERT_TRUE(TryAppendReminder({"Other " + std::to_string(i), 7, 3, 2104, 9, 5, "", false}) &&
-                        (LoadReminders(false, 0), RemCount == i));
+            ASSERT_TRUE(driver.TryAppendReminder({"Other " + std::to_string(i), 7, 3, 2104, 9, 5, "", false}) &&
+                        (driver.LoadReminders(false, 0), driver.RemCount == i));
     }
     /// Starts a driver in another process, which writes the reminders it leaves, one per line, to a file.
     pid_t Start(int number)
@@ -178,8 +169,8 @@ TEST_F(ReminderDriversTest, TwoThatSaveWithoutPauseLoseNothing)
     }
     const Driver reader(folder, 3);
     std::vector<std::string> found;
-    for (std::size_t number = 1; number <= static_cast<std::size_t>(RemCount); ++number)
-        found.push_back(RemDone[number] + " " + RemTitles[number]);
+    for (std::size_t number = 1; number <= static_cast<std::size_t>(reader.RemCount); ++number)
+        found.push_back(reader.RemDone[number] + " " + reader.RemTitles[number]);
     std::sort(expected.begin(), expected.end());
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, expected);

@@ -1,9 +1,7 @@
 // The reminders in a real file: what is on the disk when the program ends during a save or cannot complete one.
 #include "FileHolder.h"
 #include "OrdinaryUser.h"
-#include "modules/Reminders.h"
-#include "platform/linux/files/LinuxFileSystem.h"
-#include "tests/fakes/FakePlatform.h"
+#include "RealFiles.h"
 
 #include <csignal>
 #include <filesystem>
@@ -33,33 +31,26 @@ namespace fs = std::filesystem;
 // Enough to fill more than one block of 64 KiB.
 constexpr int many = 600;
 
-class ReminderFileTest : public ::testing::Test
+class ReminderFileTest : public ::testing::Test, protected RealFiles, protected ProgramNames
 {
 protected:
     fs::path folder;
-    fakes::FakePlatform fake;
-    LinuxFileSystem files;
-    Platform platform{fake.store, fake.agent, fake.speech, fake.windows, files, fake.process, fake.clock, fake.word};
-    fakes::FakeMainWindow window{fake.log};
 
-    ReminderFileTest()
+    ReminderFileTest() : ProgramNames(programOnFiles)
     {
         std::string name = (fs::temp_directory_path() / "voxmate-reminders-XXXXXX").string();
         folder = ::mkdtemp(name.data());
         fs::permissions(folder, fs::perms(0777));
-        BeginProgram(platform, window);
-        ResetReminders();
         UseFolder(folder);
         window.CheckReminderMenus(true, false);
     }
     ~ReminderFileTest() override
     {
-        ResetReminders();
         fs::permissions(folder, fs::perms(0777));
         fs::remove_all(folder);
     }
 
-    static void UseFolder(const fs::path& where)
+    void UseFolder(const fs::path& where)
     {
         ReminderFilePath = (where / "VoxmateReminders.txt").string();
         ReminderTempPath = (where / "VoxmateReminders.tmp").string();
@@ -104,7 +95,7 @@ protected:
         ASSERT_EQ(RemCount, count);
         fake.windows.boxes.clear();
     }
-    static void Change(std::int16_t id) { StoreReminder(id, {"Changed", 7, 3, 2004, 9, 5, "Bank", false}); }
+    void Change(std::int16_t id) { StoreReminder(id, {"Changed", 7, 3, 2004, 9, 5, "Bank", false}); }
 
     /// The wait status of another process that runs `body`.
     static int StatusOf(const std::function<void()>& body)
@@ -170,14 +161,14 @@ TEST_F(ReminderFileTest, ASaveCutOffAtAnySystemCallLosesNoReminder)
     const std::string before = Reminders(many);
     const std::vector<Save> saves{
         {"a change",
-         [] {
+         [this] {
              Change(many);
              SaveReminders(0);
          },
          Reminders(many, 0, many), many},
-        {"a deletion", [] { SaveReminders(2); }, Reminders(many, 2), many - 1},
+        {"a deletion", [this] { SaveReminders(2); }, Reminders(many, 2), many - 1},
         {"an addition",
-         [] {
+         [this] {
              AppendReminder({"Reminder 601", 7, 3, 2004, 9, 5, "Bank", false});
          },
          Reminders(many + 1), many + 1},
@@ -257,13 +248,13 @@ std::vector<std::string> DiskCalls(const std::function<void()>& body)
 TEST_F(ReminderFileTest, TheNewFileIsOnTheDiskBeforeTheOldOneGoesAndItsNameAfterwards)
 {
     Load(many);
-    const auto calls = DiskCalls([] { SaveReminders(0); });
+    const auto calls = DiskCalls([this] { SaveReminders(0); });
     if (calls.empty())
         GTEST_SKIP() << "processes may not be traced here";
     // In order: the copy's bytes, its name once it is complete, and that name in the folder; the old file is deleted;
     // the copy gets the file's name, and that name is synced.
     EXPECT_EQ(calls, (std::vector<std::string>{"fdatasync", "rename", "fsync", "unlink", "rename", "fsync"}));
-    EXPECT_EQ(DiskCalls([] {
+    EXPECT_EQ(DiskCalls([this] {
                   AppendReminder({"More", 7, 3, 2004, 9, 5, "", false});
               }),
               std::vector<std::string>{"fdatasync"});
@@ -278,7 +269,7 @@ TEST_F(ReminderFileTest, ASaveCutOffWithinAWriteLosesNoReminder)
     for (const rlim_t limit : limits) {
         Load(many);
         Change(many);
-        const int status = StatusOf([limit] {
+        const int status = StatusOf([limit, this] {
             ::signal(SIGXFSZ, SIG_DFL);
             const rlimit core{0, 0};
             const rlimit size{limit, limit};

@@ -22,7 +22,7 @@ protected:
     {
         fake.windows.boxes.clear();
         fake.LetAnotherMessageCome();
-        fake.windows.whileBoxIsUp = [](const auto& box) {
+        fake.windows.whileBoxIsUp = [this](const auto& box) {
             EXPECT_EQ(MessageText, box.text);
             EXPECT_EQ(IsBusy, True) << box.text;
         };
@@ -37,7 +37,7 @@ protected:
 TEST_F(AnnounceTest, ACharacterThatIsMissing)
 {
     ExpectOwnText("Please make sure following file is available to load this charater:\r\nC:\\Chars\\Somebody.acs",
-                  [] { LoadCharacter("Somebody", false); });
+                  [this] { LoadCharacter("Somebody", false); });
 }
 
 TEST_F(AnnounceTest, SettingsInError)
@@ -45,17 +45,17 @@ TEST_F(AnnounceTest, SettingsInError)
     Settings.SettingsErrorList = "Pitch\r\n";
     ExpectOwnText("Following option(s) not found (or inavlid values found) in your system registry:\r\n\r\n"
                   "Pitch\r\n\r\nDefault value(s) will be used for all these option(s)",
-                  [] { ReportSettingsInError(); });
+                  [this] { ReportSettingsInError(); });
 }
 
 TEST_F(AnnounceTest, AFileThatIsGoneAndOneOfTheWrongType)
 {
     fake.windows.filesToOpen = {"C:\\gone.txt"};
-    ExpectOwnText("File not found:\r\nC:\\gone.txt", [] { OpenAndReadText(); });
+    ExpectOwnText("File not found:\r\nC:\\gone.txt", [this] { OpenAndReadText(); });
     fake.windows.filesToOpen = {"C:\\notes.text"};
     fake.files.texts["C:\\notes.text"] = "Notes";
     ExpectOwnText("The below document you are trying to open is not a TEXT document:\r\nC:\\notes.text",
-                  [] { OpenAndReadText(); });
+                  [this] { OpenAndReadText(); });
 }
 
 TEST_F(AnnounceTest, WithoutSoundTheProgramStaysBusyBehindTheBoxThatSaysSo)

@@ -78,7 +78,7 @@ TEST_F(CharacterTest, ANoAtStartUpEndsTheProgram)
 {
     SearchPath = "D:\\Nowhere\\";
     fake.windows.answers = {vbNo};
-    EXPECT_TRUE(fake.Ends([] { FindCharacters(false); }));
+    EXPECT_TRUE(fake.Ends([this] { FindCharacters(false); }));
     EXPECT_EQ(fake.windows.boxes.size(), 1u);
 }
 
@@ -86,7 +86,7 @@ TEST_F(CharacterTest, WithoutTheSystemFolderThePageIsOfferedAndTheProgramEnds)
 {
     SearchPath = "D:\\Nowhere\\";
     fake.windows.answers = {vbYes, vbYes};
-    EXPECT_TRUE(fake.Ends([] { FindCharacters(false); }));
+    EXPECT_TRUE(fake.Ends([this] { FindCharacters(false); }));
     ASSERT_EQ(fake.windows.boxes.size(), 2u);
     EXPECT_EQ(fake.windows.boxes[1].text, "Following folder containing the characters does not exist:\r\n"
                                           "C:\\WINDOWS\\msagent\\chars\\\r\n"
@@ -101,7 +101,7 @@ TEST_F(CharacterTest, ANoToThePageEndsTheProgramWithoutIt)
 {
     SearchPath = "D:\\Nowhere\\";
     fake.windows.answers = {vbYes, vbNo};
-    EXPECT_TRUE(fake.Ends([] { FindCharacters(false); }));
+    EXPECT_TRUE(fake.Ends([this] { FindCharacters(false); }));
     EXPECT_TRUE(fake.process.commands.empty());
 }
 
@@ -126,7 +126,7 @@ TEST_F(CharacterTest, AnEmptySystemFolderEndsTheProgramToo)
     SearchPath = "D:\\Nowhere\\";
     fake.files.folders.insert("C:\\WINDOWS\\msagent\\chars\\");
     fake.windows.answers = {vbYes, vbNo};
-    EXPECT_TRUE(fake.Ends([] { FindCharacters(false); }));
+    EXPECT_TRUE(fake.Ends([this] { FindCharacters(false); }));
     ASSERT_EQ(fake.windows.boxes.size(), 2u);
     EXPECT_EQ(fake.windows.boxes[1].text.substr(0, 44), "No characters found in the following path:\r\n");
 }
@@ -316,7 +316,7 @@ TEST_F(CharacterTest, TwiceAWidthOver16383OverflowsAndIsReported)
     LoadCharacter("Alfa", true);
     EXPECT_EQ(fake.Loaded("Alfa").width, 32766);
     fake.agent.prepare = [](fakes::FakeCharacter& character) { character.originalWidth = 16384; };
-    EXPECT_TRUE(fake.Ends([] { LoadCharacter("Bravo", false); }));
+    EXPECT_TRUE(fake.Ends([this] { LoadCharacter("Bravo", false); }));
     EXPECT_NE(
         fake.windows.boxes.back().text.find("Error No. - 6\r\nError Description - Overflow\r\nFunction/Module ID - 2"),
         std::string::npos);

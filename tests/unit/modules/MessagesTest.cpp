@@ -92,7 +92,7 @@ TEST_F(MessagesTest, TheErrorReportIsShownAndEndsTheProgram)
     WithCharacter();
     Boolean busyMeanwhile = False;
     fake.windows.whileBoxIsUp = [&](const auto&) { busyMeanwhile = IsBusy; };
-    EXPECT_TRUE(fake.Ends([] { ReportError(-2147467259, "Something broke", 2); }));
+    EXPECT_TRUE(fake.Ends([this] { ReportError(-2147467259, "Something broke", 2); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].text, "Following error has occurred:\r\n"
                                           "Error No. - -2147467259\r\n"
@@ -131,7 +131,7 @@ TEST_F(MessagesTest, WhatIsNoRunTimeErrorEndsANumberedRoutineInTheSameReport)
 TEST_F(MessagesTest, AnErrorInTheVoicesAndOneInTheCharacterSearchBothReportRoutineOne)
 {
     fake.speech.error = RuntimeError(70, "Permission denied");
-    EXPECT_TRUE(fake.Ends([] { LoadSpeechEngines(); }));
+    EXPECT_TRUE(fake.Ends([this] { LoadSpeechEngines(); }));
     EXPECT_NE(fake.windows.boxes.back().text.find("Function/Module ID - 1\r\n"), std::string::npos);
     EXPECT_NE(fake.windows.boxes.back().text.find("Error No. - 70\r\nError Description - Permission denied"),
               std::string::npos);
@@ -141,7 +141,7 @@ TEST_F(MessagesTest, AnErrorInTheVoicesAndOneInTheCharacterSearchBothReportRouti
     for (int i = 0; i < 32768; ++i)
         fake.files.files.insert("C:\\Many\\" + std::to_string(i) + ".acs");
     SearchPath = "C:\\Many\\";
-    EXPECT_TRUE(fake.Ends([] { FindCharacters(false); }));
+    EXPECT_TRUE(fake.Ends([this] { FindCharacters(false); }));
     EXPECT_NE(fake.windows.boxes.back().text.find(
                   "Error No. - 6\r\nError Description - Overflow\r\nFunction/Module ID - 1\r\n"),
               std::string::npos);
@@ -152,7 +152,7 @@ TEST_F(MessagesTest, AnErrorWhileLoadingACharacterReportsRoutineTwo)
     fake.StoreDefaults();
     LoadSettings();
     fake.agent.loadError = RuntimeError(481, "C:\\Chars\\Alfa.acs is not a character");
-    EXPECT_TRUE(fake.Ends([] { LoadCharacter("Alfa", true); }));
+    EXPECT_TRUE(fake.Ends([this] { LoadCharacter("Alfa", true); }));
     EXPECT_NE(fake.windows.boxes.back().text.find("Error Description - C:\\Chars\\Alfa.acs is not a character\r\n"
                                                   "Function/Module ID - 2\r\n"),
               std::string::npos);

@@ -120,9 +120,9 @@ TEST_F(ReadingTest, AnEmptyTextFileIsComplainedAbout)
 
 TEST_F(ReadingTest, ACancelledDialogIsQuiet)
 {
-    for (const auto& read : {OpenAndReadText, OpenAndReadWord, OpenAndPlayWave}) {
+    for (const auto& read : {&Reading::OpenAndReadText, &Reading::OpenAndReadWord, &Reading::OpenAndPlayWave}) {
         fake.log.clear();
-        read();
+        (program.Reading.*read)();
         ASSERT_EQ(fake.log.size(), 3u);
         EXPECT_EQ(fake.log[0], "Status Prompting for file name...");
         EXPECT_EQ(fake.log[2], idle);
@@ -196,7 +196,7 @@ TEST_F(ReadingTest, AnUnexpectedErrorIsReportedWithItsRoutineNumber)
 {
     ChooseText("hello");
     fake.files.openErrors.emplace("C:\\notes.txt", PermissionDenied());
-    EXPECT_TRUE(fake.Ends([] { OpenAndReadText(); }));
+    EXPECT_TRUE(fake.Ends([this] { OpenAndReadText(); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Unhandled Error");
     EXPECT_NE(fake.windows.boxes[0].text.find("Error No. - 70\r\nError Description - Permission denied\r\n"
@@ -318,7 +318,7 @@ TEST_F(ReadingTest, AnotherErrorOfTheWordProcessorIsReportedAndItStaysAsItIs)
 {
     ChooseWord("hello");
     fake.word.openErrors.emplace("C:\\letter.doc", PermissionDenied());
-    EXPECT_TRUE(fake.Ends([] { OpenAndReadWord(); }));
+    EXPECT_TRUE(fake.Ends([this] { OpenAndReadWord(); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Unhandled Error");
     EXPECT_EQ(std::count(fake.log.begin(), fake.log.end(), "Word Quit"), 0);
@@ -380,7 +380,7 @@ TEST_F(ReadingTest, StopWhileTheDocumentIsOpenedIsQuiet)
 {
     ChooseWord("hello");
     fake.word.questions = 5;
-    fake.word.whileOpening = [] { StopRequested = True; };
+    fake.word.whileOpening = [this] { StopRequested = True; };
     OpenAndReadWord();
     EXPECT_TRUE(Spoken().empty());
     EXPECT_TRUE(fake.windows.boxes.empty());
@@ -450,7 +450,7 @@ TEST_F(ReadingTest, WithoutAWordProcessorTheErrorIsReported)
 {
     ChooseWord("hello");
     fake.word.createError = CannotCreateObject();
-    EXPECT_TRUE(fake.Ends([] { OpenAndReadWord(); }));
+    EXPECT_TRUE(fake.Ends([this] { OpenAndReadWord(); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_NE(fake.windows.boxes[0].text.find("Error No. - 429\r\nError Description - ActiveX component can't create "
                                               "object\r\nFunction/Module ID - 3\r\n"),

@@ -59,9 +59,9 @@ TEST_F(ReminderKeepingTest, TheFileIsHeldAcrossEveryLoadSaveAndAddition)
         return fake.log.size() > 3 && fake.log.front() == "Lock " + file && fake.log.back() == "Unlock " + file &&
                std::count(fake.log.begin(), fake.log.end(), "Lock " + file) == 1;
     };
-    EXPECT_TRUE(isHeld([] { LoadReminders(false, 0); }));
-    EXPECT_TRUE(isHeld([] { SaveReminders(0); }));
-    EXPECT_TRUE(isHeld([] { AppendReminder(As("Tea")); }));
+    EXPECT_TRUE(isHeld([this] { LoadReminders(false, 0); }));
+    EXPECT_TRUE(isHeld([this] { SaveReminders(0); }));
+    EXPECT_TRUE(isHeld([this] { AppendReminder(As("Tea")); }));
     EXPECT_TRUE(fake.files.locks.empty());
 }
 

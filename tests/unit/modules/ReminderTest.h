@@ -2,7 +2,6 @@
 #pragma once
 
 #include "ModuleTest.h"
-#include "modules/Reminders.h"
 
 #include <array>
 #include <string>
@@ -28,11 +27,9 @@ protected:
 
     ReminderTest()
     {
-        ResetReminders();
         ReminderFilePath = file;
         ReminderTempPath = temp;
     }
-    ~ReminderTest() override { ResetReminders(); }
 
     static std::string Slot(const ReminderFields& fields, char filler = '\0')
     {

@@ -304,7 +304,7 @@ TEST_F(RemindersTest, ALoadThatIsWantedWhileOneAsksIsLeftToThatOne)
 {
     fake.files.log = &fake.log;
     Store({Call(), {"Bad", "30", "02", "2004", "09", "05", "Bank", "N"}});
-    fake.windows.whileBoxIsUp = [](const auto&) { LoadReminders(false, 0); };
+    fake.windows.whileBoxIsUp = [this](const auto&) { LoadReminders(false, 0); };
     LoadReminders(false, 0);
     EXPECT_EQ(fake.windows.boxes.size(), 2u);
     EXPECT_EQ(FileCalls().size(), 2u);

@@ -415,7 +415,7 @@ TEST_F(SchedulerTest, AnswersThatCannotBeSavedMakeOneBoxAndAreNotAskedForAgain)
     const std::string before = Content();
     fake.files.failures = {{"DeleteFile " + file, DeviceIOError()}};
     // While the box is up the others are answered, too.
-    fake.windows.whileBoxIsUp = [](const auto&) {
+    fake.windows.whileBoxIsUp = [this](const auto&) {
         FinishReminder(2, false, 0);
         FinishReminder(3, false, 0);
     };
@@ -492,7 +492,7 @@ TEST_F(SchedulerTest, AnAnnouncementThatEndsWhenTheListIsGoneWritesNothing)
 TEST_F(SchedulerTest, ASnoozeOutlastsALoadWhileItIsSpoken)
 {
     Load({Due("A", "14", "00"), Due("B", "14", "00")});
-    fake.windows.whilePending = [] { LoadReminders(false, 0); };
+    fake.windows.whilePending = [this] { LoadReminders(false, 0); };
     FinishReminder(2, true, 10);
     EXPECT_EQ(Content(), Slot(Due("A", "14", "00")) + Slot(Due("B", "14", "15")));
 }
@@ -500,7 +500,7 @@ TEST_F(SchedulerTest, ASnoozeOutlastsALoadWhileItIsSpoken)
 TEST_F(SchedulerTest, ASnoozeOfAReminderThatIsDeletedWhileItIsSpokenTouchesNoOther)
 {
     Load({Due("A", "14", "00"), Due("B", "14", "00"), Due("C", "14", "00")});
-    fake.windows.whilePending = [] {
+    fake.windows.whilePending = [this] {
         SaveReminders(2);
         LoadReminders(false, 0);
     };

@@ -198,7 +198,7 @@ TEST_F(SpeechTest, WithoutAnEngineTheBoxExplainsAndOnNoTheProgramEnds)
     WithCharacter();
     WindowsDir = "C:\\WINDOWS";
     fake.speech.engines.clear();
-    EXPECT_TRUE(fake.Ends([] { LoadSpeechEngines(); }));
+    EXPECT_TRUE(fake.Ends([this] { LoadSpeechEngines(); }));
     ASSERT_EQ(fake.windows.boxes.size(), 1u);
     EXPECT_EQ(fake.windows.boxes[0].text,
               "No speech engine is loaded on this machine. Please load a speech engine and then try again.\r\n"
@@ -217,7 +217,7 @@ TEST_F(SpeechTest, WithoutAnEngineOnYesThePageIsOpenedAndTheProgramEnds)
     WindowsDir = "C:\\WINDOWS";
     fake.speech.engines.clear();
     fake.windows.answers = {vbYes};
-    EXPECT_TRUE(fake.Ends([] { LoadSpeechEngines(); }));
+    EXPECT_TRUE(fake.Ends([this] { LoadSpeechEngines(); }));
     EXPECT_EQ(fake.process.commands, (Lines{"explorer.exe file:///C:/WINDOWS/web/voices.html style 3"}));
     EXPECT_EQ(fake.log.back(), "EndProgram");
     EXPECT_EQ(ShellTaskId, 4711);

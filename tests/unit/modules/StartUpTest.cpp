@@ -94,14 +94,14 @@ TEST_F(StartUpTest, WithoutSettingsEveryRowIsReportedAndTheSecondStartIsSilent)
 
     fake.windows.boxes.clear();
     fake.agent.loaded.clear();
-    BeginProgram(fake.platform, window);
+    BeginProgram();
     RunStartUp();
     EXPECT_TRUE(fake.windows.boxes.empty());
 }
 
 TEST_F(StartUpTest, WithoutCharactersNothingAfterTheSearchRuns)
 {
-    EXPECT_TRUE(fake.Ends([] { RunStartUp(); }));
+    EXPECT_TRUE(fake.Ends([this] { RunStartUp(); }));
     EXPECT_EQ(fake.log.back(), "EndProgram");
     EXPECT_EQ(window.statuses.back(), "Searching for characters. Please wait...");
 }
@@ -110,7 +110,7 @@ TEST_F(StartUpTest, WithoutAnEngineNothingAfterTheEnginesRuns)
 {
     fake.StoreDefaults();
     fake.speech.engines.clear();
-    EXPECT_TRUE(fake.Ends([] { RunStartUp(); }));
+    EXPECT_TRUE(fake.Ends([this] { RunStartUp(); }));
     EXPECT_EQ(window.statuses.back(), "Loading installed speech engines. Please wait...");
 }
 

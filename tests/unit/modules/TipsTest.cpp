@@ -18,8 +18,11 @@ const std::string path = "C:\\Voxmate\\VoxmateTips.txt";
 class TipsTest : public ModuleTest
 {
 protected:
-    TipsTest() { ResetTips(); }
-    ~TipsTest() override { ResetTips(); }
+    void ResetTips()
+    {
+        Tips.clear();
+        CurrentTip = 0;
+    }
 };
 
 TEST_F(TipsTest, EveryOpeningAppendsTheWholeFileAndShowsOneOfItsLines)

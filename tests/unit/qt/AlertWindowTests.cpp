@@ -1,7 +1,5 @@
 // The alert window's looks, pixel by pixel, and its behaviour as a window.
 #include "forms/frmAlertWindow.h"
-#include "modules/AlertSlots.h"
-#include "modules/Declarations.h"
 #include "qt/alerts/ClassicDrawing.h"
 #include "qt/alerts/PlacedLabel.h"
 #include "qt/alerts/PlacedWindow.h"
@@ -39,14 +37,14 @@ protected:
     QtWindowSystem windows{VOXMATE_SHARE_DIR};
     fakes::FakePlatform fake;
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
+    Program program{platform};
     fakes::FakeMainWindow mainWindow{fake.log};
     std::unique_ptr<frmAlertWindow> form;
 
     AlertTest()
     {
-        BeginProgram(platform, mainWindow);
-        AlertSlotMask = 0;
-        form = std::make_unique<frmAlertWindow>(platform);
+        program.Main = &mainWindow;
+        form = std::make_unique<frmAlertWindow>(program);
     }
 
     void Show(const Style& style, const std::string& text = "Tea")
@@ -220,7 +218,7 @@ TEST_F(AlertTest, EveryStyleHasThesePixels)
             for (const QRgb color : Colours) {
                 SCOPED_TRACE(std::string(tube ? "tube " : "corner ") + (square ? "square " : "round ") +
                              fakes::Hex(color));
-                form = std::make_unique<frmAlertWindow>(platform);
+                form = std::make_unique<frmAlertWindow>(program);
                 Show({.square = square, .color = Reversed(color), .tube = tube});
                 Expected expected = Draw(160, 133, tube, square, color, face);
                 EXPECT_EQ(Difference(Window()->Drawn(), expected), "");
@@ -238,7 +236,7 @@ TEST_F(AlertTest, ThePictureHasTheseColoursInThesePlaces)
     EXPECT_EQ(corner.pixel(0, 0), qRgb(255, 255, 255)); // lines end here, and end points are not drawn
     EXPECT_EQ(corner.pixel(1, 1), qRgb(254, 254, 255));
     EXPECT_EQ(corner.pixel(158, 131), qRgb(160, 195, 255));
-    form = std::make_unique<frmAlertWindow>(platform);
+    form = std::make_unique<frmAlertWindow>(program);
     Show({.color = 0xFFC3A0, .tube = true});
     const QImage tube = Window()->Drawn();
     EXPECT_EQ(tube.pixel(80, 33), qRgb(207, 225, 255));
@@ -505,7 +503,7 @@ TEST_F(AlertTest, NoWordOfATextIsLeftOutInAWindowThatDoesNotGrow)
 {
     Show({});
     const auto drawn = [this](const std::string& text) {
-        frmAlertWindow second(platform);
+        frmAlertWindow second(program);
         second.DisplayMessage(text, 9999, true, 0, false, true, true, 0xC0FFFF, false);
         second.Timer1.Enabled = false;
         QImage image;

@@ -6,7 +6,7 @@
 #include "forms/frmShowRem.h"
 #include "forms/frmSplash.h"
 #include "forms/frmTip.h"
-#include "modules/Functions.h"
+#include "modules/Program.h"
 #include "qt/widgets/ReadableStyle.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/unit/qt/QtFixture.h"
@@ -235,9 +235,10 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
         QtWindowSystem windows{VOXMATE_SHARE_DIR};
         Platform platform{fake.store, fake.agent,   fake.speech, windows,
                           fake.files, fake.process, fake.clock,  fake.word};
-        BeginProgram(platform, main);
+        Program program(platform);
+        program.Main = &main;
         fake.StoreDefaults();
-        LoadSettings();
+        LoadSettings(program);
         const auto check = [&](
                                const char* name, const std::function<void()>& each = [] {}) {
             QCoreApplication::processEvents();
@@ -251,12 +252,13 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
             ADD_FAILURE() << "no window " << name;
         };
         {
-            frmMain form(platform);
+            frmMain form(program);
             form.Show();
             check("frmMain");
         }
+        program.Main = &main;
         {
-            frmOptions form(platform);
+            frmOptions form(program);
             form.Show();
             for (int tab = 0; tab < 4; ++tab) {
                 form.SSTab1.Tab = tab;
@@ -264,31 +266,30 @@ TEST(WindowsTest, NoWindowCutsWhatItHoldsWhateverTheFontsSize)
             }
         }
         {
-            frmTip form(platform);
+            frmTip form(program);
             form.Show();
             check("frmTip");
         }
         {
-            frmAbout form(platform);
+            frmAbout form(program);
             form.Show();
             check("frmAbout");
         }
         {
-            frmReminder form(platform);
+            frmReminder form(program);
             form.Show();
             check("frmReminder");
         }
         {
-            frmShowRem form(platform);
+            frmShowRem form(program);
             form.ShowNotice({"Missed Reminder", 1, "Call the bank", "03/07/26", "09:05", "About the new card"});
             check("frmShowRem");
         }
         {
-            frmSplash form(platform);
+            frmSplash form(program);
             form.Show();
             check("frmSplash");
         }
-        BeginProgram(fake.platform, main);
     }
     app.setFont(usual);
 }
@@ -318,26 +319,26 @@ Lines LooksOf(QWidget& window)
 }
 
 /// Shows each of the program's windows and passes it to `look`.
-void ShowEach(Platform& platform, const std::function<void(const char* name)>& look)
+void ShowEach(Program& program, const std::function<void(const char* name)>& look)
 {
     const auto show = [&](auto& form) {
         form.Show();
         look(form.Name.c_str());
     };
-    frmMain main(platform);
+    frmMain main(program);
     show(main);
-    frmOptions options(platform);
+    frmOptions options(program);
     show(options);
-    frmTip tip(platform);
+    frmTip tip(program);
     show(tip);
-    frmAbout about(platform);
+    frmAbout about(program);
     show(about);
-    frmReminder editor(platform);
+    frmReminder editor(program);
     show(editor);
-    frmShowRem notice(platform);
+    frmShowRem notice(program);
     notice.ShowNotice({"Missed Reminder", 1, "Call the bank", "03/07/26", "09:05", "About the new card"});
     look("frmShowRem");
-    frmSplash splash(platform);
+    frmSplash splash(program);
     show(splash);
 }
 
@@ -359,18 +360,19 @@ TEST(WindowsTest, EveryOpenWindowFollowsAChangeOfColoursAndFont)
     fakes::FakeMainWindow main(fake.log);
     QtWindowSystem windows{VOXMATE_SHARE_DIR};
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
-    BeginProgram(platform, main);
+    Program program(platform);
+    program.Main = &main;
     fake.StoreDefaults();
-    LoadSettings();
+    LoadSettings(program);
     std::map<std::string, Lines> fresh;
     std::map<std::string, std::string> cut; ///< with this font, fields for few characters count as cut
     change(true);
-    ShowEach(platform, [&](const char* name) {
+    ShowEach(program, [&](const char* name) {
         fresh[name] = LooksOf(*WindowOf(name));
         cut[name] = Cut(*WindowOf(name));
     });
     change(false);
-    ShowEach(platform, [&](const char* name) {
+    ShowEach(program, [&](const char* name) {
         EXPECT_NE(LooksOf(*WindowOf(name)), fresh[name]) << name << " tells nothing apart";
         change(true);
         QWidget* window = WindowOf(name);
@@ -379,7 +381,6 @@ TEST(WindowsTest, EveryOpenWindowFollowsAChangeOfColoursAndFont)
         EXPECT_EQ(LooksOf(*window), fresh[name]) << name;
         change(false);
     });
-    BeginProgram(fake.platform, main);
 }
 
 TEST(WindowsTest, TheTipBeginsOnTheButtonThatEnterPressesAndEnterClosesIt)
@@ -388,7 +389,8 @@ TEST(WindowsTest, TheTipBeginsOnTheButtonThatEnterPressesAndEnterClosesIt)
     fakes::FakePlatform fake;
     QtWindowSystem windows{VOXMATE_SHARE_DIR};
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
-    frmTip form(platform);
+    Program program(platform);
+    frmTip form(program);
     form.Show();
     QWidget* window = WindowOf("frmTip");
     ASSERT_TRUE(QTest::qWaitForWindowActive(window));
@@ -414,9 +416,10 @@ TEST(WindowsTest, ThePointerOverTheMainWindowPopsUpNothingAndShowsNothing)
         QtWindowSystem windows{VOXMATE_SHARE_DIR};
         Platform platform{fake.store, fake.agent,   fake.speech, windows,
                           fake.files, fake.process, fake.clock,  fake.word};
-        BeginProgram(platform, main);
+        Program program(platform);
+        program.Main = &main;
         {
-            frmMain form(platform);
+            frmMain form(program);
             form.Show();
             QWidget* window = WindowOf("frmMain");
             widest = std::max(widest, window->width());
@@ -435,7 +438,6 @@ TEST(WindowsTest, ThePointerOverTheMainWindowPopsUpNothingAndShowsNothing)
             }
             EXPECT_EQ(popUps, 0) << "at " << size << " points, " << window->width() << " pixels";
         }
-        BeginProgram(fake.platform, main);
     }
     app.setFont(usual);
     EXPECT_GT(widest, WM_RBUTTONUP) << "no window was wide enough for the test";
@@ -447,7 +449,8 @@ TEST(WindowsTest, TheTipHasAllTheWidthBesideItsPicture)
     fakes::FakePlatform fake;
     QtWindowSystem windows{VOXMATE_SHARE_DIR};
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
-    frmTip form(platform);
+    Program program(platform);
+    frmTip form(program);
     form.Show();
     const auto part = [](const char* name) {
         const QWidget* window = WindowOf("frmTip");

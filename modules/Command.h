@@ -1,4 +1,5 @@
-// One command at a time: what is spoken lets events run, and none of them must begin another command of the form.
+// One command at a time: what is spoken or asked lets events run, and none of them must begin another command of the
+// same form or part.
 #pragma once
 
 #include <utility>
@@ -6,11 +7,11 @@
 namespace voxmate
 {
 
-/// Marks a form's command as running for as long as this lives, unless one runs already.
+/// Marks a command as running for as long as this lives, unless one runs already.
 class Command
 {
 public:
-    /// `running` is the form's mark, and outlives this.
+    /// `running` is the owner's mark, and outlives this.
     explicit Command(bool& running) : running_(running), begun_(!std::exchange(running, true)) {}
     ~Command()
     {

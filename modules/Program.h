@@ -1,0 +1,83 @@
+// The program: everything that its parts share, and its version.
+#pragma once
+
+#include "modules/Functions.h"
+#include "modules/MainWindow.h"
+#include "modules/Messages.h"
+#include "modules/Registry.h"
+#include "modules/ReminderScheduler.h"
+#include "modules/Reminders.h"
+#include "modules/Settings.h"
+#include "modules/Tips.h"
+#include "platform/Platform.h"
+
+#include <cstdint>
+#include <string>
+
+namespace voxmate
+{
+
+/// The version of the project in CMakeLists.txt as the program's windows and the error report show it: "1.1 - Build 5".
+std::string VersionText();
+
+inline constexpr const char* SupportName = "Voxmate Support";
+inline constexpr const char* SupportAddress = "support@voxmate.example";
+
+inline constexpr const char* StatusIdle = "I am Idle now !";
+inline constexpr const char* StatusBusy = "Busy...";
+
+/// Owns all state that forms and modules share. main() makes one over its platform, a test makes one over fakes; it
+/// must end before its platform does.
+class Program
+{
+public:
+    explicit Program(Platform& platform) : Host(platform) {}
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    Platform& Host;
+    /// The main window, which enters itself here.
+    MainWindow* Main = nullptr;
+
+    SettingsRecord Settings;
+    /// The one loaded character; nullptr before the first load.
+    AgentCharacter* Character = nullptr;
+    /// The start-up sequence has come to its end.
+    bool StartedUp = false;
+    /// Set by "Stop Everything !!!", polled by long reading jobs.
+    Boolean StopRequested = False;
+    /// How often it was pressed: tells whoever lets events through whether it was meanwhile.
+    std::uint32_t StopCount = 0;
+    /// Ticks of the clock timer since the last time announcement.
+    std::int32_t SpeakTimeCounter = 0;
+    /// Task id of the last program started by OpenUrl.
+    double ShellTaskId = 0;
+    std::string WindowsDir;
+    /// The places that alert windows occupy: bit 0 is place 1, bit 7 is place 8. They pile up from the lower edge of
+    /// the work area.
+    std::uint8_t AlertSlotMask = 0;
+
+    voxmate::Registry Registry{Host.Settings};
+    voxmate::Messages Messages{*this};
+    voxmate::Characters Characters{*this};
+    voxmate::Voice Voice{*this};
+    voxmate::Reading Reading{*this};
+    voxmate::Tips Tips{*this};
+    voxmate::Reminders Reminders{*this};
+    voxmate::ReminderScheduler Scheduler{*this};
+
+    std::string PathSeparator() const { return Host.Files.PathSeparator(); }
+    /// Path of a file or folder in the program's directory.
+    std::string ProgramPath(const std::string& name) const;
+
+    /// Shows the main window and runs the start-up sequence.
+    void StartMain();
+    /// Brings the system up in its fixed order, reporting each step in the status bar.
+    void RunStartUp();
+    /// Opens a page in the browser; when that fails the address goes to the clipboard and a box says so.
+    void OpenUrl(const std::string& url);
+    /// Address of a help page that ships with the program ("characters", "voices").
+    std::string HelpPage(const std::string& name) const;
+};
+
+} // namespace voxmate

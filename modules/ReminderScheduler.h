@@ -1,0 +1,59 @@
+// The scheduler: announces what is due, and takes the answer.
+#pragma once
+
+#include "modules/Reminders.h"
+#include "modules/Windows.h"
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace voxmate
+{
+
+class ReminderScheduler
+{
+public:
+    explicit ReminderScheduler(Program& program);
+
+    /// The announcement windows, entry k for reminder k; empty until there is one. They only grow: what is beyond
+    /// RemCount belongs to reminders that were deleted and may still be on the screen.
+    std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
+    std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
+    /// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a
+    /// reminder is deleted, and a reminder is changed, while its announcement stands there: the answer must not go to
+    /// another one.
+    std::vector<std::optional<Reminder>> RemAnnounced;
+
+    /// One tick of the reminder timer: announces, in the order of the list, every pending reminder whose minute has
+    /// come.
+    void RemTimer_Timer();
+    /// Opens and speaks one announcement.
+    void ShowReminder(bool missed, std::int16_t id, const Reminder& reminder);
+    /// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file.
+    /// `id` is the number under which it was announced; does nothing when that reminder is gone or was changed
+    /// meanwhile.
+    void FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes);
+
+private:
+    Program& program_;
+    const ReminderList& list_;
+
+    bool ShowAlert(const NoticeText& text);
+    bool ShowNotice(const NoticeText& text);
+    std::string SpokenDate(const DateTime& date) const;
+    std::string SpokenTime(const DateTime& time) const;
+    void SpeakReminder(const Reminder& reminder, const DateTime& schedule);
+    void SpeakSnooze(const DateTime& next, std::int16_t minutes);
+    Reminder Pending(std::int32_t id) const;
+    std::int16_t PlaceNow(std::int16_t id) const;
+    std::optional<Reminder> ToBeAnswered(std::int16_t id) const;
+};
+
+/// The date and time `minutes` from `now`, by the program's own arithmetic: exact within a day, wrong across midnight.
+DateTime SnoozedTime(const DateTime& now, std::int16_t minutes);
+
+} // namespace voxmate
