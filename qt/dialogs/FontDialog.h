@@ -1,4 +1,5 @@
-// The dialog for choosing a font.
+// The dialog for choosing a font. The toolkit's own lists a family once for each of its foundries, offers styles that a
+// balloon cannot have, and takes any size.
 #pragma once
 
 #include "controls/Control.h"
