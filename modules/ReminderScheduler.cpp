@@ -8,6 +8,7 @@
 #include <array>
 #include <optional>
 #include <tuple>
+#include <utility>
 
 namespace voxmate
 {
@@ -30,6 +31,20 @@ void Grow(std::vector<std::unique_ptr<Window>>& windows, std::int16_t count)
     windows.resize(std::max(windows.size(), static_cast<std::size_t>(count) + 1));
 }
 
+// The window for reminder `id`: its own of before, else one that was closed, whichever reminder it announced, else what
+// `make` makes. Without the second, each reminder of a program that runs for weeks would leave a window behind.
+template <class Window, class Make>
+Window& WindowOf(std::vector<std::unique_ptr<Window>>& windows, std::int16_t id, const Make& make)
+{
+    std::unique_ptr<Window>& entry = windows.at(static_cast<std::size_t>(id));
+    if (entry)
+        return *entry;
+    const auto closed =
+        std::ranges::find_if(windows, [](const auto& window) { return window && !window->Visible(); });
+    entry = closed != windows.end() ? std::move(*closed) : make();
+    return *entry;
+}
+
 } // namespace
 
 ReminderScheduler::ReminderScheduler(Program& program) : program_(program), list_(program.Reminders.List) {}
@@ -48,10 +63,7 @@ std::string ReminderScheduler::SpokenTime(const DateTime& time) const
 // Shows an alert window; false when that reminder's is on the screen already.
 bool ReminderScheduler::ShowAlert(const NoticeText& text)
 {
-    std::unique_ptr<AlertWindow>& entry = RemAlertWindows.at(static_cast<std::size_t>(text.Id));
-    if (!entry)
-        entry = program_.Main->NewAlertWindow();
-    AlertWindow& window = *entry;
+    AlertWindow& window = WindowOf(RemAlertWindows, text.Id, [this] { return program_.Main->NewAlertWindow(); });
     if (window.Visible())
         return false;
     const std::string lines[] = {text.Heading,           "Rem. Id: " + std::to_string(text.Id),
@@ -69,10 +81,7 @@ bool ReminderScheduler::ShowAlert(const NoticeText& text)
 // The same with a notice window.
 bool ReminderScheduler::ShowNotice(const NoticeText& text)
 {
-    std::unique_ptr<NoticeWindow>& entry = RemNoticeWindows.at(static_cast<std::size_t>(text.Id));
-    if (!entry)
-        entry = program_.Main->NewNoticeWindow();
-    NoticeWindow& window = *entry;
+    NoticeWindow& window = WindowOf(RemNoticeWindows, text.Id, [this] { return program_.Main->NewNoticeWindow(); });
     if (window.Visible())
         return false;
     window.ShowNotice(text);

@@ -19,8 +19,9 @@ class ReminderScheduler
 public:
     explicit ReminderScheduler(Program& program);
 
-    /// The announcement windows, entry k for reminder k; empty until there is one. They only grow: what is beyond
-    /// RemCount belongs to reminders that were deleted and may still be on the screen.
+    /// The announcement windows, entry k for reminder k; empty until there is one. A closed window moves to the next
+    /// reminder that has none. The arrays only grow: an entry beyond RemCount belongs to a reminder that was deleted
+    /// and may still be on the screen.
     std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
     std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
     /// What was announced last under each number, entry k for reminder k, always as pending. Numbers move up when a

@@ -268,14 +268,25 @@ class SmallAndDark(Looks):
     def test_no_dialog_comes_up_beneath_the_character(self):
         self.desk.install_defaults(**{**self.defaults, "ShowCharacterAtStart": 1})
         self.start_and_settle(**self.environment)
-        _, (x, y, width, height) = self.character_window()
 
         def beside(title, picture):
             window = desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), what=title)[-1]
-            time.sleep(0.3)
-            left, top, wide, high = self.whole(window)
-            self.desk.screenshot(os.path.join(BUILD, self.pictures, "beside-" + picture + ".png"))
-            self.assertTrue(left + wide <= x or left >= x + width or top + high <= y or top >= y + height, title)
+            places = []
+
+            def stands_clear():
+                _, (x, y, width, height) = self.character_window()
+                left, top, wide, high = self.desk.window_rect(window)
+                places.append(((left, top, wide, high), (x, y, width, height)))
+                clear = left + wide <= x or left >= x + width or top + high <= y or top >= y + height
+                return clear and places[-2:-1] == places[-1:]
+
+            try:
+                desktop.wait_for(stands_clear, timeout=10)
+            except AssertionError:
+                self.fail(f"{title} and the character are at {places[-1]}, and were at {places[0]}")
+            finally:
+                self.desk.screenshot(os.path.join(BUILD, self.pictures, "beside-" + picture + ".png"))
+            self.whole(window)
 
         self.press("User Options")
         beside("Voxmate Options", "options")

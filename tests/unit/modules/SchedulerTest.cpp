@@ -160,6 +160,25 @@ TEST_F(SchedulerTest, WindowsStayWhenTheListGetsShorter)
     EXPECT_TRUE(RemAlertWindows[2]->Visible());
 }
 
+TEST_F(SchedulerTest, AClosedWindowAnnouncesTheNextReminderThatHasNone)
+{
+    for (const std::int16_t type : {std::int16_t{0}, std::int16_t{1}}) {
+        Settings.ReminderType = type;
+        ReminderFields first = Due("A", "14", "05");
+        Load({first, Due("B", "14", "06"), Due("C", "14", "06")});
+        Tick();
+        EXPECT_EQ(Announced(), Lines{"1 New Reminder"});
+        (type == 0 ? window.alerts.at(0)->visible : window.notices.at(0)->visible) = false;
+        first[7] = "Y";
+        Load({first, Due("B", "14", "06"), Due("C", "14", "06")});
+        At(14, 6);
+        Tick();
+        EXPECT_EQ(Announced(), (Lines{"2 New Reminder", "3 New Reminder"}));
+        EXPECT_EQ(type == 0 ? window.alerts.size() : window.notices.size(), 2u); // that of A, and one more for C
+        At(14, 5);
+    }
+}
+
 TEST_F(SchedulerTest, TheListMayGetShorterOrBeReadAnewWhileAReminderIsSpoken)
 {
     Load({Due("A very long title that no short string holds", "14", "05"), Due("B", "14", "05"), Due("C", "14", "05")});
