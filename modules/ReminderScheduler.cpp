@@ -39,8 +39,7 @@ Window& WindowOf(std::vector<std::unique_ptr<Window>>& windows, std::int16_t id,
     std::unique_ptr<Window>& entry = windows.at(static_cast<std::size_t>(id));
     if (entry)
         return *entry;
-    const auto closed =
-        std::ranges::find_if(windows, [](const auto& window) { return window && !window->Visible(); });
+    const auto closed = std::ranges::find_if(windows, [](const auto& window) { return window && !window->Visible(); });
     entry = closed != windows.end() ? std::move(*closed) : make();
     return *entry;
 }
