@@ -222,17 +222,15 @@ class Soak(TourCase):
 
     def answer(self, snooze=False):
         """Answers all visible announcements."""
-        while self.announcements():
+        while before := self.announcements():
             alerts = self.desk.windows("^frmAlert$")
             if alerts:
                 x, y, width, height = self.desk.window_rect(alerts[0])
                 self.desk.click_at(x + width // 2, y + height // 2)
             else:
                 self.use("Snooze" if snooze else "OK", window=NOTICE)
-            before = self.announcements()
-            time.sleep(0.3)
-            if before == self.announcements():
-                self.clear_boxes()
+            desktop.wait_for(lambda before=before: before != self.announcements() or self.boxes(), what="the announcement going")
+            self.clear_boxes()
 
     def clear_boxes(self):
         for title in self.boxes():
