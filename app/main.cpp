@@ -3,6 +3,7 @@
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
 #include "modules/Program.h"
+#include "platform/FreeMemory.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -77,6 +78,8 @@ int Run(qt::QtApplication& application)
     const auto end = [&process] { process.EndRequested(); };
     application.EndRequested = end;
     application.SaveRequested = [&settings] { settings->Flush(SessionSavePatience); };
+    // Dialogs, pictures and sentences leave their memory in pieces between what stays.
+    application.AtRest = ReturnFreeMemory;
     const linux_platform::EndSignals endSignals([&] { application.Post(end); },
                                                 [&process] { process.EndWithin(LastSavePatience); }, EndPatience);
     process.EndAtExit();
@@ -88,6 +91,7 @@ int Run(qt::QtApplication& application)
 
 int main(int argc, char** argv)
 {
+    KeepHeapSmall();
     qt::QtApplication application(argc, argv);
     try {
         return Run(application);

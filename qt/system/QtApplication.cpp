@@ -6,7 +6,9 @@
 
 #include <QPixmapCache>
 #include <QThread>
+#include <QWidget>
 
+#include <chrono>
 #include <cstdlib>
 #include <utility>
 
@@ -17,6 +19,8 @@ namespace
 {
 
 constexpr int PixmapCacheKilobytes = 1024;
+/// From the last window's going to AtRest: longer than from one sentence's balloon to the next one's.
+constexpr std::chrono::seconds Rest{3};
 
 constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
 /// X11 first, Wayland if the X server does not answer.
@@ -46,6 +50,12 @@ QtApplication::QtApplication(int& argc, char** argv)
     // Each open dialog leaves the pictures of its icons in this cache, under keys that nobody asks for again. The
     // toolkit would let them grow to 10 MB.
     QPixmapCache::setCacheLimit(PixmapCacheKilobytes);
+    rest_.setSingleShot(true);
+    rest_.setInterval(Rest);
+    rest_.callOnTimeout(this, [this] {
+        if (AtRest)
+            AtRest();
+    });
     connect(this, &QGuiApplication::commitDataRequest, this, [this] {
         if (SaveRequested)
             SaveRequested();
@@ -69,6 +79,8 @@ bool QtApplication::event(QEvent* event)
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)
 {
+    if (event->type() == QEvent::Hide && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow())
+        rest_.start();
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::exception& error) {

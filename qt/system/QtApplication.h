@@ -6,6 +6,7 @@
 #include "qt/widgets/IconSet.h"
 
 #include <QApplication>
+#include <QTimer>
 
 #include <functional>
 
@@ -28,6 +29,9 @@ public:
     /// The session may be about to end: pending writes should reach the disk.
     std::function<void()> SaveRequested;
 
+    /// Called some seconds after the last of one or more windows has gone: time to tidy up.
+    std::function<void()> AtRest;
+
     /// Calls `act` from the event loop. May be called on any thread.
     void Post(std::function<void()> act);
 
@@ -45,6 +49,7 @@ public:
 private:
     DesktopFonts fonts_;
     bool reporting_ = false;
+    QTimer rest_;
 };
 
 } // namespace voxmate::qt

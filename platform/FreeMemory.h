@@ -1,0 +1,14 @@
+// Gives memory that the program no longer needs back to the system.
+#pragma once
+
+namespace voxmate
+{
+
+/// Makes the heap give large blocks back as soon as they are freed, and keeps the threads from each having a heap of
+/// their own. Called once, before there are threads.
+void KeepHeapSmall();
+
+/// Gives back all of the heap's free memory, also what lies between blocks in use. Takes some milliseconds.
+void ReturnFreeMemory();
+
+} // namespace voxmate
