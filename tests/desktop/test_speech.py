@@ -127,6 +127,15 @@ class SoundServer(SpeechCase):
         self.hear()
         self.assertIsNone(self.program.poll())
 
+    def test_a_sink_that_stops_playing_in_mid_sentence_ends_the_sentence(self):
+        self.start_and_settle()
+        self.type_text(SENTENCE)
+        self.hear()
+        self.desk.run("pactl", "suspend-sink", "rec", "1")
+        self.settle()
+        self.desk.run("pactl", "suspend-sink", "rec", "0")
+        self.hear()
+
     def test_a_sound_server_that_comes_after_the_program_is_found(self):
         self.desk.kill_sound()
         try:

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <limits>
 #include <utility>
 
 #include <pulse/pulseaudio.h>
@@ -24,7 +25,8 @@ constexpr int BufferMilliseconds = 80;
 constexpr int FirstMilliseconds = 20;
 constexpr std::int64_t FeedMicroseconds = 10'000;
 constexpr std::chrono::milliseconds ClockInterval{20};
-// A server that for this long neither opens a stream nor reports the time has failed.
+// A stream has failed that for this long is not opened, or of which no more is heard although there is more to hear:
+// the server hangs, or its sink was suspended.
 constexpr std::chrono::seconds Patience{3};
 constexpr std::chrono::milliseconds ConnectPatience{300};
 // Just after login the sound server may still be starting. Counted from the first look, this is how long a server that
@@ -86,7 +88,8 @@ struct PulseDevice::Playing {
     Clock::time_point asked;
     bool ready = false;
     bool over = false;
-    std::int64_t end = -1; // total number of samples; -1 until known
+    std::int64_t end = -1;                                         // total number of samples; -1 until known
+    std::int64_t heard = std::numeric_limits<std::int64_t>::min(); // microseconds, the most that was reported
     Clock::time_point lastNews = Clock::now();
 
     std::atomic<bool> abandoned = false; // the stream object is destroyed: no callback may be called
@@ -448,11 +451,14 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     if (!timing)
         return;
     const Clock::time_point now = Clock::now();
-    playing->lastNews = now;
     const auto taken = static_cast<std::uint64_t>(std::max<std::int64_t>(timing->read_index, 0));
     const std::int64_t heard =
         static_cast<std::int64_t>(pa_bytes_to_usec(taken, pa_stream_get_sample_spec(playing->stream))) -
         static_cast<std::int64_t>(timing->sink_usec);
+    const bool waiting = playing->end >= 0 || heard * playing->rate < playing->written * 1'000'000;
+    if (heard > playing->heard || !waiting)
+        playing->lastNews = now;
+    playing->heard = std::max(playing->heard, heard);
     // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
     // request.
     const Clock::duration age = std::clamp<Clock::duration>(
