@@ -48,11 +48,12 @@ QtApplication::QtApplication(int& argc, char** argv)
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();
     // Each open dialog leaves the pictures of its icons in this cache, under keys that nobody asks for again. The
-    // toolkit would let them grow to 10 MB.
+    // toolkit would let them grow to 10 MB, not counting the keys.
     QPixmapCache::setCacheLimit(PixmapCacheKilobytes);
     rest_.setSingleShot(true);
     rest_.setInterval(Rest);
     rest_.callOnTimeout(this, [this] {
+        QPixmapCache::clear();
         if (AtRest)
             AtRest();
     });

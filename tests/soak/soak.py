@@ -26,6 +26,7 @@ from tour import TourCase  # noqa: E402  pylint: disable=wrong-import-position
 
 RESULTS = os.path.join(BUILD, "soak")
 GROWTH = 2048      # KiB by which the program's own memory may grow
+REST = 4           # seconds
 ROUNDS = 6         # rounds between two measurements
 BEGIN = datetime.datetime(2031, 3, 4, 6, 0)  # the program's clock at the start; no soak reaches its midnight
 FAKETIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"
@@ -245,6 +246,8 @@ class Soak(TourCase):
         self.choose("File", "Characters", "Nalu")
         self.there()
         self.settle()
+        # Some seconds after the last window has gone the program gives free memory back.
+        time.sleep(REST)
         self.clear_boxes()
         pid = self.program.pid
         with open(f"/proc/{pid}/status", encoding="ascii") as file:
