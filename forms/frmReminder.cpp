@@ -1,6 +1,7 @@
 #include "forms/frmReminder.h"
 
 #include "base/Text.h"
+#include "forms/Digits.h"
 #include "modules/Command.h"
 #include "modules/Program.h"
 
@@ -47,7 +48,7 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     txtDesc.Change = [this] { MarkChanged(); };
     chkDone.Click = [this] { MarkChanged(); };
     mvDate.SelChange = [this] { MarkChanged(); };
-    txtTime.KeyPress = [this](int& keyAscii) { txtTime_KeyPress(keyAscii); };
+    txtTime.KeyPress = [](int& keyAscii) { KeepDigits(keyAscii, ':'); };
     // Typed, deleted and pasted times are changes, too, which must not be lost without a question.
     txtTime.Change = [this] {
         if (!timeByCode_)
@@ -150,15 +151,6 @@ void frmReminder::MarkChanged()
     cmdAdd.Enabled = true;
     if (program_.Reminders.List.RemCount > 0)
         cmdUpdate.Enabled = true;
-}
-
-void frmReminder::txtTime_KeyPress(int& keyAscii)
-{
-    constexpr int backspace = 8;
-    constexpr int enter = 13;
-    const bool digit = keyAscii >= '0' && keyAscii <= '9';
-    if (!digit && keyAscii != ':' && keyAscii != backspace && keyAscii != enter)
-        keyAscii = 0;
 }
 
 void frmReminder::lstvReminders_ItemClick(std::size_t number)

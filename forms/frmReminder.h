@@ -58,7 +58,6 @@ private:
 
     void Arrange();
     void MarkChanged();
-    void txtTime_KeyPress(int& keyAscii);
     void lstvReminders_ItemClick(std::size_t number);
     void lstvReminders_ColumnClick(int column);
     void cmdAdd_Click();

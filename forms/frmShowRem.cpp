@@ -1,6 +1,7 @@
 #include "forms/frmShowRem.h"
 
 #include "base/Text.h"
+#include "forms/Digits.h"
 #include "modules/Command.h"
 #include "modules/Program.h"
 
@@ -74,12 +75,9 @@ void frmShowRem::ShowNotice(const NoticeText& text)
 
 void frmShowRem::txtSnooze_KeyPress(int& keyAscii)
 {
-    constexpr int backspace = 8;
-    constexpr int enter = 13;
-    if ((keyAscii < '0' || keyAscii > '9') && keyAscii != backspace && keyAscii != enter)
-        keyAscii = 0;
+    KeepDigits(keyAscii);
     // Whoever types a number of minutes and presses Enter does not mean OK.
-    if (keyAscii == enter)
+    if (keyAscii == KeyEnter)
         cmdSnooze_Click();
 }
 
