@@ -62,15 +62,13 @@ private:
 
     void SetOnTop(bool bOn);
     void SetTransparency(std::int32_t Percent);
-    void PaintCornerGradient(std::int32_t color);
-    void PaintTubeGradient(std::int32_t color);
+    void PaintGradient(bool tube, std::int32_t color);
     void PaintFrame(bool bSquare, std::int32_t iBackColor);
     void TakeSlot(bool bTake);
     void Hold();
     void Leave();
     void Fade();
     void Scroll();
-    void Timer1_Timer();
 
     /// The top at which the window has arrived, in twips.
     std::int32_t TargetTop() const;
