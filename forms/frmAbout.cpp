@@ -45,8 +45,8 @@ frmAbout::frmAbout(Program& program) : Form(program.Host.Windows, "frmAbout"), p
         Row({Item(Picture1), Column({Space(), Item(lblTitle), Item(lblVersion), Space()}).Stretch(1)}).Spacing(20),
         Row({Item(cmdSysInfo).Min(116, 0), Space(), Item(cmdOK)}),
     });
-    cmdOK.Click = [this] { cmdOK_Click(); };
-    cmdSysInfo.Click = [this] { cmdSysInfo_Click(); };
+    cmdOK.Click = [this] { Unload(); };
+    cmdSysInfo.Click = [this] { StartSysInfo(); };
 }
 
 void frmAbout::Form_Load()
@@ -54,16 +54,6 @@ void frmAbout::Form_Load()
     Caption = "About Voxmate \u00AE";
     lblTitle.Caption = "Voxmate \u00AE";
     lblVersion.Caption = "Version " + VersionText() + "  - Windows NT/98 and above";
-}
-
-void frmAbout::cmdOK_Click()
-{
-    Unload();
-}
-
-void frmAbout::cmdSysInfo_Click()
-{
-    StartSysInfo();
 }
 
 void frmAbout::StartSysInfo()

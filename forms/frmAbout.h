@@ -29,8 +29,6 @@ protected:
 private:
     Program& program_;
 
-    void cmdOK_Click();
-    void cmdSysInfo_Click();
     /// Starts the system's own tool that describes the computer.
     void StartSysInfo();
     /// Reads one value under a predefined root key as text; a number as its decimal digits. False when it cannot be

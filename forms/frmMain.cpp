@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace voxmate
@@ -44,26 +45,22 @@ frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), prog
     txtText.MultiLine = true;
     txtText.AccessibleName = "Text to read";
     txtText.PlaceholderText = "Type something for me to read";
-    cmdDate.Picture = "date";
-    cmdDate.ToolTipText = "What's today's date?";
-    cmdTime.Picture = "time";
-    cmdTime.ToolTipText = "What time is it?";
-    cmdClip.Picture = "clipboard";
-    cmdClip.ToolTipText = "Speak Clipboard Text";
-    cmdCharIntro.Picture = "introduction";
-    cmdCharIntro.ToolTipText = "Do you know who am I ?";
-    cmdText.Picture = "text";
-    cmdText.ToolTipText = "Open and Read a Text Document";
-    cmdWord.Picture = "word";
-    cmdWord.ToolTipText = "Open and Read a Word Document";
-    cmdOptions.Picture = "options";
-    cmdOptions.ToolTipText = "User Options";
-    cmdSpeak.Picture = "speak";
-    cmdSpeak.ToolTipText = "Speak the textbox text";
-    cmdStop.Picture = "stop";
-    cmdStop.ToolTipText = "Stop Everything !!!";
-    cmdCharacter.Picture = "character";
-    cmdCharacter.ToolTipText = "Choose Character by Right Click. Show Character on Left Click";
+    const std::tuple<CommandButton*, const char*, const char*> faces[] = {
+        {&cmdDate, "date", "What's today's date?"},
+        {&cmdTime, "time", "What time is it?"},
+        {&cmdClip, "clipboard", "Speak Clipboard Text"},
+        {&cmdCharIntro, "introduction", "Do you know who am I ?"},
+        {&cmdText, "text", "Open and Read a Text Document"},
+        {&cmdWord, "word", "Open and Read a Word Document"},
+        {&cmdOptions, "options", "User Options"},
+        {&cmdSpeak, "speak", "Speak the textbox text"},
+        {&cmdStop, "stop", "Stop Everything !!!"},
+        {&cmdCharacter, "character", "Choose Character by Right Click. Show Character on Left Click"},
+    };
+    for (const auto& [button, picture, toolTip] : faces) {
+        button->Picture = picture;
+        button->ToolTipText = toolTip;
+    }
     lblVoice.Buddy = &comSpEng;
     lblSpeedName.Buddy = &scrSpeed;
     lblPitchName.Buddy = &scrPitch;
@@ -104,30 +101,29 @@ void frmMain::Arrange()
 void frmMain::ConnectHandlers()
 {
     SysTime.Tick = [this] { SysTime_Timer(); };
-    cmdDate.Click = [this] { cmdDate_Click(); };
-    cmdTime.Click = [this] { cmdTime_Click(); };
-    cmdClip.Click = [this] { cmdClip_Click(); };
-    cmdCharIntro.Click = [this] { cmdCharIntro_Click(); };
-    cmdText.Click = [this] { cmdText_Click(); };
-    cmdWord.Click = [this] { cmdWord_Click(); };
-    mnuWho.Click = [this] { cmdCharIntro_Click(); };
-    mnuDate.Click = [this] { cmdDate_Click(); };
-    mnuTime.Click = [this] { cmdTime_Click(); };
-    mnuReadClip.Click = [this] { cmdClip_Click(); };
-    mnuWord.Click = [this] { cmdWord_Click(); };
-    mnuText.Click = [this] { cmdText_Click(); };
+    cmdDate.Click = mnuDate.Click = [this] { cmdDate_Click(); };
+    cmdTime.Click = mnuTime.Click = [this] { cmdTime_Click(); };
+    cmdClip.Click = mnuReadClip.Click = [this] { cmdClip_Click(); };
+    cmdCharIntro.Click = mnuWho.Click = [this] { GreetAndIntroduce(program_, false); };
+    cmdText.Click = mnuText.Click = [this] { program_.Reading.OpenAndReadText(); };
+    cmdWord.Click = mnuWord.Click = [this] { cmdWord_Click(); };
     mnuPlayWav.Click = [this] { program_.Reading.OpenAndPlayWave(); };
     cmdSpeak.Click = [this] { cmdSpeak_Click(); };
-    cmdStop.Click = [this] { cmdStop_Click(); };
+    cmdStop.Click = mnuStop.Click = [this] { cmdStop_Click(); };
     cmdCharacter.Click = [this] { cmdCharacter_Click(); };
     cmdCharacter.MouseUp = [this](int button) { cmdCharacter_MouseUp(button); };
-    comSpEng.Click = [this] { comSpEng_Click(); };
-    scrPitch.Change = [this] { scrPitch_Change(); };
-    scrSpeed.Change = [this] { scrSpeed_Change(); };
+    comSpEng.Click = [this] { program_.Voice.ChooseSpeechEngine(comSpEng.ListIndex + 1); };
+    const auto connectBar = [this](HScrollBar& bar, Label& label, NumberField setting) {
+        bar.Change = [this, &bar, &label, setting] {
+            label.Caption = "= " + std::to_string(bar.Value);
+            SaveSetting(program_, setting, ToInt16(bar.Value));
+        };
+    };
+    connectBar(scrPitch, lblPitch, &SettingsRecord::Pitch);
+    connectBar(scrSpeed, lblSpeed, &SettingsRecord::Speed);
     chkWhisper.Click = [this] { chkWhisper_Click(); };
-    cmdOptions.Click = [this] { cmdOptions_Click(); };
+    cmdOptions.Click = mnuOptions.Click = [this] { Made(optionsForm_).Show(); };
     mnuTip.Click = [this] { mnuTip_Click(); };
-    mnuOptions.Click = [this] { cmdOptions_Click(); };
     mnuSysTray.Click = [this] { AddTrayIcon(); };
     RemTimer.Tick = [this] { program_.Scheduler.RemTimer_Timer(); };
     RemRetryTimer.Tick = [this] { program_.Reminders.RetryReminders(); };
@@ -138,14 +134,11 @@ void frmMain::ConnectHandlers()
     mnuHelp.Click = [this] { mnuHelp_Click(); };
     // Where character files come from, how to install them, how to make one; how to install voices, and which.
     mnuDownChar1.Click = [this] { program_.OpenUrl(program_.HelpPage("characters")); };
-    mnuDownChar2.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
+    mnuDownChar2.Click = mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
     mnuDownChar3.Click = [this] { program_.OpenUrl(program_.HelpPage("making")); };
-    mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
     mnuSpEng2.Click = [this] { program_.OpenUrl(program_.HelpPage("voices")); };
-    mnuAbout.Click = [this] { mnuAbout_Click(); };
-    mnuExit.Click = [this] { mnuTrayExit_Click(); };
-    mnuStop.Click = [this] { cmdStop_Click(); };
-    mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
+    mnuAbout.Click = [this] { Made(aboutForm_).Show(); };
+    mnuExit.Click = mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.IconMenu = &mnuTray;
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
 }
@@ -235,7 +228,7 @@ void frmMain::ListCharacters(const std::vector<std::string>& names)
     mnuMainChar.UnloadAll();
     for (const std::string& name : names) {
         Menu& item = mnuMainChar.Load("mnuChar", MenuCaption(name));
-        item.Click = [this, name] { mnuChar_Click(name); };
+        item.Click = [this, name] { program_.Characters.LoadCharacter(name, false); };
     }
 }
 
@@ -320,22 +313,12 @@ void frmMain::cmdDate_Click()
                              "Announce");
 }
 
-void frmMain::cmdCharIntro_Click()
-{
-    GreetAndIntroduce(program_, false);
-}
-
 void frmMain::cmdClip_Click()
 {
     if (!program_.Host.Windows.ClipboardGetFormat(vbCFText))
         return;
     txtText.Text = program_.Host.Windows.ClipboardGetText();
     program_.Voice.SpeakText(program_.Host.Windows.ClipboardGetText(), "");
-}
-
-void frmMain::cmdText_Click()
-{
-    program_.Reading.OpenAndReadText();
 }
 
 // Only one document at a time: what is pressed while the word processor is at work would come in between. The button
@@ -347,20 +330,10 @@ void frmMain::cmdWord_Click()
         program_.Reading.OpenAndReadWord();
 }
 
-void frmMain::cmdOptions_Click()
-{
-    Made(optionsForm_).Show();
-}
-
 void frmMain::mnuTip_Click()
 {
     Tip().ShowTip();
     program_.Tips.ShowTipOfTheDay(false);
-}
-
-void frmMain::mnuAbout_Click()
-{
-    Made(aboutForm_).Show();
 }
 
 void frmMain::mnuHelp_Click()
@@ -382,34 +355,10 @@ void frmMain::cmdCharacter_MouseUp(int button)
         PopupMenu(mnuMainChar, &cmdCharacter);
 }
 
-void frmMain::comSpEng_Click()
-{
-    program_.Voice.ChooseSpeechEngine(comSpEng.ListIndex + 1);
-}
-
-void frmMain::scrPitch_Change()
-{
-    program_.Settings.Pitch = ToInt16(scrPitch.Value);
-    lblPitch.Caption = "= " + std::to_string(program_.Settings.Pitch);
-    program_.Registry.WriteRegDword(SettingsKey, "Pitch", program_.Settings.Pitch);
-}
-
-void frmMain::scrSpeed_Change()
-{
-    program_.Settings.Speed = ToInt16(scrSpeed.Value);
-    lblSpeed.Caption = "= " + std::to_string(program_.Settings.Speed);
-    program_.Registry.WriteRegDword(SettingsKey, "Speed", program_.Settings.Speed);
-}
-
 void frmMain::chkWhisper_Click()
 {
     program_.Settings.Whisper = chkWhisper.Value == 1 ? True : False;
     program_.Registry.WriteRegDword(SettingsKey, "Whisper", chkWhisper.Value);
-}
-
-void frmMain::mnuChar_Click(const std::string& caption)
-{
-    program_.Characters.LoadCharacter(caption, false);
 }
 
 void frmMain::SysTime_Timer()
@@ -468,7 +417,7 @@ void frmMain::AgentX_Command(const std::string& name)
     else if (name == "mnuDate")
         cmdDate_Click();
     else if (name == "mnuIntro")
-        cmdCharIntro_Click();
+        GreetAndIntroduce(program_, false);
 }
 
 } // namespace voxmate

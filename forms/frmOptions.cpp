@@ -106,12 +106,6 @@ void frmOptions::cmdOK_Click()
     Unload();
 }
 
-void frmOptions::cmdCancel_Click()
-{
-    if (!applying_)
-        Unload();
-}
-
 void frmOptions::Form_QueryUnload(bool& cancel)
 {
     cancel = applying_;
@@ -251,7 +245,10 @@ void frmOptions::comRemType_Click()
 void frmOptions::ConnectHandlers()
 {
     cmdOK.Click = [this] { cmdOK_Click(); };
-    cmdCancel.Click = [this] { cmdCancel_Click(); };
+    cmdCancel.Click = [this] {
+        if (!applying_)
+            Unload();
+    };
     cmdApply.Click = [this] { cmdApply_Click(); };
     cmdDefault.Click = [this] { cmdDefault_Click(); };
     cmdBrowse.Click = [this] { cmdBrowse_Click(); };

@@ -138,7 +138,6 @@ private:
     void Play(const std::string& animation);
 
     void cmdOK_Click();
-    void cmdCancel_Click();
     void cmdApply_Click();
     void cmdDefault_Click();
     void cmdBrowse_Click();

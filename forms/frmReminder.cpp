@@ -42,7 +42,9 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     cmdClose.IsCancel = true;
     Arrange();
 
-    lstvReminders.ItemClick = [this](std::size_t number) { lstvReminders_ItemClick(number); };
+    lstvReminders.ItemClick = [this](std::size_t number) {
+        program_.Reminders.ShowReminderInEditor(ToInt16(static_cast<std::int64_t>(number)));
+    };
     lstvReminders.ColumnClick = [this](int column) { lstvReminders_ColumnClick(column); };
     txtTitle.Change = [this] { MarkChanged(); };
     txtDesc.Change = [this] { MarkChanged(); };
@@ -61,9 +63,9 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
 }
 
 // A question whose answer changes the file: No is what Enter answers.
-bool frmReminder::Confirmed(const std::string& question, const char* animation)
+bool frmReminder::Confirmed(const std::string& question)
 {
-    return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, animation) == vbYes;
+    return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, "Suggest") == vbYes;
 }
 
 void frmReminder::Arrange()
@@ -153,11 +155,6 @@ void frmReminder::MarkChanged()
         cmdUpdate.Enabled = true;
 }
 
-void frmReminder::lstvReminders_ItemClick(std::size_t number)
-{
-    program_.Reminders.ShowReminderInEditor(ToInt16(static_cast<std::int64_t>(number)));
-}
-
 void frmReminder::lstvReminders_ColumnClick(int column)
 {
     const int key = column - 1;
@@ -189,8 +186,7 @@ void frmReminder::cmdUpdate_Click()
 // Whether nothing that the user wants to keep was left unsaved by an error of the file.
 bool frmReminder::UpdateSelected()
 {
-    if (!Confirmed("Are you sure you want to update the selected reminder ?", "Suggest") ||
-        !ValidateReminderInput(false))
+    if (!Confirmed("Are you sure you want to update the selected reminder ?") || !ValidateReminderInput(false))
         return true;
     const std::int16_t id = PlaceOfShown();
     if (id == 0) {
@@ -208,7 +204,7 @@ bool frmReminder::UpdateSelected()
 void frmReminder::cmdDelete_Click()
 {
     const Command command(working_);
-    if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?", "Suggest"))
+    if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?"))
         return;
     const std::int16_t id = PlaceOfShown();
     if (id == 0)
@@ -278,9 +274,9 @@ bool frmReminder::ValidateReminderInput(bool adding)
     if (Trim(txtDesc.Text.get()).empty())
         return Refuse("Please put description for your reminder.", txtDesc);
     const std::string doing = adding ? "You are adding a " : "You are updating a ";
-    if (IsBackDated() && !Confirmed(doing + "back dated reminder. Proceed anyway ?", "Suggest"))
+    if (IsBackDated() && !Confirmed(doing + "back dated reminder. Proceed anyway ?"))
         return false;
-    return chkDone.Value == 0 || Confirmed(doing + "'Mark as Done' reminder. Proceed anyway ?", "Suggest");
+    return chkDone.Value == 0 || Confirmed(doing + "'Mark as Done' reminder. Proceed anyway ?");
 }
 
 bool frmReminder::Refuse(const char* text, Control& field)

@@ -58,7 +58,6 @@ private:
 
     void Arrange();
     void MarkChanged();
-    void lstvReminders_ItemClick(std::size_t number);
     void lstvReminders_ColumnClick(int column);
     void cmdAdd_Click();
     void cmdUpdate_Click();
@@ -68,7 +67,7 @@ private:
     std::int16_t PlaceOfShown() const;
     Reminder Fields() const;
     bool ValidateReminderInput(bool adding);
-    bool Confirmed(const std::string& question, const char* animation);
+    bool Confirmed(const std::string& question);
     bool Refuse(const char* text, Control& field);
     bool IsBackDated() const;
     bool UpdateSelected();
