@@ -1,4 +1,4 @@
-// The keys that fields for numbers take.
+// The keys that fields for numbers accept.
 #pragma once
 
 namespace voxmate

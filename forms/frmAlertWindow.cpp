@@ -87,7 +87,7 @@ void frmAlertWindow::Form_Load()
 void frmAlertWindow::TakeSlot(bool bTake)
 {
     if (!bTake) {
-        // Two windows in the last place: the second to go sets its bit again.
+        // Two windows can share the last slot; when the second of them closes, its bit is set again.
         program_.AlertSlotMask = static_cast<std::uint8_t>(program_.AlertSlotMask ^ (1 << (my_.SlotNo - 1)));
         return;
     }
@@ -153,7 +153,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
     lblMessage.Place = label;
     lblMessage.Caption = text;
 
-    // The windows above stand as if all below had the usual height.
+    // Only the lowest window grows: the others are placed as if every window below them had the usual height.
     if (my_.SlotNo == 1 && bAutoFit)
         SetHeight(ToInt32(RoundHalfEven((label.y + label.height + BottomMargin) * windows_.TwipsPerPixelY())));
 
@@ -224,7 +224,8 @@ void frmAlertWindow::PaintFrame(bool bSquare, std::int32_t iBackColor)
     frame(1, color);
 }
 
-// Where nothing counts and nothing moves a tick would change nothing: until it is sent away the window needs none.
+// Counts down the time that the window stays. A window without a time limit stops its timer until Leave(), because its
+// ticks would change nothing.
 void frmAlertWindow::Hold()
 {
     if (my_.NoAutoClose)

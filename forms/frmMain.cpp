@@ -24,7 +24,7 @@ namespace
 
 constexpr const char* everything = "Move, Play, Speak";
 
-// A name as a menu caption, in which a single ampersand would mark an access key.
+// A name as a menu caption. Ampersands are doubled, because a single one would mark an access key.
 std::string MenuCaption(const std::string& name)
 {
     std::string caption;
@@ -68,11 +68,12 @@ frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), prog
     scrSpeed.AccessibleName = "Speed";
     scrPitch.AccessibleName = "Pitch";
     stsBar.AccessibleName = "Status";
-    // The item that exists before any character is found.
+    // The submenu's only item until characters are found.
     mnuMainChar.Load("mnuChar", "Character1");
     Arrange();
     ConnectHandlers();
-    // Closing to the tray is for the user who closes the window; at the end of a session it would hold that up.
+    // Closing the window may put it into the tray, which is meant for the user; the end of a session must not be held
+    // up by that.
     program_.Host.System.EndRequested = [this] { mnuTrayExit_Click(); };
     ConnectAgent();
     program_.Main = this;
@@ -132,7 +133,8 @@ void frmMain::ConnectHandlers()
     mnuEReminders.Click = [this] { program_.Reminders.EnableReminders(); };
     mnuDReminders.Click = [this] { program_.Reminders.DisableReminders(); };
     mnuHelp.Click = [this] { mnuHelp_Click(); };
-    // Where character files come from, how to install them, how to make one; how to install voices, and which.
+    // The pages say where character files come from, how to install them and voices, how to make a character file, and
+    // which voices there are.
     mnuDownChar1.Click = [this] { program_.OpenUrl(program_.HelpPage("characters")); };
     mnuDownChar2.Click = mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
     mnuDownChar3.Click = [this] { program_.OpenUrl(program_.HelpPage("making")); };
@@ -194,7 +196,7 @@ int frmMain::MouseMessage(double x) const
     return static_cast<int>(RoundHalfEven(x / program_.Host.Windows.TwipsPerPixelX()));
 }
 
-// The icon's mouse messages arrive as moves over the picture box, the message in place of x.
+// The tray icon's mouse messages arrive as mouse moves over the picture box, whose x is the message.
 void frmMain::TrayPict_MouseMove(double x)
 {
     const int message = MouseMessage(x);
@@ -206,7 +208,7 @@ void frmMain::TrayPict_MouseMove(double x)
     }
 }
 
-// Moves that are told of the form itself are read the same way.
+// Mouse moves reported for the form itself carry a message in the same way.
 void frmMain::Form_MouseMove(double x)
 {
     const int message = MouseMessage(x);
@@ -321,8 +323,8 @@ void frmMain::cmdClip_Click()
     program_.Voice.SpeakText(program_.Host.Windows.ClipboardGetText(), "");
 }
 
-// Only one document at a time: what is pressed while the word processor is at work would come in between. The button
-// stays as it is, as a disabled one would lose the keyboard.
+// Reads one document at a time: events run while the word processor is at work, so the button can be pressed again. It
+// is not disabled meanwhile, because a disabled button loses the keyboard focus.
 void frmMain::cmdWord_Click()
 {
     const Command command(readingWord_);
@@ -404,7 +406,7 @@ void frmMain::DamageTimer_Timer()
 {
     if (!program_.Characters.TellDamagedCharacter(damages_.front()))
         return;
-    damages_.pop_front(); // others may have come while the box was up
+    damages_.pop_front(); // more may have been added while the box was up
     DamageTimer.Enabled = !damages_.empty();
 }
 

@@ -16,7 +16,7 @@ namespace
 constexpr const char* animate = "Animate";
 constexpr const char* stop = "Stop";
 
-/// Number of a preview, which is no reminder's.
+/// The number of previews; it stands for no reminder.
 constexpr std::int16_t previewId = 9999;
 
 // Entries of comRemType.
@@ -84,14 +84,14 @@ void frmOptions::FillAnimations()
 
 void frmOptions::cmdApply_Click()
 {
-    // A complaint lets pending events run: a second press must not come in between.
+    // Pending events run while Valid() reports a wrong number: a second press must not start another apply.
     const Command command(applying_);
     if (!command.Begun() || !Valid())
         return;
     SaveOptions();
     if (program_.Character)
         program_.Characters.ApplyCharacterSettings();
-    // Where Apply was pressed it gives the keyboard away: to what Enter stands for, not to Default beside it.
+    // Once disabled, Apply loses the keyboard focus. It is to go to OK, which Enter presses, not to Default beside it.
     cmdOK.SetFocus();
     cmdApply.Enabled = false;
     Play("DoMagic2");
@@ -125,7 +125,7 @@ void frmOptions::cmdBrowse_Click()
         BrowseForFolder(program_.Host.Windows, "Select Characters' Location :", program_.Settings.CharacterPath);
     if (folder.empty())
         return;
-    // A root has its separator already.
+    // The path of a root directory ends in a separator already.
     if (!folder.ends_with(program_.PathSeparator()))
         folder += program_.PathSeparator();
     txtCharPath.Text = folder;
@@ -137,7 +137,7 @@ void frmOptions::cmdAnimate_Click()
         if (!program_.Character || comAnimation.ListIndex < 0)
             return;
         cmdAnimate.Caption = stop;
-        // Nothing here watches for the end: the main window, which the character tells of it, runs this.
+        // The character reports the end of the animation to the main window, which then calls this.
         program_.Characters.AnimateEnded = [this] { cmdAnimate.Caption = animate; };
         program_.Characters.AnimateRequest =
             program_.Character->Play(comAnimation.Items().at(static_cast<std::size_t>(comAnimation.ListIndex)));
@@ -151,7 +151,7 @@ void frmOptions::cmdAnimate_Click()
 
 void frmOptions::cmdFont_Click()
 {
-    // Only sizes that are taken at the next start.
+    // At the next start, any other size would be replaced by the default.
     const SettingRow& size = SettingRowOf(&SettingsRecord::BalloonFontSize);
     FontSpec font = lblFont.Font;
     if (!program_.Host.Windows.ShowFont(font, size.min, size.max))
@@ -181,7 +181,7 @@ void frmOptions::Play(const std::string& animation)
         if (program_.Character)
             program_.Character->Play(animation);
     } catch (const RuntimeError&) {
-        // Not every character can do everything.
+        // A character need not have this animation.
     }
 }
 

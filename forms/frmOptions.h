@@ -133,7 +133,7 @@ private:
     void SaveOptions();
     void SaveCharacterPath();
     bool Valid();
-    /// The number at the beginning of a field; 0 where it has no digits.
+    /// The number that a field begins with (blanks aside), 32767 at most; 0 if it begins with no digit.
     static std::int16_t NumberIn(const TextBox& box);
     void Play(const std::string& animation);
 

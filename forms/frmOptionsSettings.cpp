@@ -22,7 +22,7 @@ namespace
 constexpr std::array dateSamples{"31-DECEMBER-25", "31-DECEMBER-2025", "31-DECEMBER",
                                  "DECEMBER-31-25", "DECEMBER-31-2025", "DECEMBER-31"};
 
-/// The field's text as far as it comes back at the next start; the field then shows that.
+/// Cuts the field's text to the length that can be read back at the next start, and returns it.
 std::string KeptText(TextBox& box)
 {
     const std::string& text = box.Text.get();
@@ -45,11 +45,11 @@ std::int16_t frmOptions::NumberIn(const TextBox& box)
     return static_cast<std::int16_t>(number);
 }
 
-/// The first entry of a list is the least value of its setting.
+/// The first entry of a list stands for the smallest value of its setting.
 struct frmOptions::Option {
     SettingField field;
     std::variant<CheckBox*, ComboBox*, OptionGroup*, TextBox*> control;
-    std::optional<int> reset = {}; ///< what Default makes of a number; without it, the default of the catalogue
+    std::optional<int> reset = {}; ///< what Default sets a number to, if not to the default of the catalogue
 
     const SettingRow& Row() const { return SettingRowOf(field); }
     bool IsText() const { return std::holds_alternative<TextField>(field); }
@@ -75,7 +75,7 @@ private:
     int NumberOf(const TextBox& box) const { return NumberIn(box); }
 };
 
-// In the order of saving. The font and the characters' folder, which are saved before these, are no rows.
+// In the order of saving. SaveOptions saves the font and the characters' folder before these, in ways of their own.
 std::vector<frmOptions::Option> frmOptions::Options()
 {
     using S = SettingsRecord;
@@ -131,7 +131,7 @@ void frmOptions::FillLists()
     fill(comRemType, std::array{"Alert Window", "Normal Window"});
 }
 
-// Comes after ConnectHandlers: what a handler does of its own is done before the change is marked.
+// Makes every change enable Apply, after what the control's own handler does; ConnectHandlers must have run before.
 void frmOptions::ConnectOptions()
 {
     const auto mark = [this](auto& event) {
@@ -168,7 +168,7 @@ void frmOptions::ShowSettings()
     ShowFont({settings.BalloonFontName, static_cast<double>(settings.BalloonFontSize)});
     txtCharPath.Text = settings.CharacterPath;
     const std::vector<Option> options = Options();
-    // From the last to the first: of the three start-up switches, which change each other, the greeting counts last.
+    // From the last to the first: the three start-up switches change each other, and the greeting has to be set last.
     for (auto option = options.rbegin(); option != options.rend(); ++option) {
         if (option->IsText())
             option->Box().Text = settings.*std::get<TextField>(option->field);
@@ -177,7 +177,7 @@ void frmOptions::ShowSettings()
     }
 }
 
-// The texts keep what they hold.
+// The text fields keep what they hold.
 void frmOptions::cmdDefault_Click()
 {
     ShowFont({SettingRowOf(&SettingsRecord::BalloonFontName).defaultText,
@@ -190,8 +190,8 @@ void frmOptions::cmdDefault_Click()
     cmdApply.Enabled = true;
 }
 
-// A field then shows what was saved of it: the number, whatever was pasted, or as much of a text as comes back at the
-// next start.
+// Afterwards each field shows what was saved: the number alone, even if more was pasted in, or the part of the text
+// that can be read back at the next start.
 void frmOptions::SaveOptions()
 {
     SaveSetting(program_, &SettingsRecord::BalloonFontName, lblFont.Font.get().Name);
@@ -208,7 +208,7 @@ void frmOptions::SaveOptions()
     }
 }
 
-// The box then shows the folder that is in use, which need not be the one that was asked for.
+// Afterwards the box shows the folder that is in use, which may not be the one that was entered.
 void frmOptions::SaveCharacterPath()
 {
     std::string path = Trim(txtCharPath.Text.get());
@@ -239,7 +239,8 @@ bool frmOptions::Valid()
         if (box.Text.get().empty())
             box.Text = text;
     };
-    // A number of characters or lines may lie outside the range that is taken at the next start.
+    // The ranges for characters and lines are wider than those in the catalogue; what lies between is replaced by the
+    // default at the next start.
     if (!within(txtCharPerLine, 8, 255, CharacterTab, "No. of characters per line must be between 8 and 255") ||
         !within(txtTotalLines, 1, 128, CharacterTab, "Total number of lines must be between 1 and 128"))
         return false;

@@ -51,7 +51,7 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     chkDone.Click = [this] { MarkChanged(); };
     mvDate.SelChange = [this] { MarkChanged(); };
     txtTime.KeyPress = [](int& keyAscii) { KeepDigits(keyAscii, ':'); };
-    // Typed, deleted and pasted times are changes, too, which must not be lost without a question.
+    // A time that was typed, deleted or pasted is a change, too: closing must ask before it is lost.
     txtTime.Change = [this] {
         if (!timeByCode_)
             MarkChanged();
@@ -62,7 +62,7 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     cmdClose.Click = [this] { cmdClose_Click(); };
 }
 
-// A question whose answer changes the file: No is what Enter answers.
+// Asks before the file is changed; Enter answers No.
 bool frmReminder::Confirmed(const std::string& question)
 {
     return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, "Suggest") == vbYes;
@@ -130,7 +130,7 @@ void frmReminder::ShowFields(const Reminder& reminder)
     timeByCode_ = false;
     txtDesc.Text = reminder.Description;
     chkDone.Value = reminder.Done ? 1 : 0;
-    // The fields are those of a reminder that exists, until the user makes them another's.
+    // The fields show a reminder that exists already. Once the user changes one of them, they can be added as another.
     cmdAdd.Enabled = false;
 }
 
@@ -164,7 +164,7 @@ void frmReminder::lstvReminders_ColumnClick(int column)
     else
         lstvReminders.Order = SortOrder::Ascending;
     lstvReminders.SortKey = key;
-    // Until the first click the list stands in the file's order.
+    // Until the first click the list is in the order of the file.
     lstvReminders.Sorted = true;
 }
 
@@ -183,7 +183,8 @@ void frmReminder::cmdUpdate_Click()
         UpdateSelected();
 }
 
-// Whether nothing that the user wants to keep was left unsaved by an error of the file.
+// Returns false if a change that the user wants to keep could not be saved; true also if the user declines, or the
+// input is refused.
 bool frmReminder::UpdateSelected()
 {
     if (!Confirmed("Are you sure you want to update the selected reminder ?") || !ValidateReminderInput(false))
@@ -235,8 +236,8 @@ bool frmReminder::MayClose()
     }
 }
 
-// Where the reminder that is shown stands in the list, which may have been read anew with what another program has done
-// to it; 0 when it is not there any more.
+// The place in the list of the reminder that is shown; 0 if it is not there any more. The list may have been read anew
+// since then, with changes by another program.
 std::int16_t frmReminder::PlaceOfShown() const
 {
     const std::int16_t selected = ToInt16(static_cast<std::int64_t>(lstvReminders.SelectedItem()));
@@ -244,7 +245,8 @@ std::int16_t frmReminder::PlaceOfShown() const
         return selected;
     if (const std::int32_t id = program_.Reminders.List.Find(shown_, selected); id != 0)
         return static_cast<std::int16_t>(id);
-    // An answer gives it another date or mark; then it is the only one of its texts.
+    // An answer to its announcement changes its date or mark. It is then found by its texts, if no other reminder has
+    // the same ones.
     std::int16_t place = 0;
     for (std::int32_t id = 1; id <= program_.Reminders.List.RemCount; ++id) {
         const auto at = static_cast<std::size_t>(id);

@@ -1,4 +1,4 @@
-// The reminder editor: the list of all reminders, and fields to add, change, delete and mark one.
+// The reminder editor: the list of all reminders, and fields to add, change, delete or mark one.
 #pragma once
 
 #include "controls/ListView.h"

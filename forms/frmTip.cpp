@@ -33,7 +33,7 @@ frmTip::frmTip(Program& program) : Form(program.Host.Windows, "frmTip"), program
 
 void frmTip::Form_Load()
 {
-    // What a file without any tip leaves standing.
+    // Stays if the file holds no tip.
     lblTipText.Caption = "There is no tip for today.";
 }
 
