@@ -18,7 +18,7 @@ constexpr std::uint32_t localMachine = 0x80000002;
 constexpr std::uint32_t keyAllAccess = 0x2003F;
 constexpr std::size_t bufferSize = 1024;
 
-// Bytes, the last one the highest, as the decimal text of their number.
+// The number in these bytes, lowest byte first, as decimal text.
 std::string NumberText(const std::string& bytes)
 {
     constexpr const char* digits = "0123456789ABCDEF";
@@ -29,7 +29,7 @@ std::string NumberText(const std::string& bytes)
     }
     std::uint32_t number = 0;
     std::from_chars(hex.data(), hex.data() + hex.size(), number, 16);
-    // A number of 32 bits is signed here as everywhere in the program.
+    // The registry's 32-bit numbers are signed, as everywhere in the program.
     return std::to_string(static_cast<std::int32_t>(number));
 }
 
@@ -45,8 +45,8 @@ frmAbout::frmAbout(Program& program) : Form(program.Host.Windows, "frmAbout"), p
         Row({Item(Picture1), Column({Space(), Item(lblTitle), Item(lblVersion), Space()}).Stretch(1)}).Spacing(20),
         Row({Item(cmdSysInfo).Min(116, 0), Space(), Item(cmdOK)}),
     });
-    cmdOK.Click = [this] { cmdOK_Click(); };
-    cmdSysInfo.Click = [this] { cmdSysInfo_Click(); };
+    cmdOK.Click = [this] { Unload(); };
+    cmdSysInfo.Click = [this] { StartSysInfo(); };
 }
 
 void frmAbout::Form_Load()
@@ -54,16 +54,6 @@ void frmAbout::Form_Load()
     Caption = "About Voxmate \u00AE";
     lblTitle.Caption = "Voxmate \u00AE";
     lblVersion.Caption = "Version " + VersionText() + "  - Windows NT/98 and above";
-}
-
-void frmAbout::cmdOK_Click()
-{
-    Unload();
-}
-
-void frmAbout::cmdSysInfo_Click()
-{
-    StartSysInfo();
 }
 
 void frmAbout::StartSysInfo()

@@ -29,12 +29,10 @@ protected:
 private:
     Program& program_;
 
-    void cmdOK_Click();
-    void cmdSysInfo_Click();
-    /// Starts the system's own tool that describes the computer.
+    /// Starts the system's information tool; a box says when there is none.
     void StartSysInfo();
-    /// Reads one value under a predefined root key as text; a number as its decimal digits. False when it cannot be
-    /// read or is longer than 1024 bytes.
+    /// Reads one value under a predefined root key as text; a number becomes its decimal digits. Returns false if the
+    /// value cannot be read or is longer than 1024 bytes.
     bool GetKeyValue(std::uint32_t KeyRoot, const std::string& KeyName, const std::string& SubKeyRef,
                      std::string& KeyVal);
 };

@@ -56,7 +56,7 @@ frmAlertWindow::frmAlertWindow(Program& program)
     ShowActivated = false;
     lblMessage.Font = {"Tahoma", 8.25};
     lblMessage.Click = [this] { Form_Click(); };
-    Timer1.Tick = [this] { Timer1_Timer(); };
+    Timer1.Tick = [this] { my_.IsFade ? Fade() : Scroll(); };
 }
 
 frmAlertWindow::~frmAlertWindow()
@@ -87,7 +87,7 @@ void frmAlertWindow::Form_Load()
 void frmAlertWindow::TakeSlot(bool bTake)
 {
     if (!bTake) {
-        // Two windows in the last place: the second to go sets its bit again.
+        // Two windows can share the last slot; when the second of them closes, its bit is set again.
         program_.AlertSlotMask = static_cast<std::uint8_t>(program_.AlertSlotMask ^ (1 << (my_.SlotNo - 1)));
         return;
     }
@@ -153,7 +153,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
     lblMessage.Place = label;
     lblMessage.Caption = text;
 
-    // The windows above stand as if all below had the usual height.
+    // Only the lowest window grows: the others are placed as if every window below them had the usual height.
     if (my_.SlotNo == 1 && bAutoFit)
         SetHeight(ToInt32(RoundHalfEven((label.y + label.height + BottomMargin) * windows_.TwipsPerPixelY())));
 
@@ -167,10 +167,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
         my_.StepValue = my_.SlotNo <= 1 ? SlowStep : FastStep;
     }
 
-    if (bTubeFill)
-        PaintTubeGradient(iBackColor);
-    else
-        PaintCornerGradient(iBackColor);
+    PaintGradient(bTubeFill, iBackColor);
     PaintFrame(bSquare, iBackColor);
 
     Show();
@@ -178,7 +175,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
     Timer1.Enabled = true;
 }
 
-void frmAlertWindow::PaintCornerGradient(std::int32_t color)
+void frmAlertWindow::PaintGradient(bool tube, std::int32_t color)
 {
     if (my_.OsLevel == 0) {
         windows_.SetBackColor(hWnd(), static_cast<std::uint32_t>(color));
@@ -187,26 +184,18 @@ void frmAlertWindow::PaintCornerGradient(std::int32_t color)
     windows_.SetAutoRedraw(hWnd(), true);
     const int width = ScaleWidth();
     const int height = ScaleHeight();
-    const TriVertex vertices[] = {Vertex(0, 0, White), Vertex(width, 0, White), Vertex(width, height, color),
-                                  Vertex(0, height, White)};
-    const GradientTriangle mesh[] = {{0, 1, 2}, {0, 2, 3}};
-    windows_.GradientFill(hWnd(), vertices, mesh, GRADIENT_FILL_TRIANGLE);
-}
-
-void frmAlertWindow::PaintTubeGradient(std::int32_t color)
-{
-    if (my_.OsLevel == 0) {
-        windows_.SetBackColor(hWnd(), static_cast<std::uint32_t>(color));
-        return;
+    if (tube) {
+        const GradientRect mesh[] = {{0, 1}};
+        const TriVertex upper[] = {Vertex(0, 0, color), Vertex(width, height / 2, White)};
+        windows_.GradientFill(hWnd(), upper, mesh, GRADIENT_FILL_RECT_V);
+        const TriVertex lower[] = {Vertex(0, height / 2, White), Vertex(width, height, color)};
+        windows_.GradientFill(hWnd(), lower, mesh, GRADIENT_FILL_RECT_V);
+    } else {
+        const TriVertex vertices[] = {Vertex(0, 0, White), Vertex(width, 0, White), Vertex(width, height, color),
+                                      Vertex(0, height, White)};
+        const GradientTriangle mesh[] = {{0, 1, 2}, {0, 2, 3}};
+        windows_.GradientFill(hWnd(), vertices, mesh, GRADIENT_FILL_TRIANGLE);
     }
-    windows_.SetAutoRedraw(hWnd(), true);
-    const int width = ScaleWidth();
-    const int height = ScaleHeight();
-    const GradientRect mesh[] = {{0, 1}};
-    const TriVertex upper[] = {Vertex(0, 0, color), Vertex(width, height / 2, White)};
-    windows_.GradientFill(hWnd(), upper, mesh, GRADIENT_FILL_RECT_V);
-    const TriVertex lower[] = {Vertex(0, height / 2, White), Vertex(width, height, color)};
-    windows_.GradientFill(hWnd(), lower, mesh, GRADIENT_FILL_RECT_V);
 }
 
 void frmAlertWindow::PaintFrame(bool bSquare, std::int32_t iBackColor)
@@ -235,15 +224,8 @@ void frmAlertWindow::PaintFrame(bool bSquare, std::int32_t iBackColor)
     frame(1, color);
 }
 
-void frmAlertWindow::Timer1_Timer()
-{
-    if (my_.IsFade)
-        Fade();
-    else
-        Scroll();
-}
-
-// Where nothing counts and nothing moves a tick would change nothing: until it is sent away the window needs none.
+// Counts down the time that the window stays. A window without a time limit stops its timer until Leave(), because its
+// ticks would change nothing.
 void frmAlertWindow::Hold()
 {
     if (my_.NoAutoClose)

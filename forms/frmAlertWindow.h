@@ -14,14 +14,14 @@ namespace voxmate
 
 class Program;
 
-/// A gradient's vertex colour of 0x00BBGGRR: each channel in the upper byte of its 16 bits.
+/// Sets a vertex's colour from 0x00BBGGRR: each channel goes into the upper byte of its 16 bits.
 void ColorToVertex(TriVertex& vertex, std::int32_t color);
 
 class frmAlertWindow : public PlacedForm, public AlertWindow
 {
 public:
     explicit frmAlertWindow(Program& program);
-    /// One that is done away with while it stands there gives its place back; its reminder stays as it was.
+    /// Frees the slot of a window that is still loaded; its reminder stays unchanged.
     ~frmAlertWindow() override;
 
     Label lblMessage{this, "lblMessage"};
@@ -43,36 +43,34 @@ private:
     Program& program_;
     WindowSystem& windows_;
 
-    /// What one announcement knows; a window that is loaded anew begins with a fresh one.
+    /// The state of one announcement; loading the window resets it.
     struct State {
         std::int16_t FormId = 0;
         bool IsPreview = false;
         std::int32_t StepValue = 0;      ///< sliding: twips a tick; fading: transparency in percent
         std::int32_t CloseTicks = 0;     ///< ticks left before the window starts to leave
         std::int32_t WorkAreaBottom = 0; ///< twips
-        std::int32_t SlotNo = 0;         ///< place in the pile, 1 to 8
+        std::int32_t SlotNo = 0;         ///< place in the pile, 1 (lowest) to 8
         bool NoAutoClose = false;
         bool NoClickClose = false;
         bool IsFade = false;
         bool IsOnTop = false; ///< a sliding window has arrived and is held above all others
-        /// What the system can draw: 0 plain colours, 1 gradients, 2 transparent windows, too.
+        /// What the system can draw: 0 plain colours, 1 gradients, 2 gradients and transparent windows.
         std::uint8_t OsLevel = 0;
     };
     State my_;
 
     void SetOnTop(bool bOn);
     void SetTransparency(std::int32_t Percent);
-    void PaintCornerGradient(std::int32_t color);
-    void PaintTubeGradient(std::int32_t color);
+    void PaintGradient(bool tube, std::int32_t color);
     void PaintFrame(bool bSquare, std::int32_t iBackColor);
     void TakeSlot(bool bTake);
     void Hold();
     void Leave();
     void Fade();
     void Scroll();
-    void Timer1_Timer();
 
-    /// The top at which the window has arrived, in twips.
+    /// The top of the window once it has arrived, in twips.
     std::int32_t TargetTop() const;
     /// The window's size in whole pixels.
     int ScaleWidth();

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace voxmate
@@ -23,7 +24,7 @@ namespace
 
 constexpr const char* everything = "Move, Play, Speak";
 
-// A name as a menu caption, in which a single ampersand would mark an access key.
+// A name as a menu caption. Ampersands are doubled, because a single one would mark an access key.
 std::string MenuCaption(const std::string& name)
 {
     std::string caption;
@@ -44,26 +45,22 @@ frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), prog
     txtText.MultiLine = true;
     txtText.AccessibleName = "Text to read";
     txtText.PlaceholderText = "Type something for me to read";
-    cmdDate.Picture = "date";
-    cmdDate.ToolTipText = "What's today's date?";
-    cmdTime.Picture = "time";
-    cmdTime.ToolTipText = "What time is it?";
-    cmdClip.Picture = "clipboard";
-    cmdClip.ToolTipText = "Speak Clipboard Text";
-    cmdCharIntro.Picture = "introduction";
-    cmdCharIntro.ToolTipText = "Do you know who am I ?";
-    cmdText.Picture = "text";
-    cmdText.ToolTipText = "Open and Read a Text Document";
-    cmdWord.Picture = "word";
-    cmdWord.ToolTipText = "Open and Read a Word Document";
-    cmdOptions.Picture = "options";
-    cmdOptions.ToolTipText = "User Options";
-    cmdSpeak.Picture = "speak";
-    cmdSpeak.ToolTipText = "Speak the textbox text";
-    cmdStop.Picture = "stop";
-    cmdStop.ToolTipText = "Stop Everything !!!";
-    cmdCharacter.Picture = "character";
-    cmdCharacter.ToolTipText = "Choose Character by Right Click. Show Character on Left Click";
+    const std::tuple<CommandButton*, const char*, const char*> faces[] = {
+        {&cmdDate, "date", "What's today's date?"},
+        {&cmdTime, "time", "What time is it?"},
+        {&cmdClip, "clipboard", "Speak Clipboard Text"},
+        {&cmdCharIntro, "introduction", "Do you know who am I ?"},
+        {&cmdText, "text", "Open and Read a Text Document"},
+        {&cmdWord, "word", "Open and Read a Word Document"},
+        {&cmdOptions, "options", "User Options"},
+        {&cmdSpeak, "speak", "Speak the textbox text"},
+        {&cmdStop, "stop", "Stop Everything !!!"},
+        {&cmdCharacter, "character", "Choose Character by Right Click. Show Character on Left Click"},
+    };
+    for (const auto& [button, picture, toolTip] : faces) {
+        button->Picture = picture;
+        button->ToolTipText = toolTip;
+    }
     lblVoice.Buddy = &comSpEng;
     lblSpeedName.Buddy = &scrSpeed;
     lblPitchName.Buddy = &scrPitch;
@@ -71,11 +68,12 @@ frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), prog
     scrSpeed.AccessibleName = "Speed";
     scrPitch.AccessibleName = "Pitch";
     stsBar.AccessibleName = "Status";
-    // The item that exists before any character is found.
+    // The submenu's only item until characters are found.
     mnuMainChar.Load("mnuChar", "Character1");
     Arrange();
     ConnectHandlers();
-    // Closing to the tray is for the user who closes the window; at the end of a session it would hold that up.
+    // Closing the window may put it into the tray, which is meant for the user; the end of a session must not be held
+    // up by that.
     program_.Host.System.EndRequested = [this] { mnuTrayExit_Click(); };
     ConnectAgent();
     program_.Main = this;
@@ -104,30 +102,29 @@ void frmMain::Arrange()
 void frmMain::ConnectHandlers()
 {
     SysTime.Tick = [this] { SysTime_Timer(); };
-    cmdDate.Click = [this] { cmdDate_Click(); };
-    cmdTime.Click = [this] { cmdTime_Click(); };
-    cmdClip.Click = [this] { cmdClip_Click(); };
-    cmdCharIntro.Click = [this] { cmdCharIntro_Click(); };
-    cmdText.Click = [this] { cmdText_Click(); };
-    cmdWord.Click = [this] { cmdWord_Click(); };
-    mnuWho.Click = [this] { cmdCharIntro_Click(); };
-    mnuDate.Click = [this] { cmdDate_Click(); };
-    mnuTime.Click = [this] { cmdTime_Click(); };
-    mnuReadClip.Click = [this] { cmdClip_Click(); };
-    mnuWord.Click = [this] { cmdWord_Click(); };
-    mnuText.Click = [this] { cmdText_Click(); };
+    cmdDate.Click = mnuDate.Click = [this] { cmdDate_Click(); };
+    cmdTime.Click = mnuTime.Click = [this] { cmdTime_Click(); };
+    cmdClip.Click = mnuReadClip.Click = [this] { cmdClip_Click(); };
+    cmdCharIntro.Click = mnuWho.Click = [this] { GreetAndIntroduce(program_, false); };
+    cmdText.Click = mnuText.Click = [this] { program_.Reading.OpenAndReadText(); };
+    cmdWord.Click = mnuWord.Click = [this] { cmdWord_Click(); };
     mnuPlayWav.Click = [this] { program_.Reading.OpenAndPlayWave(); };
     cmdSpeak.Click = [this] { cmdSpeak_Click(); };
-    cmdStop.Click = [this] { cmdStop_Click(); };
+    cmdStop.Click = mnuStop.Click = [this] { cmdStop_Click(); };
     cmdCharacter.Click = [this] { cmdCharacter_Click(); };
     cmdCharacter.MouseUp = [this](int button) { cmdCharacter_MouseUp(button); };
-    comSpEng.Click = [this] { comSpEng_Click(); };
-    scrPitch.Change = [this] { scrPitch_Change(); };
-    scrSpeed.Change = [this] { scrSpeed_Change(); };
+    comSpEng.Click = [this] { program_.Voice.ChooseSpeechEngine(comSpEng.ListIndex + 1); };
+    const auto connectBar = [this](HScrollBar& bar, Label& label, NumberField setting) {
+        bar.Change = [this, &bar, &label, setting] {
+            label.Caption = "= " + std::to_string(bar.Value);
+            SaveSetting(program_, setting, ToInt16(bar.Value));
+        };
+    };
+    connectBar(scrPitch, lblPitch, &SettingsRecord::Pitch);
+    connectBar(scrSpeed, lblSpeed, &SettingsRecord::Speed);
     chkWhisper.Click = [this] { chkWhisper_Click(); };
-    cmdOptions.Click = [this] { cmdOptions_Click(); };
+    cmdOptions.Click = mnuOptions.Click = [this] { Made(optionsForm_).Show(); };
     mnuTip.Click = [this] { mnuTip_Click(); };
-    mnuOptions.Click = [this] { cmdOptions_Click(); };
     mnuSysTray.Click = [this] { AddTrayIcon(); };
     RemTimer.Tick = [this] { program_.Scheduler.RemTimer_Timer(); };
     RemRetryTimer.Tick = [this] { program_.Reminders.RetryReminders(); };
@@ -136,16 +133,14 @@ void frmMain::ConnectHandlers()
     mnuEReminders.Click = [this] { program_.Reminders.EnableReminders(); };
     mnuDReminders.Click = [this] { program_.Reminders.DisableReminders(); };
     mnuHelp.Click = [this] { mnuHelp_Click(); };
-    // Where character files come from, how to install them, how to make one; how to install voices, and which.
+    // The pages say where character files come from, how to install them and voices, how to make a character file, and
+    // which voices there are.
     mnuDownChar1.Click = [this] { program_.OpenUrl(program_.HelpPage("characters")); };
-    mnuDownChar2.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
+    mnuDownChar2.Click = mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
     mnuDownChar3.Click = [this] { program_.OpenUrl(program_.HelpPage("making")); };
-    mnuSpEng1.Click = [this] { program_.OpenUrl(program_.HelpPage("installing")); };
     mnuSpEng2.Click = [this] { program_.OpenUrl(program_.HelpPage("voices")); };
-    mnuAbout.Click = [this] { mnuAbout_Click(); };
-    mnuExit.Click = [this] { mnuTrayExit_Click(); };
-    mnuStop.Click = [this] { cmdStop_Click(); };
-    mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
+    mnuAbout.Click = [this] { Made(aboutForm_).Show(); };
+    mnuExit.Click = mnuTrayExit.Click = [this] { mnuTrayExit_Click(); };
     TrayPict.IconMenu = &mnuTray;
     TrayPict.MouseMove = [this](double x) { TrayPict_MouseMove(x); };
 }
@@ -201,7 +196,7 @@ int frmMain::MouseMessage(double x) const
     return static_cast<int>(RoundHalfEven(x / program_.Host.Windows.TwipsPerPixelX()));
 }
 
-// The icon's mouse messages arrive as moves over the picture box, the message in place of x.
+// The tray icon's mouse messages arrive as mouse moves over the picture box, whose x is the message.
 void frmMain::TrayPict_MouseMove(double x)
 {
     const int message = MouseMessage(x);
@@ -213,7 +208,7 @@ void frmMain::TrayPict_MouseMove(double x)
     }
 }
 
-// Moves that are told of the form itself are read the same way.
+// Mouse moves reported for the form itself carry a message in the same way.
 void frmMain::Form_MouseMove(double x)
 {
     const int message = MouseMessage(x);
@@ -235,7 +230,7 @@ void frmMain::ListCharacters(const std::vector<std::string>& names)
     mnuMainChar.UnloadAll();
     for (const std::string& name : names) {
         Menu& item = mnuMainChar.Load("mnuChar", MenuCaption(name));
-        item.Click = [this, name] { mnuChar_Click(name); };
+        item.Click = [this, name] { program_.Characters.LoadCharacter(name, false); };
     }
 }
 
@@ -320,11 +315,6 @@ void frmMain::cmdDate_Click()
                              "Announce");
 }
 
-void frmMain::cmdCharIntro_Click()
-{
-    GreetAndIntroduce(program_, false);
-}
-
 void frmMain::cmdClip_Click()
 {
     if (!program_.Host.Windows.ClipboardGetFormat(vbCFText))
@@ -333,13 +323,8 @@ void frmMain::cmdClip_Click()
     program_.Voice.SpeakText(program_.Host.Windows.ClipboardGetText(), "");
 }
 
-void frmMain::cmdText_Click()
-{
-    program_.Reading.OpenAndReadText();
-}
-
-// Only one document at a time: what is pressed while the word processor is at work would come in between. The button
-// stays as it is, as a disabled one would lose the keyboard.
+// Reads one document at a time: events run while the word processor is at work, so the button can be pressed again. It
+// is not disabled meanwhile, because a disabled button loses the keyboard focus.
 void frmMain::cmdWord_Click()
 {
     const Command command(readingWord_);
@@ -347,20 +332,10 @@ void frmMain::cmdWord_Click()
         program_.Reading.OpenAndReadWord();
 }
 
-void frmMain::cmdOptions_Click()
-{
-    Made(optionsForm_).Show();
-}
-
 void frmMain::mnuTip_Click()
 {
     Tip().ShowTip();
     program_.Tips.ShowTipOfTheDay(false);
-}
-
-void frmMain::mnuAbout_Click()
-{
-    Made(aboutForm_).Show();
 }
 
 void frmMain::mnuHelp_Click()
@@ -382,34 +357,10 @@ void frmMain::cmdCharacter_MouseUp(int button)
         PopupMenu(mnuMainChar, &cmdCharacter);
 }
 
-void frmMain::comSpEng_Click()
-{
-    program_.Voice.ChooseSpeechEngine(comSpEng.ListIndex + 1);
-}
-
-void frmMain::scrPitch_Change()
-{
-    program_.Settings.Pitch = ToInt16(scrPitch.Value);
-    lblPitch.Caption = "= " + std::to_string(program_.Settings.Pitch);
-    program_.Registry.WriteRegDword(SettingsKey, "Pitch", program_.Settings.Pitch);
-}
-
-void frmMain::scrSpeed_Change()
-{
-    program_.Settings.Speed = ToInt16(scrSpeed.Value);
-    lblSpeed.Caption = "= " + std::to_string(program_.Settings.Speed);
-    program_.Registry.WriteRegDword(SettingsKey, "Speed", program_.Settings.Speed);
-}
-
 void frmMain::chkWhisper_Click()
 {
     program_.Settings.Whisper = chkWhisper.Value == 1 ? True : False;
     program_.Registry.WriteRegDword(SettingsKey, "Whisper", chkWhisper.Value);
-}
-
-void frmMain::mnuChar_Click(const std::string& caption)
-{
-    program_.Characters.LoadCharacter(caption, false);
 }
 
 void frmMain::SysTime_Timer()
@@ -455,7 +406,7 @@ void frmMain::DamageTimer_Timer()
 {
     if (!program_.Characters.TellDamagedCharacter(damages_.front()))
         return;
-    damages_.pop_front(); // others may have come while the box was up
+    damages_.pop_front(); // more may have been added while the box was up
     DamageTimer.Enabled = !damages_.empty();
 }
 
@@ -468,7 +419,7 @@ void frmMain::AgentX_Command(const std::string& name)
     else if (name == "mnuDate")
         cmdDate_Click();
     else if (name == "mnuIntro")
-        cmdCharIntro_Click();
+        GreetAndIntroduce(program_, false);
 }
 
 } // namespace voxmate

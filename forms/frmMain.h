@@ -28,7 +28,8 @@ public:
     Timer SysTime{this, "SysTime", 1000, true};
     Timer RemTimer{this, "RemTimer", 800, false};
     Timer RemRetryTimer{this, "RemRetryTimer", 1000, false};
-    /// Looks for the moment to tell of damaged characters; off while there is nothing to tell.
+    /// Shows the reports of damaged characters once the program has started and no other message is up; off
+    /// while there are none.
     Timer DamageTimer{this, "DamageTimer", 250, false};
     PictureBox TrayPict{this, "TrayPict", "voxmate"};
     CommandButton cmdDate{this, "cmdDate"};
@@ -126,17 +127,17 @@ protected:
 
 private:
     Program& program_;
-    bool readingWord_ = false; ///< a document is being opened or taken in
+    bool readingWord_ = false; ///< a Word document is being opened or read in
 
     TrayIconData trayIconData_;
-    std::deque<std::string> damages_; ///< of characters, still to be told
-    // Made when they are first shown.
+    std::deque<std::string> damages_; ///< reports of damaged characters, still to be shown
+    // Each is made when it is first needed.
     std::unique_ptr<frmReminder> reminderForm_;
     std::unique_ptr<frmOptions> optionsForm_;
     std::unique_ptr<frmTip> tipForm_;
     std::unique_ptr<frmAbout> aboutForm_;
 
-    /// The form, made if there is none yet.
+    /// Returns the form; makes it first if there is none yet.
     template <class F>
     F& Made(std::unique_ptr<F>& form);
     void AddTrayIcon();
@@ -150,21 +151,13 @@ private:
     void cmdStop_Click();
     void cmdTime_Click();
     void cmdDate_Click();
-    void cmdCharIntro_Click();
     void cmdClip_Click();
-    void cmdText_Click();
     void cmdWord_Click();
-    void cmdOptions_Click();
     void mnuTip_Click();
     void mnuHelp_Click();
-    void mnuAbout_Click();
     void cmdCharacter_Click();
     void cmdCharacter_MouseUp(int button);
-    void comSpEng_Click();
-    void scrPitch_Change();
-    void scrSpeed_Change();
     void chkWhisper_Click();
-    void mnuChar_Click(const std::string& caption);
     void SysTime_Timer();
     void AgentX_Click(int button);
     void AgentX_RequestComplete(const AgentRequestPtr& request);

@@ -16,7 +16,7 @@ namespace
 constexpr const char* animate = "Animate";
 constexpr const char* stop = "Stop";
 
-/// Number of a preview, which is no reminder's.
+/// The number of previews; it stands for no reminder.
 constexpr std::int16_t previewId = 9999;
 
 // Entries of comRemType.
@@ -51,15 +51,10 @@ frmOptions::frmOptions(Program& program) : Form(program.Host.Windows, "frmOption
     FontName = "Tahoma";
     cmdOK.IsDefault = true;
     cmdCancel.IsCancel = true;
-    txtCharPerLine.MaxLength = 2;
-    txtTotalLines.MaxLength = 2;
-    txtAutoClose.MaxLength = 2;
-    txtTimeInterval.MaxLength = 3;
-    for (TextBox* box : {&txtUserName, &txtGreeting, &txtRemText})
-        box->MaxLength = LongestRegString;
     NameControls();
     Arrange();
     ConnectHandlers();
+    ConnectOptions();
 }
 
 void frmOptions::Form_Load()
@@ -71,7 +66,7 @@ void frmOptions::Form_Load()
     ShowSettings();
     chkBalloon_Click();
     EnableGreeting(chkGreeting.Value == 1);
-    chkSpkSentence_Click();
+    Raise(chkSpkSentence.Click);
     comRemType_Click();
     cmdApply.Enabled = false;
     SSTab1.Tab = CharacterTab;
@@ -89,14 +84,14 @@ void frmOptions::FillAnimations()
 
 void frmOptions::cmdApply_Click()
 {
-    // A complaint lets pending events run: a second press must not come in between.
+    // Pending events run while Valid() reports a wrong number: a second press must not start another apply.
     const Command command(applying_);
     if (!command.Begun() || !Valid())
         return;
     SaveOptions();
     if (program_.Character)
         program_.Characters.ApplyCharacterSettings();
-    // Where Apply was pressed it gives the keyboard away: to what Enter stands for, not to Default beside it.
+    // Once disabled, Apply loses the keyboard focus. It is to go to OK, which Enter presses, not to Default beside it.
     cmdOK.SetFocus();
     cmdApply.Enabled = false;
     Play("DoMagic2");
@@ -109,12 +104,6 @@ void frmOptions::cmdOK_Click()
     if (cmdApply.Enabled)
         cmdApply_Click();
     Unload();
-}
-
-void frmOptions::cmdCancel_Click()
-{
-    if (!applying_)
-        Unload();
 }
 
 void frmOptions::Form_QueryUnload(bool& cancel)
@@ -130,49 +119,13 @@ void frmOptions::Form_Unload()
     program_.Characters.AnimationNamesChanged = nullptr;
 }
 
-void frmOptions::cmdDefault_Click()
-{
-    comCharSize.ListIndex = 1;
-    chkSoundEffects.Value = 0;
-    chkBalloon.Value = 1;
-    chkSizeToText.Value = 0;
-    chk24Time.Value = 1;
-    lblFont.Font = {"MS Sans Serif", 10};
-    lblFont.Caption = "MS Sans Serif";
-    chkMsgRead.Value = 1;
-    chkMyName.Value = 1;
-    chkReadOnLeftClick.Value = 1;
-    chkShowStart.Value = 1;
-    chkIntroAtStart.Value = 1;
-    chkCloseInTray.Value = 1;
-    comDateFMT.ListIndex = 1;
-    chkGreeting.Value = 0;
-    OptGreet.Select(3);
-    chkAutoPace.Value = 1;
-    chkAutoHide.Value = 1;
-    txtCharPerLine.Text = "32";
-    txtTotalLines.Text = "2";
-    txtTimeInterval.Text = "5";
-    for (CheckBox* box :
-         {&chkOnTop, &chkSpkSentence, &chkSpkTitle, &chkSpkDate, &chkSpkTime, &chkSpkDesc, &chkSpkSnooze})
-        box->Value = 1;
-    comRemType.ListIndex = alertWindow;
-    optAction.Select(0);
-    optGradiantType.Select(1);
-    optShape.Select(1);
-    optColor.Select(3);
-    chkAutoClose.Value = 0;
-    txtAutoClose.Text = "4";
-    comRemType_Click();
-}
-
 void frmOptions::cmdBrowse_Click()
 {
     std::string folder =
         BrowseForFolder(program_.Host.Windows, "Select Characters' Location :", program_.Settings.CharacterPath);
     if (folder.empty())
         return;
-    // A root has its separator already.
+    // The path of a root directory ends in a separator already.
     if (!folder.ends_with(program_.PathSeparator()))
         folder += program_.PathSeparator();
     txtCharPath.Text = folder;
@@ -184,7 +137,7 @@ void frmOptions::cmdAnimate_Click()
         if (!program_.Character || comAnimation.ListIndex < 0)
             return;
         cmdAnimate.Caption = stop;
-        // Nothing here watches for the end: the main window, which the character tells of it, runs this.
+        // The character reports the end of the animation to the main window, which then calls this.
         program_.Characters.AnimateEnded = [this] { cmdAnimate.Caption = animate; };
         program_.Characters.AnimateRequest =
             program_.Character->Play(comAnimation.Items().at(static_cast<std::size_t>(comAnimation.ListIndex)));
@@ -198,14 +151,12 @@ void frmOptions::cmdAnimate_Click()
 
 void frmOptions::cmdFont_Click()
 {
-    // The sizes that a setting may have when it is read back.
-    constexpr int least = 4;
-    constexpr int most = 72;
+    // At the next start, any other size would be replaced by the default.
+    const SettingRow& size = SettingRowOf(&SettingsRecord::BalloonFontSize);
     FontSpec font = lblFont.Font;
-    if (!program_.Host.Windows.ShowFont(font, least, most))
+    if (!program_.Host.Windows.ShowFont(font, size.min, size.max))
         return;
-    lblFont.Font = font;
-    lblFont.Caption = font.Name;
+    ShowFont(font);
     cmdApply.Enabled = true;
 }
 
@@ -230,7 +181,7 @@ void frmOptions::Play(const std::string& animation)
         if (program_.Character)
             program_.Character->Play(animation);
     } catch (const RuntimeError&) {
-        // Not every character can do everything.
+        // A character need not have this animation.
     }
 }
 
@@ -244,13 +195,6 @@ void frmOptions::chkBalloon_Click()
     chkAutoHide.Enabled = enabled;
     EnableBox(txtCharPerLine, enabled);
     EnableBox(txtTotalLines, enabled && chkSizeToText.Value == 0);
-    cmdApply.Enabled = true;
-}
-
-void frmOptions::chkSizeToText_Click()
-{
-    EnableBox(txtTotalLines, chkSizeToText.Value == 0);
-    cmdApply.Enabled = true;
 }
 
 void frmOptions::EnableGreeting(bool enabled)
@@ -267,7 +211,6 @@ void frmOptions::chkGreeting_Click()
         chkIntroAtStart.Value = 0;
     }
     EnableGreeting(chkGreeting.Value == 1);
-    cmdApply.Enabled = true;
 }
 
 void frmOptions::chkIntroAtStart_Click()
@@ -275,9 +218,7 @@ void frmOptions::chkIntroAtStart_Click()
     if (chkIntroAtStart.Value == 1) {
         chkShowStart.Value = 1;
         chkGreeting.Value = 0;
-        EnableGreeting(false);
     }
-    cmdApply.Enabled = true;
 }
 
 void frmOptions::chkShowStart_Click()
@@ -285,21 +226,7 @@ void frmOptions::chkShowStart_Click()
     if (chkShowStart.Value == 0) {
         chkIntroAtStart.Value = 0;
         chkGreeting.Value = 0;
-        EnableGreeting(false);
     }
-    cmdApply.Enabled = true;
-}
-
-void frmOptions::chkSpkSentence_Click()
-{
-    EnableBox(txtRemText, chkSpkSentence.Value == 1);
-    cmdApply.Enabled = true;
-}
-
-void frmOptions::chkAutoClose_Click()
-{
-    EnableBox(txtAutoClose, chkAutoClose.Value == 1);
-    cmdApply.Enabled = true;
 }
 
 void frmOptions::comRemType_Click()
@@ -313,19 +240,15 @@ void frmOptions::comRemType_Click()
     EnableBox(txtAutoClose, alert && chkAutoClose.Value == 1);
     cmdPreview.Enabled = alert;
     chkOnTop.Enabled = !alert;
-    cmdApply.Enabled = true;
-}
-
-void frmOptions::optColor_Click(int index)
-{
-    SelectedAlertColor = alertColors.at(static_cast<std::size_t>(index));
-    cmdApply.Enabled = true;
 }
 
 void frmOptions::ConnectHandlers()
 {
     cmdOK.Click = [this] { cmdOK_Click(); };
-    cmdCancel.Click = [this] { cmdCancel_Click(); };
+    cmdCancel.Click = [this] {
+        if (!applying_)
+            Unload();
+    };
     cmdApply.Click = [this] { cmdApply_Click(); };
     cmdDefault.Click = [this] { cmdDefault_Click(); };
     cmdBrowse.Click = [this] { cmdBrowse_Click(); };
@@ -333,37 +256,15 @@ void frmOptions::ConnectHandlers()
     cmdFont.Click = [this] { cmdFont_Click(); };
     cmdPreview.Click = [this] { cmdPreview_Click(); };
     chkBalloon.Click = [this] { chkBalloon_Click(); };
-    chkSizeToText.Click = [this] { chkSizeToText_Click(); };
+    chkSizeToText.Click = [this] { EnableBox(txtTotalLines, chkSizeToText.Value == 0); };
     chkGreeting.Click = [this] { chkGreeting_Click(); };
     chkIntroAtStart.Click = [this] { chkIntroAtStart_Click(); };
     chkShowStart.Click = [this] { chkShowStart_Click(); };
-    chkSpkSentence.Click = [this] { chkSpkSentence_Click(); };
-    chkAutoClose.Click = [this] { chkAutoClose_Click(); };
+    chkSpkSentence.Click = [this] { EnableBox(txtRemText, chkSpkSentence.Value == 1); };
+    chkAutoClose.Click = [this] { EnableBox(txtAutoClose, chkAutoClose.Value == 1); };
     comRemType.Click = [this] { comRemType_Click(); };
-    optColor.Click = [this](int index) { optColor_Click(index); };
-
-    // What only tells that something was changed.
-    const Event changed = [this] { cmdApply.Enabled = true; };
-    for (CheckBox* box :
-         {&chk24Time, &chkAutoHide, &chkAutoPace, &chkCloseInTray, &chkMsgRead, &chkMyName, &chkOnTop,
-          &chkReadOnLeftClick, &chkSoundEffects, &chkSpkDate, &chkSpkDesc, &chkSpkSnooze, &chkSpkTime, &chkSpkTitle})
-        box->Click = changed;
-    for (ComboBox* box : {&comCharSize, &comDateFMT})
-        box->Click = changed;
-    for (OptionGroup* group : {&optAction, &optGradiantType, &OptGreet, &optShape})
-        group->Click = [this](int) { cmdApply.Enabled = true; };
-    for (TextBox* box : {&txtAutoClose, &txtCharPath, &txtCharPerLine, &txtGreeting, &txtRemText, &txtTimeInterval,
-                         &txtTotalLines, &txtUserName})
-        box->Change = changed;
-
-    for (TextBox* box : {&txtAutoClose, &txtCharPerLine, &txtTimeInterval, &txtTotalLines}) {
-        box->KeyPress = [](int& keyAscii) {
-            constexpr int backspace = 8;
-            constexpr int enter = 13;
-            if ((keyAscii < '0' || keyAscii > '9') && keyAscii != backspace && keyAscii != enter)
-                keyAscii = 0;
-        };
-    }
+    optColor.Click = [this](int index) { SelectedAlertColor = alertColors.at(static_cast<std::size_t>(index)); };
+    txtCharPath.Change = [this] { cmdApply.Enabled = true; };
 }
 
 } // namespace voxmate

@@ -16,7 +16,6 @@ namespace voxmate
 {
 
 class Program;
-struct SettingsRecord;
 
 class frmOptions : public Form
 {
@@ -123,22 +122,22 @@ private:
     Layout RemindersPage();
     void ConnectHandlers();
 
+    /// A setting and the control that shows it.
+    struct Option;
+    std::vector<Option> Options();
+    void ConnectOptions();
     void FillLists();
     void FillAnimations();
     void ShowSettings();
-    void SaveNumber(const char* name, std::int16_t SettingsRecord::*field, std::int16_t value);
-    void SaveText(const char* name, std::string SettingsRecord::*field, const std::string& value);
+    void ShowFont(const FontSpec& font);
     void SaveOptions();
     void SaveCharacterPath();
     bool Valid();
-    /// The number at the beginning of a field; 0 where it has no digits.
+    /// The number that a field begins with (blanks aside), 32767 at most; 0 if it begins with no digit.
     static std::int16_t NumberIn(const TextBox& box);
-    static std::int16_t KeptNumber(TextBox& box);
-    void Complain(const char* message, int tab, TextBox& box);
     void Play(const std::string& animation);
 
     void cmdOK_Click();
-    void cmdCancel_Click();
     void cmdApply_Click();
     void cmdDefault_Click();
     void cmdBrowse_Click();
@@ -146,14 +145,10 @@ private:
     void cmdFont_Click();
     void cmdPreview_Click();
     void chkBalloon_Click();
-    void chkSizeToText_Click();
     void chkGreeting_Click();
     void chkIntroAtStart_Click();
     void chkShowStart_Click();
-    void chkSpkSentence_Click();
-    void chkAutoClose_Click();
     void comRemType_Click();
-    void optColor_Click(int index);
     void EnableGreeting(bool enabled);
 };
 

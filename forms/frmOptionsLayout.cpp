@@ -1,4 +1,4 @@
-// How the options dialog is arranged, and what a screen reader says of fields without a caption.
+// The arrangement of the options dialog, and what a screen reader says for controls without a caption.
 #include "forms/frmOptions.h"
 
 namespace voxmate

@@ -1,12 +1,16 @@
 // The settings in the options dialog: shown, checked and saved.
 #include "base/Text.h"
+#include "forms/Digits.h"
 #include "forms/frmOptions.h"
 #include "modules/Program.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 #include <string_view>
+#include <type_traits>
+#include <variant>
 
 namespace voxmate
 {
@@ -18,28 +22,13 @@ namespace
 constexpr std::array dateSamples{"31-DECEMBER-25", "31-DECEMBER-2025", "31-DECEMBER",
                                  "DECEMBER-31-25", "DECEMBER-31-2025", "DECEMBER-31"};
 
-/// The field's text as far as it comes back at the next start; the field then shows that.
+/// Cuts the field's text to the length that can be read back at the next start, and returns it.
 std::string KeptText(TextBox& box)
 {
     const std::string& text = box.Text.get();
     if (text.size() > LongestRegString)
         box.Text = text.substr(0, WholeUtf8(std::string_view(text).substr(0, LongestRegString)));
     return box.Text;
-}
-
-std::int16_t Ticked(const CheckBox& box)
-{
-    return static_cast<std::int16_t>(box.Value.get());
-}
-
-std::int16_t Chosen(const ComboBox& box)
-{
-    return static_cast<std::int16_t>(box.ListIndex.get());
-}
-
-std::int16_t Chosen(const OptionGroup& group)
-{
-    return static_cast<std::int16_t>(group.Selected());
 }
 
 } // namespace
@@ -56,12 +45,78 @@ std::int16_t frmOptions::NumberIn(const TextBox& box)
     return static_cast<std::int16_t>(number);
 }
 
-// The field's number; the field then shows it, whatever was pasted into it.
-std::int16_t frmOptions::KeptNumber(TextBox& box)
+/// The first entry of a list stands for the smallest value of its setting.
+struct frmOptions::Option {
+    SettingField field;
+    std::variant<CheckBox*, ComboBox*, OptionGroup*, TextBox*> control;
+    std::optional<int> reset = {}; ///< what Default sets a number to, if not to the default of the catalogue
+
+    const SettingRow& Row() const { return SettingRowOf(field); }
+    bool IsText() const { return std::holds_alternative<TextField>(field); }
+    TextBox& Box() const { return *std::get<TextBox*>(control); }
+
+    void Show(int number) const
+    {
+        std::visit([&](auto* shownBy) { Put(*shownBy, number); }, control);
+    }
+    int Number() const
+    {
+        return std::visit([&](const auto* shownBy) { return NumberOf(*shownBy); }, control);
+    }
+
+private:
+    void Put(CheckBox& box, int number) const { box.Value = number; }
+    void Put(ComboBox& list, int number) const { list.ListIndex = number - Row().min; }
+    void Put(OptionGroup& group, int number) const { group.Select(number); }
+    void Put(TextBox& box, int number) const { box.Text = std::to_string(number); }
+    int NumberOf(const CheckBox& box) const { return box.Value; }
+    int NumberOf(const ComboBox& list) const { return list.ListIndex + Row().min; }
+    int NumberOf(const OptionGroup& group) const { return group.Selected(); }
+    int NumberOf(const TextBox& box) const { return NumberIn(box); }
+};
+
+// In the order of saving. SaveOptions saves the font and the characters' folder before these, in ways of their own.
+std::vector<frmOptions::Option> frmOptions::Options()
 {
-    const std::int16_t number = NumberIn(box);
-    box.Text = std::to_string(number);
-    return number;
+    using S = SettingsRecord;
+    return {
+        {&S::CharacterSize, &comCharSize},
+        {&S::CloseToTray, &chkCloseInTray, 1},
+        {&S::DateFormat, &comDateFMT},
+        {&S::EnableSoundEffects, &chkSoundEffects, 0},
+        {&S::GreetingType, &OptGreet},
+        {&S::GreetingEnabled, &chkGreeting, 0},
+        {&S::IntroAtStart, &chkIntroAtStart, 1},
+        {&S::OtherGreeting, &txtGreeting},
+        {&S::ReadMessages, &chkMsgRead},
+        {&S::ReadNameWithMessages, &chkMyName},
+        {&S::ReadTextBoxTextAtLeftClick, &chkReadOnLeftClick},
+        {&S::ShowBalloon, &chkBalloon},
+        {&S::SizeBallonToText, &chkSizeToText},
+        {&S::BalloonAutoHide, &chkAutoHide},
+        {&S::BalloonAutoPace, &chkAutoPace},
+        {&S::BalloonCharactersPerLine, &txtCharPerLine},
+        {&S::BalloonTotalLines, &txtTotalLines},
+        {&S::ShowCharacterAtStart, &chkShowStart},
+        {&S::TimeIn24Hour, &chk24Time, 1},
+        {&S::UserName, &txtUserName},
+        {&S::SpeakTimeInterval, &txtTimeInterval},
+        {&S::ReminderOnTop, &chkOnTop},
+        {&S::ReminderSentenceSpeak, &chkSpkSentence},
+        {&S::ReminderSentence, &txtRemText},
+        {&S::ReminderTitleSpeak, &chkSpkTitle},
+        {&S::ReminderDateSpeak, &chkSpkDate},
+        {&S::ReminderTimeSpeak, &chkSpkTime},
+        {&S::ReminderDescSpeak, &chkSpkDesc},
+        {&S::ReminderNextSchSpeak, &chkSpkSnooze},
+        {&S::ReminderType, &comRemType},
+        {&S::RemAlertAction, &optAction},
+        {&S::RemAlertGradient, &optGradiantType},
+        {&S::RemAlertShape, &optShape},
+        {&S::RemAlertColor, &optColor},
+        {&S::RemAlertClose, &chkAutoClose},
+        {&S::RemAlertCloseTime, &txtAutoClose},
+    };
 }
 
 void frmOptions::FillLists()
@@ -76,112 +131,84 @@ void frmOptions::FillLists()
     fill(comRemType, std::array{"Alert Window", "Normal Window"});
 }
 
+// Makes every change enable Apply, after what the control's own handler does; ConnectHandlers must have run before.
+void frmOptions::ConnectOptions()
+{
+    const auto mark = [this](auto& event) {
+        event = [this, own = event](auto... index) {
+            if (own)
+                own(index...);
+            cmdApply.Enabled = true;
+        };
+    };
+    for (const Option& option : Options()) {
+        const auto connect = [&](auto* control) {
+            if constexpr (std::is_same_v<decltype(control), TextBox*>) {
+                mark(control->Change);
+                control->MaxLength = option.IsText() ? LongestRegString : std::to_string(option.Row().max).size();
+                if (!option.IsText())
+                    control->KeyPress = [](int& keyAscii) { KeepDigits(keyAscii); };
+            } else {
+                mark(control->Click);
+            }
+        };
+        std::visit(connect, option.control);
+    }
+}
+
+void frmOptions::ShowFont(const FontSpec& font)
+{
+    lblFont.Font = font;
+    lblFont.Caption = font.Name;
+}
+
 void frmOptions::ShowSettings()
 {
     const SettingsRecord& settings = program_.Settings;
+    ShowFont({settings.BalloonFontName, static_cast<double>(settings.BalloonFontSize)});
     txtCharPath.Text = settings.CharacterPath;
-    comCharSize.ListIndex = settings.CharacterSize;
-    chkSoundEffects.Value = settings.EnableSoundEffects;
-    chkBalloon.Value = settings.ShowBalloon;
-    lblFont.Caption = settings.BalloonFontName;
-    lblFont.Font = {settings.BalloonFontName, static_cast<double>(settings.BalloonFontSize)};
-    chkSizeToText.Value = settings.SizeBallonToText;
-    chkAutoHide.Value = settings.BalloonAutoHide;
-    chkAutoPace.Value = settings.BalloonAutoPace;
-    txtTotalLines.Text = std::to_string(settings.BalloonTotalLines);
-    txtCharPerLine.Text = std::to_string(settings.BalloonCharactersPerLine);
-
-    txtTimeInterval.Text = std::to_string(settings.SpeakTimeInterval);
-    chk24Time.Value = settings.TimeIn24Hour;
-    comDateFMT.ListIndex = settings.DateFormat - 1;
-    chkReadOnLeftClick.Value = settings.ReadTextBoxTextAtLeftClick;
-    txtUserName.Text = settings.UserName;
-    chkMyName.Value = settings.ReadNameWithMessages;
-    chkMsgRead.Value = settings.ReadMessages;
-
-    // Each of these may change those before it: the greeting counts last.
-    chkShowStart.Value = settings.ShowCharacterAtStart;
-    chkIntroAtStart.Value = settings.IntroAtStart;
-    chkGreeting.Value = settings.GreetingEnabled;
-    OptGreet.Select(settings.GreetingType);
-    txtGreeting.Text = settings.OtherGreeting;
-    chkCloseInTray.Value = settings.CloseToTray;
-
-    comRemType.ListIndex = settings.ReminderType;
-    chkOnTop.Value = settings.ReminderOnTop;
-    chkSpkSentence.Value = settings.ReminderSentenceSpeak;
-    txtRemText.Text = settings.ReminderSentence;
-    chkSpkTitle.Value = settings.ReminderTitleSpeak;
-    chkSpkDate.Value = settings.ReminderDateSpeak;
-    chkSpkTime.Value = settings.ReminderTimeSpeak;
-    chkSpkDesc.Value = settings.ReminderDescSpeak;
-    chkSpkSnooze.Value = settings.ReminderNextSchSpeak;
-    optAction.Select(settings.RemAlertAction);
-    optGradiantType.Select(settings.RemAlertGradient);
-    optShape.Select(settings.RemAlertShape);
-    optColor.Select(settings.RemAlertColor);
-    optColor_Click(settings.RemAlertColor);
-    chkAutoClose.Value = settings.RemAlertClose;
-    txtAutoClose.Text = std::to_string(settings.RemAlertCloseTime);
+    const std::vector<Option> options = Options();
+    // From the last to the first: the three start-up switches change each other, and the greeting has to be set last.
+    for (auto option = options.rbegin(); option != options.rend(); ++option) {
+        if (option->IsText())
+            option->Box().Text = settings.*std::get<TextField>(option->field);
+        else
+            option->Show(settings.*std::get<NumberField>(option->field));
+    }
 }
 
-void frmOptions::SaveNumber(const char* name, std::int16_t SettingsRecord::*field, std::int16_t value)
+// The text fields keep what they hold.
+void frmOptions::cmdDefault_Click()
 {
-    program_.Registry.WriteRegDword(SettingsKey, name, value);
-    program_.Settings.*field = value;
+    ShowFont({SettingRowOf(&SettingsRecord::BalloonFontName).defaultText,
+              static_cast<double>(SettingRowOf(&SettingsRecord::BalloonFontSize).defaultNumber)});
+    for (const Option& option : Options()) {
+        if (!option.IsText())
+            option.Show(option.reset.value_or(option.Row().defaultNumber));
+    }
+    comRemType_Click();
+    cmdApply.Enabled = true;
 }
 
-void frmOptions::SaveText(const char* name, std::string SettingsRecord::*field, const std::string& value)
-{
-    program_.Registry.WriteRegString(SettingsKey, name, value);
-    program_.Settings.*field = value;
-}
-
+// Afterwards each field shows what was saved: the number alone, even if more was pasted in, or the part of the text
+// that can be read back at the next start.
 void frmOptions::SaveOptions()
 {
-    using S = SettingsRecord;
-    SaveText("BalloonFontName", &S::BalloonFontName, lblFont.Font.get().Name);
-    SaveNumber("BalloonFontSize", &S::BalloonFontSize, ToInt16(RoundHalfEven(lblFont.Font.get().Size)));
+    SaveSetting(program_, &SettingsRecord::BalloonFontName, lblFont.Font.get().Name);
+    SaveSetting(program_, &SettingsRecord::BalloonFontSize, ToInt16(RoundHalfEven(lblFont.Font.get().Size)));
     SaveCharacterPath();
-    SaveNumber("CharacterSize", &S::CharacterSize, Chosen(comCharSize));
-    SaveNumber("CloseToTray", &S::CloseToTray, Ticked(chkCloseInTray));
-    SaveNumber("DateFormat", &S::DateFormat, ToInt16(Chosen(comDateFMT) + 1));
-    SaveNumber("EnableSoundEffects", &S::EnableSoundEffects, Ticked(chkSoundEffects));
-    SaveNumber("GreetingType", &S::GreetingType, Chosen(OptGreet));
-    SaveNumber("GreetingEnabled", &S::GreetingEnabled, Ticked(chkGreeting));
-    SaveNumber("IntroAtStart", &S::IntroAtStart, Ticked(chkIntroAtStart));
-    SaveText("OtherGreeting", &S::OtherGreeting, KeptText(txtGreeting));
-    SaveNumber("ReadMessages", &S::ReadMessages, Ticked(chkMsgRead));
-    SaveNumber("ReadNameWithMessages", &S::ReadNameWithMessages, Ticked(chkMyName));
-    SaveNumber("ReadTextBoxTextAtLeftClick", &S::ReadTextBoxTextAtLeftClick, Ticked(chkReadOnLeftClick));
-    SaveNumber("ShowBalloon", &S::ShowBalloon, Ticked(chkBalloon));
-    SaveNumber("SizeBallonToText", &S::SizeBallonToText, Ticked(chkSizeToText));
-    SaveNumber("BalloonAutoHide", &S::BalloonAutoHide, Ticked(chkAutoHide));
-    SaveNumber("BalloonAutoPace", &S::BalloonAutoPace, Ticked(chkAutoPace));
-    SaveNumber("BalloonCharactersPerLine", &S::BalloonCharactersPerLine, KeptNumber(txtCharPerLine));
-    SaveNumber("BalloonTotalLines", &S::BalloonTotalLines, KeptNumber(txtTotalLines));
-    SaveNumber("ShowCharacterAtStart", &S::ShowCharacterAtStart, Ticked(chkShowStart));
-    SaveNumber("TimeIn24Hour", &S::TimeIn24Hour, Ticked(chk24Time));
-    SaveText("UserName", &S::UserName, KeptText(txtUserName));
-    SaveNumber("SpeakTimeInterval", &S::SpeakTimeInterval, KeptNumber(txtTimeInterval));
-    SaveNumber("ReminderOnTop", &S::ReminderOnTop, Ticked(chkOnTop));
-    SaveNumber("ReminderSentenceSpeak", &S::ReminderSentenceSpeak, Ticked(chkSpkSentence));
-    SaveText("ReminderSentence", &S::ReminderSentence, KeptText(txtRemText));
-    SaveNumber("ReminderTitleSpeak", &S::ReminderTitleSpeak, Ticked(chkSpkTitle));
-    SaveNumber("ReminderDateSpeak", &S::ReminderDateSpeak, Ticked(chkSpkDate));
-    SaveNumber("ReminderTimeSpeak", &S::ReminderTimeSpeak, Ticked(chkSpkTime));
-    SaveNumber("ReminderDescSpeak", &S::ReminderDescSpeak, Ticked(chkSpkDesc));
-    SaveNumber("ReminderNextSchSpeak", &S::ReminderNextSchSpeak, Ticked(chkSpkSnooze));
-    SaveNumber("ReminderType", &S::ReminderType, Chosen(comRemType));
-    SaveNumber("RemAlertAction", &S::RemAlertAction, Chosen(optAction));
-    SaveNumber("RemAlertGradient", &S::RemAlertGradient, Chosen(optGradiantType));
-    SaveNumber("RemAlertShape", &S::RemAlertShape, Chosen(optShape));
-    SaveNumber("RemAlertColor", &S::RemAlertColor, Chosen(optColor));
-    SaveNumber("RemAlertClose", &S::RemAlertClose, Ticked(chkAutoClose));
-    SaveNumber("RemAlertCloseTime", &S::RemAlertCloseTime, KeptNumber(txtAutoClose));
+    for (const Option& option : Options()) {
+        if (option.IsText()) {
+            SaveSetting(program_, std::get<TextField>(option.field), KeptText(option.Box()));
+        } else {
+            const int number = option.Number();
+            option.Show(number);
+            SaveSetting(program_, std::get<NumberField>(option.field), ToInt16(number));
+        }
+    }
 }
 
-// The box then shows the folder that is in use, which need not be the one that was asked for.
+// Afterwards the box shows the folder that is in use, which may not be the one that was entered.
 void frmOptions::SaveCharacterPath()
 {
     std::string path = Trim(txtCharPath.Text.get());
@@ -194,40 +221,34 @@ void frmOptions::SaveCharacterPath()
     } else {
         program_.Characters.ChangeCharacterPath(path);
     }
-    SaveText("CharacterPath", &SettingsRecord::CharacterPath, std::string(program_.Settings.CharacterPath));
+    SaveSetting(program_, &SettingsRecord::CharacterPath, program_.Settings.CharacterPath);
     txtCharPath.Text = program_.Settings.CharacterPath;
-}
-
-void frmOptions::Complain(const char* message, int tab, TextBox& box)
-{
-    program_.Messages.Announce(message, vbExclamation, "Voxmate - Options in Error", "Confused");
-    SSTab1.Tab = tab;
-    box.SetFocus();
 }
 
 bool frmOptions::Valid()
 {
-    const auto outside = [](const TextBox& box, int least, int most) {
-        return Trim(box.Text.get()).empty() || NumberIn(box) < least || NumberIn(box) > most;
+    const auto within = [this](TextBox& box, int least, int most, int tab, const char* complaint) {
+        if (!Trim(box.Text.get()).empty() && NumberIn(box) >= least && NumberIn(box) <= most)
+            return true;
+        program_.Messages.Announce(complaint, vbExclamation, "Voxmate - Options in Error", "Confused");
+        SSTab1.Tab = tab;
+        box.SetFocus();
+        return false;
     };
-    if (outside(txtCharPerLine, 8, 255)) {
-        Complain("No. of characters per line must be between 8 and 255", CharacterTab, txtCharPerLine);
+    const auto fill = [](TextBox& box, const char* text) {
+        if (box.Text.get().empty())
+            box.Text = text;
+    };
+    // The ranges for characters and lines are wider than those in the catalogue; what lies between is replaced by the
+    // default at the next start.
+    if (!within(txtCharPerLine, 8, 255, CharacterTab, "No. of characters per line must be between 8 and 255") ||
+        !within(txtTotalLines, 1, 128, CharacterTab, "Total number of lines must be between 1 and 128"))
         return false;
-    }
-    if (outside(txtTotalLines, 1, 128)) {
-        Complain("Total number of lines must be between 1 and 128", CharacterTab, txtTotalLines);
+    fill(txtAutoClose, "0");
+    if (!within(txtAutoClose, 4, 20, RemindersTab, "Auto close time should be between 4 and 20."))
         return false;
-    }
-    if (txtAutoClose.Text.get().empty())
-        txtAutoClose.Text = "0";
-    if (outside(txtAutoClose, 4, 20)) {
-        Complain("Auto close time should be between 4 and 20.", RemindersTab, txtAutoClose);
-        return false;
-    }
-    if (txtTimeInterval.Text.get().empty())
-        txtTimeInterval.Text = "0";
-    if (txtUserName.Text.get().empty())
-        txtUserName.Text = "Buddy";
+    fill(txtTimeInterval, "0");
+    fill(txtUserName, "Buddy");
     return true;
 }
 

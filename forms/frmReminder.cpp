@@ -1,6 +1,7 @@
 #include "forms/frmReminder.h"
 
 #include "base/Text.h"
+#include "forms/Digits.h"
 #include "modules/Command.h"
 #include "modules/Program.h"
 
@@ -41,14 +42,16 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     cmdClose.IsCancel = true;
     Arrange();
 
-    lstvReminders.ItemClick = [this](std::size_t number) { lstvReminders_ItemClick(number); };
+    lstvReminders.ItemClick = [this](std::size_t number) {
+        program_.Reminders.ShowReminderInEditor(ToInt16(static_cast<std::int64_t>(number)));
+    };
     lstvReminders.ColumnClick = [this](int column) { lstvReminders_ColumnClick(column); };
     txtTitle.Change = [this] { MarkChanged(); };
     txtDesc.Change = [this] { MarkChanged(); };
     chkDone.Click = [this] { MarkChanged(); };
     mvDate.SelChange = [this] { MarkChanged(); };
-    txtTime.KeyPress = [this](int& keyAscii) { txtTime_KeyPress(keyAscii); };
-    // Typed, deleted and pasted times are changes, too, which must not be lost without a question.
+    txtTime.KeyPress = [](int& keyAscii) { KeepDigits(keyAscii, ':'); };
+    // A time that was typed, deleted or pasted is a change, too: closing must ask before it is lost.
     txtTime.Change = [this] {
         if (!timeByCode_)
             MarkChanged();
@@ -59,10 +62,10 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     cmdClose.Click = [this] { cmdClose_Click(); };
 }
 
-// A question whose answer changes the file: No is what Enter answers.
-bool frmReminder::Confirmed(const std::string& question, const char* animation)
+// Asks before the file is changed; Enter answers No.
+bool frmReminder::Confirmed(const std::string& question)
 {
-    return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, animation) == vbYes;
+    return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, "Suggest") == vbYes;
 }
 
 void frmReminder::Arrange()
@@ -127,7 +130,7 @@ void frmReminder::ShowFields(const Reminder& reminder)
     timeByCode_ = false;
     txtDesc.Text = reminder.Description;
     chkDone.Value = reminder.Done ? 1 : 0;
-    // The fields are those of a reminder that exists, until the user makes them another's.
+    // The fields show a reminder that exists already. Once the user changes one of them, they can be added as another.
     cmdAdd.Enabled = false;
 }
 
@@ -152,20 +155,6 @@ void frmReminder::MarkChanged()
         cmdUpdate.Enabled = true;
 }
 
-void frmReminder::txtTime_KeyPress(int& keyAscii)
-{
-    constexpr int backspace = 8;
-    constexpr int enter = 13;
-    const bool digit = keyAscii >= '0' && keyAscii <= '9';
-    if (!digit && keyAscii != ':' && keyAscii != backspace && keyAscii != enter)
-        keyAscii = 0;
-}
-
-void frmReminder::lstvReminders_ItemClick(std::size_t number)
-{
-    program_.Reminders.ShowReminderInEditor(ToInt16(static_cast<std::int64_t>(number)));
-}
-
 void frmReminder::lstvReminders_ColumnClick(int column)
 {
     const int key = column - 1;
@@ -175,7 +164,7 @@ void frmReminder::lstvReminders_ColumnClick(int column)
     else
         lstvReminders.Order = SortOrder::Ascending;
     lstvReminders.SortKey = key;
-    // Until the first click the list stands in the file's order.
+    // Until the first click the list is in the order of the file.
     lstvReminders.Sorted = true;
 }
 
@@ -194,11 +183,11 @@ void frmReminder::cmdUpdate_Click()
         UpdateSelected();
 }
 
-// Whether nothing that the user wants to keep was left unsaved by an error of the file.
+// Returns false if a change that the user wants to keep could not be saved; true also if the user declines, or the
+// input is refused.
 bool frmReminder::UpdateSelected()
 {
-    if (!Confirmed("Are you sure you want to update the selected reminder ?", "Suggest") ||
-        !ValidateReminderInput(false))
+    if (!Confirmed("Are you sure you want to update the selected reminder ?") || !ValidateReminderInput(false))
         return true;
     const std::int16_t id = PlaceOfShown();
     if (id == 0) {
@@ -216,7 +205,7 @@ bool frmReminder::UpdateSelected()
 void frmReminder::cmdDelete_Click()
 {
     const Command command(working_);
-    if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?", "Suggest"))
+    if (!command.Begun() || !Confirmed("Are you sure you want to delete the selected reminder ?"))
         return;
     const std::int16_t id = PlaceOfShown();
     if (id == 0)
@@ -247,8 +236,8 @@ bool frmReminder::MayClose()
     }
 }
 
-// Where the reminder that is shown stands in the list, which may have been read anew with what another program has done
-// to it; 0 when it is not there any more.
+// The place in the list of the reminder that is shown; 0 if it is not there any more. The list may have been read anew
+// since then, with changes by another program.
 std::int16_t frmReminder::PlaceOfShown() const
 {
     const std::int16_t selected = ToInt16(static_cast<std::int64_t>(lstvReminders.SelectedItem()));
@@ -256,7 +245,8 @@ std::int16_t frmReminder::PlaceOfShown() const
         return selected;
     if (const std::int32_t id = program_.Reminders.List.Find(shown_, selected); id != 0)
         return static_cast<std::int16_t>(id);
-    // An answer gives it another date or mark; then it is the only one of its texts.
+    // An answer to its announcement changes its date or mark. It is then found by its texts, if no other reminder has
+    // the same ones.
     std::int16_t place = 0;
     for (std::int32_t id = 1; id <= program_.Reminders.List.RemCount; ++id) {
         const auto at = static_cast<std::size_t>(id);
@@ -286,9 +276,9 @@ bool frmReminder::ValidateReminderInput(bool adding)
     if (Trim(txtDesc.Text.get()).empty())
         return Refuse("Please put description for your reminder.", txtDesc);
     const std::string doing = adding ? "You are adding a " : "You are updating a ";
-    if (IsBackDated() && !Confirmed(doing + "back dated reminder. Proceed anyway ?", "Suggest"))
+    if (IsBackDated() && !Confirmed(doing + "back dated reminder. Proceed anyway ?"))
         return false;
-    return chkDone.Value == 0 || Confirmed(doing + "'Mark as Done' reminder. Proceed anyway ?", "Suggest");
+    return chkDone.Value == 0 || Confirmed(doing + "'Mark as Done' reminder. Proceed anyway ?");
 }
 
 bool frmReminder::Refuse(const char* text, Control& field)

@@ -1,4 +1,4 @@
-// The reminder editor: the list of all reminders, and fields to add, change, delete and mark one.
+// The reminder editor: the list of all reminders, and fields to add, change, delete or mark one.
 #pragma once
 
 #include "controls/ListView.h"
@@ -58,8 +58,6 @@ private:
 
     void Arrange();
     void MarkChanged();
-    void txtTime_KeyPress(int& keyAscii);
-    void lstvReminders_ItemClick(std::size_t number);
     void lstvReminders_ColumnClick(int column);
     void cmdAdd_Click();
     void cmdUpdate_Click();
@@ -69,7 +67,7 @@ private:
     std::int16_t PlaceOfShown() const;
     Reminder Fields() const;
     bool ValidateReminderInput(bool adding);
-    bool Confirmed(const std::string& question, const char* animation);
+    bool Confirmed(const std::string& question);
     bool Refuse(const char* text, Control& field);
     bool IsBackDated() const;
     bool UpdateSelected();

@@ -1,6 +1,7 @@
 #include "forms/frmShowRem.h"
 
 #include "base/Text.h"
+#include "forms/Digits.h"
 #include "modules/Command.h"
 #include "modules/Program.h"
 
@@ -19,7 +20,7 @@ frmShowRem::frmShowRem(Program& program) : Form(program.Host.Windows, "frmShowRe
 {
     Caption = "Voxmate Reminder";
     FontName = "Tahoma";
-    // It comes by itself, while the user may be typing elsewhere.
+    // The window comes by itself and must not take the keyboard from where the user is typing.
     ShowActivated = false;
     lblHeading.Font = FontSpec{"Comic Sans MS", 16, true};
     for (Label* value : {&lblId, &lblTitle, &lblDate, &lblTime})
@@ -48,7 +49,7 @@ void frmShowRem::Arrange()
     });
 }
 
-// A window that was unloaded and is shown again for its reminder begins anew.
+// A window that is shown again after it was unloaded starts afresh.
 void frmShowRem::Form_Load()
 {
     txtSnooze.Text = SnoozeText;
@@ -66,7 +67,7 @@ void frmShowRem::ShowNotice(const NoticeText& text)
     lblTime.Caption = text.Time;
     txtDesc.Text = text.Description;
     txtDesc.Locked = true;
-    // The setting says the opposite of its name; users know it so.
+    // The setting does the opposite of what its name says; users are used to that.
     const std::int32_t insertAfter = program_.Settings.ReminderOnTop == 1 ? HWND_NOTOPMOST : HWND_TOPMOST;
     program_.Host.Windows.SetWindowPos(hWnd(), insertAfter, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     Show();
@@ -74,12 +75,9 @@ void frmShowRem::ShowNotice(const NoticeText& text)
 
 void frmShowRem::txtSnooze_KeyPress(int& keyAscii)
 {
-    constexpr int backspace = 8;
-    constexpr int enter = 13;
-    if ((keyAscii < '0' || keyAscii > '9') && keyAscii != backspace && keyAscii != enter)
-        keyAscii = 0;
-    // Whoever types a number of minutes and presses Enter does not mean OK.
-    if (keyAscii == enter)
+    KeepDigits(keyAscii);
+    // Enter after a number of minutes means Snooze, not OK.
+    if (keyAscii == KeyEnter)
         cmdSnooze_Click();
 }
 
@@ -103,7 +101,7 @@ void frmShowRem::cmdSnooze_Click()
         txtSnooze.SetFocus();
         return;
     }
-    // Three digits at most.
+    // The field takes three digits at most.
     program_.Scheduler.FinishReminder(id_, true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
     Unload();
 }

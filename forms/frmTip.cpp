@@ -22,16 +22,18 @@ frmTip::frmTip(Program& program) : Form(program.Host.Windows, "frmTip"), program
         Row({Item(chkLoadTipsAtStartup), Item(chkAutoRead), Space()}),
         Row({Item(cmdNextTip), Item(cmdReadTip), Space(), Item(cmdOK)}),
     });
-    chkAutoRead.Click = [this] { chkAutoRead_Click(); };
-    chkLoadTipsAtStartup.Click = [this] { chkLoadTipsAtStartup_Click(); };
-    cmdReadTip.Click = [this] { cmdReadTip_Click(); };
+    chkAutoRead.Click = [this] { SaveSetting(program_, &SettingsRecord::AutoReadTip, ToInt16(chkAutoRead.Value)); };
+    chkLoadTipsAtStartup.Click = [this] {
+        SaveSetting(program_, &SettingsRecord::ShowTipAtStartUp, ToInt16(chkLoadTipsAtStartup.Value));
+    };
+    cmdReadTip.Click = [this] { program_.Tips.ReadTipAloud(); };
     cmdNextTip.Click = [this] { cmdNextTip_Click(); };
-    cmdOK.Click = [this] { cmdOK_Click(); };
+    cmdOK.Click = [this] { Unload(); };
 }
 
 void frmTip::Form_Load()
 {
-    // What a file without any tip leaves standing.
+    // Stays if the file holds no tip.
     lblTipText.Caption = "There is no tip for today.";
 }
 
@@ -47,33 +49,11 @@ void frmTip::DisplayCurrentTip()
         lblTipText.Caption = program_.Tips.All.at(static_cast<std::size_t>(program_.Tips.CurrentTip) - 1);
 }
 
-void frmTip::chkAutoRead_Click()
-{
-    program_.Registry.WriteRegDword(SettingsKey, "AutoReadTip", chkAutoRead.Value);
-    program_.Settings.AutoReadTip = static_cast<std::int16_t>(chkAutoRead.Value.get());
-}
-
-void frmTip::chkLoadTipsAtStartup_Click()
-{
-    program_.Registry.WriteRegDword(SettingsKey, "ShowTipAtStartUp", chkLoadTipsAtStartup.Value);
-    program_.Settings.ShowTipAtStartUp = static_cast<std::int16_t>(chkLoadTipsAtStartup.Value.get());
-}
-
-void frmTip::cmdReadTip_Click()
-{
-    program_.Tips.ReadTipAloud();
-}
-
 void frmTip::cmdNextTip_Click()
 {
     program_.Tips.PickRandomTip();
     if (program_.Settings.AutoReadTip == 1)
         program_.Tips.ReadTipAloud();
-}
-
-void frmTip::cmdOK_Click()
-{
-    Unload();
 }
 
 } // namespace voxmate

@@ -40,11 +40,7 @@ protected:
 private:
     Program& program_;
 
-    void chkAutoRead_Click();
-    void chkLoadTipsAtStartup_Click();
-    void cmdReadTip_Click();
     void cmdNextTip_Click();
-    void cmdOK_Click();
 };
 
 } // namespace voxmate

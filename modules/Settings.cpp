@@ -3,7 +3,7 @@
 #include "base/Text.h"
 #include "modules/Program.h"
 
-#include <string_view>
+#include <algorithm>
 
 namespace voxmate
 {
@@ -13,85 +13,71 @@ namespace
 
 using S = SettingsRecord;
 
-SettingRow Number(const char* name, const char* displayName, std::int16_t S::*field, std::int16_t min, std::int16_t max,
-                  std::int16_t defaultValue)
+SettingRow Text(const char* name, const char* displayName, TextField field, const char* defaultText)
 {
-    return {name, displayName, field, min, max, defaultValue};
-}
-
-SettingRow Switch(const char* name, const char* displayName, std::int16_t S::*field, std::int16_t defaultValue)
-{
-    return Number(name, displayName, field, 0, 1, defaultValue);
-}
-
-SettingRow TextRow(const char* name, const char* displayName, std::string S::*field, const char* defaultText,
-                   bool writeBack)
-{
-    return {name, displayName, field, 0, 0, 0, defaultText, writeBack};
+    return {name, displayName, field, 0, 0, 0, defaultText};
 }
 
 // "SizeBallonToText" is the value's name in the registry; its display name and that of ReadTextBoxTextAtLeftClick
 // repeat another row's, as users have always seen them.
 const SettingRow catalogue[] = {
-    TextRow("BalloonFontName", "Balloon Font Name", &S::BalloonFontName, "MS Sans Serif", true),
-    Number("BalloonFontSize", "Balloon Font Size", &S::BalloonFontSize, 4, 72, 10),
-    TextRow("CharacterPath", "Character Path", &S::CharacterPath, "", false),
-    Number("CharacterSize", "Character Size", &S::CharacterSize, 0, 2, 1),
-    Switch("CloseToTray", "Put in System Tray on Close", &S::CloseToTray, 0),
-    Number("DateFormat", "System Date Format", &S::DateFormat, 1, 6, 2),
-    Switch("GreetingEnabled", "Enable Greeting", &S::GreetingEnabled, 1),
-    Number("GreetingType", "Greeting Type", &S::GreetingType, 0, 4, 3),
-    Switch("IntroAtStart", "Character Introduction At Start Up", &S::IntroAtStart, 0),
-    TextRow("LastCharacter", "Last Loaded Character", &S::LastCharacter, "", false),
-    TextRow("OtherGreeting", "Other Greeting String", &S::OtherGreeting, "Welcome to Voxmate", true),
-    Number("Pitch", "Pitch", &S::Pitch, 40, 400, 50),
-    Switch("ReadMessages", "Read Messages While Showing", &S::ReadMessages, 1),
-    Switch("ReadNameWithMessages", "Read Name With Messages", &S::ReadNameWithMessages, 1),
-    Switch("ReadTextBoxTextAtLeftClick", "Read Name With Messages", &S::ReadTextBoxTextAtLeftClick, 1),
-    Switch("ShowBalloon", "Show Balloon", &S::ShowBalloon, 1),
-    Switch("ShowCharacterAtStart", "Show Character At Start Up", &S::ShowCharacterAtStart, 1),
-    Switch("SizeBallonToText", "Show Character At Start Up", &S::SizeBallonToText, 0),
-    Number("Speed", "Speed", &S::Speed, 40, 400, 156),
-    Switch("TimeIn24Hour", "Speak System Time in 24 hour format", &S::TimeIn24Hour, 0),
-    TextRow("UserName", "Your Name", &S::UserName, "Buddy", true),
-    TextRow("LastSpeechEngine", "Voice Type Last Used", &S::LastSpeechEngine, "", false),
-    Switch("Whisper", "Whisper", &S::Whisper, 0),
-    Switch("EnableSoundEffects", "Enable Sound Effects", &S::EnableSoundEffects, 1),
-    Number("SpeakTimeInterval", "Speak Time Every x Minute(s)", &S::SpeakTimeInterval, 0, 999, 5),
-    Switch("BalloonAutoHide", "Balloon Auto Hide", &S::BalloonAutoHide, 1),
-    Switch("BalloonAutoPace", "Balloon Auto Pace", &S::BalloonAutoPace, 1),
-    Number("BalloonCharactersPerLine", "Balloon Characters per Line", &S::BalloonCharactersPerLine, 10, 99, 32),
-    Number("BalloonTotalLines", "Balloon Total Number of Lines", &S::BalloonTotalLines, 1, 16, 2),
-    Switch("ShowTipAtStartUp", "Show Tip at Startup", &S::ShowTipAtStartUp, 1),
-    Switch("AutoReadTip", "Auto Read Tip at Startup", &S::AutoReadTip, 1),
-    Switch("ReminderOnTop", "Show Reminder on Top", &S::ReminderOnTop, 1),
-    Switch("ReminderSentenceSpeak", "Speak Alert for Reminder ", &S::ReminderSentenceSpeak, 1),
-    TextRow("ReminderSentence", "Reminder Alert Sentence", &S::ReminderSentence, "You have a reminder", true),
-    Switch("ReminderTitleSpeak", "Speak Reminder Title", &S::ReminderTitleSpeak, 1),
-    Switch("ReminderDateSpeak", "Speak Reminder Date", &S::ReminderDateSpeak, 1),
-    Switch("ReminderTimeSpeak", "Speak Reminder Time", &S::ReminderTimeSpeak, 1),
-    Switch("ReminderDescSpeak", "Speak Reminder Description", &S::ReminderDescSpeak, 1),
-    Switch("ReminderNextSchSpeak", "Speak Next Reminder Schedule if Snoozed", &S::ReminderNextSchSpeak, 1),
-    Switch("ReminderType", "Reminder Type", &S::ReminderType, 0),
-    Switch("RemAlertAction", "Alert Reminder Action", &S::RemAlertAction, 0),
-    Switch("RemAlertGradient", "Alert Reminder Gradient", &S::RemAlertGradient, 1),
-    Switch("RemAlertShape", "Alert Reminder Shape", &S::RemAlertShape, 1),
-    Number("RemAlertColor", "Alert Reminder Color", &S::RemAlertColor, 0, 3, 3),
-    Switch("RemAlertClose", "Alert Reminder Auto Close", &S::RemAlertClose, 0),
-    Number("RemAlertCloseTime", "Alert Reminder Auto Close Time", &S::RemAlertCloseTime, 4, 20, 4),
+    Text("BalloonFontName", "Balloon Font Name", &S::BalloonFontName, "MS Sans Serif"),
+    {"BalloonFontSize", "Balloon Font Size", &S::BalloonFontSize, 4, 72, 10},
+    Text("CharacterPath", "Character Path", &S::CharacterPath, ""),
+    {"CharacterSize", "Character Size", &S::CharacterSize, 0, 2, 1},
+    {"CloseToTray", "Put in System Tray on Close", &S::CloseToTray, 0, 1, 0},
+    {"DateFormat", "System Date Format", &S::DateFormat, 1, 6, 2},
+    {"GreetingEnabled", "Enable Greeting", &S::GreetingEnabled, 0, 1, 1},
+    {"GreetingType", "Greeting Type", &S::GreetingType, 0, 4, 3},
+    {"IntroAtStart", "Character Introduction At Start Up", &S::IntroAtStart, 0, 1, 0},
+    Text("LastCharacter", "Last Loaded Character", &S::LastCharacter, ""),
+    Text("OtherGreeting", "Other Greeting String", &S::OtherGreeting, "Welcome to Voxmate"),
+    {"Pitch", "Pitch", &S::Pitch, 40, 400, 50},
+    {"ReadMessages", "Read Messages While Showing", &S::ReadMessages, 0, 1, 1},
+    {"ReadNameWithMessages", "Read Name With Messages", &S::ReadNameWithMessages, 0, 1, 1},
+    {"ReadTextBoxTextAtLeftClick", "Read Name With Messages", &S::ReadTextBoxTextAtLeftClick, 0, 1, 1},
+    {"ShowBalloon", "Show Balloon", &S::ShowBalloon, 0, 1, 1},
+    {"ShowCharacterAtStart", "Show Character At Start Up", &S::ShowCharacterAtStart, 0, 1, 1},
+    {"SizeBallonToText", "Show Character At Start Up", &S::SizeBallonToText, 0, 1, 0},
+    {"Speed", "Speed", &S::Speed, 40, 400, 156},
+    {"TimeIn24Hour", "Speak System Time in 24 hour format", &S::TimeIn24Hour, 0, 1, 0},
+    Text("UserName", "Your Name", &S::UserName, "Buddy"),
+    Text("LastSpeechEngine", "Voice Type Last Used", &S::LastSpeechEngine, ""),
+    {"Whisper", "Whisper", &S::Whisper, 0, 1, 0},
+    {"EnableSoundEffects", "Enable Sound Effects", &S::EnableSoundEffects, 0, 1, 1},
+    {"SpeakTimeInterval", "Speak Time Every x Minute(s)", &S::SpeakTimeInterval, 0, 999, 5},
+    {"BalloonAutoHide", "Balloon Auto Hide", &S::BalloonAutoHide, 0, 1, 1},
+    {"BalloonAutoPace", "Balloon Auto Pace", &S::BalloonAutoPace, 0, 1, 1},
+    {"BalloonCharactersPerLine", "Balloon Characters per Line", &S::BalloonCharactersPerLine, 10, 99, 32},
+    {"BalloonTotalLines", "Balloon Total Number of Lines", &S::BalloonTotalLines, 1, 16, 2},
+    {"ShowTipAtStartUp", "Show Tip at Startup", &S::ShowTipAtStartUp, 0, 1, 1},
+    {"AutoReadTip", "Auto Read Tip at Startup", &S::AutoReadTip, 0, 1, 1},
+    {"ReminderOnTop", "Show Reminder on Top", &S::ReminderOnTop, 0, 1, 1},
+    {"ReminderSentenceSpeak", "Speak Alert for Reminder ", &S::ReminderSentenceSpeak, 0, 1, 1},
+    Text("ReminderSentence", "Reminder Alert Sentence", &S::ReminderSentence, "You have a reminder"),
+    {"ReminderTitleSpeak", "Speak Reminder Title", &S::ReminderTitleSpeak, 0, 1, 1},
+    {"ReminderDateSpeak", "Speak Reminder Date", &S::ReminderDateSpeak, 0, 1, 1},
+    {"ReminderTimeSpeak", "Speak Reminder Time", &S::ReminderTimeSpeak, 0, 1, 1},
+    {"ReminderDescSpeak", "Speak Reminder Description", &S::ReminderDescSpeak, 0, 1, 1},
+    {"ReminderNextSchSpeak", "Speak Next Reminder Schedule if Snoozed", &S::ReminderNextSchSpeak, 0, 1, 1},
+    {"ReminderType", "Reminder Type", &S::ReminderType, 0, 1, 0},
+    {"RemAlertAction", "Alert Reminder Action", &S::RemAlertAction, 0, 1, 0},
+    {"RemAlertGradient", "Alert Reminder Gradient", &S::RemAlertGradient, 0, 1, 1},
+    {"RemAlertShape", "Alert Reminder Shape", &S::RemAlertShape, 0, 1, 1},
+    {"RemAlertColor", "Alert Reminder Color", &S::RemAlertColor, 0, 3, 3},
+    {"RemAlertClose", "Alert Reminder Auto Close", &S::RemAlertClose, 0, 1, 0},
+    {"RemAlertCloseTime", "Alert Reminder Auto Close Time", &S::RemAlertCloseTime, 4, 20, 4},
 };
 
 void ReadTextSetting(Program& program, const SettingRow& row, std::string& field)
 {
-    program.Registry.RegFailed = False;
     const Variant value = program.Registry.ReadRegString(SettingsKey, row.name);
     if (program.Registry.RegFailed == False && std::holds_alternative<std::string>(value)) {
         field = Trim(std::get<std::string>(value));
     } else {
         program.Settings.SettingsErrorList += std::string(row.displayName) + CrLf;
-        const bool isPath = std::string_view(row.name) == "CharacterPath";
-        field = isPath ? program.ProgramPath("Character") + program.PathSeparator() : row.defaultText;
-        if (row.writeBack)
+        field = &field == &program.Settings.CharacterPath ? program.ProgramPath("Character") : row.defaultText;
+        if (*row.defaultText != '\0')
             program.Registry.WriteRegString(SettingsKey, row.name, row.defaultText);
     }
     program.Registry.RegFailed = False;
@@ -117,6 +103,11 @@ std::span<const SettingRow> SettingsCatalogue()
     return catalogue;
 }
 
+const SettingRow& SettingRowOf(SettingField field)
+{
+    return *std::ranges::find(catalogue, field, &SettingRow::field);
+}
+
 std::int16_t ReadIntSetting(Program& program, const std::string& valueName, const std::string& displayName,
                             std::int32_t min, std::int32_t max, std::int16_t defaultValue)
 {
@@ -134,17 +125,28 @@ std::int16_t ReadIntSetting(Program& program, const std::string& valueName, cons
     return defaultValue;
 }
 
+void SaveSetting(Program& program, NumberField field, std::int16_t value)
+{
+    program.Registry.WriteRegDword(SettingsKey, SettingRowOf(field).name, value);
+    program.Settings.*field = value;
+}
+
+void SaveSetting(Program& program, TextField field, const std::string& value)
+{
+    program.Registry.WriteRegString(SettingsKey, SettingRowOf(field).name, value);
+    program.Settings.*field = value;
+}
+
 void LoadSettings(Program& program)
 {
-    program.Registry.RegFailed = False;
     for (const SettingRow& row : catalogue) {
-        if (const auto* number = std::get_if<std::int16_t S::*>(&row.field)) {
+        if (const auto* number = std::get_if<NumberField>(&row.field)) {
             program.Settings.*(*number) =
                 ReadIntSetting(program, row.name, row.displayName, row.min, row.max, row.defaultNumber);
             if (*number == &S::BalloonTotalLines)
                 ReconcileStartUpSwitches(program.Settings);
         } else {
-            const auto text = std::get<std::string S::*>(row.field);
+            const auto text = std::get<TextField>(row.field);
             ReadTextSetting(program, row, program.Settings.*text);
             if (text == &S::CharacterPath && !program.Settings.CharacterPath.ends_with(program.PathSeparator()))
                 program.Settings.CharacterPath += program.PathSeparator();

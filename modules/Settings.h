@@ -67,25 +67,35 @@ struct SettingsRecord {
     std::string SettingsErrorList;
 };
 
-/// One row of the catalogue.
+using NumberField = std::int16_t SettingsRecord::*;
+using TextField = std::string SettingsRecord::*;
+using SettingField = std::variant<NumberField, TextField>;
+
+/// One row of the catalogue. When a value is missing or invalid its default is written to the registry, except for a
+/// text without a default.
 struct SettingRow {
     const char* name;
     const char* displayName;
-    std::variant<std::int16_t SettingsRecord::*, std::string SettingsRecord::*> field;
-    std::int16_t min = 0; ///< integer settings only
+    SettingField field;
+    std::int16_t min = 0; ///< integer settings only, as are the next two
     std::int16_t max = 0;
     std::int16_t defaultNumber = 0;
     const char* defaultText = ""; ///< text settings only
-    bool writeBack = true;        ///< the default is written when the value is missing or invalid
 };
 
 /// All settings in the order in which they are read.
 std::span<const SettingRow> SettingsCatalogue();
+/// The row of a field. Every field has one but SettingsErrorList, which is no setting.
+const SettingRow& SettingRowOf(SettingField field);
 
 /// Reads an integer setting. A value that is missing or outside min..max is replaced by the default, which is written
 /// back, and displayName is added to SettingsErrorList unless it is empty.
 std::int16_t ReadIntSetting(Program& program, const std::string& valueName, const std::string& displayName,
                             std::int32_t min, std::int32_t max, std::int16_t defaultValue);
+
+/// Writes a value to the registry and puts it into the program's settings.
+void SaveSetting(Program& program, NumberField field, std::int16_t value);
+void SaveSetting(Program& program, TextField field, const std::string& value);
 
 /// Fills the program's settings and SettingsErrorList from the registry.
 void LoadSettings(Program& program);

@@ -1,5 +1,9 @@
 #include "ModuleTest.h"
 
+#include <cstdio>
+#include <fstream>
+#include <map>
+
 namespace voxmate
 {
 
@@ -147,6 +151,33 @@ TEST_F(SettingsTest, WithoutAnySettingTheDefaultsAreUsedAndWrittenBackWithTheirT
     EXPECT_EQ(Settings.UserName, "Buddy");
     EXPECT_EQ(Settings.LastSpeechEngine, "");
     EXPECT_EQ(Settings.ReminderSentence, "You have a reminder");
+}
+
+TEST_F(SettingsTest, TheFileForNewUsersHasEverySettingInOrderAtItsDefaultButForFour)
+{
+    const std::map<std::string, std::string> own{{"CharacterPath", "\"@SHARE@/msagent/chars/\""},
+                                                 {"LastCharacter", "\"Nalu\""},
+                                                 {"LastSpeechEngine", "\"eSpeak English (Great Britain)\""},
+                                                 {"Pitch", "dword:000000be"}};
+    Lines expected{std::string("[") + SettingsKey + "]"};
+    for (const SettingRow& row : SettingsCatalogue()) {
+        std::string value = std::string("\"") + row.defaultText + "\"";
+        if (std::holds_alternative<NumberField>(row.field)) {
+            char number[] = "dword:00000000";
+            std::snprintf(number, sizeof number, "dword:%08x", static_cast<unsigned>(row.defaultNumber));
+            value = number;
+        }
+        if (own.contains(row.name))
+            value = own.at(row.name);
+        expected.push_back(std::string("\"") + row.name + "\"=" + value);
+    }
+    Lines shipped;
+    std::ifstream file(VOXMATE_PACKAGING "registry.reg.in");
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with('"') || line.starts_with('['))
+            shipped.push_back(line);
+    }
+    EXPECT_EQ(shipped, expected);
 }
 
 TEST_F(SettingsTest, ASecondStartReportsOnlyWhatIsNotWrittenBack)

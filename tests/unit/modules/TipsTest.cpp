@@ -134,7 +134,7 @@ TEST_F(TipsTest, WhatGoesWrongWhileReadingIsRaised)
 
 TEST_F(TipsTest, TheShippedTipsAreManyShortDifferentAndPlain)
 {
-    std::ifstream file(VOXMATE_TIPS);
+    std::ifstream file(VOXMATE_PACKAGING "VoxmateTips.txt");
     ASSERT_TRUE(file);
     std::set<std::string> tips;
     std::size_t lines = 0;
