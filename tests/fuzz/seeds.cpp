@@ -2,7 +2,7 @@
 // subfolder for each target.
 #include "agent/file/AcsCompression.h"
 #include "agent/file/AcsWriter.h"
-#include "tests/unit/agent/acs_samples.h"
+#include "tests/unit/agent/AcsSamples.h"
 
 #include <array>
 #include <cmath>

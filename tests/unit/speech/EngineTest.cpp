@@ -421,7 +421,7 @@ INSTANTIATE_TEST_SUITE_P(Voices, EngineTest,
                                            Case{"FliteRms", CreateFliteEngine, "rms"}),
                          [](const auto& info) { return info.param.test; });
 
-TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
+TEST(EspeakEngineTest, NamesItsVoicesAsPeopleKnowThem)
 {
     const auto engine = CreateEspeakEngine();
     std::set<std::string> names;
@@ -432,7 +432,7 @@ TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
     EXPECT_GT(names.size(), 100U);
 }
 
-TEST(EspeakEngine, MakesOtherPeoplesVoicesOfEachOfItsOwn)
+TEST(EspeakEngineTest, MakesOtherPeoplesVoicesOfEachOfItsOwn)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -453,7 +453,7 @@ TEST(EspeakEngine, MakesOtherPeoplesVoicesOfEachOfItsOwn)
     }
 }
 
-TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
+TEST(EspeakEngineTest, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -481,7 +481,7 @@ TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
 }
 
 // An utterance of the library's that an exception skipped would never be freed; each takes some hundred kilobytes.
-TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
+TEST(FliteEngineTest, WhatTheSinkThrowsLeavesNothingBehind)
 {
     const std::unique_ptr<Engine> engine = CreateFliteEngine();
     ASSERT_FALSE(engine->Voices().empty());
@@ -498,7 +498,7 @@ TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
     EXPECT_LT(mallinfo2().uordblks, before + 100'000);
 }
 
-TEST(FliteEngine, HasItsFourEnglishVoices)
+TEST(FliteEngineTest, HasItsFourEnglishVoices)
 {
     const auto engine = CreateFliteEngine();
     std::set<std::string> names;
@@ -510,7 +510,7 @@ TEST(FliteEngine, HasItsFourEnglishVoices)
                                             "Flite AWB (Scottish English)", "Flite RMS (American English)"}));
 }
 
-TEST(Engines, OneAfterTheOtherSpeakAsTheFirstDid)
+TEST(EnginesTest, OneAfterTheOtherSpeakAsTheFirstDid)
 {
     for (const auto create : {CreateEspeakEngine, CreateFliteEngine})
         for (int turn = 0; turn < 2; ++turn) {
@@ -522,7 +522,7 @@ TEST(Engines, OneAfterTheOtherSpeakAsTheFirstDid)
         }
 }
 
-TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
+TEST(EspeakEngineTest, AGermanVoiceIsAsHighAsIsAsked)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -542,7 +542,7 @@ TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
     FAIL() << "no German voice";
 }
 
-TEST(Shaper, MovesEventsAlongWithTheSamples)
+TEST(ShaperTest, MovesEventsAlongWithTheSamples)
 {
     RecordingSink sink;
     Shaper shaper(8000, sink);
@@ -560,7 +560,7 @@ TEST(Shaper, MovesEventsAlongWithTheSamples)
     EXPECT_NEAR(static_cast<double>(sink.samples.size()), 800 + 4000, 200);
 }
 
-TEST(Shaper, RunsLikeATapeWhenTheRateIsChanged)
+TEST(ShaperTest, RunsLikeATapeWhenTheRateIsChanged)
 {
     RecordingSink sink;
     Shaper shaper(8000, sink);

@@ -32,7 +32,7 @@ using measure::CheckProse;
 using measure::SpeakingSeconds;
 using measure::TrackPitch;
 
-class Flitevox : public ::testing::Test
+class FlitevoxTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -43,7 +43,7 @@ protected:
         // In a separate process in which no voice has been used: what an engine sets in a voice would be written to the
         // file, too.
         const std::string command = "VOXMATE_TEST_FOLDER='" + form + "' '" + fs::canonical("/proc/self/exe").string() +
-                                    "' --gtest_also_run_disabled_tests --gtest_filter=FlitevoxChild.* >/dev/null";
+                                    "' --gtest_also_run_disabled_tests --gtest_filter=FlitevoxChildTest.* >/dev/null";
         ASSERT_EQ(std::system(command.c_str()), 0);
     }
     void TearDown() override { fs::remove_all(folder); }
@@ -59,7 +59,7 @@ protected:
     fs::path folder;
 };
 
-TEST(FlitevoxChild, DISABLED_WritesTheInstalledVoices)
+TEST(FlitevoxChildTest, DISABLED_WritesTheInstalledVoices)
 {
     FliteLibrary flite;
     ASSERT_TRUE(flite.Load());
@@ -73,7 +73,7 @@ TEST(FlitevoxChild, DISABLED_WritesTheInstalledVoices)
     }
 }
 
-TEST_F(Flitevox, FilesInTheFolderAreVoices)
+TEST_F(FlitevoxTest, FilesInTheFolderAreVoices)
 {
     std::ofstream(folder / "readme.txt") << "CMU_FLITE_CG_VOXDATA-v2.0";
     const auto engine = CreateFlitevoxEngine(folder);
@@ -89,7 +89,7 @@ TEST_F(Flitevox, FilesInTheFolderAreVoices)
     EXPECT_TRUE(CreateFlitevoxEngine(folder / "nowhere")->Voices().empty());
 }
 
-TEST_F(Flitevox, WhatIsAskedInPitchAndSpeedIsHeard)
+TEST_F(FlitevoxTest, WhatIsAskedInPitchAndSpeedIsHeard)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     for (const Voice& voice : engine->Voices()) {
@@ -119,7 +119,7 @@ TEST_F(Flitevox, WhatIsAskedInPitchAndSpeedIsHeard)
 }
 
 // A file that is cut off anywhere, or overwritten, makes no sound, and the program survives.
-TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
+TEST_F(FlitevoxTest, ADamagedFileIsNoVoiceOrDoesNotSpeak)
 {
     std::ifstream whole(File("slt"), std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(whole), {}};
@@ -173,7 +173,7 @@ bool HoldsMoreThanTheStandardOnes(pid_t process)
 }
 
 /// A voice file that never ends: an empty pipe, which blocks its reader.
-class EndlessFile : public ::testing::Test
+class EndlessFileTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -193,7 +193,7 @@ protected:
 };
 
 // Otherwise every turn of a text would wait for the check again.
-TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
+TEST_F(FlitevoxTest, AFileThatWasFoundDamagedIsNotTriedAgain)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     ASSERT_FALSE(engine->Voices().empty());
@@ -208,7 +208,7 @@ TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
     EXPECT_TRUE(sink.samples.empty());
 }
 
-TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
+TEST_F(FlitevoxTest, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     ASSERT_FALSE(engine->Voices().empty());
@@ -229,7 +229,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     EXPECT_FALSE(Say(*engine, voice, "Hello.", {}).samples.empty());
 }
 
-TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
+TEST_F(EndlessFileTest, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
 {
     ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // orphaned processes of the program are handed to this process
     std::array<int, 2> held{};

@@ -39,7 +39,7 @@ const std::vector<std::string_view> German{
 };
 
 /// A copy of the library's data (as links) that contains databases of MBROLA voices.
-class Mbrola : public ::testing::Test
+class MbrolaTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -70,8 +70,8 @@ protected:
     {
         const std::string command = "ESPEAK_DATA_PATH='" + folder.string() + "' PATH='" + folder.string() + "/bin' '" +
                                     fs::canonical("/proc/self/exe").string() +
-                                    "' --gtest_also_run_disabled_tests --gtest_filter=MbrolaChild.DISABLED_" + test +
-                                    " >'" + folder.string() + "/log' 2>&1";
+                                    "' --gtest_also_run_disabled_tests --gtest_filter=MbrolaChildTest.DISABLED_" +
+                                    test + " >'" + folder.string() + "/log' 2>&1";
         const int status = std::system(command.c_str());
         std::ifstream log(folder / "log");
         const std::string text{std::istreambuf_iterator<char>(log), {}};
@@ -92,30 +92,30 @@ std::vector<std::string> MbrolaNames(Engine& engine)
     return names;
 }
 
-TEST_F(Mbrola, VoicesAreOfferedWhenTheirDataIsThere)
+TEST_F(MbrolaTest, VoicesAreOfferedWhenTheirDataIsThere)
 {
     Install();
     Run("Listed");
 }
 
-TEST_F(Mbrola, VoicesAreNotOfferedWithoutTheProgram)
+TEST_F(MbrolaTest, VoicesAreNotOfferedWithoutTheProgram)
 {
     Run("NotListed");
 }
 
-TEST_F(Mbrola, VoicesSpeakAtThePitchAndSpeedThatIsAsked)
+TEST_F(MbrolaTest, VoicesSpeakAtThePitchAndSpeedThatIsAsked)
 {
     Install();
     Run("Calibrated");
 }
 
-TEST_F(Mbrola, TheDesktopsRegionHasItsVoiceFirst)
+TEST_F(MbrolaTest, TheDesktopsRegionHasItsVoiceFirst)
 {
     Install();
     Run("Ranked");
 }
 
-TEST(MbrolaChild, DISABLED_Listed)
+TEST(MbrolaChildTest, DISABLED_Listed)
 {
     const auto engine = CreateEspeakEngine();
     EXPECT_EQ(MbrolaNames(*engine),
@@ -124,14 +124,14 @@ TEST(MbrolaChild, DISABLED_Listed)
                                         "eSpeak Icelandic (MBROLA ic1)"}));
 }
 
-TEST(MbrolaChild, DISABLED_NotListed)
+TEST(MbrolaChildTest, DISABLED_NotListed)
 {
     const auto engine = CreateEspeakEngine();
     EXPECT_GT(engine->Voices().size(), 100U);
     EXPECT_EQ(MbrolaNames(*engine), std::vector<std::string>{});
 }
 
-TEST(MbrolaChild, DISABLED_Ranked)
+TEST(MbrolaChildTest, DISABLED_Ranked)
 {
     for (const auto& [desktop, first] :
          {std::pair("fr_CA", "eSpeak French (MBROLA ca1)"), std::pair("de_DE", "eSpeak German"),
@@ -150,7 +150,7 @@ TEST(MbrolaChild, DISABLED_Ranked)
     }
 }
 
-TEST(MbrolaChild, DISABLED_Calibrated)
+TEST(MbrolaChildTest, DISABLED_Calibrated)
 {
     const auto engine = CreateEspeakEngine();
     int tried = 0;

@@ -203,7 +203,7 @@ TEST_F(RelayTest, ALongTextIsNotDealtOutBeforeItIsHeard)
     EXPECT_EQ(bytes, russian.size());
 }
 
-TEST(Resampler, KeepsATonesPitchLevelAndLength)
+TEST(ResamplerTest, KeepsATonesPitchLevelAndLength)
 {
     for (const auto& [from, to] : {std::pair(22050, 16000), std::pair(22050, 8000), std::pair(16000, 22050)}) {
         std::vector<std::int16_t> tone(static_cast<std::size_t>(from));
@@ -222,7 +222,7 @@ TEST(Resampler, KeepsATonesPitchLevelAndLength)
     }
 }
 
-TEST(Resampler, LeavesOutWhatTheLowerRateCannotHold)
+TEST(ResamplerTest, LeavesOutWhatTheLowerRateCannotHold)
 {
     std::vector<std::int16_t> tone(22050);
     for (std::size_t i = 0; i < tone.size(); ++i)
@@ -238,7 +238,7 @@ TEST(Resampler, LeavesOutWhatTheLowerRateCannotHold)
 
 // What is heard when a reader speaks in place of a Flite voice: it lasts, has the pitch asked for, and is about as loud
 // as that voice.
-TEST(RealRelay, FliteAndAReaderSayAMixedSentenceWhole)
+TEST(RealRelayTest, FliteAndAReaderSayAMixedSentenceWhole)
 {
     std::vector<std::unique_ptr<Engine>> engines;
     engines.push_back(CreateEspeakEngine());

@@ -31,19 +31,19 @@ std::vector<std::string> NamesFor(std::string_view desktopLanguage)
 
 using Names = std::vector<std::string>;
 
-TEST(VoiceCatalog, PutsTheDesktopsLanguageFirstThenEnglishThenTheRest)
+TEST(VoiceCatalogTest, PutsTheDesktopsLanguageFirstThenEnglishThenTheRest)
 {
     EXPECT_EQ(NamesFor("de-DE"),
               (Names{"e German", "e English (America)", "e English (West)", "f Anna", "e Danish", "e French"}));
 }
 
-TEST(VoiceCatalog, UnderstandsTheNamesThatDesktopsGiveTheirLanguage)
+TEST(VoiceCatalogTest, UnderstandsTheNamesThatDesktopsGiveTheirLanguage)
 {
     EXPECT_EQ(NamesFor("fr_FR.UTF-8").front(), "e French");
     EXPECT_EQ(NamesFor("DA").front(), "e Danish");
 }
 
-TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
+TEST(VoiceCatalogTest, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
 {
     const Names english{"e English (America)", "e English (West)", "f Anna", "e Danish", "e French", "e German"};
     EXPECT_EQ(NamesFor(""), english);
@@ -51,7 +51,7 @@ TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
     EXPECT_EQ(NamesFor("en-GB"), english);
 }
 
-TEST(VoiceCatalog, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
+TEST(VoiceCatalogTest, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
 {
     const auto firstFor = [](std::string_view desktop) {
         std::vector<std::unique_ptr<Engine>> engines;
@@ -107,7 +107,7 @@ const std::vector<Voice> many{{"Brazilian", "1", "pt-br", ""},
                               {"Welsh", "10", "cy", ""},
                               {"Added Icelandic", "11", "is", "", Voice::Origin::Added}};
 
-TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
+TEST(VoiceCatalogTest, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
 {
     EXPECT_EQ(NamesWithin(11, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Belgian",
                                             "Brazilian", "Esperanto", "French", "Portuguese", "Welsh"}));
@@ -124,7 +124,7 @@ TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
     EXPECT_EQ(NamesWithin(4, many), (Names{"German", "Swiss", "English", "French"}));
 }
 
-TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
+TEST(VoiceCatalogTest, AlwaysHasTheVoiceThatIsChosen)
 {
     EXPECT_EQ(NamesWithin(4, many, "Esperanto"), (Names{"German", "Swiss", "English", "Esperanto"}));
     EXPECT_EQ(NamesWithin(1, many, "Scottish"), (Names{"Scottish"}));
@@ -132,7 +132,7 @@ TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
 }
 
 // What is installed here, as it is listed on a desktop of that locale.
-class RealList : public ::testing::TestWithParam<std::pair<const char*, const char*>>
+class RealListTest : public ::testing::TestWithParam<std::pair<const char*, const char*>>
 {
 protected:
     // A real engine, shared so that its voices are looked up only once.
@@ -162,7 +162,7 @@ protected:
     }
 };
 
-TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
+TEST_P(RealListTest, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
 {
     const auto& [desktop, first] = GetParam();
     VoiceCatalog all(Engines(), desktop);
@@ -207,7 +207,7 @@ TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
     EXPECT_EQ(names.contains("eSpeak English (Scotland)"), english);
 }
 
-TEST(RealVariants, AChosenOneOfAnotherLanguageIsListed)
+TEST(RealVariantsTest, AChosenOneOfAnotherLanguageIsListed)
 {
     for (const char* chosen : {"eSpeak Polish (female 2)", "eSpeak English (Scotland, male 3)"}) {
         std::vector<std::unique_ptr<Engine>> engines;
@@ -220,7 +220,7 @@ TEST(RealVariants, AChosenOneOfAnotherLanguageIsListed)
     }
 }
 
-TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
+TEST_P(RealListTest, HasWhateverInstalledVoiceTheUserChose)
 {
     const char* const desktop = GetParam().first;
     VoiceCatalog all(Engines(), desktop);
@@ -233,7 +233,7 @@ TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Desktops, RealList,
+    Desktops, RealListTest,
     ::testing::Values(std::pair("en_US", "eSpeak English (America)"),
                       std::pair("en_GB", "eSpeak English (Great Britain)"), std::pair("de_DE", "eSpeak German"),
                       std::pair("fr_FR", "eSpeak French (France)"), std::pair("fr_CA", "eSpeak French (France)"),
@@ -242,7 +242,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::pair("pt_BR", "eSpeak Portuguese (Brazil)"), std::pair("tlh", "eSpeak English (America)")),
     [](const auto& info) { return std::string(info.param.first); });
 
-TEST(VoiceCatalog, HasNothingOutsideItsBounds)
+TEST(VoiceCatalogTest, HasNothingOutsideItsBounds)
 {
     VoiceCatalog empty({}, "en");
     EXPECT_EQ(empty.CountEngines(), 0);
@@ -251,7 +251,7 @@ TEST(VoiceCatalog, HasNothingOutsideItsBounds)
     EXPECT_EQ(empty.Find("1"), nullptr);
 }
 
-TEST(ModeId, IsAGuidOfVersionEightInUpperCase)
+TEST(ModeIdTest, IsAGuidOfVersionEightInUpperCase)
 {
     const std::string id = ModeIdOf("espeak", "gmw/en");
     std::string form;
@@ -262,14 +262,14 @@ TEST(ModeId, IsAGuidOfVersionEightInUpperCase)
     EXPECT_NE(std::string("89AB").find(id[19]), std::string::npos);
 }
 
-TEST(ModeId, OfAVoiceIsForEverTheSame)
+TEST(ModeIdTest, OfAVoiceIsForEverTheSame)
 {
     // Users' settings contain these identifiers, so they may never change.
     EXPECT_EQ(ModeIdOf("espeak", "gmw/en"), "84CB77DC-9B5D-8938-869A-7581728E342F");
     EXPECT_EQ(ModeIdOf("flite", "slt"), "AB59B8DF-AE66-8E77-A5ED-1762A50D82AD");
 }
 
-TEST(ModeId, DiffersBetweenFamiliesAndKeys)
+TEST(ModeIdTest, DiffersBetweenFamiliesAndKeys)
 {
     const std::set<std::string> ids{ModeIdOf("espeak", "slt"), ModeIdOf("flite", "slt"), ModeIdOf("flite", "stl"),
                                     ModeIdOf("flit", "eslt")};
