@@ -1,6 +1,7 @@
 #include "agent/body/Animator.h"
 
 #include "tests/fakes/FakeStage.h"
+#include "tests/unit/agent/Bo.h"
 
 #include <gtest/gtest.h>
 
@@ -13,17 +14,9 @@ namespace voxmate::agent
 namespace
 {
 
-/// A frame that the log names by the number of its first image.
-Frame Shows(std::uint32_t image, std::uint16_t duration, std::int16_t exitFrame = -1, std::vector<Branch> branches = {})
-{
-    Frame frame;
-    frame.images = {{image, 0, 0}};
-    frame.duration = duration;
-    frame.exitFrame = exitFrame;
-    frame.branches = std::move(branches);
-    return frame;
-}
+using test::Picture;
 
+/// Its log names a frame by the number of its first image.
 class AnimatorTest : public testing::Test
 {
 protected:
@@ -53,7 +46,7 @@ protected:
 
 TEST_F(AnimatorTest, ShowsEachFrameForItsTimeAndIsDoneAfterTheLast)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 5), Shows(3, 20)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 5), Picture(3, 20)}));
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 2@100 3@150 done@350 ");
     EXPECT_FALSE(animator.Moving());
@@ -63,7 +56,7 @@ TEST_F(AnimatorTest, ShowsEachFrameForItsTimeAndIsDoneAfterTheLast)
 
 TEST_F(AnimatorTest, WakesUpOnlyWhenAFrameIsDue)
 {
-    Play(Add("A", Transition::None, {Shows(1, 300), Shows(2, 500)}));
+    Play(Add("A", Transition::None, {Picture(1, 300), Picture(2, 500)}));
     stage.Run(20000);
     EXPECT_EQ(stage.timersRun, 2);
 }
@@ -76,7 +69,7 @@ TEST_F(AnimatorTest, AnAnimationWithoutFramesIsDoneAtOnce)
 
 TEST_F(AnimatorTest, TimesDoNotDriftWhenTimersComeLate)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10), Picture(4, 10)}));
     stage.Stall(107);
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 2@107 3@200 4@300 done@400 ");
@@ -84,7 +77,7 @@ TEST_F(AnimatorTest, TimesDoNotDriftWhenTimersComeLate)
 
 TEST_F(AnimatorTest, AFrameWhoseTimeIsOverBeforeItsTurnIsNotDrawn)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10), Picture(4, 10), Picture(5, 10)}));
     stage.Stall(350);
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 4@350 5@400 done@500 ");
@@ -92,7 +85,7 @@ TEST_F(AnimatorTest, AFrameWhoseTimeIsOverBeforeItsTurnIsNotDrawn)
 
 TEST_F(AnimatorTest, AnAnimationEndsInItsLastFrameHoweverLate)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 0)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10), Picture(4, 0)}));
     stage.Stall(450);
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 3@450 done@450 ");
@@ -104,7 +97,7 @@ TEST_F(AnimatorTest, WhatIsNotDrawnIsPassedOnceEach)
     std::string passed;
     Animator late{stage, file, [](const Frame&) {},
                   [&passed](const Frame& frame) { passed += std::to_string(frame.images[0].image) + " "; }};
-    late.Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10), Shows(4, 10)}), {});
+    late.Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10), Picture(4, 10)}), {});
     stage.Stall(350);
     stage.Run(1000);
     EXPECT_EQ(passed, "2 3 ");
@@ -112,12 +105,12 @@ TEST_F(AnimatorTest, WhatIsNotDrawnIsPassedOnceEach)
 
 TEST_F(AnimatorTest, ALoopThatIsLateCatchesUpAndAFrameThatStandsStillIsDrawn)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{0, 100}})}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10, -1, {{0, 100}})}));
     stage.Stall(450);
     stage.Run(50);
     EXPECT_EQ(log, "1@0 1@450 2@500 ");
     log.clear();
-    Play(Add("B", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10, -1, {{2, 100}})}));
+    Play(Add("B", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10, -1, {{2, 100}})}));
     stage.Stall(450);
     stage.Run(1000);
     EXPECT_EQ(log, "1@500 3@950 ");
@@ -125,7 +118,7 @@ TEST_F(AnimatorTest, ALoopThatIsLateCatchesUpAndAFrameThatStandsStillIsDrawn)
 
 TEST_F(AnimatorTest, AfterALongStandstillNothingIsHurried)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10), Shows(3, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10), Picture(3, 10)}));
     stage.Stall(60000);
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 2@60000 3@60100 done@60200 ");
@@ -134,7 +127,8 @@ TEST_F(AnimatorTest, AfterALongStandstillNothingIsHurried)
 TEST_F(AnimatorTest, BranchesAreTakenByChanceAndWhatIsLeftOverGoesOn)
 {
     const Animation& animation =
-        Add("A", Transition::None, {Shows(1, 10, -1, {{2, 30}, {3, 20}}), Shows(2, 10), Shows(3, 10), Shows(4, 10)});
+        Add("A", Transition::None,
+            {Picture(1, 10, -1, {{2, 30}, {3, 20}}), Picture(2, 10), Picture(3, 10), Picture(4, 10)});
     const auto shownWith = [&](int chance) {
         log.clear();
         stage.random = [chance](int bound) {
@@ -159,13 +153,13 @@ TEST_F(AnimatorTest, NoChanceIsDrawnWhereThereIsNoBranch)
         ADD_FAILURE();
         return 0;
     };
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10)}));
     stage.Run(1000);
 }
 
 TEST_F(AnimatorTest, ALoopGoesOnForever)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{0, 100}})}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10, -1, {{0, 100}})}));
     stage.Run(450);
     EXPECT_EQ(log, "1@0 2@100 1@200 2@300 1@400 ");
     EXPECT_TRUE(animator.Moving());
@@ -173,7 +167,7 @@ TEST_F(AnimatorTest, ALoopGoesOnForever)
 
 TEST_F(AnimatorTest, AFrameThatAlwaysBranchesToItselfNeedsNoTimer)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10, -1, {{1, 100}})}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10, -1, {{1, 100}})}));
     stage.Run(5000);
     EXPECT_EQ(log, "1@0 2@100 ");
     EXPECT_TRUE(animator.Moving());
@@ -183,31 +177,31 @@ TEST_F(AnimatorTest, AFrameThatAlwaysBranchesToItselfNeedsNoTimer)
 TEST_F(AnimatorTest, FramesOfNoDurationAreNotDrawnButTheirBranchesAreTaken)
 {
     Play(Add("A", Transition::None,
-             {Shows(1, 0, -1, {{2, 100}}), Shows(2, 10), Shows(3, 0), Shows(4, 10), Shows(5, 0)}));
+             {Picture(1, 0, -1, {{2, 100}}), Picture(2, 10), Picture(3, 0), Picture(4, 10), Picture(5, 0)}));
     stage.Run(1000);
     EXPECT_EQ(log, "4@0 done@100 ");
 }
 
 TEST_F(AnimatorTest, ALoopThroughFramesOfNoDurationEndsTheAnimation)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 0), Shows(3, 0, -1, {{1, 100}})}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 0), Picture(3, 0, -1, {{1, 100}})}));
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 done@100 ");
-    Play(Add("B", Transition::None, {Shows(1, 0, -1, {{0, 100}})}));
+    Play(Add("B", Transition::None, {Picture(1, 0, -1, {{0, 100}})}));
     EXPECT_EQ(log, "1@0 done@100 done@1000 ");
 }
 
 TEST_F(AnimatorTest, ABranchToAFrameThatDoesNotExistEndsTheAnimation)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10, -1, {{7, 100}}), Shows(2, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10, -1, {{7, 100}}), Picture(2, 10)}));
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 done@100 ");
 }
 
 TEST_F(AnimatorTest, LeavingByExitBranchesGoesAtOnceAndOnToTheEnd)
 {
-    Play(
-        Add("A", Transition::ExitBranches, {Shows(1, 10), Shows(2, 500, 3), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    Play(Add("A", Transition::ExitBranches,
+             {Picture(1, 10), Picture(2, 500, 3), Picture(3, 10), Picture(4, 10), Picture(5, 10)}));
     stage.Run(150);
     Leave();
     stage.Run(1000);
@@ -216,7 +210,7 @@ TEST_F(AnimatorTest, LeavingByExitBranchesGoesAtOnceAndOnToTheEnd)
 
 TEST_F(AnimatorTest, ExitBranchesThatLeadBackEndWhereTheyEnd)
 {
-    Play(Add("A", Transition::ExitBranches, {Shows(1, 10), Shows(2, 10, 0), Shows(3, 10, 1)}));
+    Play(Add("A", Transition::ExitBranches, {Picture(1, 10), Picture(2, 10, 0), Picture(3, 10, 1)}));
     stage.Run(300);
     log.clear();
     Leave();
@@ -229,7 +223,7 @@ TEST_F(AnimatorTest, ExitBranchesEndBeforeAHeldFrameBehindThem)
     // The animation ends in its last frame. A branch leads there, past the frames of the way out.
     const Animation& held =
         Add("A", Transition::ExitBranches,
-            {Shows(1, 10, 2), Shows(2, 10, 2, {{4, 100}}), Shows(3, 10, 3), Shows(4, 10), Shows(5, 10, 2)});
+            {Picture(1, 10, 2), Picture(2, 10, 2, {{4, 100}}), Picture(3, 10, 3), Picture(4, 10), Picture(5, 10, 2)});
     Play(held);
     stage.Run(300);
     Leave();
@@ -244,8 +238,8 @@ TEST_F(AnimatorTest, ExitBranchesEndBeforeAHeldFrameBehindThem)
 
 TEST_F(AnimatorTest, AFrameWithoutExitIsFollowedByTheNextWhenThatHasOne)
 {
-    Play(
-        Add("A", Transition::ExitBranches, {Shows(1, 100), Shows(2, 10, 4), Shows(3, 10), Shows(4, 10), Shows(5, 10)}));
+    Play(Add("A", Transition::ExitBranches,
+             {Picture(1, 100), Picture(2, 10, 4), Picture(3, 10), Picture(4, 10), Picture(5, 10)}));
     stage.Run(50);
     Leave();
     stage.Run(1000);
@@ -254,7 +248,7 @@ TEST_F(AnimatorTest, AFrameWithoutExitIsFollowedByTheNextWhenThatHasOne)
 
 TEST_F(AnimatorTest, AnAnimationWithoutExitBranchesIsBrokenOff)
 {
-    Play(Add("A", Transition::ExitBranches, {Shows(1, 100), Shows(2, 100)}));
+    Play(Add("A", Transition::ExitBranches, {Picture(1, 100), Picture(2, 100)}));
     stage.Run(50);
     Leave();
     EXPECT_EQ(log, "1@0 left@50 ");
@@ -263,7 +257,7 @@ TEST_F(AnimatorTest, AnAnimationWithoutExitBranchesIsBrokenOff)
 
 TEST_F(AnimatorTest, ExitBranchesInACircleEndAfterTwiceTheFrames)
 {
-    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 10, 0)}));
+    Play(Add("A", Transition::ExitBranches, {Picture(1, 10, 1), Picture(2, 10, 0)}));
     Leave();
     stage.Run(10000);
     EXPECT_EQ(log, "1@0 2@0 1@100 2@200 1@300 left@400 ");
@@ -271,7 +265,7 @@ TEST_F(AnimatorTest, ExitBranchesInACircleEndAfterTwiceTheFrames)
 
 TEST_F(AnimatorTest, AWayOutThatTakesTooLongIsGivenUp)
 {
-    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 65535), Shows(3, 10)}));
+    Play(Add("A", Transition::ExitBranches, {Picture(1, 10, 1), Picture(2, 65535), Picture(3, 10)}));
     Leave();
     stage.Run(60000);
     EXPECT_EQ(log, "1@0 2@0 left@10000 ");
@@ -279,8 +273,8 @@ TEST_F(AnimatorTest, AWayOutThatTakesTooLongIsGivenUp)
 
 TEST_F(AnimatorTest, LeavingByReturnAnimationPlaysIt)
 {
-    Add("AReturn", Transition::None, {Shows(8, 10), Shows(9, 10)});
-    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "areturn"));
+    Add("AReturn", Transition::None, {Picture(8, 10), Picture(9, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "areturn"));
     stage.Run(100);
     Leave();
     stage.Run(1000);
@@ -289,8 +283,8 @@ TEST_F(AnimatorTest, LeavingByReturnAnimationPlaysIt)
 
 TEST_F(AnimatorTest, TheReturnAnimationIsNotPlayedTwiceWhenItIsAskedForItself)
 {
-    const Animation& back = Add("AReturn", Transition::None, {Shows(8, 10)});
-    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "AReturn"));
+    const Animation& back = Add("AReturn", Transition::None, {Picture(8, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "AReturn"));
     stage.Run(100);
     Leave(&back);
     EXPECT_EQ(log, "1@0 done@100 left@100 ");
@@ -298,10 +292,10 @@ TEST_F(AnimatorTest, TheReturnAnimationIsNotPlayedTwiceWhenItIsAskedForItself)
 
 TEST_F(AnimatorTest, AnAnimationThatTakesUpThePoseAndHasTheSameReturnGoesStraightOn)
 {
-    Add("ReadReturn", Transition::None, {Shows(8, 10)});
+    Add("ReadReturn", Transition::None, {Picture(8, 10)});
     const Animation& goesOn =
-        Add("ReadContinued", Transition::ReturnAnimation, {Shows(5, 0), Shows(2, 10)}, "readreturn");
-    Play(Add("Read", Transition::ReturnAnimation, {Shows(1, 10), Shows(2, 10)}, "ReadReturn"));
+        Add("ReadContinued", Transition::ReturnAnimation, {Picture(5, 0), Picture(2, 10)}, "readreturn");
+    Play(Add("Read", Transition::ReturnAnimation, {Picture(1, 10), Picture(2, 10)}, "ReadReturn"));
     stage.Run(200);
     Leave(&goesOn);
     EXPECT_EQ(log, "1@0 2@100 done@200 left@200 ");
@@ -309,13 +303,13 @@ TEST_F(AnimatorTest, AnAnimationThatTakesUpThePoseAndHasTheSameReturnGoesStraigh
 
 TEST_F(AnimatorTest, AnAnimationOfAnotherPoseOrReturnBeginsFromTheNeutralOne)
 {
-    Add("ReadReturn", Transition::None, {Shows(8, 10)});
-    Add("Other", Transition::None, {Shows(9, 10)});
-    const Animation& again = Add("Read", Transition::ReturnAnimation, {Shows(2, 10)}, "ReadReturn");
-    const Animation& otherPose = Add("B", Transition::ReturnAnimation, {Shows(3, 10)}, "ReadReturn");
-    const Animation& otherReturn = Add("C", Transition::ReturnAnimation, {Shows(2, 10)}, "Other");
-    const Animation& noReturn = Add("D", Transition::ExitBranches, {Shows(2, 10)}, "ReadReturn");
-    const Animation& nothingDrawn = Add("E", Transition::ReturnAnimation, {Shows(2, 0)}, "ReadReturn");
+    Add("ReadReturn", Transition::None, {Picture(8, 10)});
+    Add("Other", Transition::None, {Picture(9, 10)});
+    const Animation& again = Add("Read", Transition::ReturnAnimation, {Picture(2, 10)}, "ReadReturn");
+    const Animation& otherPose = Add("B", Transition::ReturnAnimation, {Picture(3, 10)}, "ReadReturn");
+    const Animation& otherReturn = Add("C", Transition::ReturnAnimation, {Picture(2, 10)}, "Other");
+    const Animation& noReturn = Add("D", Transition::ExitBranches, {Picture(2, 10)}, "ReadReturn");
+    const Animation& nothingDrawn = Add("E", Transition::ReturnAnimation, {Picture(2, 0)}, "ReadReturn");
     for (const Animation* next : {&again, &otherPose, &otherReturn, &noReturn, &nothingDrawn}) {
         log.clear();
         stage.now = 1000;
@@ -329,7 +323,7 @@ TEST_F(AnimatorTest, AnAnimationOfAnotherPoseOrReturnBeginsFromTheNeutralOne)
 
 TEST_F(AnimatorTest, AMissingReturnAnimationIsNone)
 {
-    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Nowhere"));
+    Play(Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "Nowhere"));
     stage.Run(100);
     Leave();
     EXPECT_EQ(log, "1@0 done@100 left@100 ");
@@ -337,8 +331,8 @@ TEST_F(AnimatorTest, AMissingReturnAnimationIsNone)
 
 TEST_F(AnimatorTest, AReturnAnimationThatLoopsEndsAfterTwiceItsFrames)
 {
-    Add("Back", Transition::None, {Shows(8, 10), Shows(9, 10, -1, {{0, 100}})});
-    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Back"));
+    Add("Back", Transition::None, {Picture(8, 10), Picture(9, 10, -1, {{0, 100}})});
+    Play(Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "Back"));
     Leave();
     stage.Run(10000);
     EXPECT_EQ(log, "1@0 8@0 9@100 8@200 9@300 left@400 ");
@@ -346,15 +340,15 @@ TEST_F(AnimatorTest, AReturnAnimationThatLoopsEndsAfterTwiceItsFrames)
 
 TEST_F(AnimatorTest, AnimationsThatReturnByEachOtherOrByThemselvesReturnOnce)
 {
-    Add("B", Transition::ReturnAnimation, {Shows(2, 10)}, "A");
-    const Animation& first = Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "B");
+    Add("B", Transition::ReturnAnimation, {Picture(2, 10)}, "A");
+    const Animation& first = Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "B");
     Play(first);
     stage.Run(100);
     Leave();
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 done@100 2@100 left@200 ");
     log.clear();
-    Play(Add("C", Transition::ReturnAnimation, {Shows(3, 10)}, "C"));
+    Play(Add("C", Transition::ReturnAnimation, {Picture(3, 10)}, "C"));
     stage.Run(100);
     Leave();
     stage.Run(1000);
@@ -363,10 +357,10 @@ TEST_F(AnimatorTest, AnimationsThatReturnByEachOtherOrByThemselvesReturnOnce)
 
 TEST_F(AnimatorTest, ALoopWithUndrawnFramesWakesUpOnceForEachFrameItDraws)
 {
-    std::vector<Frame> frames{Shows(1, 1)};
+    std::vector<Frame> frames{Picture(1, 1)};
     for (std::uint32_t i = 2; i < 900; ++i)
-        frames.push_back(Shows(i, 0));
-    frames.push_back(Shows(900, 1, -1, {{0, 100}}));
+        frames.push_back(Picture(i, 0));
+    frames.push_back(Picture(900, 1, -1, {{0, 100}}));
     Play(Add("A", Transition::None, frames));
     stage.Run(1000);
     EXPECT_EQ(stage.timersRun, 100);
@@ -375,7 +369,7 @@ TEST_F(AnimatorTest, ALoopWithUndrawnFramesWakesUpOnceForEachFrameItDraws)
 
 TEST_F(AnimatorTest, ExitBranchesThroughFramesOfNoDurationInACircleEndAtOnce)
 {
-    Play(Add("A", Transition::ExitBranches, {Shows(1, 10, 1), Shows(2, 0, 2), Shows(3, 0, 1)}));
+    Play(Add("A", Transition::ExitBranches, {Picture(1, 10, 1), Picture(2, 0, 2), Picture(3, 0, 1)}));
     Leave();
     EXPECT_EQ(log, "1@0 left@0 ");
     EXPECT_EQ(stage.Waiting(), 0u);
@@ -383,7 +377,7 @@ TEST_F(AnimatorTest, ExitBranchesThroughFramesOfNoDurationInACircleEndAtOnce)
 
 TEST_F(AnimatorTest, StraightOnLeavesAtOnceWhateverIsOnShow)
 {
-    Play(Add("A", Transition::None, {Shows(1, 100, 1), Shows(2, 100)}));
+    Play(Add("A", Transition::None, {Picture(1, 100, 1), Picture(2, 100)}));
     stage.Run(50);
     Leave();
     stage.Run(1000);
@@ -392,8 +386,8 @@ TEST_F(AnimatorTest, StraightOnLeavesAtOnceWhateverIsOnShow)
 
 TEST_F(AnimatorTest, AWayOutIsGoneOnlyOnce)
 {
-    Add("Back", Transition::None, {Shows(8, 10), Shows(9, 10)});
-    Play(Add("A", Transition::ReturnAnimation, {Shows(1, 10)}, "Back"));
+    Add("Back", Transition::None, {Picture(8, 10), Picture(9, 10)});
+    Play(Add("A", Transition::ReturnAnimation, {Picture(1, 10)}, "Back"));
     Leave();
     stage.Run(50);
     log += "again ";
@@ -405,7 +399,7 @@ TEST_F(AnimatorTest, AWayOutIsGoneOnlyOnce)
 
 TEST_F(AnimatorTest, ForgettingLetsTheAnimationGoOnUnattended)
 {
-    Play(Add("A", Transition::None, {Shows(1, 10), Shows(2, 10)}));
+    Play(Add("A", Transition::None, {Picture(1, 10), Picture(2, 10)}));
     animator.Forget();
     stage.Run(1000);
     EXPECT_EQ(log, "1@0 2@100 ");

@@ -3,6 +3,7 @@
 #include "qt/alerts/ClassicDrawing.h"
 #include "qt/alerts/PlacedLabel.h"
 #include "qt/alerts/PlacedWindow.h"
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/unit/qt/QtTest.h"
 

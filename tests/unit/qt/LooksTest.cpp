@@ -8,6 +8,7 @@
 #include "forms/frmTip.h"
 #include "modules/Program.h"
 #include "qt/widgets/ReadableStyle.h"
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/unit/qt/QtTest.h"
 

@@ -1,4 +1,5 @@
 // The stage's measures, timers, menu and sounds, and its character's window.
+#include "tests/fakes/FakeAudioOutput.h"
 #include "tests/unit/qt/QtTest.h"
 
 #include "qt/character/QtBalloonWindow.h"
@@ -25,47 +26,6 @@ QWidget* CharacterWidget()
     }
     return nullptr;
 }
-
-/// A sound output that takes all samples at once and plays them to the end when told to.
-class FakeAudio : public speech::AudioOutput
-{
-public:
-    State Check() override { return State::Available; }
-    bool Ready() override { return ready; }
-    std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> source,
-                                              std::function<void()> drained, std::function<void()> /*failed*/) override
-    {
-        rate = samplesPerSecond;
-        heard.clear();
-        std::vector<std::int16_t> buffer(3);
-        for (bool ended = false; !ended;) {
-            const std::size_t count = source->Pull(buffer, ended);
-            heard.insert(heard.end(), buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
-        }
-        finish = std::move(drained);
-        return std::make_unique<Stream>(open);
-    }
-    void Post(std::function<void()>) override {}
-    void PostAfter(int, std::function<void()>) override {}
-
-    bool ready = true;
-    int rate = 0;
-    int open = 0;
-    std::vector<std::int16_t> heard;
-    std::function<void()> finish;
-
-private:
-    class Stream : public speech::AudioStream
-    {
-    public:
-        explicit Stream(int& open) : open_(open) { ++open_; }
-        ~Stream() override { --open_; }
-        std::int64_t SamplesHeard() override { return 0; }
-
-    private:
-        int& open_;
-    };
-};
 
 /// A RIFF wave file: mono, 16 bits, 8000 samples a second.
 std::vector<std::uint8_t> Wave(const std::vector<std::int16_t>& samples)
@@ -97,8 +57,21 @@ std::vector<std::uint8_t> Wave(const std::vector<std::int16_t>& samples)
 class StageTest : public QtTest
 {
 protected:
-    FakeAudio audio;
+    fakes::FakeAudioOutput audio;
     QtStage stage{audio};
+
+    /// A blue square of 40 by 40 pixels at (5, 5).
+    std::unique_ptr<agent::CharacterWindow> ShownCharacter(std::function<void(Point)> moved = {})
+    {
+        auto character = stage.CreateCharacterWindow();
+        character->Moved = std::move(moved);
+        character->SetFrame(
+            {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})},
+            {40, 40});
+        character->MoveTo({5, 5});
+        character->SetVisible(true);
+        return character;
+    }
 };
 
 } // namespace
@@ -168,50 +141,48 @@ TEST_F(StageTest, ASoundIsPlayedWholeAndItsStreamGoesWhenItHasBeenHeard)
     const std::vector<std::int16_t> samples{0, 100, -100, 32767, -32768};
     stage.PlaySound(Wave(samples));
     EXPECT_EQ(audio.rate, 8000);
-    EXPECT_EQ(audio.heard, samples);
-    EXPECT_EQ(audio.open, 1);
-    audio.finish();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return audio.open == 0; }));
+    EXPECT_EQ(audio.openStreams, 1);
+    // In two pieces.
+    for (int i = 0; i < 2; ++i)
+        audio.Play(3);
+    EXPECT_EQ(audio.played, samples);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return audio.openStreams == 0; }));
 }
 
 TEST_F(StageTest, TheEndOfOneSoundDoesNotCutTheNextAndStopSoundDoes)
 {
     stage.PlaySound(Wave({1}));
-    const auto firstEnds = audio.finish;
+    const auto firstEnds = audio.drained;
     stage.PlaySound(Wave({2}));
     firstEnds();
     QTest::qWait(20);
-    EXPECT_EQ(audio.open, 1);
+    EXPECT_EQ(audio.openStreams, 1);
     stage.StopSound();
-    EXPECT_EQ(audio.open, 0);
+    EXPECT_EQ(audio.openStreams, 0);
 }
 
 // If the sound were awaited, the character's picture would freeze until the sound server answers.
 
 TEST_F(StageTest, ASoundIsLeftOutWhileTheOutputIsNotReady)
 {
-    audio.ready = false;
+    audio.state = fakes::FakeAudioOutput::State::NoDevice;
     stage.PlaySound(Wave({1}));
-    EXPECT_EQ(audio.open, 0);
-    EXPECT_EQ(audio.rate, 0); // it was not asked for anything
-    audio.ready = true;
+    EXPECT_EQ(audio.openStreams, 0);
+    EXPECT_EQ(audio.opens, 0);
+    audio.state = fakes::FakeAudioOutput::State::Available;
     stage.PlaySound(Wave({1}));
-    EXPECT_EQ(audio.open, 1);
+    EXPECT_EQ(audio.openStreams, 1);
 }
 
 TEST_F(StageTest, WhatIsNoWaveFileIsNotPlayed)
 {
     stage.PlaySound(std::vector<std::uint8_t>{1, 2, 3});
-    EXPECT_EQ(audio.open, 0);
+    EXPECT_EQ(audio.openStreams, 0);
 }
 
 TEST_F(StageTest, TheCharacterTakesTheMouseWhileAMessageBoxIsUp)
 {
-    const auto character = stage.CreateCharacterWindow();
-    character->SetFrame(
-        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
-    character->MoveTo({5, 5});
-    character->SetVisible(true);
+    const auto character = ShownCharacter();
     character->Mouse = [this](const agent::MouseEvent& event) {
         if (event.action == agent::MouseAction::Press)
             happened.push_back("pressed at " + std::to_string(event.at.x) + ", screen " +
@@ -231,13 +202,8 @@ TEST_F(StageTest, TheCharacterTakesTheMouseWhileAMessageBoxIsUp)
 
 TEST_F(StageTest, ACharacterThatTheWindowManagerMovedTellsItsRealPlace)
 {
-    const auto character = stage.CreateCharacterWindow();
     std::vector<Point> told;
-    character->Moved = [&told](Point place) { told.push_back(place); };
-    character->SetFrame(
-        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
-    character->MoveTo({5, 5});
-    character->SetVisible(true);
+    const auto character = ShownCharacter([&told](Point place) { told.push_back(place); });
     character->MoveTo({50, 60});
     character->MoveTo({55, 66});
     QTest::qWait(300);
@@ -255,13 +221,8 @@ TEST_F(StageTest, ACharacterThatTheWindowManagerMovedTellsItsRealPlace)
 
 TEST_F(StageTest, AnOlderPlaceReportedWhileTheCharacterIsBeingMovedIsNotTakenForTheWindowManagers)
 {
-    const auto character = stage.CreateCharacterWindow();
     std::vector<Point> told;
-    character->Moved = [&told](Point place) { told.push_back(place); };
-    character->SetFrame(
-        {{1}, std::make_shared<const Bitmap>(Bitmap{20, 20, std::vector<std::uint32_t>(400, 0xFF0000FF)})}, {40, 40});
-    character->MoveTo({5, 5});
-    character->SetVisible(true);
+    const auto character = ShownCharacter([&told](Point place) { told.push_back(place); });
     QTest::qWait(300);
     ASSERT_NE(CharacterWidget(), nullptr);
     QWindow* window = CharacterWidget()->windowHandle();

@@ -1,9 +1,11 @@
 // Voices in the user's own files. The test files are made from the installed voices.
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/engines/FliteLibrary.h"
 #include "speech/player/SpeechJob.h"
+#include "tests/fakes/Eventually.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -49,9 +51,9 @@ protected:
     void TearDown() override { fs::remove_all(folder); }
 
     fs::path File(const std::string& name) const { return folder / ("my_" + name + ".flitevox"); }
-    static RecordingSink Say(Engine& engine, const Voice& voice, std::string_view text, Prosody prosody)
+    static fakes::RecordingSink Say(Engine& engine, const Voice& voice, std::string_view text, Prosody prosody)
     {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         EXPECT_TRUE(engine.Synthesize(voice, std::vector<Segment>{Text(std::string(text), prosody)}, sink));
         return sink;
     }
@@ -96,7 +98,7 @@ TEST_F(FlitevoxTest, WhatIsAskedInPitchAndSpeedIsHeard)
         for (const int hertz : {80, 150, 250}) {
             Prosody prosody;
             prosody.pitchHz = hertz;
-            const RecordingSink sink = Say(*engine, voice, CheckProse[2], prosody);
+            const fakes::RecordingSink sink = Say(*engine, voice, CheckProse[2], prosody);
             const double heard = TrackPitch(sink.samples, 16000).Median();
             std::printf("%s: %d Hz asked, %.1f heard\n", voice.name.c_str(), hertz, heard);
             EXPECT_NEAR(heard, hertz, hertz * 0.1) << voice.name;
@@ -140,7 +142,7 @@ TEST_F(FlitevoxTest, ADamagedFileIsNoVoiceOrDoesNotSpeak)
     const auto engine = CreateFlitevoxEngine(folder);
     int good = 0;
     for (const Voice& voice : engine->Voices()) {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         const bool spoken = engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink);
         good += spoken;
         EXPECT_EQ(spoken, !sink.samples.empty()) << voice.name;
@@ -201,7 +203,7 @@ TEST_F(FlitevoxTest, AFileThatWasFoundDamagedIsNotTriedAgain)
     const fs::path kept = folder / "kept";
     fs::rename(voice.key, kept);
     std::ofstream(voice.key) << "damaged";
-    RecordingSink sink;
+    fakes::RecordingSink sink;
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
     fs::rename(kept, voice.key); // a second try would succeed
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
@@ -220,7 +222,7 @@ TEST_F(FlitevoxTest, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     job.SetRate(engine->SampleRate(voice));
     bool spoken = false;
     std::thread worker([&] { spoken = engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, job); });
-    EXPECT_TRUE(Eventually([] { return !ChildrenOf(getpid()).empty(); }));
+    EXPECT_TRUE(fakes::Eventually([] { return !ChildrenOf(getpid()).empty(); }));
     job.Cancel();
     worker.join();
     EXPECT_TRUE(spoken); // a stop is not a failure; a check that ends by itself would be
@@ -241,12 +243,12 @@ TEST_F(EndlessFileTest, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
         _exit(0);
     }
     pid_t check = 0;
-    EXPECT_TRUE(Eventually([&] {
+    EXPECT_TRUE(fakes::Eventually([&] {
         const std::vector<pid_t> children = ChildrenOf(program);
         check = children.empty() ? 0 : children.front();
         return check != 0;
     }));
-    EXPECT_TRUE(check != 0 && Eventually([&] { return !HoldsMoreThanTheStandardOnes(check); }));
+    EXPECT_TRUE(check != 0 && fakes::Eventually([&] { return !HoldsMoreThanTheStandardOnes(check); }));
     kill(program, SIGKILL);
     EXPECT_EQ(waitpid(program, nullptr, 0), program);
     if (check != 0) {

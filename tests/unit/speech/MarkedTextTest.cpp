@@ -1,10 +1,10 @@
 #include "speech/text/MarkedText.h"
-#include "Fakes.h"
 #include "base/Text.h"
 #include "speech/Calibration.h"
 #include "speech/engines/EspeakMarkup.h"
 #include "speech/engines/FliteText.h"
 #include "speech/sound/Mouths.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 

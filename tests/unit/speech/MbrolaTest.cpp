@@ -1,9 +1,10 @@
 // MBROLA voices, with our own data where eSpeak NG looks for it. The library looks only once per process, so tests that
 // need the data run in a separate process.
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/VoiceCatalog.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -163,7 +164,7 @@ TEST(MbrolaChildTest, DISABLED_Calibrated)
             Prosody prosody;
             prosody.pitchHz = hertz;
             prosody.wordsPerMinute = wordsPerMinute;
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text(std::string(text), prosody)}, sink));
             return sink;
         };
@@ -185,7 +186,7 @@ TEST(MbrolaChildTest, DISABLED_Calibrated)
                         continue;
                     Prosody prosody;
                     prosody.wordsPerMinute = wordsPerMinute;
-                    RecordingSink sink;
+                    fakes::RecordingSink sink;
                     engine->Synthesize(other, std::vector<Segment>{Text(std::string(text), prosody)}, sink);
                     own += SpeakingSeconds(sink.samples, rate);
                 }
@@ -194,7 +195,7 @@ TEST(MbrolaChildTest, DISABLED_Calibrated)
                         own / seconds * 100);
             EXPECT_NEAR(own / seconds, 1, 0.1) << voice.name << " " << wordsPerMinute;
         }
-        const RecordingSink sink = say("Mama saw you there.", 120, 150);
+        const fakes::RecordingSink sink = say("Mama saw you there.", 120, 150);
         EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1, 2, 3}));
         EXPECT_GE(sink.Values(SpeechEvent::Kind::Mouth).size(), 6U);
         for (const SpeechEvent& event : sink.events)

@@ -1,6 +1,6 @@
 #include "speech/VoiceCatalog.h"
-#include "Fakes.h"
 #include "speech/text/ModeId.h"
+#include "tests/fakes/FakeEngine.h"
 
 #include <gtest/gtest.h>
 
@@ -16,12 +16,13 @@ namespace
 std::vector<std::string> NamesFor(std::string_view desktopLanguage)
 {
     std::vector<std::unique_ptr<Engine>> engines;
-    engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"e French", "1", "fr-fr", ""},
-                                                                      {"e English (West)", "2", "en-gb-west", ""},
-                                                                      {"e German", "3", "de", ""},
-                                                                      {"e Danish", "4", "da", ""},
-                                                                      {"e English (America)", "5", "en-us", ""}}));
-    engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"f Anna", "6", "en-us", ""}}));
+    engines.push_back(
+        std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"e French", "1", "fr-fr", ""},
+                                                               {"e English (West)", "2", "en-gb-west", ""},
+                                                               {"e German", "3", "de", ""},
+                                                               {"e Danish", "4", "da", ""},
+                                                               {"e English (America)", "5", "en-us", ""}}));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"f Anna", "6", "en-us", ""}}));
     VoiceCatalog catalog(std::move(engines), desktopLanguage);
     std::vector<std::string> names;
     for (int i = 1; i <= catalog.CountEngines(); ++i)
@@ -56,18 +57,18 @@ TEST(VoiceCatalogTest, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
     const auto firstFor = [](std::string_view desktop) {
         std::vector<std::unique_ptr<Engine>> engines;
         engines.push_back(
-            std::make_unique<FakeEngine>(std::vector<Voice>{{"Belgian", "1", "fr-be", ""},
-                                                            {"French", "2", "fr", ""},
-                                                            {"Canadian", "3", "fr-ca", "", Voice::Origin::Added},
-                                                            {"Brazilian", "4", "pt-br", ""},
-                                                            {"Portuguese", "5", "pt", ""},
-                                                            {"Latin American", "6", "es-419", ""},
-                                                            {"Spanish", "7", "es", ""},
-                                                            {"Cantonese", "8", "yue", ""},
-                                                            {"Hakka", "9", "hak", ""},
-                                                            {"Mandarin, English", "10", "cmn", ""},
-                                                            {"Mandarin, Pinyin", "11", "cmn-latn-pinyin", ""},
-                                                            {"Bokmal", "12", "nb", ""}}));
+            std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"Belgian", "1", "fr-be", ""},
+                                                                   {"French", "2", "fr", ""},
+                                                                   {"Canadian", "3", "fr-ca", "", Voice::Origin::Added},
+                                                                   {"Brazilian", "4", "pt-br", ""},
+                                                                   {"Portuguese", "5", "pt", ""},
+                                                                   {"Latin American", "6", "es-419", ""},
+                                                                   {"Spanish", "7", "es", ""},
+                                                                   {"Cantonese", "8", "yue", ""},
+                                                                   {"Hakka", "9", "hak", ""},
+                                                                   {"Mandarin, English", "10", "cmn", ""},
+                                                                   {"Mandarin, Pinyin", "11", "cmn-latn-pinyin", ""},
+                                                                   {"Bokmal", "12", "nb", ""}}));
         return VoiceCatalog(std::move(engines), desktop).ModeName(1);
     };
     EXPECT_EQ(firstFor("fr_CA"), "Canadian");
@@ -87,7 +88,7 @@ TEST(VoiceCatalogTest, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
 Names NamesWithin(int limit, std::vector<Voice> voices, const std::string& chosen = "")
 {
     std::vector<std::unique_ptr<Engine>> engines;
-    engines.push_back(std::make_unique<FakeEngine>(std::move(voices)));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::move(voices)));
     VoiceCatalog catalog(std::move(engines), "de", limit, [chosen] { return chosen; });
     Names names;
     for (int i = 1; i <= catalog.CountEngines(); ++i)

@@ -1,67 +1,26 @@
-// An engine that delivers what a test tells it to, and a sound output that plays only when a test asks it to.
+// A sound output that plays only when a test asks it to.
 #pragma once
 
 #include "speech/AudioOutput.h"
-#include "speech/Engine.h"
+#include "tests/fakes/Eventually.h"
 
-#include <atomic>
-#include <chrono>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
-namespace voxmate::speech
+namespace voxmate::fakes
 {
 
-/// Lets other threads work until `done` returns true; false when that takes more than five seconds.
-inline bool Eventually(const std::function<bool()>& done)
-{
-    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > until)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
-class FakeEngine final : public Engine
+class FakeAudioOutput final : public speech::AudioOutput
 {
 public:
-    explicit FakeEngine(std::vector<Voice> voices) : voices_(std::move(voices)) {}
-
-    const std::vector<Voice>& Voices() override { return voices_; }
-    int SampleRate(const Voice&) override { return Rate; }
-    bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
-    {
-        ++calls;
-        lastKey = voice.key;
-        lastText = segments.empty() ? "" : segments.front().text;
-        const bool ok = synthesize ? synthesize(sink) : true;
-        ++returns;
-        return ok;
-    }
-
-    static constexpr int Rate = 1000; // one sample is one millisecond
-    std::function<bool(SampleSink&)> synthesize;
-    std::atomic<int> calls = 0;
-    std::atomic<int> returns = 0;
-    std::string lastKey;
-    std::string lastText;
-
-private:
-    std::vector<Voice> voices_;
-};
-
-class FakeAudioOutput final : public AudioOutput
-{
-public:
-    struct Stream final : AudioStream {
+    struct Stream final : speech::AudioStream {
         explicit Stream(FakeAudioOutput& output) : owner(output) { ++owner.openStreams; }
         ~Stream() override
         {
@@ -74,8 +33,9 @@ public:
 
     State Check() override { return state; }
 
-    std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> newSource,
-                                      std::function<void()> newDrained, std::function<void()> newFailed) override
+    std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> newSource,
+                                              std::function<void()> newDrained,
+                                              std::function<void()> newFailed) override
     {
         ++opens;
         if (state != State::Available)
@@ -159,7 +119,7 @@ public:
     std::int64_t queue = 0; ///< how many of those have not yet reached the listener
     std::int64_t heard = 0;
     std::vector<std::int16_t> played;
-    std::shared_ptr<SampleSource> source;
+    std::shared_ptr<speech::SampleSource> source;
     std::function<void()> drained;
     std::function<void()> failed;
 
@@ -169,55 +129,4 @@ private:
     std::deque<std::function<void()>> later_;
 };
 
-/// Collects what an engine delivers.
-struct RecordingSink final : SampleSink {
-    std::vector<std::int16_t> samples;
-    std::vector<SpeechEvent> events;
-    std::size_t stopAfter = SIZE_MAX;
-    std::int64_t latestEventBehind = 0; ///< how far an event was behind the samples already delivered, at most
-
-    bool Samples(std::span<const std::int16_t> more) override
-    {
-        samples.insert(samples.end(), more.begin(), more.end());
-        return samples.size() < stopAfter;
-    }
-    void Event(const SpeechEvent& event) override
-    {
-        latestEventBehind = std::max(latestEventBehind, static_cast<std::int64_t>(samples.size()) - event.sample);
-        events.push_back(event);
-    }
-    std::vector<int> Values(SpeechEvent::Kind kind) const
-    {
-        std::vector<int> values;
-        for (const SpeechEvent& event : events)
-            if (event.kind == kind)
-                values.push_back(event.value);
-        return values;
-    }
-};
-
-inline Segment Text(std::string text, Prosody prosody = {})
-{
-    Segment segment;
-    segment.text = std::move(text);
-    segment.prosody = prosody;
-    return segment;
-}
-
-inline Segment Pause(int milliseconds)
-{
-    Segment segment;
-    segment.kind = Segment::Kind::Pause;
-    segment.milliseconds = milliseconds;
-    return segment;
-}
-
-inline Segment Bookmark(int number)
-{
-    Segment segment;
-    segment.kind = Segment::Kind::Bookmark;
-    segment.bookmark = number;
-    return segment;
-}
-
-} // namespace voxmate::speech
+} // namespace voxmate::fakes

@@ -1,4 +1,4 @@
-// What the fakes share: the log of calls, and the end of the program.
+// The log of calls that the fakes share.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,6 @@
 
 namespace voxmate::fakes
 {
-
-/// What ending the program throws in a test. It is no exception of the program's own, so nothing there catches it.
-struct ProgramEnded {
-};
 
 using Log = std::vector<std::string>;
 
