@@ -4,9 +4,9 @@
 //
 // Usage: editor [COUNT]   COUNT runs of each kind
 #include "bench/Statistics.h"
-#include "forms/frmReminder.h"
 #include "qt/system/QtApplication.h"
 #include "qt/system/QtWindowSystem.h"
+#include "tests/fakes/EditorsMain.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <QWidget>
@@ -23,14 +23,6 @@ namespace
 {
 
 constexpr int MostReminders = 32767;
-
-class EditorsMain : public fakes::FakeMainWindow
-{
-public:
-    using FakeMainWindow::FakeMainWindow;
-    frmReminder* form = nullptr;
-    ReminderEditor& Editor() override { return *form; }
-};
 
 /// Makes reminders with titles of several lengths in no order, at dates and times spread over the year.
 void MakeReminders(Reminders& reminders)
@@ -75,7 +67,7 @@ int main(int argc, char** argv)
     fakes::FakePlatform fake;
     qt::QtWindowSystem windows(VOXMATE_SHARE_DIR);
     Platform platform{fake.store, fake.agent, fake.speech, windows, fake.files, fake.process, fake.clock, fake.word};
-    EditorsMain main(fake.log);
+    fakes::EditorsMain main(fake.log);
     Program program(platform);
     frmReminder form(program);
     main.form = &form;

@@ -16,6 +16,7 @@ sys.path.insert(0, os.path.join(ROOT, "tests", "desktop"))
 # pylint: disable=wrong-import-position
 import desk as desktop  # noqa: E402
 import lips  # noqa: E402
+import sound  # noqa: E402
 from program import Watch  # noqa: E402
 from test_reading import SENTENCE, WordCase  # noqa: E402
 from test_speech import SENTENCE as SHORT, SpeechCase  # noqa: E402
@@ -62,14 +63,14 @@ class Sentence(SpeechCase):
     def moment(self, begin, which):
         """When the first (0) or the last (1) sound after a sample was heard."""
         samples, ends, times = self.recorder.snapshot()
-        at = begin + desktop.loud_span(samples[begin:])[which]
+        at = begin + sound.loud_span(samples[begin:])[which]
         return self.recorder.time_of(min(at, len(samples) - 1), ends, times)
 
 
 class CloseEar:
     """Records the desk's sink and thereby makes its queue as short as possible."""
 
-    RATE = desktop.RATE
+    RATE = sound.RATE
 
     def __init__(self, desk):
         self.recorder = desk.recorder()
@@ -188,7 +189,7 @@ class Document(WordCase):
         opened = time.monotonic()
         desktop.wait_for(lambda: self.sound_since(begin), 120, what="the first part")
         samples, ends, times = self.recorder.snapshot()
-        first = self.recorder.time_of(begin + desktop.loud_span(samples[begin:])[0], ends, times)
+        first = self.recorder.time_of(begin + sound.loud_span(samples[begin:])[0], ends, times)
         print(f"Word document: opened to first sound {first - opened:.2f} s, the converter alone {alone:.2f} s", flush=True)
 
 

@@ -6,6 +6,7 @@
 // Usage: reminders [COUNT]   COUNT runs of each kind; the file is made in the folder for temporary files
 #include "bench/Statistics.h"
 #include "platform/linux/files/LinuxFileSystem.h"
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <cstdio>

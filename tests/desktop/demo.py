@@ -11,6 +11,7 @@ import wave
 import numpy
 
 import desk as desktop
+import sound
 
 SENTENCE = "Welcome! I am Voxmate. Whatever you type into my window, I read aloud for you."
 
@@ -19,7 +20,7 @@ def save_wave(path, samples):
     with wave.open(path, "wb") as file:
         file.setnchannels(1)
         file.setsampwidth(2)
-        file.setframerate(desktop.RATE)
+        file.setframerate(sound.RATE)
         file.writeframes((samples * 32767).astype("<i2").tobytes())
 
 
@@ -48,14 +49,14 @@ def main():
         program = desk.start()
         print("== Voxmate starts and greets", flush=True)
         text = desk.find("Text to read")
-        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="the greeting")
+        desktop.wait_for(lambda: sound.loud_span(recorder.snapshot()[0]), what="the greeting")
         wait_until_idle(desk, 60)
         print(f"== Typing: {SENTENCE}", flush=True)
         desk.click(text)
         desk.type(SENTENCE)
         desk.click(desk.find("Speak the textbox text"))
         before = recorder.snapshot()[1][-1]
-        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0][before:]), what="speech")
+        desktop.wait_for(lambda: sound.loud_span(recorder.snapshot()[0][before:]), what="speech")
         time.sleep(1.7)
         picture = os.path.join(out, "voxmate.png")
         desk.screenshot(picture)
@@ -65,13 +66,13 @@ def main():
         if program.poll() is not None:
             raise AssertionError(f"Voxmate ended with {program.returncode}")
         desk.end(program)
-        first, last = desktop.loud_span(samples)
-        samples = samples[max(0, first - desktop.RATE // 2):last + desktop.RATE // 2]
+        first, last = sound.loud_span(samples)
+        samples = samples[max(0, first - sound.RATE // 2):last + sound.RATE // 2]
         recording = os.path.join(out, "voxmate.wav")
         save_wave(recording, samples)
         level = 20 * numpy.log10(numpy.sqrt(numpy.mean(samples ** 2)))
         print(f"== The desktop while Voxmate speaks: {picture}")
-        print(f"== What was heard ({len(samples) / desktop.RATE:.1f} s, {level:.0f} dB): {recording}")
+        print(f"== What was heard ({len(samples) / sound.RATE:.1f} s, {level:.0f} dB): {recording}")
     finally:
         desk.close()
 

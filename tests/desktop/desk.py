@@ -14,7 +14,8 @@ import time
 import numpy
 from PIL import ImageGrab
 
-RATE = 44100  # samples per second of the recording
+from sound import RATE
+
 SCREEN = (1600, 1100)
 STATUS = ("I am Idle now !", "Busy...")  # the status line's first panel while the program rests and while it works
 
@@ -25,15 +26,18 @@ PATIENCE = 60  # seconds for what takes a moment on a quiet machine; slowness of
 
 
 def wait_for(condition, timeout=PATIENCE, step=0.02, what="condition"):
-    """Polls until condition() is true and returns its value; fails after timeout seconds."""
+    """Polls until condition() is true and returns its value; fails after timeout seconds. Between two looks it leaves the
+    machine to others for as long as a look took, but for a tenth of a second at most."""
     end = time.monotonic() + timeout
     while True:
+        begin = time.monotonic()
         value = condition()
         if value:
             return value
-        if time.monotonic() > end:
+        now = time.monotonic()
+        if now > end:
             raise AssertionError(f"timed out after {timeout} s: {what}")
-        time.sleep(step)
+        time.sleep(max(step, min(now - begin, 0.1)))
 
 
 class Recorder:
@@ -86,34 +90,6 @@ class Recorder:
         self.process.wait()
         self.thread.join()
         self.process.stdout.close()
-
-
-def loud_windows(samples, threshold=0.01, window=0.005):
-    """True for each window of `window` seconds whose peak is above the threshold (0.01: -40 dB of full scale)."""
-    size = int(RATE * window)
-    count = len(samples) // size
-    return numpy.abs(samples[:count * size]).reshape(count, size).max(axis=1) > threshold
-
-
-def loud_span(samples, threshold=0.01, window=0.005):
-    """First and last loud sample, or None in silence."""
-    loud = numpy.flatnonzero(loud_windows(samples, threshold, window))
-    if len(loud) == 0:
-        return None
-    size = int(RATE * window)
-    return loud[0] * size, (loud[-1] + 1) * size
-
-
-def best_match(rows, part):
-    """How similar the best-matching stretch of `rows` is to `part`, which has as many columns, from 0 to 1: their
-    correlation, with each column's mean subtracted."""
-    part = part - part.mean(axis=0)
-    best = 0.0
-    for at in range(len(rows) - len(part) + 1):
-        there = rows[at:at + len(part)]
-        there = there - there.mean(axis=0)
-        best = max(best, float((there * part).sum() / numpy.sqrt((there ** 2).sum() * (part ** 2).sum() + 1e-9)))
-    return best
 
 
 def showing(pyatspi):
@@ -408,6 +384,12 @@ class Desk:
         window = wait_for(lambda: self.windows(f"^{title}$"), what=f"the window {title!r}")[0]
         return child, window
 
+    def tray(self, align):
+        """Shows a panel with a tray for icons, at the left or right end of the lower edge; returns its program."""
+        tray = self.spawn("trayer", "--edge", "bottom", "--align", align, "--widthtype", "pixel", "--width", "64", "--height", "32")
+        wait_for(lambda: self.windows("^panel$"), what="the tray")
+        return tray
+
     def window_rect(self, window):
         """Position and size of a window's content on the screen."""
         lines = self.run("xwininfo", "-id", window).decode().split("\n")
@@ -425,6 +407,14 @@ class Desk:
         self.run("xdotool", "mousemove", str(x), str(y))
         time.sleep(0.05)
         self.run("xdotool", "click", str(button))
+
+    def drag(self, *places):
+        """Drags with the left button from the first place through the others."""
+        button = ("mousedown", "1")
+        for place in places:
+            self.run("xdotool", "mousemove", *map(str, place), *button)
+            button = ()
+        self.run("xdotool", "mouseup", "1")
 
     def type(self, text):
         self.run("xdotool", "type", "--delay", "8", text)

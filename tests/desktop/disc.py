@@ -13,6 +13,14 @@ SIDE = 120
 RADIUS = 50
 
 
+def write_disc(folder, *names, data=None):
+    """Makes a folder in which the character's file, or `data`, has these names (Disc)."""
+    os.makedirs(folder, exist_ok=True)
+    for name in names or ("Disc",):
+        with open(os.path.join(folder, name + ".acs"), "wb") as file:
+            file.write(data or disc())
+
+
 def disc(**more):
     """The character's file; `more` adds fields to it."""
     rows = [bytes((x + 0.5 - SIDE / 2) ** 2 + (y + 0.5 - SIDE / 2) ** 2 < RADIUS ** 2 for x in range(SIDE)) for y in range(SIDE)]

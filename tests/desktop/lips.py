@@ -6,11 +6,11 @@ import subprocess
 import sys
 import threading
 import time
-import wave
 
 import numpy
 
 import desk as desktop
+import sound
 from program import ROOT
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
@@ -74,12 +74,9 @@ class Rendering:
 
     def __init__(self, path, events, rate):
         """From a wave file and the lines of events that came with it, converted to `rate` samples a second."""
-        with wave.open(path) as file:
-            made = file.getframerate()
-            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        there = numpy.arange(int(len(samples) * rate / made)) * made / rate
+        samples, made = sound.read_wave(path)
         self.rate = rate
-        self.samples = numpy.interp(there, numpy.arange(len(samples)), samples)
+        self.samples = sound.resampled(samples, made, rate)
         self.first_sound = self.seconds_of_first_sound()
         self.mouths, self.words = [], []
         for line in events.split("\n"):
@@ -116,7 +113,7 @@ class DistantEar:
     sink plays the same number of samples every second throughout. A busy machine hears a click late but never early, so
     the earliest estimate counts."""
 
-    RATE = desktop.RATE
+    RATE = sound.RATE
     CLICKS = 5
 
     def __init__(self, desk):
@@ -135,7 +132,7 @@ class DistantEar:
                        env=desk.env, check=True)
         spans = []
         for recorder, begin in zip((close, self.recorder), begins):
-            span = desktop.wait_for(lambda r=recorder, b=begin: desktop.loud_span(r.snapshot()[0][b:], 0.1), what="a click")
+            span = desktop.wait_for(lambda r=recorder, b=begin: sound.loud_span(r.snapshot()[0][b:], 0.1), what="a click")
             # Waits for the whole click, so that its rest is not taken for the next one.
             desktop.wait_for(lambda r=recorder, end=begin + span[0] + self.RATE // 5: len(r.snapshot()[0]) > end,
                              what="the end of the click")

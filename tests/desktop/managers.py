@@ -1,14 +1,14 @@
 """What the character needs of every window manager. test_openbox, test_xfwm4 and test_marco run this under one each."""
 
 import desk as desktop
-from program import ProgramCase
+from program import CALM, ProgramCase
 from test_character import CHARACTER_BUTTON
 
 COMPANION = ("SKIP_TASKBAR", "SKIP_PAGER", "ABOVE")
 
 
 class Companions(ProgramCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
+    defaults = {**CALM, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
 
     def neighbour(self, *options):
         child, window = self.desk.neighbour(*options)
@@ -108,10 +108,7 @@ class Companions(ProgramCase):
     def test_after_a_smaller_screen_the_character_stands_where_the_user_had_put_it(self):
         self.start_and_settle()
         x, y, width, height = self.desk.window_rect(self.character())
-        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "mousedown", "1")
-        for step in range(1, 11):
-            self.desk.run("xdotool", "mousemove", str(x + width // 2 - 10 * step), str(y + height // 2 - 20 * step))
-        self.desk.run("xdotool", "mouseup", "1")
+        self.desk.drag(*((x + width // 2 - 10 * step, y + height // 2 - 20 * step) for step in range(11)))
         home = (x - 100, y - 200, width, height)
         desktop.wait_for(lambda: self.desk.window_rect(self.character()) == home, what="the place that the user chose")
         self.desk.run("xrandr", "--newmode", "small", *"0 1024 0 0 1024 768 0 0 768".split())

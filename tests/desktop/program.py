@@ -1,5 +1,5 @@
-"""What the tests of the running program share: one desktop for all of them, on which each test starts the program
-anew."""
+"""What the tests of the running program share: one desktop for all of a file, on which each test starts the program
+anew, or each class where its tests do not mind."""
 
 import atexit
 import json
@@ -9,18 +9,28 @@ import tempfile
 import threading
 import time
 import unittest
-import wave
-
-import numpy
 
 import desk as desktop
+import sound
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.abspath(os.path.join(HERE, "..", ".."))
 BUILD = os.environ.get("VOXMATE_BUILD", os.path.join(ROOT, "build", "release"))
 IDLE = desktop.STATUS[0]
+CALM = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}  # settings with which nothing is said unasked
 
 _desk = None
+
+
+def ordinal(day):
+    """The day of a month as the program says it."""
+    return f"{day}" + {1: "st", 21: "st", 31: "st", 2: "nd", 22: "nd", 3: "rd", 23: "rd"}.get(day, "th")
+
+
+def spoken_time(now, hours=12):
+    """What the program says as the time."""
+    part = "Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening"
+    return f"Good {part}, Time now is " + (f"{now.hour % 12 or 12}:{now:%M %p}" if hours == 12 else f"{now:%H:%M}")
 
 
 def the_desk(**options):
@@ -92,17 +102,29 @@ class Watch:
 
 class ProgramCase(unittest.TestCase):
     defaults = {}  # settings that differ from the defaults file
+    shared = False  # whether one program serves all cases of the class, which then do not mind their order
 
     def setUp(self):
         self.desk = the_desk()
-        self.program = None
+        self.program = self.running()
         self.render_events = ""
-        self.desk.install_defaults(**self.defaults)
+        if not self.program:
+            self.desk.install_defaults(**self.defaults)
 
     def tearDown(self):
-        for program in list(self.desk.programs):
-            with self.subTest("the program's end"):
-                self.desk.end(program)
+        if not self.shared:
+            for program in list(self.desk.programs):
+                with self.subTest("the program's end"):
+                    self.desk.end(program)
+
+    @classmethod
+    def tearDownClass(cls):
+        for program in list(the_desk().programs):
+            the_desk().end(program)
+
+    def running(self):
+        """The program that an earlier case of the class has started."""
+        return next(iter(self.desk.programs), None) if self.shared else None
 
     def listen(self):
         """Records the sound from now on."""
@@ -113,9 +135,34 @@ class ProgramCase(unittest.TestCase):
         """The number of the sample that was recorded last."""
         return int(self.recorder.snapshot()[1][-1])
 
+    def recorded(self, begin):
+        """The samples recorded from that one on."""
+        return self.recorder.snapshot()[0][begin:]
+
     def sound_since(self, begin):
         """Seconds of sound from that sample on, without the silence."""
-        return desktop.loud_windows(self.recorder.snapshot()[0][begin:]).sum() * 0.005
+        return sound.loud_seconds(self.recorded(begin))
+
+    def heard_since(self, begin):
+        """First and last loud sample, counted from that one on, or None in silence."""
+        return sound.loud_span(self.recorded(begin))
+
+    def wait_for_sound(self, begin, what="sound"):
+        desktop.wait_for(lambda: self.heard_since(begin), what=what)
+
+    def hear(self, begin, *texts, seconds=60.0):
+        """Waits until one of the texts, or the first `seconds` of it, has been said since that sample."""
+        renderings = [self.rendered(text, seconds) for text in texts]
+        like = [0.0]
+
+        def heard():
+            like[0] = max(sound.likeness(self.recorded(begin), rendering) for rendering in renderings)
+            return like[0] > 0.8
+
+        try:
+            desktop.wait_for(heard, step=0.1)
+        except AssertionError:
+            self.fail(f"not heard: {texts} (likeness {like[0]:.2f})")
 
     def streams(self):
         """The sound server's descriptions of the playing streams, one text for each."""
@@ -128,9 +175,13 @@ class ProgramCase(unittest.TestCase):
         return self.program
 
     def start_and_settle(self, **environment):
-        """Starts the program and waits until its window is there and it has been idle for half a second."""
-        self.start(**environment)
-        self.desk.find("Text to read")
+        """Starts the program, or silences the one that an earlier case has started, and waits until its window is there
+        and it has been idle for half a second."""
+        if self.running():
+            self.press("Stop Everything !!!")
+        else:
+            self.start(**environment)
+            self.desk.find("Text to read")
         self.settle()
 
     def settle(self, timeout=desktop.PATIENCE, quiet=0.5):
@@ -144,6 +195,18 @@ class ProgramCase(unittest.TestCase):
             return time.monotonic() - since[0] >= quiet
 
         desktop.wait_for(quiet_long_enough, timeout, what="the program falling idle")
+
+    def watch_mouth(self):
+        """Watches the mouth of the shipped character in its rest pose."""
+        _, (x, y, width, height) = self.character_window()
+        x, y = x + width // 2, y + height * 5 // 9
+        return Watch(self.desk, (x - 24, y - 12, x + 24, y + 16))
+
+    def mouths_during_sound(self, watch, begin):
+        """How many different pictures were seen from the first to the last sound after that sample."""
+        samples, ends, times = self.recorder.snapshot()
+        first, last = (self.recorder.time_of(begin + at, ends, times) for at in sound.loud_span(samples[begin:]))
+        return len({picture for when, picture in watch.seen if first <= when <= last})
 
     def status_panel(self):
         """The status line's first panel."""
@@ -162,8 +225,44 @@ class ProgramCase(unittest.TestCase):
         self.assertEqual(len(labels), 1, labels)
         return labels[0]
 
+    def answer_box(self, title, button="OK"):
+        """Answers a message box, waits until it is gone and returns its text."""
+        text = self.box_text(title)
+        self.press(button)
+        self.desk.gone(title)
+        return text
+
     def press(self, name):
         self.desk.click(self.desk.find(name, role="push button"))
+
+    def type_text(self, text):
+        """Types into the main window's text box, in place of what it holds."""
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("ctrl+a", "Delete")
+        self.desk.type(text)
+
+    def choose_by_keys(self, menu, item, key):
+        """Opens a menu of the main window by its access key, and chooses one of its items by the item's."""
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key(menu)
+        self.desk.find(item, role="menu item")
+        self.desk.key(key)
+
+    def saved(self, name, value):
+        """Waits until a setting has this value in the file."""
+        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
+
+    def iconified(self, window):
+        """Waits until a window is."""
+        desktop.wait_for(lambda: "Iconic" in self.desk.properties(window, "WM_STATE"), what="the iconified window")
+
+    def second_copy_ends(self, **environment):
+        """Starts a second copy of the program, which says that there is one already and ends; the first goes on."""
+        second = self.desk.start(**environment)
+        self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
+        self.press("OK")
+        self.desk.ended(second)
+        self.assertIsNone(self.program.poll())
 
     def has_ended(self, timeout=desktop.PATIENCE, status=0):
         """Waits for the program's end, which this test expects."""
@@ -218,10 +317,13 @@ class ProgramCase(unittest.TestCase):
         self.render_events = result.stdout.decode()
         return path
 
+    def rendered(self, text, seconds):
+        """Samples of a text's rendering, or of its beginning, at the recording's rate and without silence at the
+        ends."""
+        samples = sound.resampled(*sound.read_wave(self.render(text)))
+        first, last = sound.loud_span(samples)
+        return samples[first:last][:int(seconds * sound.RATE)]
+
     def rendered_length(self, text):
         """Seconds of a text's rendering that are not silent."""
-        with wave.open(self.render(text)) as file:
-            rate = file.getframerate()
-            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        size = int(rate * 0.005)
-        return (numpy.abs(samples[:len(samples) // size * size]).reshape(-1, size).max(axis=1) > 0.01).sum() * 0.005
+        return sound.loud_seconds(*sound.read_wave(self.render(text)))

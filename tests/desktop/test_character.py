@@ -6,8 +6,9 @@ import time
 import unittest
 
 import desk as desktop
-from disc import DISC, disc
-from program import IDLE, ProgramCase
+import sound
+from disc import DISC, write_disc
+from program import CALM, IDLE, ProgramCase, ordinal, spoken_time
 
 CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
 SENTENCE = "This is a sentence of some length, so that there is time to interrupt it before it comes to its end."
@@ -16,7 +17,9 @@ COMMANDS = {"stop": 0, "time": 1, "date": 2, "who": 3, "hide": 4}
 
 class Character(ProgramCase):
     # Sound effects are off, so that only the voice is heard.
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
+    defaults = {**CALM, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
+
+    shared = True
 
     def setUp(self):
         super().setUp()
@@ -26,36 +29,35 @@ class Character(ProgramCase):
     def choose(self, command):
         self.desk.click_at(*self.open_character_menu()[COMMANDS[command]])
 
-    def heard_since(self, begin):
-        return desktop.loud_span(self.recorder.snapshot()[0][begin:])
-
     def speak(self, text=SENTENCE):
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(text)
+        self.type_text(text)
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin), what="sound")
+        self.wait_for_sound(begin)
 
     def phrases(self, command):
         """What the character answers to a command, with the default settings."""
         now = datetime.datetime.now()
         if command == "time":
-            part = ("Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening")
-            return [f"Good {part}, Time now is {now.hour % 12 or 12}:{now:%M %p}"]
+            return [spoken_time(now)]
         if command == "date":
-            suffix = {1: "st", 21: "st", 31: "st", 2: "nd", 22: "nd", 3: "rd", 23: "rd"}.get(now.day, "th")
             settings = self.desk.read_settings()
             self.assertEqual((settings["DateFormat"], settings["TimeIn24Hour"]), ("dword:00000002", "dword:00000000"))
-            return [f"Today is {now:%A}, {now.day}{suffix} of {now:%B}, {now.year}"]
+            return [f"Today is {now:%A}, {ordinal(now.day)} of {now:%B}, {now.year}"]
         name = self.desk.read_settings()["UserName"].strip('"')
         return [f"Hello {name}. My name is Nalu", "Hey, do you know, beside reading text in the text box, I can also "
                 "read TEXT and WORD documents."]
 
-    def quiet_from(self, moment, tolerance=0.3):
-        """Nothing is heard after `moment` (of the monotonic clock) plus `tolerance` seconds."""
+    def silences(self, command, tolerance=0.3):
+        """A command chosen while the character speaks silences it within `tolerance` seconds."""
+        self.speak()
+        place = self.open_character_menu()[COMMANDS[command]]
+        self.desk.run("xdotool", "mousemove", *map(str, place))
+        moment = time.monotonic()
+        self.desk.run("xdotool", "click", "1")
         time.sleep(tolerance + 1.0)
         samples, ends, times = self.recorder.snapshot()
-        span = desktop.loud_span(samples)
+        span = sound.loud_span(samples)
         self.assertIsNotNone(span)
         self.assertLess(self.recorder.time_of(span[1], ends, times) - moment, tolerance)
 
@@ -66,20 +68,17 @@ class Character(ProgramCase):
                 expected = sum(self.rendered_length(text) for text in self.phrases(command))
                 status = self.watch_status()
                 self.choose(command)
-                desktop.wait_for(lambda: self.heard_since(begin), what=command)
+                self.wait_for_sound(begin, command)
                 self.settle()
                 status.stop()
-                samples = self.recorder.snapshot()[0][begin:]
-                heard = desktop.loud_windows(samples).sum() * 0.005
-                self.assertAlmostEqual(heard / expected, 1, delta=0.06)
+                self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.06)
                 self.assertIn("Busy...", status.texts())
                 self.assertEqual(status.texts()[-1], IDLE)
 
     def test_an_open_menu_stays_open_when_the_balloon_comes(self):
         self.choose("hide")
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(SENTENCE)
+        self.type_text(SENTENCE)
         self.press("Speak the textbox text")
         self.desk.key("alt+f")
         self.desk.find("Exit")
@@ -88,31 +87,26 @@ class Character(ProgramCase):
         time.sleep(0.3)
         self.assertIn("Exit", self.desk.texts())
         self.desk.key("Escape")
+        self.press(CHARACTER_BUTTON)
+        self.comes_back()
 
     def test_stop_from_the_menu_silences_the_voice(self):
-        self.speak()
-        place = self.open_character_menu()[COMMANDS["stop"]]
-        self.desk.run("xdotool", "mousemove", *map(str, place))
-        chosen = time.monotonic()
-        self.desk.run("xdotool", "click", "1")
-        self.quiet_from(chosen)
+        self.silences("stop")
         self.settle()
 
+    def comes_back(self):
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
+
     def test_hiding_the_character_silences_it_and_the_button_brings_it_back(self):
-        self.speak()
-        place = self.open_character_menu()[COMMANDS["hide"]]
-        self.desk.run("xdotool", "mousemove", *map(str, place))
-        chosen = time.monotonic()
-        self.desk.run("xdotool", "click", "1")
-        self.quiet_from(chosen)
+        self.silences("hide")
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate character$"), what="the character going")
         self.assertFalse(self.desk.windows("^Voxmate balloon$"))
         self.press(CHARACTER_BUTTON)
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate character$"), what="the character coming back")
+        self.comes_back()
         self.settle()
         begin = self.now()
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.heard_since(begin), what="sound after the character has come back")
+        self.wait_for_sound(begin, "sound after the character has come back")
 
     def test_the_right_button_shows_the_cast_and_each_of_it_takes_the_stage(self):
         for name in ("Tock", "Gamp", "Nalu"):
@@ -124,7 +118,7 @@ class Character(ProgramCase):
                     self.desk.key("Down")
                 self.desk.key("Return")
                 self.desk.find(name.upper())
-                desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == f'"{name}"', what="the setting")
+                self.saved("LastCharacter", f'"{name}"')
                 self.settle()
                 self.assertEqual(len(self.desk.windows("^Voxmate character$")), 1)
                 self.speak("Hello")
@@ -154,11 +148,9 @@ class Sizes(ProgramCase):
     def test_small_normal_and_big_are_half_once_and_twice_the_size_and_take_the_mouse_where_they_are_drawn(self):
         sizes = {}
         folder = os.path.join(self.desk.home, "disc", "")
-        os.makedirs(folder, exist_ok=True)
-        with open(os.path.join(folder, "Disc.acs"), "wb") as file:
-            file.write(disc())
+        write_disc(folder)
         for size, scale in ((0, 1), (1, 1), (2, 1), (1, 2)):
-            self.desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, CharacterSize=size, CharacterPath=folder,
+            self.desk.install_defaults(**CALM, CharacterSize=size, CharacterPath=folder,
                                        LastCharacter="Disc")
             self.start_and_settle(QT_SCALE_FACTOR=str(scale))
             window, (x, y, width, height) = self.character_window()

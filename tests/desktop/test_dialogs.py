@@ -12,7 +12,7 @@ import unittest
 import desk as desktop
 from program import BUILD
 from test_reminders import fields, record
-from tour import DAY, TourCase
+from tour import BEGINNING, DAY, TourCase
 
 OPTIONS = "Voxmate Options"
 PICKER = "Select Characters' Location :"
@@ -29,7 +29,7 @@ class Options(TourCase):
         """Presses Apply, after which the settings file must have these values."""
         self.use("Apply")
         for name, value in values.items():
-            desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} in the file")
+            self.saved(name, value)
 
     def boxes_and_buttons(self, without=()):
         """Toggles every enabled check box of the tab, there and back, and chooses every option button."""
@@ -89,7 +89,7 @@ class Options(TourCase):
         self.put("Total lines", "4")
         self.use("OK", window=OPTIONS)
         self.closed(OPTIONS)
-        desktop.wait_for(lambda: self.desk.read_settings()["BalloonTotalLines"] == "dword:00000004", what="the lines in the file")
+        self.saved("BalloonTotalLines", "dword:00000004")
         self.everything_was_pressed(OPTIONS, "Font", PICKER)
 
     def reminders_tab(self):
@@ -247,14 +247,14 @@ class Small(TourCase):
         self.assertGreater(len(seen), 2)
         begin = self.now()
         self.use("Read Tip")
-        self.hears([tip()], begin)
+        self.hear(begin, tip(), seconds=BEGINNING)
         # The button that would stop the speech is covered.
         self.desk.click_at(*self.open_character_menu()[0])
         self.settle()
         for name, setting in (("Auto Read Tip", "AutoReadTip"), ("Show Tips at Startup", "ShowTipAtStartUp")):
             for value in ("dword:00000001", "dword:00000000"):
                 self.toggle(name)
-                desktop.wait_for(lambda: self.desk.read_settings()[setting] == value, what=f"{setting} in the file")
+                self.saved(setting, value)
         self.use("OK", window="Tip of the Day")
         self.closed("Tip of the Day")
         self.everything_was_pressed("Tip of the Day")

@@ -4,18 +4,13 @@ one desktop, whose display is gone afterwards."""
 import unittest
 
 import desk as desktop
-from test_end import EndCase, SilentDisk
+from test_end import EndCase
 
 
 class Display(EndCase):
 
     def test_it_ends_with_the_display_with_all_saved(self):
-        disk = SilentDisk(self)
-        disk.answer()
-        self.start_and_settle(LD_PRELOAD=disk.stand_in)
-        disk.hold()
-        speed = self.set_speed()
-        disk.wait_for_a_save()
+        disk, speed = self.start_and_hang()
         self.assertNotEqual(self.desk.read_settings()["Speed"], speed)
         display = self.desk.children[0]
         display.terminate()

@@ -7,13 +7,10 @@ import sys
 import threading
 import time
 import unittest
-import wave as wave_file
-
-import numpy
 
 import desk as desktop
-from disc import disc
-from program import IDLE, ROOT, Watch
+from disc import disc, write_disc
+from program import IDLE, ROOT, Watch, ordinal, spoken_time
 from test_options import OptionsCase
 from test_reminders import QUIET, ReminderCase, record
 
@@ -23,33 +20,6 @@ from acs_maker import animation, frame, wave  # noqa: E402  pylint: disable=wron
 WHEN = datetime.datetime(2004, 3, 7, 9, 5)
 TEXT = "One two three four five six seven eight"
 LOUD = 0.005  # seconds of sound that count as heard
-
-
-def spectrum(samples):
-    """The loudness of a sound in 24 bands of hearing (100 to 7000 Hz), 100 times a second: one row for each time,
-    logarithmic."""
-    step = desktop.RATE // 100
-    count = max(0, len(samples) // step - 2)
-    windows = numpy.stack([samples[i * step:(i + 3) * step] for i in range(count)]) * numpy.hanning(3 * step)
-    levels = numpy.abs(numpy.fft.rfft(windows, 2048))
-    frequencies = numpy.fft.rfftfreq(2048, 1 / desktop.RATE)
-    edges = 700 * (10 ** (numpy.linspace(*numpy.log10(1 + numpy.array([100, 7000]) / 700), 25)) - 1)
-    bands = [levels[:, (frequencies >= low) & (frequencies < high)].mean(axis=1) for low, high in zip(edges, edges[1:])]
-    return numpy.log(numpy.stack(bands, axis=1) + 0.05)
-
-
-def likeness(recording, rendering):
-    """How similar the heard text is to its rendering, from 0 to 1. Every part of 0.6 seconds is correlated with the
-    best place in the recording, and the least of these values counts. Spectra are compared, because a sentence's wave
-    differs when others have been said before it. Another word, number or name gives 0.65 and less, the same ones 0.88
-    and more."""
-    if len(recording) < max(len(rendering), desktop.RATE // 10):
-        return 0.0
-    heard, expected = spectrum(recording), spectrum(rendering)
-    least, last = 1.0, max(0, len(expected) - 60)
-    for start in [*range(0, last, 60), last]:
-        least = min(least, desktop.best_match(heard, expected[start:start + 60]))
-    return least
 
 
 class EffectsCase(OptionsCase):
@@ -85,28 +55,6 @@ class EffectsCase(OptionsCase):
     def silence(self):
         self.press("Stop Everything !!!")
         self.desk.find(IDLE)
-
-    def rendered(self, text, seconds):
-        """Samples of a text's rendering, or of its beginning, at the recording's rate and without silence at the
-        ends."""
-        with wave_file.open(self.render(text)) as file:
-            rate = file.getframerate()
-            samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-        there = numpy.arange(int(len(samples) * desktop.RATE / rate)) * rate / desktop.RATE
-        samples = numpy.interp(there, numpy.arange(len(samples)), samples)
-        first, last = desktop.loud_span(samples)
-        return samples[first:last][:int(seconds * desktop.RATE)]
-
-    def hear(self, begin, text, seconds=60.0, timeout=desktop.PATIENCE):
-        """Waits until a text, or the first `seconds` of it, has been said since `begin`."""
-        rendering = self.rendered(text, seconds)
-        end = time.monotonic() + timeout
-        while True:
-            like = likeness(self.recorder.snapshot()[0][begin:], rendering)
-            if like > 0.8:
-                return
-            self.assertLess(time.monotonic(), end, f"not heard: {text!r} (likeness {like:.2f})")
-            time.sleep(0.1)
 
     def quiet(self, begin, seconds=1.0):
         time.sleep(seconds)
@@ -167,8 +115,7 @@ class AtOnce(EffectsCase, ReminderCase):
     def test_character_balloon_voice_reminders_messages_and_window_follow_each_setting(self):
         started = time.monotonic()
         self.start_here()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(TEXT)
+        self.type_text(TEXT)
         self.assertGreater(self.speak(), 4, "a word at a time")
         self.open_options()
         for follow in (self.size_follows, self.balloon_follows, self.click_follows, self.sound_effects_follow,
@@ -251,7 +198,7 @@ class AtOnce(EffectsCase, ReminderCase):
     def click_follows(self):
         self.quiet(self.click_character(), 0.7)
         self.set("Reading", ("check box", "Read text box text on character left click", "on"))
-        self.hear(self.click_character(), TEXT, 1)
+        self.hear(self.click_character(), TEXT, seconds=1)
         self.silence()
 
     def sound_effects_follow(self):
@@ -269,8 +216,7 @@ class AtOnce(EffectsCase, ReminderCase):
         while now.second > 57:
             time.sleep(0.1)
             now = datetime.datetime.now()
-        part = "Morning" if now.hour < 12 else "Afternoon" if 13 <= now.hour <= 17 else "Evening"
-        return f"Good {part}, Time now is " + (f"{now.hour % 12 or 12}:{now:%M %p}" if hours == 12 else f"{now:%H:%M}")
+        return spoken_time(now, hours)
 
     def ask(self, button, text):
         begin = self.now()
@@ -285,23 +231,13 @@ class AtOnce(EffectsCase, ReminderCase):
         self.ask("What time is it?", self.clock(12))
         self.set("Reading", ("combo box", "Read System Date in", "DECEMBER-31"))
         now = datetime.datetime.now()
-        suffix = {1: "st", 21: "st", 31: "st", 2: "nd", 22: "nd", 3: "rd", 23: "rd"}.get(now.day, "th")
-        self.ask("What's today's date?", f"Today is {now:%A}, {now:%B} {now.day}{suffix}")
+        self.ask("What's today's date?", f"Today is {now:%A}, {now:%B} {ordinal(now.day)}")
 
     def announce(self):
         """Makes the running program find an overdue reminder in its file."""
         self.write(record("Tea", WHEN, "Green"))
         begin = self.now()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+r")
-        self.desk.find("Show All Reminders")
-        self.desk.key("s")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders"), what="the editor")
-        self.desk.find("Update", role="push button")
-        self.desk.key("Escape")
-        self.desk.find("Do you want to save changes ?")
-        self.desk.key("alt+n")
-        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), what="the editor going away")
+        self.reload()
         return begin
 
     def says(self, begin, *texts):
@@ -315,7 +251,7 @@ class AtOnce(EffectsCase, ReminderCase):
         """Waits for the notice's window; returns whether it is kept above others."""
         window = desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), what="the notice")[0]
         self.desk.find("Snooze", role="push button")
-        return b"_NET_WM_STATE_ABOVE" in self.desk.run("xprop", "-id", window, "_NET_WM_STATE")
+        return "_NET_WM_STATE_ABOVE" in self.desk.properties(window, "_NET_WM_STATE")
 
     def snooze(self):
         self.settle()
@@ -335,7 +271,8 @@ class AtOnce(EffectsCase, ReminderCase):
         # Users know it so: the notice is kept above other windows when the box is not ticked.
         self.assertTrue(self.notice())
         self.says(begin, "Listen please", "Title: Tea\r\n", "Time: 9:05 AM\r\n")
-        self.hear(self.snooze(), "Your reminder has been snoozed by 10 minute(s)\r\nNew schedule for this reminder is", 1.5)
+        self.hear(self.snooze(), "Your reminder has been snoozed by 10 minute(s)\r\nNew schedule for this reminder is",
+                  seconds=1.5)
         self.silence()
 
         self.set("Reminders", ("check box", "Always on top", "on"), ("check box", "Speak below sentence while showing reminder", "off"),
@@ -384,7 +321,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.desk.key("alt+h", "h")
         self.desk.find("Voxmate - Help", role="alert")
         if said:
-            self.hear(begin, said, 1.5)
+            self.hear(begin, said, seconds=1.5)
         else:
             self.quiet(begin)
         self.desk.key("Return")
@@ -402,10 +339,7 @@ class AtOnce(EffectsCase, ReminderCase):
 
     def folder_follows(self):
         other = os.path.join(self.desk.home, "others", "")
-        os.makedirs(other, exist_ok=True)
-        for name in ("Dot", "Spot"):
-            with open(os.path.join(other, name + ".acs"), "wb") as file:
-                file.write(disc())
+        write_disc(other, "Dot", "Spot")
         self.turn_to("Character")
         self.browse(other.rstrip("/"))
         self.apply()
@@ -423,7 +357,7 @@ class AtOnce(EffectsCase, ReminderCase):
         self.set("Misc", ("check box", "When closed minimize to system tray", "on"))
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+F4")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
+        self.iconified(window)
         self.desk.run("xdotool", "windowactivate", "--sync", window)
         self.desk.find("Text to read")
         self.set("Misc", ("check box", "When closed minimize to system tray", "off"))
@@ -435,7 +369,7 @@ class AtOnce(EffectsCase, ReminderCase):
         rest = max(0.0, 60 - (time.monotonic() - started))
         self.quiet(begin, max(0.0, rest - 4))
         desktop.wait_for(lambda: self.sound_since(begin) > 0.5, what="the time told by itself")
-        self.hear(begin, self.clock(12), 1.2)
+        self.hear(begin, self.clock(12), seconds=1.2)
 
 
 class NextStart(EffectsCase):

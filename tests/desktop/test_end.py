@@ -47,6 +47,17 @@ class EndCase(TrayCase):
         self.desk.find("= 43", role="label")
         return "dword:0000002b"
 
+    def start_and_hang(self):
+        """Starts the program and moves the speed bar while the disk does not answer; returns the disk, and the value
+        that is then to be saved."""
+        disk = SilentDisk(self)
+        disk.answer()
+        self.start_and_settle(LD_PRELOAD=disk.stand_in)
+        disk.hold()
+        speed = self.set_speed()
+        disk.wait_for_a_save()
+        return disk, speed
+
     def ends_with(self, speed):
         self.has_ended()
         self.assertEqual(self.desk.read_settings()["Speed"], speed)
@@ -72,10 +83,7 @@ class Signals(EndCase):
 
     def test_it_ends_with_a_box_and_a_menu_open(self):
         self.start_and_settle(PATH="/nonexistent")  # no system information tool
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item")
-        self.desk.key("a")
+        self.choose_by_keys("alt+h", "About Voxmate", "a")
         self.press("System Info...")
         self.desk.find("System Information Is Unavailable At This Time")
         self.program.terminate()
@@ -125,10 +133,9 @@ class Session(EndCase):
 
     def setUp(self):
         super().setUp()
-        self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right")
+        self.tray = self.desk.tray("right")
         self.addCleanup(self.tray.wait, desktop.PATIENCE)
         self.addCleanup(self.tray.terminate)
-        desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")
         self.manager = self.desk.spawn("/usr/bin/python3", os.path.join(HERE, "session_manager.py"), stdin=subprocess.PIPE,
                                        stdout=subprocess.PIPE)
         self.addCleanup(self.manager.stdout.close)
@@ -148,63 +155,50 @@ class Session(EndCase):
         self.start_and_settle(SESSION_MANAGER=self.address)
         self.assertEqual(self.told(), "saved")  # as every program saves when it joins a session
 
+    def is_saved(self):
+        self.tell("save")
+        self.assertEqual(self.told(), "saved")
+
     def test_it_ends_with_the_session_with_all_saved(self):
         self.start_in_session()
         speed = self.set_speed()
-        self.tell("save")
-        self.assertEqual(self.told(), "saved")
+        self.is_saved()
         self.assertEqual(self.desk.read_settings()["Speed"], speed)
         self.tell("die")
         self.ends_with(speed)
         self.assertEqual(self.told(), "gone")
 
     def test_it_ends_with_the_session_while_it_speaks_and_a_box_is_up(self):
-        self.start_and_settle(SESSION_MANAGER=self.address)
-        self.assertEqual(self.told(), "saved")
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type("one two three four five six seven eight nine ten eleven twelve thirteen fourteen")
+        self.start_in_session()
+        self.type_text("one two three four five six seven eight nine ten eleven twelve thirteen fourteen")
         self.press("Speak the textbox text")
         self.desk.find("Busy...")
-        self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item")
-        self.desk.key("h")
+        self.choose_by_keys("alt+h", "About Voxmate", "h")
         self.box_text("Voxmate - Help")
-        self.tell("save")
-        self.assertEqual(self.told(), "saved")
+        self.is_saved()
         self.tell("die")
         self.has_ended()
 
     def test_it_ends_with_the_session_when_it_is_in_the_tray(self):
         self.start_in_session()
         self.hide()
-        self.tell("save")
-        self.assertEqual(self.told(), "saved")
+        self.is_saved()
         self.tell("die")
         self.has_ended()
 
     def test_it_goes_on_when_the_user_stays(self):
         self.start_in_session()
-        self.tell("save")
-        self.assertEqual(self.told(), "saved")
+        self.is_saved()
         self.tell("cancel")
         self.set_speed()
         self.assertTrue(self.desk.windows("^Voxmate$"))
-        self.tell("save")
-        self.assertEqual(self.told(), "saved")
+        self.is_saved()
         self.tell("die")
         self.has_ended()
 
 
 class Disk(EndCase):
     """A disk that no longer answers, like a network folder whose server is gone."""
-
-    def start_and_hang(self):
-        disk = SilentDisk(self)
-        disk.answer()
-        self.start_and_settle(LD_PRELOAD=disk.stand_in)
-        disk.hold()
-        self.set_speed()
-        disk.wait_for_a_save()
 
     def test_a_signal_ends_it_although_its_settings_cannot_be_saved(self):
         self.start_and_hang()
@@ -213,10 +207,7 @@ class Disk(EndCase):
 
     def test_exit_ends_it_although_its_settings_cannot_be_saved(self):
         self.start_and_hang()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Exit")
-        self.desk.key("e")
+        self.choose_by_keys("alt+f", "Exit", "e")
         self.has_ended()
 
 

@@ -9,8 +9,9 @@ import wave
 import numpy
 
 import desk as desktop
-from program import BUILD, ROOT
-from tour import PICTURES, TourCase
+import sound
+from program import BUILD, ROOT, ordinal
+from tour import BEGINNING, PICTURES, TourCase
 
 REMINDED = "You have a reminder"
 
@@ -30,15 +31,12 @@ class FirstEvening(TourCase):
     def keep_recording(self):
         os.makedirs(PICTURES, exist_ok=True)
         with wave.open(os.path.join(PICTURES, "evening.wav"), "wb") as file:
-            file.setparams((1, 2, desktop.RATE, 0, "NONE", ""))
+            file.setparams((1, 2, sound.RATE, 0, "NONE", ""))
             file.writeframes((self.recorder.snapshot()[0] * 32767).astype(numpy.int16).tobytes())
 
     def add_reminder(self, title, description):
         """Sets a reminder for the next minute in the editor."""
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+r")
-        self.desk.find("Show All Reminders")
-        self.desk.key("s")
+        self.open_editor()
         field = self.desk.find("Description", role="text")
         when = self.minute(room=12) + datetime.timedelta(minutes=1)
         for name, text in (("Title", title), ("Time", f"{when:%H:%M}"), ("Description", description)):
@@ -53,31 +51,30 @@ class FirstEvening(TourCase):
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders"), what="the editor going away")
 
     def test_greeted_read_to_reminded_told_a_tip_put_away_and_gone(self):
-        tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "64", "--height", "32")
+        tray = self.desk.tray("left")
         self.addCleanup(tray.terminate)
         self.listen()
         begin = self.now()
         self.start_as_new_user()
         self.desk.find("Text to read")
         today = datetime.datetime.now()
-        suffix = {1: "st", 2: "nd", 3: "rd"}.get(today.day % 10 if today.day not in (11, 12, 13) else 0, "th")
-        self.hears([f"Today is {today:%A}, {today.day}{suffix} of {today:%B, %Y} and Time now is {today:%-I:%M %p}"], begin)
+        self.hear(begin, f"Today is {today:%A}, {ordinal(today.day)} of {today:%B, %Y} and Time now is {today:%-I:%M %p}",
+                  seconds=BEGINNING)
         desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), what="the tip of the first start")
         self.settle(60)
         self.press("OK")
 
         begin = self.now()
         text = "Good evening, this is my first text."
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(text)
+        self.type_text(text)
         self.press("Speak the textbox text")
-        desktop.wait_for(lambda: self.sound_since(begin) > 0, what="the text")
+        self.wait_for_sound(begin, "the text")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin), self.rendered_length(text), delta=0.3)
 
         self.add_reminder("Tea", "Green tea")
         window = desktop.wait_for(self.alerts, 90, what="the alert")[0]
-        self.hears([REMINDED], self.now() - 2 * desktop.RATE)
+        self.hear(self.now() - 2 * sound.RATE, REMINDED, seconds=BEGINNING)
         time.sleep(1)
         self.desk.screenshot(os.path.join(PICTURES, "evening-alert.png"))
         self.settle()
@@ -90,9 +87,9 @@ class FirstEvening(TourCase):
         self.desk.key("Down", "Return")
         begin = self.now()
         self.press("OK")
-        desktop.wait_for(lambda: self.desk.read_settings()["ReminderType"] == "dword:00000001", what="the setting")
+        self.saved("ReminderType", "dword:00000001")
         desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminder$"), what="the notice")
-        self.hears([REMINDED], begin)
+        self.hear(begin, REMINDED, seconds=BEGINNING)
         self.settle()
         self.desk.screenshot(os.path.join(PICTURES, "evening-notice.png"))
         self.press("OK")
@@ -103,10 +100,7 @@ class FirstEvening(TourCase):
         self.settle()
 
         begin = self.now()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Tip of the Day")
-        self.desk.key("t")
+        self.choose_by_keys("alt+f", "Tip of the Day", "t")
         desktop.wait_for(lambda: self.desk.windows("^Tip of the Day$"), what="the tip")
         self.settle()
         if self.sound_since(begin) < 1:
@@ -115,19 +109,13 @@ class FirstEvening(TourCase):
         self.assertGreater(self.sound_since(begin), 1, "the tip")
         self.press("OK")
 
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Put in System Tray")
-        self.desk.key("s")
+        self.choose_by_keys("alt+f", "Put in System Tray", "s")
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), what="the hidden window")
         self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
         time.sleep(0.3)
         self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
         desktop.wait_for(lambda: self.desk.windows("^Voxmate$"), what="the window")
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Exit")
-        self.desk.key("e")
+        self.choose_by_keys("alt+f", "Exit", "e")
         self.has_ended()
         time.sleep(0.5)
         begin = self.now()

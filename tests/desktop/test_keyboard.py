@@ -11,7 +11,7 @@ import desk as desktop
 import test_character
 from program import BUILD
 from test_reminders import record
-from tour import PRESSED, TourCase
+from tour import BEGINNING, PRESSED, TourCase
 
 OPTIONS = "Voxmate Options"
 PICKER = "Select Characters' Location :"
@@ -78,9 +78,6 @@ class KeyboardCase(TourCase):
         self.opened(title)
         desktop.wait_for(lambda: self.focused(title), what=f"the keyboard in {title}")
 
-    def setting(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
-
 
 class Windows(KeyboardCase):
     def test_a_setting_is_changed_and_a_reminder_added(self):
@@ -91,7 +88,7 @@ class Windows(KeyboardCase):
         self.keys("space")
         self.tab_to("Apply", OPTIONS)
         self.keys("space")
-        self.setting("ShowBalloon", "dword:00000000")
+        self.saved("ShowBalloon", "dword:00000000")
         self.close_by_escape(OPTIONS)
         self.activate(self.main_window())
         editor = "Voxmate Reminders - CURRENTLY ENABLED"
@@ -122,7 +119,7 @@ class Windows(KeyboardCase):
         for key, name in (("alt+a", "AutoReadTip"), ("alt+s", "ShowTipAtStartUp")):
             for value in ("dword:00000001", "dword:00000000"):
                 self.keys(key)
-                self.setting(name, value)
+                self.saved(name, value)
         self.keys("alt+r")
         desktop.wait_for(lambda: "Busy..." in self.desk.texts(), what="the busy status")
         self.keys("alt+n")
@@ -207,9 +204,9 @@ class Windows(KeyboardCase):
         self.tab_to("Characters per line", OPTIONS)
         self.keys("Return")
         self.closed(OPTIONS)
-        self.setting("CharacterPath", f'"{cast}/"')
-        self.setting("BalloonFontName", '"DejaVu Sans Mono"')
-        self.setting("BalloonFontSize", "dword:0000000b")
+        self.saved("CharacterPath", f'"{cast}/"')
+        self.saved("BalloonFontName", '"DejaVu Sans Mono"')
+        self.saved("BalloonFontSize", "dword:0000000b")
 
     def test_notice(self):
         self.desk.install_defaults(**{**self.defaults, "ReminderType": 1})
@@ -255,7 +252,7 @@ class Menus(KeyboardCase):
         phrases = test_character.Character.phrases(self, command)[:1] if command else ["Copied from there"]
         begin = self.now()
         self.keys("alt+s", *keys)
-        self.hears(phrases, begin)
+        self.hear(begin, *phrases, seconds=BEGINNING)
         self.keys("space")
         self.settle(quiet=0.1)
 
@@ -274,9 +271,9 @@ class Menus(KeyboardCase):
 
         for number, name in enumerate(("Gamp", "Nalu", "Tock")):
             self.keys("alt+f", "c", *["Down"] * number, "Return")
-            self.setting("LastCharacter", f'"{name}"')
+            self.saved("LastCharacter", f'"{name}"')
         self.keys("alt+f", "c", "Down", "Return")
-        self.setting("LastCharacter", '"Nalu"')
+        self.saved("LastCharacter", '"Nalu"')
         self.settle()
         self.opens("Open Text File to Read...", "alt+f", "p")
         self.opens("Tip of the Day", "alt+f", "t")
@@ -305,7 +302,7 @@ class Menus(KeyboardCase):
         # Without a tray the window is minimised.
         window = self.main_window()
         self.keys("alt+f", "s")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
+        self.iconified(window)
         self.activate(window)
         self.opened("Voxmate")
         self.keys("alt+f", "e")

@@ -5,6 +5,7 @@ import unittest
 
 import desk as desktop
 import lips
+import sound
 from program import ProgramCase, Watch
 
 # In seconds. When the sound is held, the program is ahead of it by the 15 ms that a screen needs and by the 40 ms for
@@ -26,8 +27,7 @@ class Lips(ProgramCase):
         self.start_and_settle()
         _, (self.x, self.y, width, height) = self.character_window()
         self.assertEqual((width, height), (lips.SIDE, lips.SIDE))
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(TEXT)
+        self.type_text(TEXT)
 
     def mouth(self):
         return lips.mouth_in(self.desk.screenshot(box=(self.x + 50, self.y + 50, self.x + 54, self.y + 54)))
@@ -109,12 +109,12 @@ class UnheldSound(Lips):
         self.settle()
         mouth.stop()
         balloon.stop()
-        first = desktop.wait_for(lambda: desktop.loud_span(ear.heard(pressed)), what="the sound")[0]
-        sound = ear.time_of(pressed + first)
+        first = desktop.wait_for(lambda: sound.loud_span(ear.heard(pressed)), what="the sound")[0]
+        heard = ear.time_of(pressed + first)
         opened, shown = (next(by for by, (_, value) in zip(watch.by, watch.seen) if value) for watch in (mouth, balloon))
         # A busy machine makes both late, but never early.
-        self.assertGreater(opened, sound - EARLY)
-        self.assertGreater(shown, sound - EARLY)
+        self.assertGreater(opened, heard - EARLY)
+        self.assertGreater(shown, heard - EARLY)
         self.assertIsNone(self.mouth())
 
 

@@ -7,8 +7,8 @@ import time
 import unittest
 
 import desk as desktop
-from disc import disc
-from program import BUILD, ProgramCase, Watch
+from disc import disc, write_disc
+from program import BUILD, CALM, ProgramCase, Watch
 from test_start import catalogue
 
 TABS = ("Character", "Reading", "Misc", "Reminders")
@@ -202,9 +202,7 @@ class OptionsCase(ProgramCase):
     def setUp(self):
         super().setUp()
         self.cast = os.path.join(self.desk.home, "cast", "")
-        os.makedirs(self.cast, exist_ok=True)
-        with open(os.path.join(self.cast, "Disc.acs"), "wb") as file:
-            file.write(self.character())
+        write_disc(self.cast, data=self.character())
         self.install(**self.values)
         self.dialog = self.page = None
 
@@ -213,8 +211,8 @@ class OptionsCase(ProgramCase):
 
     def install(self, **values):
         """Settings without any speech at the start, apart from `values`."""
-        self.desk.install_defaults(**{"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0,
-                                      "CharacterPath": self.cast, "LastCharacter": "Disc", **values})
+        self.desk.install_defaults(**{**CALM, "ReadMessages": 0, "EnableSoundEffects": 0, "CharacterPath": self.cast,
+                                      "LastCharacter": "Disc", **values})
 
     def start_here(self):
         self.start()
@@ -243,8 +241,8 @@ class OptionsCase(ProgramCase):
         return node.getState().contains(getattr(self.desk.accessible(), "STATE_" + state))
 
     def page_of(self, tab):
-        """The dialog's visible widgets by kind and name; a list goes by its label's name. None unless this tab is in
-        front."""
+        """The dialog's visible widgets by kind and name; a list goes by its label's name. None unless this tab, and no
+        other any more, is in front."""
         pyatspi = self.desk.accessible()
         found = {}
 
@@ -261,7 +259,7 @@ class OptionsCase(ProgramCase):
                     visit(child)
 
         visit(self.dialog)
-        return found if ("filler", tab) in found else None
+        return found if [other for other in TABS if ("filler", other) in found] == [tab] else None
 
     def turn_to(self, tab):
         self.click(self.page["page tab", tab])

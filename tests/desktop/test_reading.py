@@ -11,12 +11,13 @@ import wave
 import numpy
 
 import desk as desktop
-from program import IDLE, ROOT, ProgramCase, Watch
+import sound
+from program import CALM, IDLE, ROOT, ProgramCase
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
 import word_maker as maker  # noqa: E402  pylint: disable=wrong-import-position
 
-QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "EnableSoundEffects": 0, "ReadMessages": 0}
+SILENT = {**CALM, "EnableSoundEffects": 0, "ReadMessages": 0}
 SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
 
 
@@ -37,7 +38,7 @@ def wait_and_type(desk, title, text):
 
 
 class ReadingCase(ProgramCase):
-    defaults = QUIET
+    defaults = SILENT
 
     def setUp(self):
         super().setUp()
@@ -55,15 +56,16 @@ class ReadingCase(ProgramCase):
             out.write(data)
         return path
 
-    def heard_since(self, begin):
-        return desktop.loud_span(self.recorder.snapshot()[0][begin:])
-
     def stop_reading(self):
         """Presses Stop, after which nothing more may sound."""
         self.press("Stop Everything !!!")
         desktop.wait_for(lambda: not self.streams(), what="the end of the sound")
         self.settle()
         self.assertEqual(self.streams(), [])
+
+    def open_text(self, path):
+        self.press("Open and Read a Text Document")
+        wait_and_type(self.desk, "Open Text File to Read...", path)
 
     def check_refusal(self, number):
         """An unexpected error ends the program with its report."""
@@ -75,6 +77,8 @@ class ReadingCase(ProgramCase):
 
 
 class Reading(ReadingCase):
+    shared = True
+
     def test_every_button_is_there_by_its_tool_tip(self):
         names = [name for name, role, _ in self.desk.widgets() if role == "push button"]
         for tip in ("What's today's date?", "What time is it?", "Speak Clipboard Text", "Do you know who am I ?",
@@ -90,20 +94,18 @@ class Reading(ReadingCase):
             with self.subTest(name):
                 path = self.file(name, data)
                 begin = self.now()
-                self.press("Open and Read a Text Document")
-                wait_and_type(self.desk, "Open Text File to Read...", path)
-                desktop.wait_for(lambda: self.heard_since(begin), what="the text")
+                self.open_text(path)
+                self.wait_for_sound(begin, "the text")
                 self.settle()
                 expected = self.rendered_length("Käthe und Jürgen. \nBye")
                 self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
 
     def test_the_clipboard_is_put_into_the_text_box_and_read(self):
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type("Copied from here")
+        self.type_text("Copied from here")
         self.desk.key("ctrl+a", "ctrl+c", "Delete")
         begin = self.now()
         self.press("Speak Clipboard Text")
-        desktop.wait_for(lambda: self.heard_since(begin), what="the clipboard's text")
+        self.wait_for_sound(begin, "the clipboard's text")
         box = self.desk.find("Text to read")
         self.assertEqual(box.queryText().getText(0, -1), "Copied from here")
 
@@ -125,7 +127,7 @@ class Reading(ReadingCase):
 
                 begin = self.now()
                 desktop.wait_for(read, step=0.5, what="the clipboard's text")
-                desktop.wait_for(lambda: self.heard_since(begin), what="the clipboard's text being spoken")
+                self.wait_for_sound(begin, "the clipboard's text being spoken")
             finally:
                 owner.terminate()
 
@@ -139,8 +141,7 @@ class Reading(ReadingCase):
         # A folder is opened, whatever its name.
         folder = os.path.join(self.folder, "folder.txt")
         os.mkdir(folder)
-        self.press("Open and Read a Text Document")
-        wait_and_type(self.desk, "Open Text File to Read...", folder)
+        self.open_text(folder)
         desktop.wait_for(lambda: focused_text(self.desk).queryText().getText(0, -1) == "", what="the folder being entered")
         self.desk.find("Open Text File to Read...")
         self.desk.key("Escape")
@@ -153,11 +154,8 @@ class Reading(ReadingCase):
                                (page, "The below document you are trying to open is not a TEXT document:"),
                                (empty, "The below TEXT document you are trying to open is empty:")):
             with self.subTest(path):
-                self.press("Open and Read a Text Document")
-                wait_and_type(self.desk, "Open Text File to Read...", path)
-                self.assertEqual(self.box_text("Voxmate - File Error"), sentence + "\n" + path)
-                self.press("OK")
-                self.desk.gone("Voxmate - File Error")
+                self.open_text(path)
+                self.assertEqual(self.answer_box("Voxmate - File Error"), sentence + "\n" + path)
                 self.assertIn(IDLE, self.desk.texts())
 
     def test_a_wave_file_comes_out_with_its_own_length(self):
@@ -170,23 +168,19 @@ class Reading(ReadingCase):
             out.writeframes(tone.tobytes())
         # Alternately loud and quiet, so that the mouth has something to follow.
         begin = self.now()
-        _, (x, y, width, height) = self.character_window()
-        mouth = Watch(self.desk, (x + width // 2 - 24, y + height * 5 // 9 - 12, x + width // 2 + 24, y + height * 5 // 9 + 16))
+        mouth = self.watch_mouth()
         self.play(path)
-        desktop.wait_for(lambda: self.heard_since(begin), what="the tone")
+        self.wait_for_sound(begin, "the tone")
         self.settle()
         mouth.stop()
-        samples, ends, times = self.recorder.snapshot()
-        first, last = self.heard_since(begin)
         self.assertAlmostEqual(self.sound_since(begin), 3, delta=0.09)
-        start, end = (self.recorder.time_of(begin + at, ends, times) for at in (first, last))
-        self.assertGreaterEqual(len({picture for when, picture in mouth.seen if start <= when <= end}), 3)
+        self.assertGreaterEqual(self.mouths_during_sound(mouth, begin), 3)
         # Of a file cut off within its samples, the remaining ones are played.
         with open(path, "rb") as file:
             data = file.read()
         begin = self.now()
         self.play(self.file("half.wav", data[:44 + rate * 3]))
-        desktop.wait_for(lambda: self.heard_since(begin), what="half of the tone")
+        self.wait_for_sound(begin, "half of the tone")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin), 1.5, delta=0.09)
 
@@ -208,11 +202,11 @@ class Reading(ReadingCase):
             with self.subTest(name):
                 begin = self.now()
                 self.play(os.path.join(self.folder, name))
-                desktop.wait_for(lambda: self.heard_since(begin), what="the tone")
+                self.wait_for_sound(begin, "the tone")
                 self.settle()
                 first, last = self.heard_since(begin)
-                self.assertAlmostEqual((last - first) / desktop.RATE, 2, delta=0.09)
-                samples = self.recorder.snapshot()[0][begin + first:begin + last].astype(float)
+                self.assertAlmostEqual((last - first) / sound.RATE, 2, delta=0.09)
+                samples = self.recorded(begin)[first:last]
                 levels[name] = numpy.sqrt((samples ** 2).mean())
                 self.assertAlmostEqual(levels[name] / levels["one.wav"], 1, delta=0.1)
 
@@ -236,8 +230,7 @@ class Reading(ReadingCase):
                 self.settle()
                 self.assertEqual(self.boxes(), [])
         binary = self.file("binary.txt", bytes(range(256)) * 4)
-        self.press("Open and Read a Text Document")
-        wait_and_type(self.desk, "Open Text File to Read...", binary)
+        self.open_text(binary)
         desktop.wait_for(lambda: "Busy..." in self.desk.texts(), what="the reading")
         self.press("Stop Everything !!!")
         self.settle()
@@ -250,8 +243,7 @@ class Reading(ReadingCase):
                 else:
                     with open(path, "wb") as out:
                         out.truncate(4 << 30)
-                self.press("Open and Read a Text Document")
-                wait_and_type(self.desk, "Open Text File to Read...", path)
+                self.open_text(path)
                 self.check_refusal(number)
                 if name == "huge.txt":
                     self.start_and_settle()
@@ -262,17 +254,15 @@ class Reading(ReadingCase):
         expected = self.rendered_length(first) + self.rendered_length(second)
         begin = self.now()
         for path in files:
-            self.press("Open and Read a Text Document")
-            wait_and_type(self.desk, "Open Text File to Read...", path)
+            self.open_text(path)
         desktop.wait_for(lambda: self.sound_since(begin) > 0.9 * expected, what="both texts")
         self.settle()
         self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
         long = self.file("long.txt", (SENTENCE * 10).encode())
         begin = self.now()
         for path in (long, files[0]):
-            self.press("Open and Read a Text Document")
-            wait_and_type(self.desk, "Open Text File to Read...", path)
-        desktop.wait_for(lambda: self.heard_since(begin), what="the long text")
+            self.open_text(path)
+        self.wait_for_sound(begin, "the long text")
         self.stop_reading()
 
 
@@ -294,8 +284,7 @@ class WithoutRights(ReadingCase):
     def test_a_file_that_may_not_be_read_is_reported(self):
         path = self.file("mine.txt", b"hello")
         os.chmod(path, 0)
-        self.press("Open and Read a Text Document")
-        wait_and_type(self.desk, "Open Text File to Read...", path)
+        self.open_text(path)
         self.check_refusal(70)
 
 
@@ -333,7 +322,7 @@ class Word(WordCase):
         begin = self.now()
         status = self.watch_status()
         self.open_word(path)
-        desktop.wait_for(lambda: self.heard_since(begin), what="the first part")
+        self.wait_for_sound(begin, "the first part")
         desktop.wait_for(lambda: "Busy..." in status.texts(), what="the reading to be queued")
         status.stop()
         parts = [seen for seen in status.texts() if seen and seen.startswith("Reading part ")]
@@ -363,10 +352,8 @@ class Word(WordCase):
                 self.nothing_left()
         empty = self.file("zero.doc", b"")
         self.open_word(empty)
-        self.assertEqual(self.box_text("Voxmate - File Error"),
+        self.assertEqual(self.answer_box("Voxmate - File Error"),
                          "The below WORD document you are trying to open contains no text:\n" + empty)
-        self.press("OK")
-        self.desk.gone("Voxmate - File Error")
         self.assertIn(IDLE, self.desk.texts())
         page = "<html><body><p>Hello</p></body></html>"
         expected = self.rendered_length("Hello")
@@ -378,7 +365,7 @@ class Word(WordCase):
             with self.subTest(path):
                 begin = self.now()
                 self.open_word(path)
-                desktop.wait_for(lambda: self.heard_since(begin), what="the document")
+                self.wait_for_sound(begin, "the document")
                 self.settle()
                 self.assertAlmostEqual(self.sound_since(begin) / expected, 1, delta=0.1)
                 self.assertEqual(self.boxes(), [])
@@ -408,7 +395,7 @@ class Word(WordCase):
 
 
 class WholeDocument(WordCase):
-    defaults = {**QUIET, "Speed": 400}
+    defaults = {**SILENT, "Speed": 400}
 
     def test_all_of_a_document_is_heard_and_stop_in_a_later_part_ends_it(self):
         # Each sentence is followed by so many empty paragraphs that it makes a part of its own.

@@ -10,10 +10,10 @@ import time
 import unittest
 
 import desk as desktop
-from program import ProgramCase, Watch
+from program import CALM, ProgramCase, Watch
 
 SLOT = 128
-QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0, "ShowCharacterAtStart": 0,
+QUIET = {**CALM, "ReadMessages": 0, "EnableSoundEffects": 0, "ShowCharacterAtStart": 0,
          "ReminderSentenceSpeak": 0, "ReminderTitleSpeak": 0, "ReminderDateSpeak": 0, "ReminderTimeSpeak": 0,
          "ReminderDescSpeak": 0, "ReminderNextSchSpeak": 0}
 TALKING = dict(QUIET, ReminderSentenceSpeak=1, ReminderTitleSpeak=1, ReminderDescSpeak=1)
@@ -69,6 +69,19 @@ class ReminderCase(ProgramCase):
             time.sleep(0.2)
         return datetime.datetime.now().replace(second=0, microsecond=0)
 
+    def open_editor(self):
+        self.choose_by_keys("alt+r", "Show All Reminders", "s")
+        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders - "), what="the editor")
+
+    def reload(self):
+        """Makes the running program load the file by opening and closing its editor."""
+        self.open_editor()
+        self.desk.find("Update", role="push button")
+        self.desk.key("Escape")
+        self.desk.find("Do you want to save changes ?")
+        self.desk.key("alt+n")
+        desktop.wait_for(lambda: not self.desk.windows("^Voxmate Reminders - "), what="the editor going away")
+
     def alerts(self):
         return self.desk.windows("^frmAlert$")
 
@@ -85,9 +98,8 @@ class Alerts(ReminderCase):
         self.settings(**TALKING, ShowBalloon=0)
         when = self.minute(room=25)
         self.write(record("Tea", when, "Green tea with Ann"))
-        recorder = self.desk.recorder()
-        self.addCleanup(recorder.stop)
-        begin = int(recorder.snapshot()[1][-1])
+        self.listen()
+        begin = self.now()
         self.start()
         window = desktop.wait_for(self.alerts, step=0.005, what="the alert")[0]
         tops = []
@@ -107,8 +119,7 @@ class Alerts(ReminderCase):
         self.settle()
         sentence = self.desk.read_settings()["ReminderSentence"].strip('"')
         spoken = sum(self.rendered_length(text) for text in (sentence, "Title: Tea", "Description: Green tea with Ann"))
-        heard = desktop.loud_windows(recorder.snapshot()[0][begin:]).sum() * 0.005
-        self.assertAlmostEqual(heard, spoken, delta=0.05 * spoken)
+        self.assertAlmostEqual(self.sound_since(begin), spoken, delta=0.05 * spoken)
         self.assertEqual(self.done(), ["N"])
         self.desk.click_at(left + width // 2, top + height // 2)
         desktop.wait_for(lambda: not self.alerts(), what="the alert sliding away")
@@ -142,34 +153,23 @@ class Alerts(ReminderCase):
         self.settings()
         soon = self.minute() - datetime.timedelta(days=400)
         self.start_and_settle()
+        self.write(*[record(name, soon, "now") for name in ("One", "Two", "Three")])
+        self.reload()
         self.desk.click(self.desk.find("Text to read"))
-        self.program_reads_file_anew([record(name, soon, "now") for name in ("One", "Two", "Three")])
         self.desk.type("abcdefghijklmnopqrstuvwxyz" * 4)
         desktop.wait_for(lambda: len(self.alerts()) == 3, what="three alerts")
         desktop.wait_for(lambda: len({place[1] for place in self.places()}) == 3, what="three places")
         self.assertEqual(self.desk.find("Text to read").queryText().getText(0, -1), "abcdefghijklmnopqrstuvwxyz" * 4)
 
-    def program_reads_file_anew(self, records):
-        """Makes the running program load the file by opening and closing its editor."""
-        self.write(*records)
-        self.desk.key("alt+r")
-        self.desk.find("Show All Reminders")
-        self.desk.key("s")
-        self.desk.find("Reminders")
-        self.desk.key("Escape")
-        self.desk.find("Do you want to save changes ?")
-        self.desk.key("alt+n")
-        self.desk.click(self.desk.find("Text to read"))
 
-
-class Notices(ReminderCase):
-    def setUp(self):
-        super().setUp()
-        self.desk.install_defaults(**self.defaults, ReminderType=1)
+class NoticeCase(ReminderCase):
+    defaults = {**QUIET, "ReminderType": 1}
 
     def notices(self):
         return self.desk.windows("^Voxmate Reminder$")
 
+
+class Notices(NoticeCase):
     def test_ok_marks_it_done(self):
         self.write(record("Call", datetime.datetime(2004, 3, 7, 9, 5), "Bank"))
         self.start()
@@ -213,17 +213,10 @@ class Notices(ReminderCase):
         self.assertEqual(self.done(), ["N", "N", "N"])
 
 
-class Kept(ReminderCase):
+class Kept(NoticeCase):
     """What cannot be written now is written later."""
 
     call = datetime.datetime(2004, 3, 7, 9, 5)
-
-    def setUp(self):
-        super().setUp()
-        self.desk.install_defaults(**self.defaults, ReminderType=1)
-
-    def notices(self):
-        return self.desk.windows("^Voxmate Reminder$")
 
     def answer(self):
         self.press("OK")
@@ -333,13 +326,6 @@ class InvalidFile(ReminderCase):
 
 
 class Editor(ReminderCase):
-    def open_editor(self):
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+r")
-        self.desk.find("Show All Reminders")
-        self.desk.key("s")
-        desktop.wait_for(lambda: self.desk.windows("^Voxmate Reminders - CURRENTLY ENABLED$"), what="the editor")
-
     def put(self, name, text):
         self.desk.click(self.desk.find(name, role="text"))
         self.desk.key("ctrl+a")
@@ -353,6 +339,7 @@ class Editor(ReminderCase):
     def test_reminders_are_added_changed_and_deleted_by_hand(self):
         self.start_and_settle()
         self.open_editor()
+        self.assertTrue(self.desk.windows("^Voxmate Reminders - CURRENTLY ENABLED$"))
         today = datetime.datetime.now().replace(hour=23, minute=59, second=0, microsecond=0)
         self.put("Title", "Tea")
         self.put("Time", "x23:59")

@@ -6,49 +6,38 @@ import time
 import unittest
 
 import desk as desktop
-from program import IDLE, ProgramCase, Watch
+import sound
+from program import CALM, IDLE, ProgramCase
 
 SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all."
-QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
 
 
 class SpeechCase(ProgramCase):
-    defaults = QUIET
-
-    def type_text(self, text):
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type(text)
+    defaults = CALM
 
 
 class Speech(SpeechCase):
+    shared = True
+
     def setUp(self):
         super().setUp()
         self.listen()
 
-    def hear(self, begin):
-        """Waits until there is sound after a given sample."""
-        desktop.wait_for(lambda: self.sound_since(begin), what="sound")
-
     def test_a_typed_sentence_is_heard_and_as_much_of_it_as_the_engine_makes(self):
         self.start_and_settle()
         self.type_text(SENTENCE)
-        _, (x, y, width, height) = self.character_window()
         begin = self.now()
         status = self.watch_status()
-        # The mouth of the shipped character in its rest pose.
-        mouth_x, mouth_y = x + width // 2, y + height * 5 // 9
-        frames = Watch(self.desk, (mouth_x - 24, mouth_y - 12, mouth_x + 24, mouth_y + 16))
+        mouth = self.watch_mouth()
         self.press("Speak the textbox text")
-        self.hear(begin)
+        self.wait_for_sound(begin)
         self.settle()
-        frames.stop()
+        mouth.stop()
         status.stop()
         # Silence is not counted, because a busy sound server may insert some.
         self.assertAlmostEqual(self.sound_since(begin) / self.rendered_length(SENTENCE), 1.0, delta=0.05)
         # (Before the press the character may be looking around.)
-        samples, ends, times = self.recorder.snapshot()
-        start, end = (self.recorder.time_of(begin + at, ends, times) for at in desktop.loud_span(samples[begin:]))
-        self.assertGreaterEqual(len({picture for when, picture in frames.seen if start <= when <= end}), 5)
+        self.assertGreaterEqual(self.mouths_during_sound(mouth, begin), 5)
         texts = status.texts()
         self.assertEqual(texts[:2], [IDLE, "Busy..."])
         self.assertEqual(texts[-1], IDLE)
@@ -58,7 +47,7 @@ class Speech(SpeechCase):
         self.type_text(SENTENCE * 3)
         begin = self.now()
         self.press("Speak the textbox text")
-        self.hear(begin)
+        self.wait_for_sound(begin)
         self.press("Stop Everything !!!")
         desktop.wait_for(lambda: not self.streams(), what="the end of the sound")
         self.assertLess(self.sound_since(begin), 0.5 * self.rendered_length(SENTENCE * 3))
@@ -70,7 +59,7 @@ class Speech(SpeechCase):
         self.type_text(SENTENCE)
         begin = self.now()
         self.press("Speak the textbox text")
-        self.hear(begin)
+        self.wait_for_sound(begin)
         self.press("Speak the textbox text")
         self.settle(quiet=0.8)
         self.assertGreater(self.sound_since(begin), 1.9 * self.rendered_length(SENTENCE))
@@ -88,9 +77,10 @@ class Speech(SpeechCase):
 
     def test_nothing_to_read_is_complained_about_aloud(self):
         self.start_and_settle()
+        self.type_text("")
         begin = self.now()
         self.press("Speak the textbox text")
-        self.hear(begin)
+        self.wait_for_sound(begin)
         self.assertEqual(self.boxes(), [])
 
     def test_a_left_click_on_the_character_reads_the_text_box(self):
@@ -99,32 +89,30 @@ class Speech(SpeechCase):
         _, (x, y, width, height) = self.character_window()
         begin = self.now()
         self.desk.click_at(x + width // 2, y + height // 2)
-        self.hear(begin)
+        self.wait_for_sound(begin)
 
 
 class SoundServer(SpeechCase):
-    def hear(self):
+    def is_heard(self):
         recorder = self.desk.recorder()
         try:
             self.press("Speak the textbox text")
-            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="sound")
+            desktop.wait_for(lambda: sound.loud_span(recorder.snapshot()[0]), what="sound")
         finally:
             recorder.stop()
 
     def test_speech_goes_on_after_the_sound_server_crashed_in_mid_sentence_and_came_back(self):
         self.start_and_settle()
         self.type_text(SENTENCE)
-        self.hear()
+        self.is_heard()
         self.desk.kill_sound()
         try:
             self.settle()
             self.press("Speak the textbox text")
-            self.assertEqual(self.box_text("Voxmate - Audio Output Problem"), "There is no support for audio output.")
-            self.press("OK")
-            self.desk.gone("Voxmate - Audio Output Problem")
+            self.assertEqual(self.answer_box("Voxmate - Audio Output Problem"), "There is no support for audio output.")
         finally:
             self.desk.start_sound()
-        self.hear()
+        self.is_heard()
         self.assertIsNone(self.program.poll())
 
     def test_a_sink_that_stops_playing_in_mid_sentence_ends_the_sentence(self):
@@ -141,32 +129,25 @@ class SoundServer(SpeechCase):
         try:
             self.start_and_settle()
             self.press("Speak the textbox text")
-            self.box_text("Voxmate - Audio Output Problem")
-            self.press("OK")
-            self.desk.gone("Voxmate - Audio Output Problem")
+            self.answer_box("Voxmate - Audio Output Problem")
         finally:
             self.desk.start_sound()
-        self.hear()
+        self.is_heard()
 
 
 class Greeting(ProgramCase):
     defaults = {"EnableSoundEffects": 0}  # so that only the voice is heard
 
     def test_the_start_up_greeting_is_heard(self):
-        recorder = self.desk.recorder()
-        try:
-            self.start()
-            desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="the greeting")
-            self.settle(quiet=1.0)
-            samples = recorder.snapshot()[0]
-            first, last = desktop.loud_span(samples)
-            self.assertGreater((last - first) / desktop.RATE, 3)
-        finally:
-            recorder.stop()
+        self.listen()
+        self.start()
+        self.wait_for_sound(0, "the greeting")
+        self.settle(quiet=1.0)
+        first, last = self.heard_since(0)
+        self.assertGreater((last - first) / sound.RATE, 3)
 
     def test_it_is_heard_although_the_sound_server_answers_late(self):
-        recorder = self.desk.recorder()
-        self.addCleanup(recorder.stop)
+        self.listen()
         os.kill(self.desk.sound.pid, signal.SIGSTOP)
         try:
             self.start()
@@ -176,7 +157,7 @@ class Greeting(ProgramCase):
             time.sleep(1)
         finally:
             os.kill(self.desk.sound.pid, signal.SIGCONT)
-        desktop.wait_for(lambda: desktop.loud_span(recorder.snapshot()[0]), what="the greeting")
+        self.wait_for_sound(0, "the greeting")
         self.settle()
         self.assertEqual(self.boxes(), [])
 

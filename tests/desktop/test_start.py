@@ -8,9 +8,7 @@ import time
 import unittest
 
 import desk as desktop
-from program import BUILD, ROOT, ProgramCase
-
-QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+from program import BUILD, CALM, ROOT, ProgramCase
 
 
 def catalogue():
@@ -98,25 +96,17 @@ class FirstStart(ProgramCase):
 
 
 class Instances(ProgramCase):
-    defaults = QUIET
+    defaults = CALM
 
     def test_a_second_copy_says_so_and_ends_and_the_first_goes_on(self):
         self.start_and_settle()
-        second = self.desk.start()
-        self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
-        self.press("OK")
-        self.desk.ended(second)
-        self.assertIsNone(self.program.poll())
+        self.second_copy_ends()
 
     def test_a_second_copy_in_another_session_says_so_too_because_the_folder_of_data_is_one(self):
         self.start_and_settle()
         with tempfile.TemporaryDirectory() as runtime:
             os.chmod(runtime, 0o700)
-            second = self.desk.start(XDG_RUNTIME_DIR=runtime)
-            self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
-            self.press("OK")
-            self.desk.ended(second)
-        self.assertIsNone(self.program.poll())
+            self.second_copy_ends(XDG_RUNTIME_DIR=runtime)
 
     def test_a_crash_leaves_nothing_that_blocks_the_next_start(self):
         self.start_and_settle()
@@ -127,10 +117,7 @@ class Instances(ProgramCase):
 
     def test_exit_from_the_menu_by_the_keyboard_ends_the_program(self):
         self.start_and_settle()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Exit")
-        self.desk.key("e")
+        self.choose_by_keys("alt+f", "Exit", "e")
         self.has_ended()
 
     def test_closing_the_window_ends_the_program(self):
@@ -142,18 +129,15 @@ class Instances(ProgramCase):
 
 
 class Lacking(ProgramCase):
-    defaults = QUIET
+    defaults = CALM
 
     def test_without_a_sound_device_a_box_says_so_and_the_program_goes_on(self):
         self.start(PULSE_SERVER="unix:/nonexistent/sound")
         self.desk.find("Text to read")
         self.settle()
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.type("Anybody there?")
+        self.type_text("Anybody there?")
         self.press("Speak the textbox text")
-        self.assertEqual(self.box_text("Voxmate - Audio Output Problem"), "There is no support for audio output.")
-        self.press("OK")
-        self.desk.gone("Voxmate - Audio Output Problem")
+        self.assertEqual(self.answer_box("Voxmate - Audio Output Problem"), "There is no support for audio output.")
         self.assertIsNone(self.program.poll())
 
     def test_without_characters_both_boxes_show_and_the_program_ends(self):
@@ -164,7 +148,7 @@ class Lacking(ProgramCase):
                             ignore=shutil.ignore_patterns("*.acs"))
             empty = os.path.join(folder, "empty") + "/"
             os.makedirs(empty)
-            self.desk.install_defaults(**QUIET, CharacterPath=empty)
+            self.desk.install_defaults(**CALM, CharacterPath=empty)
             self.start(path=os.path.join(folder, "voxmate"))
             self.assertEqual(plain(self.box_text("Voxmate - Path Error")), "\n".join([
                 "No characters found in the following path:", empty,
@@ -223,7 +207,7 @@ class Lacking(ProgramCase):
             path = os.path.join(folder, "Broken.acs")
             with open(path, "wb") as file:
                 file.write(b"\xC3\xAB\xCD\xAB" + bytes(20))
-            self.desk.install_defaults(**QUIET, CharacterPath=folder, LastCharacter="Broken")
+            self.desk.install_defaults(**CALM, CharacterPath=folder, LastCharacter="Broken")
             self.start()
             text = plain(self.box_text("Voxmate - Unhandled Error"))
             self.assertIn(path, text)

@@ -2,18 +2,18 @@
 
 import math
 import os
+import shutil
 import sys
 import time
 import unittest
 
 import desk as desktop
-from disc import DISC, RADIUS, SIDE, disc
-from program import ROOT, ProgramCase
+from disc import DISC, RADIUS, SIDE, disc, write_disc
+from program import CALM, ROOT, ProgramCase
+from test_character import CHARACTER_BUTTON
 
 sys.path.insert(0, os.path.join(ROOT, "tests", "files"))
 from acs_maker import animation, frame, image  # noqa: E402  pylint: disable=wrong-import-position
-
-CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
 
 
 def picture(colour, side=SIDE, radius=RADIUS):
@@ -29,16 +29,11 @@ class Strange(ProgramCase):
     def install(self, name, data, **settings):
         """Makes a character file the one that the program loads; returns its path."""
         folder = os.path.join(self.desk.home, "strange", "")
-        os.makedirs(folder, exist_ok=True)
-        for file in os.listdir(folder):
-            os.remove(folder + file)
-        path = folder + name + ".acs"
-        with open(path, "wb") as file:
-            file.write(data)
-        values = {"SpeakTimeInterval": 0, "GreetingEnabled": 0, "CharacterPath": folder, "LastCharacter": name,
-                  "ReadMessages": 0, **settings}
+        shutil.rmtree(folder, ignore_errors=True)
+        write_disc(folder, name, data=data)
+        values = {**CALM, "CharacterPath": folder, "LastCharacter": name, "ReadMessages": 0, **settings}
         self.desk.install_defaults(**values)
-        return path
+        return folder + name + ".acs"
 
     def disc_pixels(self):
         """How many of the screen's pixels in the character's window have the disc's colour."""
@@ -139,11 +134,10 @@ class Names(Strange):
     def test_the_character_is_found_whatever_the_case_of_its_name_in_the_settings(self):
         self.install("Nalu", disc(names=[(0x0409, "Nalu", "", "")]), LastCharacter="nALU")
         folder = os.path.join(self.desk.home, "strange", "")
-        with open(folder + "Another.acs", "wb") as file:
-            file.write(disc())
+        write_disc(folder, "Another")
         self.start_and_settle()
         self.desk.find("NALU")
-        desktop.wait_for(lambda: self.desk.read_settings()["LastCharacter"] == '"Nalu"', what="the setting")
+        self.saved("LastCharacter", '"Nalu"')
         self.assertEqual(self.boxes(), [])
 
 

@@ -10,7 +10,7 @@ import desk as desktop
 import test_character
 from program import BUILD
 from test_reminders import record
-from tour import TourCase
+from tour import BEGINNING, TourCase
 
 CHARACTER_BUTTON = test_character.CHARACTER_BUTTON
 OPEN = {  # kinds of files -> the dialog that asks for one
@@ -36,7 +36,7 @@ class MainTour(TourCase):
         before = self.phrases("time")
         begin = self.now()
         act()
-        self.hears(before + [phrase for phrase in self.phrases("time") if phrase not in before], begin)
+        self.hear(begin, *(before + [phrase for phrase in self.phrases("time") if phrase not in before]), seconds=BEGINNING)
         self.hush()
 
     def opens_a_file_of(self, kind, act, picture):
@@ -55,13 +55,10 @@ class MainTour(TourCase):
             self.look(title, picture)
         self.close_by_escape(title)
 
-    def setting(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
-
     def becomes(self, name):
         """Waits until the character of this name is the present one."""
         self.desk.find(name.upper(), role="label")
-        self.setting("LastCharacter", f'"{name}"')
+        self.saved("LastCharacter", f'"{name}"')
         self.settle()
         self.character_window()
 
@@ -88,9 +85,9 @@ class Buttons(MainTour):
         self.shows("Voxmate Options", lambda: self.use("User Options"))
 
         self.toggle("Whisper")
-        self.setting("Whisper", "dword:00000001")
+        self.saved("Whisper", "dword:00000001")
         self.toggle("Whisper")
-        self.setting("Whisper", "dword:00000000")
+        self.saved("Whisper", "dword:00000000")
         for name, key in (("Speed", "Left"), ("Pitch", "Right")):
             def in_file(name=name):
                 return int(self.desk.read_settings()[name].removeprefix("dword:"), 16)
@@ -101,7 +98,7 @@ class Buttons(MainTour):
             # By now the file may hold the result of the click or that of the key.
             desktop.wait_for(lambda: in_file() != before and f"= {in_file()}" in self.desk.texts(), what=f"the {name} shown and in the file")
         entry = self.next_entry("Voice Types")
-        self.setting("LastSpeechEngine", f'"{entry}"')
+        self.saved("LastSpeechEngine", f'"{entry}"')
 
         self.the_characters_own_menu()
         # The character is hidden now.
@@ -127,7 +124,7 @@ class Buttons(MainTour):
         self.says(lambda: choose("date"), *self.phrases("date"))
         begin = self.now()
         choose("who")
-        self.hears(self.phrases("who"), begin)
+        self.hear(begin, *self.phrases("who"), seconds=BEGINNING)
         balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), what="the balloon")[0]
         self.check_names()
         x, y, width, height = self.desk.window_rect(balloon)
@@ -141,7 +138,7 @@ class Buttons(MainTour):
 class Menus(MainTour):
     def test_every_item_of_every_menu_does_what_it_says(self):
         self.write(record("Tea", datetime.datetime(2099, 3, 7, 9, 5), "Green"))
-        tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "64", "--height", "32")
+        tray = self.desk.tray("left")
         self.addCleanup(tray.terminate)
         opened = self.fake("xdg-open")
         self.start_touring(listen=True)
@@ -217,7 +214,6 @@ class Menus(MainTour):
 
     def double_click_icon(self):
         self.desk.run("xdotool", "mousemove", "16", str(desktop.SCREEN[1] - 16))
-        desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")
         time.sleep(0.3)
         self.desk.run("xdotool", "click", "--repeat", "2", "--delay", "80", "1")
 

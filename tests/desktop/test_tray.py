@@ -8,21 +8,18 @@ import unittest
 from gi.repository import Gio, GLib
 
 import desk as desktop
-from program import ProgramCase
+from program import CALM, ProgramCase
 
 ITEM = "org.kde.StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
 
 
 class TrayCase(ProgramCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ShowCharacterAtStart": 0}
+    defaults = {**CALM, "ShowCharacterAtStart": 0}
 
     def hide(self):
         """Puts the window into the tray through the menu."""
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+f")
-        self.desk.find("Put in System Tray")
-        self.desk.key("s")
+        self.choose_by_keys("alt+f", "Put in System Tray", "s")
         desktop.wait_for(lambda: not self.desk.windows("^Voxmate$"), what="the hidden window")
 
     def visible(self):
@@ -42,11 +39,10 @@ class Tray(TrayCase):
 
     def setUp(self):
         super().setUp()
-        self.tray = self.desk.spawn("trayer", "--edge", "bottom", "--align", "right", "--widthtype", "pixel", "--width", "64",
-                                    "--height", "32")
+        self.tray = self.desk.tray("right")
         self.addCleanup(self.tray.wait, desktop.PATIENCE)
         self.addCleanup(self.tray.terminate)
-        self.panel = desktop.wait_for(lambda: self.desk.windows("^panel$"), what="the tray")[-1]
+        self.panel = self.desk.windows("^panel$")[-1]
 
     def icons(self):
         """Positions of the icons in the tray."""
@@ -106,10 +102,7 @@ class Tray(TrayCase):
 
     def test_the_icon_offers_exit_while_a_box_is_up(self):
         self.start_and_settle(PATH="/nonexistent")  # no system information tool
-        self.desk.click(self.desk.find("Text to read"))
-        self.desk.key("alt+h")
-        self.desk.find("About Voxmate", role="menu item")
-        self.desk.key("a")
+        self.choose_by_keys("alt+h", "About Voxmate", "a")
         about = desktop.wait_for(lambda: self.desk.windows("^About Voxmate"), what="the about box")[-1]
         self.desk.run("xdotool", "windowmove", "--sync", about, "10", "10")
         self.put_in_tray()
@@ -122,19 +115,13 @@ class Tray(TrayCase):
     def front(self):
         """The active window and the uppermost ordinary one."""
         active = int(self.desk.run("xdotool", "getactivewindow"))
-        text = self.desk.run("xprop", "-root", "_NET_CLIENT_LIST_STACKING").decode()
-        stack = [int(number, 16) for number in text.split("#")[1].split(",")]
         ordinary = {int(window) for title in ("^Voxmate$", "^Event Tester$") for window in self.desk.windows(title)}
-        return str(active), str([window for window in stack if window in ordinary][-1])
+        return str(active), str([window for window in self.desk.stacking() if window in ordinary][-1])
 
     def test_a_second_copy_says_so_and_leaves_the_first_in_the_tray(self):
         self.start_and_settle()
         self.put_in_tray()
-        second = self.desk.start()
-        self.assertEqual(self.box_text("Voxmate - Running"), "Another copy of Voxmate is already running.")
-        self.press("OK")
-        self.desk.ended(second)
-        self.assertIsNone(self.program.poll())
+        self.second_copy_ends()
         self.assertFalse(self.desk.windows("^Voxmate$"), "the first copy's window")
         self.assertEqual(len(self.icons()), 1)
         self.click_icon("--repeat", "2", "--delay", "80", "1")
@@ -146,7 +133,7 @@ class Tray(TrayCase):
         self.put_in_tray()
         self.tray.terminate()
         self.tray.wait(desktop.PATIENCE)
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
+        self.iconified(window)
         self.desk.run("xdotool", "windowactivate", "--sync", window)
         self.desk.find("Text to read")
 
@@ -244,7 +231,7 @@ class Notifier(TrayCase):
         self.put_in_tray()
         self.host.terminate()
         self.host.wait(desktop.PATIENCE)
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
+        self.iconified(window)
 
 
 if __name__ == "__main__":

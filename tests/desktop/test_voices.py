@@ -3,13 +3,11 @@
 import unittest
 
 import desk as desktop
-from program import ProgramCase
-
-QUIET = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+from program import CALM, ProgramCase
 
 
 class Chosen(ProgramCase):
-    defaults = QUIET
+    defaults = CALM
 
     def test_a_french_voice_stays_chosen_on_a_german_desktop(self):
         self.desk.install_defaults(**self.defaults, LastSpeechEngine="eSpeak French (Belgium)")
@@ -19,7 +17,7 @@ class Chosen(ProgramCase):
 
 
 class Writings(ProgramCase):
-    defaults = {**QUIET, "LastSpeechEngine": "Flite SLT (American English)", "Pitch": 150, "Speed": 160}
+    defaults = {**CALM, "LastSpeechEngine": "Flite SLT (American English)", "Pitch": 150, "Speed": 160}
 
     def test_an_english_voice_has_russian_and_chinese_read_by_others(self):
         self.listen()

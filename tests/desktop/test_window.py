@@ -5,24 +5,25 @@ import time
 import unittest
 
 import desk as desktop
-from program import ProgramCase
+from program import CALM, ProgramCase
 
 
-class Window(ProgramCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0}
+class WindowCase(ProgramCase):
+    defaults = CALM
 
     def setUp(self):
         super().setUp()
         self.start_and_settle()
         self.desk.click(self.desk.find("Text to read"))
 
+
+class Window(WindowCase):
+    shared = True
+
     def focused(self):
         pyatspi = self.desk.accessible()
         names = [name for name, _, node in self.desk.widgets() if node.getState().contains(pyatspi.STATE_FOCUSED)]
         return names[0] if names else None
-
-    def saved(self, name, value):
-        desktop.wait_for(lambda: self.desk.read_settings()[name] == value, what=f"{name} = {value} in the file")
 
     def test_the_window_is_narrow_and_keeps_its_size(self):
         _, _, width, height = self.desk.window_rect(self.main_window())
@@ -44,44 +45,9 @@ class Window(ProgramCase):
             seen.append(self.focused())
         self.assertEqual(seen, expected)
 
-    def test_each_control_of_the_voice_is_reached_by_its_key_and_saved_at_once(self):
-        self.desk.key("alt+p")
-        self.desk.key(*["Right"] * 5)
-        self.desk.find("= 195")
-        self.saved("Pitch", "dword:000000c3")
-        self.desk.key("Home")
-        self.desk.find("= 40")
-        self.saved("Pitch", "dword:00000028")
-        self.desk.key("alt+d")
-        self.desk.key("End")
-        self.desk.find("= 400")
-        self.saved("Speed", "dword:00000190")
-        self.desk.key("alt+w")
-        self.saved("Whisper", "dword:00000001")
-        self.desk.key("alt+t")
-        self.desk.key("End")
-        desktop.wait_for(lambda: "Great Britain)" not in self.desk.read_settings()["LastSpeechEngine"], what="another voice")
-
-    def test_dragging_a_bar_with_the_mouse_saves_where_it_ends(self):
-        x, y, width, height = self.desk.rect(self.desk.find("Pitch", role="scroll bar"))
-        handle = x + width * 44 // 100
-        self.desk.run("xdotool", "mousemove", str(handle), str(y + height // 2))
-        self.desk.run("xdotool", "mousedown", "1")
-        for step in range(1, 11):
-            self.desk.run("xdotool", "mousemove", str(handle + 6 * step), str(y + height // 2))
-        self.desk.run("xdotool", "mouseup", "1")
-        time.sleep(0.5)
-        label = next(text for text in self.desk.texts() if text.startswith("= ") and text != "= 156")
-        self.assertGreater(int(label[2:]), 200)
-        self.saved("Pitch", f"dword:{int(label[2:]):08x}")
-
     def test_the_character_is_dragged_and_does_not_take_the_drag_for_a_click(self):
         _, (x, y, width, height) = self.character_window()
-        self.desk.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2))
-        self.desk.run("xdotool", "mousedown", "1")
-        for step in range(1, 21):
-            self.desk.run("xdotool", "mousemove", str(x + width // 2 - 20 * step), str(y + height // 2 - 10 * step))
-        self.desk.run("xdotool", "mouseup", "1")
+        self.desk.drag(*((x + width // 2 - 20 * step, y + height // 2 - 10 * step) for step in range(21)))
         time.sleep(0.5)
         _, (new_x, new_y, _, _) = self.character_window()
         self.assertEqual((new_x - x, new_y - y), (-400, -200))
@@ -110,21 +76,47 @@ class Window(ProgramCase):
             below.terminate()
 
 
+class Voice(WindowCase):
+    def test_each_control_of_the_voice_is_reached_by_its_key_and_saved_at_once(self):
+        self.desk.key("alt+p")
+        self.desk.key(*["Right"] * 5)
+        self.desk.find("= 195")
+        self.saved("Pitch", "dword:000000c3")
+        self.desk.key("Home")
+        self.desk.find("= 40")
+        self.saved("Pitch", "dword:00000028")
+        self.desk.key("alt+d")
+        self.desk.key("End")
+        self.desk.find("= 400")
+        self.saved("Speed", "dword:00000190")
+        self.desk.key("alt+w")
+        self.saved("Whisper", "dword:00000001")
+        self.desk.key("alt+t")
+        self.desk.key("End")
+        desktop.wait_for(lambda: "Great Britain)" not in self.desk.read_settings()["LastSpeechEngine"], what="another voice")
+
+    def test_dragging_a_bar_with_the_mouse_saves_where_it_ends(self):
+        x, y, width, height = self.desk.rect(self.desk.find("Pitch", role="scroll bar"))
+        handle = x + width * 44 // 100
+        self.desk.drag(*((handle + 6 * step, y + height // 2) for step in range(11)))
+        time.sleep(0.5)
+        label = next(text for text in self.desk.texts() if text.startswith("= ") and text != "= 156")
+        self.assertGreater(int(label[2:]), 200)
+        self.saved("Pitch", f"dword:{int(label[2:]):08x}")
+
+
 class CloseToTray(ProgramCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "CloseToTray": 1}
+    defaults = {**CALM, "CloseToTray": 1}
 
     def test_without_a_tray_closing_iconifies_and_exit_still_ends_the_program(self):
         self.start_and_settle()
         window = self.desk.windows("^Voxmate$")[-1]
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key("alt+F4")
-        desktop.wait_for(lambda: b"Iconic" in self.desk.run("xprop", "-id", window, "WM_STATE"), what="the iconified window")
+        self.iconified(window)
         self.assertIsNone(self.program.poll())
         self.desk.run("xdotool", "windowactivate", "--sync", window)
-        self.desk.find("Text to read")
-        self.desk.key("alt+f")
-        self.desk.find("Exit")
-        self.desk.key("e")
+        self.choose_by_keys("alt+f", "Exit", "e")
         self.has_ended()
 
 

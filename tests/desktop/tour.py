@@ -4,12 +4,10 @@ controls that real input has pressed, which finds those that nobody presses."""
 import os
 import stat
 import time
-import wave
-
-import numpy
 
 import desk as desktop
-from program import BUILD, IDLE
+import sound
+from program import BUILD, CALM, IDLE
 from test_reminders import ReminderCase
 
 PICTURES = os.path.join(BUILD, "tour")
@@ -23,7 +21,7 @@ WINDOWS = {"frame", "dialog", "alert", "animation"}
 # Roles that can be pressed, typed into or moved, except menus.
 PRESSED = {"push button", "toggle button", "check box", "radio button", "text", "password text", "combo box", "page tab", "slider",
            "scroll bar", "spin button", "list", "tree", "table", "tree table", "table column header"}
-ALIKE = 0.7  # the same text gives 0.8 and more, another text 0.6 at most
+BEGINNING = 1.2  # seconds of a text by which it is recognised
 DAY = "a day"  # stands for every day of the calendar
 
 
@@ -37,19 +35,8 @@ class Control:
         return self.window, self.role, self.name
 
 
-def spectra(samples, rate):
-    """The spectrum of a sound over time: 100 times a second the loudness of bands a third of an octave wide, in
-    decibels above a quiet room."""
-    step, size = rate // 100, 1 << (rate // 40).bit_length()
-    frames = numpy.lib.stride_tricks.sliding_window_view(samples, size)[::step] * numpy.hanning(size)
-    power = numpy.abs(numpy.fft.rfft(frames)) ** 2 / size
-    edges = (100 * 2 ** (numpy.arange(19) / 3) * size / rate).astype(int)
-    bands = numpy.stack([power[:, low:max(high, low + 1)].mean(axis=1) for low, high in zip(edges, edges[1:])], axis=1)
-    return 10 * numpy.log10(numpy.maximum(bands, 1e-5)) + 50
-
-
 class TourCase(ReminderCase):
-    defaults = {"GreetingEnabled": 0, "SpeakTimeInterval": 0, "ReadMessages": 0, "EnableSoundEffects": 0, "AutoReadTip": 0}
+    defaults = {**CALM, "ReadMessages": 0, "EnableSoundEffects": 0, "AutoReadTip": 0}
 
     def setUp(self):
         super().setUp()
@@ -288,32 +275,11 @@ class TourCase(ReminderCase):
 
     # Listening.
 
-    def hears(self, texts, begin, seconds=1.2):
-        """The sound since `begin` must start like the engine's own rendering of one of the texts."""
-        wanted = []
-        for text in texts:
-            with wave.open(self.render(text)) as file:
-                rate = file.getframerate()
-                samples = numpy.frombuffer(file.readframes(file.getnframes()), dtype="<i2").astype(float) / 32768
-            first = numpy.flatnonzero(numpy.abs(samples) > 0.01)[0]
-            wanted.append(spectra(samples[first:first + int(seconds * rate)], rate))
-        best = [0.0]
-
-        def alike():
-            heard = spectra(self.recorder.snapshot()[0][begin:], desktop.RATE)
-            best[0] = max([best[0]] + [desktop.best_match(heard, one) for one in wanted])
-            return best[0] > ALIKE
-
-        try:
-            desktop.wait_for(alike, step=0.1)
-        except AssertionError:
-            raise self.failureException(f"not heard: {texts} (the best likeness is {best[0]:.2f})") from None
-
     def says(self, act, *texts):
         """Does something, expects to hear one of the texts, then stops everything."""
         begin = self.now()
         act()
-        self.hears(texts, begin)
+        self.hear(begin, *texts, seconds=BEGINNING)
         self.hush()
 
     def hush(self):
@@ -321,4 +287,4 @@ class TourCase(ReminderCase):
         self.use("Stop Everything !!!")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
         # The recording arrives a little later than the sound is heard.
-        desktop.wait_for(lambda: self.sound_since(self.now() - desktop.RATE // 2) == 0, what="silence")
+        desktop.wait_for(lambda: self.sound_since(self.now() - sound.RATE // 2) == 0, what="silence")

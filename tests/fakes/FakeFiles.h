@@ -4,7 +4,7 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/FileSystem.h"
-#include "tests/fakes/FakeLog.h"
+#include "tests/fakes/Log.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,108 +2,18 @@
 #pragma once
 
 #include "modules/MainWindow.h"
-#include "modules/Windows.h"
-#include "tests/fakes/FakeLog.h"
+#include "tests/fakes/FakeAlertWindow.h"
+#include "tests/fakes/FakeEditor.h"
+#include "tests/fakes/FakeNoticeWindow.h"
+#include "tests/fakes/FakeTipWindow.h"
+#include "tests/fakes/Log.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace voxmate::fakes
 {
-
-/// Logs what it is asked to announce; visible until a test says otherwise.
-class FakeAlertWindow : public AlertWindow
-{
-public:
-    explicit FakeAlertWindow(Log& log) : log_(log) {}
-    bool visible = false;
-
-    bool Visible() const override { return visible; }
-    void DisplayMessage(const std::string& SMessage, std::int16_t bFormId, bool bPreview, std::int32_t DisplaySeconds,
-                        bool bFade, bool bAutoFit, bool bSquare, std::int32_t iBackColor, bool bTubeFill) override
-    {
-        visible = true;
-        log_.push_back("Alert " + std::to_string(bFormId) + (bPreview ? " preview " : " ") +
-                       std::to_string(DisplaySeconds) + " s" + (bFade ? " fade" : " scroll") +
-                       (bAutoFit ? " fit" : "") + (bSquare ? " square " : " round ") + std::to_string(iBackColor) +
-                       (bTubeFill ? " tube: " : " corner: ") + SMessage);
-    }
-    void SetCloseActivate(bool vNewValue) override
-    {
-        log_.push_back(std::string("CloseActivate ") + (vNewValue ? "True" : "False"));
-    }
-    bool CloseActivate() const override { return false; }
-
-private:
-    Log& log_;
-};
-
-class FakeNoticeWindow : public NoticeWindow
-{
-public:
-    explicit FakeNoticeWindow(Log& log) : log_(log) {}
-    bool visible = false;
-
-    bool Visible() const override { return visible; }
-    void ShowNotice(const NoticeText& text) override
-    {
-        visible = true;
-        log_.push_back("Notice " + std::to_string(text.Id) + " " + text.Heading + "|" + text.Title + "|" + text.Date +
-                       "|" + text.Time + "|" + text.Description);
-    }
-
-private:
-    Log& log_;
-};
-
-class FakeEditor : public ReminderEditor
-{
-public:
-    explicit FakeEditor(Log& log) : log_(log) {}
-    std::vector<std::string> rows; ///< what the list holds
-
-    void ShowEditor() override { log_.push_back("Editor shown"); }
-    void UnloadEditor() override { log_.push_back("Editor unloaded"); }
-    void ClearList() override { rows.clear(); }
-    void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
-                     const std::string& time) override
-    {
-        rows.push_back(std::to_string(id) + "|" + std::to_string(image) + "|" + title + "|" + date + "|" + time);
-    }
-    void SelectListItem(std::int16_t index) override { log_.push_back("Select item " + std::to_string(index)); }
-    void ShowFields(const Reminder& reminder) override
-    {
-        log_.push_back("Fields " + reminder.Title + "|" + std::to_string(reminder.Day) + "|" +
-                       std::to_string(reminder.Month) + "|" + std::to_string(reminder.Year) + "|" +
-                       Padded(reminder.Hour, 2) + ":" + Padded(reminder.Minute, 2) + "|" + reminder.Description +
-                       (reminder.Done ? "|done" : "|pending"));
-    }
-    void ClearFields() override { log_.push_back("Fields empty"); }
-
-private:
-    Log& log_;
-};
-
-class FakeTipWindow : public TipWindow
-{
-public:
-    explicit FakeTipWindow(Log& log) : log_(log) {}
-    std::string text;
-
-    void ShowTip() override { log_.push_back("Tip shown"); }
-    void SetChecks(int showAtStartUp, int autoRead) override
-    {
-        log_.push_back("Tip checks " + std::to_string(showAtStartUp) + " " + std::to_string(autoRead));
-    }
-    void SetTipText(const std::string& newText) override { text = newText; }
-    std::string TipText() const override { return text; }
-    void DisplayCurrentTip() override { log_.push_back("DisplayCurrentTip"); }
-
-private:
-    Log& log_;
-};
 
 /// A main window without a window, for tests of the modules alone.
 class FakeMainWindow : public MainWindow

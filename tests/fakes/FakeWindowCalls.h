@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/WindowSystem.h"
-#include "tests/fakes/FakeLog.h"
+#include "tests/fakes/Log.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,8 +3,8 @@
 
 #include "base/RuntimeError.h"
 #include "platform/WindowSystem.h"
-#include "tests/fakes/FakeLog.h"
 #include "tests/fakes/FakeWindowCalls.h"
+#include "tests/fakes/Log.h"
 
 #include <cstdint>
 #include <deque>

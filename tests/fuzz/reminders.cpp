@@ -2,6 +2,7 @@
 // What is read can be announced, and saving it changes none of it.
 #include "fuzz.h"
 
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/FakePlatform.h"
 
 #include <cstddef>

@@ -2,7 +2,8 @@
 // subfolder for each target.
 #include "agent/file/AcsCompression.h"
 #include "agent/file/AcsWriter.h"
-#include "tests/unit/agent/acs_samples.h"
+#include "tests/fakes/ReminderSlot.h"
+#include "tests/unit/agent/AcsSamples.h"
 
 #include <array>
 #include <cmath>
@@ -251,32 +252,20 @@ void WriteSounds(const Folder& folder)
     add("w64", Sound(SF_FORMAT_W64 | SF_FORMAT_PCM_16, 1, 8000));
 }
 
-std::string ReminderSlot(const std::array<std::string, 8>& fields)
-{
-    std::string bytes;
-    for (const std::string& field : fields) {
-        bytes += static_cast<char>(field.size());
-        bytes += '\0';
-        bytes += field;
-    }
-    bytes.resize(128, '\0');
-    return bytes;
-}
-
 void WriteReminders(const Folder& folder)
 {
-    const std::string call = ReminderSlot({"Call", "07", "03", "2004", "09", "05", "Bank", "N"});
-    const std::string done = ReminderSlot({"Grüße", "29", "02", "2000", "23", "59", "", "Y"});
+    const std::string call = voxmate::Slot({"Call", "07", "03", "2004", "09", "05", "Bank", "N"});
+    const std::string done = voxmate::Slot({"Grüße", "29", "02", "2000", "23", "59", "", "Y"});
     const std::string largest =
-        ReminderSlot({std::string(50, 't'), "31", "12", "9999", "00", "00", std::string(49, 'd'), "N"});
+        voxmate::Slot({std::string(50, 't'), "31", "12", "9999", "00", "00", std::string(49, 'd'), "N"});
     folder.Add("one", call);
     folder.Add("three", call + done + largest);
     folder.Add("cut", call + done.substr(0, 20));
     folder.Add("ended", call + std::string(128, '\0') + done);
-    folder.Add("snoozed", call + ReminderSlot({"Tea", "11", "-08", "2005", "00", "10", "", "N"}));
-    folder.Add("blanks", ReminderSlot({" Tea ", " 1 ", "2", "2005 ", "09", "05", " ", " Y "}));
-    folder.Add("signs", ReminderSlot({"Tea", "+1", "2", "2005", "+9", "-0", "", "N"}));
-    folder.Add("tight", ReminderSlot({std::string(52, 't'), "1", "2", "2005", "09", "05", std::string(49, 'd'), "N"}));
+    folder.Add("snoozed", call + voxmate::Slot({"Tea", "11", "-08", "2005", "00", "10", "", "N"}));
+    folder.Add("blanks", voxmate::Slot({" Tea ", " 1 ", "2", "2005 ", "09", "05", " ", " Y "}));
+    folder.Add("signs", voxmate::Slot({"Tea", "+1", "2", "2005", "+9", "-0", "", "N"}));
+    folder.Add("tight", voxmate::Slot({std::string(52, 't'), "1", "2", "2005", "09", "05", std::string(49, 'd'), "N"}));
     folder.Add("text", "This is a text file and no list of reminders, though it has the name of one.\r\n");
 }
 

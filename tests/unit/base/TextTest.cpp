@@ -9,7 +9,7 @@ namespace voxmate
 namespace
 {
 
-TEST(Text, LengthsAndPositionsCountCharacters)
+TEST(TextTest, LengthsAndPositionsCountCharacters)
 {
     EXPECT_EQ(Len(""), 0u);
     EXPECT_EQ(Len("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), 4u);
@@ -23,7 +23,7 @@ TEST(Text, LengthsAndPositionsCountCharacters)
     EXPECT_EQ(Right("ab", 0), "");
 }
 
-TEST(Text, AnInvalidByteCountsAsOneCharacter)
+TEST(TextTest, AnInvalidByteCountsAsOneCharacter)
 {
     EXPECT_EQ(Len("a\xFFz"), 3u);
     EXPECT_EQ(Len("\xC3"), 1u);
@@ -34,7 +34,7 @@ TEST(Text, AnInvalidByteCountsAsOneCharacter)
     EXPECT_TRUE(IsValidUtf8("\xE2\x82\xAC"));
 }
 
-TEST(Text, AnInvalidByteIsFoundBehindAnyNumberOfAsciiCharacters)
+TEST(TextTest, AnInvalidByteIsFoundBehindAnyNumberOfAsciiCharacters)
 {
     for (std::size_t before = 0; before < 20; ++before) {
         EXPECT_FALSE(IsValidUtf8(std::string(before, 'a') + "\xFF"));
@@ -43,7 +43,7 @@ TEST(Text, AnInvalidByteIsFoundBehindAnyNumberOfAsciiCharacters)
     }
 }
 
-TEST(Text, ACharacterThatBreaksOffIsNoPartOfTheWholeText)
+TEST(TextTest, ACharacterThatBreaksOffIsNoPartOfTheWholeText)
 {
     EXPECT_EQ(WholeUtf8(""), 0u);
     EXPECT_EQ(WholeUtf8("ab"), 2u);
@@ -57,7 +57,7 @@ TEST(Text, ACharacterThatBreaksOffIsNoPartOfTheWholeText)
     EXPECT_EQ(WholeUtf8("a\x80\x80\x80\x80"), 5u);
 }
 
-TEST(Text, TrimRemovesBlanksOnly)
+TEST(TextTest, TrimRemovesBlanksOnly)
 {
     EXPECT_EQ(Trim("  a b  "), "a b");
     EXPECT_EQ(Trim("\t a \r\n"), "\t a \r\n");
@@ -69,7 +69,7 @@ TEST(Text, TrimRemovesBlanksOnly)
     EXPECT_EQ(Trim(std::string()), "");
 }
 
-TEST(Text, UpperCaseReachesBeyondAscii)
+TEST(TextTest, UpperCaseReachesBeyondAscii)
 {
     EXPECT_EQ(UCase("stra\xC3\x9F"
                     "e \xC3\xBC\xC3\xBF"),
@@ -81,13 +81,13 @@ TEST(Text, UpperCaseReachesBeyondAscii)
     EXPECT_FALSE(ContainsNoCase("Voice", "Voices"));
 }
 
-TEST(Text, PositionsStartAtOneAndZeroMeansNone)
+TEST(TextTest, PositionsStartAtOneAndZeroMeansNone)
 {
     EXPECT_EQ(InStr("HKEY_USERS\\x", "\\"), 11u);
     EXPECT_EQ(InStr("abc", "z"), 0u);
 }
 
-TEST(Text, Utf16RoundTripKeepsSurrogatePairsAndReplacesLoneOnes)
+TEST(TextTest, Utf16RoundTripKeepsSurrogatePairsAndReplacesLoneOnes)
 {
     const std::string text = "a\xC3\xA9\xF0\x9F\x98\x80";
     EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16(text)), text);
@@ -95,7 +95,7 @@ TEST(Text, Utf16RoundTripKeepsSurrogatePairsAndReplacesLoneOnes)
     EXPECT_EQ(Utf8ToUtf16(text).size(), 4u);
 }
 
-TEST(Text, Windows1252IsReadAlikeByteByByteAndAsAWhole)
+TEST(TextTest, Windows1252IsReadAlikeByteByByteAndAsAWhole)
 {
     std::string bytes;
     std::string one;
@@ -109,20 +109,20 @@ TEST(Text, Windows1252IsReadAlikeByteByByteAndAsAWhole)
     EXPECT_TRUE(IsValidUtf8(one));
 }
 
-TEST(Text, Windows1252HasLettersWhereLatin1HasControls)
+TEST(TextTest, Windows1252HasLettersWhereLatin1HasControls)
 {
     EXPECT_EQ(Windows1252ToUtf8("a\x80\x9F\xE9\xFF"), "a\xE2\x82\xAC\xC5\xB8\xC3\xA9\xC3\xBF");
     EXPECT_EQ(Windows1252ToUtf8("\x81"), "\xC2\x81");
 }
 
-TEST(Text, LinesAreJoinedByCrLf)
+TEST(TextTest, LinesAreJoinedByCrLf)
 {
     const std::vector<std::string> lines{"a", "", "b"};
     EXPECT_EQ(JoinLines(lines), "a\r\n\r\nb");
     EXPECT_EQ(JoinLines({}), "");
 }
 
-TEST(Checked, WhatDoesNotFitOverflows)
+TEST(CheckedTest, WhatDoesNotFitOverflows)
 {
     EXPECT_EQ(ToInt16(32767), 32767);
     EXPECT_EQ(ToInt16(-32768), -32768);
@@ -139,7 +139,7 @@ TEST(Checked, WhatDoesNotFitOverflows)
     }
 }
 
-TEST(Checked, HalvesRoundToTheEvenNeighbour)
+TEST(CheckedTest, HalvesRoundToTheEvenNeighbour)
 {
     EXPECT_EQ(RoundHalfEven(0.5), 0);
     EXPECT_EQ(RoundHalfEven(1.5), 2);

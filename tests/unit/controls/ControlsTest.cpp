@@ -1,4 +1,5 @@
 #include "controls/Form.h"
+#include "tests/fakes/RecordingPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -7,13 +8,6 @@ namespace voxmate
 
 namespace
 {
-
-class RecordingPeer : public Peer
-{
-public:
-    std::vector<Property> updates;
-    void Update(Property property) override { updates.push_back(property); }
-};
 
 class NoPeer : public FormPeer
 {
@@ -64,7 +58,7 @@ protected:
 
 TEST_F(ControlsTest, SettingAPropertyTellsThePeerOnceAndOnlyWhenItChanges)
 {
-    RecordingPeer peer;
+    fakes::RecordingPeer peer;
     form.cmdGo.SetPeer(&peer);
     form.cmdGo.Caption = "&Stop";
     form.cmdGo.Caption = "&Stop";

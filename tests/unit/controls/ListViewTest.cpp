@@ -1,5 +1,6 @@
 #include "controls/ListView.h"
 #include "controls/Form.h"
+#include "tests/fakes/RecordingPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -8,13 +9,6 @@ namespace voxmate
 
 namespace
 {
-
-class RecordingPeer : public Peer
-{
-public:
-    std::vector<Property> updates;
-    void Update(Property property) override { updates.push_back(property); }
-};
 
 using Order = std::vector<std::uint32_t>;
 using Properties = std::vector<Property>;
@@ -88,7 +82,7 @@ TEST_F(ListViewTest, AnItemAddedToASortedListTakesItsPlace)
 
 TEST_F(ListViewTest, ThePeerIsToldOnceOfManyChangesAndAgainOfTheFirstOneAfterItHasLooked)
 {
-    RecordingPeer peer;
+    fakes::RecordingPeer peer;
     list.SetPeer(&peer);
     list.ClearItems();
     EXPECT_EQ(peer.updates, Properties{});
@@ -104,7 +98,7 @@ TEST_F(ListViewTest, ThePeerIsToldOnceOfManyChangesAndAgainOfTheFirstOneAfterItH
 
 TEST_F(ListViewTest, SelectingFromCodeTellsThePeerButRaisesNothing)
 {
-    RecordingPeer peer;
+    fakes::RecordingPeer peer;
     int clicks = 0;
     Fill({"a", "b"});
     list.SetPeer(&peer);

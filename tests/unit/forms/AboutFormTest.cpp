@@ -15,13 +15,13 @@ using Lines = std::vector<std::string>;
 const std::string first = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
 const std::string second = "SOFTWARE\\Microsoft\\Shared Tools Location";
 
-class AboutForm : public ProgramTest
+class AboutFormTest : public ProgramTest
 {
 protected:
     fakes::FakeMainWindow window{fake.log};
     frmAbout form{program};
 
-    AboutForm() { program.Main = &window; }
+    AboutFormTest() { program.Main = &window; }
     void Store(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data)
     {
         fake.store.keys[key][name] = {type, data};
@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(AboutForm, SaysWhatItIsAndClosesByOk)
+TEST_F(AboutFormTest, SaysWhatItIsAndClosesByOk)
 {
     form.Show();
     EXPECT_EQ(form.Caption, "About Voxmate \xC2\xAE");
@@ -51,7 +51,7 @@ TEST_F(AboutForm, SaysWhatItIsAndClosesByOk)
     EXPECT_FALSE(form.IsLoaded());
 }
 
-TEST_F(AboutForm, StartsTheToolThatTheRegistryNames)
+TEST_F(AboutFormTest, StartsTheToolThatTheRegistryNames)
 {
     Store(first, "PATH", REG_SZ, std::string("C:\\Tools\\Info.exe\0", 18));
     Store(second, "MSINFO", REG_SZ, "C:\\Other");
@@ -65,7 +65,7 @@ TEST_F(AboutForm, StartsTheToolThatTheRegistryNames)
     EXPECT_EQ(fake.store.openHandles, 0);
 }
 
-TEST_F(AboutForm, OrTheOneInTheFolderThatTheRegistryNames)
+TEST_F(AboutFormTest, OrTheOneInTheFolderThatTheRegistryNames)
 {
     Store(second, "MSINFO", REG_SZ, "C:\\Other");
     fake.files.files.insert("C:\\Other\\MSINFO32.EXE");
@@ -74,20 +74,20 @@ TEST_F(AboutForm, OrTheOneInTheFolderThatTheRegistryNames)
     EXPECT_TRUE(fake.windows.boxes.empty());
 }
 
-TEST_F(AboutForm, WithNeitherItIsUnavailable)
+TEST_F(AboutFormTest, WithNeitherItIsUnavailable)
 {
     form.cmdSysInfo.UserClick();
     ExpectUnavailable();
 }
 
-TEST_F(AboutForm, AFolderWithoutTheToolIsNoHelp)
+TEST_F(AboutFormTest, AFolderWithoutTheToolIsNoHelp)
 {
     Store(second, "MSINFO", REG_SZ, "C:\\Other");
     form.cmdSysInfo.UserClick();
     ExpectUnavailable();
 }
 
-TEST_F(AboutForm, AKeyWithoutTheValueIsNoHelp)
+TEST_F(AboutFormTest, AKeyWithoutTheValueIsNoHelp)
 {
     Store(first, "Other", REG_SZ, "x");
     Store(second, "Other", REG_SZ, "x");
@@ -95,7 +95,7 @@ TEST_F(AboutForm, AKeyWithoutTheValueIsNoHelp)
     ExpectUnavailable();
 }
 
-TEST_F(AboutForm, AValueOf1024BytesIsReadAndALongerOneIsNot)
+TEST_F(AboutFormTest, AValueOf1024BytesIsReadAndALongerOneIsNot)
 {
     Store(first, "PATH", REG_SZ, std::string(1024, 'x'));
     form.cmdSysInfo.UserClick();
@@ -106,7 +106,7 @@ TEST_F(AboutForm, AValueOf1024BytesIsReadAndALongerOneIsNot)
     ExpectUnavailable();
 }
 
-TEST_F(AboutForm, ANumberIsReadAsItsDecimalText)
+TEST_F(AboutFormTest, ANumberIsReadAsItsDecimalText)
 {
     struct {
         std::string data;
@@ -124,14 +124,14 @@ TEST_F(AboutForm, ANumberIsReadAsItsDecimalText)
     }
 }
 
-TEST_F(AboutForm, AValueOfAnotherTypeIsReadAsItsRawText)
+TEST_F(AboutFormTest, AValueOfAnotherTypeIsReadAsItsRawText)
 {
     Store(first, "PATH", 2, "%SystemRoot%\\info.exe");
     form.cmdSysInfo.UserClick();
     EXPECT_EQ(Started(), Lines{"%SystemRoot%\\info.exe style 1"});
 }
 
-TEST_F(AboutForm, AToolThatCannotBeStartedRaisesItsError)
+TEST_F(AboutFormTest, AToolThatCannotBeStartedRaisesItsError)
 {
     Store(first, "PATH", REG_SZ, "C:\\Gone.exe");
     fake.process.shellFails = true;

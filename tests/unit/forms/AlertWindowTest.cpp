@@ -1,5 +1,6 @@
 // The alert window: every call it makes, tick by tick.
 #include "forms/frmAlertWindow.h"
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/ProgramTest.h"
 
 #include <algorithm>

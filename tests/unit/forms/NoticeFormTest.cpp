@@ -1,5 +1,7 @@
 // The notice window against the real list of reminders and its file in memory.
 #include "forms/frmShowRem.h"
+#include "tests/fakes/FakeMainWindow.h"
+#include "tests/fakes/FocusPeer.h"
 #include "tests/fakes/ProgramTest.h"
 
 #include <algorithm>
@@ -205,20 +207,14 @@ TEST_F(NoticeFormTest, WhatIsNoNumberAboveZeroIsRefusedAndTheWindowStays)
 TEST_F(NoticeFormTest, TheRefusalIsSaidWithoutAnAnimationAndTheFieldGetsTheKeyboard)
 {
     frmShowRem& form = Notice(1);
-    class FocusPeer : public Peer
-    {
-    public:
-        bool focused = false;
-        void Update(Property) override {}
-        void SetFocus() override { focused = true; }
-    } peer;
-    form.txtSnooze.SetPeer(&peer);
+    std::string focused;
+    fakes::FocusPeer peer(form.txtSnooze, focused);
     Settings.ReadMessages = 1;
     form.txtSnooze.UserEdit("x");
     fake.log.clear();
     form.cmdSnooze.UserClick();
     EXPECT_EQ(fake.log, Lines{"MsgBox Voxmate - Reminders"});
-    EXPECT_TRUE(peer.focused);
+    EXPECT_EQ(focused, "txtSnooze");
     form.txtSnooze.SetPeer(nullptr);
 }
 

@@ -7,9 +7,9 @@ namespace voxmate::editor_test
 TEST_F(ReminderCommandsTest, WhatIsMissingIsRefusedInTheOrderOfTitleTimeAndDescription)
 {
     Open({});
-    FocusPeer title(form.txtTitle, focused);
-    FocusPeer time(form.txtTime, focused);
-    FocusPeer description(form.txtDesc, focused);
+    fakes::FocusPeer title(form.txtTitle, focused);
+    fakes::FocusPeer time(form.txtTime, focused);
+    fakes::FocusPeer description(form.txtDesc, focused);
     const auto refused = [this](const char* text, const char* field) {
         fake.windows.boxes.clear();
         form.cmdAdd.UserClick();
@@ -127,7 +127,7 @@ TEST_F(ReminderCommandsTest, AnUpdateIsConfirmedCheckedStoredAndShown)
     EXPECT_EQ(Boxes(), Lines{"Are you sure you want to update the selected reminder ?"});
     EXPECT_EQ(fake.windows.boxes[0].style, Question);
     EXPECT_EQ(fake.windows.boxes[0].title, "Voxmate - Reminders");
-    std::vector<Record> changed = Three();
+    std::vector<ReminderFields> changed = Three();
     changed[1] = {"Dive", "09", "05", "2005", "16", "30", "Kettle", "N"};
     EXPECT_EQ(Content(), Slots(changed));
     EXPECT_EQ(form.lstvReminders.SelectedItem(), 2U);
@@ -230,7 +230,7 @@ TEST_F(ReminderCommandsTest, YesUpdatesTheSelectedReminderFirstAndThenCloses)
     EXPECT_EQ(Boxes(),
               (Lines{"Do you want to save changes ?", "Are you sure you want to update the selected reminder ?"}));
     EXPECT_FALSE(form.IsLoaded());
-    std::vector<Record> changed = Three();
+    std::vector<ReminderFields> changed = Three();
     changed[0][0] = "Ring";
     EXPECT_EQ(Content(), Slots(changed));
 }
@@ -335,7 +335,7 @@ TEST_F(ReminderCommandsTest, AnEditorWhoseListIsNoLongerTheFilesWritesNothing)
 TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasMovedIsTheOneThatIsChangedAndDeleted)
 {
     Open(Three());
-    std::vector<Record> moved{Three()[1], Three()[0], Three()[2]};
+    std::vector<ReminderFields> moved{Three()[1], Three()[0], Three()[2]};
     fake.files.texts[file] = Slots(moved);
     LoadReminders(false, 0); // as an answer to an announcement does
     form.txtTitle.UserEdit("Ring");
@@ -354,9 +354,9 @@ TEST_F(ReminderCommandsTest, AReminderThatAnotherProgramHasMovedIsTheOneThatIsCh
 
 TEST_F(ReminderCommandsTest, AReminderIsToldFromOthersOfTheSameTextsByItsDate)
 {
-    Record later = Three()[0];
+    ReminderFields later = Three()[0];
     later[3] = "2006";
-    Record last = Three()[0];
+    ReminderFields last = Three()[0];
     last[3] = "2007";
     Open({Three()[0], later, last});
     // Another program has deleted the one that is shown.

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "forms/frmReminder.h"
+#include "tests/fakes/EditorsMain.h"
+#include "tests/fakes/FocusPeer.h"
 #include "tests/fakes/ProgramTest.h"
+#include "tests/fakes/ReminderSlot.h"
 
 #include <algorithm>
-#include <array>
 
 #include <gtest/gtest.h>
 
@@ -21,35 +23,11 @@ inline constexpr int Refusal = 48;
 
 using Lines = std::vector<std::string>;
 
-class EditorsMain : public fakes::FakeMainWindow
-{
-public:
-    using FakeMainWindow::FakeMainWindow;
-    frmReminder* form = nullptr;
-    ReminderEditor& Editor() override { return *form; }
-};
-
-/// Notes which of the fields got the keyboard.
-class FocusPeer : public Peer
-{
-public:
-    FocusPeer(Control& control, std::string& focused) : name_(control.Name), focused_(focused)
-    {
-        control.SetPeer(this);
-    }
-    void Update(Property) override {}
-    void SetFocus() override { focused_ = name_; }
-
-private:
-    std::string name_;
-    std::string& focused_;
-};
-
 class ReminderFormTest : public ProgramTest
 {
 protected:
     const std::string file = "C:\\Voxmate\\VoxmateReminders.txt";
-    EditorsMain main{fake.log};
+    fakes::EditorsMain main{fake.log};
     frmReminder form{program};
     std::string focused;
 
@@ -64,26 +42,14 @@ protected:
         fake.clock.now = {2004, 3, 7, 9, 5, 30};
     }
 
-    using Record = std::array<std::string, 8>; // title, day, month, year, hour, minute, description, flag
-    static std::string Slot(const Record& fields)
+    static std::string Slots(const std::vector<ReminderFields>& records)
     {
         std::string bytes;
-        for (const std::string& field : fields) {
-            bytes += static_cast<char>(field.size());
-            bytes += '\0';
-            bytes += field;
-        }
-        bytes.resize(128, '\0');
-        return bytes;
-    }
-    static std::string Slots(const std::vector<Record>& records)
-    {
-        std::string bytes;
-        for (const Record& record : records)
+        for (const ReminderFields& record : records)
             bytes += Slot(record);
         return bytes;
     }
-    static std::vector<Record> Three()
+    static std::vector<ReminderFields> Three()
     {
         return {{"Call", "07", "03", "2005", "09", "05", "Bank", "N"},
                 {"Swim", "31", "12", "2004", "00", "00", "Pool", "Y"},
@@ -92,7 +58,7 @@ protected:
     std::string Content() { return fake.files.texts.at(file); }
 
     /// Shows the editor as the menu does.
-    void Open(const std::vector<Record>& records)
+    void Open(const std::vector<ReminderFields>& records)
     {
         fake.files.texts[file] = Slots(records);
         ShowAllReminders();

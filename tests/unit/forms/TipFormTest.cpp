@@ -26,13 +26,13 @@ private:
     frmTip& tipForm_;
 };
 
-class TipForm : public ProgramTest
+class TipFormTest : public ProgramTest
 {
 protected:
     frmTip form{program};
     WindowWithTip window{fake.log, form};
 
-    TipForm()
+    TipFormTest()
     {
         program.Main = &window;
         fake.StoreDefaults();
@@ -50,7 +50,7 @@ protected:
     }
 };
 
-TEST_F(TipForm, EveryControlHasItsNameAndCaption)
+TEST_F(TipFormTest, EveryControlHasItsNameAndCaption)
 {
     EXPECT_EQ(form.Caption, "Tip of the Day");
     EXPECT_EQ(form.chkAutoRead.Caption.get(), "&Auto Read Tip");
@@ -66,7 +66,7 @@ TEST_F(TipForm, EveryControlHasItsNameAndCaption)
     EXPECT_TRUE(form.cmdOK.IsCancel);
 }
 
-TEST_F(TipForm, OpensOnOneOfTheFilesTipsAndStaysSilent)
+TEST_F(TipFormTest, OpensOnOneOfTheFilesTipsAndStaysSilent)
 {
     File("one\ntwo\nthree\n");
     for (int time = 1; time <= 2; ++time) {
@@ -82,14 +82,14 @@ TEST_F(TipForm, OpensOnOneOfTheFilesTipsAndStaysSilent)
               (Lines{"Window frmTip shown", "Window frmTip hidden", "Window frmTip shown", "Window frmTip hidden"}));
 }
 
-TEST_F(TipForm, AnEmptyLineIsATipThatShowsNothing)
+TEST_F(TipFormTest, AnEmptyLineIsATipThatShowsNothing)
 {
     File("\n");
     Open();
     EXPECT_EQ(form.lblTipText.Caption.get(), "");
 }
 
-TEST_F(TipForm, AFileOfNoBytesLeavesTheTextItOpensWith)
+TEST_F(TipFormTest, AFileOfNoBytesLeavesTheTextItOpensWith)
 {
     File("");
     Open();
@@ -98,7 +98,7 @@ TEST_F(TipForm, AFileOfNoBytesLeavesTheTextItOpensWith)
     EXPECT_EQ(form.lblTipText.Caption.get(), "There is no tip for today.");
 }
 
-TEST_F(TipForm, AMissingFileIsExplainedAndNextTipLeavesThat)
+TEST_F(TipFormTest, AMissingFileIsExplainedAndNextTipLeavesThat)
 {
     Open();
     const std::string text = form.lblTipText.Caption;
@@ -108,7 +108,7 @@ TEST_F(TipForm, AMissingFileIsExplainedAndNextTipLeavesThat)
     EXPECT_EQ(CurrentTip, 1);
 }
 
-TEST_F(TipForm, NextTipGoesThroughAllOfThem)
+TEST_F(TipFormTest, NextTipGoesThroughAllOfThem)
 {
     File("one\ntwo\nthree\n");
     Open();
@@ -121,7 +121,7 @@ TEST_F(TipForm, NextTipGoesThroughAllOfThem)
     EXPECT_EQ(Tips.size(), 3u);
 }
 
-TEST_F(TipForm, NextTipReadsAloudOnlyWhenThatIsSetAndReadTipAlways)
+TEST_F(TipFormTest, NextTipReadsAloudOnlyWhenThatIsSetAndReadTipAlways)
 {
     File("the tip\n");
     Open();
@@ -137,7 +137,7 @@ TEST_F(TipForm, NextTipReadsAloudOnlyWhenThatIsSetAndReadTipAlways)
     EXPECT_EQ(fake.log, spoken);
 }
 
-TEST_F(TipForm, TheCheckBoxesShowTheSettingsAndWriteThemAtOnce)
+TEST_F(TipFormTest, TheCheckBoxesShowTheSettingsAndWriteThemAtOnce)
 {
     File("tip\n");
     Open();

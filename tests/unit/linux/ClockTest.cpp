@@ -1,4 +1,4 @@
-// The clock: it follows the system's time zone, even when that changes.
+// The clock: it follows the system's time zone, even when that changes, and writes dates as the locale does.
 #include "platform/linux/process/LinuxProcess.h"
 
 #include <cstdint>
@@ -92,7 +92,7 @@ Outcome InAProcess(const char* tz)
 
 } // namespace
 
-TEST(LinuxClock, FollowsTheSystemToAnotherTimeZone)
+TEST(LinuxClockTest, FollowsTheSystemToAnotherTimeZone)
 {
     for (const char* tz : {static_cast<const char*>(nullptr), "/etc/localtime", ":/etc/localtime"}) {
         SCOPED_TRACE(tz ? tz : "TZ not set");
@@ -103,12 +103,28 @@ TEST(LinuxClock, FollowsTheSystemToAnotherTimeZone)
     }
 }
 
-TEST(LinuxClock, KeepsTheZoneThatTheUserHasNamed)
+TEST(LinuxClockTest, KeepsTheZoneThatTheUserHasNamed)
 {
     const Outcome outcome = InAProcess("XYZ-3");
     if (outcome == NotGranted)
         GTEST_SKIP() << "this system grants no view of the file system of one's own";
     EXPECT_EQ(outcome, NotFollowed);
+}
+
+TEST(LinuxClockTest, AShortDateIsTheLocales)
+{
+    const pid_t process = ::fork();
+    if (process == 0) {
+        ::setenv("LC_ALL", "C", 1);
+        LinuxClock clock;
+        ::_exit(clock.ShortDate({2004, 3, 7, 9, 5, 0}) == "03/07/04" ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(process, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    LinuxClock clock;
+    EXPECT_NE(clock.ShortDate({2004, 3, 7, 0, 0, 0}), "");
+    EXPECT_NE(clock.ShortDate({2004, 3, 7, 0, 0, 0}), clock.ShortDate({2004, 7, 3, 0, 0, 0}));
 }
 
 } // namespace voxmate::linux_platform

@@ -39,47 +39,47 @@ std::string Style(const std::string& family, const std::string& name, const std:
 
 } // namespace
 
-TEST(FlatText, EndsEveryParagraphAndHeadingWithOneCharacter)
+TEST(FlatTextTest, EndsEveryParagraphAndHeadingWithOneCharacter)
 {
     EXPECT_EQ(TextOf("<text:h text:outline-level=\"1\">Title</text:h>\n   <text:p>One.</text:p><text:p/>"
                      "<text:p>Two.</text:p>"),
               "Title\rOne.\r\rTwo.\r");
 }
 
-TEST(FlatText, LeavesHeadersFootersAndPropertiesOut)
+TEST(FlatTextTest, LeavesHeadersFootersAndPropertiesOut)
 {
     EXPECT_EQ(TextOf("<text:p>Body</text:p>"), "Body\r");
 }
 
-TEST(FlatText, HasNothingOfADocumentWithoutParagraphs)
+TEST(FlatTextTest, HasNothingOfADocumentWithoutParagraphs)
 {
     EXPECT_EQ(TextOf(""), "");
 }
 
-TEST(FlatText, TakesEntitiesCharacterNumbersAndData)
+TEST(FlatTextTest, TakesEntitiesCharacterNumbersAndData)
 {
     EXPECT_EQ(TextOf("<text:p>a &lt;b&gt; &amp; &quot;c&quot; &apos;d&apos; &#228;&#x1F600;<![CDATA[<e>]]>"
                      "<!-- not <this> --></text:p>"),
               "a <b> & \"c\" 'd' ä😀<e>\r");
 }
 
-TEST(FlatText, KeepsLettersOfEveryKind)
+TEST(FlatTextTest, KeepsLettersOfEveryKind)
 {
     EXPECT_EQ(TextOf("<text:p>Äöüß Ж 漢 𝄞</text:p>"), "Äöüß Ж 漢 𝄞\r");
 }
 
-TEST(FlatText, MakesOneBlankOfTheFilesOwnWhiteSpace)
+TEST(FlatTextTest, MakesOneBlankOfTheFilesOwnWhiteSpace)
 {
     EXPECT_EQ(TextOf("<text:p>\n  one \n\t two<text:span> three </text:span> four</text:p>"), "one two three four\r");
 }
 
-TEST(FlatText, KeepsSpacesTabsAndLineBreaks)
+TEST(FlatTextTest, KeepsSpacesTabsAndLineBreaks)
 {
     EXPECT_EQ(TextOf("<text:p><text:s/>a<text:s text:c=\"3\"/>b<text:tab/>c<text:line-break/>d</text:p>"),
               " a   b\tc\vd\r");
 }
 
-TEST(FlatText, LeavesNotesAndCommentsOut)
+TEST(FlatTextTest, LeavesNotesAndCommentsOut)
 {
     EXPECT_EQ(TextOf("<text:p>Word<text:note text:note-class=\"footnote\"><text:note-citation>1</text:note-citation>"
                      "<text:note-body><text:p>Foot</text:p></text:note-body></text:note> goes"
@@ -88,7 +88,7 @@ TEST(FlatText, LeavesNotesAndCommentsOut)
               "Word goes on.\r");
 }
 
-TEST(FlatText, TakesAFieldsResultAndNotItsCode)
+TEST(FlatTextTest, TakesAFieldsResultAndNotItsCode)
 {
     EXPECT_EQ(TextOf("<text:p>By <text:author-name>Ann</text:author-name>, <field:fieldmark-start field:type=\"x\">"
                      "<field:param field:name=\"code\" field:value=\"IF 2 > 1\"/></field:fieldmark-start>CODE"
@@ -96,20 +96,20 @@ TEST(FlatText, TakesAFieldsResultAndNotItsCode)
               "By Ann, result.\r");
 }
 
-TEST(FlatText, TakesAFormFieldThatHasNoCode)
+TEST(FlatTextTest, TakesAFormFieldThatHasNoCode)
 {
     EXPECT_EQ(TextOf("<text:p>a <field:fieldmark-start/>filled in<field:fieldmark-end/> b</text:p>"),
               "a filled in b\r");
 }
 
-TEST(FlatText, LeavesTextHiddenByItsOwnStyleOut)
+TEST(FlatTextTest, LeavesTextHiddenByItsOwnStyleOut)
 {
     EXPECT_EQ(TextOf("<text:p>Seen <text:span text:style-name=\"T1\">hidden </text:span>and seen.</text:p>",
                      Style("text", "T1", "none")),
               "Seen and seen.\r");
 }
 
-TEST(FlatText, LeavesTextHiddenByAParentStyleOut)
+TEST(FlatTextTest, LeavesTextHiddenByAParentStyleOut)
 {
     EXPECT_EQ(TextOf("<text:p>Seen <text:span text:style-name=\"T1\">hidden</text:span></text:p>",
                      Style("text", "Secret", "none") + Style("text", "Middle", "", "Secret") +
@@ -117,7 +117,7 @@ TEST(FlatText, LeavesTextHiddenByAParentStyleOut)
               "Seen \r");
 }
 
-TEST(FlatText, ShowsWhatAHiddenParagraphHasShownAgain)
+TEST(FlatTextTest, ShowsWhatAHiddenParagraphHasShownAgain)
 {
     EXPECT_EQ(
         TextOf("<text:p text:style-name=\"P1\">hidden <text:span text:style-name=\"T1\">shown</text:span></text:p>",
@@ -125,7 +125,7 @@ TEST(FlatText, ShowsWhatAHiddenParagraphHasShownAgain)
         "shown\r");
 }
 
-TEST(FlatText, LeavesWholeHiddenParagraphsOutWithTheirEnds)
+TEST(FlatTextTest, LeavesWholeHiddenParagraphsOutWithTheirEnds)
 {
     EXPECT_EQ(
         TextOf("<text:p>One</text:p><text:p text:style-name=\"P1\">hidden</text:p><text:p text:style-name=\"P1\"/>"
@@ -134,25 +134,25 @@ TEST(FlatText, LeavesWholeHiddenParagraphsOutWithTheirEnds)
         "One\r\rTwo\r");
 }
 
-TEST(FlatText, AStyleOfAnotherFamilyHidesNothing)
+TEST(FlatTextTest, AStyleOfAnotherFamilyHidesNothing)
 {
     EXPECT_EQ(TextOf("<text:p text:style-name=\"X\">Seen</text:p>", Style("text", "X", "none")), "Seen\r");
 }
 
-TEST(FlatText, StylesInACircleDoNotHang)
+TEST(FlatTextTest, StylesInACircleDoNotHang)
 {
     EXPECT_EQ(TextOf("<text:p text:style-name=\"A\">Seen</text:p>",
                      Style("paragraph", "A", "", "B") + Style("paragraph", "B", "", "A")),
               "Seen\r");
 }
 
-TEST(FlatText, LeavesHiddenSectionsOut)
+TEST(FlatTextTest, LeavesHiddenSectionsOut)
 {
     EXPECT_EQ(TextOf("<text:section text:display=\"none\"><text:p>hidden</text:p></text:section><text:p>Seen</text:p>"),
               "Seen\r");
 }
 
-TEST(FlatText, TakesEveryCellOfATableAndOfATableInIt)
+TEST(FlatTextTest, TakesEveryCellOfATableAndOfATableInIt)
 {
     EXPECT_EQ(
         TextOf("<table:table>\n <table:table-row>\n  <table:table-cell>\n   <text:p>A1</text:p>\n</table:table-cell>"
@@ -162,14 +162,14 @@ TEST(FlatText, TakesEveryCellOfATableAndOfATableInIt)
         "A1\rin\rB1\ragain\rBehind\r");
 }
 
-TEST(FlatText, TakesListItemsWithoutTheirLabels)
+TEST(FlatTextTest, TakesListItemsWithoutTheirLabels)
 {
     EXPECT_EQ(TextOf("<text:list><text:list-item><text:number>1.</text:number><text:p>one</text:p><text:list>"
                      "<text:list-item><text:p>deep</text:p></text:list-item></text:list></text:list-item></text:list>"),
               "one\rdeep\r");
 }
 
-TEST(FlatText, TakesATableOfContentsButNotItsTemplate)
+TEST(FlatTextTest, TakesATableOfContentsButNotItsTemplate)
 {
     EXPECT_EQ(
         TextOf("<text:table-of-content><text:table-of-content-source><text:index-title-template><text:p>no</text:p>"
@@ -178,7 +178,7 @@ TEST(FlatText, TakesATableOfContentsButNotItsTemplate)
         "Intro\t1\r");
 }
 
-TEST(FlatText, LeavesTextBoxesShapesAndPicturesOut)
+TEST(FlatTextTest, LeavesTextBoxesShapesAndPicturesOut)
 {
     EXPECT_EQ(
         TextOf("<text:p>a<draw:frame text:anchor-type=\"char\"><draw:text-box><text:p>box</text:p></draw:text-box>"
@@ -187,7 +187,7 @@ TEST(FlatText, LeavesTextBoxesShapesAndPicturesOut)
         "ab\r");
 }
 
-TEST(FlatText, TakesPositionedParagraphsAndFloatingTablesBeforeTheParagraphTheyStandAt)
+TEST(FlatTextTest, TakesPositionedParagraphsAndFloatingTablesBeforeTheParagraphTheyStandAt)
 {
     EXPECT_EQ(TextOf("<text:p><draw:frame text:anchor-type=\"paragraph\">\n <draw:text-box>\n  <table:table>"
                      "<table:table-row><table:table-cell><text:p>cell</text:p></table:table-cell></table:table-row>"
@@ -195,7 +195,7 @@ TEST(FlatText, TakesPositionedParagraphsAndFloatingTablesBeforeTheParagraphTheyS
               "cell\rframed\rAround\r");
 }
 
-TEST(FlatText, AHiddenParagraphHidesNothingOfTheFrameThatStandsAtIt)
+TEST(FlatTextTest, AHiddenParagraphHidesNothingOfTheFrameThatStandsAtIt)
 {
     EXPECT_EQ(
         TextOf("<text:p text:style-name=\"P1\"><draw:frame text:anchor-type=\"paragraph\"><draw:text-box><text:p>framed"
@@ -204,7 +204,7 @@ TEST(FlatText, AHiddenParagraphHidesNothingOfTheFrameThatStandsAtIt)
         "framed\r");
 }
 
-TEST(FlatText, LeavesDeletedTextOutAndKeepsInsertedText)
+TEST(FlatTextTest, LeavesDeletedTextOutAndKeepsInsertedText)
 {
     const std::string changes =
         "<text:tracked-changes><text:changed-region text:id=\"c1\"><text:deletion><office:change-info><dc:creator>x"
@@ -217,14 +217,14 @@ TEST(FlatText, LeavesDeletedTextOutAndKeepsInsertedText)
               "One two new\r");
 }
 
-TEST(FlatText, TakesTheBaseOfAnnotatedCharacters)
+TEST(FlatTextTest, TakesTheBaseOfAnnotatedCharacters)
 {
     EXPECT_EQ(TextOf("<text:p><text:ruby><text:ruby-base>base</text:ruby-base><text:ruby-text>above</text:ruby-text>"
                      "</text:ruby></text:p>"),
               "base\r");
 }
 
-TEST(FlatText, RefusesWhatIsCutOffOrNoDocument)
+TEST(FlatTextTest, RefusesWhatIsCutOffOrNoDocument)
 {
     const std::string whole = Document("<text:p>Text</text:p>");
     for (const std::size_t size : {std::size_t{0}, std::size_t{5}, whole.size() / 2, whole.size() - 20})

@@ -29,7 +29,7 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-class Word : public testing::Test
+class LibreOfficeWordTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -130,7 +130,7 @@ protected:
 
 } // namespace
 
-TEST_F(Word, CannotBeCreatedWithoutLibreOffice)
+TEST_F(LibreOfficeWordTest, CannotBeCreatedWithoutLibreOffice)
 {
     try {
         Create();
@@ -143,7 +143,7 @@ TEST_F(Word, CannotBeCreatedWithoutLibreOffice)
     EXPECT_THROW(Create(), RuntimeError);
 }
 
-TEST_F(Word, IsFoundInTheFirstFolderThatHasIt)
+TEST_F(LibreOfficeWordTest, IsFoundInTheFirstFolderThatHasIt)
 {
     Soffice(Gives("<text:p>Found.</text:p>"));
     const std::string folders = "relative::/nowhere:" + (folder_ / "bin").string() + ":/usr/bin";
@@ -152,7 +152,7 @@ TEST_F(Word, IsFoundInTheFirstFolderThatHasIt)
     EXPECT_EQ(word->RangeText(0, 6), "Found.");
 }
 
-TEST_F(Word, GivesLengthAndRangesInCharacters)
+TEST_F(LibreOfficeWordTest, GivesLengthAndRangesInCharacters)
 {
     Soffice(Gives("<text:p>Grüße 😀</text:p><text:p>an alle</text:p>"));
     const auto word = Create();
@@ -165,7 +165,7 @@ TEST_F(Word, GivesLengthAndRangesInCharacters)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, ARangeBeyondTheTextIsCutOff)
+TEST_F(LibreOfficeWordTest, ARangeBeyondTheTextIsCutOff)
 {
     Soffice(Gives("<text:p>abc</text:p>"));
     const auto word = Create();
@@ -176,7 +176,7 @@ TEST_F(Word, ARangeBeyondTheTextIsCutOff)
     EXPECT_EQ(word->RangeText(100, 200), "");
 }
 
-TEST_F(Word, ADocumentWithoutTextHasNoLength)
+TEST_F(LibreOfficeWordTest, ADocumentWithoutTextHasNoLength)
 {
     Soffice(Gives("<text:p/><text:p/>"));
     const auto word = Create();
@@ -185,7 +185,7 @@ TEST_F(Word, ADocumentWithoutTextHasNoLength)
     EXPECT_EQ(word->RangeText(0, 0), "");
 }
 
-TEST_F(Word, NothingIsToBeHadWithoutADocument)
+TEST_F(LibreOfficeWordTest, NothingIsToBeHadWithoutADocument)
 {
     Soffice(Gives("<text:p>abc</text:p>"));
     const auto word = Create();
@@ -199,7 +199,7 @@ TEST_F(Word, NothingIsToBeHadWithoutADocument)
     EXPECT_THROW(word->RangeEnd(), RuntimeError);
 }
 
-TEST_F(Word, AnotherDocumentTakesThePlaceOfTheLast)
+TEST_F(LibreOfficeWordTest, AnotherDocumentTakesThePlaceOfTheLast)
 {
     Soffice("[ \"$(cat $document)\" = '{\\rtf1 Hello}' ] && " + Gives("<text:p>first</text:p>") +
             "[ \"$(cat $document)\" = '{\\rtf1 Hello}' ] || " + Gives("<text:p>second one</text:p>"));
@@ -211,7 +211,7 @@ TEST_F(Word, AnotherDocumentTakesThePlaceOfTheLast)
     EXPECT_EQ(word->RangeText(0, 10), "second one");
 }
 
-TEST_F(Word, IsStartedWithoutWindowsInAProfileOfItsOwn)
+TEST_F(LibreOfficeWordTest, IsStartedWithoutWindowsInAProfileOfItsOwn)
 {
     ::setenv("DISPLAY", ":77", 1);
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere", 1);
@@ -248,7 +248,7 @@ TEST_F(Word, IsStartedWithoutWindowsInAProfileOfItsOwn)
     EXPECT_EQ(settings.find("<value>http</value>"), std::string::npos);
 }
 
-TEST_F(Word, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
+TEST_F(LibreOfficeWordTest, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
 {
     const pid_t probe = ::fork();
     if (probe == 0)
@@ -272,7 +272,7 @@ TEST_F(Word, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
+TEST_F(LibreOfficeWordTest, FilesThatWeHaveOpenAreNotHandedOn)
 {
     const int held = ::open(Document().c_str(), O_RDONLY);
     constexpr int high = 200;
@@ -301,7 +301,7 @@ TEST_F(Word, FilesThatWeHaveOpenAreNotHandedOn)
     EXPECT_EQ(files.find(Document().string() + "\n"), std::string::npos) << files;
 }
 
-TEST_F(Word, TakesADocumentWhateverItsNameAndWhereverItStands)
+TEST_F(LibreOfficeWordTest, TakesADocumentWhateverItsNameAndWhereverItStands)
 {
     Soffice("cp $document $record/content\n" + Gives("<text:p>abc</text:p>"));
     const fs::path folder = folder_ / "--a folder #1 100%20 'ü'";
@@ -317,7 +317,7 @@ TEST_F(Word, TakesADocumentWhateverItsNameAndWhereverItStands)
     EXPECT_EQ(Record("content"), "{\\rtf1 Hello}");
 }
 
-TEST_F(Word, ATemporaryFolderOfAnUnusualNameIsNotUsed)
+TEST_F(LibreOfficeWordTest, ATemporaryFolderOfAnUnusualNameIsNotUsed)
 {
     const fs::path unusual = folder_ / "temp" / "a folder";
     fs::create_directory(unusual);
@@ -329,7 +329,7 @@ TEST_F(Word, ATemporaryFolderOfAnUnusualNameIsNotUsed)
     EXPECT_EQ(Record("folder").rfind("/tmp/voxmate-word-", 0), 0u) << Record("folder");
 }
 
-TEST_F(Word, LetsTheProgramLiveWhileItConverts)
+TEST_F(LibreOfficeWordTest, LetsTheProgramLiveWhileItConverts)
 {
     Soffice("sleep 0.5\n" + Gives("<text:p>abc</text:p>"));
     int calls = 0;
@@ -340,7 +340,7 @@ TEST_F(Word, LetsTheProgramLiveWhileItConverts)
     EXPECT_GE(calls, 10);
 }
 
-TEST_F(Word, TriesWhateverMayBeADocumentUnderItsName)
+TEST_F(LibreOfficeWordTest, TriesWhateverMayBeADocumentUnderItsName)
 {
     Soffice("cp $document $record/content\n" + Gives("<text:p>abc</text:p>"));
     const auto word = Create();
@@ -354,7 +354,7 @@ TEST_F(Word, TriesWhateverMayBeADocumentUnderItsName)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, IsNotStartedForBytesThatAreNoDocument)
+TEST_F(LibreOfficeWordTest, IsNotStartedForBytesThatAreNoDocument)
 {
     Soffice(Gives("<text:p>abc</text:p>"));
     const auto word = Create();
@@ -366,7 +366,7 @@ TEST_F(Word, IsNotStartedForBytesThatAreNoDocument)
     EXPECT_EQ(Record("pids"), "");
 }
 
-TEST_F(Word, WhatCannotBeConvertedFailsAsACommand)
+TEST_F(LibreOfficeWordTest, WhatCannotBeConvertedFailsAsACommand)
 {
     const auto failure = [this](const std::string& script) {
         Soffice(script);
@@ -384,7 +384,7 @@ TEST_F(Word, WhatCannotBeConvertedFailsAsACommand)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, AFailureSaysSoInWordsOwnWords)
+TEST_F(LibreOfficeWordTest, AFailureSaysSoInWordsOwnWords)
 {
     Soffice("exit 1\n");
     try {
@@ -395,7 +395,7 @@ TEST_F(Word, AFailureSaysSoInWordsOwnWords)
     }
 }
 
-TEST_F(Word, AConversionThatTakesTooLongIsEnded)
+TEST_F(LibreOfficeWordTest, AConversionThatTakesTooLongIsEnded)
 {
     Soffice("sleep 600 & echo $! >> $record/pids\nwait\n");
     const Clock::time_point start = Clock::now();
@@ -406,7 +406,7 @@ TEST_F(Word, AConversionThatTakesTooLongIsEnded)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, OnlyTheConvertersTimeCountsWhileTheProgramDoesOtherThings)
+TEST_F(LibreOfficeWordTest, OnlyTheConvertersTimeCountsWhileTheProgramDoesOtherThings)
 {
     // As when one of the program's message boxes waits for the user: the call that keeps the program responsive does
     // not return.
@@ -426,7 +426,7 @@ TEST_F(Word, OnlyTheConvertersTimeCountsWhileTheProgramDoesOtherThings)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, AConverterThatHangsIsEndedThoughTheProgramDoesOtherThings)
+TEST_F(LibreOfficeWordTest, AConverterThatHangsIsEndedThoughTheProgramDoesOtherThings)
 {
     Soffice("sleep 600\n");
     int calls = 0;
@@ -441,7 +441,7 @@ TEST_F(Word, AConverterThatHangsIsEndedThoughTheProgramDoesOtherThings)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, AConversionThatIsBrokenOffIsEnded)
+TEST_F(LibreOfficeWordTest, AConversionThatIsBrokenOffIsEnded)
 {
     Soffice("touch $TMPDIR/something ${profile#file://}/lock $out/half\necho ready > $record/ready\nsleep 600\n");
     bool asked = false;
@@ -455,14 +455,14 @@ TEST_F(Word, AConversionThatIsBrokenOffIsEnded)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, OneThatWillNotEndIsEndedAllTheSame)
+TEST_F(LibreOfficeWordTest, OneThatWillNotEndIsEndedAllTheSame)
 {
     Soffice("trap '' TERM INT HUP QUIT\necho ready > $record/ready\nwhile :; do sleep 0.05; done\n");
     EXPECT_EQ(ErrorOfOpening(*Create(), Document(), [this] { return Record("ready").empty(); }), 4198);
     ExpectNothingLeft();
 }
 
-TEST_F(Word, ChildrenThatOutliveItAreEnded)
+TEST_F(LibreOfficeWordTest, ChildrenThatOutliveItAreEnded)
 {
     Soffice("sleep 600 & echo $! >> $record/pids\n"
             "setsid sh -c 'echo $$ >> $0/pids; trap \"\" TERM; sleep 600 & echo $! >> $0/pids; wait' $record &\n"
@@ -474,7 +474,7 @@ TEST_F(Word, ChildrenThatOutliveItAreEnded)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, AnErrorOfTheProgramsOwnPassesAndEndsTheConversion)
+TEST_F(LibreOfficeWordTest, AnErrorOfTheProgramsOwnPassesAndEndsTheConversion)
 {
     Soffice("echo ready > $record/ready\nsleep 600\n");
     const auto word = Create();
@@ -488,7 +488,7 @@ TEST_F(Word, AnErrorOfTheProgramsOwnPassesAndEndsTheConversion)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, TheSocketOfOneThatIsKilledIsRemoved)
+TEST_F(LibreOfficeWordTest, TheSocketOfOneThatIsKilledIsRemoved)
 {
     // LibreOffice writes each byte of the digest without a leading zero.
     Soffice("digest=$(printf %s $profile | iconv -t UTF-16LE | md5sum | cut -d' ' -f1)\n"
@@ -505,7 +505,7 @@ TEST_F(Word, TheSocketOfOneThatIsKilledIsRemoved)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
+TEST_F(LibreOfficeWordTest, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
 {
     Soffice("sleep 600 & echo $! >> $record/pids\necho ready > $record/ready\nwait\n");
     // The program gets its own process group, which is killed as a whole, as a terminal does.
@@ -525,7 +525,7 @@ TEST_F(Word, NothingIsLeftEvenWhenTheProgramItselfIsKilled)
     ExpectNothingLeft();
 }
 
-TEST_F(Word, TwoConvertAtTheSameTime)
+TEST_F(LibreOfficeWordTest, TwoConvertAtTheSameTime)
 {
     Soffice("cp $document $record/$(cut -c8-12 $document)\nsleep 0.2\n" + Gives("<text:p>abc</text:p>"));
     Write(folder_ / "other.doc", "{\\rtf1 Other}");

@@ -388,22 +388,6 @@ TEST_F(RandomFileTest, AFullDiskRaisesDiskFullAndTheFileHasItsSizeAgain)
     EXPECT_EQ(Content(), std::string("a\0\0\0\0\0\0\0", 8));
 }
 
-TEST(LinuxClockTest, AShortDateIsTheLocales)
-{
-    const pid_t process = ::fork();
-    if (process == 0) {
-        ::setenv("LC_ALL", "C", 1);
-        LinuxClock clock;
-        ::_exit(clock.ShortDate({2004, 3, 7, 9, 5, 0}) == "03/07/04" ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(process, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-    LinuxClock clock;
-    EXPECT_NE(clock.ShortDate({2004, 3, 7, 0, 0, 0}), "");
-    EXPECT_NE(clock.ShortDate({2004, 3, 7, 0, 0, 0}), clock.ShortDate({2004, 7, 3, 0, 0, 0}));
-}
-
 } // namespace
 
 } // namespace voxmate::linux_platform

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/linux/files/LinuxFileSystem.h"
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/ProgramTest.h"
 
 namespace voxmate::linux_platform

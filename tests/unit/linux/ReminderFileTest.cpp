@@ -2,6 +2,7 @@
 #include "FileHolder.h"
 #include "OrdinaryUser.h"
 #include "RealFiles.h"
+#include "tests/fakes/ReminderSlot.h"
 
 #include <csignal>
 #include <filesystem>
@@ -57,15 +58,7 @@ protected:
     }
     static std::string Slot(const std::string& title)
     {
-        std::string bytes;
-        for (const std::string& field : {title, std::string("07"), std::string("03"), std::string("2004"),
-                                         std::string("09"), std::string("05"), std::string("Bank"), std::string("N")}) {
-            bytes += static_cast<char>(field.size());
-            bytes += '\0';
-            bytes += field;
-        }
-        bytes.resize(128, '\0');
-        return bytes;
+        return voxmate::Slot({title, "07", "03", "2004", "09", "05", "Bank", "N"});
     }
     /// The slots of "Reminder 1" and so on, without number `skip`, and with another title for number `changed`.
     static std::string Reminders(int count, int skip = 0, int changed = 0)
@@ -115,10 +108,9 @@ protected:
     }
 };
 
-enum class End { Cut, Finished, NotAllowed };
-
-/// Runs `body` in another process, and kills that at its `stop`-th stop before or after a system call.
-End CutAt(int stop, const std::function<void()>& body)
+/// Starts another process that runs `body`. It is stopped before that, unless `status` then says that processes may not
+/// be traced here.
+pid_t StartTraced(const std::function<void()>& body, int& status)
 {
     const pid_t process = ::fork();
     if (process == 0) {
@@ -128,8 +120,17 @@ End CutAt(int stop, const std::function<void()>& body)
         body();
         ::_exit(0);
     }
-    int status = 0;
     ::waitpid(process, &status, 0);
+    return process;
+}
+
+enum class End { Cut, Finished, NotAllowed };
+
+/// Runs `body` in another process, and kills that at its `stop`-th stop before or after a system call.
+End CutAt(int stop, const std::function<void()>& body)
+{
+    int status = 0;
+    const pid_t process = StartTraced(body, status);
     if (!WIFSTOPPED(status))
         return End::NotAllowed;
     for (int i = 0; i < stop && WIFSTOPPED(status); ++i) {
@@ -222,16 +223,8 @@ std::vector<std::string> DiskCalls(const std::function<void()>& body)
                                                      {SYS_unlinkat, "unlink"},
                                                      {SYS_renameat2, "rename"}};
     std::vector<std::string> calls;
-    const pid_t process = ::fork();
-    if (process == 0) {
-        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
-            ::_exit(77);
-        ::raise(SIGSTOP);
-        body();
-        ::_exit(0);
-    }
     int status = 0;
-    ::waitpid(process, &status, 0);
+    const pid_t process = StartTraced(body, status);
     // Distinguishes stops at system calls from others.
     ::ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
     while (WIFSTOPPED(status)) {

@@ -18,7 +18,7 @@ namespace
 
 constexpr const char* Mark = "\xEF\xBB\xBF";
 
-class WordSource : public testing::Test
+class WordSourceTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -47,7 +47,7 @@ protected:
 
 } // namespace
 
-TEST_F(WordSource, AWordProcessorsDocumentStaysAsItIs)
+TEST_F(WordSourceTest, AWordProcessorsDocumentStaysAsItIs)
 {
     using namespace std::string_literals;
     for (const std::string& bytes : {"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 and so on\0"s, "PK\x03\x04\0\0"s,
@@ -57,7 +57,7 @@ TEST_F(WordSource, AWordProcessorsDocumentStaysAsItIs)
     }
 }
 
-TEST_F(WordSource, ATextIsWrittenAnewAsTextFilesAreRead)
+TEST_F(WordSourceTest, ATextIsWrittenAnewAsTextFilesAreRead)
 {
     EXPECT_EQ(Placed(""), Mark);
     EXPECT_EQ(Placed("Gr\xFC\xDF"
@@ -69,7 +69,7 @@ TEST_F(WordSource, ATextIsWrittenAnewAsTextFilesAreRead)
     EXPECT_EQ(Placed("<p>na\xEFve</p>"), Mark + std::string("<p>na\u00EFve</p>"));
 }
 
-TEST_F(WordSource, MarkupThatTellsItsEncodingStaysAsItIs)
+TEST_F(WordSourceTest, MarkupThatTellsItsEncodingStaysAsItIs)
 {
     for (const char* text : {"<html><head><meta CHARSET=windows-1251></head>\xCF\xF0\xE8</html>",
                              " \r\n<meta http-equiv='Content-Type' content='text/html; charset=iso-8859-2'>\xB1",
@@ -77,7 +77,7 @@ TEST_F(WordSource, MarkupThatTellsItsEncodingStaysAsItIs)
         EXPECT_EQ(Placed(text), text);
 }
 
-TEST_F(WordSource, OtherBytesAreRefused)
+TEST_F(WordSourceTest, OtherBytesAreRefused)
 {
     EXPECT_EQ(Placed(std::string("\x89PNG\r\n\x1A\n\0\0", 10)), "refused");
     EXPECT_EQ(Placed(std::string("\x7F"
@@ -88,7 +88,7 @@ TEST_F(WordSource, OtherBytesAreRefused)
     EXPECT_FALSE(fs::exists(Target()));
 }
 
-TEST_F(WordSource, FoldersPipesAndWhatIsNotThereAreRefused)
+TEST_F(WordSourceTest, FoldersPipesAndWhatIsNotThereAreRefused)
 {
     EXPECT_FALSE(PlaceDocument(Path(), Target()));
     EXPECT_FALSE(PlaceDocument(folder_.string(), Target()));
@@ -96,7 +96,7 @@ TEST_F(WordSource, FoldersPipesAndWhatIsNotThereAreRefused)
     EXPECT_FALSE(PlaceDocument(Path(), Target()));
 }
 
-TEST_F(WordSource, OfAWebArchiveThePageIsTaken)
+TEST_F(WordSourceTest, OfAWebArchiveThePageIsTaken)
 {
     const std::string head =
         "MIME-Version: 1.0\r\nContent-Type: multipart/related;\r\n\ttype=\"text/html\";\r\n\tboundary=\"--=_A; b\"\r\n"
@@ -119,7 +119,7 @@ TEST_F(WordSource, OfAWebArchiveThePageIsTaken)
               "<meta charset=windows-1251>\xCF\r\n");
 }
 
-TEST_F(WordSource, OfAMessageThePageIsTakenBeforeTheText)
+TEST_F(WordSourceTest, OfAMessageThePageIsTakenBeforeTheText)
 {
     const std::string text =
         "MIME-version: 1.0\nSubject: x\nContent-type: multipart/mixed; boundary=outer\n\n--outer\n"
@@ -132,7 +132,7 @@ TEST_F(WordSource, OfAMessageThePageIsTakenBeforeTheText)
               Mark + std::string("Note: this is a text\nContent-Type: none\n\nyes\n"));
 }
 
-TEST_F(WordSource, CodedTextWithoutLineEndsIsDecodedInOneGo)
+TEST_F(WordSourceTest, CodedTextWithoutLineEndsIsDecodedInOneGo)
 {
     // Twelve megabytes: scanning the rest of the line for each code would take hours.
     std::string text = "MIME-Version: 1.0\nContent-Type: text/plain\nContent-Transfer-Encoding: quoted-printable\n\n";
@@ -146,7 +146,7 @@ TEST_F(WordSource, CodedTextWithoutLineEndsIsDecodedInOneGo)
               "abc");
 }
 
-TEST_F(WordSource, ADamagedWebArchiveGivesWhatThereIsOrNothing)
+TEST_F(WordSourceTest, ADamagedWebArchiveGivesWhatThereIsOrNothing)
 {
     const std::string whole =
         "MIME-Version: 1.0\r\nContent-Type: multipart/related; boundary=\"b\"\r\n\r\n--b\r\n"

@@ -1,10 +1,13 @@
 // What every test of the modules starts from: fakes of the platform and of the main window.
 #pragma once
 
+#include "tests/fakes/FakeMainWindow.h"
 #include "tests/fakes/ProgramTest.h"
 
 namespace voxmate
 {
+
+using Lines = std::vector<std::string>;
 
 class ModuleTest : public ProgramTest
 {
@@ -25,8 +28,19 @@ protected:
         fake.log.clear();
         return fake.Loaded("Alfa");
     }
+    /// What was spoken and played, in order, without the voice's tags and the pose that ends each speech.
+    Lines Spoken() const
+    {
+        Lines spoken;
+        for (const std::string& call : fake.log) {
+            constexpr std::string_view prefix = "Speak \\Pit=50\\ \\Spd=156\\";
+            if (call.starts_with(prefix))
+                spoken.push_back(call.substr(prefix.size()));
+            else if (call.starts_with("Play ") && call != "Play RestPose")
+                spoken.push_back("[" + call.substr(5) + "]");
+        }
+        return spoken;
+    }
 };
-
-using Lines = std::vector<std::string>;
 
 } // namespace voxmate

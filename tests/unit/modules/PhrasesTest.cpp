@@ -11,20 +11,6 @@ class PhrasesTest : public ModuleTest
 {
 protected:
     const DateTime monday{1975, 3, 17, 14, 5, 9};
-
-    // What was spoken and played, without the calls that every speech makes.
-    Lines Spoken() const
-    {
-        Lines spoken;
-        for (const std::string& call : fake.log) {
-            constexpr std::string_view prefix = "Speak \\Pit=50\\ \\Spd=156\\";
-            if (call.starts_with(prefix))
-                spoken.push_back(call.substr(prefix.size()));
-            else if (call.starts_with("Play ") && call != "Play RestPose")
-                spoken.push_back("[" + call.substr(5) + "]");
-        }
-        return spoken;
-    }
 };
 
 TEST_F(PhrasesTest, EveryDayOfTheMonthHasItsSuffix)

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ModuleTest.h"
+#include "tests/fakes/ReminderSlot.h"
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -15,9 +15,6 @@ inline const std::string invalidFileQuestion =
     "Reminders file is not having valid data. Its recommended that you delete the below file:"
     "\r\n\r\nC:\\Voxmate\\VoxmateReminders.txt\r\n"
     "Do you want Voxmate to delete this file and create the new file?";
-
-/// Title, day, month, year, hour, minute, description, flag.
-using ReminderFields = std::array<std::string, 8>;
 
 class ReminderTest : public ModuleTest
 {
@@ -31,17 +28,6 @@ protected:
         ReminderTempPath = temp;
     }
 
-    static std::string Slot(const ReminderFields& fields, char filler = '\0')
-    {
-        std::string bytes;
-        for (const std::string& field : fields) {
-            bytes += static_cast<char>(field.size() % 256);
-            bytes += static_cast<char>(field.size() / 256);
-            bytes += field;
-        }
-        bytes.resize(128, filler);
-        return bytes;
-    }
     static ReminderFields Call() { return {"Call", "07", "03", "2004", "09", "05", "Bank", "N"}; }
     /// A pending reminder of that title on 17 March 1975, which is today.
     static ReminderFields At(const std::string& title, const std::string& hour, const std::string& minute)
@@ -77,19 +63,6 @@ protected:
         return titles;
     }
     Lines TitlesInList() const { return {RemTitles.begin() + 1, RemTitles.begin() + 1 + RemCount}; }
-    /// What was spoken and played, in order, without the voice's tags and the pose that ends each speech.
-    Lines Spoken() const
-    {
-        Lines spoken;
-        for (const std::string& call : fake.log) {
-            constexpr std::string_view prefix = "Speak \\Pit=50\\ \\Spd=156\\";
-            if (call.starts_with(prefix))
-                spoken.push_back(call.substr(prefix.size()));
-            else if (call.starts_with("Play ") && call != "Play RestPose")
-                spoken.push_back("[" + call.substr(5) + "]");
-        }
-        return spoken;
-    }
     /// The calls that changed files.
     Lines FileCalls() const
     {

@@ -1,11 +1,105 @@
-#include "QtFixture.h"
+// The application: uncaught errors, the end that the desktop asks for, and what other threads post.
+#include "tests/unit/qt/QtTest.h"
+
+#include <QMessageBox>
+#include <QThread>
+#include <QTimer>
+
+#include <new>
+#include <thread>
 
 namespace voxmate::qt
 {
 
-TEST(ApplicationTest, RestComesOnceAfterTheLastOfSeveralWindowsHasGone)
+namespace
 {
-    QtApplication& app = App();
+
+using ApplicationTest = QtTest;
+
+/// Runs `look` on the message box that comes up next, however late, then ends it with Escape.
+void LookAtNextBox(const std::function<void(QMessageBox&)>& look)
+{
+    auto* timer = new QTimer(&App());
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, look] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        look(*box);
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+    timer->start(5);
+}
+
+} // namespace
+
+TEST_F(ApplicationTest, AnErrorThatNobodyCaughtIsShownAndEndsTheProgram)
+{
+    int ended = 0;
+    app.EndProgram = [&ended] { ++ended; };
+    form.cmdOk.Click = [] { throw Overflow(); };
+    std::string text;
+    LookAtNextBox([&text](QMessageBox& box) { text = box.text().toStdString(); });
+    QTest::mouseClick(Find("cmdOk"), Qt::LeftButton);
+    EXPECT_EQ(text, "Run-time error '6':\n\nOverflow");
+    EXPECT_EQ(ended, 1);
+}
+
+TEST_F(ApplicationTest, AnErrorInAnotherThreadIsShownInTheUserInterfacesThread)
+{
+    QThread* endedIn = nullptr;
+    app.EndProgram = [&endedIn] { endedIn = QThread::currentThread(); };
+    QThread thread;
+    thread.start();
+    auto* worker = new QObject;
+    worker->moveToThread(&thread);
+    QMetaObject::invokeMethod(
+        worker, [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
+    QThread* boxIn = nullptr;
+    LookAtNextBox([&](QMessageBox& box) {
+        boxIn = box.thread();
+        EXPECT_EQ(box.text().toStdString(), "Run-time error '7':\n\nOut of memory");
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return endedIn != nullptr; }));
+    EXPECT_EQ(boxIn, app.thread());
+    EXPECT_EQ(endedIn, app.thread());
+    QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
+    thread.quit();
+    thread.wait();
+}
+
+TEST_F(ApplicationTest, WhenTheDesktopAsksForTheEndNoWindowIsClosed)
+{
+    struct Closing : Form {
+        explicit Closing(FormHost& host) : Form(host, "frmClosing") {}
+        void Form_QueryUnload(bool& cancel) override
+        {
+            asked = true;
+            cancel = true;
+        }
+        bool asked = false;
+    } closing(windows);
+    closing.Show();
+    int ended = 0;
+    app.EndRequested = [&ended] { ++ended; };
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(&app, &quit);
+    EXPECT_EQ(ended, 1);
+    EXPECT_FALSE(closing.asked);
+    app.EndRequested = nullptr;
+}
+
+TEST_F(ApplicationTest, WhatAnotherThreadPostsRunsInTheEventLoop)
+{
+    bool done = false;
+    std::thread([&] { app.Post([&] { done = QThread::currentThread() == app.thread(); }); }).join();
+    EXPECT_FALSE(done);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done; }));
+}
+
+TEST_F(ApplicationTest, RestComesOnceAfterTheLastOfSeveralWindowsHasGone)
+{
     int rests = 0;
     app.AtRest = [&rests] { ++rests; };
     QWidget first;

@@ -1,9 +1,10 @@
 // The real engines: what they deliver, and how it sounds.
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/player/Shaper.h"
 #include "speech/text/MarkedText.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -61,14 +62,14 @@ protected:
         rate = engine->SampleRate(voice);
     }
 
-    RecordingSink Speak(const std::vector<Segment>& segments)
+    fakes::RecordingSink Speak(const std::vector<Segment>& segments)
     {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         EXPECT_TRUE(engine->Synthesize(voice, segments, sink));
         return sink;
     }
 
-    RecordingSink Speak(std::string_view text, Prosody prosody = {})
+    fakes::RecordingSink Speak(std::string_view text, Prosody prosody = {})
     {
         return Speak({Text(std::string(text), prosody)});
     }
@@ -203,13 +204,13 @@ TEST_P(EngineTest, VolumeScalesWhatIsHeard)
 
 TEST_P(EngineTest, APauseIsExactSilence)
 {
-    const RecordingSink sink = Speak({Pause(500)});
+    const fakes::RecordingSink sink = Speak({Pause(500)});
     EXPECT_EQ(sink.samples, std::vector<std::int16_t>(static_cast<std::size_t>(rate) / 2));
 }
 
 TEST_P(EngineTest, EveryWordIsReportedInItsTurnWhileItIsSpoken)
 {
-    const RecordingSink sink = Speak("Hello Bob & Ann, here are 42 näive words.");
+    const fakes::RecordingSink sink = Speak("Hello Bob & Ann, here are 42 näive words.");
     EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
     std::int64_t before = 0;
     for (const SpeechEvent& event : sink.events) {
@@ -236,7 +237,7 @@ TEST_P(EngineTest, TheMouthIsOpenWhereTheSoundIs)
     // Two loud syllables around a pause, slowed far beyond the engine's own range: the events must follow.
     Prosody prosody;
     prosody.wordsPerMinute = 50;
-    const RecordingSink sink = Speak({Text("ah", prosody), Pause(1000), Text("ah", prosody)});
+    const fakes::RecordingSink sink = Speak({Text("ah", prosody), Pause(1000), Text("ah", prosody)});
     std::vector<int> mouthAt(sink.samples.size(), 0);
     for (std::size_t i = 0; i < sink.events.size(); ++i)
         if (sink.events[i].kind == SpeechEvent::Kind::Mouth)
@@ -261,7 +262,7 @@ TEST_P(EngineTest, BookmarksComeWhereTheyStandAndNoneIsLost)
 {
     Segment second = Text("there my friend.");
     second.firstWord = 1;
-    const RecordingSink sink =
+    const fakes::RecordingSink sink =
         Speak({Bookmark(1), Text("Hello "), Bookmark(2), second, Bookmark(3), Pause(100), Bookmark(4)});
     EXPECT_EQ(sink.Values(SpeechEvent::Kind::Bookmark), (std::vector<int>{1, 2, 3, 4}));
     std::int64_t word = -1;
@@ -290,13 +291,13 @@ TEST_P(EngineTest, AStressedWordIsLouderOrLongerOrHigher)
 
 TEST_P(EngineTest, ASinkThatWantsNoMoreIsObeyedWithinABlock)
 {
-    RecordingSink sink;
+    fakes::RecordingSink sink;
     sink.stopAfter = 1;
     const std::vector<Segment> segments{Text(std::string(CheckProse[0])), Text(std::string(CheckProse[1]))};
     EXPECT_TRUE(engine->Synthesize(voice, segments, sink));
     EXPECT_GT(sink.samples.size(), 0U);
     EXPECT_LT(sink.samples.size(), static_cast<std::size_t>(rate) / 4);
-    RecordingSink again;
+    fakes::RecordingSink again;
     EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello")}, again));
     EXPECT_GT(again.samples.size(), static_cast<std::size_t>(rate) / 10);
 }
@@ -333,7 +334,7 @@ TEST_P(EngineTest, WhatTheSinkThrowsComesOutAndTheNextTextIsSpokenAsEver)
         ThrowingSink other;
         other.eventsLeft = calls;
         EXPECT_THROW(engine->Synthesize(voice, segments, other), std::length_error);
-        const RecordingSink again = Speak("Hello there", prosody);
+        const fakes::RecordingSink again = Speak("Hello there", prosody);
         // No two renderings of a text are equal to the sample.
         EXPECT_NEAR(static_cast<double>(again.samples.size()), static_cast<double>(usual), rate / 50.0) << calls;
         EXPECT_EQ(again.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1})) << calls;
@@ -350,7 +351,7 @@ struct Repeated {
     static constexpr int Words = 9; ///< words in the sentence
     int Count() const { return static_cast<int>(Arranger::LongestPiece / sentence.size()) + 20; }
     /// Seconds from the beginning of each sentence to that of the next, without the first and the last.
-    std::vector<double> Lengths(const RecordingSink& sink, int rate) const
+    std::vector<double> Lengths(const fakes::RecordingSink& sink, int rate) const
     {
         std::vector<double> lengths;
         std::int64_t before = -1;
@@ -375,7 +376,7 @@ TEST_P(EngineTest, TheSeamsOfALongTextAreNotHeard)
     quick.wordsPerMinute = 600;
     Segment last = Text("The end.", quick);
     last.firstWord = repeated.Count() * Repeated::Words;
-    const RecordingSink sink = Speak({Text(repeated.text, quick), Bookmark(8), last});
+    const fakes::RecordingSink sink = Speak({Text(repeated.text, quick), Bookmark(8), last});
     // An engine may join two words into one.
     const std::vector<int> inOne = Speak(repeated.sentence).Values(SpeechEvent::Kind::Word);
     EXPECT_GE(inOne.size(), 7U);
@@ -405,7 +406,7 @@ TEST_P(EngineTest, OddTextIsNoTrouble)
 {
     for (const char* text :
          {"", " ", "...", "<", "&&&", "\xFF\xFE\x80", "\x01\x02", "日本語", "😀", "<speak>", "[[h]]", "a\nb\n\nc"}) {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text(text)}, sink)) << text;
     }
 }
@@ -421,7 +422,7 @@ INSTANTIATE_TEST_SUITE_P(Voices, EngineTest,
                                            Case{"FliteRms", CreateFliteEngine, "rms"}),
                          [](const auto& info) { return info.param.test; });
 
-TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
+TEST(EspeakEngineTest, NamesItsVoicesAsPeopleKnowThem)
 {
     const auto engine = CreateEspeakEngine();
     std::set<std::string> names;
@@ -432,7 +433,7 @@ TEST(EspeakEngine, NamesItsVoicesAsPeopleKnowThem)
     EXPECT_GT(names.size(), 100U);
 }
 
-TEST(EspeakEngine, MakesOtherPeoplesVoicesOfEachOfItsOwn)
+TEST(EspeakEngineTest, MakesOtherPeoplesVoicesOfEachOfItsOwn)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -453,7 +454,7 @@ TEST(EspeakEngine, MakesOtherPeoplesVoicesOfEachOfItsOwn)
     }
 }
 
-TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
+TEST(EspeakEngineTest, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -462,7 +463,7 @@ TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
         const char* const text = voice.key == "zle/ru" ? "Привет, дорогой друг, как твои дела сегодня вечером?"
                                                        : "Good morning, my dear old friend, how are you tonight?";
         const auto say = [&](const Voice& speaker) {
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             EXPECT_TRUE(engine->Synthesize(speaker, std::vector<Segment>{Text(text)}, sink));
             return sink.samples;
         };
@@ -481,7 +482,7 @@ TEST(EspeakEngine, AFemaleVoiceIsHigherAndAsLoudAsTheOneItIsMadeOf)
 }
 
 // An utterance of the library's that an exception skipped would never be freed; each takes some hundred kilobytes.
-TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
+TEST(FliteEngineTest, WhatTheSinkThrowsLeavesNothingBehind)
 {
     const std::unique_ptr<Engine> engine = CreateFliteEngine();
     ASSERT_FALSE(engine->Voices().empty());
@@ -498,7 +499,7 @@ TEST(FliteEngine, WhatTheSinkThrowsLeavesNothingBehind)
     EXPECT_LT(mallinfo2().uordblks, before + 100'000);
 }
 
-TEST(FliteEngine, HasItsFourEnglishVoices)
+TEST(FliteEngineTest, HasItsFourEnglishVoices)
 {
     const auto engine = CreateFliteEngine();
     std::set<std::string> names;
@@ -510,19 +511,19 @@ TEST(FliteEngine, HasItsFourEnglishVoices)
                                             "Flite AWB (Scottish English)", "Flite RMS (American English)"}));
 }
 
-TEST(Engines, OneAfterTheOtherSpeakAsTheFirstDid)
+TEST(EnginesTest, OneAfterTheOtherSpeakAsTheFirstDid)
 {
     for (const auto create : {CreateEspeakEngine, CreateFliteEngine})
         for (int turn = 0; turn < 2; ++turn) {
             const auto engine = create();
             ASSERT_FALSE(engine->Voices().empty());
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             EXPECT_TRUE(engine->Synthesize(engine->Voices().back(), std::vector<Segment>{Text("Hello.")}, sink));
             EXPECT_GT(sink.samples.size(), 2000U);
         }
 }
 
-TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
+TEST(EspeakEngineTest, AGermanVoiceIsAsHighAsIsAsked)
 {
     const auto engine = CreateEspeakEngine();
     for (const Voice& voice : engine->Voices()) {
@@ -531,7 +532,7 @@ TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
         for (const int hertz : {60, 120, 250}) {
             Prosody prosody;
             prosody.pitchHz = hertz;
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             const std::vector<Segment> text{
                 Text("Der Nordwind und die Sonne stritten sich, wer von ihnen wohl der Stärkere wäre.", prosody)};
             ASSERT_TRUE(engine->Synthesize(voice, text, sink));
@@ -542,9 +543,9 @@ TEST(EspeakEngine, AGermanVoiceIsAsHighAsIsAsked)
     FAIL() << "no German voice";
 }
 
-TEST(Shaper, MovesEventsAlongWithTheSamples)
+TEST(ShaperTest, MovesEventsAlongWithTheSamples)
 {
-    RecordingSink sink;
+    fakes::RecordingSink sink;
     Shaper shaper(8000, sink);
     shaper.Silence(100);
     Shape shape;
@@ -560,9 +561,9 @@ TEST(Shaper, MovesEventsAlongWithTheSamples)
     EXPECT_NEAR(static_cast<double>(sink.samples.size()), 800 + 4000, 200);
 }
 
-TEST(Shaper, RunsLikeATapeWhenTheRateIsChanged)
+TEST(ShaperTest, RunsLikeATapeWhenTheRateIsChanged)
 {
-    RecordingSink sink;
+    fakes::RecordingSink sink;
     Shaper shaper(8000, sink);
     Shape shape;
     shape.rate = 0.5;

@@ -1,9 +1,11 @@
 // Voices in the user's own files. The test files are made from the installed voices.
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/engines/FliteLibrary.h"
 #include "speech/player/SpeechJob.h"
+#include "tests/fakes/Eventually.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -32,7 +34,7 @@ using measure::CheckProse;
 using measure::SpeakingSeconds;
 using measure::TrackPitch;
 
-class Flitevox : public ::testing::Test
+class FlitevoxTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -43,15 +45,15 @@ protected:
         // In a separate process in which no voice has been used: what an engine sets in a voice would be written to the
         // file, too.
         const std::string command = "VOXMATE_TEST_FOLDER='" + form + "' '" + fs::canonical("/proc/self/exe").string() +
-                                    "' --gtest_also_run_disabled_tests --gtest_filter=FlitevoxChild.* >/dev/null";
+                                    "' --gtest_also_run_disabled_tests --gtest_filter=FlitevoxChildTest.* >/dev/null";
         ASSERT_EQ(std::system(command.c_str()), 0);
     }
     void TearDown() override { fs::remove_all(folder); }
 
     fs::path File(const std::string& name) const { return folder / ("my_" + name + ".flitevox"); }
-    static RecordingSink Say(Engine& engine, const Voice& voice, std::string_view text, Prosody prosody)
+    static fakes::RecordingSink Say(Engine& engine, const Voice& voice, std::string_view text, Prosody prosody)
     {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         EXPECT_TRUE(engine.Synthesize(voice, std::vector<Segment>{Text(std::string(text), prosody)}, sink));
         return sink;
     }
@@ -59,7 +61,7 @@ protected:
     fs::path folder;
 };
 
-TEST(FlitevoxChild, DISABLED_WritesTheInstalledVoices)
+TEST(FlitevoxChildTest, DISABLED_WritesTheInstalledVoices)
 {
     FliteLibrary flite;
     ASSERT_TRUE(flite.Load());
@@ -73,7 +75,7 @@ TEST(FlitevoxChild, DISABLED_WritesTheInstalledVoices)
     }
 }
 
-TEST_F(Flitevox, FilesInTheFolderAreVoices)
+TEST_F(FlitevoxTest, FilesInTheFolderAreVoices)
 {
     std::ofstream(folder / "readme.txt") << "CMU_FLITE_CG_VOXDATA-v2.0";
     const auto engine = CreateFlitevoxEngine(folder);
@@ -89,14 +91,14 @@ TEST_F(Flitevox, FilesInTheFolderAreVoices)
     EXPECT_TRUE(CreateFlitevoxEngine(folder / "nowhere")->Voices().empty());
 }
 
-TEST_F(Flitevox, WhatIsAskedInPitchAndSpeedIsHeard)
+TEST_F(FlitevoxTest, WhatIsAskedInPitchAndSpeedIsHeard)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     for (const Voice& voice : engine->Voices()) {
         for (const int hertz : {80, 150, 250}) {
             Prosody prosody;
             prosody.pitchHz = hertz;
-            const RecordingSink sink = Say(*engine, voice, CheckProse[2], prosody);
+            const fakes::RecordingSink sink = Say(*engine, voice, CheckProse[2], prosody);
             const double heard = TrackPitch(sink.samples, 16000).Median();
             std::printf("%s: %d Hz asked, %.1f heard\n", voice.name.c_str(), hertz, heard);
             EXPECT_NEAR(heard, hertz, hertz * 0.1) << voice.name;
@@ -119,7 +121,7 @@ TEST_F(Flitevox, WhatIsAskedInPitchAndSpeedIsHeard)
 }
 
 // A file that is cut off anywhere, or overwritten, makes no sound, and the program survives.
-TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
+TEST_F(FlitevoxTest, ADamagedFileIsNoVoiceOrDoesNotSpeak)
 {
     std::ifstream whole(File("slt"), std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(whole), {}};
@@ -140,7 +142,7 @@ TEST_F(Flitevox, ADamagedFileIsNoVoiceOrDoesNotSpeak)
     const auto engine = CreateFlitevoxEngine(folder);
     int good = 0;
     for (const Voice& voice : engine->Voices()) {
-        RecordingSink sink;
+        fakes::RecordingSink sink;
         const bool spoken = engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink);
         good += spoken;
         EXPECT_EQ(spoken, !sink.samples.empty()) << voice.name;
@@ -173,7 +175,7 @@ bool HoldsMoreThanTheStandardOnes(pid_t process)
 }
 
 /// A voice file that never ends: an empty pipe, which blocks its reader.
-class EndlessFile : public ::testing::Test
+class EndlessFileTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -193,7 +195,7 @@ protected:
 };
 
 // Otherwise every turn of a text would wait for the check again.
-TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
+TEST_F(FlitevoxTest, AFileThatWasFoundDamagedIsNotTriedAgain)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     ASSERT_FALSE(engine->Voices().empty());
@@ -201,14 +203,14 @@ TEST_F(Flitevox, AFileThatWasFoundDamagedIsNotTriedAgain)
     const fs::path kept = folder / "kept";
     fs::rename(voice.key, kept);
     std::ofstream(voice.key) << "damaged";
-    RecordingSink sink;
+    fakes::RecordingSink sink;
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
     fs::rename(kept, voice.key); // a second try would succeed
     EXPECT_FALSE(engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, sink));
     EXPECT_TRUE(sink.samples.empty());
 }
 
-TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
+TEST_F(FlitevoxTest, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
 {
     const auto engine = CreateFlitevoxEngine(folder);
     ASSERT_FALSE(engine->Voices().empty());
@@ -220,7 +222,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     job.SetRate(engine->SampleRate(voice));
     bool spoken = false;
     std::thread worker([&] { spoken = engine->Synthesize(voice, std::vector<Segment>{Text("Hello.")}, job); });
-    EXPECT_TRUE(Eventually([] { return !ChildrenOf(getpid()).empty(); }));
+    EXPECT_TRUE(fakes::Eventually([] { return !ChildrenOf(getpid()).empty(); }));
     job.Cancel();
     worker.join();
     EXPECT_TRUE(spoken); // a stop is not a failure; a check that ends by itself would be
@@ -229,7 +231,7 @@ TEST_F(Flitevox, AStopEndsTheCheckAtOnceAndTheFileIsTriedTheNextTime)
     EXPECT_FALSE(Say(*engine, voice, "Hello.", {}).samples.empty());
 }
 
-TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
+TEST_F(EndlessFileTest, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
 {
     ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); // orphaned processes of the program are handed to this process
     std::array<int, 2> held{};
@@ -241,12 +243,12 @@ TEST_F(EndlessFile, TheCheckHoldsNothingOfTheProgramsAndEndsWithIt)
         _exit(0);
     }
     pid_t check = 0;
-    EXPECT_TRUE(Eventually([&] {
+    EXPECT_TRUE(fakes::Eventually([&] {
         const std::vector<pid_t> children = ChildrenOf(program);
         check = children.empty() ? 0 : children.front();
         return check != 0;
     }));
-    EXPECT_TRUE(check != 0 && Eventually([&] { return !HoldsMoreThanTheStandardOnes(check); }));
+    EXPECT_TRUE(check != 0 && fakes::Eventually([&] { return !HoldsMoreThanTheStandardOnes(check); }));
     kill(program, SIGKILL);
     EXPECT_EQ(waitpid(program, nullptr, 0), program);
     if (check != 0) {

@@ -1,10 +1,10 @@
 #include "speech/text/MarkedText.h"
-#include "Fakes.h"
 #include "base/Text.h"
 #include "speech/Calibration.h"
 #include "speech/engines/EspeakMarkup.h"
 #include "speech/engines/FliteText.h"
 #include "speech/sound/Mouths.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ std::vector<MarkedText> Arrange(std::span<const Segment> segments)
     return parts;
 }
 
-TEST(MarkedText, JoinsWhatIsSpokenAlikeAndKeepsTheBookmarkInItsPlace)
+TEST(MarkedTextTest, JoinsWhatIsSpokenAlikeAndKeepsTheBookmarkInItsPlace)
 {
     Segment second = Text("there.");
     second.firstWord = 1;
@@ -41,7 +41,7 @@ TEST(MarkedText, JoinsWhatIsSpokenAlikeAndKeepsTheBookmarkInItsPlace)
     EXPECT_EQ(parts[0].shownWord.back(), 1);
 }
 
-TEST(MarkedText, PartsAtAPauseAndWhereTheMannerChanges)
+TEST(MarkedTextTest, PartsAtAPauseAndWhereTheMannerChanges)
 {
     Prosody low;
     low.pitchHz = 60;
@@ -53,7 +53,7 @@ TEST(MarkedText, PartsAtAPauseAndWhereTheMannerChanges)
     EXPECT_EQ(parts[3].prosody.pitchHz, 60);
 }
 
-TEST(MarkedText, SpreadsTheShownWordsOverTheSpokenOnes)
+TEST(MarkedTextTest, SpreadsTheShownWordsOverTheSpokenOnes)
 {
     Segment mapped = Text("nineteen ninety nine now");
     mapped.firstWord = 4;
@@ -65,7 +65,7 @@ TEST(MarkedText, SpreadsTheShownWordsOverTheSpokenOnes)
     EXPECT_EQ(parts[0].shownWord[21], 5);
 }
 
-TEST(MarkedText, SpreadsAsManyWordsAsABookHas)
+TEST(MarkedTextTest, SpreadsAsManyWordsAsABookHas)
 {
     constexpr int words = 70000;
     std::string text;
@@ -78,7 +78,7 @@ TEST(MarkedText, SpreadsAsManyWordsAsABookHas)
     EXPECT_EQ(parts.back().shownWord.back(), words - 1);
 }
 
-TEST(MarkedText, StressesTheFirstWordOnly)
+TEST(MarkedTextTest, StressesTheFirstWordOnly)
 {
     Segment segment = Text(" stop now");
     segment.emphasis = true;
@@ -103,7 +103,7 @@ MarkedText Joined(const std::vector<MarkedText>& pieces)
     return all;
 }
 
-TEST(MarkedText, ALongStretchComesInPiecesWithoutLosingItsPlace)
+TEST(MarkedTextTest, ALongStretchComesInPiecesWithoutLosingItsPlace)
 {
     // Greek letters of two bytes and an emoji of four, so that the seams of pieces and blocks fall anywhere.
     std::string text;
@@ -137,7 +137,7 @@ TEST(MarkedText, ALongStretchComesInPiecesWithoutLosingItsPlace)
     EXPECT_TRUE(all.emphasised[18000]);
 }
 
-TEST(MarkedText, WordsAreSpreadEvenlyOverAllPieces)
+TEST(MarkedTextTest, WordsAreSpreadEvenlyOverAllPieces)
 {
     std::string text;
     for (int i = 0; i < 3000; ++i)
@@ -175,7 +175,7 @@ Seam FirstSeam(const std::string& place)
     return {before.substr(before.size() - 6), pieces.at(1).text.substr(0, 4), pieces[0].end};
 }
 
-TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
+TEST(MarkedTextTest, ALongStretchIsCutWhereItIsHeardLeast)
 {
     for (const auto& [place, before] : {std::pair{"remember! And", U"mber! "},
                                         {"remember? and", U"mber? "},
@@ -205,7 +205,7 @@ TEST(MarkedText, ALongStretchIsCutWhereItIsHeardLeast)
     }
 }
 
-TEST(MarkedText, AWordLongerThanAPieceIsCutAnywhere)
+TEST(MarkedTextTest, AWordLongerThanAPieceIsCutAnywhere)
 {
     const Segment segment = Text(std::string(Arranger::LongestPiece * 2 + 10, 'w'));
     const std::vector<MarkedText> pieces = Arrange(std::span(&segment, 1));
@@ -215,13 +215,13 @@ TEST(MarkedText, AWordLongerThanAPieceIsCutAnywhere)
     EXPECT_EQ(pieces[2].shownWord.back(), 0);
 }
 
-TEST(MarkedText, AStretchAsLongAsAPieceIsNotCut)
+TEST(MarkedTextTest, AStretchAsLongAsAPieceIsNotCut)
 {
     const Segment segment = Text(std::string(Arranger::LongestPiece, 'w'));
     EXPECT_EQ(Arrange(std::span(&segment, 1)).size(), 1U);
 }
 
-TEST(EspeakMarkup, IsLeftOpenWhereASentenceIsCut)
+TEST(EspeakMarkupTest, IsLeftOpenWhereASentenceIsCut)
 {
     MarkedText piece;
     piece.text = U"so";
@@ -234,7 +234,7 @@ TEST(EspeakMarkup, IsLeftOpenWhereASentenceIsCut)
     EXPECT_EQ(EspeakMarkup(piece).ssml, "<speak>so");
 }
 
-TEST(EspeakMarkup, EscapesWhatIsMarkupAndFindsTheWordsAgain)
+TEST(EspeakMarkupTest, EscapesWhatIsMarkupAndFindsTheWordsAgain)
 {
     const Segment segment = Text("a & b <ü> c");
     const EspeakMarkup markup(Arrange(std::span(&segment, 1))[0]);
@@ -256,13 +256,13 @@ std::vector<std::string> Sentences(std::string text)
     return sentences;
 }
 
-TEST(FliteText, SplitsAtTheEndsOfSentencesAndNotAtAbbreviations)
+TEST(FliteTextTest, SplitsAtTheEndsOfSentencesAndNotAtAbbreviations)
 {
     EXPECT_EQ(Sentences("Dr. Smith came at 3.15 p.m. today. \"Really?\" Yes! J. Doe left."),
               (std::vector<std::string>{"Dr. Smith came at 3.15 p.m. today.", "\"Really?\"", "Yes!", "J. Doe left."}));
 }
 
-TEST(FliteText, AnEmptyLineEndsASentenceHoweverLinesAreEnded)
+TEST(FliteTextTest, AnEmptyLineEndsASentenceHoweverLinesAreEnded)
 {
     const std::vector<std::string> sentences{"Chapter One", "It was late"};
     EXPECT_EQ(Sentences("Chapter One\n\nIt was late"), sentences);
@@ -271,18 +271,18 @@ TEST(FliteText, AnEmptyLineEndsASentenceHoweverLinesAreEnded)
     EXPECT_EQ(Sentences("One line\nof two"), (std::vector<std::string>{"One line\nof two"}));
 }
 
-TEST(FliteText, LeavesOutWhatHasNothingToSay)
+TEST(FliteTextTest, LeavesOutWhatHasNothingToSay)
 {
     EXPECT_EQ(Sentences("... ! Hello. --- "), (std::vector<std::string>{"Hello."}));
     EXPECT_EQ(Sentences(" \n "), (std::vector<std::string>{}));
 }
 
-TEST(FliteText, ReadsForeignLettersAndTypographyAsNearAsAsciiComes)
+TEST(FliteTextTest, ReadsForeignLettersAndTypographyAsNearAsAsciiComes)
 {
     EXPECT_EQ(Sentences("It’s a café — naïve…"), (std::vector<std::string>{"It's a cafe , naive..."}));
 }
 
-TEST(FliteText, IsSplitQuicklyHoweverManyBlanksPartItsWords)
+TEST(FliteTextTest, IsSplitQuicklyHoweverManyBlanksPartItsWords)
 {
     MarkedText text;
     text.text = U"One" + std::u32string(100000, U' ') + U"two.";
@@ -293,7 +293,7 @@ TEST(FliteText, IsSplitQuicklyHoweverManyBlanksPartItsWords)
     EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
-TEST(Mouths, CloseOnTheLipsOpenOnAhAndNarrowOnOo)
+TEST(MouthsTest, CloseOnTheLipsOpenOnAhAndNarrowOnOo)
 {
     for (const char* closed : {"m", "b", "p", "", "_", "__"})
         EXPECT_EQ(MouthOfIpa(closed), 0) << closed;
@@ -313,7 +313,7 @@ TEST(Mouths, CloseOnTheLipsOpenOnAhAndNarrowOnOo)
     EXPECT_EQ(MouthOfFlitePhone("??"), 5);
 }
 
-TEST(Mouths, OpenWiderTheLouderItIs)
+TEST(MouthsTest, OpenWiderTheLouderItIs)
 {
     EXPECT_EQ(MouthOfLoudness(0, 1000), 0);
     EXPECT_EQ(MouthOfLoudness(100, 1000), 6);
@@ -323,7 +323,7 @@ TEST(Mouths, OpenWiderTheLouderItIs)
     EXPECT_EQ(MouthOfLoudness(0, 0), 0);
 }
 
-TEST(Calibration, FindsTheSettingBetweenThePointsAndTheRemainderOutside)
+TEST(CalibrationTest, FindsTheSettingBetweenThePointsAndTheRemainderOutside)
 {
     constexpr std::array<CalibrationPoint, 3> points{{{100, 80}, {200, 180}, {400, 300}}};
     EXPECT_DOUBLE_EQ(SettingFor(points, 150).value, 130);

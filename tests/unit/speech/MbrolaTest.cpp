@@ -1,9 +1,10 @@
 // MBROLA voices, with our own data where eSpeak NG looks for it. The library looks only once per process, so tests that
 // need the data run in a separate process.
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "bench/speech_prose.h"
 #include "speech/VoiceCatalog.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,7 @@ const std::vector<std::string_view> German{
 };
 
 /// A copy of the library's data (as links) that contains databases of MBROLA voices.
-class Mbrola : public ::testing::Test
+class MbrolaTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -70,8 +71,8 @@ protected:
     {
         const std::string command = "ESPEAK_DATA_PATH='" + folder.string() + "' PATH='" + folder.string() + "/bin' '" +
                                     fs::canonical("/proc/self/exe").string() +
-                                    "' --gtest_also_run_disabled_tests --gtest_filter=MbrolaChild.DISABLED_" + test +
-                                    " >'" + folder.string() + "/log' 2>&1";
+                                    "' --gtest_also_run_disabled_tests --gtest_filter=MbrolaChildTest.DISABLED_" +
+                                    test + " >'" + folder.string() + "/log' 2>&1";
         const int status = std::system(command.c_str());
         std::ifstream log(folder / "log");
         const std::string text{std::istreambuf_iterator<char>(log), {}};
@@ -92,30 +93,30 @@ std::vector<std::string> MbrolaNames(Engine& engine)
     return names;
 }
 
-TEST_F(Mbrola, VoicesAreOfferedWhenTheirDataIsThere)
+TEST_F(MbrolaTest, VoicesAreOfferedWhenTheirDataIsThere)
 {
     Install();
     Run("Listed");
 }
 
-TEST_F(Mbrola, VoicesAreNotOfferedWithoutTheProgram)
+TEST_F(MbrolaTest, VoicesAreNotOfferedWithoutTheProgram)
 {
     Run("NotListed");
 }
 
-TEST_F(Mbrola, VoicesSpeakAtThePitchAndSpeedThatIsAsked)
+TEST_F(MbrolaTest, VoicesSpeakAtThePitchAndSpeedThatIsAsked)
 {
     Install();
     Run("Calibrated");
 }
 
-TEST_F(Mbrola, TheDesktopsRegionHasItsVoiceFirst)
+TEST_F(MbrolaTest, TheDesktopsRegionHasItsVoiceFirst)
 {
     Install();
     Run("Ranked");
 }
 
-TEST(MbrolaChild, DISABLED_Listed)
+TEST(MbrolaChildTest, DISABLED_Listed)
 {
     const auto engine = CreateEspeakEngine();
     EXPECT_EQ(MbrolaNames(*engine),
@@ -124,14 +125,14 @@ TEST(MbrolaChild, DISABLED_Listed)
                                         "eSpeak Icelandic (MBROLA ic1)"}));
 }
 
-TEST(MbrolaChild, DISABLED_NotListed)
+TEST(MbrolaChildTest, DISABLED_NotListed)
 {
     const auto engine = CreateEspeakEngine();
     EXPECT_GT(engine->Voices().size(), 100U);
     EXPECT_EQ(MbrolaNames(*engine), std::vector<std::string>{});
 }
 
-TEST(MbrolaChild, DISABLED_Ranked)
+TEST(MbrolaChildTest, DISABLED_Ranked)
 {
     for (const auto& [desktop, first] :
          {std::pair("fr_CA", "eSpeak French (MBROLA ca1)"), std::pair("de_DE", "eSpeak German"),
@@ -150,7 +151,7 @@ TEST(MbrolaChild, DISABLED_Ranked)
     }
 }
 
-TEST(MbrolaChild, DISABLED_Calibrated)
+TEST(MbrolaChildTest, DISABLED_Calibrated)
 {
     const auto engine = CreateEspeakEngine();
     int tried = 0;
@@ -163,7 +164,7 @@ TEST(MbrolaChild, DISABLED_Calibrated)
             Prosody prosody;
             prosody.pitchHz = hertz;
             prosody.wordsPerMinute = wordsPerMinute;
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text(std::string(text), prosody)}, sink));
             return sink;
         };
@@ -185,7 +186,7 @@ TEST(MbrolaChild, DISABLED_Calibrated)
                         continue;
                     Prosody prosody;
                     prosody.wordsPerMinute = wordsPerMinute;
-                    RecordingSink sink;
+                    fakes::RecordingSink sink;
                     engine->Synthesize(other, std::vector<Segment>{Text(std::string(text), prosody)}, sink);
                     own += SpeakingSeconds(sink.samples, rate);
                 }
@@ -194,7 +195,7 @@ TEST(MbrolaChild, DISABLED_Calibrated)
                         own / seconds * 100);
             EXPECT_NEAR(own / seconds, 1, 0.1) << voice.name << " " << wordsPerMinute;
         }
-        const RecordingSink sink = say("Mama saw you there.", 120, 150);
+        const fakes::RecordingSink sink = say("Mama saw you there.", 120, 150);
         EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1, 2, 3}));
         EXPECT_GE(sink.Values(SpeechEvent::Kind::Mouth).size(), 6U);
         for (const SpeechEvent& event : sink.events)

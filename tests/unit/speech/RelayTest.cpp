@@ -1,8 +1,9 @@
 // A text in more than one script: who says what, in which order, and what is heard.
 #include "speech/text/Relay.h"
-#include "Fakes.h"
 #include "bench/speech_measure.h"
 #include "speech/sound/Resampler.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -84,7 +85,7 @@ protected:
     std::string desktop = "en";
     std::vector<std::unique_ptr<Engine>> engines;
     std::unique_ptr<VoiceCatalog> catalog;
-    RecordingSink sink;
+    fakes::RecordingSink sink;
 };
 
 TEST_F(RelayTest, WhatTheVoiceCanSayGoesToItWhole)
@@ -203,7 +204,7 @@ TEST_F(RelayTest, ALongTextIsNotDealtOutBeforeItIsHeard)
     EXPECT_EQ(bytes, russian.size());
 }
 
-TEST(Resampler, KeepsATonesPitchLevelAndLength)
+TEST(ResamplerTest, KeepsATonesPitchLevelAndLength)
 {
     for (const auto& [from, to] : {std::pair(22050, 16000), std::pair(22050, 8000), std::pair(16000, 22050)}) {
         std::vector<std::int16_t> tone(static_cast<std::size_t>(from));
@@ -222,7 +223,7 @@ TEST(Resampler, KeepsATonesPitchLevelAndLength)
     }
 }
 
-TEST(Resampler, LeavesOutWhatTheLowerRateCannotHold)
+TEST(ResamplerTest, LeavesOutWhatTheLowerRateCannotHold)
 {
     std::vector<std::int16_t> tone(22050);
     for (std::size_t i = 0; i < tone.size(); ++i)
@@ -238,7 +239,7 @@ TEST(Resampler, LeavesOutWhatTheLowerRateCannotHold)
 
 // What is heard when a reader speaks in place of a Flite voice: it lasts, has the pitch asked for, and is about as loud
 // as that voice.
-TEST(RealRelay, FliteAndAReaderSayAMixedSentenceWhole)
+TEST(RealRelayTest, FliteAndAReaderSayAMixedSentenceWhole)
 {
     std::vector<std::unique_ptr<Engine>> engines;
     engines.push_back(CreateEspeakEngine());
@@ -253,12 +254,12 @@ TEST(RealRelay, FliteAndAReaderSayAMixedSentenceWhole)
         const int rate = flite->SampleRate(voice);
         for (const char* text : {"Привет, дорогой друг, как твои дела сегодня вечером?",
                                  "今天天气很好，我们去公园玩吧。", "Καλημέρα σας, τι κάνετε;"}) {
-            RecordingSink sink;
+            fakes::RecordingSink sink;
             ASSERT_TRUE(SpeakInTurns(catalog, chosen, std::vector<Segment>{Text(text, prosody)}, sink));
             EXPECT_GT(measure::SpeakingSeconds(sink.samples, rate), 1) << voice.name << text;
             EXPECT_NEAR(measure::TrackPitch(sink.samples, rate).Median(), 150, 25) << voice.name << text;
             EXPECT_LE(sink.latestEventBehind, rate / 10);
-            RecordingSink english;
+            fakes::RecordingSink english;
             flite->Synthesize(voice, std::vector<Segment>{Text("Good morning, my dear old friend.", prosody)}, english);
             EXPECT_NEAR(
                 20 * std::log10(measure::SpeechLevel(sink.samples, rate) / measure::SpeechLevel(english.samples, rate)),

@@ -1,6 +1,6 @@
 #include "speech/VoiceCatalog.h"
-#include "Fakes.h"
 #include "speech/text/ModeId.h"
+#include "tests/fakes/FakeEngine.h"
 
 #include <gtest/gtest.h>
 
@@ -16,12 +16,13 @@ namespace
 std::vector<std::string> NamesFor(std::string_view desktopLanguage)
 {
     std::vector<std::unique_ptr<Engine>> engines;
-    engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"e French", "1", "fr-fr", ""},
-                                                                      {"e English (West)", "2", "en-gb-west", ""},
-                                                                      {"e German", "3", "de", ""},
-                                                                      {"e Danish", "4", "da", ""},
-                                                                      {"e English (America)", "5", "en-us", ""}}));
-    engines.push_back(std::make_unique<FakeEngine>(std::vector<Voice>{{"f Anna", "6", "en-us", ""}}));
+    engines.push_back(
+        std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"e French", "1", "fr-fr", ""},
+                                                               {"e English (West)", "2", "en-gb-west", ""},
+                                                               {"e German", "3", "de", ""},
+                                                               {"e Danish", "4", "da", ""},
+                                                               {"e English (America)", "5", "en-us", ""}}));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"f Anna", "6", "en-us", ""}}));
     VoiceCatalog catalog(std::move(engines), desktopLanguage);
     std::vector<std::string> names;
     for (int i = 1; i <= catalog.CountEngines(); ++i)
@@ -31,19 +32,19 @@ std::vector<std::string> NamesFor(std::string_view desktopLanguage)
 
 using Names = std::vector<std::string>;
 
-TEST(VoiceCatalog, PutsTheDesktopsLanguageFirstThenEnglishThenTheRest)
+TEST(VoiceCatalogTest, PutsTheDesktopsLanguageFirstThenEnglishThenTheRest)
 {
     EXPECT_EQ(NamesFor("de-DE"),
               (Names{"e German", "e English (America)", "e English (West)", "f Anna", "e Danish", "e French"}));
 }
 
-TEST(VoiceCatalog, UnderstandsTheNamesThatDesktopsGiveTheirLanguage)
+TEST(VoiceCatalogTest, UnderstandsTheNamesThatDesktopsGiveTheirLanguage)
 {
     EXPECT_EQ(NamesFor("fr_FR.UTF-8").front(), "e French");
     EXPECT_EQ(NamesFor("DA").front(), "e Danish");
 }
 
-TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
+TEST(VoiceCatalogTest, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
 {
     const Names english{"e English (America)", "e English (West)", "f Anna", "e Danish", "e French", "e German"};
     EXPECT_EQ(NamesFor(""), english);
@@ -51,23 +52,23 @@ TEST(VoiceCatalog, BeginsWithEnglishWhenTheDesktopsLanguageIsUnknown)
     EXPECT_EQ(NamesFor("en-GB"), english);
 }
 
-TEST(VoiceCatalog, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
+TEST(VoiceCatalogTest, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
 {
     const auto firstFor = [](std::string_view desktop) {
         std::vector<std::unique_ptr<Engine>> engines;
         engines.push_back(
-            std::make_unique<FakeEngine>(std::vector<Voice>{{"Belgian", "1", "fr-be", ""},
-                                                            {"French", "2", "fr", ""},
-                                                            {"Canadian", "3", "fr-ca", "", Voice::Origin::Added},
-                                                            {"Brazilian", "4", "pt-br", ""},
-                                                            {"Portuguese", "5", "pt", ""},
-                                                            {"Latin American", "6", "es-419", ""},
-                                                            {"Spanish", "7", "es", ""},
-                                                            {"Cantonese", "8", "yue", ""},
-                                                            {"Hakka", "9", "hak", ""},
-                                                            {"Mandarin, English", "10", "cmn", ""},
-                                                            {"Mandarin, Pinyin", "11", "cmn-latn-pinyin", ""},
-                                                            {"Bokmal", "12", "nb", ""}}));
+            std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"Belgian", "1", "fr-be", ""},
+                                                                   {"French", "2", "fr", ""},
+                                                                   {"Canadian", "3", "fr-ca", "", Voice::Origin::Added},
+                                                                   {"Brazilian", "4", "pt-br", ""},
+                                                                   {"Portuguese", "5", "pt", ""},
+                                                                   {"Latin American", "6", "es-419", ""},
+                                                                   {"Spanish", "7", "es", ""},
+                                                                   {"Cantonese", "8", "yue", ""},
+                                                                   {"Hakka", "9", "hak", ""},
+                                                                   {"Mandarin, English", "10", "cmn", ""},
+                                                                   {"Mandarin, Pinyin", "11", "cmn-latn-pinyin", ""},
+                                                                   {"Bokmal", "12", "nb", ""}}));
         return VoiceCatalog(std::move(engines), desktop).ModeName(1);
     };
     EXPECT_EQ(firstFor("fr_CA"), "Canadian");
@@ -87,7 +88,7 @@ TEST(VoiceCatalog, PutsTheDesktopsRegionBeforeItsLanguagesOtherVoices)
 Names NamesWithin(int limit, std::vector<Voice> voices, const std::string& chosen = "")
 {
     std::vector<std::unique_ptr<Engine>> engines;
-    engines.push_back(std::make_unique<FakeEngine>(std::move(voices)));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::move(voices)));
     VoiceCatalog catalog(std::move(engines), "de", limit, [chosen] { return chosen; });
     Names names;
     for (int i = 1; i <= catalog.CountEngines(); ++i)
@@ -107,7 +108,7 @@ const std::vector<Voice> many{{"Brazilian", "1", "pt-br", ""},
                               {"Welsh", "10", "cy", ""},
                               {"Added Icelandic", "11", "is", "", Voice::Origin::Added}};
 
-TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
+TEST(VoiceCatalogTest, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
 {
     EXPECT_EQ(NamesWithin(11, many), (Names{"German", "Swiss", "English", "Scottish", "Added Icelandic", "Belgian",
                                             "Brazilian", "Esperanto", "French", "Portuguese", "Welsh"}));
@@ -124,7 +125,7 @@ TEST(VoiceCatalog, LeavesOutFirstWhatTheFewestPeopleHaveAUseFor)
     EXPECT_EQ(NamesWithin(4, many), (Names{"German", "Swiss", "English", "French"}));
 }
 
-TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
+TEST(VoiceCatalogTest, AlwaysHasTheVoiceThatIsChosen)
 {
     EXPECT_EQ(NamesWithin(4, many, "Esperanto"), (Names{"German", "Swiss", "English", "Esperanto"}));
     EXPECT_EQ(NamesWithin(1, many, "Scottish"), (Names{"Scottish"}));
@@ -132,7 +133,7 @@ TEST(VoiceCatalog, AlwaysHasTheVoiceThatIsChosen)
 }
 
 // What is installed here, as it is listed on a desktop of that locale.
-class RealList : public ::testing::TestWithParam<std::pair<const char*, const char*>>
+class RealListTest : public ::testing::TestWithParam<std::pair<const char*, const char*>>
 {
 protected:
     // A real engine, shared so that its voices are looked up only once.
@@ -162,7 +163,7 @@ protected:
     }
 };
 
-TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
+TEST_P(RealListTest, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
 {
     const auto& [desktop, first] = GetParam();
     VoiceCatalog all(Engines(), desktop);
@@ -207,7 +208,7 @@ TEST_P(RealList, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
     EXPECT_EQ(names.contains("eSpeak English (Scotland)"), english);
 }
 
-TEST(RealVariants, AChosenOneOfAnotherLanguageIsListed)
+TEST(RealVariantsTest, AChosenOneOfAnotherLanguageIsListed)
 {
     for (const char* chosen : {"eSpeak Polish (female 2)", "eSpeak English (Scotland, male 3)"}) {
         std::vector<std::unique_ptr<Engine>> engines;
@@ -220,7 +221,7 @@ TEST(RealVariants, AChosenOneOfAnotherLanguageIsListed)
     }
 }
 
-TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
+TEST_P(RealListTest, HasWhateverInstalledVoiceTheUserChose)
 {
     const char* const desktop = GetParam().first;
     VoiceCatalog all(Engines(), desktop);
@@ -233,7 +234,7 @@ TEST_P(RealList, HasWhateverInstalledVoiceTheUserChose)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Desktops, RealList,
+    Desktops, RealListTest,
     ::testing::Values(std::pair("en_US", "eSpeak English (America)"),
                       std::pair("en_GB", "eSpeak English (Great Britain)"), std::pair("de_DE", "eSpeak German"),
                       std::pair("fr_FR", "eSpeak French (France)"), std::pair("fr_CA", "eSpeak French (France)"),
@@ -242,7 +243,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::pair("pt_BR", "eSpeak Portuguese (Brazil)"), std::pair("tlh", "eSpeak English (America)")),
     [](const auto& info) { return std::string(info.param.first); });
 
-TEST(VoiceCatalog, HasNothingOutsideItsBounds)
+TEST(VoiceCatalogTest, HasNothingOutsideItsBounds)
 {
     VoiceCatalog empty({}, "en");
     EXPECT_EQ(empty.CountEngines(), 0);
@@ -251,7 +252,7 @@ TEST(VoiceCatalog, HasNothingOutsideItsBounds)
     EXPECT_EQ(empty.Find("1"), nullptr);
 }
 
-TEST(ModeId, IsAGuidOfVersionEightInUpperCase)
+TEST(ModeIdTest, IsAGuidOfVersionEightInUpperCase)
 {
     const std::string id = ModeIdOf("espeak", "gmw/en");
     std::string form;
@@ -262,14 +263,14 @@ TEST(ModeId, IsAGuidOfVersionEightInUpperCase)
     EXPECT_NE(std::string("89AB").find(id[19]), std::string::npos);
 }
 
-TEST(ModeId, OfAVoiceIsForEverTheSame)
+TEST(ModeIdTest, OfAVoiceIsForEverTheSame)
 {
     // Users' settings contain these identifiers, so they may never change.
     EXPECT_EQ(ModeIdOf("espeak", "gmw/en"), "84CB77DC-9B5D-8938-869A-7581728E342F");
     EXPECT_EQ(ModeIdOf("flite", "slt"), "AB59B8DF-AE66-8E77-A5ED-1762A50D82AD");
 }
 
-TEST(ModeId, DiffersBetweenFamiliesAndKeys)
+TEST(ModeIdTest, DiffersBetweenFamiliesAndKeys)
 {
     const std::set<std::string> ids{ModeIdOf("espeak", "slt"), ModeIdOf("flite", "slt"), ModeIdOf("flite", "stl"),
                                     ModeIdOf("flit", "eslt")};

@@ -1,6 +1,10 @@
 #include "speech/player/VoicePlayer.h"
-#include "Fakes.h"
 #include "speech/player/WaveSpeech.h"
+#include "tests/fakes/Eventually.h"
+#include "tests/fakes/FakeAudioOutput.h"
+#include "tests/fakes/FakeEngine.h"
+#include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +27,7 @@ class VoicePlayerTest : public ::testing::Test
 protected:
     VoicePlayerTest()
     {
-        auto owned = std::make_unique<FakeEngine>(
+        auto owned = std::make_unique<fakes::FakeEngine>(
             std::vector<Voice>{{"Anna", "11111111-0000-8000-8000-000000000000", "en-gb", "anna"},
                                {"Bert", "22222222-0000-8000-8000-000000000000", "en-gb", "bert"}});
         engine = owned.get();
@@ -54,8 +58,8 @@ protected:
 
     using Lines = std::vector<std::string>;
 
-    FakeAudioOutput output;
-    FakeEngine* engine = nullptr;
+    fakes::FakeAudioOutput output;
+    fakes::FakeEngine* engine = nullptr;
     std::unique_ptr<VoiceCatalog> catalog;
     std::unique_ptr<VoicePlayer> player;
     Lines log;
@@ -63,7 +67,7 @@ protected:
 
 TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithItsSound)
 {
-    constexpr int early = FakeEngine::Rate * 15 / 1000; // samples in the 15 ms until the screen shows an event
+    constexpr int early = fakes::FakeEngine::Rate * 15 / 1000; // samples in the 15 ms until the screen shows an event
     engine->synthesize = [](SampleSink& sink) {
         sink.Event({SpeechEvent::Kind::Word, 0, 0});
         sink.Event({SpeechEvent::Kind::Mouth, 0, 1});
@@ -75,7 +79,7 @@ TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithIts
     output.RunEvents();
     EXPECT_EQ(log, Lines{});
 
-    ASSERT_TRUE(Eventually([this] { return engine->returns == 1; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return engine->returns == 1; }));
     ASSERT_EQ(output.Play(100), 100U);
     EXPECT_EQ(log, (Lines{"started", "word 0", "mouth 1"}));
     ASSERT_EQ(output.Play(50), 50U);
@@ -85,7 +89,7 @@ TEST_F(VoicePlayerTest, ReportsEachEventSoSoonBeforeItIsHeardThatItIsSeenWithIts
     ASSERT_TRUE(output.PlayAll());
     EXPECT_EQ(log, (Lines{"started", "word 0", "mouth 1", "bookmark 7", "word 1", "mouth 0", "ended well"}));
     EXPECT_EQ(output.played.size(), 300U + early);
-    EXPECT_EQ(output.rate, FakeEngine::Rate);
+    EXPECT_EQ(output.rate, fakes::FakeEngine::Rate);
 }
 
 TEST_F(VoicePlayerTest, BeginsWithTheFirstSampleThatIsHeardHoweverLongTheDevicesQueueIs)
@@ -97,7 +101,7 @@ TEST_F(VoicePlayerTest, BeginsWithTheFirstSampleThatIsHeardHoweverLongTheDevices
     };
     output.queue = 500;
     player->Start(Say("hello there"), Log());
-    ASSERT_TRUE(Eventually([this] { return engine->returns == 1; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return engine->returns == 1; }));
     ASSERT_EQ(output.Play(500), 500U);
     output.RunEvents();
     EXPECT_EQ(log, Lines{});
@@ -127,7 +131,7 @@ TEST_F(VoicePlayerTest, IsHeardBeforeAllOfItIsSynthesised)
         return sink.Samples(std::vector<std::int16_t>(100, 2));
     };
     player->Start(Say("hello"), Log());
-    EXPECT_TRUE(Eventually([this] { return output.Play(10) == 10; }));
+    EXPECT_TRUE(fakes::Eventually([this] { return output.Play(10) == 10; }));
     EXPECT_EQ(log, Lines{"started"});
     EXPECT_EQ(engine->returns, 0);
     goOn = true;
@@ -146,11 +150,11 @@ TEST_F(VoicePlayerTest, LetsTheEngineBeNoMoreThanTwoSecondsAhead)
         return true;
     };
     player->Start(Say("a long story"), Log());
-    ASSERT_TRUE(Eventually([&delivered] { return delivered == 20; }));
+    ASSERT_TRUE(fakes::Eventually([&delivered] { return delivered == 20; }));
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(delivered, 20);
-    ASSERT_TRUE(Eventually([this] { return output.Play(100) == 100; }));
-    EXPECT_TRUE(Eventually([&delivered] { return delivered == 21; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return output.Play(100) == 100; }));
+    EXPECT_TRUE(fakes::Eventually([&delivered] { return delivered == 21; }));
     ASSERT_TRUE(output.PlayAll());
     EXPECT_EQ(output.played.size(), 10000U);
 }
@@ -165,7 +169,7 @@ TEST_F(VoicePlayerTest, AStoppedUtteranceGivesUpItsStreamAtOnceAndOnlyEnds)
         return true;
     };
     player->Start(Say("hello"), Log());
-    ASSERT_TRUE(Eventually([this] { return output.Play(10) == 10; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return output.Play(10) == 10; }));
     EXPECT_EQ(player->Status(), 4);
     player->Stop();
     EXPECT_EQ(output.openStreams, 0);
@@ -174,7 +178,7 @@ TEST_F(VoicePlayerTest, AStoppedUtteranceGivesUpItsStreamAtOnceAndOnlyEnds)
     output.RunEvents();
     output.RunEvents();
     EXPECT_EQ(log, (Lines{"started", "mouth 1", "ended badly"}));
-    EXPECT_TRUE(Eventually([this] { return engine->returns == 1; }));
+    EXPECT_TRUE(fakes::Eventually([this] { return engine->returns == 1; }));
     EXPECT_TRUE(output.Idle());
 }
 
@@ -187,7 +191,7 @@ TEST_F(VoicePlayerTest, AStopDoesNotWaitForAnEngineThatIsDeepInItsWork)
         return true;
     };
     player->Start(Say("first"), Log());
-    ASSERT_TRUE(Eventually([this] { return engine->calls == 1; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return engine->calls == 1; }));
     const auto before = std::chrono::steady_clock::now();
     player->Stop();
     player->Start(Say("second"), {});
@@ -195,7 +199,7 @@ TEST_F(VoicePlayerTest, AStopDoesNotWaitForAnEngineThatIsDeepInItsWork)
     output.RunEvents();
     EXPECT_EQ(log, Lines{"ended badly"});
     goOn = true;
-    EXPECT_TRUE(Eventually([this] { return engine->calls == 2; }));
+    EXPECT_TRUE(fakes::Eventually([this] { return engine->calls == 2; }));
     EXPECT_TRUE(output.PlayAll());
     EXPECT_EQ(engine->lastText, "second");
 }
@@ -254,13 +258,13 @@ TEST_F(VoicePlayerTest, ADeviceThatGivesOutIsABadEnd)
         return true;
     };
     player->Start(Say("hello"), Log());
-    ASSERT_TRUE(Eventually([this] { return output.Play(10) == 10; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return output.Play(10) == 10; }));
     const auto failed = output.failed;
     failed();
     EXPECT_EQ(log, (Lines{"started", "ended badly"}));
     EXPECT_EQ(output.openStreams, 0);
     EXPECT_EQ(player->Status(), 0);
-    EXPECT_TRUE(Eventually([this] { return engine->returns == 1; }));
+    EXPECT_TRUE(fakes::Eventually([this] { return engine->returns == 1; }));
 }
 
 TEST_F(VoicePlayerTest, WithoutADeviceItEndsBadlyFromTheEventLoop)
@@ -309,7 +313,7 @@ TEST_F(VoicePlayerTest, NothingIsReportedAfterThePlayerIsGone)
         return true;
     };
     player->Start(Say("hello"), Log());
-    ASSERT_TRUE(Eventually([this] { return output.Play(10) == 10; }));
+    ASSERT_TRUE(fakes::Eventually([this] { return output.Play(10) == 10; }));
     player->Stop();
     player.reset();
     log.clear();
@@ -338,7 +342,7 @@ protected:
     /// Waits until the file has been analysed and its stream is open.
     bool Opens()
     {
-        return Eventually([this] {
+        return fakes::Eventually([this] {
             output.RunEvents();
             return output.openStreams == 1;
         });
@@ -384,7 +388,7 @@ TEST_F(WavePlayerTest, TellsWordsAndTheBookmarksAmongThemEvenlyOverTheFilesLengt
         log.clear();
         // The file is read by another thread, which may not be done yet.
         std::size_t played = 0;
-        EXPECT_TRUE(Eventually([&] { return (played += output.Play(samples - played)) == samples; }));
+        EXPECT_TRUE(fakes::Eventually([&] { return (played += output.Play(samples - played)) == samples; }));
         return log;
     };
     // Each word lasts a quarter of a second, give or take the player's lead over the screen.
@@ -451,7 +455,7 @@ TEST_F(WavePlayerTest, AFileOfMoreThanTenMinutesIsPlayedWhole)
     utterance.waveFile = path;
     player->Start(utterance, {});
     ASSERT_TRUE(Opens());
-    ASSERT_TRUE(Eventually([this] {
+    ASSERT_TRUE(fakes::Eventually([this] {
         output.Play(20000);
         return output.openStreams == 0;
     }));
@@ -479,7 +483,7 @@ TEST_F(WavePlayerTest, NeitherWidthNorChannelsNorRateChangeLengthAndLevel)
                 sf_write_double(file, values.data(), static_cast<sf_count_t>(values.size()));
                 sf_close(file);
 
-                RecordingSink sink;
+                fakes::RecordingSink sink;
                 Utterance utterance;
                 utterance.waveFile = path;
                 const auto score = ScoreWave(utterance, [] { return false; });
@@ -502,7 +506,7 @@ TEST_F(VoicePlayerTest, WhatAnEngineThrowsIsThrownInTheEventLoopAndEndsTheUttera
     engine->synthesize = [](SampleSink&) -> bool { throw std::bad_alloc(); };
     player->Start(Say("hello"), Log());
     int thrown = 0;
-    EXPECT_TRUE(Eventually([&] {
+    EXPECT_TRUE(fakes::Eventually([&] {
         try {
             output.Play(10);
         } catch (const std::bad_alloc&) {
@@ -520,7 +524,7 @@ TEST_F(WavePlayerTest, APipeIsNoWaveFileAndHoldsNobodyUp)
     Utterance utterance;
     utterance.waveFile = path;
     player->Start(utterance, Log());
-    EXPECT_TRUE(Eventually([this] {
+    EXPECT_TRUE(fakes::Eventually([this] {
         output.RunEvents();
         return !log.empty();
     }));
@@ -538,7 +542,7 @@ TEST_F(WavePlayerTest, AWaveFileThatCannotBeReadIsABadEnd)
     Utterance utterance;
     utterance.waveFile = path;
     player->Start(utterance, Log());
-    EXPECT_TRUE(Eventually([this] {
+    EXPECT_TRUE(fakes::Eventually([this] {
         output.Play(10);
         return !log.empty();
     }));
@@ -547,7 +551,7 @@ TEST_F(WavePlayerTest, AWaveFileThatCannotBeReadIsABadEnd)
     utterance.waveFile = "/nowhere/at/all.wav";
     log.clear();
     player->Start(utterance, Log());
-    EXPECT_TRUE(Eventually([this] {
+    EXPECT_TRUE(fakes::Eventually([this] {
         output.Play(10);
         return !log.empty();
     }));

@@ -50,7 +50,7 @@ std::filesystem::path TemporaryPath()
     return std::filesystem::temp_directory_path() / ("voxmate-sound-" + std::to_string(getpid()) + ".wav");
 }
 
-TEST(WaveFile, DecodesEightBitSamples)
+TEST(WaveFileTest, DecodesEightBitSamples)
 {
     const auto wave = DecodeWave(Wave(1, 1, 11025, 8, {0x80, 0xFF, 0x00, 0x40}));
     ASSERT_TRUE(wave);
@@ -58,14 +58,14 @@ TEST(WaveFile, DecodesEightBitSamples)
     EXPECT_EQ(wave->samples, (Samples{0, 32512, -32768, -16384}));
 }
 
-TEST(WaveFile, DecodesSixteenBitSamplesExactly)
+TEST(WaveFileTest, DecodesSixteenBitSamplesExactly)
 {
     const auto wave = DecodeWave(Wave(1, 1, 22050, 16, {0x01, 0x00, 0xFF, 0x7F, 0x00, 0x80, 0x39, 0x30}));
     ASSERT_TRUE(wave);
     EXPECT_EQ(wave->samples, (Samples{1, 32767, -32768, 12345}));
 }
 
-TEST(WaveFile, DecodesTwentyFourAndThirtyTwoBitSamples)
+TEST(WaveFileTest, DecodesTwentyFourAndThirtyTwoBitSamples)
 {
     const auto wave24 = DecodeWave(Wave(1, 1, 48000, 24, {0x00, 0x00, 0x40, 0x00, 0x00, 0xC0}));
     ASSERT_TRUE(wave24);
@@ -75,7 +75,7 @@ TEST(WaveFile, DecodesTwentyFourAndThirtyTwoBitSamples)
     EXPECT_EQ(wave32->samples, (Samples{16384, -16384}));
 }
 
-TEST(WaveFile, DecodesFloatingPointAndHoldsItWithinBounds)
+TEST(WaveFileTest, DecodesFloatingPointAndHoldsItWithinBounds)
 {
     std::vector<std::uint8_t> data;
     for (const float value : {0.5F, -2.0F, 3.0F}) {
@@ -88,7 +88,7 @@ TEST(WaveFile, DecodesFloatingPointAndHoldsItWithinBounds)
     EXPECT_EQ(wave->samples, (Samples{16384, -32768, 32767}));
 }
 
-TEST(WaveFile, AveragesTwoChannels)
+TEST(WaveFileTest, AveragesTwoChannels)
 {
     const auto wave = DecodeWave(Wave(1, 2, 8000, 16, {0xE8, 0x03, 0xD0, 0x07, 0x00, 0x00, 0x0C, 0xFE}));
     ASSERT_TRUE(wave);
@@ -114,7 +114,7 @@ Samples Tone(std::size_t frames, const std::vector<double>& amplitudes)
     return samples;
 }
 
-TEST(WaveFile, AChannelThatIsTheOtherUpsideDownDoesNotCancelIt)
+TEST(WaveFileTest, AChannelThatIsTheOtherUpsideDownDoesNotCancelIt)
 {
     const auto wave = DecodeWave(Wave(1, 2, 22050, 16, Sixteen(Tone(20000, {8000, -8000}))));
     ASSERT_TRUE(wave);
@@ -127,7 +127,7 @@ TEST(WaveFile, AChannelThatIsTheOtherUpsideDownDoesNotCancelIt)
         ASSERT_NEAR(louder->samples[i], expected[i], 1) << i;
 }
 
-TEST(WaveFile, ChannelsThatHaveLittleInCommonAreAveragedAsTheyAre)
+TEST(WaveFileTest, ChannelsThatHaveLittleInCommonAreAveragedAsTheyAre)
 {
     Samples frames;
     Samples average;
@@ -142,7 +142,7 @@ TEST(WaveFile, ChannelsThatHaveLittleInCommonAreAveragedAsTheyAre)
     EXPECT_EQ(wave->samples, average);
 }
 
-TEST(WaveFile, WhatIsInTheCentreAloneOfSixChannelsKeepsItsLoudness)
+TEST(WaveFileTest, WhatIsInTheCentreAloneOfSixChannelsKeepsItsLoudness)
 {
     Samples frames = Tone(20000, {0, 0, 8000, 0, 0, 0});
     const auto wave = DecodeWave(Wave(1, 6, 48000, 16, Sixteen(frames)));
@@ -155,7 +155,7 @@ TEST(WaveFile, WhatIsInTheCentreAloneOfSixChannelsKeepsItsLoudness)
     EXPECT_EQ(Samples(later->samples.begin() + 10000, later->samples.end()), Tone(20000, {8000}));
 }
 
-TEST(WaveFile, ChannelsThatComeInLaterAreAveragedFromThenOnWithoutAJump)
+TEST(WaveFileTest, ChannelsThatComeInLaterAreAveragedFromThenOnWithoutAJump)
 {
     Samples frames = Tone(20480, {0, 0, 8000, 0, 0, 0});
     const Samples full = Tone(20480, {8000, 8000, 8000, 8000, 8000, 8000});
@@ -169,7 +169,7 @@ TEST(WaveFile, ChannelsThatComeInLaterAreAveragedFromThenOnWithoutAJump)
         ASSERT_NEAR(end[i], expected[expected.size() - 10000 + i], 1) << i;
 }
 
-TEST(WaveFile, TakesTheSamplesBehindALengthThatWasNeverFilledIn)
+TEST(WaveFileTest, TakesTheSamplesBehindALengthThatWasNeverFilledIn)
 {
     const Samples samples = Tone(5000, {8000});
     for (const std::uint32_t riff : {0U, 36U, 0xFFFFFFFFU})
@@ -191,7 +191,7 @@ TEST(WaveFile, TakesTheSamplesBehindALengthThatWasNeverFilledIn)
         }
 }
 
-TEST(WaveFile, ChunksBehindNoSamplesAreNoSamples)
+TEST(WaveFileTest, ChunksBehindNoSamplesAreNoSamples)
 {
     std::vector<std::uint8_t> file = Wave(1, 1, 22050, 16, {});
     for (const char c : std::string("LIST"))
@@ -207,7 +207,7 @@ TEST(WaveFile, ChunksBehindNoSamplesAreNoSamples)
     EXPECT_EQ(wave->samples.size(), 6U);
 }
 
-TEST(WaveFile, RefusesWhatIsNotAWaveFile)
+TEST(WaveFileTest, RefusesWhatIsNotAWaveFile)
 {
     EXPECT_FALSE(DecodeWave({}));
     const std::vector<std::uint8_t> text{'n', 'o', 't', ' ', 'a', ' ', 'w', 'a', 'v', 'e'};
@@ -217,7 +217,7 @@ TEST(WaveFile, RefusesWhatIsNotAWaveFile)
     EXPECT_FALSE(DecodeWave(Wave(1, 1, 0, 16, {1, 2, 3, 4})));
 }
 
-TEST(WaveFile, RefusesOtherKindsOfSoundFiles)
+TEST(WaveFileTest, RefusesOtherKindsOfSoundFiles)
 {
     // Sun's format: a header of 24 bytes, 16-bit PCM, 8000 samples per second, one channel; big-endian numbers.
     const std::vector<std::uint8_t> au{'.', 's', 'n', 'd', 0, 0,    0,    24, 0, 0, 0, 4, 0, 0, 0,
@@ -230,7 +230,7 @@ TEST(WaveFile, RefusesOtherKindsOfSoundFiles)
     std::filesystem::remove(path);
 }
 
-TEST(WaveFile, RefusesAFewBytesThatWouldBecomeMinutesOfSound)
+TEST(WaveFileTest, RefusesAFewBytesThatWouldBecomeMinutesOfSound)
 {
     // Silence in a lossless music coding: some hundred samples per byte.
     const std::filesystem::path path = TemporaryPath();
@@ -248,7 +248,7 @@ TEST(WaveFile, RefusesAFewBytesThatWouldBecomeMinutesOfSound)
     std::filesystem::remove(path);
 }
 
-TEST(WaveFile, RefusesWhatIsNoFile)
+TEST(WaveFileTest, RefusesWhatIsNoFile)
 {
     EXPECT_FALSE(ReadWaveFile("/"));
     const std::filesystem::path path = TemporaryPath();
@@ -259,7 +259,7 @@ TEST(WaveFile, RefusesWhatIsNoFile)
     std::filesystem::remove(path);
 }
 
-TEST(WaveFile, TakesWhatIsThereOfACutOffFile)
+TEST(WaveFileTest, TakesWhatIsThereOfACutOffFile)
 {
     std::vector<std::uint8_t> file = Wave(1, 1, 22050, 16, std::vector<std::uint8_t>(2000, 0x11));
     file.resize(44 + 1000);
@@ -268,7 +268,7 @@ TEST(WaveFile, TakesWhatIsThereOfACutOffFile)
     EXPECT_EQ(wave->samples.size(), 500U);
 }
 
-TEST(WaveFile, SurvivesEveryCutAndEveryFlippedByteOfTheHeader)
+TEST(WaveFileTest, SurvivesEveryCutAndEveryFlippedByteOfTheHeader)
 {
     const std::vector<std::uint8_t> good = Wave(1, 1, 22050, 16, std::vector<std::uint8_t>(64, 0x11));
     for (std::size_t size = 0; size < good.size(); ++size) {
