@@ -14,7 +14,4 @@ namespace voxmate
 /// any case; every other character is copied.
 std::string Format(const DateTime& date, std::string_view pattern);
 
-/// Day of the week, 0 Sunday to 6 Saturday, in the Gregorian calendar (Sakamoto's method).
-int Weekday(int year, int month, int day);
-
 } // namespace voxmate

@@ -31,12 +31,10 @@ std::string PercentEncoded(const std::string& path)
 {
     std::string encoded;
     for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool plain = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
-                           (byte >= '0' && byte <= '9') || std::string_view("-._~/:").find(c) != std::string_view::npos;
-        if (plain) {
+        if (IsLetter(c) || IsDigit(c) || std::string_view("-._~/:").find(c) != std::string_view::npos) {
             encoded += c;
         } else {
+            const auto byte = static_cast<unsigned char>(c);
             encoded += '%';
             encoded += "0123456789ABCDEF"[byte >> 4];
             encoded += "0123456789ABCDEF"[byte & 0xFu];

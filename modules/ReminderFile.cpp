@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "modules/Format.h"
 
 #include <algorithm>
 #include <optional>
@@ -14,19 +15,6 @@ namespace
 {
 
 constexpr std::size_t DatedCopies = 5;
-
-bool IsBlank(std::string_view title)
-{
-    return title.find_first_not_of(' ') == std::string_view::npos;
-}
-
-std::string Joined(std::initializer_list<std::string_view> parts)
-{
-    std::string text;
-    for (const std::string_view part : parts)
-        text += part;
-    return text;
-}
 
 } // namespace
 
@@ -48,7 +36,8 @@ bool ReminderFile::CopyIsWhole()
     for (std::int32_t number = 1; whole && number <= count; ++number) {
         const std::string_view slot = copy->Get(number);
         const ReminderRecord record = ReadReminder(slot);
-        whole = slot.size() == ReminderSlotSize && record.Whole && !IsBlank(record.Title) && !record.Done.empty();
+        whole =
+            slot.size() == ReminderSlotSize && record.Whole && !Trimmed(record.Title).empty() && !record.Done.empty();
     }
     copy->Close();
     return whole;
@@ -66,7 +55,7 @@ bool ReminderFile::FileIsAsKnown()
         if (!expected.starts_with(slot) || expected.find_first_not_of('\0', slot.size()) != std::string_view::npos)
             return false;
     }
-    return IsBlank(ReadReminder(dataFile_->Get(number)).Title);
+    return Trimmed(ReadReminder(dataFile_->Get(number)).Title).empty();
 }
 
 // What was done to an entry since it was read.
@@ -232,10 +221,7 @@ void ReminderFile::KeepDated(const std::string& path)
     const std::string folder = FolderOf(data);
     const std::string base = files_.GetBaseName(data) + "-";
     DateTime now = clock_.Now();
-    const auto name = [&] {
-        return base + Padded(now.year, 4) + "-" + Padded(now.month, 2) + "-" + Padded(now.day, 2) + "-" +
-               Padded(now.hour, 2) + Padded(now.minute, 2) + Padded(now.second, 2) + ".txt";
-    };
+    const auto name = [&] { return base + Format(now, "yyyy-mm-dd-HHnnss") + ".txt"; };
     // Two of one second.
     while (files_.FileExists(folder + name()))
         ++now.second;
@@ -287,16 +273,17 @@ bool ReminderFile::ReadDataFile(ReminderEditor* editor)
     list_.BeginList(dataFile_ ? dataFile_->Count() : 0);
     while (dataFile_) {
         const std::string_view slot = dataFile_->Get(list_.EntryCount() + 1);
-        if (IsBlank(ReadReminder(slot).Title))
+        if (Trimmed(ReadReminder(slot).Title).empty())
             break;
         const std::optional<ReminderRecord> record = list_.AddEntry(slot);
         if (!record)
             return false;
         if (editor)
-            editor->AddListItem(ToInt16(list_.EntryCount()), record->Done == "Y" ? 1 : 2,
-                                list_.RemTitles[static_cast<std::size_t>(list_.EntryCount())],
-                                Joined({record->Year, "/", record->Month, "/", record->Day}),
-                                Joined({record->Hour, ":", record->Minute}));
+            editor->AddListItem(
+                ToInt16(list_.EntryCount()), record->Done == "Y" ? 1 : 2,
+                list_.RemTitles[static_cast<std::size_t>(list_.EntryCount())],
+                std::string(record->Year).append("/").append(record->Month).append("/").append(record->Day),
+                std::string(record->Hour).append(":").append(record->Minute));
     }
     fileKnown_ = true;
     cutShort_ = false;

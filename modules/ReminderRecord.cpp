@@ -1,5 +1,8 @@
 #include "modules/ReminderRecord.h"
 
+#include "base/Text.h"
+#include "controls/MonthView.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -9,20 +12,6 @@ namespace voxmate
 
 namespace
 {
-
-std::string_view Trimmed(std::string_view text)
-{
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    return text;
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 // The length that stands at a place in a slot: 16 bits, low byte first.
 std::size_t LengthAt(std::string_view slot, std::size_t at)
@@ -120,22 +109,9 @@ std::string WriteReminder(const ReminderRecord& record)
     return bytes;
 }
 
-std::string Padded(std::int32_t value, std::size_t digits)
-{
-    std::string text = std::to_string(value < 0 ? -std::int64_t{value} : value);
-    if (text.size() < digits)
-        text.insert(0, digits - text.size(), '0');
-    return value < 0 ? "-" + text : text;
-}
-
 bool IsRealDate(int day, int month, int year)
 {
-    static constexpr std::array<int, 12> lengths{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (month < 1 || month > 12 || year < 100 || year > 9999 || day < 1)
-        return false;
-    if (month == 2 && day == 29)
-        return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return day <= lengths.at(static_cast<std::size_t>(month - 1));
+    return IsCalendarDate({year, month, day});
 }
 
 std::optional<TimeOfDay> ParseTime(std::string_view text)

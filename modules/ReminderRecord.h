@@ -48,8 +48,6 @@ ReminderRecord ReadReminder(std::string_view slot);
 /// The bytes of a record; more than 128 when it does not fit a slot.
 std::string WriteReminder(const ReminderRecord& record);
 
-/// A number in decimal with at least so many digits, zeros in front and the sign before them ("-08").
-std::string Padded(std::int32_t value, std::size_t digits);
 /// Whether there is such a day in the Gregorian calendar of the years 100 to 9999, those of the date type.
 bool IsRealDate(int day, int month, int year);
 

@@ -1,6 +1,7 @@
 // The main window's fake.
 #pragma once
 
+#include "base/Text.h"
 #include "modules/MainWindow.h"
 #include "modules/Windows.h"
 #include "tests/fakes/FakeLog.h"

@@ -157,7 +157,7 @@ void CheckEspeak(const speech::MarkedText& part)
         const InTime inTime("a text is written for eSpeak NG");
         made.emplace(part);
     }
-    const std::vector<char32_t> markup = DecodeUtf8(made->ssml);
+    const std::u32string markup = DecodeUtf8(made->ssml);
     constexpr std::u32string_view open = U"<speak>";
     Require(std::u32string_view(markup.data(), markup.size()).starts_with(open), "the markup is one element");
     int depth = 0;

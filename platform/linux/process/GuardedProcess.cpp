@@ -1,5 +1,7 @@
 #include "platform/linux/process/GuardedProcess.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -116,7 +118,7 @@ void KillChildren()
         for (const char c : text) {
             if (size-- == 0)
                 break;
-            if (c >= '0' && c <= '9') {
+            if (IsDigit(c)) {
                 process = process * 10 + (c - '0');
                 continue;
             }

@@ -15,14 +15,10 @@ namespace
 constexpr std::uint32_t TypeText = 1;
 constexpr std::uint32_t TypeDword = 4;
 constexpr std::string_view FileHeader = "REGEDIT4";
-constexpr std::string_view blanks = " \t";
 
 std::string_view Strip(std::string_view text)
 {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return Trimmed(text, " \t");
 }
 
 bool ParseHex(std::string_view text, std::uint32_t& number)
