@@ -195,7 +195,7 @@ public:
     {
     }
 
-    MarkedText Run()
+    ParsedText Run()
     {
         result_.shown.reserve(text_.size());
         std::size_t at = 0;
@@ -445,7 +445,7 @@ private:
 
     const std::string repaired_; ///< the text with invalid bytes replaced; empty when there are none
     std::string_view text_;
-    MarkedText result_;
+    ParsedText result_;
     std::size_t shownEnd_ = 0; ///< end of the last word of the shown text
     Prosody prosody_;
     SpeechContext context_ = SpeechContext::Unknown;
@@ -459,7 +459,7 @@ private:
 
 } // namespace
 
-MarkedText ParseMarkup(std::string_view text)
+ParsedText ParseMarkup(std::string_view text)
 {
     return Parser(text).Run();
 }
