@@ -41,21 +41,9 @@ VoicePlayer::~VoicePlayer()
         worker_.join();
 }
 
-int VoicePlayer::Status()
+AudioStatus VoicePlayer::Status()
 {
-    if (current_)
-        return 4;
-    switch (output_.Check()) {
-    case AudioOutput::State::Available:
-        return 0;
-    case AudioOutput::State::NoDevice:
-        return 1;
-    case AudioOutput::State::CannotOpen:
-        return 2;
-    case AudioOutput::State::Other:
-        break;
-    }
-    return 6;
+    return current_ ? AudioStatus::CharacterSpeaking : output_.Check();
 }
 
 void VoicePlayer::PostToSelf(std::function<void()> action)

@@ -23,7 +23,7 @@ public:
     /// Stops at once and waits for the engine to return; no callback is made any more.
     ~VoicePlayer() override;
 
-    int Status() override;
+    AudioStatus Status() override;
     void Start(Utterance utterance, VoiceEvents events) override;
     void Stop() override;
 

@@ -260,21 +260,21 @@ void PulseDevice::AwaitServer()
     }
 }
 
-AudioOutput::State PulseDevice::Check()
+AudioStatus PulseDevice::Check()
 {
     Look();
     AwaitServer();
     const std::lock_guard lock(mutex_);
     switch (server_) {
     case Server::Ready:
-        return openFailed_ ? AudioOutput::State::CannotOpen : AudioOutput::State::Available;
+        return openFailed_ ? AudioStatus::CannotOpen : AudioStatus::Available;
     case Server::Absent:
     case Server::WithoutSink:
-        return AudioOutput::State::NoDevice;
+        return AudioStatus::NoSupport;
     case Server::Unknown:
         break;
     }
-    return AudioOutput::State::Other;
+    return AudioStatus::Unknown;
 }
 
 bool PulseDevice::Ready()
@@ -287,7 +287,7 @@ bool PulseDevice::Ready()
 std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                                std::function<void()> drained, std::function<void()> failed)
 {
-    if (Check() == AudioOutput::State::NoDevice)
+    if (Check() == AudioStatus::NoSupport)
         return nullptr;
     const auto playing = std::make_shared<Playing>();
     playing->device = this;

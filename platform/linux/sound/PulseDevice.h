@@ -37,7 +37,7 @@ public:
     /// The state of the server as it reports it. Connects if necessary and waits up to 300 ms for an answer; Other when
     /// none comes. Soon after the first look it waits longer: until ten seconds after it for a server that has not
     /// answered yet, and until five seconds after it for one that is missing or has no sink yet.
-    AudioOutput::State Check();
+    AudioStatus Check();
     /// Whether the server is known to be there with a sink. Starts looking for it and never waits.
     bool Ready();
     std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,

@@ -88,7 +88,7 @@ QWidget* CharacterWidget()
 class FakeAudio : public speech::AudioOutput
 {
 public:
-    State Check() override { return State::Available; }
+    AudioStatus Check() override { return AudioStatus::Available; }
     bool Ready() override { return ready; }
     std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> source,
                                               std::function<void()> drained, std::function<void()> /*failed*/) override
