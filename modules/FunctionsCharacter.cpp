@@ -44,7 +44,7 @@ void ApplyBalloonSettings(AgentBalloon& balloon, const SettingsRecord& settings)
     // Field by field, as each change is a style of its own to the balloon.
     const auto lines = static_cast<std::uint32_t>(settings.BalloonTotalLines);
     const auto characters = static_cast<std::uint32_t>(settings.BalloonCharactersPerLine);
-    balloon.SetStyle((balloon.Style() & 0x00FFFFFFu) + (lines << 24));
+    balloon.SetStyle((balloon.Style() & ~BalloonLinesMask) + (lines << 24));
     balloon.SetStyle((balloon.Style() & ~BalloonCharactersMask) + (characters << 16));
     balloon.SetStyle(WithBit(balloon.Style(), BalloonOn, settings.ShowBalloon));
     balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoHide, settings.BalloonAutoHide));

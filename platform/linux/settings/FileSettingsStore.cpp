@@ -5,9 +5,6 @@
 #include "platform/linux/settings/SystemInformation.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -23,18 +20,12 @@ namespace
 // Access rights of a value write and a value read (winnt.h: KEY_SET_VALUE, KEY_QUERY_VALUE).
 constexpr std::uint32_t CanSetValue = 0x0002;
 constexpr std::uint32_t CanQueryValue = 0x0001;
-// Our own handles stay below the predefined roots.
-constexpr std::uint32_t FirstPredefinedRoot = 0x80000000;
-
-constexpr std::array<const char*, 7> rootNames{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",     "HKEY_LOCAL_MACHINE",
-                                               "HKEY_USERS",        "HKEY_PERFORMANCE_DATA", "HKEY_CURRENT_CONFIG",
-                                               "HKEY_DYN_DATA"};
 
 std::string KeyPath(std::uint32_t root, const std::string& subKey)
 {
-    if (root < FirstPredefinedRoot || root - FirstPredefinedRoot >= rootNames.size())
+    if (root < FirstRootKey || root - FirstRootKey >= RootKeys.size())
         return {};
-    const std::string name = rootNames.at(root - FirstPredefinedRoot);
+    const std::string name(RootKeys.at(root - FirstRootKey));
     return subKey.empty() ? name : name + "\\" + subKey;
 }
 
