@@ -86,7 +86,6 @@ private:
     std::int32_t GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key);
 
     void RunSaver();
-    void StopSaver();
 };
 
 /// Makes the store of the user's and the system's settings files in the places of the XDG base directory standard:

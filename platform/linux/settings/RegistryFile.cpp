@@ -167,13 +167,8 @@ std::string FormatValue(const RawValue& value)
 // Decodes what the user's editor may have saved: UTF-16 with its mark, UTF-8, or otherwise Windows-1252.
 std::string Decoded(std::string_view bytes)
 {
-    if (bytes.starts_with("\xFF\xFE")) {
-        std::u16string units;
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-            units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                           static_cast<unsigned char>(bytes[i + 1]) << 8);
-        return Utf16ToUtf8(units);
-    }
+    if (bytes.starts_with("\xFF\xFE"))
+        return DecodeUtf16(bytes.substr(2, bytes.size() / 2 * 2 - 2), true);
     return IsValidUtf8(bytes) ? std::string(bytes) : Windows1252ToUtf8(bytes);
 }
 
