@@ -87,6 +87,11 @@ private:
     void Redraw();
     void ShowSomething();
     void StopSound();
+    void TellMoved() const
+    {
+        if (Moved)
+            Moved();
+    }
     void Settle();
     void TakePlace(Point place);
     Rect Home() const;
