@@ -51,6 +51,8 @@ private:
     bool Report(const SpeakingPtr& speaking, std::int64_t heard);
     void End(const SpeakingPtr& speaking, bool ok);
     void PostToSelf(std::function<void()> action);
+    /// Ends an utterance as failed, from the event loop.
+    void FailLater(const SpeakingPtr& speaking);
 
     VoiceCatalog& catalog_;
     AudioOutput& output_;

@@ -23,16 +23,6 @@ namespace voxmate::linux_platform
 namespace
 {
 
-std::vector<char*> Pointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 // The map for a namespace in which one user or group keeps its number.
 std::string OneToItself(unsigned int number)
 {
@@ -193,6 +183,16 @@ bool HasEnded(pid_t program)
 }
 
 } // namespace
+
+std::vector<char*> Pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
 
 GuardedProcess::GuardedProcess(const GuardedCommand& command)
 {
