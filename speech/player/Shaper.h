@@ -30,9 +30,6 @@ class Shaper
 {
 public:
     Shaper(int samplesPerSecond, SampleSink& sink);
-    ~Shaper();
-    Shaper(const Shaper&) = delete;
-    Shaper& operator=(const Shaper&) = delete;
 
     void Begin(const Shape& shape);
     /// The engine's samples; false when the sink wants no more.

@@ -55,8 +55,6 @@ public:
     /// run-time error 53 for a missing file that is not to be created.
     LinuxRandomFile(const std::string& path, std::size_t recordLength, bool create);
     ~LinuxRandomFile() override;
-    LinuxRandomFile(const LinuxRandomFile&) = delete;
-    LinuxRandomFile& operator=(const LinuxRandomFile&) = delete;
 
     std::int64_t Count() override;
     std::string_view Get(std::int32_t slot) override;
