@@ -64,7 +64,7 @@ void Reading::Read(const Source& source, Reader reader)
             if (const std::string file = AskForFile(source); !file.empty())
                 reader(file);
         } catch (const RuntimeError& error) {
-            if (error.Number != cdlCancel)
+            if (error.Number != CancelSelected().Number)
                 throw;
             program_.Main->SetStatus(StatusIdle);
         }

@@ -46,7 +46,7 @@ void Messages::ReportError(std::int32_t errorNumber, const std::string& errorDes
         "Function/Module ID - " + std::to_string(routineId),
         "Application Version - " + VersionText(),
         "",
-        std::string("Please report it to ") + SupportName + " at " + SupportAddress,
+        "Please report it to Voxmate Support at support@voxmate.example",
         "While reporting please provide all the details you can.",
         "The error will be fixed at no cost to you.",
         "",

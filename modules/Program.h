@@ -20,9 +20,6 @@ namespace voxmate
 /// The version of the project in CMakeLists.txt as the program's windows and the error report show it: "1.1 - Build 5".
 std::string VersionText();
 
-inline constexpr const char* SupportName = "Voxmate Support";
-inline constexpr const char* SupportAddress = "support@voxmate.example";
-
 inline constexpr const char* StatusIdle = "I am Idle now !";
 inline constexpr const char* StatusBusy = "Busy...";
 

@@ -24,9 +24,6 @@ struct Reminder {
 };
 
 inline constexpr std::size_t ReminderSlotSize = 128;
-/// What a title and a description may take up together: the slot without eight lengths of two bytes and without the
-/// two, two, four, two, two and one bytes of day, month, year, hour, minute and flag.
-inline constexpr std::size_t ReminderTextSize = ReminderSlotSize - std::size_t{8} * 2 - 13;
 
 /// The fields in their order in the slot. Each is stored as its length in bytes (16 bits, low byte first) and its
 /// bytes.

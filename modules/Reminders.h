@@ -35,16 +35,9 @@ public:
     /// file that cannot be read leaves reminders off; it is told of in a box, when another program has it open only
     /// after a while, and tried again (RetryReminders).
     void LoadReminders(bool fillList, std::int16_t selectIndex);
-    /// Writes the whole list to the file, leaving out entry `skipIndex` (0: none). Raises run-time error 59 "Bad record
-    /// length" when an entry does not fit its slot of 128 bytes, and the file system's errors; the file is then as
-    /// before, or its temporary copy holds all that was to be saved. What another program has changed in the file
-    /// meanwhile stays.
-    void SaveReminders(std::int16_t skipIndex) { File.WriteReminders(skipIndex); }
-    /// Writes one reminder behind the last one of the file, in place. Raises the same errors.
-    void AppendReminder(const Reminder& reminder) { File.AppendRecord(Encoded(reminder)); }
-    /// The same for event handlers. Where that fails, or the list is not what the file holds because the last load
-    /// found it invalid, nothing is lost: the list is read anew from the file, a box says what could not be saved and
-    /// why, and the answer is false.
+    /// Writes the list to the file without entry `skipIndex` (0: none), or one reminder behind the file's last one.
+    /// Where that fails, or the list is not what the file holds because the last load found it invalid, nothing is
+    /// lost: the list is read anew from the file, a box says what could not be saved and why, and the result is false.
     bool TrySaveReminders(std::int16_t skipIndex);
     bool TryAppendReminder(const Reminder& reminder);
     /// Tells the user that a change was made to a list which the file no longer holds.
