@@ -4,6 +4,7 @@
 #include "modules/ReminderFile.h"
 #include "modules/ReminderList.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,6 +15,9 @@ namespace voxmate
 
 class Program;
 class RuntimeError;
+
+/// The colours of alert windows, 0x00BBGGRR: yellow, blue, red and green, as the setting RemAlertColor numbers them.
+inline constexpr std::array<std::int32_t, 4> AlertColors{0xC0FFFF, 0xFFC3A0, 0xC8C8FF, 0xC8FFC8};
 
 class Reminders
 {
