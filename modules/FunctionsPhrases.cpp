@@ -92,20 +92,9 @@ void Greet(const Saying& say, const SettingsRecord& settings, Clock& clock)
 
 std::string OrdinalSuffix(int day)
 {
-    switch (day) {
-    case 1:
-    case 21:
-    case 31:
-        return "st";
-    case 2:
-    case 22:
-        return "nd";
-    case 3:
-    case 23:
-        return "rd";
-    default:
-        return "th";
-    }
+    constexpr std::array<const char*, 4> suffixes{"th", "st", "nd", "rd"};
+    const int last = day / 10 == 1 ? 0 : day % 10;
+    return suffixes.at(last < 4 ? static_cast<std::size_t>(last) : 0);
 }
 
 std::string FormatSpokenDate(std::int16_t format, const DateTime& date)

@@ -262,14 +262,8 @@ void Reminders::TellOfListReadAnew()
 
 bool Reminders::TrySaveReminders(std::int16_t skipIndex)
 {
-    if (List.RemindersValid == False) {
-        LoadReminders(false, 0);
-        if (List.RemindersValid != False)
-            TellOfListReadAnew();
-        return false;
-    }
     try {
-        if (File.WriteReminders(skipIndex))
+        if (List.RemindersValid != False && File.WriteReminders(skipIndex))
             return true;
     } catch (const RuntimeError& error) {
         const std::int32_t tooLong = IsTooLong(error) ? List.TooLongEntry(skipIndex) : 0;
@@ -278,7 +272,8 @@ bool Reminders::TrySaveReminders(std::int16_t skipIndex)
                                                               List.Encoded(tooLong)));
         return false;
     }
-    // Another program has changed what was to be changed here, or has left something invalid.
+    // The last load found the file invalid, or another program has changed what was to be changed here or has left
+    // something invalid.
     LoadReminders(false, 0);
     if (List.RemindersValid != False)
         TellOfListReadAnew();
