@@ -69,7 +69,7 @@ std::string Format(const DateTime& date, std::string_view pattern)
             out += pattern.substr(at, run);
             break;
         }
-        // What separates an hour from its minutes is no letter.
+        // Characters that are no letters may stand between an hour and its minutes.
         if (IsLetter(letter))
             afterHour = letter == 'h';
         at += run;

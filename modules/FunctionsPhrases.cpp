@@ -26,7 +26,7 @@ constexpr std::array<DatePatterns, 6> datePatterns{{
     {"dddd, mmmm d", ""},
 }};
 
-// The noon hour is greeted as evening.
+// In the hour from noon to one the salutation is that of the evening.
 const char* Salutation(int hour)
 {
     if (hour <= 11)
@@ -36,7 +36,7 @@ const char* Salutation(int hour)
     return "Good Evening, ";
 }
 
-// Says one thing after the other. A Stop in between means what was still to be said, too.
+// Says one thing after the other. A Stop in between also cancels what was still to be said.
 class Saying
 {
 public:

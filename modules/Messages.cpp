@@ -12,7 +12,7 @@ int Messages::Announce(const std::string& text, int style, const std::string& ti
     const BusyScope busy(IsBusy);
     MessageText = text;
     ShowMessage(text, animation1, animation2, animation3, animation4);
-    // Speaking lets events run, and with them other messages, which share MessageText.
+    // Speaking lets events run; other messages among them set MessageText, too.
     MessageText = text;
     return program_.Host.Windows.MsgBox(text, style, title);
 }

@@ -26,8 +26,8 @@ std::string ReminderFile::FolderOf(const std::string& path) const
     return end == std::string::npos ? "" : path.substr(0, end + separator.size());
 }
 
-// Whether the copy holds all that was written to it. Half a slot, and one that was never written, say that it does not;
-// a record that is not valid says nothing, as a save may have written it.
+// Whether the copy holds everything that was written to it. It does not if a slot is incomplete or was never written.
+// An invalid record proves nothing, because a save may have written it.
 bool ReminderFile::CopyIsWhole()
 {
     const auto copy = files_.OpenRandomExisting(CopyPath(), ReminderSlotSize);
@@ -43,7 +43,7 @@ bool ReminderFile::CopyIsWhole()
     return whole;
 }
 
-// Whether what is in the file that is open is what was read from it or written to it last.
+// Whether the open file still holds what was last read from it or written to it.
 bool ReminderFile::FileIsAsKnown()
 {
     const std::string_view known = list_.SlotsInFile();
@@ -51,18 +51,18 @@ bool ReminderFile::FileIsAsKnown()
     for (std::size_t at = 0; at < known.size(); at += ReminderSlotSize, ++number) {
         const std::string_view slot = dataFile_->Get(number);
         const std::string_view expected = known.substr(at, ReminderSlotSize);
-        // The file's end may cut off what fills the last slot.
+        // The zeros that fill up the last slot may be missing at the file's end.
         if (!expected.starts_with(slot) || expected.find_first_not_of('\0', slot.size()) != std::string_view::npos)
             return false;
     }
     return Trimmed(ReadReminder(dataFile_->Get(number)).Title).empty();
 }
 
-// What was done to an entry since it was read.
+// A change made to an entry since it was read.
 struct ReminderFile::Change {
     std::int32_t Id;
     Reminder Before;
-    std::optional<Reminder> After; ///< nothing: it is to be deleted
+    std::optional<Reminder> After; ///< nothing when the entry is to be deleted
 };
 
 std::vector<ReminderFile::Change> ReminderFile::Changes(std::int16_t skipIndex) const
@@ -76,13 +76,15 @@ std::vector<ReminderFile::Change> ReminderFile::Changes(std::int16_t skipIndex) 
     return changes;
 }
 
-// An answer to an announcement goes to the reminder as it was announced and to none that has become another.
+// Whether a change is the answer to an announcement. An answer is meant for the reminder as it was announced, not for
+// one that has been changed since.
 bool ReminderFile::IsAnswer(const Change& change) const
 {
     return std::ranges::any_of(list_.RemUnsaved, [&](const Answer& answer) { return answer.Before == change.Before; });
 }
 
-// Makes the change in the list as it was read anew; false when there is nothing that it could be made to.
+// Makes a change again in the list that was read anew. False when the entry to be changed is not there; only an answer
+// may then be dropped.
 bool ReminderFile::MakeAgain(const Change& change, std::int16_t& skipIndex)
 {
     const auto id = static_cast<std::int16_t>(list_.Find(change.Before, change.Id));
@@ -95,8 +97,8 @@ bool ReminderFile::MakeAgain(const Change& change, std::int16_t& skipIndex)
     return id != 0 || IsAnswer(change) || list_.Find(*change.After) != 0;
 }
 
-// With the file open: reads it anew when another program has changed it, and makes the changes of this one again. False
-// when it must not be replaced. A list that could not be read to its end is none: RemindersValid is False until it is.
+// With the file open: if another program has changed it, reads it anew and makes the changes of this program again.
+// False when the file must not be replaced. While the file cannot be read to its end, RemindersValid is False.
 bool ReminderFile::CatchUp(std::int16_t& skipIndex)
 {
     if (!fileKnown_)
@@ -141,10 +143,10 @@ std::string ReminderFile::WriteCopy(std::int16_t skipIndex)
     return slots;
 }
 
-// The file has been replaced by the list without that entry.
+// Notes that the file has been replaced by the list without entry `skipIndex`.
 void ReminderFile::Written(std::int16_t skipIndex, std::string&& slots)
 {
-    // A deleted entry stays in the list until that is read anew.
+    // A deleted entry stays in the list until the list is read anew.
     fileKnown_ = skipIndex == 0;
     if (fileKnown_)
         list_.EntriesAreSaved(std::move(slots));
@@ -163,7 +165,8 @@ void ReminderFile::ReplaceDataFile(std::int16_t skipIndex)
         if (DataFileExists())
             files_.DeleteFile(DataPath());
     } catch (const RuntimeError&) {
-        // Half a copy must never be taken for one; a whole one may be the only one, and needs no more than its name.
+        // An incomplete copy must never be taken for a whole one. A whole copy may be all that is left of the
+        // reminders; it only still needs its name.
         if (!written || DataFileExists()) {
             DeleteStaleCopy();
             throw;
@@ -180,7 +183,8 @@ std::string ReminderFile::DataPath() const
 
 std::string ReminderFile::CopyPath() const
 {
-    // Behind a link the whole name is kept, so that the copy is neither the file itself nor another's of the same name.
+    // Behind a link the copy's name contains the whole name of the file, so that it is neither the file itself nor the
+    // copy of another file with the same base name.
     const std::string data = DataPath();
     return data == ReminderFilePath ? ReminderTempPath : data + ".tmp";
 }
@@ -222,7 +226,7 @@ void ReminderFile::KeepDated(const std::string& path)
     const std::string base = files_.GetBaseName(data) + "-";
     DateTime now = clock_.Now();
     const auto name = [&] { return base + Format(now, "yyyy-mm-dd-HHnnss") + ".txt"; };
-    // Two of one second.
+    // Two files may be renamed within one second.
     while (files_.FileExists(folder + name()))
         ++now.second;
     const std::string made = name();
@@ -230,7 +234,7 @@ void ReminderFile::KeepDated(const std::string& path)
     const std::string two = "[0-9][0-9]";
     std::vector<std::string> kept =
         files_.ListFiles(folder, "*-" + two + two + "-" + two + "-" + two + "-" + two + two + two + ".txt");
-    // This one stays even when the clock was set back and it seems to be the oldest.
+    // The new file is kept even if the clock was set back and it seems to be the oldest.
     std::erase_if(kept, [&](const std::string& other) {
         return other == made || other.size() != made.size() || !other.starts_with(base);
     });
@@ -248,7 +252,7 @@ bool ReminderFile::OpenDataFile()
     try {
         dataFile_ = files_.OpenRandomExisting(DataPath(), ReminderSlotSize);
     } catch (const RuntimeError& error) {
-        // A file in a folder that cannot be reached just now is not missing.
+        // Only this error means that the file is missing. Others occur when its folder cannot be reached just now.
         if (error.Number != FileNotFound().Number)
             throw;
     }
@@ -296,7 +300,7 @@ bool ReminderFile::WriteReminders(std::int16_t skipIndex)
         throw BadRecordLength();
     const Held held = HoldReminders();
     RecoverReminders();
-    // Without a file the list in memory is all there is.
+    // Without a file there is only the list in memory.
     if (OpenDataFile() && !CatchUp(skipIndex))
         return false;
     ReplaceDataFile(skipIndex);
