@@ -30,6 +30,8 @@ class Shaper
 {
 public:
     Shaper(int samplesPerSecond, SampleSink& sink);
+    Shaper(const Shaper&) = delete;
+    Shaper& operator=(const Shaper&) = delete;
 
     void Begin(const Shape& shape);
     /// The engine's samples; false when the sink wants no more.
