@@ -50,17 +50,13 @@ void Character::CheckPictures()
 AgentRequestPtr Character::Show(bool fast)
 {
     Hurry();
-    auto request = std::make_shared<Request>(RequestKind::Show);
-    request->fast = fast;
-    return Enqueue(std::move(request));
+    return Enqueue(std::make_shared<Request>(RequestKind::Show, fast));
 }
 
 AgentRequestPtr Character::Hide(bool fast)
 {
     Hurry();
-    auto request = std::make_shared<Request>(RequestKind::Hide);
-    request->fast = fast;
-    return Enqueue(std::move(request));
+    return Enqueue(std::make_shared<Request>(RequestKind::Hide, fast));
 }
 
 AgentRequestPtr Character::Play(const std::string& animation)
@@ -93,14 +89,11 @@ void Character::Stop(const AgentRequestPtr& request)
         return;
     if (request == current_) {
         Interrupt();
-        return;
+    } else if (const auto queued = std::ranges::find(queue_, request); queued != queue_.end()) {
+        const RequestPtr dropped = *queued;
+        queue_.erase(queued);
+        Conclude(dropped, RequestStatus::Interrupted);
     }
-    const auto queued = std::find(queue_.begin(), queue_.end(), request);
-    if (queued == queue_.end())
-        return;
-    const RequestPtr dropped = *queued;
-    queue_.erase(queued);
-    Conclude(dropped, RequestStatus::Interrupted);
 }
 
 void Character::StopAll(const std::string& types)

@@ -48,8 +48,6 @@ public:
     /// Ends all that it does: stops the voice without an event from it, and interrupts its requests, each with its
     /// completion event.
     ~Character() override;
-    Character(const Character&) = delete;
-    Character& operator=(const Character&) = delete;
 
     AgentRequestPtr Show(bool fast) override;
     AgentRequestPtr Hide(bool fast) override;

@@ -149,7 +149,7 @@ void Character::BeginPlay(const Animation& animation)
 
 void Character::BeginSpeak()
 {
-    MarkedText marked = ParseMarkup(current_->text);
+    ParsedText marked = ParseMarkup(current_->text);
     if (marked.sayLastAgain && current_->url.empty()) {
         marked = ParseMarkup(lastText_);
     } else {

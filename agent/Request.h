@@ -18,13 +18,13 @@ enum class RequestKind { Show, Hide, Play, Speak };
 class Request : public AgentRequest
 {
 public:
-    explicit Request(RequestKind requestKind) : kind(requestKind) {}
+    explicit Request(RequestKind ofKind, bool isFast = false) : kind(ofKind), fast(isFast) {}
     RequestStatus Status() const override { return status; }
 
     const RequestKind kind;
+    const bool fast;          ///< Show, Hide: without an animation
     std::uint64_t number = 0; ///< rises with every request, over all characters
     RequestStatus status = RequestStatus::Pending;
-    bool fast = false;     ///< Show, Hide: without an animation
     bool byUser = false;   ///< Hide: chosen in the menu, not by the program, so it raises no request events
     std::string animation; ///< Play
     std::string text;      ///< Speak: kept until its turn comes

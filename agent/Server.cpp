@@ -82,18 +82,7 @@ AgentCharacter& Server::Characters(const std::string& name)
 
 AudioStatus Server::AudioOutputStatus()
 {
-    switch (voice_.Status()) {
-    case 0:
-        return AudioStatus::Available;
-    case 1:
-        return AudioStatus::NoSupport;
-    case 2:
-        return AudioStatus::CannotOpen;
-    case 4:
-        return AudioStatus::CharacterSpeaking;
-    default:
-        return AudioStatus::Unknown;
-    }
+    return voice_.Status();
 }
 
 void Server::SetSoundEffectsOn(bool on)

@@ -28,8 +28,6 @@ public:
     /// `reader` the server reads files, whatever the case of their extension.
     Server(Stage& stage, speech::VoiceOutput& voice, Reader reader = nullptr);
     ~Server() override;
-    Server(const Server&) = delete;
-    Server& operator=(const Server&) = delete;
 
     /// Raises run-time error 321 when the file cannot be used as a character (the description names the file and says
     /// why), and 457 when a character of that name is already loaded. Names compare without case. The feet of the new

@@ -26,6 +26,7 @@ struct Rect {
     int height = 0;
     int Right() const { return x + width; }
     int Bottom() const { return y + height; }
+    Point Middle() const { return {x + width / 2, y + height / 2}; }
     bool Contains(Point p) const { return p.x >= x && p.y >= y && p.x < Right() && p.y < Bottom(); }
     bool operator==(const Rect&) const = default;
 };

@@ -23,75 +23,24 @@ public:
 };
 
 // The numbers are those of the classic Basic run-time, so that reports read the same on every platform.
-inline RuntimeError Overflow()
-{
-    return {6, "Overflow"};
-}
-inline RuntimeError OutOfMemory()
-{
-    return {7, "Out of memory"};
-}
-inline RuntimeError SubscriptOutOfRange()
-{
-    return {9, "Subscript out of range"};
-}
-inline RuntimeError FileNotFound()
-{
-    return {53, "File not found"};
-}
-inline RuntimeError DeviceIOError()
-{
-    return {57, "Device I/O error"};
-}
-inline RuntimeError FileAlreadyExists()
-{
-    return {58, "File already exists"};
-}
-inline RuntimeError BadRecordLength()
-{
-    return {59, "Bad record length"};
-}
-inline RuntimeError DiskFull()
-{
-    return {61, "Disk full"};
-}
-inline RuntimeError InputPastEndOfFile()
-{
-    return {62, "Input past end of file"};
-}
-inline RuntimeError BadRecordNumber()
-{
-    return {63, "Bad record number"};
-}
-inline RuntimeError PermissionDenied()
-{
-    return {70, "Permission denied"};
-}
-inline RuntimeError PathFileAccessError()
-{
-    return {75, "Path/File access error"};
-}
-inline RuntimeError PathNotFound()
-{
-    return {76, "Path not found"};
-}
-inline RuntimeError CannotCreateObject()
-{
-    return {429, "ActiveX component can't create object"};
-}
+inline constexpr auto Overflow = [] { return RuntimeError(6, "Overflow"); };
+inline constexpr auto OutOfMemory = [] { return RuntimeError(7, "Out of memory"); };
+inline constexpr auto SubscriptOutOfRange = [] { return RuntimeError(9, "Subscript out of range"); };
+inline constexpr auto FileNotFound = [] { return RuntimeError(53, "File not found"); };
+inline constexpr auto DeviceIOError = [] { return RuntimeError(57, "Device I/O error"); };
+inline constexpr auto FileAlreadyExists = [] { return RuntimeError(58, "File already exists"); };
+inline constexpr auto BadRecordLength = [] { return RuntimeError(59, "Bad record length"); };
+inline constexpr auto DiskFull = [] { return RuntimeError(61, "Disk full"); };
+inline constexpr auto InputPastEndOfFile = [] { return RuntimeError(62, "Input past end of file"); };
+inline constexpr auto BadRecordNumber = [] { return RuntimeError(63, "Bad record number"); };
+inline constexpr auto PermissionDenied = [] { return RuntimeError(70, "Permission denied"); };
+inline constexpr auto PathFileAccessError = [] { return RuntimeError(75, "Path/File access error"); };
+inline constexpr auto PathNotFound = [] { return RuntimeError(76, "Path not found"); };
+inline constexpr auto CannotCreateObject = [] { return RuntimeError(429, "ActiveX component can't create object"); };
 /// The word processor's own error for a command that failed.
-inline RuntimeError CommandFailed()
-{
-    return {4198, "Command failed"};
-}
-inline RuntimeError CancelSelected()
-{
-    return {32755, "Cancel was selected."};
-}
-inline RuntimeError ObjectNotSet()
-{
-    return {91, "Object variable or With block variable not set"};
-}
+inline constexpr auto CommandFailed = [] { return RuntimeError(4198, "Command failed"); };
+inline constexpr auto ObjectNotSet = [] { return RuntimeError(91, "Object variable or With block variable not set"); };
+inline constexpr auto CancelSelected = [] { return RuntimeError(32755, "Cancel was selected."); };
 
 /// Turns any exception into the run-time error to report. A run-time error stays as it is. Memory that could not be
 /// allocated, also for a text longer than texts can be, becomes "Out of memory". Everything else becomes the run-time's

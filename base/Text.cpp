@@ -73,17 +73,6 @@ std::size_t AsciiEnd(std::string_view text, std::size_t at)
     return at;
 }
 
-// The byte position of the character with this 0-based number; the text's size when there is none.
-std::size_t ByteOf(std::string_view text, std::size_t characters)
-{
-    std::size_t at = 0;
-    while (characters > 0 && at < text.size()) {
-        at += DecodeAt(text, at).bytes;
-        --characters;
-    }
-    return at;
-}
-
 // Writes a character as one to four bytes and returns where the next one goes.
 char* PutUtf8(char* to, char32_t point)
 {
@@ -132,32 +121,23 @@ std::size_t Len(std::string_view text)
     return count;
 }
 
-std::string Mid(std::string_view text, std::size_t start, std::size_t count)
+std::string_view Left(std::string_view text, std::size_t count)
 {
-    if (start == 0)
-        return {};
-    const std::size_t from = ByteOf(text, start - 1);
-    const std::string_view rest = text.substr(from);
-    return std::string(rest.substr(0, ByteOf(rest, count)));
+    std::size_t at = 0;
+    for (; count > 0 && at < text.size(); --count)
+        at += DecodeAt(text, at).bytes;
+    return text.substr(0, at);
 }
 
-std::string Left(std::string_view text, std::size_t count)
+std::string_view Trimmed(std::string_view text, std::string_view blanks)
 {
-    return Mid(text, 1, count);
-}
-
-std::string Right(std::string_view text, std::size_t count)
-{
-    const std::size_t length = Len(text);
-    return count >= length ? std::string(text) : Mid(text, length - count + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
 std::string Trim(std::string_view text)
 {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
-        return {};
-    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+    return std::string(Trimmed(text));
 }
 
 std::string Trim(std::string&& text)
@@ -165,6 +145,23 @@ std::string Trim(std::string&& text)
     text.erase(text.find_last_not_of(' ') + 1);
     text.erase(0, text.find_first_not_of(' '));
     return std::move(text);
+}
+
+std::string Padded(std::int32_t value, std::size_t digits)
+{
+    std::string text = std::to_string(value < 0 ? -std::int64_t{value} : value);
+    if (text.size() < digits)
+        text.insert(0, digits - text.size(), '0');
+    return value < 0 ? "-" + text : text;
+}
+
+std::string LowerAscii(std::string_view text)
+{
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return lower;
 }
 
 std::string UCase(std::string_view text)
@@ -209,9 +206,9 @@ std::string JoinLines(std::span<const std::string> lines)
     return text;
 }
 
-std::vector<char32_t> DecodeUtf8(std::string_view text)
+std::u32string DecodeUtf8(std::string_view text)
 {
-    std::vector<char32_t> points;
+    std::u32string points;
     points.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const Decoded c = DecodeAt(text, at);

@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace voxmate
 {
@@ -16,11 +15,11 @@ inline constexpr const char* CrLf = "\r\n";
 /// Number of characters in a UTF-8 text. A byte that is not valid UTF-8 counts as one character.
 std::size_t Len(std::string_view text);
 
-/// At most `count` characters of the text, from character `start` (1-based) on; empty when `start` is past the end.
-std::string Mid(std::string_view text, std::size_t start, std::size_t count = std::string::npos);
-std::string Left(std::string_view text, std::size_t count);
-std::string Right(std::string_view text, std::size_t count);
+/// The first `count` characters of the text, or all of it if it is shorter.
+std::string_view Left(std::string_view text, std::size_t count);
 
+/// The part of the text between the `blanks` at its ends.
+std::string_view Trimmed(std::string_view text, std::string_view blanks = " ");
 /// Removes blanks (U+0020) from both ends; tabs and line ends stay.
 std::string Trim(std::string_view text);
 inline std::string Trim(const char* text)
@@ -29,6 +28,21 @@ inline std::string Trim(const char* text)
 }
 /// The same without a copy, for a text that is not needed any more as it was.
 std::string Trim(std::string&& text);
+
+/// A number in decimal with at least `digits` digits: zeros in front, and the sign before them ("-08").
+std::string Padded(std::int32_t value, std::size_t digits);
+
+/// Of ASCII only.
+inline bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+inline bool IsLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+/// Lower case of ASCII letters; all other characters stay.
+std::string LowerAscii(std::string_view text);
 
 /// Upper case of ASCII letters, and of Latin-1, Latin Extended-A, Greek and Cyrillic letters with a simple counterpart.
 std::string UCase(std::string_view text);
@@ -44,7 +58,7 @@ std::string JoinLines(std::span<const std::string> lines);
 
 /// UTF-8 to code points and back. An invalid byte decodes as U+FFFD; a surrogate or a value above U+10FFFF encodes as
 /// U+FFFD.
-std::vector<char32_t> DecodeUtf8(std::string_view text);
+std::u32string DecodeUtf8(std::string_view text);
 std::string EncodeUtf8(std::u32string_view points);
 void AppendUtf8(std::string& out, char32_t point);
 std::string Utf16ToUtf8(std::u16string_view text);

@@ -9,7 +9,7 @@ namespace voxmate::bench
 class NoSound : public speech::AudioOutput
 {
 public:
-    State Check() override { return State::NoDevice; }
+    AudioStatus Check() override { return AudioStatus::NoSupport; }
     std::unique_ptr<speech::AudioStream> Open(int, std::shared_ptr<speech::SampleSource>, std::function<void()>,
                                               std::function<void()>) override
     {

@@ -33,7 +33,7 @@ class SilentVoice : public speech::VoiceOutput
 public:
     explicit SilentVoice(agent::Stage& stage) : stage_(stage) {}
 
-    int Status() override { return 0; }
+    AudioStatus Status() override { return AudioStatus::Available; }
     void Start(speech::Utterance, speech::VoiceEvents events) override
     {
         events_ = std::move(events);

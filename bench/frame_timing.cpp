@@ -32,7 +32,7 @@ constexpr double Punctual = 10;
 class NoVoice : public speech::VoiceOutput
 {
 public:
-    int Status() override { return 1; }
+    AudioStatus Status() override { return AudioStatus::NoSupport; }
     void Start(speech::Utterance, speech::VoiceEvents) override {}
     void Stop() override {}
 };

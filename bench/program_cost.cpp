@@ -43,7 +43,7 @@ public:
     explicit Watched(speech::AudioOutput& real) : real_(real) {}
     std::atomic<double> firstSample{0};
 
-    State Check() override { return real_.Check(); }
+    AudioStatus Check() override { return real_.Check(); }
     std::unique_ptr<speech::AudioStream> Open(int rate, std::shared_ptr<speech::SampleSource> source,
                                               std::function<void()> drained, std::function<void()> failed) override
     {

@@ -136,7 +136,7 @@ int main(int argc, char** argv)
         if (reminders.List.RemCount != most)
             Fail("the file could not be loaded");
         const double read = Time(ProcessorMs, [&] { ReadPlainly(path, bytes.size()); });
-        const double written = Time(NowMs, [&] { reminders.SaveReminders(0); });
+        const double written = Time(NowMs, [&] { reminders.File.WriteReminders(0); });
         const double plain = Time(NowMs, [&] { WritePlainly(path, beside, bytes); });
         fake.log.clear();
         const double scanned = Time(ProcessorMs, [&] { program->Scheduler.RemTimer_Timer(); });

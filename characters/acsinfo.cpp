@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <stdexcept>
 
 using namespace voxmate;
 using namespace voxmate::characters;
@@ -33,7 +34,7 @@ std::shared_ptr<const agent::AcsFile> OpenSound(const QString& path)
 {
     auto file = agent::AcsFile::Open(path.toStdString());
     if (const std::string fault = agent::CheckPictures(*file).first; !fault.empty())
-        throw agent::AcsError(fault);
+        throw std::runtime_error(fault);
     return file;
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -137,71 +138,72 @@ Prop<T>& Prop<T>::operator=(T value)
 using Event = std::function<void()>;
 
 /// Runs a copy of the handler, because the handler may destroy the control that it belongs to.
-inline void Raise(const Event& event)
+template <class... Arguments>
+void Raise(const std::function<void(Arguments...)>& event, std::type_identity_t<Arguments>... arguments)
 {
-    if (const Event handler = event)
-        handler();
+    if (const auto handler = event)
+        handler(arguments...);
 }
 
-class Label : public Control
+class Captioned : public Control
 {
 public:
-    Label(Form* form, std::string name, std::string caption = {})
+    Captioned(Form* form, std::string name, std::string caption = {})
         : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
     {
     }
-    Prop<std::string> Caption; ///< an ampersand marks the access key of `Buddy`
+    Prop<std::string> Caption; ///< an ampersand marks the access key
+};
+
+class Clickable : public Captioned
+{
+public:
+    using Captioned::Captioned;
+    Event Click;
+
+    void UserClick()
+    {
+        if (Enabled)
+            Raise(Click);
+    }
+};
+
+/// The access key in its caption is that of `Buddy`.
+class Label : public Clickable
+{
+public:
+    using Clickable::Clickable;
     Prop<FontSpec> Font{*this, Property::Font};
     Control* Buddy = nullptr; ///< the control this label names
     bool Heading = false;     ///< shown large (a product's name)
     /// Its place on a form that places its controls itself, in device-independent pixels.
     Prop<Rect> Place{*this, Property::Place};
-    Event Click;
-
-    void UserClick()
-    {
-        if (Enabled)
-            Raise(Click);
-    }
 };
 
-class CommandButton : public Control
+/// A picture button has no caption.
+class CommandButton : public Clickable
 {
 public:
-    CommandButton(Form* form, std::string name, std::string caption = {})
-        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
-    {
-    }
-    Prop<std::string> Caption; ///< empty for a picture button
-    std::string Picture;       ///< name of the icon, without folder and extension
-    bool IsDefault = false;    ///< pressed by Enter
-    bool IsCancel = false;     ///< pressed by Escape
+    using Clickable::Clickable;
+    std::string Picture;    ///< name of the icon, without folder and extension
+    bool IsDefault = false; ///< pressed by Enter
+    bool IsCancel = false;  ///< pressed by Escape
 
-    Event Click;
     /// A mouse button was released over the control (1 left, 2 right).
     std::function<void(int button)> MouseUp;
 
-    void UserClick()
-    {
-        if (Enabled)
-            Raise(Click);
-    }
     void UserMouseUp(int button)
     {
-        if (Enabled && MouseUp)
-            MouseUp(button);
+        if (Enabled)
+            Raise(MouseUp, button);
     }
 };
 
 /// Value is 1 (checked) or 0. Click is raised when the user clicks it and when Value is set from code.
-class CheckBox : public Control
+class CheckBox : public Captioned
 {
 public:
-    CheckBox(Form* form, std::string name, std::string caption)
-        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
-    {
-    }
-    Prop<std::string> Caption;
+    using Captioned::Captioned;
     Prop<int> Value{*this, Property::Value, 0};
     Event Click;
 
@@ -303,8 +305,7 @@ public:
     /// Runs KeyPress. Returns false when the key was swallowed.
     bool UserKeyPress(int keyAscii)
     {
-        if (const auto handler = KeyPress)
-            handler(keyAscii);
+        Raise(KeyPress, keyAscii);
         return keyAscii != 0;
     }
     void UserEdit(std::string text)
@@ -323,14 +324,10 @@ protected:
 };
 
 /// A frame with a caption around other controls; the arrangement says which.
-class Frame : public Control
+class Frame : public Captioned
 {
 public:
-    Frame(Form* form, std::string name, std::string caption)
-        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption))
-    {
-    }
-    Prop<std::string> Caption;
+    using Captioned::Captioned;
 };
 
 /// A picture from the shared data, given by an icon's name.
@@ -359,11 +356,7 @@ public:
     Menu* IconMenu = nullptr;
     std::function<void(double x)> MouseMove;
 
-    void UserMouseMove(double x)
-    {
-        if (MouseMove)
-            MouseMove(x);
-    }
+    void UserMouseMove(double x) { Raise(MouseMove, x); }
 };
 
 /// A bar of text panels at the foot of a form; panels are counted from 1.
@@ -422,25 +415,17 @@ private:
 };
 
 /// A menu or a menu item. The caption "-" makes a rule. Items belong to their parent menu, top menus to their form.
-class Menu : public Control
+class Menu : public Clickable
 {
 public:
     Menu(Form* form, Menu* parent, std::string name, std::string caption);
-    Prop<std::string> Caption;
     Prop<bool> Checked{*this, Property::Checked, false};
-    Event Click;
 
     const std::vector<Menu*>& Items() const { return items_; }
     Menu* Parent() const { return parent_; }
     /// A control array: Load adds an item named `name`, which this menu owns; UnloadAll removes all items so added.
     Menu& Load(const std::string& name, const std::string& caption);
     void UnloadAll();
-
-    void UserClick()
-    {
-        if (Enabled)
-            Raise(Click);
-    }
 
 private:
     Form* form_;

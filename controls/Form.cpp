@@ -12,8 +12,7 @@ Control::Control(Form* form, std::string name) : Name(std::move(name))
 }
 
 Menu::Menu(Form* form, Menu* parent, std::string name, std::string caption)
-    : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption)), form_(form),
-      parent_(parent)
+    : Clickable(form, std::move(name), std::move(caption)), form_(form), parent_(parent)
 {
     if (parent_)
         parent_->items_.push_back(this);

@@ -48,8 +48,6 @@ public:
     /// `name` is the form's own name ("frmMain").
     Form(FormHost& host, std::string name);
     virtual ~Form();
-    Form(const Form&) = delete;
-    Form& operator=(const Form&) = delete;
 
     const std::string Name;
     std::string Caption;

@@ -38,16 +38,13 @@ void ListView::UserItemClick(std::size_t number)
     if (!Enabled || number < 1 || number > items_.size())
         return;
     selected_ = number;
-    if (const auto handler = ItemClick)
-        handler(number);
+    Raise(ItemClick, number);
 }
 
 void ListView::UserColumnClick(int column)
 {
-    if (!Enabled)
-        return;
-    if (const auto handler = ColumnClick)
-        handler(column);
+    if (Enabled)
+        Raise(ColumnClick, column);
 }
 
 const std::vector<std::uint32_t>& ListView::Rows()

@@ -1,5 +1,7 @@
 #include "controls/MonthView.h"
 
+#include <chrono>
+
 namespace voxmate
 {
 
@@ -7,12 +9,12 @@ bool IsCalendarDate(const CalendarDate& date)
 {
     constexpr int firstYear = 100;
     constexpr int lastYear = 9999;
-    constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (date.Year < firstYear || date.Year > lastYear || date.Month < 1 || date.Month > 12)
+    constexpr int mostDays = 31;
+    if (date.Year < firstYear || date.Year > lastYear || date.Month < 1 || date.Month > 12 || date.Day < 1 ||
+        date.Day > mostDays)
         return false;
-    const bool leap = date.Year % 4 == 0 && (date.Year % 100 != 0 || date.Year % 400 == 0);
-    const int length = lengths[date.Month - 1] + (leap && date.Month == 2 ? 1 : 0);
-    return date.Day >= 1 && date.Day <= length;
+    using namespace std::chrono;
+    return (year(date.Year) / date.Month / date.Day).ok();
 }
 
 bool MonthView::SetValue(const CalendarDate& date)

@@ -16,14 +16,13 @@ class OptionGroup;
 
 /// Value is true for the chosen button of the group. Choosing a button, by the user or from code, unsets the others and
 /// raises the group's Click.
-class OptionButton : public Control
+class OptionButton : public Captioned
 {
 public:
     OptionButton(Form* form, std::string name, std::string caption, OptionGroup& group)
-        : Control(form, std::move(name)), Caption(*this, Property::Caption, std::move(caption)), group_(group)
+        : Captioned(form, std::move(name), std::move(caption)), group_(group)
     {
     }
-    Prop<std::string> Caption;
     Prop<bool> Value{*this, Property::Value, false};
 
     OptionGroup& Group() const { return group_; }
@@ -88,9 +87,7 @@ private:
             else
                 buttons_[i]->Value = false;
         }
-        // A copy, because the handler may destroy the group.
-        if (const auto handler = Click)
-            handler(index);
+        Raise(Click, index);
     }
 };
 

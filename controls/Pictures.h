@@ -26,7 +26,7 @@ public:
 class Pane : public Frame
 {
 public:
-    Pane(Form* form, std::string name) : Frame(form, std::move(name), {}) {}
+    using Frame::Frame;
 };
 
 /// A label that shows its caption in its font on one line. A font too large for the line is drawn only as large as the

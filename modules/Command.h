@@ -1,5 +1,5 @@
-// One command at a time: what is spoken or asked lets events run, and none of them must begin another command of the
-// same form or part.
+// Runs one command at a time: speaking and asking let events run, and none of these events may begin another command of
+// the same form or part.
 #pragma once
 
 #include <utility>
@@ -7,11 +7,11 @@
 namespace voxmate
 {
 
-/// Marks a command as running for as long as this lives, unless one runs already.
+/// Marks a command as running during this object's lifetime, unless another one is already running.
 class Command
 {
 public:
-    /// `running` is the owner's mark, and outlives this.
+    /// `running` is the owner's flag and must outlive this object.
     explicit Command(bool& running) : running_(running), begun_(!std::exchange(running, true)) {}
     ~Command()
     {
@@ -21,7 +21,7 @@ public:
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    /// False when another command runs: this one must do nothing.
+    /// False when another command is running: this one must then do nothing.
     bool Begun() const { return begun_; }
 
 private:

@@ -2,8 +2,9 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
 #include <array>
-#include <cctype>
+#include <chrono>
 
 namespace voxmate
 {
@@ -16,30 +17,22 @@ constexpr std::array<const char*, 7> weekdays{"Sunday",   "Monday", "Tuesday", "
 constexpr std::array<const char*, 12> months{"January", "February", "March",     "April",   "May",      "June",
                                              "July",    "August",   "September", "October", "November", "December"};
 
-std::string Padded(int value, std::size_t digits)
+// The name of a day of the week, in the Gregorian calendar.
+const char* DayName(const DateTime& date)
 {
-    std::string text = std::to_string(value);
-    return text.size() < digits ? std::string(digits - text.size(), '0') + text : text;
-}
-
-char Lower(char c)
-{
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    using namespace std::chrono;
+    const year_month_day day{year(date.year), month(static_cast<unsigned>(date.month)),
+                             std::chrono::day(static_cast<unsigned>(date.day))};
+    return weekdays.at(weekday(sys_days(day)).c_encoding());
 }
 
 } // namespace
-
-int Weekday(int year, int month, int day)
-{
-    static constexpr std::array<int, 12> offsets{0, 3, 2, 5, 0, 3, 5, 1, 4, 6, 2, 4};
-    const int y = month < 3 ? year - 1 : year;
-    return (y + y / 4 - y / 100 + y / 400 + offsets.at(static_cast<std::size_t>(month - 1)) + day) % 7;
-}
 
 std::string Format(const DateTime& date, std::string_view pattern)
 {
     const bool twelveHours = ContainsNoCase(pattern, "AM/PM");
     const int hour = twelveHours ? (date.hour + 11) % 12 + 1 : date.hour;
+    const std::string letters = LowerAscii(pattern);
     std::string out;
     bool afterHour = false;
     for (std::size_t at = 0; at < pattern.size();) {
@@ -48,14 +41,11 @@ std::string Format(const DateTime& date, std::string_view pattern)
             at += 5;
             continue;
         }
-        const char letter = Lower(pattern[at]);
-        std::size_t run = 1;
-        while (at + run < pattern.size() && Lower(pattern[at + run]) == letter)
-            ++run;
+        const char letter = letters[at];
+        const std::size_t run = std::min(letters.find_first_not_of(letter, at), letters.size()) - at;
         switch (letter) {
         case 'd':
-            out += run == 4 ? weekdays.at(static_cast<std::size_t>(Weekday(date.year, date.month, date.day)))
-                            : Padded(date.day, run);
+            out += run == 4 ? DayName(date) : Padded(date.day, run);
             break;
         case 'm':
             if (afterHour)
@@ -79,8 +69,8 @@ std::string Format(const DateTime& date, std::string_view pattern)
             out += pattern.substr(at, run);
             break;
         }
-        // What separates an hour from its minutes is no letter.
-        if (std::isalpha(static_cast<unsigned char>(letter)))
+        // Characters that are no letters may stand between an hour and its minutes.
+        if (IsLetter(letter))
             afterHour = letter == 'h';
         at += run;
     }

@@ -1,4 +1,4 @@
-// The few patterns of the date-format language that the program uses.
+// Formats dates and times with the few patterns that the program uses.
 #pragma once
 
 #include "platform/Clock.h"
@@ -9,12 +9,9 @@
 namespace voxmate
 {
 
-/// Formats a date: dddd weekday, mmmm month (English names), d day, yyyy and yy year, HH and h hour (with leading zero
-/// and without), nn minutes, mm minutes after an hour, ss seconds, AM/PM makes the hour run from 1 to 12. Letters of
-/// any case; every other character is copied.
+/// Formats a date and time. The patterns are dddd weekday, mmmm month (English names), mm month, or minutes after an
+/// hour, d day, yyyy and yy year, HH and h hour (with and without a leading zero), nn minutes and ss seconds. AM/PM
+/// makes the hour run from 1 to 12. Case does not matter; all other characters are copied.
 std::string Format(const DateTime& date, std::string_view pattern);
-
-/// Day of the week, 0 Sunday to 6 Saturday, in the Gregorian calendar (Sakamoto's method).
-int Weekday(int year, int month, int day);
 
 } // namespace voxmate

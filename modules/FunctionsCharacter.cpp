@@ -1,4 +1,4 @@
-// The character: finding the files, loading one, applying the settings to it.
+// Finds the character files, loads a character and applies the settings to it.
 #include "base/Text.h"
 #include "modules/Program.h"
 
@@ -18,7 +18,8 @@ bool Ask(WindowSystem& windows, std::span<const std::string> lines)
     return windows.MsgBox(JoinLines(lines), vbCritical + vbYesNo, "Voxmate - Path Error") == vbYes;
 }
 
-// The name as its file has it, for names of characters compare without case; the first of all where there is none.
+// The name among `names` that equals `name` without regard to case, as names of characters are compared; the first of
+// them if there is none.
 std::string InAnyCase(const std::string& name, const std::vector<std::string>& names)
 {
     const auto found = std::find_if(names.begin(), names.end(),
@@ -41,10 +42,10 @@ std::uint32_t WithBit(std::uint32_t style, std::uint32_t bit, std::int16_t setti
 
 void ApplyBalloonSettings(AgentBalloon& balloon, const SettingsRecord& settings)
 {
-    // Field by field, as each change is a style of its own to the balloon.
+    // Field by field, because the balloon takes each change as a new style.
     const auto lines = static_cast<std::uint32_t>(settings.BalloonTotalLines);
     const auto characters = static_cast<std::uint32_t>(settings.BalloonCharactersPerLine);
-    balloon.SetStyle((balloon.Style() & 0x00FFFFFFu) + (lines << 24));
+    balloon.SetStyle((balloon.Style() & ~BalloonLinesMask) + (lines << 24));
     balloon.SetStyle((balloon.Style() & ~BalloonCharactersMask) + (characters << 16));
     balloon.SetStyle(WithBit(balloon.Style(), BalloonOn, settings.ShowBalloon));
     balloon.SetStyle(WithBit(balloon.Style(), BalloonAutoHide, settings.BalloonAutoHide));
@@ -83,7 +84,7 @@ std::vector<std::string> Characters::CharacterFiles(const std::string& folder) c
     return program_.Host.Files.ListFiles(folder, std::string("*") + extension);
 }
 
-// What is wrong with a characters folder: the first line of the box, or empty.
+// What is wrong with a folder of characters, as the first line of the box; empty when nothing is.
 std::string Characters::FolderProblem(const std::string& folder) const
 {
     if (!program_.Host.Files.FolderExists(folder))
@@ -102,7 +103,7 @@ void Characters::EndWithoutCharacters(const std::string& problem)
     program_.Host.System.EndProgram();
 }
 
-// Settles SearchPath on a folder with characters; false when the user keeps the folder in use.
+// Makes SearchPath a folder with characters; false when the user keeps the folder in use.
 bool Characters::SettleSearchPath(bool fromOptions)
 {
     std::string problem = FolderProblem(SearchPath);

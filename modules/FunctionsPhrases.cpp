@@ -26,7 +26,7 @@ constexpr std::array<DatePatterns, 6> datePatterns{{
     {"dddd, mmmm d", ""},
 }};
 
-// The noon hour is greeted as evening.
+// In the hour from noon to one the salutation is that of the evening.
 const char* Salutation(int hour)
 {
     if (hour <= 11)
@@ -36,7 +36,7 @@ const char* Salutation(int hour)
     return "Good Evening, ";
 }
 
-// Says one thing after the other. A Stop in between means what was still to be said, too.
+// Says one thing after the other. A Stop in between also cancels what was still to be said.
 class Saying
 {
 public:
@@ -92,20 +92,9 @@ void Greet(const Saying& say, const SettingsRecord& settings, Clock& clock)
 
 std::string OrdinalSuffix(int day)
 {
-    switch (day) {
-    case 1:
-    case 21:
-    case 31:
-        return "st";
-    case 2:
-    case 22:
-        return "nd";
-    case 3:
-    case 23:
-        return "rd";
-    default:
-        return "th";
-    }
+    constexpr std::array<const char*, 4> suffixes{"th", "st", "nd", "rd"};
+    const int last = day / 10 == 1 ? 0 : day % 10;
+    return suffixes.at(last < 4 ? static_cast<std::size_t>(last) : 0);
 }
 
 std::string FormatSpokenDate(std::int16_t format, const DateTime& date)

@@ -1,4 +1,4 @@
-// What can be read aloud from files: text files, Word documents, and wave files played through the character.
+// Reads files aloud: text files, Word documents, and wave files, which the character plays.
 #include "base/Text.h"
 #include "modules/Program.h"
 
@@ -23,7 +23,7 @@ const Reading::Source Reading::WordSource{3, "Word Files (*.doc)|*.doc", "Open W
 const Reading::Source Reading::WaveSource{5, "Wav Files (*.wav)|*.wav", "Open Text File to Read...", "WAV",
                                           "The below WAV file you are trying to play is not a WAV file:"};
 
-// A complaint about a file, by the character and in a box.
+// Announces that something is wrong with a file.
 void Reading::Complain(const char* sentence, const std::string& file, Manner manner)
 {
     const std::string text = sentence + std::string(CrLf) + file;
@@ -35,7 +35,7 @@ void Reading::Complain(const char* sentence, const std::string& file, Manner man
     program_.Main->SetStatus(StatusIdle);
 }
 
-// Asks for a file that exists and has the right extension; empty when there is none to go on with.
+// Asks for a file, which must exist and have the right extension; empty when there is no such file.
 std::string Reading::AskForFile(const Source& source)
 {
     program_.Main->SetStatus("Prompting for file name...");
@@ -55,7 +55,7 @@ std::string Reading::AskForFile(const Source& source)
     return file;
 }
 
-// Asks for a file and reads it; a cancelled dialog is the quiet end.
+// Asks for a file and reads it. When the user cancels the dialog, nothing more happens.
 template <class Reader>
 void Reading::Read(const Source& source, Reader reader)
 {
@@ -64,14 +64,14 @@ void Reading::Read(const Source& source, Reader reader)
             if (const std::string file = AskForFile(source); !file.empty())
                 reader(file);
         } catch (const RuntimeError& error) {
-            if (error.Number != cdlCancel)
+            if (error.Number != CancelSelected().Number)
                 throw;
             program_.Main->SetStatus(StatusIdle);
         }
     });
 }
 
-// Speaks the active document of WordApp part by part, until its end or a Stop or until there is no sound.
+// Speaks the active document of WordApp part by part, until its end, until Stop, or until a part cannot be queued.
 Reading::Outcome Reading::SpeakParts()
 {
     const std::int32_t end = WordApp->RangeEnd();
@@ -126,7 +126,7 @@ std::string ReadTextDocument(TextStream& stream)
         text += CrLf;
         const std::size_t begin = text.size();
         stream.AppendLine(text);
-        // Without the blanks at its ends, in place: a long text has millions of lines.
+        // The blanks at its ends are removed in place, because a long text has millions of lines.
         while (text.size() > begin && text.back() == ' ')
             text.pop_back();
         if (text.size() > begin && text[begin] == ' ')
@@ -151,7 +151,7 @@ void Reading::OpenAndReadWord()
 {
     Read(WordSource, [this](const std::string& file) {
         program_.Main->SetStatus("Opening Word Document. Please wait...");
-        // A Stop from before concerns what was going on then.
+        // An earlier Stop does not concern this document.
         program_.StopRequested = False;
         WordApp = program_.Host.Word.CreateWord();
         Outcome outcome = Outcome::NoText;

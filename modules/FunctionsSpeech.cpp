@@ -1,4 +1,4 @@
-// The voice: engines, and the one routine through which everything is spoken.
+// The speech engines, and the one routine that speaks everything.
 #include "base/Text.h"
 #include "modules/Program.h"
 
@@ -111,13 +111,13 @@ bool Voice::SpeakText(std::string text, const std::string& animation)
     text = Trim(std::move(text));
     if (text.empty() || !program_.Character)
         return false;
-    // Handed on, never copied: a text may be as long as a library.
+    // The text is moved, never copied, because it may be as long as a library.
     text = EscapeMarkup(std::move(text));
     text.insert(0, VoicePrefix(program_.Settings.Pitch, program_.Settings.Speed, program_.Settings.Whisper == True));
     const std::uint32_t stops = program_.StopCount;
     program_.Character->Show(false);
     program_.Host.Windows.DoEvents();
-    // A Stop among these events means this text too, which it could not yet find in the queue.
+    // A Stop among these events also cancels this text, which was not yet in the queue.
     if (program_.StopCount != stops)
         return false;
     const std::string gesture = Trim(animation);

@@ -12,7 +12,7 @@ int Messages::Announce(const std::string& text, int style, const std::string& ti
     const BusyScope busy(IsBusy);
     MessageText = text;
     ShowMessage(text, animation1, animation2, animation3, animation4);
-    // Speaking lets events run, and with them other messages, which share MessageText.
+    // Speaking lets events run; other messages among them set MessageText, too.
     MessageText = text;
     return program_.Host.Windows.MsgBox(text, style, title);
 }
@@ -46,7 +46,7 @@ void Messages::ReportError(std::int32_t errorNumber, const std::string& errorDes
         "Function/Module ID - " + std::to_string(routineId),
         "Application Version - " + VersionText(),
         "",
-        std::string("Please report it to ") + SupportName + " at " + SupportAddress,
+        "Please report it to Voxmate Support at support@voxmate.example",
         "While reporting please provide all the details you can.",
         "The error will be fixed at no cost to you.",
         "",

@@ -1,4 +1,4 @@
-// Telling the user: announcements through the character, and the last report of an unexpected error.
+// Messages to the user: announcements by the character, and the report of an unexpected error.
 #pragma once
 
 #include "base/Checked.h"
@@ -14,8 +14,8 @@ namespace voxmate
 
 class Program;
 
-/// Holds IsBusy at True for its own life and then puts back what it was: a box that comes up while another one is up
-/// leaves the program busy when it is closed.
+/// Sets IsBusy to True during this object's lifetime and then restores its old value. So when a box that came up over
+/// another one is closed, the program is still busy.
 class BusyScope
 {
 public:
@@ -34,28 +34,28 @@ class Messages
 public:
     explicit Messages(Program& program) : program_(program) {}
 
-    /// The one shared message text: what ShowMessage reads and the caller's message box shows.
+    /// The one shared message text; Announce sets it before and after the character has spoken.
     std::string MessageText;
     /// True while an announcement or a problem box is up.
     Boolean IsBusy = False;
-    /// Number of the numbered routine that runs or ran last.
+    /// Number of the numbered routine that is running or ran last.
     std::int16_t CurrentRoutineId = 0;
 
-    /// Announces a message (ShowMessage), then shows it in a box with this style and title, and gives the box's answer.
-    /// The box shows this text whatever other message came while the character spoke; IsBusy is True until it is
-    /// closed.
+    /// Announces a message with ShowMessage, then shows it in a box with this style and title, and returns the button
+    /// pressed. The box shows this text even if another message came while the character spoke. IsBusy is True until
+    /// the box is closed.
     int Announce(const std::string& text, int style, const std::string& title, const std::string& animation1 = {},
                  const std::string& animation2 = {}, const std::string& animation3 = {},
                  const std::string& animation4 = {});
-    /// Has the character play the leading non-empty animations and read the message, as the settings say, and leaves
-    /// IsBusy True; a BusyScope around the call and whatever box follows it puts that back.
+    /// If the settings say so, has the character play the animations up to the first empty one and read the message.
+    /// Leaves IsBusy True; a BusyScope around this call and the box that follows it restores the old value.
     void ShowMessage(const std::string& message, const std::string& animation1, const std::string& animation2 = {},
                      const std::string& animation3 = {}, const std::string& animation4 = {});
     /// Shows the report of an unexpected error and ends the program.
     [[noreturn]] void ReportError(std::int32_t errorNumber, const std::string& errorDescription,
                                   std::int16_t routineId);
-    /// Runs a numbered routine: sets CurrentRoutineId and hands an error that it lets through, memory that ran out
-    /// included, to ReportError.
+    /// Runs a numbered routine: sets CurrentRoutineId, and passes any error that leaves the routine, also running out
+    /// of memory, to ReportError.
     template <class Body>
     void NumberedRoutine(std::int16_t routineId, Body body)
     {

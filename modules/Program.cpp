@@ -26,17 +26,15 @@ std::string FindWindowsDir(Process& system)
     return buffer.substr(0, length);
 }
 
-// A path within an address: all but unreserved characters, "/" and ":" as %XX of its bytes (RFC 3986).
+// A path as part of an address: every byte except unreserved characters, "/" and ":" is written as %XX (RFC 3986).
 std::string PercentEncoded(const std::string& path)
 {
     std::string encoded;
     for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool plain = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
-                           (byte >= '0' && byte <= '9') || std::string_view("-._~/:").find(c) != std::string_view::npos;
-        if (plain) {
+        if (IsLetter(c) || IsDigit(c) || std::string_view("-._~/:").find(c) != std::string_view::npos) {
             encoded += c;
         } else {
+            const auto byte = static_cast<unsigned char>(c);
             encoded += '%';
             encoded += "0123456789ABCDEF"[byte >> 4];
             encoded += "0123456789ABCDEF"[byte & 0xFu];
@@ -88,7 +86,7 @@ void Program::RunStartUp()
     Main->SetVoiceControls(Settings.Pitch, Settings.Speed, Settings.Whisper);
     ReportSettingsInError(*this);
     Main->CheckReminderMenus(true, false);
-    // Also where a load that was asked for meanwhile could not read the file.
+    // This also holds if a load that was requested meanwhile could not read the file.
     Reminders.WantReminders(true);
     Reminders.LoadReminders(false, 0);
     if (Settings.ShowCharacterAtStart == 1)

@@ -1,4 +1,4 @@
-// The program: everything that its parts share, and its version.
+// The program: the state that its parts share, and its version.
 #pragma once
 
 #include "modules/Functions.h"
@@ -17,17 +17,14 @@
 namespace voxmate
 {
 
-/// The version of the project in CMakeLists.txt as the program's windows and the error report show it: "1.1 - Build 5".
+/// The project's version from CMakeLists.txt as windows and the error report show it: "1.1 - Build 5".
 std::string VersionText();
-
-inline constexpr const char* SupportName = "Voxmate Support";
-inline constexpr const char* SupportAddress = "support@voxmate.example";
 
 inline constexpr const char* StatusIdle = "I am Idle now !";
 inline constexpr const char* StatusBusy = "Busy...";
 
-/// Owns all state that forms and modules share. main() makes one over its platform, a test makes one over fakes; it
-/// must end before its platform does.
+/// Owns all state that forms and modules share. main() makes one over its platform, a test makes one over fakes. The
+/// platform must outlive it.
 class Program
 {
 public:
@@ -36,25 +33,25 @@ public:
     Program& operator=(const Program&) = delete;
 
     Platform& Host;
-    /// The main window, which enters itself here.
+    /// The main window; it sets this pointer itself.
     MainWindow* Main = nullptr;
 
     SettingsRecord Settings;
     /// The one loaded character; nullptr before the first load.
     AgentCharacter* Character = nullptr;
-    /// The start-up sequence has come to its end.
+    /// Whether the start-up sequence has ended.
     bool StartedUp = false;
-    /// Set by "Stop Everything !!!", polled by long reading jobs.
+    /// Set by "Stop Everything !!!" and polled by long reading jobs.
     Boolean StopRequested = False;
-    /// How often it was pressed: tells whoever lets events through whether it was meanwhile.
+    /// How often that was pressed. Code that lets events through compares it before and after.
     std::uint32_t StopCount = 0;
     /// Ticks of the clock timer since the last time announcement.
     std::int32_t SpeakTimeCounter = 0;
     /// Task id of the last program started by OpenUrl.
     double ShellTaskId = 0;
     std::string WindowsDir;
-    /// The places that alert windows occupy: bit 0 is place 1, bit 7 is place 8. They pile up from the lower edge of
-    /// the work area.
+    /// The places that alert windows occupy: bit 0 is place 1, bit 7 is place 8. The places are stacked from the lower
+    /// edge of the work area upwards.
     std::uint8_t AlertSlotMask = 0;
 
     voxmate::Registry Registry{Host.Settings};
@@ -72,9 +69,9 @@ public:
 
     /// Shows the main window and runs the start-up sequence.
     void StartMain();
-    /// Brings the system up in its fixed order, reporting each step in the status bar.
+    /// Runs the start-up steps in their fixed order and shows each in the status bar.
     void RunStartUp();
-    /// Opens a page in the browser; when that fails the address goes to the clipboard and a box says so.
+    /// Opens a page in the browser. When that fails, the address is put on the clipboard and a box says so.
     void OpenUrl(const std::string& url);
     /// Address of a help page that ships with the program ("characters", "voices").
     std::string HelpPage(const std::string& name) const;

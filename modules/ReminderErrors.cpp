@@ -33,7 +33,7 @@ std::string NumberAndDescription(const RuntimeError& error)
 
 std::string TooLongReason(const std::string& title, const std::string& record)
 {
-    // The numbers of a date need more room when one is negative.
+    // A negative number in the date needs more room than usual.
     const ReminderRecord fields = ReadReminder(record);
     const std::size_t texts = fields.Title.size() + fields.Description.size();
     const std::size_t others = record.size() - texts;

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "modules/Format.h"
 
 #include <algorithm>
 #include <optional>
@@ -15,19 +16,6 @@ namespace
 
 constexpr std::size_t DatedCopies = 5;
 
-bool IsBlank(std::string_view title)
-{
-    return title.find_first_not_of(' ') == std::string_view::npos;
-}
-
-std::string Joined(std::initializer_list<std::string_view> parts)
-{
-    std::string text;
-    for (const std::string_view part : parts)
-        text += part;
-    return text;
-}
-
 } // namespace
 
 // The folder of a path, with the separator at its end.
@@ -38,8 +26,8 @@ std::string ReminderFile::FolderOf(const std::string& path) const
     return end == std::string::npos ? "" : path.substr(0, end + separator.size());
 }
 
-// Whether the copy holds all that was written to it. Half a slot, and one that was never written, say that it does not;
-// a record that is not valid says nothing, as a save may have written it.
+// Whether the copy holds everything that was written to it. It does not if a slot is incomplete or was never written.
+// An invalid record proves nothing, because a save may have written it.
 bool ReminderFile::CopyIsWhole()
 {
     const auto copy = files_.OpenRandomExisting(CopyPath(), ReminderSlotSize);
@@ -48,13 +36,14 @@ bool ReminderFile::CopyIsWhole()
     for (std::int32_t number = 1; whole && number <= count; ++number) {
         const std::string_view slot = copy->Get(number);
         const ReminderRecord record = ReadReminder(slot);
-        whole = slot.size() == ReminderSlotSize && record.Whole && !IsBlank(record.Title) && !record.Done.empty();
+        whole =
+            slot.size() == ReminderSlotSize && record.Whole && !Trimmed(record.Title).empty() && !record.Done.empty();
     }
     copy->Close();
     return whole;
 }
 
-// Whether what is in the file that is open is what was read from it or written to it last.
+// Whether the open file still holds what was last read from it or written to it.
 bool ReminderFile::FileIsAsKnown()
 {
     const std::string_view known = list_.SlotsInFile();
@@ -62,18 +51,18 @@ bool ReminderFile::FileIsAsKnown()
     for (std::size_t at = 0; at < known.size(); at += ReminderSlotSize, ++number) {
         const std::string_view slot = dataFile_->Get(number);
         const std::string_view expected = known.substr(at, ReminderSlotSize);
-        // The file's end may cut off what fills the last slot.
+        // The zeros that fill up the last slot may be missing at the file's end.
         if (!expected.starts_with(slot) || expected.find_first_not_of('\0', slot.size()) != std::string_view::npos)
             return false;
     }
-    return IsBlank(ReadReminder(dataFile_->Get(number)).Title);
+    return Trimmed(ReadReminder(dataFile_->Get(number)).Title).empty();
 }
 
-// What was done to an entry since it was read.
+// A change made to an entry since it was read.
 struct ReminderFile::Change {
     std::int32_t Id;
     Reminder Before;
-    std::optional<Reminder> After; ///< nothing: it is to be deleted
+    std::optional<Reminder> After; ///< nothing when the entry is to be deleted
 };
 
 std::vector<ReminderFile::Change> ReminderFile::Changes(std::int16_t skipIndex) const
@@ -87,13 +76,15 @@ std::vector<ReminderFile::Change> ReminderFile::Changes(std::int16_t skipIndex) 
     return changes;
 }
 
-// An answer to an announcement goes to the reminder as it was announced and to none that has become another.
+// Whether a change is the answer to an announcement. An answer is meant for the reminder as it was announced, not for
+// one that has been changed since.
 bool ReminderFile::IsAnswer(const Change& change) const
 {
     return std::ranges::any_of(list_.RemUnsaved, [&](const Answer& answer) { return answer.Before == change.Before; });
 }
 
-// Makes the change in the list as it was read anew; false when there is nothing that it could be made to.
+// Makes a change again in the list that was read anew. False when the entry to be changed is not there; only an answer
+// may then be dropped.
 bool ReminderFile::MakeAgain(const Change& change, std::int16_t& skipIndex)
 {
     const auto id = static_cast<std::int16_t>(list_.Find(change.Before, change.Id));
@@ -106,8 +97,8 @@ bool ReminderFile::MakeAgain(const Change& change, std::int16_t& skipIndex)
     return id != 0 || IsAnswer(change) || list_.Find(*change.After) != 0;
 }
 
-// With the file open: reads it anew when another program has changed it, and makes the changes of this one again. False
-// when it must not be replaced. A list that could not be read to its end is none: RemindersValid is False until it is.
+// With the file open: if another program has changed it, reads it anew and makes the changes of this program again.
+// False when the file must not be replaced. While the file cannot be read to its end, RemindersValid is False.
 bool ReminderFile::CatchUp(std::int16_t& skipIndex)
 {
     if (!fileKnown_)
@@ -152,10 +143,10 @@ std::string ReminderFile::WriteCopy(std::int16_t skipIndex)
     return slots;
 }
 
-// The file has been replaced by the list without that entry.
+// Notes that the file has been replaced by the list without entry `skipIndex`.
 void ReminderFile::Written(std::int16_t skipIndex, std::string&& slots)
 {
-    // A deleted entry stays in the list until that is read anew.
+    // A deleted entry stays in the list until the list is read anew.
     fileKnown_ = skipIndex == 0;
     if (fileKnown_)
         list_.EntriesAreSaved(std::move(slots));
@@ -174,7 +165,8 @@ void ReminderFile::ReplaceDataFile(std::int16_t skipIndex)
         if (DataFileExists())
             files_.DeleteFile(DataPath());
     } catch (const RuntimeError&) {
-        // Half a copy must never be taken for one; a whole one may be the only one, and needs no more than its name.
+        // An incomplete copy must never be taken for a whole one. A whole copy may be all that is left of the
+        // reminders; it only still needs its name.
         if (!written || DataFileExists()) {
             DeleteStaleCopy();
             throw;
@@ -191,7 +183,8 @@ std::string ReminderFile::DataPath() const
 
 std::string ReminderFile::CopyPath() const
 {
-    // Behind a link the whole name is kept, so that the copy is neither the file itself nor another's of the same name.
+    // Behind a link the copy's name contains the whole name of the file, so that it is neither the file itself nor the
+    // copy of another file with the same base name.
     const std::string data = DataPath();
     return data == ReminderFilePath ? ReminderTempPath : data + ".tmp";
 }
@@ -232,11 +225,8 @@ void ReminderFile::KeepDated(const std::string& path)
     const std::string folder = FolderOf(data);
     const std::string base = files_.GetBaseName(data) + "-";
     DateTime now = clock_.Now();
-    const auto name = [&] {
-        return base + Padded(now.year, 4) + "-" + Padded(now.month, 2) + "-" + Padded(now.day, 2) + "-" +
-               Padded(now.hour, 2) + Padded(now.minute, 2) + Padded(now.second, 2) + ".txt";
-    };
-    // Two of one second.
+    const auto name = [&] { return base + Format(now, "yyyy-mm-dd-HHnnss") + ".txt"; };
+    // Two files may be renamed within one second.
     while (files_.FileExists(folder + name()))
         ++now.second;
     const std::string made = name();
@@ -244,7 +234,7 @@ void ReminderFile::KeepDated(const std::string& path)
     const std::string two = "[0-9][0-9]";
     std::vector<std::string> kept =
         files_.ListFiles(folder, "*-" + two + two + "-" + two + "-" + two + "-" + two + two + two + ".txt");
-    // This one stays even when the clock was set back and it seems to be the oldest.
+    // The new file is kept even if the clock was set back and it seems to be the oldest.
     std::erase_if(kept, [&](const std::string& other) {
         return other == made || other.size() != made.size() || !other.starts_with(base);
     });
@@ -262,7 +252,7 @@ bool ReminderFile::OpenDataFile()
     try {
         dataFile_ = files_.OpenRandomExisting(DataPath(), ReminderSlotSize);
     } catch (const RuntimeError& error) {
-        // A file in a folder that cannot be reached just now is not missing.
+        // Only this error means that the file is missing. Others occur when its folder cannot be reached just now.
         if (error.Number != FileNotFound().Number)
             throw;
     }
@@ -287,16 +277,17 @@ bool ReminderFile::ReadDataFile(ReminderEditor* editor)
     list_.BeginList(dataFile_ ? dataFile_->Count() : 0);
     while (dataFile_) {
         const std::string_view slot = dataFile_->Get(list_.EntryCount() + 1);
-        if (IsBlank(ReadReminder(slot).Title))
+        if (Trimmed(ReadReminder(slot).Title).empty())
             break;
         const std::optional<ReminderRecord> record = list_.AddEntry(slot);
         if (!record)
             return false;
         if (editor)
-            editor->AddListItem(ToInt16(list_.EntryCount()), record->Done == "Y" ? 1 : 2,
-                                list_.RemTitles[static_cast<std::size_t>(list_.EntryCount())],
-                                Joined({record->Year, "/", record->Month, "/", record->Day}),
-                                Joined({record->Hour, ":", record->Minute}));
+            editor->AddListItem(
+                ToInt16(list_.EntryCount()), record->Done == "Y" ? 1 : 2,
+                list_.RemTitles[static_cast<std::size_t>(list_.EntryCount())],
+                std::string(record->Year).append("/").append(record->Month).append("/").append(record->Day),
+                std::string(record->Hour).append(":").append(record->Minute));
     }
     fileKnown_ = true;
     cutShort_ = false;
@@ -309,7 +300,7 @@ bool ReminderFile::WriteReminders(std::int16_t skipIndex)
         throw BadRecordLength();
     const Held held = HoldReminders();
     RecoverReminders();
-    // Without a file the list in memory is all there is.
+    // Without a file there is only the list in memory.
     if (OpenDataFile() && !CatchUp(skipIndex))
         return false;
     ReplaceDataFile(skipIndex);

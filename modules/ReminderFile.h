@@ -1,5 +1,5 @@
-// The reminders' file: held against other programs while it is read and replaced, and brought together with what
-// another program has made of it.
+// The reminders' file. It is locked against other programs while it is read and replaced, and changes that another
+// program has made in it are merged with those made here.
 #pragma once
 
 #include "modules/ReminderList.h"
@@ -23,47 +23,50 @@ public:
     std::string ReminderFilePath;
     std::string ReminderTempPath;
 
-    /// The file, which ReminderFilePath may lead to as a symbolic link, and the copy beside it through which it is
-    /// replaced.
+    /// The path of the file itself, where ReminderFilePath may be a symbolic link, and that of the copy beside it. A
+    /// save writes the copy, which then replaces the file.
     std::string DataPath() const;
     std::string CopyPath() const;
     bool DataFileExists() const;
     bool CopyExists() const;
 
-    /// Holds the file against other programs for its life, and closes it at its end, raising no error.
+    /// Keeps the file locked against other programs during its lifetime. Its destructor closes the file and raises no
+    /// error.
     struct Held {
         ReminderFile& File;
         std::unique_ptr<FileLock> Lock;
         ~Held() { File.dataFile_.reset(); }
     };
-    /// Holds the file across everything below. Raises run-time error 70 where another program has held it for two
-    /// seconds.
+    /// Locks the file; needed for everything below. Raises run-time error 70 when another program has kept it locked
+    /// for two seconds.
     Held HoldReminders() { return {*this, files_.Lock(DataPath())}; }
 
-    /// A save that was cut off between the old file and the new one is completed; half a copy goes among the dated
-    /// ones.
+    /// Completes a save that was interrupted after it had deleted the old file: gives a whole copy the file's name. An
+    /// incomplete copy is kept under a dated name.
     void RecoverReminders();
-    /// Deletes the copy that a save which was cut off has left beside the file, if that can be done.
+    /// Deletes the copy that an interrupted save has left beside the file, if that is possible.
     void DeleteStaleCopy();
-    /// Moves a file of this name to a name of its own beside the reminders' file, which tells the date and time. The
-    /// latest five of those are kept.
+    /// Renames the file at this path, if there is one, to a new name beside the reminders' file that contains the date
+    /// and time. The latest five of these files are kept.
     void KeepDated(const std::string& path);
 
-    /// Opens the file, which stays open until it is closed below; false when there is none. Raises the file system's
-    /// errors, 76 among them where its folder is not there.
+    /// Opens the file until CloseDataFile; false when there is none. Raises the file system's errors, among them 76
+    /// when its folder is missing.
     bool OpenDataFile();
     void CloseDataFile();
-    /// Reads the file that is open, or none, into the list, and with `editor` into the editor's; true when every record
-    /// is valid. The list's entries before the first that is not are read; RemCount and RemindersValid stay as they
-    /// are.
+    /// Reads the open file into the list, and with `editor` into the editor's list as well; without an open file the
+    /// list becomes empty. Returns true when every record is valid; otherwise the entries before the first invalid one
+    /// are read. RemCount and RemindersValid stay unchanged.
     bool ReadDataFile(ReminderEditor* editor);
 
-    /// Replaces the file by the list without entry `skipIndex` (0: none), through the copy. What another program has
-    /// changed since the file was read is kept: the list is read anew, and what was changed in it here is changed
-    /// there. False, and nothing is written, when what was to be changed is not there any more, or that program has
-    /// left something invalid.
+    /// Replaces the file by the list without entry `skipIndex` (0: none), through the copy. If another program has
+    /// changed the file since it was read, its changes are kept: the list is read anew and the changes made here are
+    /// made again. Returns false, and writes nothing, when an entry to be changed is no longer there, or the other
+    /// program has left something invalid. Raises run-time error 59 "Bad record length" when an entry does not fit its
+    /// slot of 128 bytes, and the file system's errors; the file is then as before, or the copy holds everything that
+    /// was to be saved.
     bool WriteReminders(std::int16_t skipIndex);
-    /// The same for one record, already encoded, that is written behind the last one in place.
+    /// Writes one encoded record behind the last one, in place. Merges changes and raises errors in the same way.
     bool AppendRecord(const std::string& record);
 
 private:
@@ -71,11 +74,12 @@ private:
     FileSystem& files_;
     Clock& clock_;
     ReminderList& list_;
-    /// Open only within a load or a save, though a load may last as long as a question is up.
+    /// Open only during a load or a save; a load may last as long as a question to the user is up.
     std::unique_ptr<RandomAccessFile> dataFile_;
-    /// The list's slots are those of the file, as far as this program knows.
+    /// As far as this program knows, the file holds the list's slots.
     bool fileKnown_ = false;
-    /// The file was not read to its end when it was read last: the list is not what it holds, and must not replace it.
+    /// The last reading did not reach the end of the file. So the list is not what the file holds and must not replace
+    /// it.
     bool cutShort_ = false;
 
     std::string FolderOf(const std::string& path) const;

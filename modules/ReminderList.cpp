@@ -14,7 +14,7 @@ namespace
 
 constexpr std::int32_t MostReminders = std::numeric_limits<std::int16_t>::max();
 
-// A record of these texts and a reminder's numbers as it is written.
+// The bytes of a record with the texts of `record` and the numbers of `numbers`.
 std::string WithNumbers(ReminderRecord record, const Reminder& numbers)
 {
     const std::string day = Padded(numbers.Day, 2);
@@ -32,7 +32,7 @@ std::string WithNumbers(ReminderRecord record, const Reminder& numbers)
 
 } // namespace
 
-// Cuts the list off, or fills it up, to this number of entries.
+// Cuts all arrays off at this number of entries, or extends them to it.
 void ReminderList::Resize(std::int32_t count)
 {
     const auto size = static_cast<std::size_t>(count) + 1;
@@ -42,7 +42,8 @@ void ReminderList::Resize(std::int32_t count)
         numbers->resize(size);
 }
 
-// A text from an older system, which is not UTF-8, as text files of that kind are shown.
+// A text of the file as it is shown. One that is not UTF-8 comes from an older system and is decoded as such text files
+// are.
 std::string ReminderList::Shown(std::string_view bytes) const
 {
     return IsValidUtf8(bytes) ? std::string(bytes) : files_.DecodeText(bytes);
@@ -54,7 +55,8 @@ ReminderRecord ReminderList::RecordInFile(std::int32_t id) const
         std::string_view(slots_).substr(static_cast<std::size_t>(id - 1) * ReminderSlotSize, ReminderSlotSize));
 }
 
-// Puts a text into an entry's place for it; assigned to what is there, so that a list read anew needs no new memory.
+// Stores a text of entry `id` in `place`. It is assigned to the old text, so that a list that is read anew needs no new
+// memory.
 void ReminderList::StoreText(std::string& place, std::string_view bytes, std::int32_t id)
 {
     if (IsValidUtf8(bytes)) {
@@ -176,7 +178,7 @@ std::string Encoded(const Reminder& reminder)
 
 bool ReminderList::Fits(std::int32_t id) const
 {
-    // Most are so short that whatever their numbers need they fit.
+    // Most texts are so short that the record fits whatever its numbers are.
     constexpr std::size_t mostDigits = 6; // -32768
     constexpr std::size_t room = ReminderSlotSize - std::size_t{8} * 2 - 5 * mostDigits;
     const auto at = static_cast<std::size_t>(id);

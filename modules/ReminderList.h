@@ -16,7 +16,7 @@
 namespace voxmate
 {
 
-/// An answer to an announcement: the reminder as the file has it, and as it is to become.
+/// An answer to an announcement: the reminder as it is in the file, and as the answer makes it.
 struct Answer {
     Reminder Before;
     Reminder After;
@@ -28,7 +28,7 @@ public:
     /// `files` decodes texts that are not UTF-8.
     explicit ReminderList(FileSystem& files) : files_(files) { EndList(); }
 
-    // Parallel arrays, entry k of each belongs to reminder k, counted from 1; entry 0 is not used.
+    // Parallel arrays: entry k of each belongs to reminder k, counted from 1. Entry 0 is not used.
     std::vector<std::string> RemTitles;
     std::vector<std::int16_t> RemDays;
     std::vector<std::int16_t> RemMonths;
@@ -40,48 +40,49 @@ public:
     std::int16_t RemCount = 0;
     /// The last load found the file valid.
     Boolean RemindersValid = False;
-    /// The answers that are not in the file yet. They are in the list, and whatever is saved next saves them, too.
+    /// The answers that are not in the file yet. They are in the list already, so the next save includes them.
     std::vector<Answer> RemUnsaved;
 
     bool Has(std::int32_t id) const { return id >= 1 && id <= RemCount; }
-    /// Entry `id`, which the list has.
+    /// Entry `id`, which must exist.
     Reminder At(std::int32_t id) const;
-    /// Puts new values into entry `id`, if the list has it.
+    /// Puts new values into entry `id`, if it exists.
     void Set(std::int32_t id, const Reminder& reminder);
-    /// The entry that is this reminder, of several number `preferred` or else the first; 0 for none.
+    /// The number of the entry that equals this reminder, 0 for none. Among equal entries it is `preferred`, if that is
+    /// one of them, or else the first.
     std::int32_t Find(const Reminder& reminder, std::int32_t preferred = 0) const;
 
     // For the file.
 
-    /// Empties the list, making room for so many entries if there can be so many.
+    /// Empties the list and reserves memory for `count` entries, or for as many as a list can have.
     void BeginList(std::int64_t count);
-    /// Reads a slot into the entry behind the last one and tells what it holds; nothing, and no entry, when it is not
-    /// valid. The record's texts are parts of `slot`. Raises run-time error 6 "Overflow" when the list is full.
+    /// Adds an entry with the content of a slot and returns its record, whose texts are parts of `slot`. Adds none and
+    /// returns nothing when the record is not valid. Raises run-time error 6 "Overflow" when the list is full.
     std::optional<ReminderRecord> AddEntry(std::string_view slot);
     /// Cuts the list's arrays off behind the last entry.
     void EndList() { Resize(entries_); }
-    /// How many entries there are; RemCount says the same once the list is whole.
+    /// The number of entries read; RemCount is the same once the list is complete.
     std::int32_t EntryCount() const { return entries_; }
-    /// What the file had for entry `id` when it was read or written last.
+    /// Entry `id` as it was in the file when that was last read or written.
     Reminder InFile(std::int32_t id) const;
-    /// The entries that are not as the file had them.
+    /// The numbers of the entries that differ from the file.
     const std::set<std::int32_t>& Changed() const { return changed_; }
-    /// The record of an entry as it is written. A text that is as it was read keeps the bytes that it had.
+    /// The record of an entry as it is written. A text that has not been changed keeps its original bytes.
     std::string Encoded(std::int32_t id) const;
     /// The first entry that does not fit its slot, 0 when all do; entry `skipIndex` is left out.
     std::int32_t TooLongEntry(std::int32_t skipIndex) const;
     bool Fits(std::int32_t id) const;
-    /// The slots of the list as the file had them, of 128 bytes each.
+    /// The slots of the list as they were in the file, 128 bytes each.
     const std::string& SlotsInFile() const { return slots_; }
-    /// The file has these slots now, one for each entry in order.
+    /// Notes that the file now has these slots, one for each entry in order.
     void EntriesAreSaved(std::string&& slots);
 
 private:
     FileSystem& files_;
     std::int32_t entries_ = 0;
-    std::string slots_;              ///< what the file had, entry by entry
-    std::set<std::int32_t> changed_; ///< entries that are not as in the file
-    std::set<std::int32_t> foreign_; ///< entries with a text in the file that is not UTF-8
+    std::string slots_;              ///< the slots of the entries as they were in the file
+    std::set<std::int32_t> changed_; ///< entries that differ from the file
+    std::set<std::int32_t> foreign_; ///< entries with a text that is not UTF-8 in the file
 
     void Resize(std::int32_t count);
     void SetNumbers(std::size_t at, const Reminder& reminder);

@@ -1,5 +1,8 @@
 #include "modules/ReminderRecord.h"
 
+#include "base/Text.h"
+#include "controls/MonthView.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -10,21 +13,7 @@ namespace voxmate
 namespace
 {
 
-std::string_view Trimmed(std::string_view text)
-{
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    return text;
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-// The length that stands at a place in a slot: 16 bits, low byte first.
+// The length stored at byte `at` of a slot: 16 bits, low byte first.
 std::size_t LengthAt(std::string_view slot, std::size_t at)
 {
     const auto low = static_cast<unsigned char>(slot[at]);
@@ -32,16 +21,16 @@ std::size_t LengthAt(std::string_view slot, std::size_t at)
     return static_cast<std::size_t>(low | high << 8);
 }
 
-// The number that two digits stand for, -1 when they are none.
+// The number of two digits; -1 for other characters.
 int TwoDigits(const char* digits)
 {
     return IsDigit(digits[0]) && IsDigit(digits[1]) ? (digits[0] - '0') * 10 + (digits[1] - '0') : -1;
 }
 
-// The number that up to four digits stand for, blanks round them aside; -1 for anything else.
+// The number of one to four digits, which may have blanks at their ends; -1 for any other text.
 int DateNumber(std::string_view text)
 {
-    // Nearly all are two digits, or four.
+    // Nearly all numbers have two digits, or four.
     if (text.size() == 2 || text.size() == 4) {
         const int high = text.size() == 4 ? TwoDigits(text.data()) : 0;
         const int low = TwoDigits(text.data() + text.size() - 2);
@@ -62,7 +51,7 @@ bool IsFlag(std::string_view text)
     return text.size() == 1 && (text[0] == 'Y' || text[0] == 'N');
 }
 
-// The time of two fields. Nearly all are two digits each.
+// The time of two fields. Nearly all have two digits each.
 std::optional<TimeOfDay> TimeOf(std::string_view hour, std::string_view minute)
 {
     if (hour.size() == 2 && minute.size() == 2) {
@@ -84,12 +73,12 @@ ReminderRecord ReadReminder(std::string_view slot)
     std::size_t at = 0;
     bool whole = true;
     const auto next = [&](std::size_t usual) -> std::string_view {
-        // A length that the end cuts in two says nothing.
+        // A length that is cut in two by the end is not read.
         if (at + 2 > slot.size())
             return {};
         const std::size_t length = LengthAt(slot, at);
         at += 2;
-        // Comparing with the usual length lets the processor go on before it knows the length.
+        // Comparing with the usual length lets the processor go on before it has read the length.
         if (length == usual && at + usual <= slot.size()) {
             at += usual;
             return {slot.data() + at - usual, usual};
@@ -100,7 +89,7 @@ ReminderRecord ReadReminder(std::string_view slot)
         return field;
     };
     constexpr std::size_t any = ReminderSlotSize;
-    // In the order of the fields, as braces have it.
+    // Braces guarantee that the fields are read in order.
     ReminderRecord record{next(any), next(2), next(2), next(4), next(2), next(2), next(any), next(1)};
     record.Whole = whole;
     return record;
@@ -120,27 +109,14 @@ std::string WriteReminder(const ReminderRecord& record)
     return bytes;
 }
 
-std::string Padded(std::int32_t value, std::size_t digits)
-{
-    std::string text = std::to_string(value < 0 ? -std::int64_t{value} : value);
-    if (text.size() < digits)
-        text.insert(0, digits - text.size(), '0');
-    return value < 0 ? "-" + text : text;
-}
-
 bool IsRealDate(int day, int month, int year)
 {
-    static constexpr std::array<int, 12> lengths{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (month < 1 || month > 12 || year < 100 || year > 9999 || day < 1)
-        return false;
-    if (month == 2 && day == 29)
-        return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return day <= lengths.at(static_cast<std::size_t>(month - 1));
+    return IsCalendarDate({year, month, day});
 }
 
 std::optional<TimeOfDay> ParseTime(std::string_view text)
 {
-    // Only ASCII passes, so that bytes are characters.
+    // Only ASCII characters pass, so bytes can be counted as characters.
     const std::string_view time = Trimmed(text);
     if (time.size() != 5 || time[2] != ':')
         return std::nullopt;

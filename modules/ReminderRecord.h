@@ -1,5 +1,5 @@
-// One reminder: as the program has it, and as it stands in the file: eight texts in a slot of 128 bytes, and what they
-// may be.
+// One reminder, as the program has it and as the file has it: eight texts in a slot of 128 bytes. Also checks whether
+// such texts are valid.
 #pragma once
 
 #include <cstddef>
@@ -24,9 +24,6 @@ struct Reminder {
 };
 
 inline constexpr std::size_t ReminderSlotSize = 128;
-/// What a title and a description may take up together: the slot without eight lengths of two bytes and without the
-/// two, two, four, two, two and one bytes of day, month, year, hour, minute and flag.
-inline constexpr std::size_t ReminderTextSize = ReminderSlotSize - std::size_t{8} * 2 - 13;
 
 /// The fields in their order in the slot. Each is stored as its length in bytes (16 bits, low byte first) and its
 /// bytes.
@@ -39,34 +36,32 @@ struct ReminderRecord {
     std::string_view Minute;
     std::string_view Description;
     std::string_view Done;
-    bool Whole = true; ///< no length points past the slot
+    bool Whole = true; ///< no length reaches past the slot
 };
 
-/// Reads a slot's bytes, of which a file's end may have left fewer than 128: what it lacks is empty. The fields are
-/// parts of `slot`.
+/// Reads the bytes of a slot; at the end of a file there may be fewer than 128. Fields that are missing are empty. The
+/// fields are parts of `slot`.
 ReminderRecord ReadReminder(std::string_view slot);
-/// The bytes of a record; more than 128 when it does not fit a slot.
+/// The bytes of a record: more than 128 when it does not fit its slot.
 std::string WriteReminder(const ReminderRecord& record);
 
-/// A number in decimal with at least so many digits, zeros in front and the sign before them ("-08").
-std::string Padded(std::int32_t value, std::size_t digits);
-/// Whether there is such a day in the Gregorian calendar of the years 100 to 9999, those of the date type.
+/// Whether the Gregorian calendar has this day in the years 100 to 9999, the years of the date type.
 bool IsRealDate(int day, int month, int year);
 
 struct TimeOfDay {
     std::int16_t Hour = 0;
     std::int16_t Minute = 0;
 };
-/// The time a text of the form HH:MM stands for, blanks round it aside; none for anything else.
+/// The time of day of a text of the form HH:MM, which may have blanks at its ends; nothing for any other text.
 std::optional<TimeOfDay> ParseTime(std::string_view text);
 
-/// A record's day and time, in a reminder that has nothing else yet; none when the record is not valid. It is
-/// valid when it is whole, its day, month and year are 1 to 4 digits each, blanks round them aside, and make a real
-/// date, its hour, a colon and its minute make a time, and its flag is Y or N, blanks round it aside.
+/// A record's day and time as a reminder whose other fields are empty; nothing when the record is not valid. A record
+/// is valid when it is whole, its day, month and year have 1 to 4 digits each and form a real date, its hour, a colon
+/// and its minute form a time for ParseTime, and its flag is Y or N. Blanks at the ends of these texts do not matter.
 std::optional<Reminder> Validate(const ReminderRecord& record);
 
-/// The number that a text of digits, a sign before them or not, stands for, blanks round it aside; none for anything
-/// else, and what is beyond 32 bits is the nearest number within.
+/// The number of a text of decimal digits, which may have a sign in front and blanks at its ends; nothing for any other
+/// text. A number of more than 32 bits becomes 2147483647 or its negative.
 std::optional<std::int32_t> WholeNumber(std::string_view text);
 
 } // namespace voxmate

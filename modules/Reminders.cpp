@@ -1,4 +1,4 @@
-// Loading and saving the reminders, and what the user is told of it.
+// Loads and saves the reminders, and tells the user what went wrong.
 #include "modules/Reminders.h"
 
 #include "base/Text.h"
@@ -16,7 +16,7 @@ namespace voxmate
 namespace
 {
 
-// Retries are a second apart. What another program holds is mostly free again within the first ones.
+// Retries are one second apart. A file that another program holds is usually free again within the first few.
 constexpr int QuickRetries = 5;
 constexpr int SeldomRetry = 10;
 
@@ -25,7 +25,7 @@ bool IsTooLong(const RuntimeError& error)
     return error.Number == BadRecordLength().Number;
 }
 
-// Another program has the file, for a moment as a rule.
+// Whether another program has the file open, which usually lasts only a moment.
 bool IsHeld(const RuntimeError& error)
 {
     return error.Number == PermissionDenied().Number;
@@ -50,8 +50,8 @@ void Reminders::BeginRetrying()
     program_.Main->EnableReminderRetry(true);
 }
 
-// Puts the answers that are not in the file into the list as it was read; those to reminders that are no longer as they
-// were announced have gone to none.
+// Puts the answers that are not in the file yet into the list that was just read. Answers to reminders that are no
+// longer as they were announced are dropped.
 void Reminders::AnswerAgain()
 {
     std::erase_if(List.RemUnsaved, [this](const Answer& answer) {
@@ -61,7 +61,7 @@ void Reminders::AnswerAgain()
     });
 }
 
-// Reads the open data file into the list, and into the editor's; true when every record is valid.
+// Reads the open data file into the list, and with `fillList` into the editor's; true when every record is valid.
 bool Reminders::ReadReminderRecords(bool fillList, std::int16_t selectIndex)
 {
     List.RemindersValid = False;
@@ -84,7 +84,7 @@ bool Reminders::ReadReminderRecords(bool fillList, std::int16_t selectIndex)
     return true;
 }
 
-// The file has something that is no reminder: what becomes of it is the user's decision.
+// Asks the user what to do with a file that holds something other than reminders.
 void Reminders::AskAboutInvalidFile(bool fillList)
 {
     if (fillList)
@@ -106,7 +106,7 @@ void Reminders::AskAboutInvalidFile(bool fillList)
     ReminderMessage(refusal, vbOKOnly + vbCritical, "Decline");
 }
 
-// What a load does while it holds the file.
+// The part of a load during which the file is locked.
 void Reminders::LoadHeld(bool fillList, std::int16_t selectIndex)
 {
     const ReminderFile::Held held = File.HoldReminders();
@@ -122,14 +122,15 @@ void Reminders::LoadHeld(bool fillList, std::int16_t selectIndex)
         File.DeleteStaleCopy();
 }
 
-// Loads the list; the run-time error that kept the file from being read, if one did. While one load asks about an
-// invalid file, announcement windows may end and want another: that one's answer holds for both.
+// Loads the list. Returns the run-time error that kept the file from being read, if there was one. While a load asks
+// about an invalid file, an announcement window may close and want another load. That one does nothing, because the
+// user's decision holds for both.
 std::optional<RuntimeError> Reminders::Load(bool fillList, std::int16_t selectIndex)
 {
     const Command load(loading_);
     if (!load.Begun())
         return std::nullopt;
-    // What a load that could not read the file has switched off does not tell what the user wants.
+    // After a load that could not read the file, reminders are off without the user having wanted it.
     if (!unread_)
         wereEnabled_ = program_.Main->EnableRemindersChecked();
     SwitchReminders(false);
@@ -149,7 +150,7 @@ std::optional<RuntimeError> Reminders::Load(bool fillList, std::int16_t selectIn
     return std::nullopt;
 }
 
-// Shows a box about the file, unless one is up already: several announcements may be answered at a time.
+// Shows a box about the file, unless one is up already: several announcements may be answered at the same time.
 void Reminders::Tell(const std::vector<std::string>& lines)
 {
     if (const Command tell(telling_); tell.Begun())
@@ -174,14 +175,14 @@ void Reminders::AddWhereTheyAre(std::vector<std::string>& lines)
     } else if (File.CopyExists()) {
         lines.insert(lines.end(), {"All of them are in this file:", File.CopyPath()});
     } else {
-        // The list in memory is all there is.
+        // There is only the list in memory.
         lines.insert(lines.end(),
                      {"They are kept in memory until Voxmate ends. Their file should be:", File.ReminderFilePath});
     }
     lines.emplace_back();
 }
 
-// Tells why something could not be saved, once the list is what the file holds again.
+// Reads the list anew from the file, then tells the user why something could not be saved.
 void Reminders::TellOfUnsavedList(const RuntimeError& error, const std::string& reason)
 {
     std::vector<std::string> lines{"The reminders could not be saved: " + reason, ""};
@@ -208,13 +209,14 @@ void Reminders::TellOfUnsavedAnswers(const RuntimeError& error)
     Tell(lines);
 }
 
-// Saves the list; the error, if there was one. Where another program has left an invalid file, the user is asked.
+// Saves the list and returns the error, if there was one. For an invalid file that another program has left, the user
+// is asked by the load that follows.
 std::optional<RuntimeError> Reminders::SaveForAnswers()
 {
     try {
         File.WriteReminders(0);
     } catch (const RuntimeError& error) {
-        // What another program has made of the file could not be read: it is read when that can be done.
+        // The file that another program has changed could not be read. It will be read when that is possible.
         if (List.RemindersValid == False && !unread_) {
             wereEnabled_ = program_.Main->EnableRemindersChecked();
             unread_ = true;
@@ -225,7 +227,7 @@ std::optional<RuntimeError> Reminders::SaveForAnswers()
     return std::nullopt;
 }
 
-// Reads the file without asking the user anything; true when there is a list now.
+// Reads the file without asking the user anything; true when the list was read.
 bool Reminders::ReadQuietly()
 {
     const ReminderFile::Held held = File.HoldReminders();
@@ -262,14 +264,8 @@ void Reminders::TellOfListReadAnew()
 
 bool Reminders::TrySaveReminders(std::int16_t skipIndex)
 {
-    if (List.RemindersValid == False) {
-        LoadReminders(false, 0);
-        if (List.RemindersValid != False)
-            TellOfListReadAnew();
-        return false;
-    }
     try {
-        if (File.WriteReminders(skipIndex))
+        if (List.RemindersValid != False && File.WriteReminders(skipIndex))
             return true;
     } catch (const RuntimeError& error) {
         const std::int32_t tooLong = IsTooLong(error) ? List.TooLongEntry(skipIndex) : 0;
@@ -278,7 +274,8 @@ bool Reminders::TrySaveReminders(std::int16_t skipIndex)
                                                               List.Encoded(tooLong)));
         return false;
     }
-    // Another program has changed what was to be changed here, or has left something invalid.
+    // The last load found the file invalid, or another program has changed what was to be changed here or has left
+    // something invalid.
     LoadReminders(false, 0);
     if (List.RemindersValid != False)
         TellOfListReadAnew();
@@ -311,7 +308,7 @@ bool Reminders::KeepAnswer(const Answer& answer)
         List.Set(id, answer.Before);
         return false;
     }
-    // A reminder whose answer is not in the file yet may be announced and answered again.
+    // Before an answer is in the file, its reminder may be announced and answered again.
     const auto earlier = std::ranges::find(List.RemUnsaved, answer.Before, &Answer::After);
     if (earlier != List.RemUnsaved.end())
         earlier->After = answer.After;
@@ -345,7 +342,7 @@ void Reminders::SaveLastAnswers()
     try {
         if (List.RemindersValid != False || (unread_ && ReadQuietly()))
             File.WriteReminders(0);
-    } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): the end is no time to ask
+    } catch (const RuntimeError&) { // NOLINT(bugprone-empty-catch): the ending program asks no questions
     }
 }
 
@@ -357,9 +354,9 @@ void Reminders::RetryReminders()
     if (retries_ > QuickRetries && retries_ % SeldomRetry != 0)
         return;
     const bool tell = retries_ >= QuickRetries;
-    // A load may want to ask something, for which it waits until no box is up.
+    // A load may have to ask something, so it waits until no box is up.
     if (unread_ && program_.Messages.IsBusy == False) {
-        // Later the user may have typed something into the editor, which filling it would overwrite.
+        // Later the user may have typed something into the editor, and filling it would overwrite that.
         const bool fill = std::exchange(editorWaits_, false) && retries_ <= QuickRetries;
         const std::optional<RuntimeError> error = Load(fill, editorIndex_);
         if (error && tell && !toldUnread_)
@@ -392,12 +389,12 @@ void Reminders::EnableReminders()
         return;
     if (RemindersUnread()) {
         wereEnabled_ = true;
-        // A user who has asked for the file is told at once when it cannot be read.
+        // A user who switches reminders on is told at once when the file cannot be read.
         if (const std::optional<RuntimeError> error = Load(false, 0)) {
             BeginRetrying();
             TellOfUnreadFile(*error);
         }
-        // The user has been told why there is no list, or has had the file emptied, which has switched them on.
+        // The user has been told why there is no list, or has had the file emptied, which switches reminders on.
         if (List.RemindersValid == False)
             return;
     }

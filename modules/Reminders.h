@@ -1,9 +1,10 @@
-// The reminders: the list in memory, its file, and what the user is told of it.
+// The reminders: the list in memory, its file, and the messages about them to the user.
 #pragma once
 
 #include "modules/ReminderFile.h"
 #include "modules/ReminderList.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,6 +15,9 @@ namespace voxmate
 
 class Program;
 class RuntimeError;
+
+/// The colours of alert windows, 0x00BBGGRR: yellow, blue, red and green, as the setting RemAlertColor numbers them.
+inline constexpr std::array<std::int32_t, 4> AlertColors{0xC0FFFF, 0xFFC3A0, 0xC8C8FF, 0xC8FFC8};
 
 class Reminders
 {
@@ -29,49 +33,43 @@ public:
                         const std::string& animation2 = {}, const std::string& animation3 = {},
                         const std::string& animation4 = {});
 
-    /// Reads the whole file into the list and switches the reminder timer accordingly; tells the user of an invalid
-    /// file. With `fillList` the editor's list is filled, too, and its item `selectIndex` (0 means 1) selected. A save
-    /// that was cut off between the old file and the new one is completed first. A missing file is an empty list. A
-    /// file that cannot be read leaves reminders off; it is told of in a box, when another program has it open only
-    /// after a while, and tried again (RetryReminders).
+    /// Reads the whole file into the list and switches the reminder timer accordingly. With `fillList` it also fills
+    /// the editor's list and selects its item `selectIndex` (0 means 1). An interrupted save is completed first. A
+    /// missing file means an empty list. For an invalid file the user is asked what to do. A file that cannot be read
+    /// leaves reminders switched off and is tried again (RetryReminders); a box says so, but only after a while if
+    /// another program has the file open.
     void LoadReminders(bool fillList, std::int16_t selectIndex);
-    /// Writes the whole list to the file, leaving out entry `skipIndex` (0: none). Raises run-time error 59 "Bad record
-    /// length" when an entry does not fit its slot of 128 bytes, and the file system's errors; the file is then as
-    /// before, or its temporary copy holds all that was to be saved. What another program has changed in the file
-    /// meanwhile stays.
-    void SaveReminders(std::int16_t skipIndex) { File.WriteReminders(skipIndex); }
-    /// Writes one reminder behind the last one of the file, in place. Raises the same errors.
-    void AppendReminder(const Reminder& reminder) { File.AppendRecord(Encoded(reminder)); }
-    /// The same for event handlers. Where that fails, or the list is not what the file holds because the last load
-    /// found it invalid, nothing is lost: the list is read anew from the file, a box says what could not be saved and
-    /// why, and the answer is false.
+    /// Writes the list to the file without entry `skipIndex` (0: none), or one reminder behind the file's last one.
+    /// Where that fails, or the list is not what the file holds because the last load found it invalid, nothing is
+    /// lost: the list is read anew from the file, a box says what could not be saved and why, and the result is false.
     bool TrySaveReminders(std::int16_t skipIndex);
     bool TryAppendReminder(const Reminder& reminder);
-    /// Tells the user that a change was made to a list which the file no longer holds.
+    /// Tells the user that the last change is lost, because the file no longer held the list that it was made in.
     void TellOfListReadAnew();
-    /// Stores an answer, whose reminder the list has unless the file cannot be read just now, and keeps it until it is
-    /// saved; false when the reminder it makes is too long for the file.
+    /// Puts an answer into the list and keeps it until it is saved. The list has its reminder, unless the file cannot
+    /// be read just now. False when the reminder would become too long for the file.
     bool KeepAnswer(const Answer& answer);
-    /// Saves the list with the answers that are not in the file yet, and loads it again. What fails is told of once and
-    /// tried again.
+    /// Saves the list with the answers that are not in the file yet, and loads it again. When that fails, a box says so
+    /// once, and it is tried again.
     void SaveAnswers();
-    /// Tries once more to save the answers that are not in the file yet, because the program is about to end; raises
-    /// nothing.
+    /// Tries a last time to save the answers that are not in the file yet, because the program is about to end. Raises
+    /// no error.
     void SaveLastAnswers();
-    /// Once a second while something is to be tried again: reads a file that could not be read and saves answers that
-    /// could not be saved. After five times it tries every tenth time only.
+    /// Reads a file that could not be read, and saves answers that could not be saved. Called once a second while there
+    /// is something to try again. After the first five calls, only every tenth call tries.
     void RetryReminders();
-    /// Tells the user that a reminder as an answer would make it is too long for the file.
+    /// Tells the user that an answer would make a reminder, here `after`, too long for the file.
     void TellOfTooLongAnswer(const Reminder& after);
-    /// Whether nothing is known of what the file holds now: the last load could not read it, or emptied it.
+    /// Whether the list says nothing about the file's content: the last load could not read the file, or emptied it.
     bool RemindersUnread() const { return unread_ || emptied_; }
-    /// What the user wants when a file that cannot be read now has been read.
+    /// Sets whether reminders are to be switched on once a file that cannot be read now has been read.
     void WantReminders(bool wanted) { wereEnabled_ = wanted; }
 
-    /// The menu's commands: switch reminders on, unless the file is invalid; ask and switch them off.
+    /// The menu's commands. EnableReminders switches reminders on, unless the file is invalid. DisableReminders asks
+    /// the user and switches them off.
     void EnableReminders();
     void DisableReminders();
-    /// Shows the editor with every reminder.
+    /// Shows the editor with all reminders.
     void ShowAllReminders();
     /// Puts entry `id` into the editor's fields.
     void ShowReminderInEditor(std::int16_t id);
@@ -82,11 +80,11 @@ private:
     bool unread_ = false;          ///< the last load could not read the file
     bool emptied_ = false;         ///< the last load emptied the file, as the user wanted
     bool wereEnabled_ = false;     ///< reminders were on before the load that could not read the file
-    bool editorWaits_ = false;     ///< that load was to fill the editor's list, too,
+    bool editorWaits_ = false;     ///< that load was also to fill the editor's list
     std::int16_t editorIndex_ = 0; ///< and to select this item
     bool telling_ = false;         ///< the box about a file's error is up
-    bool toldUnread_ = false;      ///< the user knows that the file cannot be read, or
-    bool toldUnsaved_ = false;     ///< that answers cannot be saved
+    bool toldUnread_ = false;      ///< the user has been told that the file cannot be read
+    bool toldUnsaved_ = false;     ///< the user has been told that answers cannot be saved
     int retries_ = 0;
 
     void SwitchReminders(bool on);
@@ -105,10 +103,11 @@ private:
     void TellOfUnsavedAnswers(const RuntimeError& error);
 };
 
-/// Whether a text is a time of day of the form HH:MM, blanks round it aside.
+/// Whether a text is a time of day of the form HH:MM; it may have blanks at its ends.
 bool IsValidTime(const std::string& text);
-/// Whether a text is a whole number, blanks round it aside: decimal digits, a sign before them or not, and nothing else
-/// (no separators, points or exponents, so that no locale can read it otherwise). Without `allowZero` it is above 0.
+/// Whether a text is a whole number, without `allowZero` one above 0. The text may have blanks at its ends and a sign;
+/// otherwise it has only decimal digits. Separators, points and exponents are not allowed, because their meaning
+/// depends on the locale.
 bool IsWholeNumber(const std::string& text, bool allowZero);
 
 } // namespace voxmate

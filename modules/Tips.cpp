@@ -12,7 +12,7 @@ void Tips::ShowTipOfTheDay(bool /*fromStartUp*/)
     TipWindow& window = program_.Main->Tip();
     window.SetChecks(program_.Settings.ShowTipAtStartUp, program_.Settings.AutoReadTip);
     const DateTime now = program_.Host.Time.Now();
-    // Every second of a year has its own.
+    // Every second of a year has a seed of its own.
     SeedTips(static_cast<std::uint32_t>(
         ((((now.year * 12 + now.month) * 31 + now.day) * 24 + now.hour) * 60 + now.minute) * 60LL + now.second));
     if (!LoadTips(program_.ProgramPath(TipsFile))) {
@@ -38,7 +38,8 @@ bool Tips::LoadTips(const std::string& path)
 
 void Tips::PickRandomTip()
 {
-    // A random number from 0 up to, and not including, 1; exact in a double, so that the last tip is never passed.
+    // A random number from 0 up to but not including 1. A double holds it exactly, so the result is at most the last
+    // tip.
     const double random = static_cast<double>(generator_()) / 4294967296.0;
     CurrentTip = static_cast<std::int32_t>(random * static_cast<double>(All.size()) + 1);
     program_.Main->Tip().DisplayCurrentTip();

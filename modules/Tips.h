@@ -1,4 +1,4 @@
-// The tip of the day: the list of tips and the choice among them.
+// The tip of the day: the list of tips, and the choice of one.
 #pragma once
 
 #include <cstdint>
@@ -18,23 +18,23 @@ class Tips
 public:
     explicit Tips(Program& program) : program_(program) {}
 
-    /// All tips: tip k is entry k - 1. The list is never emptied while the program runs; every opening of the tip
-    /// window appends the whole file once more, which leaves all of its lines equally likely.
+    /// All tips; tip k is entry k - 1. The list is never emptied while the program runs. Each time the tip window
+    /// opens, the whole file is appended once more, so all of its lines stay equally likely.
     std::vector<std::string> All;
-    /// Number of the tip shown, from 1; 0 before the first.
+    /// Number of the tip on show, from 1; 0 before the first one.
     std::int32_t CurrentTip = 0;
 
-    /// Makes the choices that follow repeatable.
+    /// Seeds the random choice, so that the choices that follow can be repeated.
     void SeedTips(std::uint32_t seed) { generator_.seed(seed); }
-    /// Fills the tip window, which is on the screen already, with a tip of the program directory's file, and reads it
-    /// aloud if that is set. Whether it was called at start-up makes no difference.
+    /// Fills the tip window, which is already on the screen, with a tip from the file in the program directory, and
+    /// reads it aloud if that is set. `fromStartUp` makes no difference.
     void ShowTipOfTheDay(bool fromStartUp);
-    /// Appends the file's lines, each a tip as it stands, and picks one; false when the path is empty or no file is
-    /// there. What goes wrong while reading is raised.
+    /// Appends the file's lines to the list, each unchanged as one tip, and picks a tip. Returns false when the path is
+    /// empty or there is no such file. Errors while reading are raised.
     bool LoadTips(const std::string& path);
-    /// Makes any one of the tips the current one and has the window show it.
+    /// Makes a random tip the current one and has the window show it.
     void PickRandomTip();
-    /// Has the character read the window's text.
+    /// Has the character read the text of the tip window.
     void ReadTipAloud();
 
 private:

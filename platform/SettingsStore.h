@@ -1,9 +1,11 @@
 // The settings store: one hive of keys with typed raw values, reached by five calls with Win32 names and result codes.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace voxmate
 {
@@ -15,9 +17,15 @@ inline constexpr std::int32_t ERROR_ACCESS_DENIED = 5;
 inline constexpr std::int32_t ERROR_INVALID_HANDLE = 6;
 inline constexpr std::int32_t ERROR_MORE_DATA = 234;
 inline constexpr std::uint32_t REG_SZ = 1;
+inline constexpr std::uint32_t REG_BINARY = 3;
 inline constexpr std::uint32_t REG_DWORD = 4;
 inline constexpr std::uint32_t KEY_READ = 0x20019;
 inline constexpr std::uint32_t KEY_WRITE = 0x20006;
+/// The predefined roots in the order of their handles, which begin with FirstRootKey (winreg.h).
+inline constexpr std::uint32_t FirstRootKey = 0x80000000;
+inline constexpr std::array<std::string_view, 7> RootKeys{
+    "HKEY_CLASSES_ROOT",     "HKEY_CURRENT_USER",   "HKEY_LOCAL_MACHINE", "HKEY_USERS",
+    "HKEY_PERFORMANCE_DATA", "HKEY_CURRENT_CONFIG", "HKEY_DYN_DATA"};
 
 class SettingsStore
 {

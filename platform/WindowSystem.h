@@ -55,9 +55,6 @@ struct BrowseInfo {
     std::uint32_t flags = 0;
 };
 
-/// Run-time error of a cancelled common dialog (cdlCancel).
-inline constexpr std::int32_t cdlCancel = 32755;
-
 /// The common dialog's settings and its answer.
 struct CommonDialog {
     std::string Filter; ///< pairs of description and pattern, separated by bars: "Text Files (*.txt)|*.txt"

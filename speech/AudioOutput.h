@@ -1,6 +1,8 @@
 // The sound output device: takes mono 16-bit samples and plays them as they come.
 #pragma once
 
+#include "platform/Agent.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -34,10 +36,10 @@ class AudioOutput
 {
 public:
     virtual ~AudioOutput() = default;
-    enum class State { Available, NoDevice, CannotOpen, Other };
-    virtual State Check() = 0;
+    /// Available, NoSupport (no device), CannotOpen, or Unknown for any other state.
+    virtual AudioStatus Check() = 0;
     /// Whether a stream can be opened now. Unlike Check and Open it never waits for a device that may still appear.
-    virtual bool Ready() { return Check() == State::Available; }
+    virtual bool Ready() { return Check() == AudioStatus::Available; }
     /// Opens a stream and starts pulling samples. Returns at once, possibly while the device is still opening.
     /// `drained` is called once on the user-interface thread when the source has ended and its last sample has been
     /// heard; `failed` is called instead when the device cannot be opened after all or stops working. Either may

@@ -2,6 +2,8 @@
 // user-interface thread, timed by the sound output's clock, which word, mouth and bookmark is being heard.
 #pragma once
 
+#include "platform/Agent.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -58,8 +60,8 @@ class VoiceOutput
 {
 public:
     virtual ~VoiceOutput() = default;
-    /// 0 available, 1 no output device, 2 the device cannot be opened, 4 speaking, 6 any other state.
-    virtual int Status() = 0;
+    /// Available, NoSupport (no output device), CannotOpen, CharacterSpeaking, or Unknown for any other state.
+    virtual AudioStatus Status() = 0;
     /// Starts speaking; sound begins before synthesis is complete. Only one utterance runs at a time: a running one is
     /// stopped.
     virtual void Start(Utterance utterance, VoiceEvents events) = 0;

@@ -127,17 +127,11 @@ void Balloon::Hide()
 
 void Balloon::Follow()
 {
-    const Rect area = Area(body_());
+    const Rect area = stage_.WorkArea(body_().Middle());
     if (Wanted() && Size{area.width, area.height} != room_)
         LayOut();
     else
         Update();
-}
-
-/// The work area on which the balloon of `body` belongs.
-Rect Balloon::Area(const Rect& body) const
-{
-    return stage_.WorkArea({body.x + body.width / 2, body.y + body.height / 2});
 }
 
 /// Breaks the text into lines for the present style and font, and computes the bubble's size.
@@ -147,7 +141,7 @@ void Balloon::LayOut()
         Update();
         return;
     }
-    const Rect area = Area(body_());
+    const Rect area = stage_.WorkArea(body_().Middle());
     room_ = {area.width, area.height};
     // The font may have any size, so products of its measures are computed in 64 bits.
     const std::int64_t characters = std::max(1u, (style_ & BalloonCharactersMask) >> 16);
@@ -191,7 +185,7 @@ void Balloon::Update()
     }
     view.lineHeight = lineHeight_;
     const Rect body = body_();
-    const BalloonPlace place = PlaceBalloon(size_, body, Area(body));
+    const BalloonPlace place = PlaceBalloon(size_, body, stage_.WorkArea(body.Middle()));
     view.bubble = place.bubble;
     view.tailTip = place.tailTip;
     view.font = font_;

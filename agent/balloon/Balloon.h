@@ -46,7 +46,6 @@ public:
 private:
     bool Has(std::uint32_t bit) const { return (style_ & bit) != 0; }
     bool Wanted() const { return text_ && Has(BalloonOn); }
-    Rect Area(const Rect& body) const;
     void SettleHiding();
     void LayOut();
     void Update();

@@ -22,9 +22,8 @@ bool GoesOn(const Animation& leaving, const Frame& shown, const Animation& next)
     if (&leaving == &next || leaving.transition != Transition::ReturnAnimation ||
         next.transition != Transition::ReturnAnimation || !EqualNoCase(leaving.returnAnimation, next.returnAnimation))
         return false;
-    const auto first =
-        std::find_if(next.frames.begin(), next.frames.end(), [](const Frame& frame) { return frame.duration > 0; });
-    return first != next.frames.end() && first->images == shown.images;
+    const Frame* const first = next.FirstDrawn();
+    return first && first->images == shown.images;
 }
 
 std::int64_t Milliseconds(const Frame& frame)

@@ -15,19 +15,11 @@ namespace
 constexpr int kRightMargin = 40;
 constexpr int kLowerMargin = 16;
 
-const Frame* FirstDrawn(const Animation* animation)
-{
-    if (!animation)
-        return nullptr;
-    const auto found = std::find_if(animation->frames.begin(), animation->frames.end(),
-                                    [](const Frame& frame) { return frame.duration > 0; });
-    return found == animation->frames.end() ? nullptr : &*found;
-}
-
 /// The neutral pose: the first frame of RestPose.
 const Frame* NeutralFrame(const AcsFile& file)
 {
-    return FirstDrawn(file.FindAnimation("RestPose"));
+    const Animation* const rest = file.FindAnimation("RestPose");
+    return rest ? rest->FirstDrawn() : nullptr;
 }
 
 /// A frame that can be drawn, preferably one to speak in, because that shows the whole figure.
@@ -43,11 +35,6 @@ const Frame* AnySound(const AcsFile& file, const Painter& painter)
             any = any ? any : &frame;
         }
     return any;
-}
-
-Point Middle(const Rect& rect)
-{
-    return {rect.x + rect.width / 2, rect.y + rect.height / 2};
 }
 
 Rect United(const Rect& a, const Rect& b)
@@ -76,8 +63,7 @@ Body::Body(Stage& stage, const AcsFile& file)
     };
     window_->Moved = [this](Point place) {
         TakePlace(place);
-        if (Moved)
-            Moved();
+        TellMoved();
     };
     Settle();
 }
@@ -93,7 +79,7 @@ void Body::Appear()
         // The character appears without a showing animation.
         const Frame* frame = neutral_;
         for (auto animation = file_.animations.begin(); !frame && animation != file_.animations.end(); ++animation)
-            frame = FirstDrawn(&*animation);
+            frame = animation->FirstDrawn();
         if (frame)
             animator_.Stand(*frame);
     }
@@ -125,8 +111,8 @@ void Body::Settle()
     Rect area;
     Rect wanted = Home();
     if (feet_) {
-        area = stage_.WorkArea(Middle(wanted));
-        displaced_ = !area.Contains(Middle(wanted));
+        area = stage_.WorkArea(wanted.Middle());
+        displaced_ = !area.Contains(wanted.Middle());
     } else {
         area = stage_.PrimaryWorkArea();
         wanted.x = area.Right() - size_.width - kRightMargin;
@@ -145,8 +131,7 @@ void Body::SetScreenSize(Size size)
     size_ = size;
     Redraw();
     Settle();
-    if (Moved)
-        Moved();
+    TellMoved();
 }
 
 void Body::DragTo(Point topLeft, Point pointer)
@@ -161,26 +146,23 @@ void Body::DragTo(Point topLeft, Point pointer)
     if (!moves)
         return;
     window_->MoveTo(place_);
-    if (Moved)
-        Moved();
+    TellMoved();
 }
 
 void Body::StandAt(Point feet)
 {
     feet_ = feet;
     Settle();
-    if (Moved)
-        Moved();
+    TellMoved();
 }
 
 void Body::ComeBack()
 {
-    const Point middle = Middle(OnScreen());
+    const Point middle = OnScreen().Middle();
     if (stage_.WorkArea(middle).Contains(middle))
         return;
     Settle();
-    if (Moved)
-        Moved();
+    TellMoved();
 }
 
 void Body::ScreensChanged()
@@ -188,7 +170,7 @@ void Body::ScreensChanged()
     if (!visible_)
         return;
     const Rect home = Home();
-    if (displaced_ && stage_.WorkArea(Middle(home)).Contains(Middle(home))) {
+    if (displaced_ && stage_.WorkArea(home.Middle()).Contains(home.Middle())) {
         displaced_ = false;
         place_ = {home.x, home.y};
         window_->MoveTo(place_);
@@ -198,8 +180,7 @@ void Body::ScreensChanged()
         ComeBack();
     }
     // Even if the body stays where it is, the room for its balloon has changed.
-    if (Moved)
-        Moved();
+    TellMoved();
 }
 
 /// Notes that the user has put the window at `place`.

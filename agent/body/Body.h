@@ -21,8 +21,6 @@ public:
     /// Both references outlive the body.
     Body(Stage& stage, const AcsFile& file);
     ~Body();
-    Body(const Body&) = delete;
-    Body& operator=(const Body&) = delete;
 
     /// A mouse event on the character.
     std::function<void(const MouseEvent&)> Mouse;
@@ -89,6 +87,11 @@ private:
     void StopSound();
     void Settle();
     void TakePlace(Point place);
+    void TellMoved() const
+    {
+        if (Moved)
+            Moved();
+    }
     Rect Home() const;
     Rect OnScreen() const { return {place_.x, place_.y, size_.width, size_.height}; }
 

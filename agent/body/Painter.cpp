@@ -16,9 +16,8 @@ Painter::Painter(const AcsFile& file, CharacterWindow& window) : file_(file), wi
 
 Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
 {
-    const auto overlay = std::find_if(frame.overlays.begin(), frame.overlays.end(),
-                                      [&](const Overlay& candidate) { return candidate.mouth == mouth; });
-    const std::size_t front = overlay != frame.overlays.end() && overlay->replaceFront ? 1 : 0;
+    const Overlay* const overlay = frame.OverlayFor(mouth);
+    const std::size_t front = overlay && overlay->replaceFront ? 1 : 0;
     Key key;
     key.reserve(frame.images.size() * 3 + 5);
     for (std::size_t i = front; i < frame.images.size(); ++i) {
@@ -27,7 +26,7 @@ Painter::Key Painter::KeyOf(const Frame& frame, int mouth)
         key.push_back(image.x);
         key.push_back(image.y);
     }
-    if (overlay != frame.overlays.end()) {
+    if (overlay) {
         // An overlay's part of the key ends with a number that no image's vertical position has, so that the two cannot
         // be mistaken for each other.
         constexpr std::int32_t overlayMark = 1 << 20;

@@ -27,32 +27,40 @@ std::string GuidText(const Guid& guid)
     return text + "}";
 }
 
+const Overlay* Frame::OverlayFor(int mouth) const
+{
+    const auto found = std::ranges::find(overlays, mouth, &Overlay::mouth);
+    return found == overlays.end() ? nullptr : &*found;
+}
+
+const Frame* Animation::FirstDrawn() const
+{
+    const auto found = std::ranges::find_if(frames, [](const Frame& frame) { return frame.duration > 0; });
+    return found == frames.end() ? nullptr : &*found;
+}
+
 std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
 {
-    const auto fail = [&path](const std::string& what) {
-        return AcsError("The character file \"" + path + "\" cannot be used: " + what + ".");
-    };
     const std::filesystem::path native(std::u8string(path.begin(), path.end()));
     std::error_code error;
     if (!std::filesystem::is_regular_file(native, error))
-        throw fail("there is no such file");
+        throw AcsError(path, "there is no such file");
     const std::uint64_t size = std::filesystem::file_size(native, error);
     if (error)
-        throw fail("it cannot be read");
+        throw AcsError(path, "it cannot be read");
     if (size > MaxFileSize)
-        throw fail("it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
+        throw AcsError(path, "it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
     std::ifstream in(native, std::ios::binary);
     if (!in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
-        throw fail("it cannot be read");
+        throw AcsError(path, "it cannot be read");
     return Parse(std::move(bytes), path);
 }
 
 IndexedImage AcsFile::DecodeImage(std::size_t index) const
 {
     const auto fail = [&](const std::string& what) {
-        return AcsError("The character file \"" + path + "\" cannot be used: image " + std::to_string(index) + " " +
-                        what + ".");
+        return AcsError(path, "image " + std::to_string(index) + " " + what);
     };
     if (index >= images_.size())
         throw fail("does not exist");
@@ -84,8 +92,7 @@ IndexedImage AcsFile::DecodeImage(std::size_t index) const
 std::span<const std::uint8_t> AcsFile::Sound(std::size_t index) const
 {
     if (index >= sounds_.size())
-        throw AcsError("The character file \"" + path + "\" cannot be used: sound " + std::to_string(index) +
-                       " does not exist.");
+        throw AcsError(path, "sound " + std::to_string(index) + " does not exist");
     return {bytes_.data() + sounds_[index].offset, sounds_[index].size};
 }
 
@@ -132,13 +139,11 @@ Bitmap ComposeFrame(const AcsFile& file, const Frame& frame, int mouth)
 {
     Bitmap canvas{file.width, file.height, {}};
     canvas.pixels.resize(std::size_t{file.width} * file.height);
-    const auto overlay = std::find_if(frame.overlays.begin(), frame.overlays.end(),
-                                      [&](const Overlay& candidate) { return candidate.mouth == mouth; });
-    const bool speaking = overlay != frame.overlays.end();
-    const std::size_t front = speaking && overlay->replaceFront ? 1 : 0;
+    const Overlay* const overlay = frame.OverlayFor(mouth);
+    const std::size_t front = overlay && overlay->replaceFront ? 1 : 0;
     for (std::size_t i = frame.images.size(); i > front; --i)
         Draw(file, frame.images[i - 1].image, frame.images[i - 1].x, frame.images[i - 1].y, canvas);
-    if (speaking)
+    if (overlay)
         Draw(file, overlay->image, overlay->x, overlay->y, canvas);
     return canvas;
 }

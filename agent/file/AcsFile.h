@@ -21,7 +21,11 @@ namespace voxmate::agent
 class AcsError : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    /// `what` is the fault, without a full stop.
+    AcsError(const std::string& path, const std::string& what)
+        : std::runtime_error("The character file \"" + path + "\" cannot be used: " + what + ".")
+    {
+    }
 };
 
 using Guid = std::array<std::uint8_t, 16>;
@@ -121,6 +125,8 @@ struct Frame {
     std::vector<Branch> branches;
     std::vector<Overlay> overlays;
     bool HasMouths() const { return !overlays.empty(); }
+    /// The overlay for a mouth; null when there is none.
+    const Overlay* OverlayFor(int mouth) const;
 };
 
 enum class Transition : std::uint8_t { ReturnAnimation = 0, ExitBranches = 1, None = 2 };
@@ -130,6 +136,8 @@ struct Animation {
     Transition transition = Transition::None;
     std::string returnAnimation;
     std::vector<Frame> frames;
+    /// The first frame that is drawn; null when there is none.
+    const Frame* FirstDrawn() const;
 };
 
 /// An image as stored in the file: palette indices bottom-up, rows padded to 4 bytes. It is decoded only on demand.

@@ -172,7 +172,7 @@ private:
 
 void AcsReader::Fail(const std::string& what) const
 {
-    throw AcsError("The character file \"" + file_.path + "\" cannot be used: " + what + ".");
+    throw AcsError(file_.path, what);
 }
 
 void AcsReader::Read()

@@ -241,51 +241,45 @@ std::vector<std::uint8_t> WriteAcs(const AcsDescription& d)
     const std::size_t imagesLocator = out.ReserveLocator();
     const std::size_t soundsLocator = out.ReserveLocator();
 
-    std::uint32_t start = out.Position();
-    const std::size_t namesLocator = WriteCharacter(out, d);
-    out.Locate(characterLocator, start);
-    start = out.Position();
-    WriteNames(out, d.names);
-    out.Locate(namesLocator, start);
+    // Writes something and fills its locator in.
+    const auto place = [&out](std::size_t locator, const auto& write) {
+        const std::uint32_t start = out.Position();
+        write();
+        out.Locate(locator, start);
+    };
+    std::size_t namesLocator = 0;
+    place(characterLocator, [&] { namesLocator = WriteCharacter(out, d); });
+    place(namesLocator, [&] { WriteNames(out, d.names); });
 
     // The lists come first, with their locators still open; what they point to follows.
     std::vector<std::size_t> animations;
-    start = out.Position();
-    out.U32(Fit<std::uint32_t>(d.animations.size(), "animations"));
-    for (const Animation& animation : d.animations) {
-        out.String(animation.name);
-        animations.push_back(out.ReserveLocator());
-    }
-    out.Locate(animationsLocator, start);
-    const auto list = [&out](std::size_t count, std::size_t locator, const char* what) {
-        std::vector<std::size_t> open;
-        const std::uint32_t listStart = out.Position();
-        out.U32(Fit<std::uint32_t>(count, what));
-        for (std::size_t i = 0; i < count; ++i) {
-            open.push_back(out.ReserveLocator());
-            out.U32(0); // the checksum, which no reader may rely on
+    place(animationsLocator, [&] {
+        out.U32(Fit<std::uint32_t>(d.animations.size(), "animations"));
+        for (const Animation& animation : d.animations) {
+            out.String(animation.name);
+            animations.push_back(out.ReserveLocator());
         }
-        out.Locate(locator, listStart);
+    });
+    const auto list = [&](std::size_t count, std::size_t locator, const char* what) {
+        std::vector<std::size_t> open;
+        place(locator, [&] {
+            out.U32(Fit<std::uint32_t>(count, what));
+            for (std::size_t i = 0; i < count; ++i) {
+                open.push_back(out.ReserveLocator());
+                out.U32(0); // the checksum, which no reader may rely on
+            }
+        });
         return open;
     };
     const std::vector<std::size_t> images = list(d.images.size(), imagesLocator, "images");
     const std::vector<std::size_t> sounds = list(d.sounds.size(), soundsLocator, "sounds");
 
-    for (std::size_t i = 0; i < animations.size(); ++i) {
-        start = out.Position();
-        WriteAnimation(out, d.animations[i]);
-        out.Locate(animations[i], start);
-    }
-    for (std::size_t i = 0; i < images.size(); ++i) {
-        start = out.Position();
-        WriteImage(out, d.images[i], d.compress);
-        out.Locate(images[i], start);
-    }
-    for (std::size_t i = 0; i < sounds.size(); ++i) {
-        start = out.Position();
-        out.Append(d.sounds[i]);
-        out.Locate(sounds[i], start);
-    }
+    for (std::size_t i = 0; i < animations.size(); ++i)
+        place(animations[i], [&] { WriteAnimation(out, d.animations[i]); });
+    for (std::size_t i = 0; i < images.size(); ++i)
+        place(images[i], [&] { WriteImage(out, d.images[i], d.compress); });
+    for (std::size_t i = 0; i < sounds.size(); ++i)
+        place(sounds[i], [&] { out.Append(d.sounds[i]); });
     return std::move(out.bytes);
 }
 

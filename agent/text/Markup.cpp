@@ -20,15 +20,6 @@ namespace
 using speech::Prosody;
 using speech::Segment;
 
-bool IsLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 struct Value {
     std::string text;
     bool quoted = false;
@@ -199,11 +190,12 @@ class Parser
 public:
     // Bytes that are not UTF-8 become U+FFFD, so that everything that reads the text later counts the same characters.
     explicit Parser(std::string_view text)
-        : repaired_(IsValidUtf8(text) ? std::string() : Repaired(text)), text_(repaired_.empty() ? text : repaired_)
+        : repaired_(IsValidUtf8(text) ? std::string() : EncodeUtf8(DecodeUtf8(text))),
+          text_(repaired_.empty() ? text : repaired_)
     {
     }
 
-    MarkedText Run()
+    ParsedText Run()
     {
         result_.shown.reserve(text_.size());
         std::size_t at = 0;
@@ -245,12 +237,6 @@ private:
             at += blank;
         return EqualNoCase(text_.substr(at, tag.size()), tag) &&
                !HasWord(text_.substr(std::min(at + tag.size(), text_.size())));
-    }
-
-    static std::string Repaired(std::string_view text)
-    {
-        const std::vector<char32_t> points = DecodeUtf8(text);
-        return EncodeUtf8({points.data(), points.size()});
     }
 
     /// Adds a piece of whole characters to the shown text and counts its words. The shown text begins and ends with a
@@ -459,7 +445,7 @@ private:
 
     const std::string repaired_; ///< the text with invalid bytes replaced; empty when there are none
     std::string_view text_;
-    MarkedText result_;
+    ParsedText result_;
     std::size_t shownEnd_ = 0; ///< end of the last word of the shown text
     Prosody prosody_;
     SpeechContext context_ = SpeechContext::Unknown;
@@ -473,7 +459,7 @@ private:
 
 } // namespace
 
-MarkedText ParseMarkup(std::string_view text)
+ParsedText ParseMarkup(std::string_view text)
 {
     return Parser(text).Run();
 }

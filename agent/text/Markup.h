@@ -10,7 +10,7 @@
 namespace voxmate::agent
 {
 
-struct MarkedText {
+struct ParsedText {
     std::vector<speech::Segment> segments; ///< what is to be heard
     std::string shown;                     ///< what the balloon shows: UTF-8, no blanks at its ends
     int words = 0;                         ///< words in `shown`
@@ -27,6 +27,6 @@ struct MarkedText {
 /// Pauses are clamped to 10 to 2550 ms, but a pause of 0 is none. Volumes above 65535 mean 65535. A pitch or speed of 0
 /// is malformed, and so is any number below 0 or of more than 32 bits. A bookmark's `firstWord` is the word it stands
 /// before.
-MarkedText ParseMarkup(std::string_view text);
+ParsedText ParseMarkup(std::string_view text);
 
 } // namespace voxmate::agent

@@ -2,6 +2,7 @@
 //
 // The library's own pitch parameter reaches at most an octave up and down. A voice definition may set any pitch without
 // changing the formants, so a voice is loaded from its own definition with our pitch line appended.
+#include "base/Text.h"
 #include "speech/Calibration.h"
 #include "speech/Engine.h"
 #include "speech/engines/EspeakMarkup.h"
@@ -236,11 +237,7 @@ bool InitialiseLibrary()
 // whichever tag comes first in the file.
 std::string TagOfFile(std::string_view key)
 {
-    std::string tag(key.substr(key.rfind('/') + 1));
-    for (char& c : tag)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return tag;
+    return LowerAscii(key.substr(key.rfind('/') + 1));
 }
 
 /// Finds the length in samples from the first sample that is not silence to the last.

@@ -1,5 +1,7 @@
 #include "speech/engines/FliteText.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -64,16 +66,6 @@ std::string Ascii(char32_t c)
     }
 }
 
-bool IsBlank(char c)
-{
-    return c == ' ' || c == '\n';
-}
-
-bool IsLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 // True for "Dr", "e.g" and initials: the full stop behind them does not end a sentence.
 bool IsAbbreviation(std::string_view word)
 {
@@ -134,9 +126,7 @@ std::vector<FliteSentence> SplitForFlite(const MarkedText& text)
 
     std::vector<FliteSentence> sentences;
     const auto cut = [&](std::size_t start, std::size_t end) {
-        const auto speakable = [](char c) {
-            return IsLetter(c) || (c >= '0' && c <= '9') || c == '$' || c == '%' || c == '&';
-        };
+        const auto speakable = [](char c) { return IsLetter(c) || IsDigit(c) || c == '$' || c == '%' || c == '&'; };
         if (std::none_of(ascii.begin() + static_cast<std::ptrdiff_t>(start),
                          ascii.begin() + static_cast<std::ptrdiff_t>(end), speakable))
             return;

@@ -15,8 +15,6 @@ void Shaper::SonicDeleter::operator()(sonicStreamStruct* stream) const
 
 Shaper::Shaper(int samplesPerSecond, SampleSink& sink) : rate_(samplesPerSecond), sink_(sink) {}
 
-Shaper::~Shaper() = default;
-
 void Shaper::Begin(const Shape& shape)
 {
     shape_ = shape;

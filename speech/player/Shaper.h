@@ -30,7 +30,6 @@ class Shaper
 {
 public:
     Shaper(int samplesPerSecond, SampleSink& sink);
-    ~Shaper();
     Shaper(const Shaper&) = delete;
     Shaper& operator=(const Shaper&) = delete;
 

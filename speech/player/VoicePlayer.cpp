@@ -21,6 +21,7 @@ constexpr std::int64_t ShortestWait = 2;
 // An event reported now is seen this many milliseconds later: it has to be drawn, and the screen shows it at its next
 // refresh, on average half of 1/60 s away.
 constexpr std::int64_t ScreenDelay = 15;
+
 } // namespace
 
 VoicePlayer::VoicePlayer(VoiceCatalog& catalog, AudioOutput& output) : catalog_(catalog), output_(output) {}
@@ -41,21 +42,9 @@ VoicePlayer::~VoicePlayer()
         worker_.join();
 }
 
-int VoicePlayer::Status()
+AudioStatus VoicePlayer::Status()
 {
-    if (current_)
-        return 4;
-    switch (output_.Check()) {
-    case AudioOutput::State::Available:
-        return 0;
-    case AudioOutput::State::NoDevice:
-        return 1;
-    case AudioOutput::State::CannotOpen:
-        return 2;
-    case AudioOutput::State::Other:
-        break;
-    }
-    return 6;
+    return current_ ? AudioStatus::CharacterSpeaking : output_.Check();
 }
 
 void VoicePlayer::PostToSelf(std::function<void()> action)
@@ -63,6 +52,14 @@ void VoicePlayer::PostToSelf(std::function<void()> action)
     output_.Post([alive = self_, action = std::move(action)] {
         if (!alive.expired())
             action();
+    });
+}
+
+void VoicePlayer::FailLater(const SpeakingPtr& speaking)
+{
+    PostToSelf([this, weak = std::weak_ptr(speaking)] {
+        if (const SpeakingPtr known = weak.lock())
+            End(known, false);
     });
 }
 
@@ -99,10 +96,7 @@ void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
 
     const VoiceCatalog::Entry* const entry = catalog_.Find(utterance.modeId);
     if (!entry) {
-        PostToSelf([this, weak = std::weak_ptr(speaking)] {
-            if (const SpeakingPtr known = weak.lock())
-                End(known, false);
-        });
+        FailLater(speaking);
         return;
     }
     const int rate = entry->engine->SampleRate(entry->voice);
@@ -182,10 +176,7 @@ void VoicePlayer::OpenStream(const SpeakingPtr& speaking, int samplesPerSecond)
     if (speaking->stream)
         Poll(speaking);
     else
-        PostToSelf([this, weak] {
-            if (const SpeakingPtr known = weak.lock())
-                End(known, false);
-        });
+        FailLater(speaking);
 }
 
 void VoicePlayer::Poll(const SpeakingPtr& speaking)

@@ -23,7 +23,7 @@ public:
     /// Stops at once and waits for the engine to return; no callback is made any more.
     ~VoicePlayer() override;
 
-    int Status() override;
+    AudioStatus Status() override;
     void Start(Utterance utterance, VoiceEvents events) override;
     void Stop() override;
 
@@ -51,6 +51,8 @@ private:
     bool Report(const SpeakingPtr& speaking, std::int64_t heard);
     void End(const SpeakingPtr& speaking, bool ok);
     void PostToSelf(std::function<void()> action);
+    /// Ends an utterance as failed, from the event loop.
+    void FailLater(const SpeakingPtr& speaking);
 
     VoiceCatalog& catalog_;
     AudioOutput& output_;

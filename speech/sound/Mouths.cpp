@@ -88,10 +88,8 @@ int MouthOfIpaLetter(char32_t letter)
 int MouthOfIpa(std::string_view name)
 {
     // Stress and length marks say nothing about the lips, nor does the stop at the beginning of tʃ and dʒ.
-    std::u32string letters;
-    for (const char32_t letter : DecodeUtf8(name))
-        if (letter != U'ˈ' && letter != U'ˌ' && letter != U'_' && letter != U'ʔ')
-            letters.push_back(letter);
+    std::u32string letters = DecodeUtf8(name);
+    std::erase_if(letters, [](char32_t c) { return c == U'ˈ' || c == U'ˌ' || c == U'_' || c == U'ʔ'; });
     if (letters.empty())
         return Closed;
     if (letters == U"əʊ")

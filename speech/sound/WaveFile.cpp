@@ -101,21 +101,6 @@ private:
     std::vector<std::int16_t> samples_;
 };
 
-std::optional<WaveData> ReadAll(WaveReader* reader)
-{
-    if (!reader)
-        return std::nullopt;
-    WaveData data{reader->SamplesPerSecond(), {}};
-    const std::size_t most = static_cast<std::size_t>(data.samplesPerSecond) * LongestSeconds;
-    for (auto samples = reader->Next(); !samples.empty() && data.samples.size() < most; samples = reader->Next()) {
-        const std::size_t count = std::min(samples.size(), most - data.samples.size());
-        data.samples.insert(data.samples.end(), samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(count));
-    }
-    if (data.samples.empty())
-        return std::nullopt;
-    return data;
-}
-
 } // namespace
 
 std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file)
@@ -129,12 +114,18 @@ std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file)
 
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file)
 {
-    return ReadAll(Reader::Over(WaveInput::OfMemory(file)).get());
-}
-
-std::optional<WaveData> ReadWaveFile(const std::string& path)
-{
-    return ReadAll(WaveReader::Open(path).get());
+    const std::unique_ptr<Reader> reader = Reader::Over(WaveInput::OfMemory(file));
+    if (!reader)
+        return std::nullopt;
+    WaveData data{reader->SamplesPerSecond(), {}};
+    const std::size_t most = static_cast<std::size_t>(data.samplesPerSecond) * LongestSeconds;
+    for (auto samples = reader->Next(); !samples.empty() && data.samples.size() < most; samples = reader->Next()) {
+        const std::size_t count = std::min(samples.size(), most - data.samples.size());
+        data.samples.insert(data.samples.end(), samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    if (data.samples.empty())
+        return std::nullopt;
+    return data;
 }
 
 std::unique_ptr<WaveReader> WaveReader::Open(const std::string& path)

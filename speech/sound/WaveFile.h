@@ -37,9 +37,6 @@ inline constexpr std::size_t MostSamplesPerByte = 16;
 /// samples.
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file);
 
-/// The same from a file; nothing when it cannot be read.
-std::optional<WaveData> ReadWaveFile(const std::string& path);
-
 /// Decodes a wave file as DecodeWave does, but of any length and block by block.
 class WaveReader
 {

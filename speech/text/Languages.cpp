@@ -1,5 +1,7 @@
 #include "speech/text/Languages.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -60,19 +62,10 @@ constexpr std::array Families = std::to_array<std::pair<std::string_view, std::s
 // English: 你 is heard as "nee three".
 constexpr std::string_view Mandarin = "cmn-latn-pinyin";
 
-std::string Lower(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 // "zh_HK.UTF-8" becomes "zh-hk".
 std::string Normal(std::string_view locale)
 {
-    std::string tag = Lower(locale.substr(0, locale.find_first_of(".@")));
+    std::string tag = LowerAscii(locale.substr(0, locale.find_first_of(".@")));
     std::replace(tag.begin(), tag.end(), '_', '-');
     return tag;
 }
@@ -149,7 +142,7 @@ constexpr std::array Readers = std::to_array<std::pair<Script, std::string_view>
 
 std::string PrimaryLanguage(std::string_view tag)
 {
-    return Lower(tag.substr(0, tag.find_first_of("-_.@")));
+    return LowerAscii(tag.substr(0, tag.find_first_of("-_.@")));
 }
 
 std::string LanguageFamily(std::string_view tag)

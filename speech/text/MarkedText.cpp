@@ -29,13 +29,13 @@ constexpr std::size_t BlockSize = 4096;
 
 } // namespace
 
-std::vector<char32_t> NextCharacters(std::string_view text, std::size_t& at)
+std::u32string NextCharacters(std::string_view text, std::size_t& at)
 {
     std::string_view block = text.substr(at, BlockSize);
     if (at + block.size() < text.size())
         block = block.substr(0, WholeUtf8(block));
     at += block.size();
-    std::vector<char32_t> points = DecodeUtf8(block);
+    std::u32string points = DecodeUtf8(block);
     std::transform(points.begin(), points.end(), points.begin(), Clean);
     return points;
 }

@@ -16,7 +16,7 @@ namespace voxmate::speech
 
 /// Decodes the next few thousand characters of a text from byte `at` on, cleaned for an engine, and moves `at` behind
 /// them.
-std::vector<char32_t> NextCharacters(std::string_view text, std::size_t& at);
+std::u32string NextCharacters(std::string_view text, std::size_t& at);
 /// Whether a (cleaned) character separates words.
 bool IsBlank(char32_t c);
 int CountWords(std::string_view text);

@@ -31,14 +31,14 @@ public:
         FakeAudioOutput& owner;
     };
 
-    State Check() override { return state; }
+    AudioStatus Check() override { return state; }
 
     std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> newSource,
                                               std::function<void()> newDrained,
                                               std::function<void()> newFailed) override
     {
         ++opens;
-        if (state != State::Available)
+        if (state != AudioStatus::Available)
             return nullptr;
         rate = samplesPerSecond;
         source = std::move(newSource);
@@ -111,7 +111,7 @@ public:
 
     bool Idle() const { return later_.empty(); }
 
-    State state = State::Available;
+    AudioStatus state = AudioStatus::Available;
     int opens = 0;
     int openStreams = 0;
     int rate = 0;

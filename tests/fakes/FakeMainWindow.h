@@ -1,6 +1,7 @@
 // The main window's fake.
 #pragma once
 
+#include "base/Text.h"
 #include "modules/MainWindow.h"
 #include "tests/fakes/FakeAlertWindow.h"
 #include "tests/fakes/FakeEditor.h"

@@ -13,7 +13,7 @@ namespace voxmate::fakes
 class FakeVoiceOutput : public speech::VoiceOutput
 {
 public:
-    int Status() override { return status; }
+    AudioStatus Status() override { return status; }
 
     void Start(speech::Utterance utterance, speech::VoiceEvents events) override
     {
@@ -46,7 +46,7 @@ public:
     }
     speech::VoiceEvents Last() const { return heard.back(); }
 
-    int status = 0;
+    AudioStatus status = AudioStatus::Available;
     bool speaking = false;
     int stops = 0;
     std::vector<speech::Utterance> started;

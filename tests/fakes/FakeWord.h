@@ -64,8 +64,7 @@ private:
             const auto document = word_.documents.find(name);
             if (document == word_.documents.end())
                 throw CommandFailed();
-            const std::vector<char32_t> points = DecodeUtf8(document->second);
-            text_.emplace(points.begin(), points.end());
+            text_ = DecodeUtf8(document->second);
         }
         std::int32_t RangeEnd() override { return static_cast<std::int32_t>(Text().size()); }
         std::string RangeText(std::int32_t start, std::int32_t end) override

@@ -29,7 +29,7 @@ void CheckRefusal(const AcsError& error)
     const std::string message = error.what();
     Require(message.starts_with("The character file \"fuzz.acs\" cannot be used: ") && message.ends_with('.'),
             "a refusal names the file and is one sentence");
-    const std::vector<char32_t> letters = DecodeUtf8(message);
+    const std::u32string letters = DecodeUtf8(message);
     Require(IsValidUtf8(message) && letters.size() <= 250, "a refusal is a short text");
     for (const char32_t c : letters)
         Require(c >= 0x20 && (c < 0x7F || c > 0x9F) && c != 0x2028 && c != 0x2029, "a refusal is a single line");

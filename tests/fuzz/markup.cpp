@@ -48,7 +48,7 @@ std::vector<std::string> WordsOf(std::string_view text)
     return words;
 }
 
-agent::MarkedText Parsed(std::string_view text)
+agent::ParsedText Parsed(std::string_view text)
 {
     const InTime inTime("a text is parsed");
     return agent::ParseMarkup(text);
@@ -93,7 +93,7 @@ void CheckSegments(const std::vector<Segment>& segments, int words, bool mapped)
     Require(mapped || covered == words, "every word of the balloon is spoken");
 }
 
-void CheckText(std::string_view text, const agent::MarkedText& marked)
+void CheckText(std::string_view text, const agent::ParsedText& marked)
 {
     Require(IsValidUtf8(marked.shown), "what is shown is UTF-8");
     const std::vector<std::string> words = WordsOf(marked.shown);
@@ -112,7 +112,7 @@ void CheckText(std::string_view text, const agent::MarkedText& marked)
     std::string escaped;
     for (const char c : marked.shown)
         escaped += c == '\\' ? std::string("\\\\") : std::string(1, c);
-    const agent::MarkedText again = Parsed(escaped);
+    const agent::ParsedText again = Parsed(escaped);
     Require(again.shown == marked.shown, "a text with its backslashes doubled is shown as it is");
     Require(again.segments.size() == (words.empty() ? 0 : 1), "a text with its backslashes doubled has no tags");
 }
@@ -157,7 +157,7 @@ void CheckEspeak(const speech::MarkedText& part)
         const InTime inTime("a text is written for eSpeak NG");
         made.emplace(part);
     }
-    const std::vector<char32_t> markup = DecodeUtf8(made->ssml);
+    const std::u32string markup = DecodeUtf8(made->ssml);
     constexpr std::u32string_view open = U"<speak>";
     Require(std::u32string_view(markup.data(), markup.size()).starts_with(open), "the markup is one element");
     int depth = 0;
@@ -263,7 +263,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0)
         return 0;
     const std::string text(data + 1, data + size);
-    const agent::MarkedText marked = Parsed(text);
+    const agent::ParsedText marked = Parsed(text);
     CheckText(text, marked);
     CheckBalloon(marked.shown, 1 + data[0]);
     CheckSpeech(marked.segments, static_cast<int>(WordsOf(marked.shown).size()));

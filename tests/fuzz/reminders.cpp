@@ -103,7 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(saved.size() == static_cast<std::size_t>(list.RemCount) * ReminderSlotSize, "a slot for each reminder");
         reminders.LoadReminders(false, 0);
         Require(List(list) == before, "what is saved is what was read");
-        reminders.SaveReminders(0);
+        reminders.File.WriteReminders(0);
         Require(fake.files.texts[file] == saved, "a second save writes the same");
     } else {
         // A slot that holds numbers without leading zeros can be too small for them with these zeros.

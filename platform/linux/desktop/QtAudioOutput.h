@@ -18,7 +18,7 @@ public:
     /// time something is to be spoken.
     void Look() { device_.Look(); }
 
-    State Check() override { return device_.Check(); }
+    AudioStatus Check() override { return device_.Check(); }
     bool Ready() override { return device_.Ready(); }
     std::unique_ptr<speech::AudioStream> Open(int samplesPerSecond, std::shared_ptr<speech::SampleSource> source,
                                               std::function<void()> drained, std::function<void()> failed) override;

@@ -3,11 +3,15 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
 namespace voxmate::qt
 {
+
+/// The value of _NET_WM_DESKTOP for a window on every workspace.
+inline constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF;
 
 struct FreeReply {
     void operator()(void* reply) const { std::free(reply); }

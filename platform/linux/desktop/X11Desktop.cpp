@@ -19,7 +19,6 @@ namespace
 
 /// The most values read of one property; a list of windows is the longest.
 constexpr std::uint32_t MostValues = 4096;
-constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF;
 
 /// A property that is requested now and read later, so that all requests are sent at once.
 class Property

@@ -57,8 +57,6 @@ xcb_atom_t Atom(xcb_connection_t* connection, const char* name)
 namespace
 {
 
-constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF; // value of _NET_WM_DESKTOP
-
 void SetShape(xcb_connection_t* connection, xcb_shape_kind_t kind, QWindow& window, const QRegion& region)
 {
     std::vector<xcb_rectangle_t> rects;

@@ -1,6 +1,5 @@
 // Changes in the file system: files of slots, and creating, deleting and renaming files.
 #include "base/FileName.h"
-#include "platform/linux/files/LinuxFileLock.h"
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "platform/linux/files/LinuxRandomFile.h"
 
@@ -54,11 +53,6 @@ std::unique_ptr<RandomAccessFile> LinuxFileSystem::OpenRandomExisting(const std:
         throw FileNotFound();
     }
     return std::make_unique<LinuxRandomFile>(found, recordLength, false);
-}
-
-std::unique_ptr<FileLock> LinuxFileSystem::Lock(const std::string& path)
-{
-    return LockBeside(path);
 }
 
 std::string LinuxFileSystem::LinkTarget(const std::string& path)

@@ -1,4 +1,5 @@
-#include "platform/linux/files/LinuxFileLock.h"
+// Locks that keep programs from reading and replacing a file at the same time.
+#include "platform/linux/files/LinuxFileSystem.h"
 
 #include "platform/linux/files/LinuxRandomFile.h"
 
@@ -70,7 +71,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<FileLock> LockBeside(const std::string& path)
+// The lock is on a second file, "path.lock", which is never removed: a file that is replaced by another, as a save
+// does, cannot keep a lock across that.
+std::unique_ptr<FileLock> LinuxFileSystem::Lock(const std::string& path)
 {
     const int file = ::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (file < 0)

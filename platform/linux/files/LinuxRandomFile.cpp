@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace voxmate::linux_platform
 {
@@ -68,6 +69,35 @@ bool Descriptor::Close()
     number_ = -1;
     // Do not close again after EINTR: the number is already free and may belong to another thread.
     return number < 0 || ::close(number) == 0 || errno == EINTR;
+}
+
+std::size_t Descriptor::Read(std::int64_t position, std::span<char> buffer) const
+{
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t got =
+            ::pread(number_, buffer.data() + filled, buffer.size() - filled, position + static_cast<off_t>(filled));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            throw DeviceIOError();
+        if (got == 0)
+            break;
+        filled += static_cast<std::size_t>(got);
+    }
+    return filled;
+}
+
+bool Descriptor::Write(std::int64_t position, std::string_view bytes) const
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::pwrite(number_, bytes.data(), bytes.size(), position);
+        if (written < 0 && errno != EINTR)
+            return false;
+        position += std::max<ssize_t>(written, 0);
+        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return true;
 }
 
 RuntimeError WriteErrorOf(int number)
@@ -192,24 +222,12 @@ std::int64_t LinuxRandomFile::Count()
 
 void LinuxRandomFile::ReadBlock(std::int64_t position)
 {
-    const std::size_t size = std::max(BlockSize, static_cast<std::size_t>(recordLength_));
-    block_.resize(size);
+    // Nothing is kept of a block that cannot be read.
+    std::string block = std::exchange(block_, {});
+    block.resize(std::max(BlockSize, static_cast<std::size_t>(recordLength_)));
+    block.resize(file_.Read(position, block));
+    block_ = std::move(block);
     blockAt_ = position;
-    std::size_t filled = 0;
-    while (filled < size) {
-        const ssize_t got =
-            ::pread(file_.Number(), block_.data() + filled, size - filled, position + static_cast<off_t>(filled));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0) {
-            block_.clear();
-            throw DeviceIOError();
-        }
-        if (got == 0)
-            break;
-        filled += static_cast<std::size_t>(got);
-    }
-    block_.resize(filled);
 }
 
 std::string_view LinuxRandomFile::Get(std::int32_t slot)
@@ -246,22 +264,14 @@ void LinuxRandomFile::WriteOut()
     struct stat before {
     };
     const bool sizeKnown = ::fstat(file_.Number(), &before) == 0;
-    std::size_t done = 0;
-    while (done < pending_.size()) {
-        const ssize_t written = ::pwrite(file_.Number(), pending_.data() + done, pending_.size() - done,
-                                         pendingAt_ + static_cast<off_t>(done));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0) {
-            const int number = errno;
-            pending_.clear();
-            // Half a record at the end would invalidate all those before it.
-            [[maybe_unused]] const int tried = sizeKnown ? ::ftruncate(file_.Number(), before.st_size) : 0;
-            throw WriteErrorOf(number);
-        }
-        done += static_cast<std::size_t>(written);
-    }
+    const bool written = file_.Write(pendingAt_, pending_);
+    const int number = errno;
     pending_.clear();
+    if (written)
+        return;
+    // Half a record at the end would invalidate all those before it.
+    [[maybe_unused]] const int tried = sizeKnown ? ::ftruncate(file_.Number(), before.st_size) : 0;
+    throw WriteErrorOf(number);
 }
 
 void LinuxRandomFile::Flush()

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,11 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     int Number() const { return number_; }
+    /// Fills the buffer from offset `position` on and returns the number of bytes read: less than the buffer's size
+    /// only at the end of the file. Raises run-time error 57 "Device I/O error".
+    std::size_t Read(std::int64_t position, std::span<char> buffer) const;
+    /// Writes all bytes at offset `position`; false, with errno set, when that fails.
+    bool Write(std::int64_t position, std::string_view bytes) const;
     /// Closes the file; false, with errno set, when data written to it was lost.
     bool Close();
 
@@ -49,8 +55,6 @@ public:
     /// run-time error 53 for a missing file that is not to be created.
     LinuxRandomFile(const std::string& path, std::size_t recordLength, bool create);
     ~LinuxRandomFile() override;
-    LinuxRandomFile(const LinuxRandomFile&) = delete;
-    LinuxRandomFile& operator=(const LinuxRandomFile&) = delete;
 
     std::int64_t Count() override;
     std::string_view Get(std::int32_t slot) override;

@@ -45,9 +45,8 @@ std::size_t WholeUtf16(std::string_view text, bool littleEndian)
     return high >= 0xD8 && high <= 0xDB ? even - 2 : even;
 }
 
-} // namespace
-
-LinuxTextStream::File::File(const std::string& path)
+// Opens a regular file without ever blocking; raises run-time errors 53, 57 and 70.
+int OpenRegular(const std::string& path, std::int64_t& size)
 {
     // Checked before opening, too: merely opening a device can have an effect.
     struct stat status {
@@ -56,42 +55,23 @@ LinuxTextStream::File::File(const std::string& path)
         throw ErrorOf(errno);
     if (!S_ISREG(status.st_mode))
         throw PermissionDenied();
-    descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (descriptor_ < 0)
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (file < 0)
         throw ErrorOf(errno);
-    if (::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
-        ::close(descriptor_);
+    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        ::close(file);
         throw PermissionDenied();
     }
-    size_ = status.st_size;
+    size = status.st_size;
+    return file;
 }
 
-LinuxTextStream::File::~File()
-{
-    ::close(descriptor_);
-}
-
-std::size_t LinuxTextStream::File::Read(std::int64_t position, std::string& buffer) const
-{
-    std::size_t filled = 0;
-    while (filled < buffer.size()) {
-        const ssize_t got = ::pread(descriptor_, buffer.data() + filled, buffer.size() - filled,
-                                    static_cast<off_t>(position) + static_cast<off_t>(filled));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            throw DeviceIOError();
-        if (got == 0)
-            break;
-        filled += static_cast<std::size_t>(got);
-    }
-    return filled;
-}
+} // namespace
 
 LinuxTextStream::LinuxTextStream(const std::string& path, const CodePage& codePage)
-    : file_(path), codePage_(codePage), block_(BlockSize, '\0')
+    : file_(OpenRegular(path, size_)), codePage_(codePage), block_(BlockSize, '\0')
 {
-    if (file_.Size() > LargestTextFile)
+    if (size_ > LargestTextFile)
         throw OutOfMemory();
     FindEncoding();
 }
@@ -214,8 +194,7 @@ std::size_t LinuxTextStream::SizeHint()
     // A line end of one byte becomes two; in other encodings than UTF-8 one byte can become three (the Euro sign of
     // Windows-1252). The last line may have had no line end.
     const std::size_t most = encoding_ == TextEncoding::Utf8 && !damaged_ ? 2 : 3;
-    const std::size_t inFile =
-        static_cast<std::size_t>(std::max(std::min(end_, file_.Size()) - position_, std::int64_t{0}));
+    const std::size_t inFile = static_cast<std::size_t>(std::max(std::min(end_, size_) - position_, std::int64_t{0}));
     return most * (inFile + text_.size() - at_) + 2;
 }
 

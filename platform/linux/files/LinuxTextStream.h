@@ -4,6 +4,7 @@
 #include "base/TextEncoding.h"
 #include "platform/FileSystem.h"
 #include "platform/linux/files/CodePage.h"
+#include "platform/linux/files/LinuxRandomFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,27 +34,6 @@ public:
     std::size_t SizeHint() override;
 
 private:
-    /// An open file.
-    class File
-    {
-    public:
-        /// Opens a regular file without ever blocking; raises run-time errors 53, 57 and 70.
-        explicit File(const std::string& path);
-        ~File();
-        File(const File&) = delete;
-        File& operator=(const File&) = delete;
-
-        /// The size in bytes that the file system reports; 0 for files that are generated while they are read.
-        std::int64_t Size() const { return size_; }
-        /// Fills the buffer from `position` on and returns the number of bytes read, which is less than the buffer's
-        /// size only at the end of the file. Raises run-time error 57.
-        std::size_t Read(std::int64_t position, std::string& buffer) const;
-
-    private:
-        int descriptor_;
-        std::int64_t size_ = 0;
-    };
-
     void FindEncoding();
     /// Reads on if no text is left in text_; false at the end of the file.
     bool Fill();
@@ -64,7 +44,8 @@ private:
     /// end is left for the next block, unless `last` is set.
     std::size_t Take(std::string_view block, bool last);
 
-    File file_;
+    std::int64_t size_ = 0; ///< in bytes, as the file system reports it; 0 for files generated while they are read
+    Descriptor file_;
     const CodePage& codePage_;
     TextEncoding encoding_ = TextEncoding::Utf8;
     bool damaged_ = false;      ///< UTF-8 with invalid bytes in it

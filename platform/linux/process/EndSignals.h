@@ -19,8 +19,6 @@ public:
     /// and `overdue` is called on the same thread.
     EndSignals(std::function<void()> arrived, std::function<void()> overdue, std::chrono::milliseconds patience);
     ~EndSignals();
-    EndSignals(const EndSignals&) = delete;
-    EndSignals& operator=(const EndSignals&) = delete;
 
 private:
     void Wait(const std::function<void()>& arrived, const std::function<void()>& overdue,

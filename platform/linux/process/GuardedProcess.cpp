@@ -1,5 +1,7 @@
 #include "platform/linux/process/GuardedProcess.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -20,16 +22,6 @@ namespace voxmate::linux_platform
 
 namespace
 {
-
-std::vector<char*> Pointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 // The map for a namespace in which one user or group keeps its number.
 std::string OneToItself(unsigned int number)
@@ -116,7 +108,7 @@ void KillChildren()
         for (const char c : text) {
             if (size-- == 0)
                 break;
-            if (c >= '0' && c <= '9') {
+            if (IsDigit(c)) {
                 process = process * 10 + (c - '0');
                 continue;
             }
@@ -191,6 +183,16 @@ bool HasEnded(pid_t program)
 }
 
 } // namespace
+
+std::vector<char*> Pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
 
 GuardedProcess::GuardedProcess(const GuardedCommand& command)
 {

@@ -22,6 +22,9 @@ struct GuardedCommand {
     bool withoutNetwork = false;
 };
 
+/// The texts as the system takes a program's arguments: their pointers, and a null pointer behind the last.
+std::vector<char*> Pointers(std::vector<std::string>& texts);
+
 /// A running program with its own process group. A guard process stands between it and us and waits for our destructor
 /// or our end, however that comes. Then it kills the program and all its descendants and removes the leavings. The
 /// program's input is empty and its output is discarded.

@@ -3,6 +3,7 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/linux/files/Folders.h"
+#include "platform/linux/process/GuardedProcess.h"
 
 #include <algorithm>
 #include <array>
@@ -57,11 +58,7 @@ std::vector<std::string> SplitCommand(const std::string& command)
 /// its exit status, or -1 when a signal ended it. Returns 0 when it cannot be started.
 pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
 {
-    std::vector<char*> arguments;
-    arguments.reserve(words.size() + 1);
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
+    const std::vector<char*> arguments = Pointers(words);
     posix_spawn_file_actions_t files;
     posix_spawnattr_t attributes;
     ::posix_spawn_file_actions_init(&files);

@@ -1,13 +1,11 @@
 #include "platform/linux/settings/FileSettingsStore.h"
 
 #include "platform/linux/files/Folders.h"
+#include "platform/linux/files/LinuxRandomFile.h"
 #include "platform/linux/files/WholeFile.h"
 #include "platform/linux/settings/SystemInformation.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -23,34 +21,14 @@ namespace
 // Access rights of a value write and a value read (winnt.h: KEY_SET_VALUE, KEY_QUERY_VALUE).
 constexpr std::uint32_t CanSetValue = 0x0002;
 constexpr std::uint32_t CanQueryValue = 0x0001;
+
 // Our own handles stay below the predefined roots.
-constexpr std::uint32_t FirstPredefinedRoot = 0x80000000;
-
-constexpr std::array<const char*, 7> rootNames{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",     "HKEY_LOCAL_MACHINE",
-                                               "HKEY_USERS",        "HKEY_PERFORMANCE_DATA", "HKEY_CURRENT_CONFIG",
-                                               "HKEY_DYN_DATA"};
-
 std::string KeyPath(std::uint32_t root, const std::string& subKey)
 {
-    if (root < FirstPredefinedRoot || root - FirstPredefinedRoot >= rootNames.size())
+    if (root < FirstRootKey || root - FirstRootKey >= RootKeys.size())
         return {};
-    const std::string name = rootNames.at(root - FirstPredefinedRoot);
+    const std::string name(RootKeys.at(root - FirstRootKey));
     return subKey.empty() ? name : name + "\\" + subKey;
-}
-
-bool WriteWhole(int file, const std::string& text)
-{
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t written = ::write(file, text.data() + done, text.size() - done);
-        if (written < 0) {
-            if (errno == EINTR)
-                continue;
-            return false;
-        }
-        done += static_cast<std::size_t>(written);
-    }
-    return true;
 }
 
 // The file that a save writes; it may be behind a symbolic link, since the user may keep it elsewhere.
@@ -61,16 +39,11 @@ std::string SaveTarget(const std::string& path)
     return error ? path : resolved.string();
 }
 
-std::string FolderOf(const std::string& path)
-{
-    return std::filesystem::path(path).parent_path().string();
-}
-
 // Whether a save can succeed. A read-only file is meant to stay as it is.
 bool CanSave(const std::string& path)
 {
     const std::string target = SaveTarget(path);
-    const std::string folder = FolderOf(target);
+    const std::string folder = std::filesystem::path(target).parent_path().string();
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     const bool fileAllows = ::access(target.c_str(), F_OK) != 0 ||
@@ -88,12 +61,11 @@ bool Save(const std::string& path, const std::string& text)
     };
     const mode_t mode = ::stat(target.c_str(), &old) == 0 ? old.st_mode & 0777u : 0600u;
     ::unlink(fresh.c_str());
-    const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
-    if (file < 0)
+    Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
+    if (file.Number() < 0)
         return false;
-    bool good = WriteWhole(file, text) && ::fdatasync(file) == 0;
-    good = ::close(file) == 0 && good;
-    if (good && ::rename(fresh.c_str(), target.c_str()) == 0)
+    if (file.Write(0, text) && ::fdatasync(file.Number()) == 0 && file.Close() &&
+        ::rename(fresh.c_str(), target.c_str()) == 0)
         return true;
     ::unlink(fresh.c_str());
     return false;
@@ -119,7 +91,13 @@ FileSettingsStore::Stamp FileSettingsStore::StampOf(const std::string& path)
 
 FileSettingsStore::~FileSettingsStore()
 {
-    StopSaver();
+    {
+        const std::lock_guard lock(mutex_);
+        quit_ = true;
+        changed_.notify_all();
+    }
+    if (saver_.joinable())
+        saver_.join();
 }
 
 // The user may edit the file while the program runs; the next save must not lose those changes.
@@ -203,17 +181,6 @@ bool FileSettingsStore::Flush(std::chrono::milliseconds patience)
             return false;
         std::this_thread::sleep_for(pause);
     }
-}
-
-void FileSettingsStore::StopSaver()
-{
-    {
-        const std::lock_guard lock(mutex_);
-        quit_ = true;
-        changed_.notify_all();
-    }
-    if (saver_.joinable())
-        saver_.join();
 }
 
 std::int32_t FileSettingsStore::GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key)

@@ -30,8 +30,6 @@ public:
     FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles);
     /// Waits until everything is saved.
     ~FileSettingsStore() override;
-    FileSettingsStore(const FileSettingsStore&) = delete;
-    FileSettingsStore& operator=(const FileSettingsStore&) = delete;
 
     /// Waits at most `patience` until everything set so far is in the file or could not be saved; a network folder may
     /// never answer. False when that was not done in time.
@@ -86,7 +84,6 @@ private:
     std::int32_t GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key);
 
     void RunSaver();
-    void StopSaver();
 };
 
 /// Makes the store of the user's and the system's settings files in the places of the XDG base directory standard:

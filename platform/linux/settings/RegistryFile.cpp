@@ -1,6 +1,8 @@
 #include "platform/linux/settings/RegistryFile.h"
 
 #include "base/Text.h"
+#include "platform/SettingsStore.h"
+#include "platform/linux/files/CodePage.h"
 
 #include <algorithm>
 #include <array>
@@ -12,17 +14,11 @@ namespace voxmate::linux_platform
 namespace
 {
 
-constexpr std::uint32_t TypeText = 1;
-constexpr std::uint32_t TypeDword = 4;
 constexpr std::string_view FileHeader = "REGEDIT4";
-constexpr std::string_view blanks = " \t";
 
 std::string_view Strip(std::string_view text)
 {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return Trimmed(text, " \t");
 }
 
 bool ParseHex(std::string_view text, std::uint32_t& number)
@@ -91,7 +87,7 @@ bool ParseValue(std::string_view text, RawValue& value)
         std::uint32_t number = 0;
         if (!ParseHex(text.substr(dword.size()), number))
             return false;
-        value.type = TypeDword;
+        value.type = REG_DWORD;
         value.data.clear();
         for (unsigned shift = 0; shift < 32; shift += 8)
             value.data.push_back(static_cast<std::uint8_t>(number >> shift));
@@ -104,13 +100,13 @@ bool ParseValue(std::string_view text, RawValue& value)
         // "" is how a person writes an empty text that is present: a lone NUL.
         if (quoted.empty())
             quoted.push_back('\0');
-        value.type = TypeText;
+        value.type = REG_SZ;
         value.data.assign(quoted.begin(), quoted.end());
         return true;
     }
     if (text.starts_with(hex)) {
         text.remove_prefix(hex.size());
-        value.type = 3;
+        value.type = REG_BINARY;
         if (text.starts_with('(')) {
             const std::size_t close = text.find(')');
             if (close == std::string_view::npos || !ParseHex(text.substr(1, close - 1), value.type))
@@ -144,13 +140,13 @@ bool QuotesCanSay(std::string_view text)
 
 std::string FormatValue(const RawValue& value)
 {
-    if (value.type == TypeDword && value.data.size() == 4) {
+    if (value.type == REG_DWORD && value.data.size() == 4) {
         std::uint32_t number = 0;
         for (std::size_t i = 4; i > 0; --i)
             number = number << 8 | value.data[i - 1];
         return "dword:" + Hex(number, 8);
     }
-    if (value.type == TypeText) {
+    if (value.type == REG_SZ) {
         const std::string_view text(reinterpret_cast<const char*>(value.data.data()), value.data.size());
         if (text == std::string_view("\0", 1))
             return "\"\"";
@@ -171,13 +167,8 @@ std::string FormatValue(const RawValue& value)
 // Decodes what the user's editor may have saved: UTF-16 with its mark, UTF-8, or otherwise Windows-1252.
 std::string Decoded(std::string_view bytes)
 {
-    if (bytes.starts_with("\xFF\xFE")) {
-        std::u16string units;
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-            units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                           static_cast<unsigned char>(bytes[i + 1]) << 8);
-        return Utf16ToUtf8(units);
-    }
+    if (bytes.starts_with("\xFF\xFE"))
+        return DecodeUtf16(bytes.substr(2, bytes.size() / 2 * 2 - 2), true);
     return IsValidUtf8(bytes) ? std::string(bytes) : Windows1252ToUtf8(bytes);
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "platform/FindProgram.h"
+#include "platform/SettingsStore.h"
 
 #include <array>
 
@@ -45,7 +46,7 @@ std::optional<RawValue> SystemInformationValue(const std::string& key, const std
     const std::string command = SystemInformationCommand();
     if (command.empty())
         return std::nullopt;
-    return RawValue{1, {command.begin(), command.end()}};
+    return RawValue{REG_SZ, {command.begin(), command.end()}};
 }
 
 } // namespace voxmate::linux_platform

@@ -73,9 +73,8 @@ private:
     pa_threaded_mainloop* loop_;
 };
 
-struct PulseDevice::Playing {
+struct PulseDevice::Playing : std::enable_shared_from_this<Playing> {
     PulseDevice* device = nullptr;
-    std::weak_ptr<Playing> self;
     int rate = 0;
     std::shared_ptr<SampleSource> source;
     std::function<void()> drained;
@@ -263,21 +262,21 @@ void PulseDevice::AwaitServer()
     }
 }
 
-AudioOutput::State PulseDevice::Check()
+AudioStatus PulseDevice::Check()
 {
     Look();
     AwaitServer();
     const std::lock_guard lock(mutex_);
     switch (server_) {
     case Server::Ready:
-        return openFailed_ ? AudioOutput::State::CannotOpen : AudioOutput::State::Available;
+        return openFailed_ ? AudioStatus::CannotOpen : AudioStatus::Available;
     case Server::Absent:
     case Server::WithoutSink:
-        return AudioOutput::State::NoDevice;
+        return AudioStatus::NoSupport;
     case Server::Unknown:
         break;
     }
-    return AudioOutput::State::Other;
+    return AudioStatus::Unknown;
 }
 
 bool PulseDevice::Ready()
@@ -290,11 +289,10 @@ bool PulseDevice::Ready()
 std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,
                                                std::function<void()> drained, std::function<void()> failed)
 {
-    if (Check() == AudioOutput::State::NoDevice)
+    if (Check() == AudioStatus::NoSupport)
         return nullptr;
     const auto playing = std::make_shared<Playing>();
     playing->device = this;
-    playing->self = playing;
     playing->rate = samplesPerSecond;
     playing->source = std::move(source);
     playing->drained = std::move(drained);
@@ -305,7 +303,7 @@ std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared
     playing->timer = pa_context_rttime_new(
         context_, pa_rtclock_now() + static_cast<pa_usec_t>(FeedMicroseconds),
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
-            if (const PlayingPtr known = static_cast<Playing*>(data)->self.lock())
+            if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->Watch(known);
         },
         playing.get());
@@ -331,14 +329,14 @@ void PulseDevice::Begin(const PlayingPtr& playing)
     pa_stream_set_state_callback(
         playing->stream,
         [](pa_stream*, void* data) {
-            if (const PlayingPtr known = static_cast<Playing*>(data)->self.lock())
+            if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->StreamChanged(known);
         },
         playing.get());
     pa_stream_set_write_callback(
         playing->stream,
         [](pa_stream*, std::size_t, void* data) {
-            if (const PlayingPtr known = static_cast<Playing*>(data)->self.lock())
+            if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->Feed(known);
         },
         playing.get());
@@ -434,7 +432,7 @@ void PulseDevice::AskForClock(const PlayingPtr& playing)
     playing->question = pa_stream_update_timing_info(
         playing->stream,
         [](pa_stream*, int success, void* data) {
-            if (const PlayingPtr known = static_cast<Playing*>(data)->self.lock())
+            if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->ClockTold(known, success != 0);
         },
         playing.get());

@@ -29,15 +29,13 @@ public:
     /// `post` runs an action on the user-interface thread; it is called from any thread and must outlive the device.
     explicit PulseDevice(std::function<void(std::function<void()>)> post);
     ~PulseDevice();
-    PulseDevice(const PulseDevice&) = delete;
-    PulseDevice& operator=(const PulseDevice&) = delete;
 
     /// Starts connecting to the server, if it is not connected; returns at once.
     void Look();
-    /// The state of the server as it reports it. Connects if necessary and waits up to 300 ms for an answer; Other when
-    /// none comes. Soon after the first look it waits longer: until ten seconds after it for a server that has not
+    /// The state of the server as it reports it. Connects if necessary and waits up to 300 ms for an answer; Unknown
+    /// when none comes. Soon after the first look it waits longer: until ten seconds after it for a server that has not
     /// answered yet, and until five seconds after it for one that is missing or has no sink yet.
-    AudioOutput::State Check();
+    AudioStatus Check();
     /// Whether the server is known to be there with a sink. Starts looking for it and never waits.
     bool Ready();
     std::unique_ptr<AudioStream> Open(int samplesPerSecond, std::shared_ptr<SampleSource> source,

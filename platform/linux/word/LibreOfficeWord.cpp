@@ -213,18 +213,17 @@ public:
 
     std::string RangeText(std::int32_t start, std::int32_t end) override
     {
-        const std::vector<char32_t>& document = Document();
-        const auto size = static_cast<std::int32_t>(document.size());
-        const std::int32_t from = std::clamp(start, 0, size);
-        const std::int32_t to = std::clamp(end, from, size);
-        return EncodeUtf8({document.data() + from, static_cast<std::size_t>(to - from)});
+        const std::int32_t from = std::clamp(start, 0, RangeEnd());
+        const std::int32_t to = std::clamp(end, from, RangeEnd());
+        return EncodeUtf8(std::u32string_view(Document())
+                              .substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
     }
 
     void Close() override { document_.reset(); }
     void Quit() override { Close(); }
 
 private:
-    const std::vector<char32_t>& Document() const
+    const std::u32string& Document() const
     {
         if (!document_)
             throw CommandFailed();
@@ -265,7 +264,7 @@ private:
 
     std::string program_;
     std::chrono::milliseconds timeLimit_;
-    std::optional<std::vector<char32_t>> document_;
+    std::optional<std::u32string> document_;
 };
 
 } // namespace

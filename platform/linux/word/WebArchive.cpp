@@ -29,9 +29,7 @@ std::string_view TakeLine(std::string_view& text)
 
 std::string_view Stripped(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
+    return Trimmed(text, " \t\r\n");
 }
 
 // A part of a message: the header fields that describe its content, by name in capitals, and its body.

@@ -48,7 +48,7 @@ bool IsText(std::string_view decoded)
 // "charset".
 bool TellsItsEncoding(std::string_view decoded)
 {
-    decoded.remove_prefix(std::min(decoded.find_first_not_of(" \t\r\n"), decoded.size()));
+    decoded = Trimmed(decoded, " \t\r\n");
     return decoded.starts_with("<?xml") || (decoded.starts_with("<") && ContainsNoCase(decoded, "charset"));
 }
 

@@ -274,7 +274,7 @@ TEST(MarkupTest, BookmarksAreNumbersFromZeroToTheLargestOfThirtyTwoBits)
 TEST(MarkupTest, EachBookmarkKnowsTheShownWordItStandsBefore)
 {
     std::vector<int> words;
-    const MarkedText marked = ParseMarkup("\\Mrk=1\\one \\Mrk=2\\two th\\Mrk=3\\ree \\Map=\"x\"=\"y z\"\\ \\Mrk=4\\");
+    const ParsedText marked = ParseMarkup("\\Mrk=1\\one \\Mrk=2\\two th\\Mrk=3\\ree \\Map=\"x\"=\"y z\"\\ \\Mrk=4\\");
     for (const Segment& segment : marked.segments)
         if (segment.kind == Segment::Kind::Bookmark)
             words.push_back(segment.firstWord);

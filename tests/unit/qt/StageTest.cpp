@@ -165,11 +165,11 @@ TEST_F(StageTest, TheEndOfOneSoundDoesNotCutTheNextAndStopSoundDoes)
 
 TEST_F(StageTest, ASoundIsLeftOutWhileTheOutputIsNotReady)
 {
-    audio.state = fakes::FakeAudioOutput::State::NoDevice;
+    audio.state = AudioStatus::NoSupport;
     stage.PlaySound(Wave({1}));
     EXPECT_EQ(audio.openStreams, 0);
     EXPECT_EQ(audio.opens, 0);
-    audio.state = fakes::FakeAudioOutput::State::Available;
+    audio.state = AudioStatus::Available;
     stage.PlaySound(Wave({1}));
     EXPECT_EQ(audio.openStreams, 1);
 }

@@ -170,10 +170,10 @@ TEST_F(VoicePlayerTest, AStoppedUtteranceGivesUpItsStreamAtOnceAndOnlyEnds)
     };
     player->Start(Say("hello"), Log());
     ASSERT_TRUE(fakes::Eventually([this] { return output.Play(10) == 10; }));
-    EXPECT_EQ(player->Status(), 4);
+    EXPECT_EQ(player->Status(), AudioStatus::CharacterSpeaking);
     player->Stop();
     EXPECT_EQ(output.openStreams, 0);
-    EXPECT_EQ(player->Status(), 0);
+    EXPECT_EQ(player->Status(), AudioStatus::Available);
     EXPECT_EQ(log, (Lines{"started", "mouth 1"}));
     output.RunEvents();
     output.RunEvents();
@@ -263,29 +263,29 @@ TEST_F(VoicePlayerTest, ADeviceThatGivesOutIsABadEnd)
     failed();
     EXPECT_EQ(log, (Lines{"started", "ended badly"}));
     EXPECT_EQ(output.openStreams, 0);
-    EXPECT_EQ(player->Status(), 0);
+    EXPECT_EQ(player->Status(), AudioStatus::Available);
     EXPECT_TRUE(fakes::Eventually([this] { return engine->returns == 1; }));
 }
 
 TEST_F(VoicePlayerTest, WithoutADeviceItEndsBadlyFromTheEventLoop)
 {
-    output.state = AudioOutput::State::NoDevice;
-    EXPECT_EQ(player->Status(), 1);
+    output.state = AudioStatus::NoSupport;
+    EXPECT_EQ(player->Status(), AudioStatus::NoSupport);
     player->Start(Say("hello"), Log());
     EXPECT_EQ(log, Lines{});
     output.RunEvents();
     EXPECT_EQ(log, Lines{"ended badly"});
-    EXPECT_EQ(player->Status(), 1);
+    EXPECT_EQ(player->Status(), AudioStatus::NoSupport);
 }
 
-TEST_F(VoicePlayerTest, TellsEveryStateOfTheDeviceByItsNumber)
+TEST_F(VoicePlayerTest, TellsEveryStateOfTheDevice)
 {
-    output.state = AudioOutput::State::Available;
-    EXPECT_EQ(player->Status(), 0);
-    output.state = AudioOutput::State::CannotOpen;
-    EXPECT_EQ(player->Status(), 2);
-    output.state = AudioOutput::State::Other;
-    EXPECT_EQ(player->Status(), 6);
+    output.state = AudioStatus::Available;
+    EXPECT_EQ(player->Status(), AudioStatus::Available);
+    output.state = AudioStatus::CannotOpen;
+    EXPECT_EQ(player->Status(), AudioStatus::CannotOpen);
+    output.state = AudioStatus::Unknown;
+    EXPECT_EQ(player->Status(), AudioStatus::Unknown);
 }
 
 TEST_F(VoicePlayerTest, ChoosesTheVoiceByItsIdentifierAndTheFirstForAnUnknownOne)
