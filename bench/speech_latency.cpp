@@ -178,9 +178,9 @@ int main(int count, char** arguments)
     VoicePlayer player(catalog, output);
 
     const Clock::time_point checking = Clock::now();
-    const AudioStatus status = player.Status();
+    const voxmate::AudioStatus status = player.Status();
     std::printf("status %d, told after %.1f ms\n", static_cast<int>(status), Milliseconds(checking, Clock::now()));
-    if (status != AudioStatus::Available)
+    if (status != voxmate::AudioStatus::Available)
         return 1;
     const Clock::time_point listing = Clock::now();
     const int voices = catalog.CountEngines();
