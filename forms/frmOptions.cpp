@@ -5,8 +5,6 @@
 #include "modules/Command.h"
 #include "modules/Program.h"
 
-#include <array>
-
 namespace voxmate
 {
 
@@ -21,14 +19,6 @@ constexpr std::int16_t previewId = 9999;
 
 // Entries of comRemType.
 constexpr int alertWindow = 0;
-
-constexpr std::int32_t Rgb(int red, int green, int blue)
-{
-    return red | green << 8 | blue << 16;
-}
-// In the order of optColor: Yellow, Blue, Red, Green.
-constexpr std::array<std::int32_t, 4> alertColors{Rgb(255, 255, 192), Rgb(160, 195, 255), Rgb(255, 200, 200),
-                                                  Rgb(200, 255, 200)};
 
 // A disabled field is greyed.
 void EnableBox(TextBox& box, bool enabled)
@@ -263,7 +253,7 @@ void frmOptions::ConnectHandlers()
     chkSpkSentence.Click = [this] { EnableBox(txtRemText, chkSpkSentence.Value == 1); };
     chkAutoClose.Click = [this] { EnableBox(txtAutoClose, chkAutoClose.Value == 1); };
     comRemType.Click = [this] { comRemType_Click(); };
-    optColor.Click = [this](int index) { SelectedAlertColor = alertColors.at(static_cast<std::size_t>(index)); };
+    optColor.Click = [this](int index) { SelectedAlertColor = AlertColors.at(static_cast<std::size_t>(index)); };
     txtCharPath.Change = [this] { cmdApply.Enabled = true; };
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace voxmate
@@ -65,20 +66,8 @@ void Registry::WriteValue(const std::string& path, const std::string& name, std:
 
 std::uint32_t GetRootKey(const std::string& name)
 {
-    static constexpr std::array<std::pair<const char*, std::uint32_t>, 7> roots{{
-        {"HKEY_CLASSES_ROOT", 0x80000000},
-        {"HKEY_CURRENT_USER", 0x80000001},
-        {"HKEY_LOCAL_MACHINE", 0x80000002},
-        {"HKEY_USERS", 0x80000003},
-        {"HKEY_PERFORMANCE_DATA", 0x80000004},
-        {"HKEY_CURRENT_CONFIG", 0x80000005},
-        {"HKEY_DYN_DATA", 0x80000006},
-    }};
-    for (const auto& [rootName, handle] : roots) {
-        if (name == rootName)
-            return handle;
-    }
-    return 0;
+    const auto found = std::ranges::find(RootKeys, name);
+    return found == RootKeys.end() ? 0 : FirstRootKey + static_cast<std::uint32_t>(found - RootKeys.begin());
 }
 
 void Registry::ParseKeyPath(std::string& path, std::uint32_t& root)

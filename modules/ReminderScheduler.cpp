@@ -16,9 +16,6 @@ namespace voxmate
 namespace
 {
 
-// 0x00BBGGRR of yellow, blue, red and green.
-constexpr std::array<std::int32_t, 4> alertColors{0xC0FFFF, 0xFFC3A0, 0xC8C8FF, 0xC8FFC8};
-
 bool IsDate(const DateTime& date)
 {
     return IsRealDate(date.day, date.month, date.year);
@@ -72,7 +69,7 @@ bool ReminderScheduler::ShowAlert(const NoticeText& text)
     const auto color = static_cast<std::size_t>(settings.RemAlertColor);
     window.DisplayMessage(JoinLines(lines), text.Id, false,
                           settings.RemAlertClose == 1 ? settings.RemAlertCloseTime : 0, settings.RemAlertAction == 1,
-                          true, settings.RemAlertShape == 0, alertColors.at(color < alertColors.size() ? color : 0),
+                          true, settings.RemAlertShape == 0, AlertColors.at(color < AlertColors.size() ? color : 0),
                           settings.RemAlertGradient == 1);
     return true;
 }
