@@ -219,6 +219,7 @@ void Body::StandNeutral()
 {
     if (neutral_)
         animator_.Stand(*neutral_);
+    painter_.Forget();
 }
 
 void Body::LeaveOut(const std::vector<bool>& damaged)

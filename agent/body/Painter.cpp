@@ -68,6 +68,13 @@ std::shared_ptr<const Bitmap> Painter::Compose(const Frame& frame, int mouth, co
     return pictures_.front().bitmap;
 }
 
+void Painter::Forget()
+{
+    index_.clear();
+    pictures_.clear();
+    used_ = 0;
+}
+
 void Painter::Show(const Frame& frame, int mouth, Size size)
 {
     if (window_.Busy()) {

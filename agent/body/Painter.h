@@ -32,6 +32,10 @@ public:
     /// Whether nothing has been shown yet.
     bool Empty() const { return !shown_.bitmap && !waiting_; }
 
+    /// Forgets all composed pictures but the one on show: at rest they are of no use for seconds, and composing one
+    /// takes less time than a frame lasts.
+    void Forget();
+
     /// The images that cannot be decoded, by number. Nobody need try to decode them.
     void LeaveOut(std::vector<bool> damaged) { damaged_ = std::move(damaged); }
     /// Whether a frame, without a mouth, has images and none of them is left out.

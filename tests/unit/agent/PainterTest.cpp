@@ -83,6 +83,20 @@ TEST_F(PainterTest, RemembersPicturesWithinItsMemoryBound)
     EXPECT_GT(painter->MemoryUsed(), Painter::MemoryBound / 2);
 }
 
+TEST_F(PainterTest, ForgetsAllPicturesButTheOneOnShow)
+{
+    Make(4);
+    painter->Show(Picture(1), -1, {4, 4});
+    painter->Show(Picture(2), -1, {4, 4});
+    painter->Forget();
+    EXPECT_EQ(painter->MemoryUsed(), 0u);
+    painter->Show(Picture(2), -1, {8, 8});
+    EXPECT_EQ(stage.Window().frames.back().pixels.front(), 0xFF020000u);
+    painter->Show(Picture(1), -1, {8, 8});
+    EXPECT_EQ(stage.Window().frames.back().pixels.front(), 0xFF010000u);
+    EXPECT_EQ(stage.Window().frames.size(), 4u);
+}
+
 TEST_F(PainterTest, AFrameWhoseImageDoesNotExistLeavesThePicture)
 {
     Make(4);
