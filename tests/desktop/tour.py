@@ -198,17 +198,18 @@ class TourCase(ReminderCase):
         self.click(control)
         desktop.wait_for(lambda: self.has(control.node, "CHECKED") != before, what=f"the check of {name}")
 
-    def next_entry(self, name, window=None):
-        """Opens a drop-down list by the mouse and chooses the next entry, or the one before if there is none."""
+    def next_entry(self, name, window=None, keys=("Down", "Up")):
+        """Opens a drop-down list by the mouse and chooses the next entry, or the one before if there is none; with the
+        keys the other way round, the one before or the next."""
         control = self.use(name, "combo box", window)
         before = control.node.name
         time.sleep(0.3)
-        self.desk.key("Down", "Return")
+        self.desk.key(keys[0], "Return")
         time.sleep(0.1)
         if control.node.name == before:
             self.click_node(control.node)
             time.sleep(0.3)
-            self.desk.key("Up", "Return")
+            self.desk.key(keys[1], "Return")
         return desktop.wait_for(lambda: control.node.name if control.node.name != before else None, what=f"another entry of {name}")
 
     def opened(self, title):

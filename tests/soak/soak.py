@@ -26,8 +26,10 @@ from tour import TourCase  # noqa: E402  pylint: disable=wrong-import-position
 
 RESULTS = os.path.join(BUILD, "soak")
 GROWTH = 2048      # KiB by which the program's own memory may grow
-REST = 4           # seconds
-ROUNDS = 6         # rounds between two measurements
+REST = 4           # seconds after the last window has gone until the program has given free memory back
+LOOKS = 40         # at the memory, 0.2 seconds apart: meanwhile an idle play comes to its end, which needs pictures
+VOICES = 8         # entries of the list of voices that are gone through
+ROUNDS = 16        # rounds between two measurements
 BEGIN = datetime.datetime(2031, 3, 4, 6, 0)  # the program's clock at the start; no soak reaches its midnight
 FAKETIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1"
 SENTENCE = "The old clock in the hall has stopped again, and nobody knows why. "
@@ -79,6 +81,7 @@ class Soak(TourCase):
         self.start_and_settle(TMPDIR=self.temporary, LD_PRELOAD=FAKETIME, FAKETIME_TIMESTAMP_FILE=self.clock_file,
                               FAKETIME_CACHE_DURATION="1", FAKETIME_DONT_FAKE_MONOTONIC="1", NO_FAKE_STAT="1")
         self.titles = []
+        self.voices = 0
         self.measured = []
 
     # User actions, one method each.
@@ -120,7 +123,11 @@ class Soak(TourCase):
         self.open_file("Open Text File to Read...", "tone.wav")
 
     def voice(self):
-        self.next_entry("Voice Types")
+        """Goes up and down among the first voices, which are of both engines. What a voice is made of stays loaded, so
+        that all of the hundred voices would look like growth."""
+        down = self.voices // VOICES % 2 == 0
+        self.voices += 1
+        self.next_entry("Voice Types", keys=("Down", "Up") if down else ("Up", "Down"))
 
     def character(self):
         self.choose("File", "Characters", self.chance.choice(("Nalu", "Tock", "Gamp")))
@@ -246,18 +253,21 @@ class Soak(TourCase):
         self.choose("File", "Characters", "Nalu")
         self.there()
         self.settle()
-        # Some seconds after the last window has gone the program gives free memory back.
         time.sleep(REST)
         self.clear_boxes()
         pid = self.program.pid
-        with open(f"/proc/{pid}/status", encoding="ascii") as file:
-            status = dict(line.split(":", 1) for line in file)
+        status = min((self.status() for _ in range(LOOKS)), key=lambda looked: int(looked["RssAnon"].split()[0]))
         tree = self.desk.run("xwininfo", "-root", "-tree").decode()
         files = sum(len(names) for folder in (self.desk.env["XDG_CONFIG_HOME"], self.desk.env["XDG_DATA_HOME"], self.temporary,
                                               self.desk.env["XDG_RUNTIME_DIR"]) for _, _, names in os.walk(folder))
         self.measured.append({"seconds": int(time.monotonic() - begin), "anonymous": int(status["RssAnon"].split()[0]),
                               "resident": int(status["VmRSS"].split()[0]), "threads": int(status["Threads"]),
                               "handles": len(os.listdir(f"/proc/{pid}/fd")), "windows": tree.count('"voxmate"'), "files": files})
+
+    def status(self):
+        time.sleep(0.2)
+        with open(f"/proc/{self.program.pid}/status", encoding="ascii") as file:
+            return dict(line.split(":", 1) for line in file)
 
     def plot(self):
         width, height, margin = 900, 420, 60
