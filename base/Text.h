@@ -1,4 +1,4 @@
-// Text helpers. Text is UTF-8; positions and lengths count characters (Unicode code points) and start at 1.
+// Text helpers. Text is UTF-8; where nothing else is said, positions and lengths count bytes.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +26,7 @@ inline std::string Trim(const char* text)
 {
     return Trim(std::string_view(text));
 }
-/// The same without a copy, for a text that is not needed any more as it was.
+/// The same for a text that may be changed, without a copy.
 std::string Trim(std::string&& text);
 
 /// A number in decimal with at least `digits` digits: zeros in front, and the sign before them ("-08").

@@ -59,6 +59,7 @@ void frmShowRem::Form_Load()
 void frmShowRem::ShowNotice(const NoticeText& text)
 {
     Load();
+    ++shows_;
     lblHeading.Caption = text.Heading;
     id_ = text.Id;
     lblId.Caption = std::to_string(id_);
@@ -86,8 +87,7 @@ void frmShowRem::cmdOK_Click()
     const Command command(working_);
     if (!command.Begun())
         return;
-    program_.Scheduler.FinishReminder(id_, false, 0);
-    Unload();
+    Finish(false, 0);
 }
 
 void frmShowRem::cmdSnooze_Click()
@@ -102,8 +102,17 @@ void frmShowRem::cmdSnooze_Click()
         return;
     }
     // The field takes three digits at most.
-    program_.Scheduler.FinishReminder(id_, true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
-    Unload();
+    Finish(true, ToInt16(WholeNumber(txtSnooze.Text.get()).value_or(0)));
+}
+
+// Events run while the answer is saved and spoken. The user may close the window meanwhile, and it may show another
+// reminder by then.
+void frmShowRem::Finish(bool snooze, std::int16_t minutes)
+{
+    const int shown = shows_;
+    program_.Scheduler.FinishReminder(id_, snooze, minutes);
+    if (shown == shows_)
+        Unload();
 }
 
 } // namespace voxmate

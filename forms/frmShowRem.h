@@ -42,11 +42,13 @@ private:
     Program& program_;
     bool working_ = false; ///< a command runs
     std::int16_t id_ = 0;  ///< of the reminder that is shown
+    int shows_ = 0;        ///< how often a reminder was shown
 
     void Arrange();
     void txtSnooze_KeyPress(int& keyAscii);
     void cmdOK_Click();
     void cmdSnooze_Click();
+    void Finish(bool snooze, std::int16_t minutes);
 };
 
 } // namespace voxmate

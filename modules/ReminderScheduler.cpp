@@ -28,8 +28,8 @@ void Grow(std::vector<std::unique_ptr<Window>>& windows, std::int16_t count)
     windows.resize(std::max(windows.size(), static_cast<std::size_t>(count) + 1));
 }
 
-// The window for reminder `id`: its own of before, else one that was closed, whichever reminder it announced, else what
-// `make` makes. Without the second, each reminder of a program that runs for weeks would leave a window behind.
+// The window for reminder `id`: the one that announced it before, else any closed window, else a new one from `make`.
+// Closed windows are used again so that a program that runs for weeks does not keep one for each reminder.
 template <class Window, class Make>
 Window& WindowOf(std::vector<std::unique_ptr<Window>>& windows, std::int16_t id, const Make& make)
 {

@@ -4,8 +4,8 @@
 namespace voxmate
 {
 
-/// Makes the heap give large blocks back as soon as they are freed, and keeps the threads from each having a heap of
-/// their own. Called once, before there are threads.
+/// Makes the heap give large blocks back as soon as they are freed, and lets the threads share two
+/// heaps. Called once, before there are threads.
 void KeepHeapSmall();
 
 /// Gives back all of the heap's free memory, also what lies between blocks in use. Takes some milliseconds.

@@ -19,7 +19,7 @@ namespace
 {
 
 constexpr int PixmapCacheKilobytes = 1024;
-/// From the last window's going to AtRest: longer than from one sentence's balloon to the next one's.
+/// From a window's going to AtRest: longer than from one sentence's balloon to the next one's.
 constexpr std::chrono::seconds Rest{3};
 
 constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";

@@ -29,7 +29,8 @@ public:
     /// The session may be about to end: pending writes should reach the disk.
     std::function<void()> SaveRequested;
 
-    /// Called some seconds after the last of one or more windows has gone: time to tidy up.
+    /// Called when a window, menu or list has gone and for three seconds no other: time to give memory back. Other
+    /// windows may be there, and the character may speak.
     std::function<void()> AtRest;
 
     /// Calls `act` from the event loop. May be called on any thread.

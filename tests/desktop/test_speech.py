@@ -7,6 +7,7 @@ import unittest
 
 import desk as desktop
 import sound
+from hold import held, threads
 from program import CALM, IDLE, ProgramCase
 
 SENTENCE = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all."
@@ -118,11 +119,31 @@ class SoundServer(SpeechCase):
     def test_a_sink_that_stops_playing_in_mid_sentence_ends_the_sentence(self):
         self.start_and_settle()
         self.type_text(SENTENCE)
-        self.hear()
+        self.is_heard()
         self.desk.run("pactl", "suspend-sink", "rec", "1")
         self.settle()
         self.desk.run("pactl", "suspend-sink", "rec", "0")
-        self.hear()
+        self.is_heard()
+
+    def test_a_voice_that_is_slow_to_speak_is_waited_for(self):
+        self.start_and_settle()
+        self.type_text(SENTENCE)
+        others = threads(self.program.pid)
+        self.is_heard()
+        self.settle()
+        voice = threads(self.program.pid) - others
+        self.assertTrue(voice, "no thread has come with the first sentence")
+        recorder = self.desk.recorder()
+        try:
+            with held(voice):
+                self.press("Speak the textbox text")
+                # Longer than a sound server that takes nothing is waited for.
+                time.sleep(5)
+            self.settle()
+            heard = sound.loud_seconds(recorder.snapshot()[0])
+        finally:
+            recorder.stop()
+        self.assertAlmostEqual(heard / self.rendered_length(SENTENCE), 1, delta=0.06)
 
     def test_a_sound_server_that_comes_after_the_program_is_found(self):
         self.desk.kill_sound()

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <limits>
 #include <utility>
 
 #include <pulse/pulseaudio.h>
@@ -23,10 +22,11 @@ using Clock = std::chrono::steady_clock;
 constexpr int BufferMilliseconds = 80;
 // The server starts playing, and resumes after an underrun, when it has this much.
 constexpr int FirstMilliseconds = 20;
+constexpr std::int64_t SampleBytes = sizeof(std::int16_t);
 constexpr std::int64_t FeedMicroseconds = 10'000;
 constexpr std::chrono::milliseconds ClockInterval{20};
-// A stream has failed that for this long is not opened, or of which no more is heard although there is more to hear:
-// the server hangs, or its sink was suspended.
+// A stream fails when for this long it is not opened, or the server takes nothing of what is written: the server hangs,
+// or its sink was suspended. A voice that has nothing to say yet may take longer.
 constexpr std::chrono::seconds Patience{3};
 constexpr std::chrono::milliseconds ConnectPatience{300};
 // Just after login the sound server may still be starting. Counted from the first look, this is how long a server that
@@ -87,8 +87,8 @@ struct PulseDevice::Playing : std::enable_shared_from_this<Playing> {
     Clock::time_point asked;
     bool ready = false;
     bool over = false;
-    std::int64_t end = -1;                                         // total number of samples; -1 until known
-    std::int64_t heard = std::numeric_limits<std::int64_t>::min(); // microseconds, the most that was reported
+    std::int64_t end = -1;   // total number of samples; -1 until known
+    std::int64_t taken = -1; // bytes, the most that the server reported
     Clock::time_point lastNews = Clock::now();
 
     std::atomic<bool> abandoned = false; // the stream object is destroyed: no callback may be called
@@ -453,10 +453,12 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     const std::int64_t heard =
         static_cast<std::int64_t>(pa_bytes_to_usec(taken, pa_stream_get_sample_spec(playing->stream))) -
         static_cast<std::int64_t>(timing->sink_usec);
-    const bool waiting = playing->end >= 0 || heard * playing->rate < playing->written * 1'000'000;
-    if (heard > playing->heard || !waiting)
+    const auto read = static_cast<std::int64_t>(taken);
+    const std::int64_t unread = playing->written * SampleBytes - read;
+    const bool enough = playing->end >= 0 || unread > playing->rate * SampleBytes * FirstMilliseconds / 1000;
+    if (read > playing->taken || !enough)
         playing->lastNews = now;
-    playing->heard = std::max(playing->heard, heard);
+    playing->taken = std::max(playing->taken, read);
     // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
     // request.
     const Clock::duration age = std::clamp<Clock::duration>(

@@ -8,11 +8,11 @@ namespace voxmate
 namespace
 {
 
-// The C library's own initial thresholds, in bytes. Setting them keeps it from raising them, up to 64 MB, with the size
-// of what was freed.
+// The C library's own initial thresholds, in bytes. Setting them keeps it from raising them with the size of what was
+// freed.
 constexpr int LargeBlock = 128 * 1024;
 constexpr int HeaviestTop = 128 * 1024;
-// One heap for the user interface, and one for the threads beside it, which seldom allocate at the same time.
+// For all threads together; without a limit there may be one for each.
 constexpr int Heaps = 2;
 
 } // namespace

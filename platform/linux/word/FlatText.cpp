@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <exception>
 #include <memory>
 #include <new>
 #include <set>
@@ -269,25 +270,63 @@ private:
     std::string text_;
 };
 
+/// Passes the parser's reports on to a reader. An exception must not pass through the parser, which is C: it is kept,
+/// and the parser stops.
+class Parsing
+{
+public:
+    Parsing() : parser_(XML_ParserCreate(nullptr), &XML_ParserFree)
+    {
+        if (!parser_)
+            throw std::bad_alloc();
+        XML_SetUserData(parser_.get(), this);
+        XML_SetElementHandler(
+            parser_.get(),
+            [](void* self, const char* name, const char** attributes) {
+                static_cast<Parsing*>(self)->Tell([&](Reader& reader) { reader.Start(Tag(name, attributes)); });
+            },
+            [](void* self, const char* /*name*/) {
+                static_cast<Parsing*>(self)->Tell([](Reader& reader) { reader.End(); });
+            });
+        XML_SetCharacterDataHandler(parser_.get(), [](void* self, const char* text, int length) {
+            static_cast<Parsing*>(self)->Tell([&](Reader& reader) {
+                reader.Text({text, static_cast<std::size_t>(length)});
+            });
+        });
+    }
+
+    /// False when the document is no well-formed XML.
+    bool Parse(std::string_view part, bool last)
+    {
+        const bool ok = XML_Parse(parser_.get(), part.data(), static_cast<int>(part.size()), last) == XML_STATUS_OK;
+        if (error_)
+            std::rethrow_exception(error_);
+        return ok;
+    }
+    std::string TakeText() { return reader_.TakeText(); }
+
+private:
+    template <class Act>
+    void Tell(const Act& act)
+    {
+        try {
+            act(reader_);
+        } catch (...) {
+            error_ = std::current_exception();
+            XML_StopParser(parser_.get(), XML_FALSE);
+        }
+    }
+
+    Reader reader_;
+    std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+    std::exception_ptr error_;
+};
+
 } // namespace
 
 std::optional<std::string> MainText(std::string_view document)
 {
-    Reader reader;
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
-                                                                              &XML_ParserFree);
-    if (!parser)
-        throw std::bad_alloc();
-    XML_SetUserData(parser.get(), &reader);
-    XML_SetElementHandler(
-        parser.get(),
-        [](void* data, const char* name, const char** attributes) {
-            static_cast<Reader*>(data)->Start(Tag(name, attributes));
-        },
-        [](void* data, const char* /*name*/) { static_cast<Reader*>(data)->End(); });
-    XML_SetCharacterDataHandler(parser.get(), [](void* data, const char* text, int length) {
-        static_cast<Reader*>(data)->Text({text, static_cast<std::size_t>(length)});
-    });
+    Parsing parsing;
     // The parser counts in int.
     constexpr std::size_t block = 1 << 20;
     bool last = false;
@@ -295,10 +334,10 @@ std::optional<std::string> MainText(std::string_view document)
         const std::string_view part = document.substr(0, block);
         document.remove_prefix(part.size());
         last = document.empty();
-        if (XML_Parse(parser.get(), part.data(), static_cast<int>(part.size()), last) != XML_STATUS_OK)
+        if (!parsing.Parse(part, last))
             return std::nullopt;
     }
-    return reader.TakeText();
+    return parsing.TakeText();
 }
 
 } // namespace voxmate::linux_platform

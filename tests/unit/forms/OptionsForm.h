@@ -17,13 +17,13 @@ namespace voxmate
 
 using Lines = std::vector<std::string>;
 
-class OptionsForm : public ProgramTest
+class OptionsFormTest : public ProgramTest
 {
 protected:
     fakes::FakeMainWindow window{fake.log};
     frmOptions form{program};
 
-    OptionsForm()
+    OptionsFormTest()
     {
         program.Main = &window;
         fake.StoreDefaults();

@@ -25,7 +25,7 @@ std::string CaptionOf(const Control* control)
     return "(none)";
 }
 
-TEST_F(OptionsForm, HasItsCaptionFontAndFourTabsTheFirstOfThemOnTop)
+TEST_F(OptionsFormTest, HasItsCaptionFontAndFourTabsTheFirstOfThemOnTop)
 {
     form.SSTab1.Tab = 2;
     Open();
@@ -38,7 +38,7 @@ TEST_F(OptionsForm, HasItsCaptionFontAndFourTabsTheFirstOfThemOnTop)
     EXPECT_FALSE(form.cmdApply.Enabled);
 }
 
-TEST_F(OptionsForm, EveryControlHasItsNameAndCaption)
+TEST_F(OptionsFormTest, EveryControlHasItsNameAndCaption)
 {
     const std::map<std::string, std::string> captions{
         {"cmdOK", "OK"},
@@ -126,7 +126,7 @@ TEST_F(OptionsForm, EveryControlHasItsNameAndCaption)
     EXPECT_EQ(form.Controls().size(), captions.size() + without.size());
 }
 
-TEST_F(OptionsForm, TheListsHoldTheirEntriesAndTheFieldsTheirLengths)
+TEST_F(OptionsFormTest, TheListsHoldTheirEntriesAndTheFieldsTheirLengths)
 {
     Open();
     form.Unload();
@@ -141,7 +141,7 @@ TEST_F(OptionsForm, TheListsHoldTheirEntriesAndTheFieldsTheirLengths)
     EXPECT_EQ(form.txtTimeInterval.MaxLength, 3u);
 }
 
-TEST_F(OptionsForm, TheCharactersAnimationsAreListedUpToTheFirstEmptyName)
+TEST_F(OptionsFormTest, TheCharactersAnimationsAreListedUpToTheFirstEmptyName)
 {
     Open();
     EXPECT_EQ(form.comAnimation.Items(), (Lines{"RestPose", "Show", "Hide", "Greet"}));
@@ -242,7 +242,7 @@ std::int16_t& Field(SettingsRecord& settings, const std::string& setting)
     return settings.*std::get<std::int16_t SettingsRecord::*>(Catalogue(setting).field);
 }
 
-TEST_F(OptionsForm, EveryNumberAndSwitchIsShownAsItIsSet)
+TEST_F(OptionsFormTest, EveryNumberAndSwitchIsShownAsItIsSet)
 {
     Open();
     for (const Row& row : NumberRows())
@@ -263,7 +263,7 @@ TEST_F(OptionsForm, EveryNumberAndSwitchIsShownAsItIsSet)
     EXPECT_EQ(form.chkGreeting.Value, 0);
 }
 
-TEST_F(OptionsForm, EveryNumberAndSwitchThatTheUserChangesIsSavedAndKeptAndBackTheNextTime)
+TEST_F(OptionsFormTest, EveryNumberAndSwitchThatTheUserChangesIsSavedAndKeptAndBackTheNextTime)
 {
     for (const Row& row : NumberRows()) {
         const std::int16_t before = Field(Settings, row.setting);
@@ -288,7 +288,7 @@ TEST_F(OptionsForm, EveryNumberAndSwitchThatTheUserChangesIsSavedAndKeptAndBackT
     }
 }
 
-TEST_F(OptionsForm, TheIntroductionIsSavedInPlaceOfTheGreeting)
+TEST_F(OptionsFormTest, TheIntroductionIsSavedInPlaceOfTheGreeting)
 {
     Open();
     form.chkIntroAtStart.UserClick(true);
@@ -299,7 +299,7 @@ TEST_F(OptionsForm, TheIntroductionIsSavedInPlaceOfTheGreeting)
     EXPECT_EQ(Settings.GreetingEnabled, 0);
 }
 
-TEST_F(OptionsForm, EveryTextIsShownAndSaved)
+TEST_F(OptionsFormTest, EveryTextIsShownAndSaved)
 {
     struct {
         const char* setting;
@@ -321,7 +321,7 @@ TEST_F(OptionsForm, EveryTextIsShownAndSaved)
     }
 }
 
-TEST_F(OptionsForm, EveryWriteComesInItsOrderAndOfItsType)
+TEST_F(OptionsFormTest, EveryWriteComesInItsOrderAndOfItsType)
 {
     Open();
     form.chkOnTop.UserClick(false);
@@ -370,7 +370,7 @@ TEST_F(OptionsForm, EveryWriteComesInItsOrderAndOfItsType)
     EXPECT_EQ(fake.log.back(), "Play DoMagic2");
 }
 
-TEST_F(OptionsForm, WhatIsAppliedShowsOnTheCharacterAtOnce)
+TEST_F(OptionsFormTest, WhatIsAppliedShowsOnTheCharacterAtOnce)
 {
     Open();
     form.comCharSize.UserSelect(2);
@@ -385,7 +385,7 @@ TEST_F(OptionsForm, WhatIsAppliedShowsOnTheCharacterAtOnce)
     EXPECT_EQ(fake.log, (Lines{"Play DoMagic2"}));
 }
 
-TEST_F(OptionsForm, CancelSavesNothingAndOkWithoutAChangeNeither)
+TEST_F(OptionsFormTest, CancelSavesNothingAndOkWithoutAChangeNeither)
 {
     const auto before = fake.store.keys;
     Open();
@@ -402,7 +402,7 @@ TEST_F(OptionsForm, CancelSavesNothingAndOkWithoutAChangeNeither)
     EXPECT_EQ(Settings.UserName, "Buddy");
 }
 
-TEST_F(OptionsForm, WithoutACharacterTheSettingsAreSavedAllTheSame)
+TEST_F(OptionsFormTest, WithoutACharacterTheSettingsAreSavedAllTheSame)
 {
     Character = nullptr;
     Open();

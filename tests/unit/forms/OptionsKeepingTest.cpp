@@ -12,7 +12,7 @@ namespace voxmate
 namespace
 {
 
-class OptionsKeeping : public OptionsForm
+class OptionsKeepingTest : public OptionsFormTest
 {
 protected:
     // What a paste brings past the digit filter.
@@ -25,7 +25,7 @@ protected:
 };
 
 // A box that is unticked from the beginning raises nothing when it is unticked: the rules must hold without.
-TEST_F(OptionsKeeping, TheRulesHoldWhenTheFirstThingShownIsThatAllIsOff)
+TEST_F(OptionsKeepingTest, TheRulesHoldWhenTheFirstThingShownIsThatAllIsOff)
 {
     Settings.ShowCharacterAtStart = 0;
     Settings.IntroAtStart = 0;
@@ -43,7 +43,7 @@ TEST_F(OptionsKeeping, TheRulesHoldWhenTheFirstThingShownIsThatAllIsOff)
     EXPECT_FALSE(form.txtAutoClose.Enabled);
 }
 
-TEST_F(OptionsKeeping, EveryChangeCanBeAppliedWhicheverControlItIsMadeIn)
+TEST_F(OptionsKeepingTest, EveryChangeCanBeAppliedWhicheverControlItIsMadeIn)
 {
     Open();
     const auto expectChange = [this](const Control& control, const std::function<void()>& change) {
@@ -67,7 +67,7 @@ TEST_F(OptionsKeeping, EveryChangeCanBeAppliedWhicheverControlItIsMadeIn)
     }
 }
 
-TEST_F(OptionsKeeping, TheIntervalShowsTheNumberThatWasMadeOfItsText)
+TEST_F(OptionsKeepingTest, TheIntervalShowsTheNumberThatWasMadeOfItsText)
 {
     ApplyWith(form.txtTimeInterval, "5x");
     EXPECT_EQ(Settings.SpeakTimeInterval, 5);
@@ -79,7 +79,7 @@ TEST_F(OptionsKeeping, TheIntervalShowsTheNumberThatWasMadeOfItsText)
     EXPECT_EQ(form.txtTimeInterval.Text.get(), "0");
 }
 
-TEST_F(OptionsKeeping, TheOtherNumbersDoSoToo)
+TEST_F(OptionsKeepingTest, TheOtherNumbersDoSoToo)
 {
     ApplyWith(form.txtCharPerLine, "032");
     EXPECT_EQ(form.txtCharPerLine.Text.get(), "32");
@@ -92,7 +92,7 @@ TEST_F(OptionsKeeping, TheOtherNumbersDoSoToo)
     EXPECT_EQ(Settings.RemAlertCloseTime, 7);
 }
 
-TEST_F(OptionsKeeping, ATextIsSavedAsFarAsItComesBackAtTheNextStart)
+TEST_F(OptionsKeepingTest, ATextIsSavedAsFarAsItComesBackAtTheNextStart)
 {
     const std::string letters(253, 'a');
     for (auto [box, field] : {std::pair{&form.txtUserName, &SettingsRecord::UserName},
@@ -112,7 +112,7 @@ TEST_F(OptionsKeeping, ATextIsSavedAsFarAsItComesBackAtTheNextStart)
     }
 }
 
-TEST_F(OptionsKeeping, AFolderWhosePathWouldNotComeBackIsNotTaken)
+TEST_F(OptionsKeepingTest, AFolderWhosePathWouldNotComeBackIsNotTaken)
 {
     const std::string before = Settings.CharacterPath;
     const std::string longest = "C:\\" + std::string(251, 'a') + "\\";
@@ -128,7 +128,7 @@ TEST_F(OptionsKeeping, AFolderWhosePathWouldNotComeBackIsNotTaken)
     EXPECT_EQ(Logged("Load "), Lines{});
 }
 
-TEST_F(OptionsKeeping, AFolderThatHasGoneIsReportedAtTheNextApply)
+TEST_F(OptionsKeepingTest, AFolderThatHasGoneIsReportedAtTheNextApply)
 {
     Open();
     fake.files.folders.erase(Settings.CharacterPath);
@@ -141,7 +141,7 @@ TEST_F(OptionsKeeping, AFolderThatHasGoneIsReportedAtTheNextApply)
 }
 
 // Apply gives the keyboard away when it is disabled; Default beside it must not be what Enter then means.
-TEST_F(OptionsKeeping, AfterApplyTheKeyboardIsOnOk)
+TEST_F(OptionsKeepingTest, AfterApplyTheKeyboardIsOnOk)
 {
     Open();
     FocusPeer ok;
@@ -152,7 +152,7 @@ TEST_F(OptionsKeeping, AfterApplyTheKeyboardIsOnOk)
     form.cmdOK.SetPeer(nullptr);
 }
 
-TEST_F(OptionsKeeping, TheGreetingShowsTheCharacter)
+TEST_F(OptionsKeepingTest, TheGreetingShowsTheCharacter)
 {
     Settings.ShowCharacterAtStart = 0;
     Settings.GreetingEnabled = 0;
@@ -161,7 +161,7 @@ TEST_F(OptionsKeeping, TheGreetingShowsTheCharacter)
     EXPECT_EQ(form.chkShowStart.Value, 1);
 }
 
-TEST_F(OptionsKeeping, TheAnimationsAreThoseOfTheCharacterThatHasComeMeanwhile)
+TEST_F(OptionsKeepingTest, TheAnimationsAreThoseOfTheCharacterThatHasComeMeanwhile)
 {
     fake.agent.prepare = [](fakes::FakeCharacter& character) { character.animations = {"Wave", "Bow"}; };
     Open();

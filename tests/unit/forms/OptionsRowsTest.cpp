@@ -12,7 +12,7 @@ namespace
 
 using Names = std::set<std::string>;
 
-class OptionsRows : public OptionsForm
+class OptionsRowsTest : public OptionsFormTest
 {
 };
 
@@ -39,7 +39,7 @@ const Layout* PartOf(const Layout& whole, const Control& control)
     return nullptr;
 }
 
-TEST_F(OptionsRows, EveryControlStandsOnItsTab)
+TEST_F(OptionsRowsTest, EveryControlStandsOnItsTab)
 {
     const Layout* tabs = PartOf(form.Arrangement, form.SSTab1);
     ASSERT_NE(tabs, nullptr);
@@ -90,7 +90,7 @@ TEST_F(OptionsRows, EveryControlStandsOnItsTab)
     EXPECT_EQ(below, (Names{"cmdOK", "cmdCancel", "cmdApply", "cmdDefault"}));
 }
 
-TEST_F(OptionsRows, EveryFrameHoldsItsControls)
+TEST_F(OptionsRowsTest, EveryFrameHoldsItsControls)
 {
     const auto held = [this](const Frame& frame) {
         const Layout* part = PartOf(form.Arrangement, frame);
@@ -109,7 +109,7 @@ TEST_F(OptionsRows, EveryFrameHoldsItsControls)
     EXPECT_EQ(held(form.fraColorOption), (Names{"optColor(0)", "optColor(1)", "optColor(2)", "optColor(3)"}));
 }
 
-TEST_F(OptionsRows, TheFontAndTheFolderAreShownAsTheyAreSet)
+TEST_F(OptionsRowsTest, TheFontAndTheFolderAreShownAsTheyAreSet)
 {
     Settings.BalloonFontName = "Vera Serif";
     Settings.BalloonFontSize = 17;
@@ -120,7 +120,7 @@ TEST_F(OptionsRows, TheFontAndTheFolderAreShownAsTheyAreSet)
     EXPECT_EQ(form.txtCharPath.Text.get(), "D:\\Cast\\");
 }
 
-TEST_F(OptionsRows, EveryEntryOfAListIsSavedAsItsNumber)
+TEST_F(OptionsRowsTest, EveryEntryOfAListIsSavedAsItsNumber)
 {
     const struct {
         const char* setting;
@@ -142,7 +142,7 @@ TEST_F(OptionsRows, EveryEntryOfAListIsSavedAsItsNumber)
     }
 }
 
-TEST_F(OptionsRows, EveryButtonOfAGroupIsSavedAsItsNumber)
+TEST_F(OptionsRowsTest, EveryButtonOfAGroupIsSavedAsItsNumber)
 {
     const struct {
         const char* setting;
@@ -165,7 +165,7 @@ TEST_F(OptionsRows, EveryButtonOfAGroupIsSavedAsItsNumber)
     }
 }
 
-TEST_F(OptionsRows, TheEndsOfTheRangesAreAllowed)
+TEST_F(OptionsRowsTest, TheEndsOfTheRangesAreAllowed)
 {
     const struct {
         const char* setting;
@@ -193,7 +193,7 @@ TEST_F(OptionsRows, TheEndsOfTheRangesAreAllowed)
     }
 }
 
-TEST_F(OptionsRows, ACharacterThatCannotPlayTheLastGestureIsNoError)
+TEST_F(OptionsRowsTest, ACharacterThatCannotPlayTheLastGestureIsNoError)
 {
     struct Plain : fakes::FakeCharacter {
         using FakeCharacter::FakeCharacter;
@@ -213,7 +213,7 @@ TEST_F(OptionsRows, ACharacterThatCannotPlayTheLastGestureIsNoError)
     Character = nullptr;
 }
 
-TEST_F(OptionsRows, APreviewFillsAnEmptyTimeAlsoWhereItDoesNotCount)
+TEST_F(OptionsRowsTest, APreviewFillsAnEmptyTimeAlsoWhereItDoesNotCount)
 {
     Open();
     form.txtAutoClose.UserEdit("");

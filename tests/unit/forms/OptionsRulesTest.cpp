@@ -12,7 +12,7 @@ namespace
 
 using Names = std::set<std::string>;
 
-class OptionsRules : public OptionsForm
+class OptionsRulesTest : public OptionsFormTest
 {
 protected:
     Names Disabled() const
@@ -66,7 +66,7 @@ Names operator+(Names all, const Names& more)
     return all;
 }
 
-TEST_F(OptionsRules, TheRulesHoldForTheSettingsThatTheDialogOpensOn)
+TEST_F(OptionsRulesTest, TheRulesHoldForTheSettingsThatTheDialogOpensOn)
 {
     Open();
     EXPECT_EQ(Disabled(), (Names{"chkOnTop", "txtAutoClose"}));
@@ -91,7 +91,7 @@ TEST_F(OptionsRules, TheRulesHoldForTheSettingsThatTheDialogOpensOn)
     ExpectGreyWhereDisabled();
 }
 
-TEST_F(OptionsRules, TheBalloonsSettingsNeedTheBalloon)
+TEST_F(OptionsRulesTest, TheBalloonsSettingsNeedTheBalloon)
 {
     Open();
     form.chkBalloon.UserClick(false);
@@ -111,7 +111,7 @@ TEST_F(OptionsRules, TheBalloonsSettingsNeedTheBalloon)
     ExpectGreyWhereDisabled();
 }
 
-TEST_F(OptionsRules, GreetingAndIntroductionExcludeEachOtherAndBothShowTheCharacter)
+TEST_F(OptionsRulesTest, GreetingAndIntroductionExcludeEachOtherAndBothShowTheCharacter)
 {
     Settings.GreetingEnabled = 0;
     Settings.ShowCharacterAtStart = 0;
@@ -135,7 +135,7 @@ TEST_F(OptionsRules, GreetingAndIntroductionExcludeEachOtherAndBothShowTheCharac
     EXPECT_EQ(Disabled(), (greetingControls + Names{"chkOnTop", "txtAutoClose"}));
 }
 
-TEST_F(OptionsRules, WithoutTheCharacterAtStartupThereIsNeitherGreetingNorIntroduction)
+TEST_F(OptionsRulesTest, WithoutTheCharacterAtStartupThereIsNeitherGreetingNorIntroduction)
 {
     Open();
     form.chkShowStart.UserClick(false);
@@ -149,7 +149,7 @@ TEST_F(OptionsRules, WithoutTheCharacterAtStartupThereIsNeitherGreetingNorIntrod
     EXPECT_EQ(form.chkGreeting.Value, 0);
 }
 
-TEST_F(OptionsRules, TheSentenceNeedsItsBox)
+TEST_F(OptionsRulesTest, TheSentenceNeedsItsBox)
 {
     Open();
     form.chkSpkSentence.UserClick(false);
@@ -158,7 +158,7 @@ TEST_F(OptionsRules, TheSentenceNeedsItsBox)
     EXPECT_TRUE(form.txtRemText.Enabled);
 }
 
-TEST_F(OptionsRules, AutoCloseNeedsItsBox)
+TEST_F(OptionsRulesTest, AutoCloseNeedsItsBox)
 {
     Open();
     form.chkAutoClose.UserClick(true);
@@ -169,7 +169,7 @@ TEST_F(OptionsRules, AutoCloseNeedsItsBox)
     EXPECT_EQ(form.txtAutoClose.BackColor, 0x8000000Fu);
 }
 
-TEST_F(OptionsRules, TheKindOfReminderDecidesWhichOfItsControlsCount)
+TEST_F(OptionsRulesTest, TheKindOfReminderDecidesWhichOfItsControlsCount)
 {
     Open();
     form.chkAutoClose.UserClick(true);
@@ -185,7 +185,7 @@ TEST_F(OptionsRules, TheKindOfReminderDecidesWhichOfItsControlsCount)
     ExpectGreyWhereDisabled();
 }
 
-TEST_F(OptionsRules, TheColourGoesWithItsButton)
+TEST_F(OptionsRulesTest, TheColourGoesWithItsButton)
 {
     Open();
     EXPECT_EQ(form.SelectedAlertColor, 200 | 255 << 8 | 200 << 16);
@@ -201,7 +201,7 @@ TEST_F(OptionsRules, TheColourGoesWithItsButton)
     EXPECT_EQ(form.SelectedAlertColor, 200 | 255 << 8 | 200 << 16);
 }
 
-TEST_F(OptionsRules, TheNumberFieldsTakeDigitsBackspaceAndEnterOnly)
+TEST_F(OptionsRulesTest, TheNumberFieldsTakeDigitsBackspaceAndEnterOnly)
 {
     Open();
     for (TextBox* box : {&form.txtAutoClose, &form.txtCharPerLine, &form.txtTimeInterval, &form.txtTotalLines}) {
@@ -213,7 +213,7 @@ TEST_F(OptionsRules, TheNumberFieldsTakeDigitsBackspaceAndEnterOnly)
     EXPECT_TRUE(form.txtUserName.UserKeyPress('a'));
 }
 
-TEST_F(OptionsRules, CharactersPerLineMustBeBetween8And255)
+TEST_F(OptionsRulesTest, CharactersPerLineMustBeBetween8And255)
 {
     for (const char* wrong : {"", "  ", "7", "0", "256", "9999999999999"}) {
         Open();
@@ -239,7 +239,7 @@ TEST_F(OptionsRules, CharactersPerLineMustBeBetween8And255)
     }
 }
 
-TEST_F(OptionsRules, TotalLinesMustBeBetween1And128)
+TEST_F(OptionsRulesTest, TotalLinesMustBeBetween1And128)
 {
     for (const char* wrong : {"", "0", "129"}) {
         Open();
@@ -261,7 +261,7 @@ TEST_F(OptionsRules, TotalLinesMustBeBetween1And128)
     }
 }
 
-TEST_F(OptionsRules, AutoCloseTimeMustBeBetween4And20EvenWhenItIsOff)
+TEST_F(OptionsRulesTest, AutoCloseTimeMustBeBetween4And20EvenWhenItIsOff)
 {
     for (const char* wrong : {"", "3", "21"}) {
         Open();
@@ -278,7 +278,7 @@ TEST_F(OptionsRules, AutoCloseTimeMustBeBetween4And20EvenWhenItIsOff)
     }
 }
 
-TEST_F(OptionsRules, AComplaintShowsItsOwnTextWhenAnotherMessageComesMeanwhile)
+TEST_F(OptionsRulesTest, AComplaintShowsItsOwnTextWhenAnotherMessageComesMeanwhile)
 {
     Open();
     form.txtAutoClose.UserEdit("3");
@@ -288,7 +288,7 @@ TEST_F(OptionsRules, AComplaintShowsItsOwnTextWhenAnotherMessageComesMeanwhile)
     EXPECT_EQ(fake.windows.boxes[1].text, "Auto close time should be between 4 and 20.");
 }
 
-TEST_F(OptionsRules, TheFirstFailureStopsTheChecksAndNothingIsSaved)
+TEST_F(OptionsRulesTest, TheFirstFailureStopsTheChecksAndNothingIsSaved)
 {
     const auto before = fake.store.keys;
     Open();
@@ -315,7 +315,7 @@ TEST_F(OptionsRules, TheFirstFailureStopsTheChecksAndNothingIsSaved)
     EXPECT_FALSE(form.cmdApply.Enabled);
 }
 
-TEST_F(OptionsRules, AnEmptyNameIsBuddyAndAnEmptyIntervalIsNever)
+TEST_F(OptionsRulesTest, AnEmptyNameIsBuddyAndAnEmptyIntervalIsNever)
 {
     Open();
     form.txtUserName.UserEdit("");
@@ -330,7 +330,7 @@ TEST_F(OptionsRules, AnEmptyNameIsBuddyAndAnEmptyIntervalIsNever)
     EXPECT_EQ(fake.store.Dword("SpeakTimeInterval"), 999);
 }
 
-TEST_F(OptionsRules, OkClosesAfterAFailedApplyWithoutSaving)
+TEST_F(OptionsRulesTest, OkClosesAfterAFailedApplyWithoutSaving)
 {
     const auto before = fake.store.keys;
     Open();
@@ -342,7 +342,7 @@ TEST_F(OptionsRules, OkClosesAfterAFailedApplyWithoutSaving)
     EXPECT_EQ(Settings.BalloonTotalLines, 2);
 }
 
-TEST_F(OptionsRules, PressesWhileAComplaintIsOnItsWayDoNothing)
+TEST_F(OptionsRulesTest, PressesWhileAComplaintIsOnItsWayDoNothing)
 {
     Open();
     form.txtTotalLines.UserEdit("0");
@@ -360,7 +360,7 @@ TEST_F(OptionsRules, PressesWhileAComplaintIsOnItsWayDoNothing)
     EXPECT_FALSE(form.IsLoaded());
 }
 
-TEST_F(OptionsRules, DefaultSetsEveryControlAndKeepsTheTexts)
+TEST_F(OptionsRulesTest, DefaultSetsEveryControlAndKeepsTheTexts)
 {
     Settings.CharacterSize = 2;
     Settings.ShowBalloon = 0;
@@ -423,7 +423,7 @@ TEST_F(OptionsRules, DefaultSetsEveryControlAndKeepsTheTexts)
     EXPECT_EQ(fake.log, Lines{});
 }
 
-TEST_F(OptionsRules, DefaultAndThenCancelChangesNothing)
+TEST_F(OptionsRulesTest, DefaultAndThenCancelChangesNothing)
 {
     const auto before = fake.store.keys;
     Open();
@@ -436,7 +436,7 @@ TEST_F(OptionsRules, DefaultAndThenCancelChangesNothing)
     EXPECT_EQ(form.chkGreeting.Value, 1);
 }
 
-TEST_F(OptionsRules, PreviewShowsAnAlertWindowOfWhatIsChosen)
+TEST_F(OptionsRulesTest, PreviewShowsAnAlertWindowOfWhatIsChosen)
 {
     Open();
     form.cmdPreview.UserClick();
@@ -464,7 +464,7 @@ TEST_F(OptionsRules, PreviewShowsAnAlertWindowOfWhatIsChosen)
         EXPECT_TRUE(alert->Visible());
 }
 
-TEST_F(OptionsRules, TheFontThatIsChosenIsShownAndSaved)
+TEST_F(OptionsRulesTest, TheFontThatIsChosenIsShownAndSaved)
 {
     Open();
     form.cmdFont.UserClick();
@@ -483,7 +483,7 @@ TEST_F(OptionsRules, TheFontThatIsChosenIsShownAndSaved)
     EXPECT_EQ(Alfa().fontSize, 14);
 }
 
-TEST_F(OptionsRules, AnimateAndStopTakeTurns)
+TEST_F(OptionsRulesTest, AnimateAndStopTakeTurns)
 {
     Open();
     form.comAnimation.UserSelect(3);
@@ -497,7 +497,7 @@ TEST_F(OptionsRules, AnimateAndStopTakeTurns)
     EXPECT_EQ(fake.log, (Lines{"Play Greet", "StopAll Play"}));
 }
 
-TEST_F(OptionsRules, TheMainWindowPutsTheCaptionBackWhenTheAnimationHasEnded)
+TEST_F(OptionsRulesTest, TheMainWindowPutsTheCaptionBackWhenTheAnimationHasEnded)
 {
     Open();
     form.cmdAnimate.UserClick();
@@ -507,7 +507,7 @@ TEST_F(OptionsRules, TheMainWindowPutsTheCaptionBackWhenTheAnimationHasEnded)
     EXPECT_EQ(fake.log, (Lines{"Play RestPose"}));
 }
 
-TEST_F(OptionsRules, ClosingStopsAnAnimationThatPlays)
+TEST_F(OptionsRulesTest, ClosingStopsAnAnimationThatPlays)
 {
     Open();
     form.cmdAnimate.UserClick();
@@ -520,7 +520,7 @@ TEST_F(OptionsRules, ClosingStopsAnAnimationThatPlays)
     EXPECT_EQ(fake.log, (Lines{"Window frmOptions hidden"}));
 }
 
-TEST_F(OptionsRules, BrowseTakesAFolderWithItsSeparatorAndCancelLeavesTheBox)
+TEST_F(OptionsRulesTest, BrowseTakesAFolderWithItsSeparatorAndCancelLeavesTheBox)
 {
     Open();
     form.cmdBrowse.UserClick();
@@ -536,7 +536,7 @@ TEST_F(OptionsRules, BrowseTakesAFolderWithItsSeparatorAndCancelLeavesTheBox)
     EXPECT_EQ(form.txtCharPath.Text.get(), "D:\\");
 }
 
-TEST_F(OptionsRules, AnotherFolderWithTheSameCharacterKeepsItAndListsTheNewOnes)
+TEST_F(OptionsRulesTest, AnotherFolderWithTheSameCharacterKeepsItAndListsTheNewOnes)
 {
     fake.AddCharacters("C:\\More\\", {"Alfa", "Delta"});
     Open();
@@ -552,7 +552,7 @@ TEST_F(OptionsRules, AnotherFolderWithTheSameCharacterKeepsItAndListsTheNewOnes)
     EXPECT_FALSE(form.cmdApply.Enabled);
 }
 
-TEST_F(OptionsRules, AFolderWithoutTheCharacterGivesItsPlaceToTheFirstOneThere)
+TEST_F(OptionsRulesTest, AFolderWithoutTheCharacterGivesItsPlaceToTheFirstOneThere)
 {
     fake.AddCharacters("C:\\More\\", {"Delta", "Echo"});
     fake.agent.prepare = [](fakes::FakeCharacter& character) { character.animations = {"Bow", "Nod"}; };
@@ -565,7 +565,7 @@ TEST_F(OptionsRules, AFolderWithoutTheCharacterGivesItsPlaceToTheFirstOneThere)
     EXPECT_EQ(form.comAnimation.Items(), (Lines{"Bow", "Nod"}));
 }
 
-TEST_F(OptionsRules, OnNoThePreviousFolderStaysInTheBoxToo)
+TEST_F(OptionsRulesTest, OnNoThePreviousFolderStaysInTheBoxToo)
 {
     const std::string missing = "C:\\Nowhere\\";
     fake.windows.answers = {vbNo};
@@ -589,7 +589,7 @@ TEST_F(OptionsRules, OnNoThePreviousFolderStaysInTheBoxToo)
     EXPECT_EQ(fake.log, (Lines{"MsgBox Voxmate - Path Error", "Play DoMagic2"}));
 }
 
-TEST_F(OptionsRules, OnYesTheShippedCharactersAreTakenAndTheirFolderShown)
+TEST_F(OptionsRulesTest, OnYesTheShippedCharactersAreTakenAndTheirFolderShown)
 {
     WindowsDir = "C:\\WINDOWS";
     fake.AddCharacters("C:\\WINDOWS\\msagent\\chars\\", {"Alfa"});
