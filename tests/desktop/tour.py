@@ -88,9 +88,8 @@ class TourCase(ReminderCase):
                 if role == "check box" and parents and parents[-1] == ("panel", "Date"):
                     name = DAY
                 found.append(Control(window or name, node, role, name.removesuffix(":"), parents))
-                for child in node:
-                    if child is not None:
-                        visit(child, window or name, parents + [(role, name)])
+                for child in desktop.children(node):
+                    visit(child, window or name, parents + [(role, name)])
             except Exception:  # it disappeared while it was examined
                 return
 
