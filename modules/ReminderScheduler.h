@@ -24,9 +24,9 @@ public:
     /// and may still be on the screen.
     std::vector<std::unique_ptr<NoticeWindow>> RemNoticeWindows;
     std::vector<std::unique_ptr<AlertWindow>> RemAlertWindows;
-    /// What was announced last under each number, entry k for reminder k, always as pending. While an announcement is on
-    /// the screen its reminder may be changed, or get another number because one before it is deleted. The answer must
-    /// not go to another reminder.
+    /// What was announced last under each number, entry k for reminder k, always as pending. While an announcement is
+    /// on the screen its reminder may be changed, or get another number because one before it is deleted. The answer
+    /// must not go to another reminder.
     std::vector<std::optional<Reminder>> RemAnnounced;
 
     /// One tick of the reminder timer: announces, in the order of the list, every pending reminder whose minute has
