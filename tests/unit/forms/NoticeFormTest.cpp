@@ -233,6 +233,30 @@ TEST_F(NoticeFormTest, TheCloseBoxLeavesTheReminderPendingAndItComesAgainAsMisse
     EXPECT_EQ(form.txtSnooze.Text.get(), "10");
 }
 
+TEST_F(NoticeFormTest, ANoticeThatShowsAnotherReminderByTheTimeASnoozeIsSpokenStays)
+{
+    frmShowRem& form = Notice(1);
+    fakes::FakeCharacter character(fake.log, "Nalu");
+    Character = &character;
+    Settings.ReminderNextSchSpeak = 1;
+    fake.windows.whilePending = [&] {
+        fake.windows.whilePending = nullptr;
+        form.UserClose();
+        fake.clock.now.minute = 56;
+        RemTimer_Timer();
+    };
+    form.cmdSnooze.UserClick();
+    EXPECT_EQ(Stored(1), "7.3.2004 15:5 N");
+    EXPECT_EQ(main.made.size(), 3U) << "a new window was made";
+    EXPECT_TRUE(form.Visible());
+    EXPECT_EQ(form.lblTitle.Caption.get(), "Later");
+    // Its buttons are the new reminder's.
+    form.cmdOK.UserClick();
+    EXPECT_EQ(Stored(5), "7.3.2004 14:56 Y");
+    EXPECT_FALSE(form.Visible());
+    Character = nullptr;
+}
+
 TEST_F(NoticeFormTest, AWindowWhoseReminderIsNoLongerInTheListOnlyCloses)
 {
     frmShowRem& form = Notice(3);

@@ -1,6 +1,12 @@
 #include "platform/linux/word/FlatText.h"
 
+#include <cstdlib>
+#include <fstream>
+#include <new>
+
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using voxmate::linux_platform::MainText;
 
@@ -231,4 +237,28 @@ TEST(FlatTextTest, RefusesWhatIsCutOffOrNoDocument)
         EXPECT_FALSE(MainText(std::string_view(whole).substr(0, size))) << size;
     EXPECT_FALSE(MainText("plain text"));
     EXPECT_FALSE(MainText("</a>"));
+}
+
+// Reads a document when there are only 16 MB of memory left, and ends the process: 0 when that is told.
+[[noreturn]] void ReadWithLittleMemory(const std::string& document)
+{
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t most = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + (rlim_t{16} << 20);
+    const rlimit limit{most, most};
+    ::setrlimit(RLIMIT_AS, &limit);
+    try {
+        std::_Exit(MainText(document) ? 1 : 2);
+    } catch (const std::bad_alloc&) {
+        std::_Exit(0);
+    }
+}
+
+TEST(FlatTextDeathTest, LackOfMemoryIsToldAsSuchAndNotAsADocumentThatCannotBeRead)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer ends the program when memory runs out";
+#endif
+    const std::string document = Document("<text:p>" + std::string(std::size_t{64} << 20, 'x') + "</text:p>");
+    EXPECT_EXIT(ReadWithLittleMemory(document), ::testing::ExitedWithCode(0), "");
 }
