@@ -41,7 +41,7 @@ std::string Reading::AskForFile(const Source& source)
     program_.Main->SetStatus("Prompting for file name...");
     CommonDialog dialog{source.filter, source.title, true, {}};
     program_.Host.Windows.ShowOpen(dialog);
-    const std::string file = Trim(dialog.FileName);
+    std::string file = Trim(dialog.FileName);
     if (file.empty())
         return {};
     if (!program_.Host.Files.FileExists(file)) {

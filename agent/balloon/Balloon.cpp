@@ -159,7 +159,7 @@ void Balloon::LayOut()
     } else {
         rows_ = std::clamp<std::size_t>((style_ & BalloonLinesMask) >> 24, 1, highest);
     }
-    const std::int64_t height = static_cast<std::int64_t>(rows_) * lineHeight_ + 2 * BalloonPadding;
+    const std::int64_t height = static_cast<std::int64_t>(rows_) * lineHeight_ + std::int64_t{2} * BalloonPadding;
     size_ = {std::min(inner + 2 * BalloonPadding, area.width),
              static_cast<int>(std::min<std::int64_t>(height, area.height))};
     Update();

@@ -6,7 +6,7 @@
 namespace voxmate::agent
 {
 
-PictureFaults CheckPictures(const AcsFile& file, std::stop_token stop)
+PictureFaults CheckPictures(const AcsFile& file, const std::stop_token& stop)
 {
     PictureFaults faults;
     faults.damaged.resize(file.ImageCount());

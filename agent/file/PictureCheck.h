@@ -18,6 +18,6 @@ struct PictureFaults {
 
 /// Decodes every image; one that several entries of the list share is decoded once. May run on any thread. When asked
 /// to stop, it returns what it has found so far.
-PictureFaults CheckPictures(const AcsFile& file, std::stop_token stop = {});
+PictureFaults CheckPictures(const AcsFile& file, const std::stop_token& stop = {});
 
 } // namespace voxmate::agent

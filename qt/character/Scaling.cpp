@@ -178,6 +178,12 @@ Plane Band(const Bitmap& bitmap, int from, int to, const std::vector<Taps>& acro
     return Wider(plane, from - above, to - above, across);
 }
 
+// For values that are not negative. std::lround is a call of the library, four times for each pixel.
+int Rounded(float value)
+{
+    return static_cast<int>(value + 0.5F); // NOLINT(bugprone-incorrect-roundings)
+}
+
 QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
 {
     const std::vector<Taps> across = TapsFor(bitmap.width, size.width());
@@ -211,10 +217,8 @@ QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
         const float* value = row.data();
         for (int x = 0; x < size.width(); ++x, value += Channels) {
             const float alpha = std::clamp((value[3] - level) * slope / 255 + 0.5F, 0.0F, 1.0F);
-            const auto channel = [&](std::size_t c) {
-                return static_cast<int>(std::clamp(value[c], 0.0F, 255.0F) * alpha + 0.5F);
-            };
-            out[x] = qRgba(channel(0), channel(1), channel(2), static_cast<int>(alpha * 255 + 0.5F));
+            const auto channel = [&](std::size_t c) { return Rounded(std::clamp(value[c], 0.0F, 255.0F) * alpha); };
+            out[x] = qRgba(channel(0), channel(1), channel(2), Rounded(alpha * 255));
         }
     }
     return image;
@@ -229,7 +233,7 @@ QImage Scaled(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
     if (size.width() > bitmap.width || size.height() > bitmap.height)
         return Enlarged(bitmap, size, stop);
     const QImage image = QImage(reinterpret_cast<const uchar*>(bitmap.pixels.data()), bitmap.width, bitmap.height,
-                                bitmap.width * static_cast<int>(sizeof(std::uint32_t)), QImage::Format_ARGB32)
+                                qsizetype{bitmap.width} * qsizetype{sizeof(std::uint32_t)}, QImage::Format_ARGB32)
                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     return image.size() == size ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

@@ -104,7 +104,7 @@ protected:
 QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin)
 {
     const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
-    const QPointer<QFileDialog> dialog =
+    QPointer<QFileDialog> dialog =
         new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
     // The desktop's own dialog would be a window of another program, and the character would not stay usable beside it.
     dialog->setOption(QFileDialog::DontUseNativeDialog);

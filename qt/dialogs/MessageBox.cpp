@@ -77,7 +77,7 @@ protected:
     {
         // A message box would compute its size from its label, which no longer counts once the text scrolls.
         if (scroll_ && event->type() == QEvent::LayoutRequest)
-            return QWidget::event(event);
+            return QWidget::event(event); // NOLINT(bugprone-parent-virtual-call)
         return QMessageBox::event(event);
     }
 

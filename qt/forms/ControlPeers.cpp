@@ -314,7 +314,7 @@ private:
             return;
         }
         constexpr qint64 MostBehind = 1000 / LeastInterval;
-        constexpr qint64 Nanoseconds = LeastInterval * 1'000'000;
+        constexpr qint64 Nanoseconds = qint64{LeastInterval} * 1'000'000;
         const qint64 due = (running_.nsecsElapsed() + Nanoseconds / 2) / Nanoseconds;
         ticks_ = std::max(ticks_, due - MostBehind);
         // A tick may destroy this peer or stop the timer.

@@ -130,7 +130,7 @@ private:
     void UpdateGround()
     {
         const QPalette desktop = QApplication::palette(this);
-        const QBrush ground = desktop.brush(grey_ ? QPalette::Window : QPalette::Base);
+        const QBrush& ground = desktop.brush(grey_ ? QPalette::Window : QPalette::Base);
         // Setting the palette raises a change event, too.
         if (ground == W::palette().brush(QPalette::Base))
             return;

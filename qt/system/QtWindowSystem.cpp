@@ -45,7 +45,7 @@ QString PlainTextFormat(const QMimeData* content)
 {
     if (!content)
         return {};
-    const QString plain = QStringLiteral("text/plain");
+    QString plain = QStringLiteral("text/plain");
     if (content->hasFormat(plain))
         return plain;
     const QStringList formats = content->formats();

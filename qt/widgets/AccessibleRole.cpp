@@ -56,9 +56,9 @@ void SetAccessibleRole(QWidget& widget, QAccessible::Role role)
     widget.setProperty(RoleProperty, static_cast<int>(role));
 }
 
-void SetAccessiblePress(QWidget& widget, std::function<void()> press)
+void SetAccessiblePress(QWidget& widget, const std::function<void()>& press)
 {
-    widget.setProperty(PressProperty, QVariant::fromValue(std::move(press)));
+    widget.setProperty(PressProperty, QVariant::fromValue(press));
 }
 
 } // namespace voxmate::qt

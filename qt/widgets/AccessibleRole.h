@@ -14,6 +14,6 @@ namespace voxmate::qt
 /// would replace their own roles and actions.
 void SetAccessibleRole(QWidget& widget, QAccessible::Role role);
 /// Lets screen readers press a widget that has been given a role, so that it can be pressed without a mouse.
-void SetAccessiblePress(QWidget& widget, std::function<void()> press);
+void SetAccessiblePress(QWidget& widget, const std::function<void()>& press);
 
 } // namespace voxmate::qt

@@ -48,7 +48,7 @@ private:
     QDate date_;
     QLabel* title_;
     std::array<QLabel*, DaysOfWeek> weekdays_{};
-    std::array<QPushButton*, Weeks * DaysOfWeek> days_{};
+    std::array<QPushButton*, std::size_t{Weeks} * DaysOfWeek> days_{};
     QPushButton* today_;
 };
 

@@ -32,7 +32,8 @@ public:
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    bool Good() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+    // iconv_open tells a failure with this value.
+    bool Good() const { return handle_ != reinterpret_cast<iconv_t>(-1); } // NOLINT(performance-no-int-to-ptr)
 
     /// Removes the convertible bytes from the front of `bytes` and appends their text. Returns 0 when all are
     /// converted, EILSEQ at an undefined byte, or EINVAL at an incomplete character.
@@ -114,7 +115,7 @@ std::string CodePage::NameFor(std::string_view locale)
     const std::string_view language = locale.substr(0, locale.find_first_of("_.@"));
     const std::string_view rest = locale.substr(language.size());
     if (const std::size_t dot = rest.find('.'); dot != std::string_view::npos) {
-        const std::string own(rest.substr(dot + 1, rest.find('@', dot) - dot - 1));
+        std::string own(rest.substr(dot + 1, rest.find('@', dot) - dot - 1));
         // Latin-1 is read as Windows-1252, which has letters where Latin-1 has control characters.
         if (Plain(own) == "ISO88591")
             return Western;

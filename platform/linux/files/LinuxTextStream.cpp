@@ -17,7 +17,7 @@ namespace
 {
 
 // Large enough for a system call to cost less than the reading itself, small enough for the processor's cache.
-constexpr std::size_t BlockSize = 64 * 1024;
+constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
 RuntimeError ErrorOf(int number)
 {

@@ -24,7 +24,7 @@ namespace
 {
 
 /// The bytes of a file that are enough to tell what it is.
-constexpr std::size_t HeadSize = 64 * 1024;
+constexpr std::size_t HeadSize = std::size_t{64} * 1024;
 
 // Signatures of compound files ([MS-CFB]), ZIP archives, rich text, and two older kinds of binary documents.
 bool IsWordProcessors(std::string_view head)
