@@ -72,9 +72,9 @@ void frmAlertWindow::Form_Load()
     version.dwOSVersionInfoSize = sizeof version;
     if (windows_.GetVersionExA(version)) {
         if (version.dwPlatformId == VER_PLATFORM_WIN32_WINDOWS && version.dwMinorVersion >= 10)
-            my_.OsLevel = 1;
+            my_.OsLevel = OsLevels::Gradients;
         else if (version.dwPlatformId == VER_PLATFORM_WIN32_NT && version.dwMajorVersion >= 5)
-            my_.OsLevel = 2;
+            my_.OsLevel = OsLevels::TransparentWindows;
     }
     WinRect area;
     windows_.SystemParametersInfoA(SPI_GETWORKAREA, 0, area, 0);
@@ -106,7 +106,7 @@ void frmAlertWindow::SetOnTop(bool bOn)
 
 void frmAlertWindow::SetTransparency(std::int32_t Percent)
 {
-    if (my_.OsLevel != 2)
+    if (my_.OsLevel != OsLevels::TransparentWindows)
         return;
     const std::int64_t alpha = RoundHalfEven((100 - Percent) / 100.0 * 255);
     if (alpha < 0 || alpha > 255)
@@ -177,7 +177,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
 
 void frmAlertWindow::PaintGradient(bool tube, std::int32_t color)
 {
-    if (my_.OsLevel == 0) {
+    if (my_.OsLevel == OsLevels::PlainColours) {
         windows_.SetBackColor(hWnd(), static_cast<std::uint32_t>(color));
         return;
     }

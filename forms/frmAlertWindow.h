@@ -43,6 +43,9 @@ private:
     Program& program_;
     WindowSystem& windows_;
 
+    /// What the system can draw; each level can also do what those before it can.
+    enum class OsLevels : std::uint8_t { PlainColours, Gradients, TransparentWindows };
+
     /// The state of one announcement; loading the window resets it.
     struct State {
         std::int16_t FormId = 0;
@@ -55,8 +58,7 @@ private:
         bool NoClickClose = false;
         bool IsFade = false;
         bool IsOnTop = false; ///< a sliding window has arrived and is held above all others
-        /// What the system can draw: 0 plain colours, 1 gradients, 2 gradients and transparent windows.
-        std::uint8_t OsLevel = 0;
+        OsLevels OsLevel = OsLevels::PlainColours;
     };
     State my_;
 

@@ -17,9 +17,6 @@ constexpr const char* stop = "Stop";
 /// The number of previews; it stands for no reminder.
 constexpr std::int16_t previewId = 9999;
 
-// Entries of comRemType.
-constexpr int alertWindow = 0;
-
 // A disabled field is greyed.
 void EnableBox(TextBox& box, bool enabled)
 {
@@ -161,8 +158,9 @@ void frmOptions::cmdPreview_Click()
                 : "Test reminder window.") +
         CrLf;
     previews_.push_back(program_.Main->NewAlertWindow());
-    previews_.back()->DisplayMessage(message, previewId, true, closes ? NumberIn(txtAutoClose) : 0, optAction(1).Value,
-                                     true, optShape(0).Value, SelectedAlertColor, optGradiantType(1).Value);
+    previews_.back()->DisplayMessage(message, previewId, true, closes ? NumberIn(txtAutoClose) : 0,
+                                     optAction(AlertFades).Value, true, optShape(AlertIsSquare).Value,
+                                     SelectedAlertColor, optGradiantType(TubeGradient).Value);
 }
 
 void frmOptions::Play(const std::string& animation)
@@ -221,7 +219,7 @@ void frmOptions::chkShowStart_Click()
 
 void frmOptions::comRemType_Click()
 {
-    const bool alert = comRemType.ListIndex == alertWindow;
+    const bool alert = comRemType.ListIndex == RemindInAlert;
     for (Frame* frame : {&fraAction, &fraGrad, &fraShape, &fraColorOption})
         frame->Enabled = alert;
     for (OptionGroup* group : {&optAction, &optGradiantType, &optShape, &optColor})

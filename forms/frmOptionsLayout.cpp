@@ -1,5 +1,6 @@
 // The arrangement of the options dialog, and what a screen reader says for controls without a caption.
 #include "forms/frmOptions.h"
+#include "modules/Settings.h"
 
 namespace voxmate
 {
@@ -75,8 +76,9 @@ Layout frmOptions::ReadingPage()
 Layout frmOptions::MiscPage()
 {
     Layout greeting = Column({
-        Grid(2, {Item(OptGreet(0)).Stretch(1), Item(OptGreet(3)).Stretch(1), Item(OptGreet(1)), Item(OptGreet(4)),
-                 Item(OptGreet(2)), Space(0)}),
+        Grid(2,
+             {Item(OptGreet(GreetTime)).Stretch(1), Item(OptGreet(GreetDateAndTime)).Stretch(1),
+              Item(OptGreet(GreetDate)), Item(OptGreet(GreetDateTimeAndOther)), Item(OptGreet(GreetOther)), Space(0)}),
         Row({Item(Label5), Item(txtGreeting).Stretch(1)}),
     });
     return Column({

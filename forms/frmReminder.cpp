@@ -105,7 +105,7 @@ void frmReminder::Form_QueryUnload(bool& cancel)
     cancel = !command.Begun() || !MayClose();
 }
 
-void frmReminder::AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+void frmReminder::AddListItem(std::int16_t id, ReminderImage image, const std::string& title, const std::string& date,
                               const std::string& time)
 {
     lstvReminders.AddItem({std::to_string(id), image, {title, date, time}});

@@ -40,7 +40,7 @@ public:
     void ShowEditor() override { Show(); }
     void UnloadEditor() override { Unload(); }
     void ClearList() override { lstvReminders.ClearItems(); }
-    void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+    void AddListItem(std::int16_t id, ReminderImage image, const std::string& title, const std::string& date,
                      const std::string& time) override;
     void SelectListItem(std::int16_t index) override;
     void ShowFields(const Reminder& reminder) override;

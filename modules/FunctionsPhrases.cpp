@@ -65,19 +65,19 @@ void Greet(const Saying& say, const SettingsRecord& settings, Clock& clock)
     const std::string time = FormatSpokenTime(now, settings.TimeIn24Hour, true);
     const std::string today = "Today is " + FormatSpokenDate(settings.DateFormat, now);
     switch (settings.GreetingType) {
-    case 0:
+    case GreetTime:
         say(time, "Announce");
         break;
-    case 1:
+    case GreetDate:
         say(today, "Announce");
         break;
-    case 2:
+    case GreetOther:
         say(settings.OtherGreeting, "Greet");
         break;
-    case 3:
+    case GreetDateAndTime:
         say(today + " and " + time, "Announce");
         break;
-    case 4:
+    case GreetDateTimeAndOther:
         say(today + " and " + time, "Announce");
         say(settings.OtherGreeting, "");
         break;

@@ -284,7 +284,7 @@ bool ReminderFile::ReadDataFile(ReminderEditor* editor)
             return false;
         if (editor)
             editor->AddListItem(
-                ToInt16(list_.EntryCount()), record->Done == "Y" ? 1 : 2,
+                ToInt16(list_.EntryCount()), record->Done == "Y" ? DoneImage : PendingImage,
                 list_.RemTitles[static_cast<std::size_t>(list_.EntryCount())],
                 std::string(record->Year).append("/").append(record->Month).append("/").append(record->Day),
                 std::string(record->Hour).append(":").append(record->Minute));

@@ -67,10 +67,10 @@ bool ReminderScheduler::ShowAlert(const NoticeText& text)
                                  "Time: " + text.Time,   "Desc: " + text.Description};
     const SettingsRecord& settings = program_.Settings;
     const auto color = static_cast<std::size_t>(settings.RemAlertColor);
-    window.DisplayMessage(JoinLines(lines), text.Id, false,
-                          settings.RemAlertClose == 1 ? settings.RemAlertCloseTime : 0, settings.RemAlertAction == 1,
-                          true, settings.RemAlertShape == 0, AlertColors.at(color < AlertColors.size() ? color : 0),
-                          settings.RemAlertGradient == 1);
+    window.DisplayMessage(
+        JoinLines(lines), text.Id, false, settings.RemAlertClose == 1 ? settings.RemAlertCloseTime : 0,
+        settings.RemAlertAction == AlertFades, true, settings.RemAlertShape == AlertIsSquare,
+        AlertColors.at(color < AlertColors.size() ? color : 0), settings.RemAlertGradient == TubeGradient);
     return true;
 }
 
@@ -187,7 +187,7 @@ void ReminderScheduler::ShowReminder(bool missed, std::int16_t id, const Reminde
                     : Padded(schedule.day, 2) + "/" + Padded(schedule.month, 2) + "/" + Padded(schedule.year, 4);
     text.Time = Padded(schedule.hour, 2) + ":" + Padded(schedule.minute, 2);
     text.Description = reminder.Description;
-    if (!(program_.Settings.ReminderType == 1 ? ShowNotice(text) : ShowAlert(text)))
+    if (!(program_.Settings.ReminderType == RemindInNotice ? ShowNotice(text) : ShowAlert(text)))
         return;
     const auto at = static_cast<std::size_t>(id);
     RemAnnounced.resize(std::max(RemAnnounced.size(), at + 1));

@@ -14,6 +14,17 @@ class Program;
 /// The registry key that holds all settings.
 inline constexpr const char* SettingsKey = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Voxmate";
 
+/// Values of GreetingType.
+enum GreetingTypes : std::int16_t { GreetTime, GreetDate, GreetOther, GreetDateAndTime, GreetDateTimeAndOther };
+
+/// Values of ReminderType.
+enum ReminderTypes : std::int16_t { RemindInAlert, RemindInNotice };
+
+/// Values of RemAlertAction, RemAlertShape and RemAlertGradient.
+enum AlertActions : std::int16_t { AlertSlides, AlertFades };
+enum AlertShapes : std::int16_t { AlertIsSquare, AlertIsRound };
+enum AlertGradients : std::int16_t { CornerGradient, TubeGradient };
+
 /// One field a setting, named as its registry value. Switches hold 0 or 1 and are on only when equal to 1.
 struct SettingsRecord {
     std::string BalloonFontName;

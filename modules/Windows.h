@@ -49,6 +49,9 @@ public:
     virtual void ShowNotice(const NoticeText& text) = 0;
 };
 
+/// Pictures of the reminder editor's list, by number.
+enum ReminderImage : int { DoneImage = 1, PendingImage = 2 };
+
 /// The reminder editor's list and fields.
 class ReminderEditor
 {
@@ -56,10 +59,9 @@ public:
     virtual ~ReminderEditor() = default;
     virtual void ShowEditor() = 0;
     virtual void UnloadEditor() = 0;
-    /// The list of reminders: empties it; adds a row of number, title, yyyy/mm/dd and HH:MM with image 1 (done) or 2
-    /// (pending).
+    /// The list of reminders: empties it; adds a row of number, title, yyyy/mm/dd and HH:MM with its picture.
     virtual void ClearList() = 0;
-    virtual void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+    virtual void AddListItem(std::int16_t id, ReminderImage image, const std::string& title, const std::string& date,
                              const std::string& time) = 0;
     /// Enables cmdUpdate and cmdDelete, makes the selection row-wide and selects item `index`, counted from 1 in the
     /// order in which the items were added; what is not there is not selected.

@@ -20,7 +20,7 @@ public:
     void ShowEditor() override { log_.push_back("Editor shown"); }
     void UnloadEditor() override { log_.push_back("Editor unloaded"); }
     void ClearList() override { rows.clear(); }
-    void AddListItem(std::int16_t id, int image, const std::string& title, const std::string& date,
+    void AddListItem(std::int16_t id, ReminderImage image, const std::string& title, const std::string& date,
                      const std::string& time) override
     {
         rows.push_back(std::to_string(id) + "|" + std::to_string(image) + "|" + title + "|" + date + "|" + time);

@@ -75,15 +75,16 @@ public:
         std::destroy_at(&program);
         std::construct_at(&program, platform)->Main = window;
     }
-    /// As it would be for the reminders alone, whose file stays where it was.
-    void ResetReminders()
+    /// The same, with the settings, the character and the places of the reminders' files that it had.
+    void BeginAgain()
     {
+        const SettingsRecord settings = Settings;
+        AgentCharacter* const character = Character;
         const std::string file = ReminderFilePath;
         const std::string temp = ReminderTempPath;
-        std::destroy_at(&program.Scheduler);
-        std::destroy_at(&program.Reminders);
-        std::construct_at(&program.Reminders, program);
-        std::construct_at(&program.Scheduler, program);
+        BeginProgram();
+        Settings = settings;
+        Character = character;
         ReminderFilePath = file;
         ReminderTempPath = temp;
     }

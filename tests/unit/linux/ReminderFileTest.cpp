@@ -193,7 +193,7 @@ TEST_F(ReminderFileTest, ASaveCutOffAtAnySystemCallLosesNoReminder)
             left.after += hasFile && found == save.after ? 1 : 0;
             left.copyOnly += hasFile ? 0 : 1;
             // The next start finds them.
-            ResetReminders();
+            BeginAgain();
             window.CheckReminderMenus(true, false);
             LoadReminders(false, 0);
             ASSERT_NE(RemindersValid, False) << save.what << ", stop " << stop;
@@ -274,7 +274,7 @@ TEST_F(ReminderFileTest, ASaveCutOffWithinAWriteLosesNoReminder)
         ASSERT_EQ(fs::file_size(ReminderTempPath + ".new"), limit);
         ASSERT_FALSE(fs::exists(ReminderTempPath)); // an incomplete copy never gets a copy's name
         ASSERT_EQ(Content(ReminderFilePath), before) << limit;
-        ResetReminders();
+        BeginAgain();
         LoadReminders(false, 0);
         ASSERT_EQ(RemCount, many) << limit;
         // The incomplete copy does not obstruct the next save.

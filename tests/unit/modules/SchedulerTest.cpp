@@ -84,7 +84,7 @@ TEST_F(SchedulerTest, DatesAreComparedFieldByFieldFromTheYearDown)
         {{"x", "17", "03", "1975", "14", "06", "", "N"}, nullptr},
     };
     for (const Case& one : cases) {
-        ResetReminders();
+        BeginAgain();
         Load({one.fields});
         Tick();
         const std::string when = one.fields[3] + one.fields[2] + one.fields[1] + one.fields[4] + one.fields[5];
@@ -131,7 +131,7 @@ TEST_F(SchedulerTest, WhatIsOnTheScreenIsNotAnnouncedAgain)
 {
     for (const std::int16_t type : {std::int16_t{0}, std::int16_t{1}}) {
         Settings.ReminderType = type;
-        ResetReminders();
+        BeginAgain();
         Load({Due("Tea", "14", "05")});
         Tick();
         EXPECT_EQ(Announced().size(), 1u);
@@ -283,7 +283,7 @@ TEST_F(SchedulerTest, TheFirstPieceThatIsSpokenHasTheAnimation)
                                               &Settings.ReminderDateSpeak, &Settings.ReminderTimeSpeak,
                                               &Settings.ReminderDescSpeak};
     for (unsigned mask = 0; mask < 32; ++mask) {
-        ResetReminders();
+        BeginAgain();
         Load({Call()});
         Lines expected;
         for (std::size_t i = 0; i < 5; ++i) {

@@ -17,12 +17,6 @@ const std::string path = "C:\\Voxmate\\VoxmateTips.txt";
 
 class TipsTest : public ModuleTest
 {
-protected:
-    void ResetTips()
-    {
-        Tips.clear();
-        CurrentTip = 0;
-    }
 };
 
 TEST_F(TipsTest, EveryOpeningAppendsTheWholeFileAndShowsOneOfItsLines)
@@ -71,11 +65,11 @@ TEST_F(TipsTest, TheClockDecidesTheChoice)
     Settings.AutoReadTip = 0;
     std::set<std::int32_t> chosen;
     for (int second = 0; second < 30; ++second) {
-        ResetTips();
+        BeginAgain();
         fake.clock.now.second = second;
         ShowTipOfTheDay(true);
         const std::int32_t first = CurrentTip;
-        ResetTips();
+        BeginAgain();
         ShowTipOfTheDay(true);
         EXPECT_EQ(CurrentTip, first);
         chosen.insert(first);
