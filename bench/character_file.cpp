@@ -93,6 +93,7 @@ std::vector<double> Timed(Action&& action)
 void Run(int count, char** paths)
 {
     std::vector<std::shared_ptr<const AcsFile>> cast;
+    cast.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         cast.push_back(AcsFile::Open(paths[i]));
     AcsDescription d;

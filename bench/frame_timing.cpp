@@ -134,7 +134,7 @@ int main(int argc, char** argv)
     const int seconds = argc > 2 ? std::atoi(argv[2]) : 20;
     qt::QtApplication application(argc, argv);
     std::vector<double> due;
-    const auto march = March(*AcsFile::Open(argv[1]), seconds * 100, due);
+    auto march = March(*AcsFile::Open(argv[1]), seconds * 100, due);
 
     bench::NoSound sound;
     NoVoice voice;
@@ -142,6 +142,7 @@ int main(int argc, char** argv)
     Server server(stage, voice, [&march](const std::string&) { return march; });
     server.Load("March", "");
     std::vector<std::unique_ptr<Alert>> alerts;
+    alerts.reserve(Alerts);
     for (int i = 0; i < Alerts; ++i)
         alerts.push_back(std::make_unique<Alert>(i));
     PaintWatch watch;

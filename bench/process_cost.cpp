@@ -73,6 +73,7 @@ int MeasureStart(int count, const char* program)
     xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
     xcb_flush(connection);
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         times.push_back(TimeToWindow(connection, program));
     Report(std::string("start to first window: ") + program, times, "ms");

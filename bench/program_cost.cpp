@@ -158,7 +158,7 @@ void MeasureSpeech()
 {
     const std::string text = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all.";
     constexpr int rounds = 21;
-    std::vector<double> program_;
+    std::vector<double> whole;
     {
         WholeProgram program;
         program.parts.RunStartUp();
@@ -169,16 +169,16 @@ void MeasureSpeech()
             const double begin = NowMs();
             program.parts.Voice.SpeakText(text, "");
             program.RunUntil([&] { return program.watched.firstSample != 0; }, 5000);
-            program_.push_back(program.watched.firstSample - begin);
+            whole.push_back(program.watched.firstSample - begin);
             program.RunEvents(150);
             program.parts.Character->StopAll("");
             program.RunEvents(400);
         }
     }
     // The first round also loads the voice; it is left out on both sides.
-    const double cold = program_.front();
-    program_.erase(program_.begin());
-    Report("SpeakText to first sample at the sink", program_, "ms", "within 1.3 times of the library alone");
+    const double cold = whole.front();
+    whole.erase(whole.begin());
+    Report("SpeakText to first sample at the sink", whole, "ms", "within 1.3 times of the library alone");
     std::printf("  the first one, which loads the voice: %.3f ms\n", cold);
 
     // The library has been initialised by the program and keeps its voice and parameters.
@@ -193,7 +193,7 @@ void MeasureSpeech()
     }
     library.erase(library.begin());
     Report("the engine's library alone to its first samples", library, "ms");
-    std::printf("  ratio of the medians: %.2f\n", bench::Median(program_) / bench::Median(library));
+    std::printf("  ratio of the medians: %.2f\n", bench::Median(whole) / bench::Median(library));
 }
 
 } // namespace

@@ -108,7 +108,7 @@ class Clicks final : public SampleSource
 public:
     static constexpr int Rate = 22050;
     static constexpr std::int64_t Every = Rate / 5;
-    static constexpr std::int64_t Total = Rate * 4;
+    static constexpr std::int64_t Total = std::int64_t{Rate} * 4;
     std::size_t Pull(std::span<std::int16_t> samples, bool& ended) override
     {
         std::size_t given = 0;

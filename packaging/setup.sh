@@ -17,7 +17,7 @@ desktop_packages=(
 )
 # Only the tests need other window managers and another program's clipboard, and look at how the code is written.
 test_packages=(
-  libgtest-dev libgmock-dev clang-format xclip xfwm4 marco mate-settings-daemon-common
+  libgtest-dev libgmock-dev clang-format clang-tidy xclip xfwm4 marco mate-settings-daemon-common
 )
 
 say() { printf '== %s\n' "$*"; }

@@ -60,8 +60,8 @@ public:
 
     std::unique_ptr<agent::StageTimer> After(int milliseconds, std::function<void()> action) override
     {
-        auto entry = std::make_shared<Entry>(Entry{now + milliseconds, nextNumber++, std::move(action)});
-        timers.push_back(entry);
+        auto entry = std::make_shared<Entry>(Entry{now + milliseconds, nextNumber_++, std::move(action)});
+        timers_.push_back(entry);
         return std::make_unique<Timer>(*this, std::move(entry));
     }
     /// The work is done when the stage comes to it, `workTime` milliseconds from now.
@@ -109,11 +109,11 @@ public:
     void Stall(int milliseconds) { now += milliseconds; }
 
     /// How many timers are waiting; the milliseconds to the next one, -1 when there is none.
-    std::size_t Waiting() const { return timers.size(); }
+    std::size_t Waiting() const { return timers_.size(); }
     int NextDue() const
     {
         const auto first = Earliest();
-        return first == timers.end() ? -1 : static_cast<int>(std::max<std::int64_t>(0, (*first)->due - now));
+        return first == timers_.end() ? -1 : static_cast<int>(std::max<std::int64_t>(0, (*first)->due - now));
     }
 
     Character& Window() { return *characters.back(); }
@@ -169,7 +169,7 @@ private:
     {
     public:
         Timer(FakeStage& stage, std::shared_ptr<Entry> entry) : stage_(stage), entry_(std::move(entry)) {}
-        ~Timer() override { std::erase(stage_.timers, entry_); }
+        ~Timer() override { std::erase(stage_.timers_, entry_); }
 
     private:
         FakeStage& stage_;
@@ -251,7 +251,7 @@ private:
 
     Entries::const_iterator Earliest() const
     {
-        return std::min_element(timers.begin(), timers.end(), [](const auto& a, const auto& b) {
+        return std::min_element(timers_.begin(), timers_.end(), [](const auto& a, const auto& b) {
             return std::pair{a->due, a->number} < std::pair{b->due, b->number};
         });
     }
@@ -259,18 +259,18 @@ private:
     bool RunNext(std::int64_t until)
     {
         const auto first = Earliest();
-        if (first == timers.end() || (*first)->due > until)
+        if (first == timers_.end() || (*first)->due > until)
             return false;
         const std::shared_ptr<Entry> entry = *first;
-        timers.erase(first);
+        timers_.erase(first);
         now = std::max(now, entry->due);
         ++timersRun;
         entry->action();
         return true;
     }
 
-    Entries timers;
-    std::int64_t nextNumber = 0;
+    Entries timers_;
+    std::int64_t nextNumber_ = 0;
 };
 
 } // namespace voxmate::fakes

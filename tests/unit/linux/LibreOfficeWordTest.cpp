@@ -266,7 +266,7 @@ TEST_F(LibreOfficeWordTest, IsStartedWhereThereIsNoNetworkAndStaysTheSameUser)
     EXPECT_EQ(word->RangeEnd(), 4);
     EXPECT_NE(Record("network"), "");
     EXPECT_NE(Record("network"), fs::read_symlink("/proc/self/ns/net").string() + "\n");
-    EXPECT_TRUE(Record("devices") == "" || Record("devices") == "    lo\n") << Record("devices");
+    EXPECT_TRUE(Record("devices").empty() || Record("devices") == "    lo\n") << Record("devices");
     EXPECT_EQ(Record("user"), std::to_string(::getuid()) + " " + std::to_string(::getgid()) + "\n");
     EXPECT_EQ(Record("owner"), Record("user"));
     ExpectNothingLeft();
