@@ -38,7 +38,7 @@ void Character::CheckPictures()
 {
     const auto faults = std::make_shared<PictureFaults>();
     check_ = shared_.stage.InBackground(
-        [faults, file = file_](std::stop_token stop) { *faults = agent::CheckPictures(*file, std::move(stop)); },
+        [faults, file = file_](const std::stop_token& stop) { *faults = agent::CheckPictures(*file, stop); },
         [this, faults] {
             if (faults->first.empty())
                 return;

@@ -46,7 +46,7 @@ void frmTip::SetChecks(int showAtStartUp, int autoRead)
 void frmTip::DisplayCurrentTip()
 {
     if (!program_.Tips.All.empty())
-        lblTipText.Caption = program_.Tips.All.at(static_cast<std::size_t>(program_.Tips.CurrentTip) - 1);
+        lblTipText.Caption = std::string(program_.Tips.All.at(static_cast<std::size_t>(program_.Tips.CurrentTip) - 1));
 }
 
 void frmTip::cmdNextTip_Click()

@@ -31,7 +31,7 @@ bool Tips::LoadTips(const std::string& path)
         return false;
     const std::unique_ptr<TextStream> file = program_.Host.Files.OpenTextFile(path);
     while (!file->AtEndOfStream())
-        All.push_back(file->ReadLine());
+        All.push_back(*lines_.insert(file->ReadLine()).first);
     PickRandomTip();
     return true;
 }

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <random>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace voxmate
@@ -20,7 +22,7 @@ public:
 
     /// All tips; tip k is entry k - 1. The list is never emptied while the program runs. Each time the tip window
     /// opens, the whole file is appended once more, so all of its lines stay equally likely.
-    std::vector<std::string> All;
+    std::vector<std::string_view> All;
     /// Number of the tip on show, from 1; 0 before the first one.
     std::int32_t CurrentTip = 0;
 
@@ -39,7 +41,8 @@ public:
 
 private:
     Program& program_;
-    std::mt19937 generator_; // NOLINT(cert-msc51-cpp): seeded from the clock before it is used
+    std::set<std::string> lines_; ///< the lines that the list refers to: each is kept once, however often it is listed
+    std::mt19937 generator_;      // NOLINT(cert-msc51-cpp): seeded from the clock before it is used
 };
 
 } // namespace voxmate

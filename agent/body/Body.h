@@ -65,7 +65,8 @@ public:
     void Hurry() { animator_.Hurry(); }
     void Leave(const Animation* next, std::function<void()> done) { animator_.Leave(next, std::move(done)); }
     void Forget();
-    /// Stands in the neutral pose. Without such a pose the character stays as it is.
+    /// Stands in the neutral pose, and forgets the pictures of what was played before. Without such a pose the
+    /// character stays as it is.
     void StandNeutral();
     bool Moving() const { return animator_.Moving(); }
     /// Whether the frame on show has mouths.

@@ -32,8 +32,8 @@ public:
     /// Whether nothing has been shown yet.
     bool Empty() const { return !shown_.bitmap && !waiting_; }
 
-    /// Forgets all composed pictures but the one on show: at rest they are of no use for seconds, and composing one
-    /// takes less time than a frame lasts.
+    /// Forgets all composed pictures but the one on show, for when an animation is over. Composing one that is needed
+    /// again takes far less time than a frame lasts (bench/character_file).
     void Forget();
 
     /// The images that cannot be decoded, by number. Nobody need try to decode them.

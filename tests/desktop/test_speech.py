@@ -125,6 +125,20 @@ class SoundServer(SpeechCase):
         self.desk.run("pactl", "suspend-sink", "rec", "0")
         self.is_heard()
 
+    def heard_whole(self, text, speak):
+        """Lets `speak(recorder)` speak the text and disturb that, and compares what is heard with the text's length."""
+        self.type_text(text)
+        recorder = self.desk.recorder()
+        try:
+            speak(recorder)
+            self.settle()
+            heard = sound.loud_seconds(recorder.snapshot()[0])
+        finally:
+            recorder.stop()
+        self.assertAlmostEqual(heard / self.rendered_length(text), 1, delta=0.06)
+
+    # What follows is disturbed for longer than a sound server that takes nothing is waited for.
+
     def test_a_voice_that_is_slow_to_speak_is_waited_for(self):
         self.start_and_settle()
         self.type_text(SENTENCE)
@@ -133,17 +147,33 @@ class SoundServer(SpeechCase):
         self.settle()
         voice = threads(self.program.pid) - others
         self.assertTrue(voice, "no thread has come with the first sentence")
-        recorder = self.desk.recorder()
-        try:
+
+        def hold_from_the_start(_):
             with held(voice):
                 self.press("Speak the textbox text")
-                # Longer than a sound server that takes nothing is waited for.
                 time.sleep(5)
-            self.settle()
-            heard = sound.loud_seconds(recorder.snapshot()[0])
-        finally:
-            recorder.stop()
-        self.assertAlmostEqual(heard / self.rendered_length(SENTENCE), 1, delta=0.06)
+
+        def hold_in_the_middle(recorder):
+            self.press("Speak the textbox text")
+            desktop.wait_for(lambda: sound.loud_span(recorder.snapshot()[0]), what="sound")
+            with held(voice):
+                # It has spoken two seconds ahead.
+                time.sleep(8)
+
+        self.heard_whole(SENTENCE, hold_from_the_start)
+        self.heard_whole(SENTENCE * 3, hold_in_the_middle)
+
+    def test_a_program_that_stood_still_in_mid_sentence_goes_on(self):
+        self.start_and_settle()
+
+        def stand_still(recorder):
+            self.press("Speak the textbox text")
+            desktop.wait_for(lambda: sound.loud_span(recorder.snapshot()[0]), what="sound")
+            self.program.send_signal(signal.SIGSTOP)
+            time.sleep(5)
+            self.program.send_signal(signal.SIGCONT)
+
+        self.heard_whole(SENTENCE, stand_still)
 
     def test_a_sound_server_that_comes_after_the_program_is_found(self):
         self.desk.kill_sound()

@@ -49,7 +49,7 @@ public:
     AgentRequestPtr& LastSpeakRequest = program.Voice.LastSpeakRequest;
     AgentRequestPtr& LastPlayRequest = program.Voice.LastPlayRequest;
     AgentRequestPtr& CurrentRequest = program.Reading.CurrentRequest;
-    std::vector<std::string>& Tips = program.Tips.All;
+    std::vector<std::string_view>& Tips = program.Tips.All;
     std::int32_t& CurrentTip = program.Tips.CurrentTip;
     std::string& ReminderFilePath = program.Reminders.File.ReminderFilePath;
     std::string& ReminderTempPath = program.Reminders.File.ReminderTempPath;

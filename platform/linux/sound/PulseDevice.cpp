@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <limits>
 #include <utility>
 
 #include <pulse/pulseaudio.h>
@@ -28,6 +29,8 @@ constexpr std::chrono::milliseconds ClockInterval{20};
 // A stream fails when for this long it is not opened, or the server takes nothing of what is written: the server hangs,
 // or its sink was suspended. A voice that has nothing to say yet may take longer.
 constexpr std::chrono::seconds Patience{3};
+// A timer that comes this much too late tells that the program was stopped, not the sound.
+constexpr std::chrono::milliseconds StandStill{500};
 constexpr std::chrono::milliseconds ConnectPatience{300};
 // Just after login the sound server may still be starting. Counted from the first look, this is how long a server that
 // is there may take for its first answer, and how long a missing one may take to appear.
@@ -87,9 +90,13 @@ struct PulseDevice::Playing : std::enable_shared_from_this<Playing> {
     Clock::time_point asked;
     bool ready = false;
     bool over = false;
-    std::int64_t end = -1;   // total number of samples; -1 until known
-    std::int64_t taken = -1; // bytes, the most that the server reported
+    bool starved = false;  // the server wants more, and the source has none yet
+    std::int64_t end = -1; // total number of samples; -1 until known
+    // The most that the server reported: bytes taken, and microseconds heard.
+    std::int64_t taken = -1;
+    std::int64_t heard = std::numeric_limits<std::int64_t>::min();
     Clock::time_point lastNews = Clock::now();
+    Clock::time_point watched = Clock::now();
 
     std::atomic<bool> abandoned = false; // the stream object is destroyed: no callback may be called
     std::atomic<std::int64_t> written = 0;
@@ -390,7 +397,8 @@ void PulseDevice::Feed(const PlayingPtr& playing)
         if (playing->end < 0) {
             bool ended = false;
             count = playing->source->Pull(room, ended);
-            if (count == 0 && !ended)
+            playing->starved = count == 0 && !ended;
+            if (playing->starved)
                 return;
             if (count == 0)
                 playing->end = playing->written;
@@ -419,6 +427,9 @@ void PulseDevice::Watch(const PlayingPtr& playing)
         return;
     if (playing->ready && !playing->question && now - playing->asked >= ClockInterval)
         AskForClock(playing);
+    // The whole program stood still, and so did not look for the server's answers.
+    if (now - std::exchange(playing->watched, now) > StandStill)
+        playing->lastNews = now;
     if (now - playing->lastNews > Patience) {
         Fail(playing);
         return;
@@ -449,16 +460,15 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     if (!timing)
         return;
     const Clock::time_point now = Clock::now();
-    const auto taken = static_cast<std::uint64_t>(std::max<std::int64_t>(timing->read_index, 0));
-    const std::int64_t heard =
-        static_cast<std::int64_t>(pa_bytes_to_usec(taken, pa_stream_get_sample_spec(playing->stream))) -
-        static_cast<std::int64_t>(timing->sink_usec);
-    const auto read = static_cast<std::int64_t>(taken);
-    const std::int64_t unread = playing->written * SampleBytes - read;
-    const bool enough = playing->end >= 0 || unread > playing->rate * SampleBytes * FirstMilliseconds / 1000;
-    if (read > playing->taken || !enough)
+    const std::int64_t taken = std::max<std::int64_t>(timing->read_index, 0);
+    const std::int64_t heard = static_cast<std::int64_t>(pa_bytes_to_usec(static_cast<std::uint64_t>(taken),
+                                                                          pa_stream_get_sample_spec(playing->stream))) -
+                               static_cast<std::int64_t>(timing->sink_usec);
+    // What follows the end is silence without end: that the server takes it says nothing.
+    if (playing->end >= 0 ? heard > playing->heard : taken > playing->taken || playing->starved)
         playing->lastNews = now;
-    playing->taken = std::max(playing->taken, read);
+    playing->taken = std::max(playing->taken, taken);
+    playing->heard = std::max(playing->heard, heard);
     // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
     // request.
     const Clock::duration age = std::clamp<Clock::duration>(

@@ -301,6 +301,8 @@ public:
         const bool ok = XML_Parse(parser_.get(), part.data(), static_cast<int>(part.size()), last) == XML_STATUS_OK;
         if (error_)
             std::rethrow_exception(error_);
+        if (!ok && XML_GetErrorCode(parser_.get()) == XML_ERROR_NO_MEMORY)
+            throw std::bad_alloc();
         return ok;
     }
     std::string TakeText() { return reader_.TakeText(); }
@@ -309,6 +311,9 @@ private:
     template <class Act>
     void Tell(const Act& act)
     {
+        // A parser that was stopped still reports the end of the element it was in.
+        if (error_)
+            return;
         try {
             act(reader_);
         } catch (...) {

@@ -90,6 +90,9 @@ TEST_F(PainterTest, ForgetsAllPicturesButTheOneOnShow)
     painter->Show(Picture(2), -1, {4, 4});
     painter->Forget();
     EXPECT_EQ(painter->MemoryUsed(), 0u);
+    // The one on show is not drawn again.
+    painter->Show(Picture(2), -1, {4, 4});
+    EXPECT_EQ(stage.Window().frames.size(), 2u);
     painter->Show(Picture(2), -1, {8, 8});
     EXPECT_EQ(stage.Window().frames.back().pixels.front(), 0xFF020000u);
     painter->Show(Picture(1), -1, {8, 8});

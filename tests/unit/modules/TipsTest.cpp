@@ -7,11 +7,15 @@
 #include <fstream>
 #include <set>
 
+#include <gmock/gmock.h>
+
 namespace voxmate
 {
 
 namespace
 {
+
+using ::testing::ElementsAre;
 
 const std::string path = "C:\\Voxmate\\VoxmateTips.txt";
 
@@ -25,12 +29,12 @@ TEST_F(TipsTest, EveryOpeningAppendsTheWholeFileAndShowsOneOfItsLines)
     Settings.AutoReadTip = 0;
     fake.files.texts[path] = "one\r\ntwo\r\nthree\r\n";
     ShowTipOfTheDay(true);
-    EXPECT_EQ(Tips, (Lines{"one", "two", "three"}));
+    EXPECT_THAT(Tips, ElementsAre("one", "two", "three"));
     EXPECT_GE(CurrentTip, 1);
     EXPECT_LE(CurrentTip, 3);
     EXPECT_EQ(fake.log, (Lines{"Tip checks 1 0", "DisplayCurrentTip"}));
     ShowTipOfTheDay(false);
-    EXPECT_EQ(Tips, (Lines{"one", "two", "three", "one", "two", "three"}));
+    EXPECT_THAT(Tips, ElementsAre("one", "two", "three", "one", "two", "three"));
     EXPECT_GE(CurrentTip, 1);
     EXPECT_LE(CurrentTip, 6);
 }
@@ -39,7 +43,7 @@ TEST_F(TipsTest, EveryLineIsATipEmptyOnesAndBlanksIncluded)
 {
     fake.files.texts[path] = "  one \n\ntwo\n\n";
     EXPECT_TRUE(LoadTips(path));
-    EXPECT_EQ(Tips, (Lines{"  one ", "", "two", ""}));
+    EXPECT_THAT(Tips, ElementsAre("  one ", "", "two", ""));
 }
 
 TEST_F(TipsTest, AllTipsAreEquallyLikely)
@@ -86,7 +90,7 @@ TEST_F(TipsTest, WithoutAFileTheWindowSaysWhatToDoAndTheListStaysAsItIs)
     EXPECT_EQ(window.tip.text, "VoxmateTips.txt file was not found? \r\n\r\nCreate a text file named VoxmateTips.txt "
                                "using NotePad with 1 tip per line. Then place it in the same directory as the "
                                "application. ");
-    EXPECT_EQ(Tips, Lines{"old"});
+    EXPECT_THAT(Tips, ElementsAre("old"));
     EXPECT_FALSE(LoadTips(""));
     EXPECT_FALSE(LoadTips("C:\\Voxmate\\Other.txt"));
     EXPECT_TRUE(fake.windows.boxes.empty());
