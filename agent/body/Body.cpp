@@ -268,8 +268,12 @@ void Body::PlaySound(const Frame& frame)
 {
     if (!soundsOn_ || frame.sound < 0 || static_cast<std::size_t>(frame.sound) >= file_.SoundCount())
         return;
-    soundStarted_ = true;
-    stage_.PlaySound(file_.Sound(static_cast<std::size_t>(frame.sound)));
+    try {
+        stage_.PlaySound(file_.Sound(static_cast<std::size_t>(frame.sound)));
+        soundStarted_ = true;
+    } catch (const AcsError&) {
+        // The file has gone or was cut short. The character goes on without the sound.
+    }
 }
 
 void Body::Redraw()

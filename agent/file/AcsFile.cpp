@@ -7,10 +7,57 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
+#include <span>
 #include <system_error>
+#include <utility>
 
 namespace voxmate::agent
 {
+
+namespace
+{
+
+class KeptBytes final : public AcsSource
+{
+public:
+    explicit KeptBytes(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
+    std::span<const std::uint8_t> All() const { return bytes_; }
+    std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const override
+    {
+        const auto part = All().subspan(offset, size);
+        return {part.begin(), part.end()};
+    }
+
+private:
+    const std::vector<std::uint8_t> bytes_;
+};
+
+class OpenFile final : public AcsSource
+{
+public:
+    explicit OpenFile(const std::filesystem::path& path)
+    {
+        // What is read is wanted once, and is larger than a buffer.
+        in_.rdbuf()->pubsetbuf(nullptr, 0);
+        in_.open(path, std::ios::binary);
+    }
+    std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const override
+    {
+        std::vector<std::uint8_t> bytes(size);
+        const std::lock_guard lock(mutex_);
+        in_.clear();
+        if (!in_.seekg(offset) || !in_.read(reinterpret_cast<char*>(bytes.data()), size))
+            bytes.clear();
+        return bytes;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    mutable std::ifstream in_;
+};
+
+} // namespace
 
 std::string GuidText(const Guid& guid)
 {
@@ -50,11 +97,26 @@ std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
         throw AcsError(path, "it cannot be read");
     if (size > MaxFileSize)
         throw AcsError(path, "it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    std::ifstream in(native, std::ios::binary);
-    if (!in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
+    auto source = std::make_unique<OpenFile>(native);
+    const std::vector<std::uint8_t> bytes = source->Read(0, static_cast<std::uint32_t>(size));
+    if (bytes.size() != size)
         throw AcsError(path, "it cannot be read");
-    return Parse(std::move(bytes), path);
+    return Parse(bytes, path, std::move(source));
+}
+
+std::shared_ptr<const AcsFile> AcsFile::Parse(std::vector<std::uint8_t> bytes, const std::string& name)
+{
+    auto source = std::make_unique<KeptBytes>(std::move(bytes));
+    const std::span<const std::uint8_t> all = source->All();
+    return Parse(all, name, std::move(source));
+}
+
+std::vector<std::uint8_t> AcsFile::Bytes(std::uint32_t offset, std::uint32_t size) const
+{
+    std::vector<std::uint8_t> bytes = source_->Read(offset, size);
+    if (bytes.size() != size)
+        throw AcsError(path, "it cannot be read any more");
+    return bytes;
 }
 
 IndexedImage AcsFile::DecodeImage(std::size_t index) const
@@ -67,15 +129,13 @@ IndexedImage AcsFile::DecodeImage(std::size_t index) const
     const StoredImage& stored = images_[index];
     const std::size_t rowSize = RowSize(stored.width);
     const std::size_t fullSize = rowSize * stored.height;
-    std::span<const std::uint8_t> rows(bytes_.data() + stored.offset, stored.size);
-    std::vector<std::uint8_t> unpacked;
+    std::vector<std::uint8_t> rows = Bytes(stored.offset, stored.size);
     if (stored.compressed) {
         try {
-            unpacked = Decompress(rows, fullSize);
+            rows = Decompress(rows, fullSize);
         } catch (const CompressionError& error) {
             throw fail(std::string("is damaged, its ") + error.what());
         }
-        rows = unpacked;
     }
     IndexedImage image{stored.width, stored.height, {}};
     image.pixels.resize(std::size_t{stored.width} * stored.height);
@@ -89,11 +149,11 @@ IndexedImage AcsFile::DecodeImage(std::size_t index) const
     return image;
 }
 
-std::span<const std::uint8_t> AcsFile::Sound(std::size_t index) const
+std::vector<std::uint8_t> AcsFile::Sound(std::size_t index) const
 {
     if (index >= sounds_.size())
         throw AcsError(path, "sound " + std::to_string(index) + " does not exist");
-    return {bytes_.data() + sounds_[index].offset, sounds_[index].size};
+    return Bytes(sounds_[index].offset, sounds_[index].size);
 }
 
 const Animation* AcsFile::FindAnimation(const std::string& name) const

@@ -177,11 +177,23 @@ struct AcsContent {
     std::vector<Animation> animations;                                    ///< in file order
 };
 
-/// A whole character. Immutable once read. It keeps the file's bytes and decodes images from them on demand.
+/// Where a character's bytes are. May be used on several threads at once.
+class AcsSource
+{
+public:
+    virtual ~AcsSource() = default;
+    /// The bytes from `offset` on, `size` of them; none when they are no longer there.
+    virtual std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const = 0;
+};
+
+/// A whole character. Immutable once read. Images and sounds stay in the file, which is kept open, and are read on
+/// demand: a character has megabytes of them and shows a few at a time. (A mapped file would end the program if
+/// somebody cut it short.)
 class AcsFile : public AcsContent
 {
 public:
-    /// Reads a file and checks its structure; raises AcsError, which names `path`, when anything in it is wrong.
+    /// Reads a file and checks its structure; raises AcsError, which names `path`, when anything in it is wrong. When
+    /// the file is replaced afterwards, this object stays with the old one.
     static std::shared_ptr<const AcsFile> Open(const std::string& path);
     /// The same for bytes in memory; `name` stands for the path in messages.
     static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
@@ -191,10 +203,11 @@ public:
     std::size_t SoundCount() const { return sounds_.size(); }
     /// How image `index` is stored in the file. The index must exist.
     const StoredImage& Stored(std::size_t index) const { return images_.at(index); }
-    /// Decodes one image; raises AcsError when its data does not decode to exactly its size.
+    /// Decodes one image; raises AcsError when its data does not decode to exactly its size or cannot be read.
     IndexedImage DecodeImage(std::size_t index) const;
-    /// The bytes of one sound, a whole RIFF wave file; raises AcsError when there is no such sound.
-    std::span<const std::uint8_t> Sound(std::size_t index) const;
+    /// The bytes of one sound, a whole RIFF wave file; raises AcsError when there is no such sound or it cannot be
+    /// read.
+    std::vector<std::uint8_t> Sound(std::size_t index) const;
 
     /// Finds an animation, or a state's animations, by name without regard to case; nullptr when there is none.
     const Animation* FindAnimation(const std::string& name) const;
@@ -202,11 +215,17 @@ public:
 
 private:
     friend class AcsReader;
+    /// The same for all the bytes of `source`, which are needed only during the call.
+    static std::shared_ptr<const AcsFile> Parse(std::span<const std::uint8_t> bytes, const std::string& name,
+                                                std::unique_ptr<const AcsSource> source);
     struct StoredSound {
         std::uint32_t offset = 0;
         std::uint32_t size = 0;
     };
-    std::vector<std::uint8_t> bytes_;
+    /// Raises AcsError when they cannot be read.
+    std::vector<std::uint8_t> Bytes(std::uint32_t offset, std::uint32_t size) const;
+
+    std::unique_ptr<const AcsSource> source_;
     std::vector<StoredImage> images_;
     std::vector<StoredSound> sounds_;
 };

@@ -39,7 +39,7 @@ std::string Quoted(const std::string& name)
 class AcsReader
 {
 public:
-    explicit AcsReader(AcsFile& file) : file_(file) {}
+    AcsReader(AcsFile& file, std::span<const std::uint8_t> bytes) : file_(file), bytes_(bytes) {}
     void Read();
 
 private:
@@ -57,7 +57,7 @@ private:
             : reader_(reader), at_(where.offset), end_(std::size_t{where.offset} + where.size),
               section_(std::move(section))
         {
-            if (end_ > reader.file_.bytes_.size())
+            if (end_ > reader.bytes_.size())
                 Fail("lies outside the file");
         }
         [[noreturn]] void Fail(const std::string& what) const { reader_.Fail(section_ + " " + what); }
@@ -138,7 +138,7 @@ private:
         {
             if (count > Left())
                 Fail("is cut off");
-            const std::uint8_t* p = reader_.file_.bytes_.data() + at_;
+            const std::uint8_t* p = reader_.bytes_.data() + at_;
             at_ += count;
             return p;
         }
@@ -167,6 +167,7 @@ private:
     void CheckFrames(const Animation& animation) const;
 
     AcsFile& file_;
+    const std::span<const std::uint8_t> bytes_;
     std::uint64_t animationBytes_ = 0;
 };
 
@@ -177,7 +178,7 @@ void AcsReader::Fail(const std::string& what) const
 
 void AcsReader::Read()
 {
-    const std::size_t size = file_.bytes_.size();
+    const std::size_t size = bytes_.size();
     if (size > MaxFileSize)
         Fail("it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
     if (size < HeaderSize)
@@ -393,7 +394,7 @@ void AcsReader::ReadAnimation(Locator where, Animation& animation)
 
     // Without this limit, animations that share their bytes could take any amount of memory.
     animationBytes_ += in.Position() - start;
-    if (animationBytes_ > file_.bytes_.size() + SharedAnimationBytes)
+    if (animationBytes_ > bytes_.size() + SharedAnimationBytes)
         Fail("its animations overlap one another too often");
 }
 
@@ -470,12 +471,13 @@ void AcsReader::CheckFrames(const Animation& animation) const
     }
 }
 
-std::shared_ptr<const AcsFile> AcsFile::Parse(std::vector<std::uint8_t> bytes, const std::string& name)
+std::shared_ptr<const AcsFile> AcsFile::Parse(std::span<const std::uint8_t> bytes, const std::string& name,
+                                              std::unique_ptr<const AcsSource> source)
 {
     auto file = std::make_shared<AcsFile>();
     file->path = name;
-    file->bytes_ = std::move(bytes);
-    AcsReader(*file).Read();
+    file->source_ = std::move(source);
+    AcsReader(*file, bytes).Read();
     return file;
 }
 

@@ -19,6 +19,17 @@ std::shared_ptr<const AcsFile> ReadBack(const AcsDescription& d)
     return AcsFile::Parse(WriteAcs(d), "small.acs");
 }
 
+// Writes the small character into a file of its own, and returns the path.
+std::string WrittenFile(const std::string& name)
+{
+    const std::string path =
+        testing::TempDir() + name + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + ".acs";
+    const std::vector<std::uint8_t> bytes = WriteAcs(SmallCharacter());
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return path;
+}
+
 } // namespace
 
 TEST(AcsFileReadingTest, GivesBackTheCharacter)
@@ -172,11 +183,7 @@ TEST(AcsFileReadingTest, FindsAnimationsAndStatesWithoutCase)
 
 TEST(AcsFileReadingTest, ReadsTheFileFromItsPath)
 {
-    const std::string path =
-        testing::TempDir() + "voxmate-ä-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + ".acs";
-    const std::vector<std::uint8_t> bytes = WriteAcs(SmallCharacter());
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    const std::string path = WrittenFile("voxmate-ä-");
     const auto file = AcsFile::Open(path);
     EXPECT_EQ(file->path, path);
     EXPECT_EQ(file->animations.size(), 3u);
@@ -188,6 +195,40 @@ TEST(AcsFileReadingTest, ReadsTheFileFromItsPath)
         EXPECT_EQ(error.what(), "The character file \"" + path + "\" cannot be used: there is no such file.");
     }
     EXPECT_THROW(AcsFile::Open(testing::TempDir()), AcsError);
+}
+
+TEST(AcsFileReadingTest, ReadsImagesAndSoundsFromTheFileThatItOpenedAlsoWhenAnotherHasTakenItsPlace)
+{
+    const auto expected = ReadBack(SmallCharacter());
+    const std::string path = WrittenFile("voxmate-replaced-");
+    const auto file = AcsFile::Open(path);
+    std::remove(path.c_str());
+    std::ofstream(path) << "something else";
+    ASSERT_GT(file->ImageCount(), 0u);
+    for (std::size_t i = 0; i < file->ImageCount(); ++i)
+        EXPECT_EQ(file->DecodeImage(i).pixels, expected->DecodeImage(i).pixels) << i;
+    EXPECT_EQ(file->Sound(0), expected->Sound(0));
+    std::remove(path.c_str());
+}
+
+TEST(AcsFileReadingTest, AFileThatIsCutShortAfterItWasOpenedIsReadAsFarAsItGoes)
+{
+    const auto expected = ReadBack(SmallCharacter());
+    const std::string path = WrittenFile("voxmate-cut-");
+    const auto file = AcsFile::Open(path);
+    const StoredImage& last = file->Stored(file->ImageCount() - 1);
+    std::filesystem::resize_file(std::filesystem::path(path), last.offset + last.size - 1);
+    try {
+        file->DecodeImage(file->ImageCount() - 1);
+        FAIL();
+    } catch (const AcsError& error) {
+        EXPECT_EQ(error.what(), "The character file \"" + path + "\" cannot be used: it cannot be read any more.");
+    }
+    EXPECT_EQ(file->DecodeImage(0).pixels, expected->DecodeImage(0).pixels);
+    std::filesystem::resize_file(std::filesystem::path(path), 0);
+    EXPECT_THROW(file->DecodeImage(0), AcsError);
+    EXPECT_THROW(file->Sound(0), AcsError);
+    std::remove(path.c_str());
 }
 
 TEST(AcsFileReadingTest, LoadsACharacterWithoutVoiceBalloonOrIcon)
