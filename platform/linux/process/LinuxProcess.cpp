@@ -63,6 +63,8 @@ pid_t StartDetached(std::vector<std::string> words, std::future<int>& status)
     posix_spawnattr_t attributes;
     ::posix_spawn_file_actions_init(&files);
     ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    // Files opened with the standard library would be open in the other program for as long as it lives.
+    ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
     ::posix_spawnattr_init(&attributes);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     pid_t process = 0;

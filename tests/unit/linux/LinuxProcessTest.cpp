@@ -6,14 +6,17 @@
 #include "base/RuntimeError.h"
 #include "platform/linux/process/EndSignals.h"
 #include "platform/linux/settings/FileSettingsStore.h"
+#include "tests/fakes/Eventually.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -41,6 +44,24 @@ TEST_F(LinuxProcessTest, TheProgramsFolderIsMadeOnFirstStart)
     LinuxProcess process;
     EXPECT_EQ(process.ProgramDirectory(), (folder / "home").string());
     EXPECT_TRUE(fs::is_directory(folder / "home"));
+}
+
+TEST_F(LinuxProcessTest, AStartedProgramInheritsNoOpenFile)
+{
+    const fs::path script = folder / "lister";
+    const fs::path list = folder / "list";
+    std::ofstream(script) << "#!/bin/sh\nls -l /proc/$$/fd > '" << list.string() << ".part'\nmv '" << list.string()
+                          << ".part' '" << list.string() << "'\n";
+    fs::permissions(script, fs::perms::owner_all);
+    std::ofstream(folder / "held") << "held";
+    const std::ifstream held(folder / "held");
+    LinuxProcess process;
+    EXPECT_NE(process.Shell("\"" + script.string() + "\"", 1), 0);
+    ASSERT_TRUE(fakes::Eventually([&] { return fs::exists(list); }));
+    std::stringstream open;
+    open << std::ifstream(list).rdbuf();
+    EXPECT_NE(open.str().find("lister"), std::string::npos) << "the shell has its script open";
+    EXPECT_EQ(open.str().find("/held"), std::string::npos) << open.str();
 }
 
 TEST_F(LinuxProcessTest, ASecondCopyIsSeenAndOneThatWasKilledIsNot)
