@@ -16,8 +16,7 @@ namespace
 {
 
 // The guidelines ask for 4.5 for text and 3 for parts of the interface, and for nothing where something is disabled;
-// here that gets 2.5. Some values are higher, because smoothing takes a little contrast from thin curves, and the
-// background of frames is not quite the window's.
+// here that gets 2.5. Some values are higher, because smoothing takes a little contrast from thin curves.
 constexpr qreal TextContrast = 4.5;
 constexpr qreal SelectedContrast = 5.2; // its background becomes lighter towards the top
 constexpr qreal PartContrast = 3.2;
@@ -48,6 +47,12 @@ QColor Page(const QPalette& palette)
     return button.lighter(104 + std::max(1, (180 - qGray(button.rgb())) / 6));
 }
 
+/// The background of a frame with a title. Fusion makes it a little darker than what it stands on.
+QColor InFrame(const QPalette& palette)
+{
+    return palette.color(QPalette::Active, QPalette::Window).darker(103);
+}
+
 /// The lightest part of a button, at the top of Fusion's gradient.
 QColor ButtonFace(const QPalette& palette)
 {
@@ -61,7 +66,7 @@ QColor OutlineOf(const QStyleOption& option, bool focused)
     if (!(option.state & QStyle::State_Enabled))
         return Mix(window, Outline(option.palette), 0.5);
     return focused ? Readable(option.palette.color(QPalette::Highlight), option.palette.color(QPalette::WindowText),
-                              {window, Page(option.palette)}, PartContrast)
+                              {window, InFrame(option.palette), Page(option.palette)}, PartContrast)
                    : Outline(option.palette);
 }
 
@@ -106,7 +111,8 @@ QColor Outline(const QPalette& palette)
 {
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     return Readable(window, palette.color(QPalette::Active, QPalette::WindowText),
-                    {window, Page(palette), palette.color(QPalette::Active, QPalette::Base)}, PartContrast);
+                    {window, InFrame(palette), Page(palette), palette.color(QPalette::Active, QPalette::Base)},
+                    PartContrast);
 }
 
 ReadableStyle::ReadableStyle() : QProxyStyle(QStringLiteral("fusion")) {}

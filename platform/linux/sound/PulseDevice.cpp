@@ -25,6 +25,10 @@ constexpr int BufferMilliseconds = 80;
 constexpr int FirstMilliseconds = 20;
 constexpr std::int64_t SampleBytes = sizeof(std::int16_t);
 constexpr std::int64_t FeedMicroseconds = 10'000;
+// Until there is a first sample the source is asked more often, as long as it is likely to have one at any moment: so
+// speech begins up to ten milliseconds sooner.
+constexpr std::int64_t FirstFeedMicroseconds = 1'000;
+constexpr std::chrono::milliseconds FirstSoon{200};
 constexpr std::chrono::milliseconds ClockInterval{20};
 // A stream fails when for this long it is not opened, or the server takes nothing of what is written: the server hangs,
 // or its sink was suspended. A voice that has nothing to say yet may take longer.
@@ -97,6 +101,7 @@ struct PulseDevice::Playing : std::enable_shared_from_this<Playing> {
     std::int64_t heard = std::numeric_limits<std::int64_t>::min();
     Clock::time_point lastNews = Clock::now();
     Clock::time_point watched = Clock::now();
+    const Clock::time_point opened = Clock::now();
 
     std::atomic<bool> abandoned = false; // the stream object is destroyed: no callback may be called
     std::atomic<std::int64_t> written = 0;
@@ -308,7 +313,7 @@ std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared
     const Lock lock(loop_);
     playing_.push_back(playing);
     playing->timer = pa_context_rttime_new(
-        context_, pa_rtclock_now() + static_cast<pa_usec_t>(FeedMicroseconds),
+        context_, pa_rtclock_now() + static_cast<pa_usec_t>(FirstFeedMicroseconds),
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
             if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->Watch(known);
@@ -434,7 +439,10 @@ void PulseDevice::Watch(const PlayingPtr& playing)
         Fail(playing);
         return;
     }
-    pa_context_rttime_restart(context_, playing->timer, pa_rtclock_now() + static_cast<pa_usec_t>(FeedMicroseconds));
+    const bool soon = playing->written == 0 && now - playing->opened < FirstSoon;
+    pa_context_rttime_restart(context_, playing->timer,
+                              pa_rtclock_now() +
+                                  static_cast<pa_usec_t>(soon ? FirstFeedMicroseconds : FeedMicroseconds));
 }
 
 void PulseDevice::AskForClock(const PlayingPtr& playing)

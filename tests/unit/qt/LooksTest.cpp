@@ -30,6 +30,7 @@
 #include <QTabBar>
 #include <QTimer>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <functional>
@@ -55,6 +56,7 @@ const Theme Themes[] = {
     {"dark", "#31363b", "#31363b", "#232629", "#eff0f1", "#62666b", "#3daee9", "#eff0f1"},
     {"black", "#000000", "#1a1a1a", "#000000", "#ffffff", "#303030", "#800080", "#ffffff"},
     {"pale", "#d6d2d0", "#dddfe4", "#ffffff", "#333333", "#b4b0ae", "#7ac0f0", "#000000"},
+    {"stone", "#d6d2d0", "#dfdcd9", "#ffffff", "#000000", "#bebebe", "#308cc6", "#ffffff"},
 };
 
 QPalette PaletteOf(const Theme& theme)
@@ -202,6 +204,27 @@ TEST_P(LooksTest, WhatIsFilledInOrPressedHasAnOutlineThatCanBeSeen)
          std::initializer_list<QWidget*>{&check, &option, &line, &text, &list, &number, &choice, &button}) {
         for (const qreal ratio : {1.0, 2.0})
             EXPECT_GE(EdgeContrast(Picture(*widget, ratio)), 3) << widget->metaObject()->className() << " at " << ratio;
+    }
+}
+
+TEST_P(LooksTest, SoHasWhatIsInAFrameWithATitle)
+{
+    QGroupBox frame(QStringLiteral("Shape"));
+    QVBoxLayout column(&frame);
+    QCheckBox check;
+    QRadioButton option;
+    for (QWidget* widget : std::initializer_list<QWidget*>{&check, &option})
+        column.addWidget(widget);
+    const QImage image = Picture(frame, 1);
+    for (const QWidget* widget : std::initializer_list<QWidget*>{&check, &option}) {
+        // Picture draws the frame at (10, 10).
+        const QPoint middle = widget->geometry().center() + QPoint(10, 10);
+        const int left = widget->x() + 10;
+        const QColor ground = image.pixelColor(left - 3, middle.y());
+        qreal most = 1;
+        for (int x = left - 3; x < left + 10; ++x)
+            most = std::max(most, Contrast(image.pixelColor(x, middle.y()), ground));
+        EXPECT_GE(most, 3) << widget->metaObject()->className();
     }
 }
 
