@@ -1,5 +1,7 @@
 // The only place that knows which implementations are used: it fills one Platform and shows the splash form.
 #include "agent/Server.h"
+#include "agent/file/AcsFile.h"
+#include "base/FileName.h"
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
 #include "modules/Program.h"
@@ -65,7 +67,11 @@ int Run(qt::QtApplication& application)
     qt::QtAudioOutput sound;
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
-    agent::Server server(stage, voice);
+    // The characters that ship are on the program's own disk, and only an installer writes there.
+    agent::Server server(stage, voice, [](const std::string& path) {
+        const bool ships = path.starts_with(linux_platform::SharedDataFolder() + "/");
+        return agent::AcsFile::Open(InAnyExtensionCase(path), ships ? agent::Keep::InFile : agent::Keep::InMemory);
+    });
 
     linux_platform::LibreOfficeWord word;
     Platform platform{*settings, server, voices, windows, files, process, clock, word};

@@ -42,6 +42,7 @@ public:
         in_.rdbuf()->pubsetbuf(nullptr, 0);
         in_.open(path, std::ios::binary);
     }
+    bool IsOpen() const { return in_.is_open(); }
     std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const override
     {
         std::vector<std::uint8_t> bytes(size);
@@ -86,7 +87,7 @@ const Frame* Animation::FirstDrawn() const
     return found == frames.end() ? nullptr : &*found;
 }
 
-std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
+std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path, Keep keep)
 {
     const std::filesystem::path native(std::u8string(path.begin(), path.end()));
     std::error_code error;
@@ -98,10 +99,10 @@ std::shared_ptr<const AcsFile> AcsFile::Open(const std::string& path)
     if (size > MaxFileSize)
         throw AcsError(path, "it is larger than " + std::to_string(MaxFileSize >> 20) + " MB");
     auto source = std::make_unique<OpenFile>(native);
-    const std::vector<std::uint8_t> bytes = source->Read(0, static_cast<std::uint32_t>(size));
-    if (bytes.size() != size)
+    std::vector<std::uint8_t> bytes = source->Read(0, static_cast<std::uint32_t>(size));
+    if (!source->IsOpen() || bytes.size() != size)
         throw AcsError(path, "it cannot be read");
-    return Parse(bytes, path, std::move(source));
+    return keep == Keep::InFile ? Parse(bytes, path, std::move(source)) : Parse(std::move(bytes), path);
 }
 
 std::shared_ptr<const AcsFile> AcsFile::Parse(std::vector<std::uint8_t> bytes, const std::string& name)

@@ -186,15 +186,22 @@ public:
     virtual std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const = 0;
 };
 
-/// A whole character. Immutable once read. Images and sounds stay in the file, which is kept open, and are read on
-/// demand: a character has megabytes of them and shows a few at a time. (A mapped file would end the program if
-/// somebody cut it short.)
+/// Where the images and sounds of a character are until they are needed. It has megabytes of them and shows a few at a
+/// time.
+enum class Keep {
+    InMemory,
+    /// The file is kept open. Only for files that nobody writes into, on a disk that answers: reading happens while the
+    /// character moves. (A mapped file would besides end the program if somebody cut it short.)
+    InFile
+};
+
+/// A whole character. Immutable once read. Images are decoded on demand.
 class AcsFile : public AcsContent
 {
 public:
     /// Reads a file and checks its structure; raises AcsError, which names `path`, when anything in it is wrong. When
-    /// the file is replaced afterwards, this object stays with the old one.
-    static std::shared_ptr<const AcsFile> Open(const std::string& path);
+    /// another file takes its place afterwards, this object stays with the old one.
+    static std::shared_ptr<const AcsFile> Open(const std::string& path, Keep keep = Keep::InMemory);
     /// The same for bytes in memory; `name` stands for the path in messages.
     static std::shared_ptr<const AcsFile> Parse(std::vector<std::uint8_t> bytes, const std::string& name);
 
@@ -215,7 +222,7 @@ public:
 
 private:
     friend class AcsReader;
-    /// The same for all the bytes of `source`, which are needed only during the call.
+    /// Reads the character from `bytes`, which are all of `source`'s and are needed only during the call.
     static std::shared_ptr<const AcsFile> Parse(std::span<const std::uint8_t> bytes, const std::string& name,
                                                 std::unique_ptr<const AcsSource> source);
     struct StoredSound {

@@ -47,10 +47,10 @@ QColor Page(const QPalette& palette)
     return button.lighter(104 + std::max(1, (180 - qGray(button.rgb())) / 6));
 }
 
-/// The background of a frame with a title. Fusion makes it a little darker than what it stands on.
-QColor InFrame(const QPalette& palette)
+/// The background of a frame with a title. Fusion makes it a little darker than what it stands on, a window or a page.
+QColor InFrame(const QColor& ground)
 {
-    return palette.color(QPalette::Active, QPalette::Window).darker(103);
+    return ground.darker(103);
 }
 
 /// The lightest part of a button, at the top of Fusion's gradient.
@@ -65,9 +65,10 @@ QColor OutlineOf(const QStyleOption& option, bool focused)
     const QColor window = option.palette.color(QPalette::Window);
     if (!(option.state & QStyle::State_Enabled))
         return Mix(window, Outline(option.palette), 0.5);
-    return focused ? Readable(option.palette.color(QPalette::Highlight), option.palette.color(QPalette::WindowText),
-                              {window, InFrame(option.palette), Page(option.palette)}, PartContrast)
-                   : Outline(option.palette);
+    return focused
+               ? Readable(option.palette.color(QPalette::Highlight), option.palette.color(QPalette::WindowText),
+                          {window, InFrame(window), Page(option.palette), InFrame(Page(option.palette))}, PartContrast)
+               : Outline(option.palette);
 }
 
 /// Calls `draw` with an outline's pen. Its coordinates are the middles of the pixels covered.
@@ -111,7 +112,8 @@ QColor Outline(const QPalette& palette)
 {
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     return Readable(window, palette.color(QPalette::Active, QPalette::WindowText),
-                    {window, InFrame(palette), Page(palette), palette.color(QPalette::Active, QPalette::Base)},
+                    {window, InFrame(window), Page(palette), InFrame(Page(palette)),
+                     palette.color(QPalette::Active, QPalette::Base)},
                     PartContrast);
 }
 

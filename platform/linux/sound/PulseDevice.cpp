@@ -30,8 +30,9 @@ constexpr std::int64_t FeedMicroseconds = 10'000;
 constexpr std::int64_t FirstFeedMicroseconds = 1'000;
 constexpr std::chrono::milliseconds FirstSoon{200};
 constexpr std::chrono::milliseconds ClockInterval{20};
-// A stream fails when for this long it is not opened, or the server takes nothing of what is written: the server hangs,
-// or its sink was suspended. A voice that has nothing to say yet may take longer.
+// A stream fails when for this long it is not opened, or the server takes nothing of what is written, or nothing more
+// is heard of what it took: the server hangs, or its sink was suspended. A voice that has nothing to say yet may take
+// longer.
 constexpr std::chrono::seconds Patience{3};
 // A timer that comes this much too late tells that the program was stopped, not the sound.
 constexpr std::chrono::milliseconds StandStill{500};
@@ -96,7 +97,7 @@ struct PulseDevice::Playing : std::enable_shared_from_this<Playing> {
     bool over = false;
     bool starved = false;  // the server wants more, and the source has none yet
     std::int64_t end = -1; // total number of samples; -1 until known
-    // The most that the server reported: bytes taken, and microseconds heard.
+    // The most that the server reported: bytes taken, and, once all are taken, microseconds heard.
     std::int64_t taken = -1;
     std::int64_t heard = std::numeric_limits<std::int64_t>::min();
     Clock::time_point lastNews = Clock::now();
@@ -472,11 +473,13 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     const std::int64_t heard = static_cast<std::int64_t>(pa_bytes_to_usec(static_cast<std::uint64_t>(taken),
                                                                           pa_stream_get_sample_spec(playing->stream))) -
                                static_cast<std::int64_t>(timing->sink_usec);
-    // What follows the end is silence without end: that the server takes it says nothing.
-    if (playing->end >= 0 ? heard > playing->heard : taken > playing->taken || playing->starved)
+    // What follows the last sample is silence without end: that the server takes it says nothing.
+    const bool allTaken = playing->end >= 0 && taken >= playing->end * SampleBytes;
+    if (allTaken ? heard > playing->heard : taken > playing->taken || playing->starved)
         playing->lastNews = now;
     playing->taken = std::max(playing->taken, taken);
-    playing->heard = std::max(playing->heard, heard);
+    if (allTaken)
+        playing->heard = std::max(playing->heard, heard);
     // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
     // request.
     const Clock::duration age = std::clamp<Clock::duration>(

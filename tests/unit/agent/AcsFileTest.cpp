@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 using namespace voxmate;
 using namespace voxmate::agent;
@@ -22,8 +23,7 @@ std::shared_ptr<const AcsFile> ReadBack(const AcsDescription& d)
 // Writes the small character into a file of its own, and returns the path.
 std::string WrittenFile(const std::string& name)
 {
-    const std::string path =
-        testing::TempDir() + name + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + ".acs";
+    const std::string path = testing::TempDir() + name + std::to_string(std::random_device()()) + ".acs";
     const std::vector<std::uint8_t> bytes = WriteAcs(SmallCharacter());
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
@@ -201,10 +201,22 @@ TEST(AcsFileReadingTest, ReadsImagesAndSoundsFromTheFileThatItOpenedAlsoWhenAnot
 {
     const auto expected = ReadBack(SmallCharacter());
     const std::string path = WrittenFile("voxmate-replaced-");
-    const auto file = AcsFile::Open(path);
+    const auto file = AcsFile::Open(path, Keep::InFile);
     std::remove(path.c_str());
     std::ofstream(path) << "something else";
     ASSERT_GT(file->ImageCount(), 0u);
+    for (std::size_t i = 0; i < file->ImageCount(); ++i)
+        EXPECT_EQ(file->DecodeImage(i).pixels, expected->DecodeImage(i).pixels) << i;
+    EXPECT_EQ(file->Sound(0), expected->Sound(0));
+    std::remove(path.c_str());
+}
+
+TEST(AcsFileReadingTest, AFileThatIsKeptInMemoryMayBeOverwritten)
+{
+    const auto expected = ReadBack(SmallCharacter());
+    const std::string path = WrittenFile("voxmate-overwritten-");
+    const auto file = AcsFile::Open(path);
+    std::filesystem::resize_file(std::filesystem::path(path), 0);
     for (std::size_t i = 0; i < file->ImageCount(); ++i)
         EXPECT_EQ(file->DecodeImage(i).pixels, expected->DecodeImage(i).pixels) << i;
     EXPECT_EQ(file->Sound(0), expected->Sound(0));
@@ -215,7 +227,7 @@ TEST(AcsFileReadingTest, AFileThatIsCutShortAfterItWasOpenedIsReadAsFarAsItGoes)
 {
     const auto expected = ReadBack(SmallCharacter());
     const std::string path = WrittenFile("voxmate-cut-");
-    const auto file = AcsFile::Open(path);
+    const auto file = AcsFile::Open(path, Keep::InFile);
     const StoredImage& last = file->Stored(file->ImageCount() - 1);
     std::filesystem::resize_file(std::filesystem::path(path), last.offset + last.size - 1);
     try {

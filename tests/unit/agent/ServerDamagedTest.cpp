@@ -1,5 +1,9 @@
 #include "tests/unit/agent/ServerTest.h"
 
+#include <filesystem>
+#include <fstream>
+#include <random>
+
 namespace voxmate::agent::test
 {
 namespace
@@ -44,6 +48,30 @@ TEST_F(DamagedPicturesTest, AreToldOnceALoadWithTheMessageThatNamesTheFile)
     Load();
     stage.Settle();
     EXPECT_EQ(Log(), (Lines{Told("Bo", 7)}));
+}
+
+TEST_F(DamagedPicturesTest, AFileThatIsCutShortLeavesTheCharacterInItsPictureAndWithoutItsSounds)
+{
+    const std::string path = testing::TempDir() + "voxmate-cut-" + std::to_string(std::random_device()()) + ".acs";
+    const std::vector<std::uint8_t> bytes = WriteAcs(description);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    Server reading(stage, voice, [&path](const std::string&) { return AcsFile::Open(path, Keep::InFile); });
+    reading.Load("Bo", path);
+    AgentCharacter& bo = reading.Characters("Bo");
+    bo.Show(true);
+    stage.Run(1000);
+    const AgentRequestPtr heard = bo.Play("Chime");
+    stage.Run(5000);
+    EXPECT_EQ(heard->Status(), RequestStatus::Complete);
+    EXPECT_EQ(stage.sounds.size(), 1u);
+    std::filesystem::resize_file(path, 0);
+    const AgentRequestPtr silent = bo.Play("Chime");
+    stage.Run(5000);
+    EXPECT_EQ(silent->Status(), RequestStatus::Complete);
+    EXPECT_EQ(stage.sounds.size(), 1u);
+    EXPECT_TRUE(stage.Window().visible);
+    std::filesystem::remove(path);
 }
 
 TEST_F(DamagedPicturesTest, ASoundFileIsNotToldOf)
