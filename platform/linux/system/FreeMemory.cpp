@@ -8,9 +8,10 @@ namespace voxmate
 namespace
 {
 
-// The C library's own initial thresholds, in bytes. Setting them keeps it from raising them with the size of what was
-// freed.
-constexpr int LargeBlock = 128 * 1024;
+// In bytes. Setting the thresholds keeps the C library from raising them with the size of what was freed. A large block
+// has pages of its own, which go back when it is freed: pictures of small characters, some 100 kB, would otherwise
+// leave holes between what stays. The other is the library's own.
+constexpr int LargeBlock = 32 * 1024;
 constexpr int HeaviestTop = 128 * 1024;
 // For all threads together; without a limit there may be one for each.
 constexpr int Heaps = 2;
