@@ -135,7 +135,9 @@ class SoundServer(SpeechCase):
             heard = sound.loud_seconds(recorder.snapshot()[0])
         finally:
             recorder.stop()
-        self.assertAlmostEqual(heard / self.rendered_length(text), 1, delta=0.06)
+        # A fault loses the rest of the text. Where the sound broke off, a busy machine has added 7 percent.
+        self.assertGreater(heard / self.rendered_length(text), 0.94)
+        self.assertLess(heard / self.rendered_length(text), 1.2)
 
     # What follows is disturbed for longer than a sound server that takes nothing is waited for.
 
