@@ -125,8 +125,9 @@ class SoundServer(SpeechCase):
         self.desk.run("pactl", "suspend-sink", "rec", "0")
         self.is_heard()
 
-    def heard_whole(self, text, speak):
-        """Lets `speak(recorder)` speak the text and disturb that, and compares what is heard with the text's length."""
+    def heard_whole(self, text, speak, most=1.06):
+        """Lets `speak(recorder)` speak the text and disturb that, and compares what is heard with the text's length, of
+        which it may be `most` times as much."""
         self.type_text(text)
         recorder = self.desk.recorder()
         try:
@@ -135,9 +136,8 @@ class SoundServer(SpeechCase):
             heard = sound.loud_seconds(recorder.snapshot()[0])
         finally:
             recorder.stop()
-        # A fault loses the rest of the text. Where the sound broke off, a busy machine has added 7 percent.
         self.assertGreater(heard / self.rendered_length(text), 0.94)
-        self.assertLess(heard / self.rendered_length(text), 1.2)
+        self.assertLess(heard / self.rendered_length(text), most)
 
     # What follows is disturbed for longer than a sound server that takes nothing is waited for.
 
@@ -175,7 +175,8 @@ class SoundServer(SpeechCase):
             time.sleep(5)
             self.program.send_signal(signal.SIGCONT)
 
-        self.heard_whole(SENTENCE, stand_still)
+        # Where the sound breaks off, a busy machine has added 7 percent. A fault loses most of the sentence.
+        self.heard_whole(SENTENCE, stand_still, most=1.2)
 
     def test_a_sound_server_that_comes_after_the_program_is_found(self):
         self.desk.kill_sound()
