@@ -79,7 +79,6 @@ int Run(qt::QtApplication& application)
     running = &program;
     frmMain mainForm(program);
     frmSplash splash(program);
-    sound.Look();
 
     const auto end = [&process] { process.EndRequested(); };
     application.EndRequested = end;
@@ -90,6 +89,7 @@ int Run(qt::QtApplication& application)
                                                 [&process] { process.EndWithin(LastSavePatience); }, EndPatience);
     process.EndAtExit();
     splash.Show();
+    sound.Look();
     return application.exec();
 }
 

@@ -15,9 +15,13 @@ constexpr std::size_t Channels = 4; // red, green, blue, mask
 
 /// Rows of pixels; the four channels of a pixel stand side by side, each 0 to 255.
 struct Plane {
-    Plane(int w, int h)
-        : width(w), height(h), values(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * Channels)
+    /// Makes all of it 0. The memory of larger planes before is used again: getting new pages from the system takes as
+    /// long as all the arithmetic.
+    void Clear(int w, int h)
     {
+        width = w;
+        height = h;
+        values.assign(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * Channels, 0);
     }
     float* Row(int y)
     {
@@ -27,8 +31,8 @@ struct Plane {
     {
         return values.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width) * Channels;
     }
-    int width;
-    int height;
+    int width = 0;
+    int height = 0;
     std::vector<float> values;
 };
 
@@ -36,9 +40,9 @@ struct Plane {
 constexpr int Rim = 2;
 
 /// Rows [from, to) of the bitmap with its rim; row 0 is the rim's first.
-Plane WithRim(const Bitmap& bitmap, int from, int to)
+void WithRim(const Bitmap& bitmap, int from, int to, Plane& plane)
 {
-    Plane plane(bitmap.width + 2 * Rim, to - from);
+    plane.Clear(bitmap.width + 2 * Rim, to - from);
     for (int y = std::max(from, Rim); y < std::min(to, bitmap.height + Rim); ++y) {
         const std::uint32_t* pixel =
             bitmap.pixels.data() + static_cast<std::size_t>(y - Rim) * static_cast<std::size_t>(bitmap.width);
@@ -50,7 +54,6 @@ Plane WithRim(const Bitmap& bitmap, int from, int to)
             to4[3] = static_cast<float>(*pixel >> 24);
         }
     }
-    return plane;
 }
 
 /// Gives transparent pixels next to drawn ones the mean colour of those, so that colours interpolated across the
@@ -147,9 +150,9 @@ std::vector<Taps> TapsFor(int from, int to)
 }
 
 /// Rows [from, to) of a plane, each resampled to one pixel per entry of `taps`.
-Plane Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps)
+void Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps, Plane& wide)
 {
-    Plane wide(static_cast<int>(taps.size()), to - from);
+    wide.Clear(static_cast<int>(taps.size()), to - from);
     for (int y = from; y < to; ++y) {
         float* out = wide.Row(y - from);
         for (const Taps& tap : taps) {
@@ -160,22 +163,22 @@ Plane Wider(const Plane& plane, int from, int to, const std::vector<Taps>& taps)
             out += Channels;
         }
     }
-    return wide;
 }
 
 /// Number of the bitmap's rows processed at a time; the planes of a whole large one would take half a gigabyte.
-constexpr int BandRows = 64;
+constexpr int BandRows = 32;
 /// How many rows above and below influence a row's colours and mask.
 constexpr int Reach = 2;
 
-/// Rows [from, to) of the bitmap with its rim, with softened mask and grown colours, resampled to the output's width.
-Plane Band(const Bitmap& bitmap, int from, int to, const std::vector<Taps>& across)
+/// Rows [from, to) of the bitmap with its rim, with softened mask and grown colours, resampled to the output's width,
+/// in `wide`; `plane` is working space.
+void Band(const Bitmap& bitmap, int from, int to, const std::vector<Taps>& across, Plane& plane, Plane& wide)
 {
     const int above = std::max(0, from - Reach);
-    Plane plane = WithRim(bitmap, above, std::min(to + Reach, bitmap.height + 2 * Rim));
+    WithRim(bitmap, above, std::min(to + Reach, bitmap.height + 2 * Rim), plane);
     GrowColours(plane);
     SoftenMask(plane);
-    return Wider(plane, from - above, to - above, across);
+    Wider(plane, from - above, to - above, across, wide);
 }
 
 // For values that are not negative. std::lround is a call of the library, four times for each pixel.
@@ -198,7 +201,8 @@ QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     const std::size_t length = static_cast<std::size_t>(size.width()) * Channels;
     std::vector<float> row(length);
-    Plane wide(0, 0);
+    Plane plane;
+    Plane wide;
     int first = 0; // the band's rows
     int last = 0;
     for (int y = 0; y < size.height() && !stop.stop_requested(); ++y) {
@@ -206,7 +210,7 @@ QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
         if (tap.first + 4 > last) {
             first = tap.first;
             last = std::min(first + BandRows, bitmap.height + 2 * Rim);
-            wide = Band(bitmap, first, last, across);
+            Band(bitmap, first, last, across, plane, wide);
         }
         const int at = tap.first - first;
         const std::array<const float*, 4> in{wide.Row(at), wide.Row(at + 1), wide.Row(at + 2), wide.Row(at + 3)};
@@ -216,7 +220,11 @@ QImage Enlarged(const Bitmap& bitmap, QSize size, const std::stop_token& stop)
         auto* out = reinterpret_cast<QRgb*>(image.scanLine(y));
         const float* value = row.data();
         for (int x = 0; x < size.width(); ++x, value += Channels) {
-            const float alpha = std::clamp((value[3] - level) * slope / 255 + 0.5F, 0.0F, 1.0F);
+            const float alpha = std::min((value[3] - level) * slope / 255 + 0.5F, 1.0F);
+            if (alpha <= 0) {
+                out[x] = 0;
+                continue;
+            }
             const auto channel = [&](std::size_t c) { return Rounded(std::clamp(value[c], 0.0F, 255.0F) * alpha); };
             out[x] = qRgba(channel(0), channel(1), channel(2), Rounded(alpha * 255));
         }

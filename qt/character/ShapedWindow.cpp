@@ -25,9 +25,10 @@ constexpr int AlphaThreshold = 128;
 /// Makes every drawn pixel of the cut-out fully opaque; otherwise the smooth edges would be black.
 void MakeOpaque(QImage& image)
 {
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < width; ++x)
             pixels[x] = qAlpha(pixels[x]) < AlphaThreshold ? 0 : qUnpremultiply(pixels[x]) | 0xFF000000;
     }
 }
@@ -39,16 +40,17 @@ QRegion ShapeOf(const QImage& image)
     std::vector<QRect> rects;
     std::size_t band = 0; // first rectangle of the row above
     std::vector<QRect> row;
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         const auto* pixels = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         row.clear();
-        for (int x = 0; x < image.width();) {
+        for (int x = 0; x < width;) {
             if (qAlpha(pixels[x]) < AlphaThreshold) {
                 ++x;
                 continue;
             }
             const int from = x;
-            while (x < image.width() && qAlpha(pixels[x]) >= AlphaThreshold)
+            while (x < width && qAlpha(pixels[x]) >= AlphaThreshold)
                 ++x;
             row.emplace_back(from, y, x - from, 1);
         }

@@ -59,7 +59,10 @@ QString PlainTextFormat(const QMimeData* content)
 QtWindowSystem::QtWindowSystem(const std::string& shareDirectory)
     : icons_(ToQt(shareDirectory) + QStringLiteral("/icons"))
 {
-    QApplication::setWindowIcon(icons_.Icon(QStringLiteral("voxmate")));
+    // Drawn from the event loop, because drawing all its sizes takes longer than the first window needs to come up.
+    QMetaObject::invokeMethod(
+        &context_, [this] { QApplication::setWindowIcon(icons_.Icon(QStringLiteral("voxmate"))); },
+        Qt::QueuedConnection);
     // Remembered, because no window has the focus for a moment after a box closes, and the next box may come just then.
     QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
         if (auto* form = now ? dynamic_cast<FormWindow*>(now->window()) : nullptr)

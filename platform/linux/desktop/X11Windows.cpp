@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
@@ -42,16 +41,42 @@ xcb_window_t RootWindow(xcb_connection_t* connection)
     return root.data->root;
 }
 
+namespace
+{
+
+using Atoms = std::map<std::string, xcb_atom_t, std::less<>>;
+
+// The atoms of some names, asked for in one exchange with the server; without those it does not answer for.
+Atoms AskForAtoms(xcb_connection_t* connection, const std::vector<std::string>& names)
+{
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    cookies.reserve(names.size());
+    for (const std::string& name : names)
+        cookies.push_back(xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()));
+    Atoms atoms;
+    for (std::size_t at = 0; at < names.size(); ++at) {
+        const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookies[at], nullptr));
+        if (reply)
+            atoms[names[at]] = reply->atom;
+    }
+    return atoms;
+}
+
+} // namespace
+
+// The names that are needed before the first window is placed are asked for together.
 xcb_atom_t Atom(xcb_connection_t* connection, const char* name)
 {
-    static std::map<std::string, xcb_atom_t, std::less<>> known;
+    static Atoms known = AskForAtoms(
+        connection, {"WM_TRANSIENT_FOR", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING",
+                     "_NET_CURRENT_DESKTOP", "_NET_WM_DESKTOP", "_NET_WM_STATE", "_NET_WM_STATE_ABOVE",
+                     "_NET_WM_STATE_FULLSCREEN", "_NET_WM_STATE_HIDDEN", "_NET_WM_STRUT", "_NET_WM_STRUT_PARTIAL",
+                     "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WORKAREA"});
     if (const auto found = known.find(std::string_view(name)); found != known.end())
         return found->second;
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    if (!reply)
-        return XCB_ATOM_NONE;
-    return known[name] = reply->atom;
+    known.merge(AskForAtoms(connection, {name}));
+    const auto found = known.find(std::string_view(name));
+    return found == known.end() ? xcb_atom_t{XCB_ATOM_NONE} : found->second;
 }
 
 namespace
