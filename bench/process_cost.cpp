@@ -1,13 +1,15 @@
 // Measures the start and idle cost of a program with windows from outside: the time from its start to its first window
-// on the screen, and its resident memory and processor time while idle.
+// on the screen, and its resident memory, processor time and wake-ups while idle.
 //
 // Usage: process_cost start COUNT PROGRAM       time to the first mapped window, COUNT times
-//        process_cost idle SETTLE SECONDS PROGRAM   after SETTLE seconds: memory, and processor time over SECONDS
+//        process_cost idle SETTLE SECONDS PROGRAM   after SETTLE seconds: memory; processor time and wake-ups over
+//        SECONDS
 #include "bench/Statistics.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -108,6 +110,22 @@ double CpuMs(pid_t process)
     return ticks * 1000 / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
+// How often the threads of a process have gone to sleep so far, which is how often they have woken up.
+long WakeUps(pid_t process)
+{
+    const std::string field = "voluntary_ctxt_switches:";
+    long sum = 0;
+    std::error_code gone;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
+        std::ifstream in(task.path() / "status");
+        for (std::string line; std::getline(in, line);) {
+            if (line.starts_with(field))
+                sum += std::stol(line.substr(field.size()));
+        }
+    }
+    return sum;
+}
+
 int MeasureIdle(int settle, int seconds, const char* program)
 {
     const pid_t child = Start(program);
@@ -115,14 +133,16 @@ int MeasureIdle(int settle, int seconds, const char* program)
     const double memory = StatusMb(child, "VmRSS:");
     const double own = StatusMb(child, "RssAnon:");
     const double before = CpuMs(child);
+    const long sleptBefore = WakeUps(child);
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     const double used = CpuMs(child) - before;
+    const long slept = WakeUps(child) - sleptBefore;
     if (::waitpid(child, nullptr, WNOHANG) != 0) {
         std::cerr << program << " ended by itself\n";
         return 1;
     }
-    std::printf("%s: resident %.1f MB (%.1f MB of its own), processor %.2f %% over %d s\n", program, memory, own,
-                used / (seconds * 10.0), seconds);
+    std::printf("%s: resident %.1f MB (%.1f MB of its own), processor %.2f %%, %.0f wake-ups in 10 s, over %d s\n",
+                program, memory, own, used / (seconds * 10.0), static_cast<double>(slept) * 10 / seconds, seconds);
     End(child);
     return 0;
 }
