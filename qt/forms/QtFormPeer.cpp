@@ -2,6 +2,7 @@
 
 #include "controls/OptionButton.h"
 #include "qt/dialogs/Placement.h"
+#include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
@@ -82,7 +83,7 @@ FormWindow* QtFormPeer::MakeFormWindow()
     layout->setContentsMargins(WindowMargin, WindowMargin, WindowMargin,
                                form_.Status ? WindowMargin / 2 : WindowMargin);
     content_->setLayout(layout);
-    window->setCentralWidget(content_);
+    window->setCentralWidget(new ContentArea(content_, window));
     if (form_.Status) {
         auto peer = CreateWidgetPeer(*form_.Status, icons_, window);
         auto* bar = static_cast<QStatusBar*>(peer->Widget());
@@ -307,6 +308,10 @@ QWidget* QtFormPeer::WidgetOf(const Control* control) const
 void QtFormPeer::Place()
 {
     placed_ = true;
+    // The window's layout learns of changes inside the scrolling area from the event loop only.
+    if (auto* window = qobject_cast<QMainWindow*>(window_))
+        window->centralWidget()->updateGeometry();
+    content_->layout()->activate();
     window_->adjustSize();
     // adjustSize() is limited to two thirds of the screen, and a resizable form may need more.
     if (const QScreen* screen = window_->screen(); screen && form_.Border == BorderStyle::Sizable)

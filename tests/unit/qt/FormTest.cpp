@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTimer>
@@ -25,6 +26,20 @@ TEST_F(FormTest, AFixedFormIsJustAsLargeAsItsLayoutNeeds)
 {
     EXPECT_EQ(Window()->minimumSize(), Window()->maximumSize());
     EXPECT_EQ(Window()->size(), Window()->sizeHint());
+}
+
+TEST_F(FormTest, AFormTooLargeForTheScreenScrollsToTheControlThatTheKeyboardReaches)
+{
+    Window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
+    const int room = Window()->screen()->availableGeometry().height();
+    Find("txtText")->setMinimumHeight(2 * room);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Window()->frameGeometry().height() > room / 2; }));
+    EXPECT_LE(Window()->frameGeometry().height(), room);
+    EXPECT_TRUE(Find("comEngine")->visibleRegion().isEmpty());
+    while (QApplication::focusWidget()->objectName() != "comEngine")
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(Find("comEngine")->visibleRegion().boundingRect(), Find("comEngine")->rect());
 }
 
 TEST_F(FormTest, WidgetsCarryTheirControlsNamesAndAreNamedForAScreenReader)
