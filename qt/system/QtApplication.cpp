@@ -19,7 +19,8 @@ namespace
 {
 
 constexpr int PixmapCacheKilobytes = 1024;
-/// From a window's going to AtRest: longer than from one sentence's balloon to the next one's.
+/// From a window's going to AtRest. What goes meanwhile does not put it off, because somebody who works quickly has
+/// menus, lists and dialogs coming and going all the time.
 constexpr std::chrono::seconds Rest{3};
 
 constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
@@ -80,7 +81,8 @@ bool QtApplication::event(QEvent* event)
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)
 {
-    if (event->type() == QEvent::Hide && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow())
+    if (event->type() == QEvent::Hide && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow() &&
+        !rest_.isActive())
         rest_.start();
     try {
         return QApplication::notify(receiver, event);

@@ -29,8 +29,8 @@ public:
     /// The session may be about to end: pending writes should reach the disk.
     std::function<void()> SaveRequested;
 
-    /// Called when a window, menu or list has gone and for three seconds no other: time to give memory back. Other
-    /// windows may be there, and the character may speak.
+    /// Called three seconds after a window, menu or list has gone, once for all that go in that time: time to give
+    /// memory back. Other windows may be there, and the character may speak.
     std::function<void()> AtRest;
 
     /// Calls `act` from the event loop. May be called on any thread.

@@ -114,4 +114,16 @@ TEST_F(ApplicationTest, RestComesOnceAfterTheLastOfSeveralWindowsHasGone)
     app.AtRest = nullptr;
 }
 
+TEST_F(ApplicationTest, RestComesAlsoWhileWindowsKeepComingAndGoing)
+{
+    int rests = 0;
+    app.AtRest = [&rests] { ++rests; };
+    QWidget window;
+    QTimer timer;
+    timer.callOnTimeout([&window] { window.setVisible(!window.isVisible()); });
+    timer.start(100);
+    EXPECT_TRUE(QTest::qWaitFor([&rests] { return rests > 1; }, 20'000));
+    app.AtRest = nullptr;
+}
+
 } // namespace voxmate::qt
