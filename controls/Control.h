@@ -184,8 +184,13 @@ public:
 class CommandButton : public Clickable
 {
 public:
+    /// What a button with a picture does for its form: what the form is for, the end of that, or anything else. The
+    /// first two are told from the others at a glance.
+    enum class Role { Other, Act, Halt };
+
     using Clickable::Clickable;
-    std::string Picture;    ///< name of the icon, without folder and extension
+    std::string Picture; ///< name of the icon, without folder and extension
+    Role Stands = Role::Other;
     bool IsDefault = false; ///< pressed by Enter
     bool IsCancel = false;  ///< pressed by Escape
 

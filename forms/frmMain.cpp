@@ -61,6 +61,8 @@ frmMain::frmMain(Program& program) : Form(program.Host.Windows, "frmMain"), prog
         button->Picture = picture;
         button->ToolTipText = toolTip;
     }
+    cmdSpeak.Stands = CommandButton::Role::Act;
+    cmdStop.Stands = CommandButton::Role::Halt;
     lblVoice.Buddy = &comSpEng;
     lblSpeedName.Buddy = &scrSpeed;
     lblPitchName.Buddy = &scrPitch;

@@ -61,14 +61,12 @@ Layout frmOptions::CharacterPage()
 
 Layout frmOptions::ReadingPage()
 {
+    // Two columns: what a control is for, and the control. Check boxes say it themselves.
     return Column({
-        Row({Item(Label8), Item(txtTimeInterval), Item(Label9), Space()}),
-        Item(chk24Time),
-        Row({Item(Label2), Item(comDateFMT), Item(Label3), Space()}),
-        Item(chkReadOnLeftClick),
-        Row({Item(Label6), Item(txtUserName).Stretch(1)}),
-        Item(chkMyName),
-        Item(chkMsgRead),
+        Grid(2,
+             {Item(Label8), Row({Item(txtTimeInterval), Item(Label9), Space()}).Stretch(1), Space(0), Item(chk24Time),
+              Item(Label2), Row({Item(comDateFMT), Item(Label3), Space()}), Space(0), Item(chkReadOnLeftClick),
+              Item(Label6), Item(txtUserName), Space(0), Item(chkMyName), Space(0), Item(chkMsgRead)}),
         Space(),
     });
 }

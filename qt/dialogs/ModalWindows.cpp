@@ -5,6 +5,8 @@
 
 #include <QDialog>
 #include <QEvent>
+#include <QLayout>
+#include <QResizeEvent>
 
 #include <algorithm>
 #include <vector>
@@ -28,10 +30,21 @@ public:
             Enter();
         else if (watched == &dialog_ && event->type() == QEvent::Hide)
             Leave();
+        else if (watched == &dialog_ && event->type() == QEvent::Resize && dialog_.isVisible() &&
+                 NeedsMore(static_cast<const QResizeEvent*>(event)->oldSize()))
+            Centre(dialog_, dialog_.parentWidget());
         return false;
     }
 
 private:
+    /// Whether the dialog has grown because its content did, and not by the user's hand: then it is just as large as
+    /// its content needs.
+    bool NeedsMore(QSize before) const
+    {
+        const QSize least = dialog_.layout() ? dialog_.layout()->totalMinimumSize() : QSize();
+        return (dialog_.width() > before.width() && dialog_.width() == least.width()) ||
+               (dialog_.height() > before.height() && dialog_.height() == least.height());
+    }
     void Enter()
     {
         if (std::find(shown.begin(), shown.end(), this) == shown.end())

@@ -81,7 +81,7 @@ class ButtonPeer : public Common<CommandButton, Button>
 {
 public:
     ButtonPeer(CommandButton& button, const IconSet& icons, QWidget* parent)
-        : Common(button, new Button(icons, ToQt(button.Picture), parent))
+        : Common(button, new Button(icons, ToQt(button.Picture), button.Stands, parent))
     {
         Update(Property::Caption);
         QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });

@@ -19,12 +19,17 @@ namespace
 
 // Sizes in device-independent pixels.
 constexpr int IconSize = 24;
+constexpr int LargeIconSize = 30;
 constexpr int PictureButtonSize = 40;
+constexpr int LargePictureButtonSize = 52;
 constexpr qreal Rounding = 6;
 constexpr int BarHeight = 22;
 constexpr int PanelPadding = 8;
 
 constexpr qreal DisabledOpacity = 0.4;
+
+/// A red on which white reaches a contrast of 5 to 1.
+constexpr QColor HaltColour(0xCC, 0x33, 0x33);
 
 /// The colour of lines on a widget: its text colour, a little softer.
 QColor Ink(const QWidget& widget)
@@ -60,8 +65,8 @@ QColor Mix(const QColor& first, const QColor& second, qreal share)
                   between(first.blue(), second.blue()));
 }
 
-Button::Button(const IconSet& icons, const QString& picture, QWidget* parent)
-    : QPushButton(parent), icons_(icons), picture_(picture)
+Button::Button(const IconSet& icons, const QString& picture, CommandButton::Role role, QWidget* parent)
+    : QPushButton(parent), icons_(icons), picture_(picture), role_(role)
 {
     if (!picture_.isEmpty())
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -70,8 +75,10 @@ Button::Button(const IconSet& icons, const QString& picture, QWidget* parent)
 
 QSize Button::sizeHint() const
 {
-    if (!picture_.isEmpty())
-        return {PictureButtonSize, PictureButtonSize};
+    if (!picture_.isEmpty()) {
+        const int side = role_ == CommandButton::Role::Other ? PictureButtonSize : LargePictureButtonSize;
+        return {side, side};
+    }
     // A comfortable minimum size to click, however short the text.
     return QPushButton::sizeHint().expandedTo({84, 30});
 }
@@ -90,16 +97,18 @@ void Button::paintEvent(QPaintEvent* event)
         QPushButton::paintEvent(event);
         return;
     }
-    const QColor face = Face(*this);
-    const QColor accent = palette().color(QPalette::Highlight);
+    const bool filled = role_ != CommandButton::Role::Other;
+    const QColor face = filled ? Filling() : Face(*this);
+    // A filled button is darkened where others take on the accent's colour.
+    const QColor accent = filled ? QColor(Qt::black) : palette().color(QPalette::Highlight);
     QColor fill = face;
-    QColor line = Outline(palette());
+    QColor line = filled ? Mix(face, palette().color(QPalette::WindowText), 0.3) : Outline(palette());
     if (isDown()) {
         fill = Mix(face, accent, 0.35);
-        line = accent;
+        line = filled ? fill : accent;
     } else if (underMouse() && isEnabled()) {
         fill = Mix(face, accent, 0.14);
-        line = Mix(line, accent, 0.6);
+        line = Mix(line, accent, filled ? 0 : 0.6);
     }
 
     QPainter painter(this);
@@ -111,8 +120,17 @@ void Button::paintEvent(QPaintEvent* event)
     if (hasFocus())
         DrawFocusRing(painter, *this, rect(), Rounding - 0.5);
 
-    const QPixmap pixmap = icons_.Pixmap(picture_, IconSize, devicePixelRatioF(), Ink(*this));
-    painter.drawPixmap(QPoint((width() - IconSize) / 2, (height() - IconSize) / 2), pixmap);
+    const int size = filled ? LargeIconSize : IconSize;
+    const QColor onColour = Contrast(face, Qt::white) >= Contrast(face, Qt::black) ? Qt::white : Qt::black;
+    const QPixmap pixmap = icons_.Pixmap(filled ? picture_ + QStringLiteral("-filled") : picture_, size,
+                                         devicePixelRatioF(), filled ? onColour : Ink(*this));
+    painter.drawPixmap(QPoint((width() - size) / 2, (height() - size) / 2), pixmap);
+}
+
+/// The colour of a button that acts or halts.
+QColor Button::Filling() const
+{
+    return role_ == CommandButton::Role::Act ? palette().color(QPalette::Highlight) : HaltColour;
 }
 
 void Button::TellMouseUp(int button)

@@ -2,6 +2,7 @@
 // dark themes.
 #pragma once
 
+#include "controls/Control.h"
 #include "qt/widgets/IconSet.h"
 
 #include <QGroupBox>
@@ -21,8 +22,9 @@ QColor Mix(const QColor& first, const QColor& second, qreal share);
 class Button : public QPushButton
 {
 public:
-    /// `icons` must outlive a button with a picture.
-    Button(const IconSet& icons, const QString& picture, QWidget* parent);
+    /// `icons` must outlive a button with a picture. One that acts or halts is larger, is filled with
+    /// a colour and has the icon whose name ends in "-filled".
+    Button(const IconSet& icons, const QString& picture, CommandButton::Role role, QWidget* parent);
 
     /// Called when a mouse button is released over the button (1 left, 2 right), after any click. The keyboard's menu
     /// key counts as the right mouse button.
@@ -41,8 +43,11 @@ protected:
 private:
     void TellMouseUp(int button);
 
+    QColor Filling() const;
+
     const IconSet& icons_;
     const QString picture_;
+    const CommandButton::Role role_;
 };
 
 /// A horizontal scroll bar for setting a value: a slim track between two arrows, filled up to the handle. It can have

@@ -1,7 +1,14 @@
 // Windows that appear without the user having asked: where they are placed, and that they take no focus.
 #include "qt/dialogs/Placement.h"
 #include "platform/WindowSystem.h"
+#include "qt/character/ShapedWindow.h"
+#include "qt/dialogs/ModalWindows.h"
 #include "tests/unit/qt/QtTest.h"
+
+#include <QDialog>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QVBoxLayout>
 
 namespace voxmate::qt
 {
@@ -107,6 +114,33 @@ TEST(PlacementTest, FormsThatDoNotTakeTheKeyboardStandBesideEachOtherAndLeaveItA
     }
     ASSERT_EQ(shown.size(), 2);
     EXPECT_FALSE(shown[0].intersects(shown[1]));
+}
+
+// A dialog may get wider after it has come up, when what it shows has been found.
+TEST(PlacementTest, ADialogThatNeedsMoreRoomThanAtFirstMovesAsideOfTheCharacter)
+{
+    App();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QWidget character;
+    character.setWindowTitle(QString::fromLatin1(CharacterTitle));
+    character.setGeometry(screen.center().x() + 110, screen.center().y() - 100, 200, 200);
+    character.show();
+    QDialog dialog;
+    LetCharacterLiveBeside(dialog);
+    auto* content = new QWidget;
+    content->setMinimumSize(200, 200);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(content);
+    dialog.show();
+    ASSERT_FALSE(dialog.geometry().intersects(character.geometry()));
+    content->setMinimumSize(300, 200);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.width() >= 300; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !dialog.geometry().intersects(character.geometry()); }, 2000));
+    // What the user makes larger stays where it is.
+    const QPoint place = dialog.pos();
+    dialog.resize(dialog.size() + QSize(200, 0));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialog.pos(), place);
 }
 
 } // namespace voxmate::qt
