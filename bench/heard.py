@@ -1,7 +1,7 @@
 """Measures and prints how soon a typed sentence is heard and a stop is silent, how far lips and balloon are from the
-sound on three kinds of sinks, and how soon a Word document is heard. Nothing else may run on the machine.
+sound on three kinds of sinks. Nothing else may run on the machine.
 
-Usage: /usr/bin/python3 -W ignore bench/heard.py [sentence] [lips] [document]
+Usage: /usr/bin/python3 -W ignore bench/heard.py [sentence] [lips]
 """
 
 import difflib
@@ -18,8 +18,7 @@ import desk as desktop  # noqa: E402
 import lips  # noqa: E402
 import sound  # noqa: E402
 from program import Watch  # noqa: E402
-from test_reading import SENTENCE, WordCase  # noqa: E402
-from test_speech import SENTENCE as SHORT, SpeechCase  # noqa: E402
+from test_speech import SENTENCE, SpeechCase  # noqa: E402
 
 RUNS = 10
 SILENCE = 0.08  # seconds of silence that are a pause and not part of a consonant
@@ -38,7 +37,7 @@ class Sentence(SpeechCase):
     def measure(self):
         self.listen()
         self.start_and_settle()
-        self.type_text(SHORT)
+        self.type_text(SENTENCE)
         starts, stops = [], []
         for _ in range(RUNS):
             self.point_at("Speak the textbox text")
@@ -177,25 +176,9 @@ class Lips(SpeechCase):
         return [min((when - heard_at(seconds) for when in opened), key=abs) for seconds in onsets]
 
 
-class Document(WordCase):
-    def measure(self):
-        path = self.document("letter.doc", SENTENCE * 1500)
-        # The converter alone, with a new profile like the one the program gives it.
-        alone = time.monotonic()
-        self.convert(path, "txt:Text (encoded):UTF8", os.path.join(self.desk.home, "profile"))
-        alone = time.monotonic() - alone
-        begin = self.now()
-        self.open_word(path)
-        opened = time.monotonic()
-        desktop.wait_for(lambda: self.sound_since(begin), 120, what="the first part")
-        samples, ends, times = self.recorder.snapshot()
-        first = self.recorder.time_of(begin + sound.loud_span(samples[begin:])[0], ends, times)
-        print(f"Word document: opened to first sound {first - opened:.2f} s, the converter alone {alone:.2f} s", flush=True)
-
-
 def main():
     wanted = sys.argv[1:]
-    for name, case in (("sentence", Sentence), ("lips", Lips), ("document", Document)):
+    for name, case in (("sentence", Sentence), ("lips", Lips)):
         if wanted and name not in wanted:
             continue
         measured = case()

@@ -1,10 +1,12 @@
 // Prints what the word processor's automation returns for a document, and how long the program waits for it.
 //
-//   word_text [--limit MILLISECONDS] [--stop MILLISECONDS] FILE
+//   word_text [--limit MS] [--stop MS] [--ready MS] [--ahead MS | --expect MS] FILE
 //
 // The first line gives the length in characters, the time to open the document, the longest time between two calls that
 // keep the program responsive, and the time to take the whole text in parts of 1000 characters; the text follows.
-// --limit sets the time a conversion may take; --stop aborts the conversion after that time.
+// --limit sets the time a conversion may take; --stop aborts the conversion after that time. --ahead prepares the word
+// processor that long before the document is opened, --expect also names the document then; --ready sets the time after
+// which a prepared one that is not used is ended. All times are in milliseconds.
 #include "base/RuntimeError.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 
@@ -12,7 +14,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 
 using namespace voxmate;
@@ -32,15 +37,27 @@ double Milliseconds(Clock::duration time)
 
 int main(int argc, char** argv)
 {
-    std::chrono::milliseconds limit = LibreOfficeWord::DefaultTimeLimit;
-    std::chrono::milliseconds stop = std::chrono::hours(1);
+    using std::chrono::milliseconds;
+    std::map<std::string, milliseconds> times{{"--limit", LibreOfficeWord::DefaultTimeLimit},
+                                              {"--stop", std::chrono::hours(1)},
+                                              {"--ready", LibreOfficeWord::DefaultReadyTime},
+                                              {"--ahead", {}},
+                                              {"--expect", {}}};
     int at = 1;
-    for (; at + 2 < argc; at += 2)
-        (std::string(argv[at]) == "--limit" ? limit : stop) = std::chrono::milliseconds(std::atol(argv[at + 1]));
+    for (; at + 2 < argc && times.contains(argv[at]); at += 2)
+        times[argv[at]] = milliseconds(std::atol(argv[at + 1]));
     if (at + 1 != argc) {
-        std::fputs("word_text [--limit MILLISECONDS] [--stop MILLISECONDS] FILE\n", stderr);
+        std::fputs("word_text [--limit MS] [--stop MS] [--ready MS] [--ahead MS | --expect MS] FILE\n", stderr);
         return 2;
     }
+
+    LibreOfficeWord automation(LibreOfficeWord::Folders(), times["--limit"], times["--ready"]);
+    std::unique_ptr<WordPreparation> preparation;
+    if (times["--ahead"].count() > 0 || times["--expect"].count() > 0)
+        preparation = automation.Prepare();
+    if (times["--expect"].count() > 0 && preparation)
+        preparation->Expect(argv[at]);
+    std::this_thread::sleep_for(times["--ahead"] + times["--expect"]);
 
     const Clock::time_point start = Clock::now();
     Clock::time_point last = start;
@@ -48,10 +65,10 @@ int main(int argc, char** argv)
     const auto goOn = [&] {
         const Clock::time_point now = Clock::now();
         pause = std::max(pause, now - std::exchange(last, now));
-        return now - start < stop;
+        return now - start < times.at("--stop");
     };
     try {
-        const std::unique_ptr<WordApplication> word = LibreOfficeWord(LibreOfficeWord::Folders(), limit).CreateWord();
+        const std::unique_ptr<WordApplication> word = automation.CreateWord();
         word->SetVisible(false);
         word->Open(argv[at], goOn);
         const Clock::time_point opened = Clock::now();

@@ -132,9 +132,9 @@ private:
     Program& program_;
 
     void Complain(const char* sentence, const std::string& file, Manner manner);
-    std::string AskForFile(const Source& source);
+    std::string AskForFile(const Source& source, WordPreparation* ahead);
     template <class Reader>
-    void Read(const Source& source, Reader reader);
+    void Read(const Source& source, Reader reader, WordPreparation* ahead = nullptr);
     Outcome SpeakParts();
 };
 

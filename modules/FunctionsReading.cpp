@@ -3,6 +3,7 @@
 #include "modules/Program.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace voxmate
@@ -35,11 +36,17 @@ void Reading::Complain(const char* sentence, const std::string& file, Manner man
     program_.Main->SetStatus(StatusIdle);
 }
 
-// Asks for a file, which must exist and have the right extension; empty when there is no such file.
-std::string Reading::AskForFile(const Source& source)
+// Asks for a file, which must exist and have the right extension; empty when there is no such file. The word processor
+// is told which files the user selects meanwhile.
+std::string Reading::AskForFile(const Source& source, WordPreparation* ahead)
 {
     program_.Main->SetStatus("Prompting for file name...");
-    CommonDialog dialog{source.filter, source.title, true, {}};
+    CommonDialog dialog{source.filter, source.title, true, {}, {}};
+    if (ahead)
+        dialog.Selected = [&](const std::string& file) {
+            if (UCase(program_.Host.Files.GetExtensionName(file)) == source.extension)
+                ahead->Expect(file);
+        };
     program_.Host.Windows.ShowOpen(dialog);
     std::string file = Trim(dialog.FileName);
     if (file.empty())
@@ -57,11 +64,11 @@ std::string Reading::AskForFile(const Source& source)
 
 // Asks for a file and reads it. When the user cancels the dialog, nothing more happens.
 template <class Reader>
-void Reading::Read(const Source& source, Reader reader)
+void Reading::Read(const Source& source, Reader reader, WordPreparation* ahead)
 {
     program_.Messages.NumberedRoutine(source.routineId, [&] {
         try {
-            if (const std::string file = AskForFile(source); !file.empty())
+            if (const std::string file = AskForFile(source, ahead); !file.empty())
                 reader(file);
         } catch (const RuntimeError& error) {
             if (error.Number != CancelSelected().Number)
@@ -149,7 +156,9 @@ void Reading::OpenAndReadText()
 
 void Reading::OpenAndReadWord()
 {
-    Read(WordSource, [this](const std::string& file) {
+    // It takes seconds to start, which the user spends in the dialog.
+    const std::unique_ptr<WordPreparation> ahead = program_.Host.Word.Prepare();
+    const auto read = [this](const std::string& file) {
         program_.Main->SetStatus("Opening Word Document. Please wait...");
         // An earlier Stop does not concern this document.
         program_.StopRequested = False;
@@ -179,7 +188,8 @@ void Reading::OpenAndReadWord()
             Complain("The below WORD document you are trying to open contains no text:", file, Manner::Calling);
         else if (outcome == Outcome::Nothing)
             program_.Main->SetStatus(StatusIdle);
-    });
+    };
+    Read(WordSource, read, ahead.get());
 }
 
 void Reading::OpenAndPlayWave()

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxmate
@@ -61,6 +62,8 @@ struct CommonDialog {
     std::string DialogTitle;
     bool CancelError = false; ///< a cancelled dialog raises run-time error 32755
     std::string FileName;     ///< in: the proposed name; out: the full path chosen, unchanged when the user cancels
+    /// While the dialog is up: called with the full path of each file that has been selected or typed for a moment.
+    std::function<void(const std::string& file)> Selected;
 };
 
 /// Clipboard formats (winuser.h): plain text.

@@ -30,10 +30,23 @@ public:
     virtual void Quit() = 0;
 };
 
+/// A word processor that starts while the user still chooses a document. Destroying it ends the word processor, unless
+/// that is reading its document, and does not wait.
+class WordPreparation
+{
+public:
+    virtual ~WordPreparation() = default;
+    /// Names the document that will probably be opened, in place of the one named before; it may be read from now on.
+    virtual void Expect(const std::string& name) = 0;
+};
+
 class WordAutomation
 {
 public:
     virtual ~WordAutomation() = default;
+    /// Starts a word processor in the background for the next `CreateWord`, which does without when it ended too early
+    /// or waited too long. Nothing when none can be started. Must not outlive this object.
+    virtual std::unique_ptr<WordPreparation> Prepare() { return nullptr; }
     /// Creates "Word.Application"; raises run-time error 429 "ActiveX component can't create object" when no word
     /// processor is installed.
     virtual std::unique_ptr<WordApplication> CreateWord() = 0;

@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QStandardPaths>
 #include <QStringList>
+#include <QTimer>
 
 namespace voxmate::qt
 {
@@ -58,6 +59,24 @@ void SelectOnlyWhatIsTyped(const QFileDialog& dialog)
     });
 }
 
+/// Tells which file the button would open now, once it has been selected or its name typed for a moment. Moving through
+/// a list or typing passes many files by.
+void TellSelected(QFileDialog& dialog, const std::function<void(const std::string& file)>& tell)
+{
+    constexpr int moment = 250; // milliseconds
+    auto* const rest = new QTimer(&dialog);
+    rest->setSingleShot(true);
+    rest->setInterval(moment);
+    QObject::connect(rest, &QTimer::timeout, &dialog, [&dialog, tell] {
+        const QStringList files = dialog.selectedFiles();
+        if (!files.isEmpty() && QFileInfo(files.front()).isFile())
+            tell(FromQt(QDir::toNativeSeparators(files.front())));
+    });
+    QObject::connect(&dialog, &QFileDialog::currentChanged, rest, qOverload<>(&QTimer::start));
+    if (const auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+        QObject::connect(name, &QLineEdit::textChanged, rest, qOverload<>(&QTimer::start));
+}
+
 } // namespace
 
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder)
@@ -71,6 +90,8 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(NameFilters(settings.Filter));
     SelectOnlyWhatIsTyped(*dialog);
+    if (settings.Selected)
+        TellSelected(*dialog, settings.Selected);
     if (!settings.FileName.empty())
         dialog->selectFile(ToQt(settings.FileName));
     std::optional<std::string> chosen;

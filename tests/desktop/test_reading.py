@@ -3,6 +3,7 @@ wave files."""
 
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import unittest
@@ -378,12 +379,81 @@ class Word(WordCase):
         with open(office.protect(path, os.path.join(self.folder, "closed.doc"), "secret"), "rb") as file:
             return file.read()
 
+    def open_dialog(self):
+        """Opens the dialog for documents and waits until the word processor has started."""
+        self.press("Open and Read a Word Document")
+        self.desk.find("Open Word File to Read...")
+        desktop.wait_for(self.processors, what="the word processor")
+
+    def test_the_word_processor_starts_with_the_dialog_and_gives_the_first_word(self):
+        path = self.document("letter.doc", "Dear reader.")
+        self.open_dialog()
+        folders = set(os.listdir(self.temporary))
+
+        def heard():
+            folders.update(os.listdir(self.temporary))
+            return self.heard_since(begin)
+
+        begin = self.now()
+        wait_and_type(self.desk, "Open Word File to Read...", path)
+        desktop.wait_for(heard, what="the first word")
+        # Each word processor has a folder of its own: there was no second one.
+        self.assertEqual(len(folders), 1, folders)
+        self.hear(begin, "Dear reader.")
+        self.nothing_left()
+
+    def test_a_document_whose_name_stands_in_the_dialog_is_converted_before_it_is_opened(self):
+        path = self.document("letter.doc", "Dear reader.")
+        self.press("Open and Read a Word Document")
+        self.desk.find("Open Word File to Read...")
+        field = desktop.wait_for(lambda: focused_text(self.desk), what="the field for the file's name")
+        self.desk.type(path)
+        desktop.wait_for(lambda: field.queryText().getText(0, -1) == path, what="the typed name")
+        # The word processor that has given its text is ended.
+        self.nothing_left()
+        begin = self.now()
+        self.desk.key("Return")
+        self.hear(begin, "Dear reader.")
+        self.assertEqual(os.listdir(self.temporary), [])
+
+    def test_a_cancelled_dialog_ends_the_word_processor_and_the_next_has_its_own(self):
+        path = self.document("letter.doc", "Dear reader.")
+        for _ in range(2):
+            self.open_dialog()
+            self.desk.key("Escape")
+            self.desk.gone("Open Word File to Read...")
+            self.nothing_left()
+            self.assertIn(IDLE, self.desk.texts())
+        for _ in range(2):
+            begin = self.now()
+            self.open_word(path)
+            self.hear(begin, "Dear reader.")
+            self.settle()
+        self.nothing_left()
+
+    def test_a_word_processor_that_is_killed_while_the_dialog_is_up_is_replaced(self):
+        path = self.document("letter.doc", "Dear reader.")
+        self.open_dialog()
+        for process in self.processors():
+            subprocess.run(["kill", "-KILL", process], check=False)
+        begin = self.now()
+        wait_and_type(self.desk, "Open Word File to Read...", path)
+        self.hear(begin, "Dear reader.")
+        self.nothing_left()
+
+    def test_nothing_is_left_when_the_program_is_killed_while_the_dialog_is_up(self):
+        self.open_dialog()
+        self.program.kill()
+        self.has_ended(status=-signal.SIGKILL)
+        self.nothing_left()
+
     def test_stop_while_a_document_is_opened_ends_the_word_processor(self):
-        path = self.document("long.doc", SENTENCE * 3000)
+        path = self.document("long.doc", SENTENCE * 30000)
         x, y, width, height = self.desk.rect(self.desk.find("Stop Everything !!!"))
         begin = self.now()
         status = self.watch_status()
         self.open_word(path)
+        desktop.wait_for(lambda: "Opening Word Document. Please wait..." in status.texts(), step=0.01, what="the opening")
         desktop.wait_for(self.processors, step=0.01, what="the word processor")
         self.desk.click_at(x + width // 2, y + height // 2)
         desktop.wait_for(lambda: status.texts()[-1] == IDLE, what="the end")

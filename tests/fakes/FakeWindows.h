@@ -6,6 +6,7 @@
 #include "tests/fakes/FakeWindowCalls.h"
 #include "tests/fakes/Log.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -69,13 +70,16 @@ public:
     }
     void CoTaskMemFree(ItemList list) override { log_.push_back("CoTaskMemFree " + std::to_string(list)); }
     std::deque<std::optional<std::string>>
-        filesToOpen; ///< what the user chooses in the next open dialogs; none: cancels
+        filesToOpen;                        ///< what the user chooses in the next open dialogs; none: cancels
+    std::vector<std::string> filesSelected; ///< what the user selects in an open dialog before that
     std::function<void()> whileOpenDialogIsUp;
     void ShowOpen(CommonDialog& dialog) override
     {
         log_.push_back("ShowOpen " + dialog.DialogTitle + " " + dialog.Filter);
         if (whileOpenDialogIsUp)
             whileOpenDialogIsUp();
+        if (dialog.Selected)
+            std::for_each(filesSelected.begin(), filesSelected.end(), dialog.Selected);
         std::optional<std::string> chosen;
         if (!filesToOpen.empty()) {
             chosen = filesToOpen.front();

@@ -28,6 +28,17 @@ public:
     std::function<void()> whileOpening; ///< what happens before each question whether to go on
     int questions = 1;                  ///< how often opening a document asks that
     int alive = 0;                      ///< word processors not destroyed yet
+    bool prepares = true;               ///< false: nothing can be started in advance
+    int prepared = 0;                   ///< how often that was asked for
+    int preparations = 0;               ///< those that have not been destroyed yet
+    std::vector<std::string> expected;  ///< the documents named to them
+
+    // Not in the log: nothing that a user notices comes of it.
+    std::unique_ptr<WordPreparation> Prepare() override
+    {
+        ++prepared;
+        return prepares ? std::make_unique<Preparation>(*this) : nullptr;
+    }
 
     std::unique_ptr<WordApplication> CreateWord() override
     {
@@ -38,6 +49,20 @@ public:
     }
 
 private:
+    class Preparation : public WordPreparation
+    {
+    public:
+        explicit Preparation(FakeWord& word) : word_(word) { ++word_.preparations; }
+        ~Preparation() override { --word_.preparations; }
+        Preparation(const Preparation&) = delete;
+        Preparation& operator=(const Preparation&) = delete;
+
+        void Expect(const std::string& name) override { word_.expected.push_back(name); }
+
+    private:
+        FakeWord& word_;
+    };
+
     class Application : public WordApplication
     {
     public:

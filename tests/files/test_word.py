@@ -43,6 +43,10 @@ def pieces(count, seed=1):
     return lines
 
 
+# What the program may do before it opens a document: nothing, prepare the word processor, name the document as well.
+WAYS = ((), ("--ahead", "1500"), ("--expect", "1500"))
+
+
 class WordCase(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -106,9 +110,12 @@ class WordCase(unittest.TestCase):
 
 class MainText(WordCase):
     def check(self, kind):
-        result = self.read(self.office.save(kind, maker.sample(), kind))
-        self.assertEqual(result.text, maker.SAMPLE)
-        self.assertEqual(result.length, len(maker.SAMPLE))
+        path = self.office.save(kind, maker.sample(), kind)
+        for way in WAYS:
+            with self.subTest(way):
+                result = self.read(*way, path)
+                self.assertEqual(result.text, maker.SAMPLE)
+                self.assertEqual(result.length, len(maker.SAMPLE))
 
     def test_a_binary_document_gives_its_main_text_and_nothing_else(self):
         self.check("doc")
@@ -188,7 +195,10 @@ class Refusals(WordCase):
             cls.good = file.read()
 
     def refused(self, name, content):
-        self.assertEqual(self.read(self.write(name, content)).error, 4198, name)
+        path = self.write(name, content)
+        for way in WAYS:
+            with self.subTest(name, way=way):
+                self.assertEqual(self.read(*way, path).error, 4198)
 
     def test_what_is_no_document_is_refused(self):
         self.refused("picture.doc", b"\x89PNG\r\n\x1a\n" + bytes(2000))
@@ -198,7 +208,9 @@ class Refusals(WordCase):
         path = self.office.protect(self.path("good.doc"), self.path("protected.doc"), "secret")
         with open(path, "rb") as file:
             self.assertNotIn("Überschrift".encode("latin-1"), file.read())
-        self.assertEqual(self.read(path).error, 4198)
+        for way in WAYS:
+            with self.subTest(way):
+                self.assertEqual(self.read(*way, path).error, 4198)
 
     def test_damaged_documents_are_refused(self):
         for size in (600, 5000, len(self.good) * 2 // 3):
@@ -224,6 +236,9 @@ class BreakingOff(WordCase):
     def setUpClass(cls):
         super().setUpClass()
         cls.big = cls.office.save("big", maker.paragraphs(pieces(1_000_000)))
+        # One that is not converted before it is opened.
+        cls.huge = cls.office.save("huge", maker.paragraphs(pieces(5_000_000)))
+        cls.office.save("small", maker.paragraphs(["Hello."]))
 
     def test_a_conversion_is_broken_off_at_any_time(self):
         for moment in (0, 50, 200, 500, 1000):
@@ -231,14 +246,30 @@ class BreakingOff(WordCase):
             self.assertEqual(result.error, 4198)
             self.assertLess(result.milliseconds, moment + 1500)
 
+    def test_a_conversion_by_a_prepared_word_processor_is_broken_off_at_any_time(self):
+        for way in WAYS[1:]:
+            for moment in (0, 50, 200):
+                with self.subTest(way, moment=moment):
+                    self.assertEqual(self.read(*way, "--stop", str(moment), self.huge).error, 4198)
+
+    def test_a_prepared_word_processor_is_ended_at_any_time(self):
+        for moment in (1, 50, 200, 500, 1000, 1500):
+            with self.subTest(moment=moment):
+                self.assertEqual(self.read("--ready", str(moment), "--ahead", "1000", self.path("small.doc")).text, "Hello.\r")
+
     def test_a_conversion_that_takes_too_long_is_ended(self):
         result = self.read("--limit", "600", self.big)
         self.assertEqual(result.error, 4198)
         self.assertLess(result.milliseconds, 2100)
 
     def test_nothing_is_left_when_the_program_is_killed_meanwhile(self):
+        for way in ((), ("--ahead", "60000"), ("--expect", "60000")):
+            with self.subTest(way):
+                self.check_killing(*way)
+
+    def check_killing(self, *way):
         sockets = dead_sockets()
-        with self.start(self.big) as process:
+        with self.start(*way, self.big) as process:
             end = time.monotonic() + 30
             while not any("soffice.bin" in line for line in self.processes()):
                 self.assertLess(time.monotonic(), end)
@@ -283,10 +314,11 @@ class Network(WordCase):
 
     def check(self, path, expected):
         for refused in (False, True):
-            with self.subTest(os.path.basename(path), namespaces="refused" if refused else "as they are"):
-                self.asked.clear()
-                self.assertEqual(self.read(path, before=no_namespaces.refuse if refused else None).text, expected)
-                self.assertEqual(self.asked, [])
+            for way in WAYS[:2]:
+                with self.subTest(os.path.basename(path), namespaces="refused" if refused else "as they are", way=way):
+                    self.asked.clear()
+                    self.assertEqual(self.read(*way, path, before=no_namespaces.refuse if refused else None).text, expected)
+                    self.assertEqual(self.asked, [])
 
     def check_that_it_asks(self, path):
         """Makes sure that the document does ask for something where nothing prevents it."""

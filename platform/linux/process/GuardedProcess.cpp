@@ -40,6 +40,7 @@ struct Plan {
     const char* groups; ///< the group map for the namespace
     int life;
     int report;
+    int niceness;
 };
 
 void SetSignals(void (*handler)(int))
@@ -84,6 +85,7 @@ void LeaveNetwork(const Plan& plan)
 {
     ::setpgid(0, 0);
     SetSignals(SIG_DFL);
+    [[maybe_unused]] const int priority = ::nice(plan.niceness);
     if (plan.users)
         LeaveNetwork(plan);
     const int nothing = ::open("/dev/null", O_RDWR);
@@ -219,7 +221,8 @@ GuardedProcess::GuardedProcess(const GuardedCommand& command)
                         command.withoutNetwork ? users.c_str() : nullptr,
                         groups.c_str(),
                         life[0],
-                        report[1]};
+                        report[1],
+                        command.niceness};
         guard_ = ::fork();
         if (guard_ == 0)
             Guard(plan);

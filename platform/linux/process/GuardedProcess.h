@@ -10,15 +10,17 @@ namespace voxmate::linux_platform
 {
 
 /// A program to start: its full path, its arguments without its name, its complete environment ("NAME=value"), the
-/// folder it starts in, the files and folders to remove when everything is over, and whether to run it without a
-/// network. In that case it gets an empty network namespace, where the system grants one to an ordinary user. Otherwise
-/// it is run all the same and must be kept from the network by other means.
+/// folder it starts in, the files and folders to remove when everything is over, by how many steps of `nice` its
+/// priority is lower than ours, and whether to run it without a network. In that case it gets an empty network
+/// namespace, where the system grants one to an ordinary user. Otherwise it is run all the same and must be kept from
+/// the network by other means.
 struct GuardedCommand {
     std::string program;
     std::vector<std::string> arguments;
     std::vector<std::string> environment;
     std::string folder;
     std::vector<std::string> leavings;
+    int niceness = 0;
     bool withoutNetwork = false;
 };
 

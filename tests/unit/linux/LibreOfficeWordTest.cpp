@@ -1,23 +1,11 @@
 // The word processor, with stand-ins for LibreOffice: scripts that convert, hang, fail or leave files behind.
-#include "platform/linux/word/LibreOfficeWord.h"
-#include "base/RuntimeError.h"
+#include "tests/unit/linux/WordProcessorTest.h"
 
-#include <gtest/gtest.h>
-
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sched.h>
-#include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
+#include <utility>
 
 using namespace voxmate;
 using namespace voxmate::linux_platform;
@@ -29,103 +17,8 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-class LibreOfficeWordTest : public testing::Test
+class LibreOfficeWordTest : public WordProcessorTest
 {
-protected:
-    void SetUp() override
-    {
-        std::string name = "/tmp/voxmate-test-XXXXXX";
-        folder_ = ::mkdtemp(name.data());
-        for (const char* part : {"bin", "temp", "record"})
-            fs::create_directory(folder_ / part);
-        ::setenv("TMPDIR", (folder_ / "temp").c_str(), 1);
-        Write(Document(), "{\\rtf1 Hello}");
-    }
-    void TearDown() override
-    {
-        ::unsetenv("TMPDIR");
-        fs::remove_all(folder_);
-    }
-
-    static void Write(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
-    static std::string Read(const fs::path& path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    fs::path Document() const { return folder_ / "document.doc"; }
-    std::string Record(const std::string& name) const { return Read(folder_ / "record" / name); }
-
-    // Installs a stand-in for soffice. Its script has these variables: $out, the folder for its output; $document, the
-    // file to convert; $profile, the address of its profile; and $record, a folder for notes. It has already noted its
-    // process number in "pids".
-    void Soffice(const std::string& body)
-    {
-        const fs::path script = folder_ / "bin" / "soffice";
-        Write(script, "#!/bin/sh\nrecord=" + (folder_ / "record").string() +
-                          "\nfor argument; do\n  [ \"$last\" = --outdir ] && out=$argument\n"
-                          "  case $argument in -env:UserInstallation=*) profile=${argument#*=};; esac\n"
-                          "  last=$argument\ndone\ndocument=$last\necho $$ >> $record/pids\n" +
-                          body);
-        fs::permissions(script, fs::perms::owner_all);
-    }
-
-    static std::string Flat(const std::string& body)
-    {
-        return "<office:document><office:body><office:text>" + body + "</office:text></office:body></office:document>";
-    }
-
-    // A line of the stand-in's script that writes a document with this body.
-    static std::string Gives(const std::string& body)
-    {
-        return "printf '%s' '" + Flat(body) + "' > $out/document.fodt\n";
-    }
-
-    std::unique_ptr<WordApplication> Create(std::chrono::milliseconds limit = 30s)
-    {
-        std::unique_ptr<WordApplication> word = LibreOfficeWord((folder_ / "bin").string(), limit).CreateWord();
-        word->SetVisible(false);
-        return word;
-    }
-
-    static bool GoOn() { return true; }
-
-    // The number of the run-time error that opening raises; 0 for none.
-    static int ErrorOfOpening(WordApplication& word, const fs::path& document, const std::function<bool()>& goOn = GoOn)
-    {
-        try {
-            word.Open(document.string(), goOn);
-            return 0;
-        } catch (const RuntimeError& error) {
-            return error.Number;
-        }
-    }
-
-    void WaitForRecord(const std::string& name) const
-    {
-        for (int i = 0; i < 1000 && Record(name).empty(); ++i)
-            std::this_thread::sleep_for(10ms);
-        ASSERT_NE(Record(name), "");
-    }
-
-    // The number of processes that noted their numbers and are still running.
-    int Alive() const
-    {
-        std::istringstream pids(Record("pids"));
-        int alive = 0;
-        for (pid_t pid = 0; pids >> pid;)
-            alive += ::kill(pid, 0) == 0 || errno != ESRCH ? 1 : 0;
-        return alive;
-    }
-
-    void ExpectNothingLeft() const
-    {
-        EXPECT_EQ(Alive(), 0);
-        EXPECT_TRUE(fs::is_empty(folder_ / "temp"));
-    }
-
-    fs::path folder_;
 };
 
 } // namespace
@@ -490,10 +383,7 @@ TEST_F(LibreOfficeWordTest, AnErrorOfTheProgramsOwnPassesAndEndsTheConversion)
 
 TEST_F(LibreOfficeWordTest, TheSocketOfOneThatIsKilledIsRemoved)
 {
-    // LibreOffice writes each byte of the digest without a leading zero.
-    Soffice("digest=$(printf %s $profile | iconv -t UTF-16LE | md5sum | cut -d' ' -f1)\n"
-            "socket=/tmp/OSL_PIPE_$(id -u)_SingleOfficeIPC_$(echo $digest | sed 's/../& /g; s/\\b0//g; s/ //g')\n"
-            "touch $socket\necho $socket > $record/socket\nsleep 600\n");
+    Soffice(FindsSocket() + "touch $socket\necho $socket > $record/socket\nsleep 600\n");
     for (int i = 0; i < 3; ++i) {
         fs::remove(folder_ / "record" / "socket");
         EXPECT_EQ(ErrorOfOpening(*Create(), Document(), [this] { return Record("socket").empty(); }), 4198);

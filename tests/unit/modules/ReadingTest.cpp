@@ -217,6 +217,56 @@ TEST_F(ReadingTest, AShortDocumentIsOnePart)
     EXPECT_EQ(CurrentRoutineId, 3);
 }
 
+TEST_F(ReadingTest, TheWordProcessorStartsBeforeTheDialogAndStaysUntilTheDocumentIsRead)
+{
+    ChooseWord("Dear reader,\rhello.\r");
+    int inDialog = 0;
+    int whileOpening = 0;
+    fake.windows.whileOpenDialogIsUp = [&] { inDialog = fake.word.preparations; };
+    fake.word.whileOpening = [&] { whileOpening = fake.word.preparations; };
+    OpenAndReadWord();
+    EXPECT_EQ(inDialog, 1);
+    EXPECT_EQ(whileOpening, 1);
+    EXPECT_EQ(fake.word.preparations, 0);
+    EXPECT_EQ(fake.word.prepared, 1);
+}
+
+TEST_F(ReadingTest, WhatWasPreparedIsEndedWhenTheDialogIsCancelledOrItsFileIsRefused)
+{
+    OpenAndReadWord();
+    Choose("C:\\gone.doc");
+    OpenAndReadWord();
+    ChooseText("hello", "C:\\letter.docx");
+    OpenAndReadWord();
+    EXPECT_EQ(fake.word.prepared, 3);
+    EXPECT_EQ(fake.word.preparations, 0);
+}
+
+TEST_F(ReadingTest, OnlyTheDialogForWordDocumentsStartsTheWordProcessor)
+{
+    ChooseText("hello");
+    OpenAndReadText();
+    OpenAndPlayWave();
+    EXPECT_EQ(fake.word.prepared, 0);
+}
+
+TEST_F(ReadingTest, TheWordProcessorIsToldWhichDocumentsAreSelected)
+{
+    ChooseWord("hello");
+    fake.windows.filesSelected = {"C:\\a.doc", "C:\\notes.txt", "C:\\b.DOC"};
+    OpenAndReadWord();
+    EXPECT_EQ(fake.word.expected, (Lines{"C:\\a.doc", "C:\\b.DOC"}));
+}
+
+TEST_F(ReadingTest, ADocumentIsReadThoughNothingCanBePrepared)
+{
+    fake.word.prepares = false;
+    fake.windows.filesSelected = {"C:\\letter.doc"};
+    ChooseWord("hello");
+    OpenAndReadWord();
+    EXPECT_EQ(Spoken(), (Lines{"hello"}));
+}
+
 TEST_F(ReadingTest, PartsAndTheirCountForEachLength)
 {
     struct Case {

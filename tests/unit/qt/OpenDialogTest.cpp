@@ -98,7 +98,7 @@ std::set<std::string> NamesIn(QFileDialog& dialog)
 class OpenDialogTest : public QtTest
 {
 protected:
-    CommonDialog Settings() const { return {"Text Files (*.txt)|*.txt", "Open Text File to Read...", true, {}}; }
+    CommonDialog Settings() const { return {"Text Files (*.txt)|*.txt", "Open Text File to Read...", true, {}, {}}; }
     /// The user's answer to the dialog: the file name, or the error as "32755 Cancel was selected.".
     std::string Opened(CommonDialog settings)
     {
@@ -149,6 +149,49 @@ TEST_F(OpenDialogTest, ATypedFolderIsEnteredAndTheNameFieldIsFreeForTheFilesName
         Type(dialog, "one.txt");
     });
     EXPECT_EQ(Opened(Settings()), home.Path("Documents/letters.txt/one.txt"));
+}
+
+TEST_F(OpenDialogTest, AFileThatIsSelectedOrTypedForAMomentIsTold)
+{
+    for (const char* name : {"Documents/one.txt", "Documents/two.txt"})
+        home.Touch(name);
+    QDir(QString::fromStdString(home.Path("Documents"))).mkdir("folder");
+    std::vector<std::string> told;
+    CommonDialog settings = Settings();
+    settings.Selected = [&](const std::string& file) { told.push_back(file); };
+    InDialog([&](QFileDialog& dialog) {
+        NameField(dialog).setText(QStringLiteral("one.txt"));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 1; }));
+        // What is passed by at once, a missing file and a folder are not told.
+        NameField(dialog).setText(QStringLiteral("two.txt"));
+        for (const char* name : {"missing.txt", "folder"}) {
+            NameField(dialog).setText(QString::fromLatin1(name));
+            QTest::qWait(400);
+        }
+        NameField(dialog).clear();
+        auto* files = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView"));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return NamesIn(dialog).contains("two.txt"); }));
+        const QModelIndexList rows = files->model()->match(files->model()->index(0, 0, files->rootIndex()),
+                                                           Qt::DisplayRole, QStringLiteral("two.txt"));
+        ASSERT_EQ(rows.size(), 1);
+        files->setCurrentIndex(rows.front());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 2; }));
+        dialog.reject();
+    });
+    Opened(settings);
+    EXPECT_EQ(told, (std::vector<std::string>{home.Path("Documents/one.txt"), home.Path("Documents/two.txt")}));
+}
+
+TEST_F(OpenDialogTest, AFileThatIsConfirmedAtOnceIsNotTold)
+{
+    home.Touch("Documents/one.txt");
+    bool told = false;
+    CommonDialog settings = Settings();
+    settings.Selected = [&](const std::string& /*file*/) { told = true; };
+    InDialog([&](QFileDialog& dialog) { Type(dialog, "one.txt"); });
+    EXPECT_EQ(Opened(settings), home.Path("Documents/one.txt"));
+    QTest::qWait(400);
+    EXPECT_FALSE(told);
 }
 
 TEST_F(OpenDialogTest, WithoutADocumentsFolderItBeginsAtHome)
