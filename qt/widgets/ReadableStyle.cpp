@@ -88,6 +88,14 @@ QRectF Middle(const QRect& rect)
     return QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5);
 }
 
+/// A list of files gives its first column's heading a picture one pixel high as a spacer, a new one whenever it is
+/// drawn; the toolkit would keep a note of each for good.
+bool IsSpacer(const QIcon& icon)
+{
+    const QList<QSize> sizes = icon.isNull() ? QList<QSize>() : icon.availableSizes();
+    return sizes.size() == 1 && sizes.front().height() == 1;
+}
+
 } // namespace
 
 qreal Contrast(const QColor& one, const QColor& other)
@@ -194,9 +202,25 @@ void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
     }
 }
 
+QIcon ReadableStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
+{
+    const auto direction = option ? option->direction : widget ? widget->layoutDirection() : qApp->layoutDirection();
+    QIcon& known = icons_[{icon, direction}];
+    if (known.isNull())
+        known = QProxyStyle::standardIcon(icon, option, widget);
+    return known;
+}
+
 void ReadableStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const
 {
+    if (const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        element == CE_HeaderLabel && header && IsSpacer(header->icon)) {
+        QStyleOptionHeader plain(*header);
+        plain.icon = QIcon();
+        QProxyStyle::drawControl(element, &plain, painter, widget);
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator &&

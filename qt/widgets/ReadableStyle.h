@@ -2,10 +2,13 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QPalette>
 #include <QProxyStyle>
 
 #include <initializer_list>
+#include <map>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -38,6 +41,12 @@ public:
                   QStyleHintReturn* answer) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override;
+    /// The same icon each time, and so with the same pictures: the toolkit keeps a note of each picture it has drawn
+    /// for good, some 150 bytes, and a file dialog would leave new ones behind.
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override;
+
+private:
+    mutable std::map<std::pair<StandardPixmap, Qt::LayoutDirection>, QIcon> icons_;
 };
 
 /// Makes this the application's style if the style is Fusion. Call it once, as soon as there is an application.

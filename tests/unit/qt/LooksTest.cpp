@@ -26,6 +26,7 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QStyle>
+#include <QStyleOptionHeader>
 #include <QStyleOptionMenuItem>
 #include <QTabBar>
 #include <QTimer>
@@ -364,6 +365,35 @@ void ShowEach(Program& program, const std::function<void(const char* name)>& loo
     look("frmShowRem");
     frmSplash splash(program);
     show(splash);
+}
+
+// The toolkit keeps a note of each picture that it has drawn, so these must not be new ones each time.
+TEST(StyleTest, StandardIconsAreTheSameEachTimeAndSpacersInHeadingsAreNotDrawn)
+{
+    App();
+    ReadableStyle style;
+    for (const auto icon : {QStyle::SP_DirIcon, QStyle::SP_FileIcon, QStyle::SP_FileDialogToParent}) {
+        ASSERT_FALSE(style.standardIcon(icon, nullptr, nullptr).isNull());
+        EXPECT_EQ(style.standardIcon(icon, nullptr, nullptr).cacheKey(),
+                  style.standardIcon(icon, nullptr, nullptr).cacheKey());
+    }
+    const auto drawn = [&style](const QSize& size) {
+        QPixmap red(size);
+        red.fill(Qt::red);
+        QStyleOptionHeader header;
+        header.rect = QRect(0, 0, 100, 30);
+        header.icon = QIcon(red);
+        QImage image(100, 30, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        style.drawControl(QStyle::CE_HeaderLabel, &header, &painter, nullptr);
+        painter.end();
+        QImage white(image.size(), image.format());
+        white.fill(Qt::white);
+        return image != white;
+    };
+    EXPECT_TRUE(drawn({16, 16}));
+    EXPECT_FALSE(drawn({16, 1}));
 }
 
 // A window that is open while the desktop's theme and font change looks afterwards like one opened later.
