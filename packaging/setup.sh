@@ -24,7 +24,7 @@ test_packages=(
 )
 # What ./package needs besides: the tools that make a Debian package and look at it.
 package_packages=(
-  debhelper dpkg-dev lintian
+  build-essential debhelper lintian
 )
 
 say() { printf '== %s\n' "$*"; }
