@@ -1,4 +1,4 @@
-# Sourced by ./run and ./test: installs the Debian packages that are missing, and builds a preset.
+# Sourced by ./run, ./test and ./package: installs the Debian packages that are missing, and builds a preset.
 # shellcheck shell=bash
 
 # Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
@@ -6,6 +6,7 @@ build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
+  librsvg2-bin
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
@@ -15,9 +16,15 @@ desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
 )
-# Only the tests need other window managers and another program's clipboard, and look at how the code is written.
+# Only the tests need other window managers and another program's clipboard, and look at how the code is written and at
+# what is installed.
 test_packages=(
   libgtest-dev libgmock-dev clang-format clang-tidy xclip xfwm4 marco mate-settings-daemon-common
+  desktop-file-utils appstream shared-mime-info libglib2.0-bin
+)
+# What ./package needs besides: the tools that make a Debian package and look at it.
+package_packages=(
+  build-essential debhelper lintian
 )
 
 say() { printf '== %s\n' "$*"; }

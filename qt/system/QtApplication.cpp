@@ -44,7 +44,8 @@ QtApplication::QtApplication(int& argc, char** argv)
     if (qgetenv(PlatformVariable) == PreferX11)
         qunsetenv(PlatformVariable);
     setApplicationName(QStringLiteral("Voxmate"));
-    setDesktopFileName(QStringLiteral("voxmate"));
+    // The name of the desktop entry in packaging/desktop, by which panels tell whose windows these are.
+    setDesktopFileName(QStringLiteral("org.voxmate.Voxmate"));
     // The program goes on while it is hidden in the tray; it ends only by its own exit.
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();

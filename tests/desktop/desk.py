@@ -92,12 +92,21 @@ class Recorder:
         self.process.stdout.close()
 
 
+RENAMED = {"button": "push button"}  # roles by the names that later accessibility libraries give them
+
+
+def role_name(node):
+    """The name of an accessible's role, the same with every version of the accessibility library."""
+    name = node.getRoleName()
+    return RENAMED.get(name, name)
+
+
 unread_roles = set()  # roles of accessibles whose children nobody looks at
 
 
 def children(node):
     """An accessible's children, unless its role is among unread_roles."""
-    return [] if node.getRoleName() in unread_roles else [child for child in node if child is not None]
+    return [] if role_name(node) in unread_roles else [child for child in node if child is not None]
 
 
 def showing(pyatspi):
@@ -109,7 +118,7 @@ def showing(pyatspi):
         try:
             if node.getRole() != pyatspi.ROLE_APPLICATION and not node.getState().contains(pyatspi.STATE_SHOWING):
                 return
-            found.append((node.name, node.getRoleName(), node))
+            found.append((node.name, role_name(node), node))
             for child in children(node):
                 visit(child)
         except Exception:  # the widget disappeared while it was examined

@@ -221,7 +221,7 @@ class ProgramCase(unittest.TestCase):
     def box_text(self, title, timeout=desktop.PATIENCE):
         """Waits for a message box and returns its text."""
         box = self.desk.find(title, role="alert", timeout=timeout)
-        labels = [node.name for node in self._descendants(box) if node.getRoleName() == "label" and node.name]
+        labels = [node.name for node in self._descendants(box) if desktop.role_name(node) == "label" and node.name]
         self.assertEqual(len(labels), 1, labels)
         return labels[0]
 

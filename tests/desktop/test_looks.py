@@ -115,14 +115,14 @@ class Looks(ReminderCase):
             if not states.contains(pyatspi.STATE_SHOWING) or box[2] < 4 or box[3] < 4:
                 continue
             # A list also reports rows that are scrolled out of view.
-            if node.getRoleName() in ROWS and not self.within(box, self.desk.rect(node.parent)):
+            if desktop.role_name(node) in ROWS and not self.within(box, self.desk.rect(node.parent)):
                 continue
-            self.assertTrue(self.within(box, (x, y, width, height)), f"{node.getRoleName()} {node.name!r} is cut off")
+            self.assertTrue(self.within(box, (x, y, width, height)), f"{desktop.role_name(node)} {node.name!r} is cut off")
             able = states.contains(pyatspi.STATE_SENSITIVE)
             for what, value, wanted in self.measures(node, box, able, node.name == hint):
                 seen += 1
                 if value < wanted:
-                    faint.append(f"{node.getRoleName()} {node.name!r}: {what} {value:.2f} < {wanted}")
+                    faint.append(f"{desktop.role_name(node)} {node.name!r}: {what} {value:.2f} < {wanted}")
         self.assertEqual(faint, [], f"in {title}, {picture}")
         return seen
 
@@ -133,7 +133,7 @@ class Looks(ReminderCase):
 
     def measures(self, node, box, able, hint):
         """The measures of a widget: what, its contrast, the required contrast."""
-        role, scale = node.getRoleName(), self.desk.scale
+        role, scale = desktop.role_name(node), self.desk.scale
         x, y, width, height = (int(value) for value in box)
         ticked = role in ("check box", "radio button") and width > 2 * INDICATOR * scale  # not a day of a calendar
         if role in READ and node.name:

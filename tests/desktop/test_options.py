@@ -250,7 +250,7 @@ class OptionsCase(ProgramCase):
             for child in node:
                 if child is None or not self.is_a(child, "SHOWING"):
                     continue
-                role, name = child.getRoleName(), child.name
+                role, name = desktop.role_name(child), child.name
                 if role == "combo box":
                     name = next(relation.getTarget(0).name for relation in child.getRelationSet()
                                 if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY).rstrip(":")

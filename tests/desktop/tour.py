@@ -81,7 +81,7 @@ class TourCase(ReminderCase):
             try:
                 if not node.getState().contains(pyatspi.STATE_SHOWING):
                     return
-                role = node.getRoleName()
+                role = desktop.role_name(node)
                 name = node.name
                 if role == "combo box":  # its own name is the chosen entry
                     name = self.label_of(node)
@@ -138,7 +138,7 @@ class TourCase(ReminderCase):
                 self.assertIn(control.role, WINDOWS, f"the window {control.name}")
             elif control.node.getState().contains(pyatspi.STATE_FOCUSABLE):
                 # The widget around some tabs passes the focus on to them.
-                tabs = control.role == "filler" and any(child.getRoleName() == "page tab list" for child in control.node)
+                tabs = control.role == "filler" and any(desktop.role_name(child) == "page tab list" for child in control.node)
                 self.assertFalse(control.role in ("filler", "unknown") and not tabs,
                                  f"{control.name or control.parents} takes the keyboard and is {control.role}")
 
@@ -232,10 +232,10 @@ class TourCase(ReminderCase):
 
         def visit(node, path):
             items = [child for child in node if child is not None]
-            menus = [child for child in items if child.getRoleName() == "popup menu"]
-            if menus or node.getRoleName() == "popup menu" or not path:
+            menus = [child for child in items if desktop.role_name(child) == "popup menu"]
+            if menus or desktop.role_name(node) == "popup menu" or not path:
                 for child in items:
-                    role = child.getRoleName()
+                    role = desktop.role_name(child)
                     if role == "popup menu":
                         visit(child, path)
                     elif role != "separator":
@@ -251,7 +251,7 @@ class TourCase(ReminderCase):
         node = self.menu_bar()
         for name in path:
             nodes = [child for child in node if child is not None]
-            if len(nodes) == 1 and nodes[0].getRoleName() == "popup menu":
+            if len(nodes) == 1 and desktop.role_name(nodes[0]) == "popup menu":
                 nodes = [child for child in nodes[0] if child is not None]
             node = next(child for child in nodes if child.name == name)
         return node

@@ -1,5 +1,6 @@
 #include "platform/linux/files/Folders.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <pwd.h>
@@ -42,6 +43,10 @@ std::string ConfigFolder()
 
 std::vector<std::string> SystemConfigFolders()
 {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path prefix = program.parent_path().parent_path();
+    const std::string own = prefix == "/usr" ? "/etc/xdg" : (prefix / "etc" / "xdg").string();
     const char* value = std::getenv("XDG_CONFIG_DIRS"); // NOLINT(concurrency-mt-unsafe)
     std::string_view list = value && value[0] != '\0' ? value : "/etc/xdg";
     std::vector<std::string> folders;
@@ -52,6 +57,8 @@ std::vector<std::string> SystemConfigFolders()
             folders.emplace_back(folder);
         list.remove_prefix(colon == std::string_view::npos ? list.size() : colon + 1);
     }
+    if (std::find(folders.begin(), folders.end(), own) == folders.end())
+        folders.push_back(own);
     return folders;
 }
 

@@ -9,7 +9,8 @@ namespace voxmate::linux_platform
 
 /// $XDG_CONFIG_HOME, or ~/.config. Relative paths in a variable are ignored, as that standard requires.
 std::string ConfigFolder();
-/// $XDG_CONFIG_DIRS, or /etc/xdg.
+/// $XDG_CONFIG_DIRS, or /etc/xdg; last, unless it is among them, where an installation puts its defaults: etc/xdg of
+/// its prefix, which is /etc/xdg for /usr (packaging/InstallWithPrefix.cmake).
 std::vector<std::string> SystemConfigFolders();
 /// $VOXMATE_HOME, or voxmate in $XDG_DATA_HOME (~/.local/share); created if it is missing.
 std::string ProgramFolder();

@@ -62,7 +62,7 @@ protected:
         }
         throw std::logic_error("there is no alert window");
     }
-    static PlacedLabel* MessageLabel() { return Window()->findChild<PlacedLabel*>(QStringLiteral("lblMessage")); }
+    static PlacedLabel* MessageLabel() { return ChildOf<PlacedLabel>(Window(), "lblMessage"); }
     static QRect WorkArea() { return QGuiApplication::primaryScreen()->availableGeometry(); }
 };
 

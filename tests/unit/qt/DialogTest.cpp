@@ -86,7 +86,7 @@ protected:
     template <class W = QWidget>
     W* Find(const char* name) const
     {
-        return Window()->findChild<W*>(QString::fromLatin1(name));
+        return ChildOf<W>(Window(), name);
     }
     QRadioButton* Color(int index) const
     {

@@ -3,6 +3,25 @@
 namespace voxmate::qt
 {
 
+namespace
+{
+
+// Deletes the windows that are only waiting for it. Qt 6.8 would do so at the process's end, when the platform's
+// plug-in has put its own part of them away already.
+class WindowsGone : public testing::Environment
+{
+public:
+    void TearDown() override
+    {
+        if (QCoreApplication::instance())
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+};
+
+const testing::Environment* const windowsGone = testing::AddGlobalTestEnvironment(new WindowsGone);
+
+} // namespace
+
 QtApplication& App()
 {
     static int argc = 1;

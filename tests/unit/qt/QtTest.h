@@ -19,6 +19,18 @@ namespace voxmate::qt
 /// The application object, made on first use.
 QtApplication& App();
 
+/// The widget of that object name below `window`, if it is a W; null if there is none. In place of findChild<W*>, which
+/// takes only classes with a meta-object of their own.
+template <class W>
+W* ChildOf(const QWidget* window, const char* name)
+{
+    for (QWidget* child : window->findChildren<QWidget*>(QString::fromLatin1(name))) {
+        if (auto* found = dynamic_cast<W*>(child))
+            return found;
+    }
+    return nullptr;
+}
+
 class QtTest : public testing::Test
 {
 protected:
@@ -29,7 +41,7 @@ protected:
     template <class W = QWidget>
     W* Find(const char* name) const
     {
-        return Window()->findChild<W*>(QString::fromLatin1(name));
+        return ChildOf<W>(Window(), name);
     }
     /// Returns a handler that records `what`.
     std::function<void()> Note(const std::string& what)

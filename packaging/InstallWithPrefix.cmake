@@ -1,0 +1,19 @@
+# Writes and installs the files that name where the installation is. CMakeLists.txt sets the variables.
+
+# The program looks for the settings in /etc/xdg and, unless it is in /usr, in etc/xdg of its prefix
+# (SystemConfigFolders in platform/linux/files).
+set(etc "${CMAKE_INSTALL_PREFIX}/etc")
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(etc /etc)
+endif()
+
+foreach(program voxmate acsbuild acsinfo)
+    set(ETC "${etc}")
+    configure_file("${SOURCE}/man/${program}.1.in" "${BINARY}/${program}.1" @ONLY)
+    file(INSTALL "${BINARY}/${program}.1" DESTINATION "${MAN}")
+endforeach()
+
+# In the settings file a backslash stands before a quote.
+string(REPLACE "\"" "\\\"" SHARE "${SHARE}")
+configure_file("${SOURCE}/registry.reg.in" "${BINARY}/registry.reg" @ONLY)
+file(INSTALL "${BINARY}/registry.reg" DESTINATION "${etc}/xdg/voxmate")
