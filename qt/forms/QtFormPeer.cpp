@@ -64,6 +64,7 @@ QtFormPeer::~QtFormPeer()
     window_->hide();
     if (auto* window = dynamic_cast<FormWindow*>(window_)) {
         window->OnClose = nullptr;
+        window->OnGeometry = nullptr;
         window->OnEnter = nullptr;
         window->OnEscape = nullptr;
     }
@@ -96,6 +97,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
         window->layout()->setSizeConstraint(QLayout::SetFixedSize);
 
     window->OnClose = [this] { form_.UserClose(); };
+    if (form_.GeometryChanged)
+        window->OnGeometry = [this] { form_.UserGeometry(window_->saveGeometry().toBase64().toStdString()); };
     for (Control* control : form_.Controls()) {
         auto* button = dynamic_cast<CommandButton*>(control);
         if (button && button->IsDefault) {
@@ -292,9 +295,11 @@ void QtFormPeer::SetTabOrder()
         if (const auto* button = dynamic_cast<const CommandButton*>(control); button && button->IsDefault)
             preset = widget;
     }
-    // The focus begins at the first control. If that is a button, it begins at the default button instead, because
-    // Enter presses the focused button.
-    if (first)
+    // Without a word of the form's the focus begins at the first control. If that is a button, it begins at the default
+    // button instead, because Enter presses the focused button.
+    if (QWidget* wanted = WidgetOf(form_.FirstFocus))
+        wanted->setFocus(Qt::OtherFocusReason);
+    else if (first)
         (preset && qobject_cast<QPushButton*>(first) ? preset : first)->setFocus(Qt::OtherFocusReason);
 }
 
@@ -307,6 +312,8 @@ QWidget* QtFormPeer::WidgetOf(const Control* control) const
 void QtFormPeer::Place()
 {
     placed_ = true;
+    if (!form_.Geometry.empty() && window_->restoreGeometry(QByteArray::fromBase64(ToQt(form_.Geometry).toLatin1())))
+        return;
     window_->adjustSize();
     // adjustSize() is limited to two thirds of the screen, and a resizable form may need more.
     if (const QScreen* screen = window_->screen(); screen && form_.Border == BorderStyle::Sizable)

@@ -36,6 +36,9 @@ void Flush();
 /// an icon was activated, not the clicks.
 bool TrayIsOfItems();
 
+/// Whether a panel takes tray icons in as windows (freedesktop.org's system tray protocol).
+bool TrayIsEmbedding();
+
 /// The desktop and the other programs' windows on it, in device pixels.
 struct DesktopState {
     QRect extent;                ///< all screens together; empty where only Qt knows the desktop

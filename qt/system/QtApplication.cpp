@@ -4,6 +4,7 @@
 #include "qt/dialogs/MessageBox.h"
 #include "qt/widgets/ReadableStyle.h"
 
+#include <QKeyEvent>
 #include <QPixmapCache>
 #include <QThread>
 #include <QWidget>
@@ -83,11 +84,23 @@ bool QtApplication::notify(QObject* receiver, QEvent* event)
     if (event->type() == QEvent::Hide && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow())
         rest_.start();
     try {
+        if (IsForEscape(receiver, event))
+            return true;
         return QApplication::notify(receiver, event);
     } catch (const std::exception& error) {
         Report(AsRuntimeError(error));
     }
     return true;
+}
+
+// The key arrives at the window first, which would pass it on to the control with the keyboard.
+bool QtApplication::IsForEscape(QObject* receiver, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress || !receiver->isWindowType() || !EscapePressed || activePopupWidget())
+        return false;
+    const auto* key = static_cast<const QKeyEvent*>(event);
+    return key->key() == Qt::Key_Escape && key->modifiers() == Qt::NoModifier && !key->isAutoRepeat() &&
+           EscapePressed();
 }
 
 void QtApplication::Report(const RuntimeError& error)

@@ -154,6 +154,18 @@ void KeepDesktopCompanion(QWindow& window)
     xcb_flush(connection);
 }
 
+// The owner of this selection is the tray.
+bool TrayIsEmbedding()
+{
+    auto* connection = Connection();
+    if (!connection)
+        return false;
+    const xcb_atom_t tray = Atom(connection, ("_NET_SYSTEM_TRAY_S" + QByteArray::number(ScreenNumber())).constData());
+    const Reply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, tray), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
 void Flush()
 {
     if (auto* connection = Connection())
