@@ -79,6 +79,13 @@ void FormWindow::changeEvent(QEvent* event)
         TellGeometry();
 }
 
+// The screen changes a little after the place.
+void FormWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    connect(windowHandle(), &QWindow::screenChanged, this, &FormWindow::TellGeometry, Qt::UniqueConnection);
+}
+
 void FormWindow::SetDefaultButton(QPushButton* button)
 {
     button->setDefault(true);
