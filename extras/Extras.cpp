@@ -74,6 +74,7 @@ void Extras::GoOn()
     if (std::exchange(wanted_, false)) {
         quiet_.Cancel();
         main_.Show();
+        main_.Activate();
     }
     if (const auto action = actions_.find(std::exchange(action_, "")); action != actions_.end())
         Event(action->second)();

@@ -3,6 +3,7 @@
 #include "controls/OptionButton.h"
 #include "qt/dialogs/Placement.h"
 #include "qt/forms/FormWindow.h"
+#include "qt/system/Desktop.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
 
@@ -87,7 +88,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
     if (form_.Status) {
         auto peer = CreateWidgetPeer(*form_.Status, icons_, window);
         auto* bar = static_cast<QStatusBar*>(peer->Widget());
-        bar->setSizeGripEnabled(form_.Border == BorderStyle::Sizable);
+        // The window's frame is there to resize it; a grip would push the panels out of line.
+        bar->setSizeGripEnabled(false);
         // Aligned with the content; a status bar adds a little space of its own.
         bar->setContentsMargins(WindowMargin - 2, 0, WindowMargin, WindowMargin / 2);
         window->setStatusBar(bar);
@@ -351,6 +353,8 @@ void QtFormPeer::Activate()
 {
     window_->raise();
     window_->activateWindow();
+    if (window_->windowHandle())
+        BringToFront(*window_->windowHandle());
 }
 
 void QtFormPeer::PopupMenu(Menu& menu, Control* at)

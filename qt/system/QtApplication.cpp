@@ -44,7 +44,8 @@ QtApplication::QtApplication(int& argc, char** argv)
     if (qgetenv(PlatformVariable) == PreferX11)
         qunsetenv(PlatformVariable);
     setApplicationName(QStringLiteral("Voxmate"));
-    setDesktopFileName(QStringLiteral("voxmate"));
+    // The name of the desktop entry, and that on the session's bus.
+    setDesktopFileName(QStringLiteral("org.voxmate.Voxmate"));
     // The program goes on while it is hidden in the tray; it ends only by its own exit.
     setQuitOnLastWindowClosed(false);
     UseReadableStyle();

@@ -6,6 +6,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QTimer>
 #include <QVariantMap>
@@ -61,9 +62,10 @@ private:
 
     void Tell(const Call& call, const QVariantMap& platformData)
     {
-        // Compositors let a window come to the front only with the token that the launcher got from them.
+        // Wayland compositors let a window come to the front only with the token that the launcher got from them. The
+        // toolkit takes it from there when the window is activated.
         const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
-        if (!token.isEmpty())
+        if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
             qputenv("XDG_ACTIVATION_TOKEN", token);
         QTimer::singleShot(0, this, [this, call] {
             if (owner_ && owner_->Called)

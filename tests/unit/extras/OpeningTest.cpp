@@ -37,7 +37,7 @@ TEST_F(OpeningTest, ACallBringsTheWindowToTheFront)
     form.mnuSysTray.UserClick();
     fake.log.clear();
     desktop.Called({});
-    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown"}));
+    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown", "Window frmMain activated"}));
 }
 
 TEST_F(OpeningTest, DuringTheSplashTheWindowComesAsItWouldAnyway)
@@ -156,7 +156,8 @@ TEST_F(OpeningTest, NothingIsDoneWithoutAYes)
     Answer({vbNo});
     Open({"C:\\Bo.acs"});
     EXPECT_EQ(Boxes(), (Lines{question}));
-    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown", "Look C:\\Bo.acs", "MsgBox Voxmate - Install Character"}));
+    EXPECT_EQ(fake.log, (Lines{"Window frmMain shown", "Window frmMain activated", "Look C:\\Bo.acs",
+                               "MsgBox Voxmate - Install Character"}));
 }
 
 TEST_F(OpeningTest, AnInstalledCharacterNeedNotBeShown)

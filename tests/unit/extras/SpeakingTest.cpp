@@ -70,13 +70,30 @@ TEST_F(SpeakingTest, EscapeStopsAWaveFile)
 TEST_F(SpeakingTest, EscapeStopsADocumentThatIsStillBeingOpened)
 {
     Begin();
-    form.SetStatus("Opening Word Document. Please wait...");
-    EXPECT_TRUE(extras.Escape());
-    form.SetStatus("Reading part 1 of 4 . Click STOP to Cancel Reading...");
-    EXPECT_TRUE(extras.Escape());
-    // In a file dialog Escape closes that.
-    form.SetStatus("Prompting for file name...");
+    fake.windows.filesToOpen = {"C:\\letter.doc"};
+    fake.files.texts["C:\\letter.doc"] = "a document";
+    fake.word.documents["C:\\letter.doc"] = "hello";
+    int taken = 0;
+    fake.word.whileOpening = [&] { taken += extras.Escape() ? 1 : 0; };
+    // In the file dialog Escape closes that.
+    fake.windows.whileOpenDialogIsUp = [this] { EXPECT_FALSE(extras.Escape()); };
+    form.cmdWord.UserClick();
+    EXPECT_EQ(taken, 1);
+    EXPECT_TRUE(Logged("Word Quit"));
+    EXPECT_FALSE(Logged("Speak \\Pit=50\\ \\Spd=156\\hello"));
     EXPECT_FALSE(extras.Escape());
+}
+
+TEST_F(SpeakingTest, EscapeStopsBetweenTheFirstPartsOfADocument)
+{
+    Begin();
+    fake.windows.filesToOpen = {"C:\\letter.doc"};
+    fake.files.texts["C:\\letter.doc"] = "a document";
+    fake.word.documents["C:\\letter.doc"] = std::string(1000, 'x') + " " + std::string(1000, 'y');
+    fake.windows.whilePending = [this] { EXPECT_TRUE(extras.Escape()); };
+    form.cmdWord.UserClick();
+    for (const std::string& call : fake.log)
+        EXPECT_FALSE(call.starts_with("Speak ")) << call;
 }
 
 TEST_F(SpeakingTest, TheWindowBeginsInTheTextBoxWhichTakesTheRoomOfALargerWindow)
