@@ -2,16 +2,22 @@
 #include "agent/Server.h"
 #include "agent/file/AcsFile.h"
 #include "base/FileName.h"
+#include "extras/Extras.h"
+#include "extras/HandOver.h"
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
 #include "modules/Program.h"
 #include "platform/FreeMemory.h"
+#include "platform/linux/desktop/DBusActivation.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "platform/linux/process/EndSignals.h"
 #include "platform/linux/process/LinuxProcess.h"
+#include "platform/linux/process/SessionBus.h"
+#include "platform/linux/process/XdgAutostart.h"
 #include "platform/linux/settings/FileSettingsStore.h"
+#include "platform/linux/settings/FileStateStore.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
@@ -24,7 +30,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
+#include <iostream>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -38,17 +47,52 @@ namespace
 constexpr std::chrono::seconds EndPatience{4};
 /// How long the settings may then take to be saved. Short, because the event loop may hang on the very disk they go to.
 constexpr std::chrono::seconds LastSavePatience{1};
+/// How long the session's bus may take to answer the first word; it is milliseconds even at a busy log-in. Without the
+/// bus there is no accessibility, so it is not given up lightly.
+constexpr std::chrono::seconds BusPatience{5};
 /// How long a save may take that the session manager asks for; both it and the user wait for the answer.
 constexpr std::chrono::seconds SessionSavePatience{4};
 
-// Makes the parts of the program and runs it until it ends.
-int Run(qt::QtApplication& application)
+/// Reads a character file for what it says about itself, in English where it does.
+CharacterLook LookAtCharacter(const std::string& path)
 {
-    const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
-    linux_platform::LinuxFileSystem files;
+    constexpr std::uint16_t english = 0x0409;
+    const std::shared_ptr<const agent::AcsFile> file = agent::AcsFile::Open(InAnyExtensionCase(path));
+    std::error_code error;
+    CharacterLook look{{}, {}, std::filesystem::file_size(file->path, error)};
+    for (const agent::LocalName& name : file->names) {
+        if (look.Name.empty() || name.language == english) {
+            look.Name = name.name;
+            look.Description = name.description;
+        }
+    }
+    return look;
+}
+
+// The arguments behind the program's name. The toolkit removes its own when the application object is made.
+CommandLine Arguments(int argc, char** argv)
+{
+    std::error_code error;
+    return ParseCommandLine(std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0 ? 1 : 0),
+                            std::filesystem::current_path(error).string());
+}
+
+// Makes the parts of the program and runs it until it ends.
+int Run(qt::QtApplication& application, const CommandLine& line)
+{
     linux_platform::LinuxProcess process;
+    linux_platform::DBusActivation desktop;
+    if (HandedOver(line, process, desktop))
+        process.EndProgram();
+    const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
+    const std::unique_ptr<linux_platform::FileStateStore> state = linux_platform::MakeStateStore();
+    linux_platform::LinuxFileSystem files;
     linux_platform::LinuxClock clock;
-    process.BeforeEnd = [&settings](std::chrono::milliseconds patience) { settings->Flush(patience); };
+    process.BeforeEnd = [&settings, &state](std::chrono::milliseconds patience) {
+        const auto last = std::chrono::steady_clock::now() + patience;
+        settings->Flush(patience);
+        state->Flush(std::chrono::duration_cast<std::chrono::milliseconds>(last - std::chrono::steady_clock::now()));
+    };
     application.EndProgram = [&process] { process.EndProgram(); };
 
     const Program* running = nullptr;
@@ -67,9 +111,11 @@ int Run(qt::QtApplication& application)
     qt::QtAudioOutput sound;
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
-    // The characters that ship are on the program's own disk, and only an installer writes there.
-    agent::Server server(stage, voice, [](const std::string& path) {
-        const bool ships = path.starts_with(linux_platform::SharedDataFolder() + "/");
+    // The characters that ship are on the program's own disk, and only an installer writes there. A folder of the
+    // user's may have links to them.
+    agent::Server server(stage, voice, [&files](const std::string& path) {
+        const std::string file = files.LinkTarget(InAnyExtensionCase(path));
+        const bool ships = file.starts_with(linux_platform::SharedDataFolder() + "/");
         return agent::AcsFile::Open(InAnyExtensionCase(path), ships ? agent::Keep::InFile : agent::Keep::InMemory);
     });
 
@@ -79,6 +125,9 @@ int Run(qt::QtApplication& application)
     running = &program;
     frmMain mainForm(program);
     frmSplash splash(program);
+    linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
+    Extras extras(program, mainForm, {*state, login, desktop, LookAtCharacter});
+    application.EscapePressed = [&extras] { return extras.Escape(); };
 
     const auto end = [&process] { process.EndRequested(); };
     application.EndRequested = end;
@@ -88,7 +137,7 @@ int Run(qt::QtApplication& application)
     const linux_platform::EndSignals endSignals([&] { application.Post(end); },
                                                 [&process] { process.EndWithin(LastSavePatience); }, EndPatience);
     process.EndAtExit();
-    splash.Show();
+    extras.Begin(line, [&splash] { splash.Show(); });
     sound.Look();
     return application.exec();
 }
@@ -97,13 +146,25 @@ int Run(qt::QtApplication& application)
 
 int main(int argc, char** argv)
 {
+    // These need no display.
+    if (const CommandLine line = Arguments(argc, argv); line.Help || line.Version) {
+        std::cout << (line.Help ? CommandLineHelp() : "Voxmate " + VersionText() + "\n");
+        return EXIT_SUCCESS;
+    }
     KeepHeapSmall();
+    linux_platform::AvoidHangingBus(BusPatience);
     qt::QtApplication application(argc, argv);
     try {
-        return Run(application);
+        const CommandLine line = Arguments(argc, argv);
+        if (!line.NotUnderstood.empty()) {
+            std::cerr << "voxmate: \"" << line.NotUnderstood << "\" is not understood.\n\n" << CommandLineHelp();
+            return EXIT_FAILURE;
+        }
+        return Run(application, line);
     } catch (const std::exception& error) {
         // The parts of the program no longer exist; all that is left is to report the error.
         application.Icons = nullptr;
+        application.EscapePressed = nullptr;
         application.EndRequested = nullptr;
         application.SaveRequested = nullptr;
         application.EndProgram = [] { std::_Exit(EXIT_FAILURE); };

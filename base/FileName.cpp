@@ -2,6 +2,9 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
 #include <filesystem>
 #include <system_error>
 
@@ -24,6 +27,69 @@ std::string InAnyExtensionCase(const std::string& path)
             found = name.string();
     }
     return found.empty() ? path : (wanted.parent_path() / found).string();
+}
+
+std::string AddressOfPath(const std::string& path)
+{
+    std::string address = path.starts_with('/') ? "file://" : "file:///";
+    for (const char c : path) {
+        if (IsLetter(c) || IsDigit(c) || std::string_view("-._~/:").find(c) != std::string_view::npos) {
+            address += c;
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            address += '%';
+            address += "0123456789ABCDEF"[byte >> 4];
+            address += "0123456789ABCDEF"[byte & 0xFu];
+        }
+    }
+    return address;
+}
+
+std::string PercentDecoded(std::string_view text)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned byte = 0;
+        if (text[i] == '%' && i + 2 < text.size() &&
+            std::from_chars(text.data() + i + 1, text.data() + i + 3, byte, 16).ptr == text.data() + i + 3) {
+            bytes += static_cast<char>(byte);
+            i += 2;
+        } else {
+            bytes += text[i];
+        }
+    }
+    return bytes;
+}
+
+bool IsAddress(std::string_view text)
+{
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos || colon < 2 || !IsLetter(text.front()))
+        return false;
+    const std::string_view scheme = text.substr(0, colon);
+    return std::all_of(scheme.begin(), scheme.end(),
+                       [](char c) { return IsLetter(c) || IsDigit(c) || c == '+' || c == '-' || c == '.'; }) &&
+           text.substr(colon).starts_with(EqualNoCase(scheme, "file") ? ":/" : "://");
+}
+
+std::string PathOfAddress(const std::string& address)
+{
+    constexpr std::string_view file = "file:";
+    if (!EqualNoCase(std::string_view(address).substr(0, file.size()), file))
+        return address;
+    std::string_view rest = std::string_view(address).substr(file.size());
+    if (rest.starts_with("//")) {
+        rest.remove_prefix(2);
+        const std::string_view host = rest.substr(0, rest.find('/'));
+        if (!host.empty() && !EqualNoCase(host, "localhost"))
+            return address;
+        rest.remove_prefix(host.size());
+    }
+    if (!rest.starts_with('/'))
+        return address;
+    const std::string path = PercentDecoded(rest.substr(0, rest.find_first_of("?#")));
+    // A path that ends early would be another file's.
+    return path.find('\0') == std::string::npos ? path : address;
 }
 
 } // namespace voxmate

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace voxmate
 {
@@ -9,5 +10,17 @@ namespace voxmate
 /// The path of an existing file that differs from `path` at most in the case of its extension ("Bo.ACS" for "Bo.acs"):
 /// `path` itself if that exists, else the first such file in alphabetical order. Returns `path` when there is none.
 std::string InAnyExtensionCase(const std::string& path);
+
+/// The address of a file of this computer, given by its full path with slashes: every byte except unreserved
+/// characters,
+/// "/" and ":" is written as %XX (RFC 3986).
+std::string AddressOfPath(const std::string& path);
+/// The bytes that a text with %XX for some of them stands for. A percent sign without two hexadecimal digits behind it
+/// stays.
+std::string PercentDecoded(std::string_view text);
+/// Whether this is an address: a scheme of two letters or more, and "://" or, for files, ":/".
+bool IsAddress(std::string_view text);
+/// The path that the address of a file of this computer names, with any bytes; every other address unchanged.
+std::string PathOfAddress(const std::string& address);
 
 } // namespace voxmate

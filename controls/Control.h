@@ -419,12 +419,17 @@ private:
     bool running_ = false;
 };
 
-/// A menu or a menu item. The caption "-" makes a rule. Items belong to their parent menu, top menus to their form.
+/// A menu or a menu item. The caption "-" makes a rule. Items belong to their parent menu, top menus to their form. A
+/// menu with items raises Click when it is about to open.
 class Menu : public Clickable
 {
 public:
     Menu(Form* form, Menu* parent, std::string name, std::string caption);
     Prop<bool> Checked{*this, Property::Checked, false};
+    bool Checkable = false; ///< keeps room for its check mark, and is told of as unchecked, while it is not checked
+    /// The key that chooses the item while its form has the keyboard and no menu is open ("Ctrl+Enter", which means
+    /// both Enter keys); empty: none.
+    std::string Shortcut;
 
     const std::vector<Menu*>& Items() const { return items_; }
     Menu* Parent() const { return parent_; }

@@ -55,6 +55,13 @@ Form::Form(FormHost& host, std::string name) : Name(std::move(name)), host_(host
 
 Form::~Form() = default;
 
+Menu& Form::AddMenu(const std::string& name, const std::string& caption)
+{
+    added_.push_back(std::make_unique<Menu>(this, nullptr, name, caption));
+    MenuBar.push_back(added_.back().get());
+    return *added_.back();
+}
+
 WindowHandle Form::hWnd()
 {
     Load();

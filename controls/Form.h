@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace voxmate
@@ -55,8 +56,12 @@ public:
     bool ShowActivated = true; ///< takes the keyboard when it is shown; else the keyboard stays where it is
     std::string FontName;      ///< for all its controls; a font that the desktop does not have changes nothing
     Layout Arrangement;
-    StatusBar* Status = nullptr; ///< shown at the foot, outside the arrangement
-    std::vector<Menu*> MenuBar;  ///< the menus on the menu bar, in order
+    StatusBar* Status = nullptr;   ///< shown at the foot, outside the arrangement
+    std::vector<Menu*> MenuBar;    ///< the menus on the menu bar, in order
+    Control* FirstFocus = nullptr; ///< where the keyboard begins; null: at the default button or the first control
+
+    /// Adds a menu behind those on the menu bar; the form owns it. Only before the form is loaded.
+    Menu& AddMenu(const std::string& name, const std::string& caption);
 
     /// Runs Form_Load and makes the window, unless that has been done already. Does not show it yet.
     void Load();
@@ -70,6 +75,11 @@ public:
     WindowHandle hWnd();
     /// The same handle without loading the form: for code that makes the form's window.
     WindowHandle Handle() const { return handle_; }
+    /// The size and place of the form's window, in the front end's own words. What stands here when the form is first
+    /// shown is where it comes up, as far as there is a screen. While GeometryChanged is set, the front end notes here
+    /// how the window changes, and raises it.
+    std::string Geometry;
+    Event GeometryChanged;
     bool IsShown() const { return shown_; }
     void Activate();
     void PopupMenu(Menu& menu, Control* at = nullptr);
@@ -83,6 +93,12 @@ public:
     /// Delivers an icon's message as a mouse move; x is the message in twips. The pointer's own moves over the form are
     /// not delivered: in a wide enough window their x positions would be mistaken for messages.
     void UserMouseMove(double x) { Form_MouseMove(x); }
+    /// The window was moved or resized, by the user or by the window manager.
+    void UserGeometry(std::string geometry)
+    {
+        Geometry = std::move(geometry);
+        Raise(GeometryChanged);
+    }
 
 protected:
     virtual void Form_Load() {}
@@ -104,6 +120,7 @@ private:
     FormHost& host_;
     const WindowHandle handle_;
     std::vector<Control*> controls_;
+    std::vector<std::unique_ptr<Menu>> added_;
     std::unique_ptr<FormPeer> peer_;
     bool loaded_ = false;
     bool shown_ = false;

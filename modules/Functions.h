@@ -100,7 +100,7 @@ std::string EscapeMarkup(std::string text);
 /// The tags for pitch, speed and whisper, which go in front of a text.
 std::string VoicePrefix(int pitch, int speed, bool whisper);
 
-/// Reads files aloud; each job asks for the file first.
+/// Reads files aloud.
 class Reading
 {
 public:
@@ -113,6 +113,8 @@ public:
 
     /// Reads a text file as a whole. For an empty file a message says so.
     void OpenAndReadText();
+    /// The same for a file that is known: asks for none.
+    void ReadText(const std::string& file);
     /// Reads a Word document part by part, until Stop. For a document without text a message says so.
     void OpenAndReadWord();
     /// Has the character play a wave file; its mouth follows the sound.
@@ -132,9 +134,11 @@ private:
     Program& program_;
 
     void Complain(const char* sentence, const std::string& file, Manner manner);
+    bool IsOfKind(const Source& source, const std::string& file);
     std::string AskForFile(const Source& source, WordPreparation* ahead);
     template <class Reader>
     void Read(const Source& source, Reader reader, WordPreparation* ahead = nullptr);
+    void SpeakTextFile(const std::string& file);
     Outcome SpeakParts();
 };
 

@@ -36,8 +36,22 @@ void Reading::Complain(const char* sentence, const std::string& file, Manner man
     program_.Main->SetStatus(StatusIdle);
 }
 
-// Asks for a file, which must exist and have the right extension; empty when there is no such file. The word processor
-// is told which files the user selects meanwhile.
+// Whether the file exists and has the right extension; if not, a message says so.
+bool Reading::IsOfKind(const Source& source, const std::string& file)
+{
+    if (!program_.Host.Files.FileExists(file)) {
+        Complain("File not found:", file, Manner::Declining);
+        return false;
+    }
+    if (UCase(program_.Host.Files.GetExtensionName(file)) != source.extension) {
+        Complain(source.wrongType, file, Manner::Calling);
+        return false;
+    }
+    return true;
+}
+
+// Asks for a file of a kind; empty when there is no such file. The word processor is told which files the user selects
+// meanwhile.
 std::string Reading::AskForFile(const Source& source, WordPreparation* ahead)
 {
     program_.Main->SetStatus("Prompting for file name...");
@@ -49,17 +63,7 @@ std::string Reading::AskForFile(const Source& source, WordPreparation* ahead)
         };
     program_.Host.Windows.ShowOpen(dialog);
     std::string file = Trim(dialog.FileName);
-    if (file.empty())
-        return {};
-    if (!program_.Host.Files.FileExists(file)) {
-        Complain("File not found:", file, Manner::Declining);
-        return {};
-    }
-    if (UCase(program_.Host.Files.GetExtensionName(file)) != source.extension) {
-        Complain(source.wrongType, file, Manner::Calling);
-        return {};
-    }
-    return file;
+    return !file.empty() && IsOfKind(source, file) ? file : "";
 }
 
 // Asks for a file and reads it. When the user cancels the dialog, nothing more happens.
@@ -142,15 +146,26 @@ std::string ReadTextDocument(TextStream& stream)
     return text;
 }
 
+void Reading::SpeakTextFile(const std::string& file)
+{
+    program_.Main->SetStatus("Reading Text Document. Please wait...");
+    std::string text = ReadTextDocument(*program_.Host.Files.OpenTextFile(file));
+    if (text.empty())
+        Complain("The below TEXT document you are trying to open is empty:", file, Manner::Calling);
+    else if (!program_.Voice.SpeakText(std::move(text), ""))
+        program_.Main->SetStatus(StatusIdle);
+}
+
 void Reading::OpenAndReadText()
 {
-    Read(TextSource, [this](const std::string& file) {
-        program_.Main->SetStatus("Reading Text Document. Please wait...");
-        std::string text = ReadTextDocument(*program_.Host.Files.OpenTextFile(file));
-        if (text.empty())
-            Complain("The below TEXT document you are trying to open is empty:", file, Manner::Calling);
-        else if (!program_.Voice.SpeakText(std::move(text), ""))
-            program_.Main->SetStatus(StatusIdle);
+    Read(TextSource, [this](const std::string& file) { SpeakTextFile(file); });
+}
+
+void Reading::ReadText(const std::string& file)
+{
+    program_.Messages.NumberedRoutine(TextSource.routineId, [&] {
+        if (IsOfKind(TextSource, file))
+            SpeakTextFile(file);
     });
 }
 

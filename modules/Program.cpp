@@ -1,11 +1,11 @@
 // Start-up, and opening pages in the browser.
 #include "modules/Program.h"
 
+#include "base/FileName.h"
 #include "base/Text.h"
 #include "modules/Windows.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace voxmate
 {
@@ -24,23 +24,6 @@ std::string FindWindowsDir(Process& system)
         length = system.GetWindowsDirectoryA(buffer, length);
     }
     return buffer.substr(0, length);
-}
-
-// A path as part of an address: every byte except unreserved characters, "/" and ":" is written as %XX (RFC 3986).
-std::string PercentEncoded(const std::string& path)
-{
-    std::string encoded;
-    for (const char c : path) {
-        if (IsLetter(c) || IsDigit(c) || std::string_view("-._~/:").find(c) != std::string_view::npos) {
-            encoded += c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            encoded += '%';
-            encoded += "0123456789ABCDEF"[byte >> 4];
-            encoded += "0123456789ABCDEF"[byte & 0xFu];
-        }
-    }
-    return encoded;
 }
 
 } // namespace
@@ -73,6 +56,8 @@ void Program::RunStartUp()
     Reminders.File.ReminderFilePath = ProgramPath("VoxmateReminders.txt");
     Reminders.File.ReminderTempPath = ProgramPath("VoxmateReminders.tmp");
     LoadSettings(*this);
+    if (SettingsLoaded)
+        SettingsLoaded();
     Main->SetStatus("Searching for characters. Please wait...");
     Characters.SearchPath = Settings.CharacterPath;
     Characters.FindCharacters(false);
@@ -112,7 +97,7 @@ std::string Program::HelpPage(const std::string& name) const
 {
     std::string folder = WindowsDir;
     std::replace(folder.begin(), folder.end(), '\\', '/');
-    return (folder.starts_with('/') ? "file://" : "file:///") + PercentEncoded(folder) + "/web/" + name + ".html";
+    return AddressOfPath(folder) + "/web/" + name + ".html";
 }
 
 } // namespace voxmate

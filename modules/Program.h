@@ -12,6 +12,7 @@
 #include "platform/Platform.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxmate
@@ -41,6 +42,8 @@ public:
     AgentCharacter* Character = nullptr;
     /// Whether the start-up sequence has ended.
     bool StartedUp = false;
+    /// Called in the start-up sequence as soon as the settings have been read; may be empty.
+    std::function<void()> SettingsLoaded;
     /// Set by "Stop Everything !!!" and polled by long reading jobs.
     Boolean StopRequested = False;
     /// How often that was pressed. Code that lets events through compares it before and after.

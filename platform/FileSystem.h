@@ -83,6 +83,16 @@ public:
     /// Renames a file within its folder and returns when the change is on the disk. Raises run-time error 53, 58 "File
     /// already exists" when the new name is taken, 70 when the folder may not be written, 61 and 57.
     virtual void MoveFile(const std::string& from, const std::string& to) = 0;
+    /// Copies a file. A file that `to` names already is replaced, in one step, when the copy is complete. Raises
+    /// run-time error 53 and the errors of OpenRandom.
+    virtual void CopyFile(const std::string& from, const std::string& to) = 0;
+    /// Makes `name` another name of the file `target`, which is a full path: whatever becomes of that file holds for
+    /// both. Raises run-time error 58 when the name is taken, 70, 61 and 57.
+    virtual void LinkFile(const std::string& target, const std::string& name) = 0;
+    /// Creates a folder, with those above it, unless it exists. Raises run-time error 70, 61 and 57.
+    virtual void CreateFolder(const std::string& path) = 0;
+    /// Whether the user may create files in a folder. False for one that does not exist.
+    virtual bool FolderWritable(const std::string& path) = 0;
 };
 
 } // namespace voxmate

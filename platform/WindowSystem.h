@@ -101,6 +101,8 @@ public:
     /// Adds or deletes the notification-area icon; false when there is no such area or it refuses. The icon's mouse
     /// messages go to the picture box that `window` stands for, as mouse moves whose x is the message in twips.
     virtual bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) = 0;
+    /// Whether the desktop has a notification area now. At log-in it may come later than the program.
+    virtual bool HasNotificationArea() = 0;
     /// Handles for the record: that of the window behind a picture box, and that of its picture.
     virtual std::uint32_t WindowHandle(PictureBox& box) = 0;
     virtual std::uint32_t PictureHandle(PictureBox& box) = 0;

@@ -54,6 +54,38 @@ void FormWindow::keyPressEvent(QKeyEvent* event)
     QMainWindow::keyPressEvent(event);
 }
 
+void FormWindow::TellGeometry()
+{
+    if (const auto tell = OnGeometry; tell && isVisible() && !isMinimized())
+        tell();
+}
+
+void FormWindow::moveEvent(QMoveEvent* event)
+{
+    QMainWindow::moveEvent(event);
+    TellGeometry();
+}
+
+void FormWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    TellGeometry();
+}
+
+void FormWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        TellGeometry();
+}
+
+// The screen changes a little after the place.
+void FormWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    connect(windowHandle(), &QWindow::screenChanged, this, &FormWindow::TellGeometry, Qt::UniqueConnection);
+}
+
 void FormWindow::SetDefaultButton(QPushButton* button)
 {
     button->setDefault(true);

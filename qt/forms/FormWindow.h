@@ -27,10 +27,19 @@ public:
     std::function<void()> OnEnter;
     /// Escape was pressed and no control used it.
     std::function<void()> OnEscape;
+    /// The shown window has another place, size, state (maximised) or screen than before.
+    std::function<void()> OnGeometry;
 
 protected:
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void TellGeometry();
 };
 
 /// A frameless card above all other windows. Its corners are translucent with a compositor, otherwise cut out.

@@ -6,11 +6,28 @@
 namespace voxmate::qt
 {
 
+namespace
+{
+
+// A keyboard has two Enter keys, which the toolkit tells apart.
+QList<QKeySequence> KeysOf(const std::string& shortcut)
+{
+    const QString keys = ToQt(shortcut);
+    QString other = keys;
+    other.replace(QStringLiteral("Enter"), QStringLiteral("Return"));
+    return other == keys ? QList<QKeySequence>{QKeySequence(keys)}
+                         : QList<QKeySequence>{QKeySequence(keys), QKeySequence(other)};
+}
+
+} // namespace
+
 MenuPeer::MenuPeer(Menu& menu, QWidget* parent) : menu_(menu), parent_(parent), action_(new QAction(parent))
 {
     menu_.SetPeer(this);
     action_->setObjectName(ToQt(menu_.Name));
     action_->setSeparator(menu_.Caption.get() == "-");
+    if (!menu_.Shortcut.empty())
+        action_->setShortcuts(KeysOf(menu_.Shortcut));
     QObject::connect(action_, &QAction::triggered, action_, [this] {
         // Qt has toggled a checkable item, but only the program decides what is checked.
         Update(Property::Checked);
@@ -53,8 +70,9 @@ void MenuPeer::Update(Property property)
         action_->setVisible(menu_.Visible);
         break;
     case Property::Checked:
-        // Only a checked item is checkable, so that room for a check mark is kept only where there is one.
-        action_->setCheckable(menu_.Checked);
+        // Any other item is checkable only while it is checked, so that room for a check mark is kept only where there
+        // is one.
+        action_->setCheckable(menu_.Checkable || menu_.Checked);
         action_->setChecked(menu_.Checked);
         break;
     case Property::Items:
@@ -78,6 +96,7 @@ void MenuPeer::UpdateItems()
         submenu_->setObjectName(ToQt(menu_.Name));
         submenu_->setAccessibleName(WithoutAccessKey(ToQt(menu_.Caption)));
         action_->setMenu(submenu_);
+        QObject::connect(submenu_, &QMenu::aboutToShow, action_, [this] { menu_.UserClick(); });
     }
     for (Menu* item : wanted) {
         const bool known = std::any_of(items_.begin(), items_.end(),

@@ -4,6 +4,7 @@
 #include "qt/dialogs/Placement.h"
 #include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
+#include "qt/system/Desktop.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
 
@@ -65,6 +66,7 @@ QtFormPeer::~QtFormPeer()
     window_->hide();
     if (auto* window = dynamic_cast<FormWindow*>(window_)) {
         window->OnClose = nullptr;
+        window->OnGeometry = nullptr;
         window->OnEnter = nullptr;
         window->OnEscape = nullptr;
     }
@@ -87,7 +89,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
     if (form_.Status) {
         auto peer = CreateWidgetPeer(*form_.Status, icons_, window);
         auto* bar = static_cast<QStatusBar*>(peer->Widget());
-        bar->setSizeGripEnabled(form_.Border == BorderStyle::Sizable);
+        // The window's frame is there to resize it; a grip would push the panels out of line.
+        bar->setSizeGripEnabled(false);
         // Aligned with the content; a status bar adds a little space of its own.
         bar->setContentsMargins(WindowMargin - 2, 0, WindowMargin, WindowMargin / 2);
         window->setStatusBar(bar);
@@ -97,6 +100,8 @@ FormWindow* QtFormPeer::MakeFormWindow()
         window->layout()->setSizeConstraint(QLayout::SetFixedSize);
 
     window->OnClose = [this] { form_.UserClose(); };
+    if (form_.GeometryChanged)
+        window->OnGeometry = [this] { form_.UserGeometry(window_->saveGeometry().toBase64().toStdString()); };
     for (Control* control : form_.Controls()) {
         auto* button = dynamic_cast<CommandButton*>(control);
         if (button && button->IsDefault) {
@@ -215,7 +220,9 @@ QLayout* QtFormPeer::Build(const Layout& arrangement)
             const Layout& cell = arrangement.children[i];
             const int row = static_cast<int>(i) / columns;
             const int column = static_cast<int>(i) % columns;
-            grid->setColumnStretch(column, std::max(grid->columnStretch(column), cell.stretch));
+            // The grid must not be asked about a row or column before something is in it.
+            const bool newColumn = column >= grid->columnCount();
+            grid->setColumnStretch(column, std::max(newColumn ? 0 : grid->columnStretch(column), cell.stretch));
             if (cell.kind == Layout::Kind::Item) {
                 if (QWidget* widget = MakeItem(cell))
                     grid->addWidget(widget, row, column);
@@ -223,7 +230,8 @@ QLayout* QtFormPeer::Build(const Layout& arrangement)
                 grid->addLayout(Build(cell), row, column);
             } else {
                 grid->setColumnMinimumWidth(column, std::max(grid->columnMinimumWidth(column), cell.minWidth));
-                grid->setRowMinimumHeight(row, std::max(grid->rowMinimumHeight(row), cell.minHeight));
+                const bool newRow = row >= grid->rowCount();
+                grid->setRowMinimumHeight(row, std::max(newRow ? 0 : grid->rowMinimumHeight(row), cell.minHeight));
             }
         }
         return grid;
@@ -293,9 +301,11 @@ void QtFormPeer::SetTabOrder()
         if (const auto* button = dynamic_cast<const CommandButton*>(control); button && button->IsDefault)
             preset = widget;
     }
-    // The focus begins at the first control. If that is a button, it begins at the default button instead, because
-    // Enter presses the focused button.
-    if (first)
+    // Without a word of the form's the focus begins at the first control. If that is a button, it begins at the default
+    // button instead, because Enter presses the focused button.
+    if (QWidget* wanted = WidgetOf(form_.FirstFocus))
+        wanted->setFocus(Qt::OtherFocusReason);
+    else if (first)
         (preset && qobject_cast<QPushButton*>(first) ? preset : first)->setFocus(Qt::OtherFocusReason);
 }
 
@@ -312,6 +322,8 @@ void QtFormPeer::Place()
     if (auto* window = qobject_cast<QMainWindow*>(window_))
         window->centralWidget()->updateGeometry();
     content_->layout()->activate();
+    if (!form_.Geometry.empty() && window_->restoreGeometry(QByteArray::fromBase64(ToQt(form_.Geometry).toLatin1())))
+        return;
     window_->adjustSize();
     // adjustSize() is limited to two thirds of the screen, and a resizable form may need more.
     if (const QScreen* screen = window_->screen(); screen && form_.Border == BorderStyle::Sizable)
@@ -349,6 +361,8 @@ void QtFormPeer::Activate()
 {
     window_->raise();
     window_->activateWindow();
+    if (window_->windowHandle())
+        BringToFront(*window_->windowHandle());
 }
 
 void QtFormPeer::PopupMenu(Menu& menu, Control* at)

@@ -28,6 +28,9 @@ void MakeDesktopCompanion(QWindow& window);
 /// Asks for the same once more, for a window that has just been shown: a window manager that has only now noticed the
 /// earlier hiding forgets what was set in between.
 void KeepDesktopCompanion(QWindow& window);
+/// Gives a window of the program the keyboard because the user has asked for that outside of it: by an icon in a panel
+/// or a launcher. Without these words window managers that guard the keyboard would only let its task bar button blink.
+void BringToFront(QWindow& window);
 /// Sends requests to the desktop that are still queued. Qt itself does so only after it has drawn or received
 /// something.
 void Flush();
@@ -35,6 +38,9 @@ void Flush();
 /// Whether a panel shows tray icons itself, from data it reads over the session's bus. Such a panel reports only that
 /// an icon was activated, not the clicks.
 bool TrayIsOfItems();
+
+/// Whether a panel takes tray icons in as windows (freedesktop.org's system tray protocol).
+bool TrayIsEmbedding();
 
 /// The desktop and the other programs' windows on it, in device pixels.
 struct DesktopState {

@@ -4,6 +4,7 @@
 #include "qt/dialogs/MessageBox.h"
 #include "qt/widgets/ReadableStyle.h"
 
+#include <QKeyEvent>
 #include <QPixmapCache>
 #include <QThread>
 #include <QWidget>
@@ -44,7 +45,8 @@ QtApplication::QtApplication(int& argc, char** argv)
     if (qgetenv(PlatformVariable) == PreferX11)
         qunsetenv(PlatformVariable);
     setApplicationName(QStringLiteral("Voxmate"));
-    // The name of the desktop entry in packaging/desktop, by which panels tell whose windows these are.
+    // The name of the desktop entry in packaging/desktop, by which panels tell whose windows these are, and that on the
+    // session's bus.
     setDesktopFileName(QStringLiteral("org.voxmate.Voxmate"));
     // The program goes on while it is hidden in the tray; it ends only by its own exit.
     setQuitOnLastWindowClosed(false);
@@ -86,11 +88,23 @@ bool QtApplication::notify(QObject* receiver, QEvent* event)
         !rest_.isActive())
         rest_.start();
     try {
+        if (IsForEscape(receiver, event))
+            return true;
         return QApplication::notify(receiver, event);
     } catch (const std::exception& error) {
         Report(AsRuntimeError(error));
     }
     return true;
+}
+
+// The key arrives at the window first, which would pass it on to the control with the keyboard.
+bool QtApplication::IsForEscape(QObject* receiver, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress || !receiver->isWindowType() || !EscapePressed || activePopupWidget())
+        return false;
+    const auto* key = static_cast<const QKeyEvent*>(event);
+    return key->key() == Qt::Key_Escape && key->modifiers() == Qt::NoModifier && !key->isAutoRepeat() &&
+           EscapePressed();
 }
 
 void QtApplication::Report(const RuntimeError& error)

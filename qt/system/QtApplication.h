@@ -29,6 +29,10 @@ public:
     /// The session may be about to end: pending writes should reach the disk.
     std::function<void()> SaveRequested;
 
+    /// Escape was pressed in one of the program's windows while no menu or list was open. True: that was its meaning,
+    /// and the window is not told of the key.
+    std::function<bool()> EscapePressed;
+
     /// Called three seconds after a window, menu or list has gone, once for all that go in that time: time to give
     /// memory back. Other windows may be there, and the character may speak.
     std::function<void()> AtRest;
@@ -48,6 +52,8 @@ public:
     void Report(const RuntimeError& error);
 
 private:
+    bool IsForEscape(QObject* receiver, QEvent* event);
+
     DesktopFonts fonts_;
     bool reporting_ = false;
     QTimer rest_;

@@ -8,6 +8,7 @@
 #include "qt/forms/FormWindow.h"
 #include "qt/forms/PlacedFormPeer.h"
 #include "qt/forms/QtFormPeer.h"
+#include "qt/system/Desktop.h"
 #include "qt/widgets/QtText.h"
 
 #include <QApplication>
@@ -165,6 +166,12 @@ void QtWindowSystem::ClipboardClear()
 void QtWindowSystem::ClipboardSetText(const std::string& text)
 {
     QGuiApplication::clipboard()->setText(ToQt(text));
+}
+
+// Not asked of the toolkit, which keeps the first answer about notifiers until the program ends.
+bool QtWindowSystem::HasNotificationArea()
+{
+    return TrayIsEmbedding() || TrayIsOfItems();
 }
 
 bool QtWindowSystem::Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data)

@@ -38,6 +38,7 @@ public:
     void ClipboardClear() override;
     void ClipboardSetText(const std::string& text) override;
     bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) override;
+    bool HasNotificationArea() override;
     std::uint32_t WindowHandle(PictureBox& box) override { return tray_.HandleOf(box); }
     std::uint32_t PictureHandle(PictureBox& box) override { return tray_.HandleOf(box); }
     double TwipsPerPixelX() override { return TwipsPerPixel(); }

@@ -184,10 +184,14 @@ class Desk:
             raise RuntimeError("the display did not start")
         self.env["DISPLAY"] = ":" + number
         self.run("xsetroot", "-solid", "#3b6e8f")
-        for number, (x, y, width, height) in enumerate(monitors):
-            # The first monitor gets the display's only output, which makes it the primary screen.
-            self.run("xrandr", "--setmonitor", f"part{number}", f"{width}/{width // 4}x{height}/{height // 4}+{x}+{y}",
-                     "none" if number else "screen")
+        for number, place in enumerate(monitors):
+            self.monitor(number, *place)
+
+    def monitor(self, number, x, y, width, height):
+        """Makes this part of the display a monitor. The first one gets the display's only output, which makes it the
+        primary screen."""
+        self.run("xrandr", "--setmonitor", f"part{number}", f"{width}/{width // 4}x{height}/{height // 4}+{x}+{y}",
+                 "none" if number else "screen")
 
     def _start_manager(self):
         self.spawn(*self.manager)
@@ -249,13 +253,18 @@ class Desk:
     def settings_file(self):
         return os.path.join(self.env["XDG_CONFIG_HOME"], "voxmate", "registry.reg")
 
+    @property
+    def state_file(self):
+        return os.path.join(self.env["XDG_STATE_HOME"], "voxmate", "state")
+
     def install_defaults(self, **values):
-        """Installs the defaults file; `values` replace single settings (numbers or texts). The start-up tip is off
-        unless asked for, because it would be read aloud into every recording."""
+        """Installs the defaults file, and removes the state file; `values` replace single settings (numbers or texts).
+        The start-up tip is off unless asked for, because it would be read aloud into every recording."""
         values.setdefault("ShowTipAtStartUp", 0)
         here = os.path.dirname(os.path.abspath(__file__))
-        if os.path.exists(self.settings_file):
-            os.remove(self.settings_file)
+        for path in (self.settings_file, self.state_file):
+            if os.path.exists(path):
+                os.remove(path)
         self.run(os.path.join(here, "..", "..", "packaging", "install-defaults"), os.path.join(self.build, "share", "voxmate"))
         with open(self.settings_file, encoding="utf-8") as file:
             lines = file.read().split("\n")
@@ -275,12 +284,12 @@ class Desk:
             pairs = [line.split("=", 1) for line in file.read().split("\n") if line.startswith('"')]
         return {name.strip('"'): value for name, value in pairs}
 
-    def start(self, without=(), path=None, **environment):
-        """Starts the program, or the copy at `path`; its messages go to a log file. `without` is a command that removes
-        rights from it."""
+    def start(self, without=(), path=None, arguments=(), **environment):
+        """Starts the program, or the copy at `path`, with these arguments; its messages go to a log file. `without` is a
+        command that removes rights from it."""
         log = os.path.join(self.home, f"voxmate-{len(self.children)}.log")
         with open(log, "wb") as out:
-            program = self.spawn(*without, path or os.path.join(self.build, "voxmate"), env=dict(self.env, **environment),
+            program = self.spawn(*without, path or os.path.join(self.build, "voxmate"), *arguments, env=dict(self.env, **environment),
                                  stderr=out, stdout=out)
         self.programs[program] = log
         return program

@@ -55,6 +55,24 @@ class Companions(ProgramCase):
             self.assert_companion("Voxmate character", "the character shown again")
             self.settle()
 
+    def test_a_window_that_is_called_for_comes_before_another_programs_with_the_keyboard(self):
+        self.start_and_settle()
+        main = self.main_window()
+        x, y, width, height = self.desk.window_rect(main)
+        _, other = self.neighbour("Neighbour", "--at", f"{x},{y},{width},{height}")
+        self.desk.run("xdotool", "windowactivate", "--sync", other)
+        # An action leaves the keyboard where it is.
+        second = self.desk.start(arguments=["--action", "stop"])
+        self.desk.ended(second)
+        self.assertEqual(self.front(), other)
+        second = self.desk.start()
+        desktop.wait_for(lambda: self.front() == main, what="the window coming to the front")
+        self.assertEqual(self.answer_box("Voxmate - Running"), "Another copy of Voxmate is already running.")
+        self.desk.ended(second)
+
+    def front(self):
+        return self.desk.run("xdotool", "getactivewindow", check=False).decode().strip()
+
     def test_it_stays_above_maximised_windows_when_windows_of_the_program_open(self):
         self.desk.install_defaults(**self.defaults, ShowTipAtStartUp=1)
         self.start()

@@ -55,6 +55,21 @@ class Monitors(ReminderCase):
                 self.assertGreater(bottom, 1080 - 3 * float(scale))
                 self.desk.end(self.program)
 
+    def test_a_window_whose_monitor_has_gone_comes_back_on_the_other(self):
+        self.start_and_settle()
+        place = (SECOND[0] + 50, SECOND[1] + 100)
+        self.desk.run("xdotool", "windowmove", self.main_window(), *map(str, place))
+        desktop.wait_for(lambda: self.desk.window_rect(self.main_window())[0] >= place[0], what="the window on the second monitor")
+        self.desk.end(self.program)
+        self.start_and_settle()
+        self.assertGreaterEqual(self.desk.window_rect(self.main_window())[0], place[0])
+        self.desk.end(self.program)
+        self.desk.run("xrandr", "--delmonitor", "part1")
+        self.addCleanup(self.desk.monitor, 1, *SECOND)
+        self.start_and_settle()
+        x, y, width, height = self.desk.window_rect(self.main_window())
+        self.assertTrue(x >= 0 and y >= 0 and x + width <= FIRST[2] and y + height <= FIRST[3], (x, y, width, height))
+
 
 if __name__ == "__main__":
     unittest.main()

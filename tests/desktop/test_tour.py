@@ -8,7 +8,7 @@ import unittest
 
 import desk as desktop
 import test_character
-from program import BUILD
+from program import BUILD, IDLE
 from test_reminders import record
 from tour import BEGINNING, TourCase
 
@@ -24,6 +24,7 @@ PAGES = {  # help pages of the help menu's items
     ("Help", "Download More Characters", "site3"): "making",
     ("Help", "Download More Voice Types", "site1"): "installing",  # the same page as for the second item above
     ("Help", "Download More Voice Types", "site2"): "voices",
+    ("Extras", "Help on Extras"): "extras",
 }
 
 
@@ -182,6 +183,18 @@ class Menus(MainTour):
             self.assertTrue(os.path.exists(file), file)
         self.assertEqual(self.boxes(), [])
         self.shows("About Voxmate ®", lambda: self.choose("Help", "About Voxmate"))
+
+        self.put("Text to read", "Spoken from the menu")
+        self.says(lambda: self.choose("Extras", "Speak the Text", picture="menu-extras"), "Spoken from the menu")
+        begin = self.now()
+        self.use("Do you know who am I ?")
+        self.wait_for_sound(begin)
+        self.choose("Extras", "Stop Everything")
+        desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
+        for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
+            self.choose("Extras", name)
+            item = self.menu_item(("Extras", name))
+            desktop.wait_for(lambda: self.has(item, "CHECKED") == (number < 2), what=f"the check mark of {name}")
 
         self.choose("File", "Put in System Tray")
         self.closed("Voxmate")

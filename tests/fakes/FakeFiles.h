@@ -100,6 +100,28 @@ public:
         files.erase(from);
         texts.erase(from);
     }
+    void CopyFile(const std::string& from, const std::string& to) override
+    {
+        Call("CopyFile " + from + " to " + to);
+        if (!FileExists(from))
+            throw FileNotFound();
+        texts[to] = texts[from];
+    }
+    void LinkFile(const std::string& target, const std::string& name) override
+    {
+        Call("LinkFile " + target + " as " + name);
+        texts[name] = texts[target];
+    }
+    void CreateFolder(const std::string& path) override
+    {
+        Call("CreateFolder " + path);
+        folders.insert(path);
+    }
+    std::set<std::string> readOnlyFolders;
+    bool FolderWritable(const std::string& path) override
+    {
+        return folders.contains(path) && !readOnlyFolders.contains(path);
+    }
     std::unique_ptr<TextStream> OpenTextFile(const std::string& path) override
     {
         if (const auto error = openErrors.find(path); error != openErrors.end())

@@ -132,6 +132,8 @@ public:
         trayCalls.emplace_back(message, data);
         return false;
     }
+    bool notificationArea = true;
+    bool HasNotificationArea() override { return notificationArea; }
     std::uint32_t WindowHandle(PictureBox&) override { return 0x1234; }
     std::uint32_t PictureHandle(PictureBox&) override { return 0x5678; }
     double TwipsPerPixelX() override { return twipsPerPixel; }

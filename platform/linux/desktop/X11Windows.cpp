@@ -151,22 +151,45 @@ void MakeDesktopCompanion(QWindow& window)
                         32, 1, &EveryDesktop);
 }
 
+namespace
+{
+
+// Asks the window manager for something about a window.
+void Ask(xcb_connection_t* connection, xcb_window_t window, const char* message,
+         const std::array<std::uint32_t, 5>& data)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = Atom(connection, message);
+    std::copy(data.begin(), data.end(), event.data.data32);
+    xcb_send_event(connection, 0, RootWindow(connection),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+}
+
+} // namespace
+
+void BringToFront(QWindow& window)
+{
+    auto* connection = Connection();
+    if (!connection)
+        return;
+    constexpr std::uint32_t FromTheUser = 2;
+    Ask(connection, static_cast<xcb_window_t>(window.winId()), "_NET_ACTIVE_WINDOW",
+        {FromTheUser, XCB_CURRENT_TIME, 0, 0, 0});
+    xcb_flush(connection);
+}
+
 void KeepDesktopCompanion(QWindow& window)
 {
     auto* connection = Connection();
     if (!connection)
         return;
     const auto id = static_cast<xcb_window_t>(window.winId());
-    const auto ask = [connection, id](const char* message, std::array<std::uint32_t, 5> data) {
-        xcb_client_message_event_t event{};
-        event.response_type = XCB_CLIENT_MESSAGE;
-        event.format = 32;
-        event.window = id;
-        event.type = Atom(connection, message);
-        std::copy(data.begin(), data.end(), event.data.data32);
-        xcb_send_event(connection, 0, RootWindow(connection),
-                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&event));
+    const auto ask = [connection, id](const char* message, const std::array<std::uint32_t, 5>& data) {
+        Ask(connection, id, message, data);
     };
     constexpr std::uint32_t Add = 1;
     constexpr std::uint32_t FromAnApplication = 1;
@@ -177,6 +200,18 @@ void KeepDesktopCompanion(QWindow& window)
     add("_NET_WM_STATE_STICKY", "_NET_WM_STATE_ABOVE");
     ask("_NET_WM_DESKTOP", {EveryDesktop, FromAnApplication, 0, 0, 0});
     xcb_flush(connection);
+}
+
+// The owner of this selection is the tray.
+bool TrayIsEmbedding()
+{
+    auto* connection = Connection();
+    if (!connection)
+        return false;
+    const xcb_atom_t tray = Atom(connection, ("_NET_SYSTEM_TRAY_S" + QByteArray::number(ScreenNumber())).constData());
+    const Reply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, tray), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 void Flush()

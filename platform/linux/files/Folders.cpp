@@ -41,6 +41,11 @@ std::string ConfigFolder()
     return Below("XDG_CONFIG_HOME", "/.config");
 }
 
+std::string StateFolder()
+{
+    return Below("XDG_STATE_HOME", "/.local/state");
+}
+
 std::vector<std::string> SystemConfigFolders()
 {
     std::error_code error;
@@ -72,11 +77,19 @@ std::string ProgramFolder()
     return folder;
 }
 
+std::string RunningProgram()
+{
+    std::error_code error;
+    const std::string path = std::filesystem::read_symlink("/proc/self/exe", error).string();
+    // What the kernel appends once the file has been replaced.
+    constexpr std::string_view deleted = " (deleted)";
+    return path.ends_with(deleted) ? path.substr(0, path.size() - deleted.size()) : path;
+}
+
 std::string SharedDataFolder()
 {
     std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    const std::filesystem::path folder = program.parent_path();
+    const std::filesystem::path folder = std::filesystem::path(RunningProgram()).parent_path();
     const std::filesystem::path beside = folder / "share" / "voxmate";
     if (std::filesystem::is_directory(beside, error))
         return beside.string();

@@ -4,8 +4,12 @@
 #include "platform/linux/files/LinuxRandomFile.h"
 
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -98,6 +102,60 @@ void LinuxFileSystem::MoveFile(const std::string& from, const std::string& to)
     if (RenameToNew(InAnyExtensionCase(from).c_str(), to.c_str()) != 0)
         throw ChangeErrorOf(errno);
     SyncFolderOf(to);
+}
+
+void LinuxFileSystem::CopyFile(const std::string& from, const std::string& to)
+{
+    constexpr std::size_t blockSize = 1024 * 1024;
+    const Descriptor source(::open(InAnyExtensionCase(from).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status {
+    };
+    if (source.Number() < 0)
+        throw ChangeErrorOf(errno);
+    if (::fstat(source.Number(), &status) != 0 || !S_ISREG(status.st_mode))
+        throw PermissionDenied();
+    const std::string fresh = to + ".new";
+    ::unlink(fresh.c_str());
+    Descriptor copy(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (copy.Number() < 0)
+        throw WriteErrorOf(errno);
+    try {
+        std::string block(blockSize, '\0');
+        std::int64_t position = 0;
+        for (;;) {
+            const std::size_t length = source.Read(position, block);
+            if (!copy.Write(position, std::string_view(block).substr(0, length)))
+                throw WriteErrorOf(errno);
+            position += static_cast<std::int64_t>(length);
+            if (length < block.size())
+                break;
+        }
+        if (::fdatasync(copy.Number()) != 0 || !copy.Close() || ::rename(fresh.c_str(), to.c_str()) != 0)
+            throw WriteErrorOf(errno);
+    } catch (...) {
+        ::unlink(fresh.c_str());
+        throw;
+    }
+    SyncFolderOf(to);
+}
+
+void LinuxFileSystem::LinkFile(const std::string& target, const std::string& name)
+{
+    if (::symlink(target.c_str(), name.c_str()) != 0)
+        throw ChangeErrorOf(errno);
+}
+
+void LinuxFileSystem::CreateFolder(const std::string& path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    if (error && !FolderExists(path))
+        throw ChangeErrorOf(error.value());
+}
+
+bool LinuxFileSystem::FolderWritable(const std::string& path)
+{
+    return FolderExists(path) && ::faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 } // namespace voxmate::linux_platform

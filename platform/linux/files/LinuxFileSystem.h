@@ -24,6 +24,10 @@ public:
     void CreateTextFile(const std::string& path) override;
     void DeleteFile(const std::string& path) override;
     void MoveFile(const std::string& from, const std::string& to) override;
+    void CopyFile(const std::string& from, const std::string& to) override;
+    void LinkFile(const std::string& target, const std::string& name) override;
+    void CreateFolder(const std::string& path) override;
+    bool FolderWritable(const std::string& path) override;
 };
 
 } // namespace voxmate::linux_platform

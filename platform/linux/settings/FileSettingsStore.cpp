@@ -1,13 +1,10 @@
 #include "platform/linux/settings/FileSettingsStore.h"
 
 #include "platform/linux/files/Folders.h"
-#include "platform/linux/files/LinuxRandomFile.h"
 #include "platform/linux/files/WholeFile.h"
 #include "platform/linux/settings/SystemInformation.h"
 
 #include <algorithm>
-#include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -31,51 +28,13 @@ std::string KeyPath(std::uint32_t root, const std::string& subKey)
     return subKey.empty() ? name : name + "\\" + subKey;
 }
 
-// The file that a save writes; it may be behind a symbolic link, since the user may keep it elsewhere.
-std::string SaveTarget(const std::string& path)
-{
-    std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-    return error ? path : resolved.string();
-}
-
-// Whether a save can succeed. A read-only file is meant to stay as it is.
-bool CanSave(const std::string& path)
-{
-    const std::string target = SaveTarget(path);
-    const std::string folder = std::filesystem::path(target).parent_path().string();
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    const bool fileAllows = ::access(target.c_str(), F_OK) != 0 ||
-                            (::access(target.c_str(), W_OK) == 0 && std::filesystem::is_regular_file(target, error));
-    return fileAllows && ::access(folder.c_str(), W_OK | X_OK) == 0;
-}
-
-// Writes the new content to a file beside the old one, syncs it, and renames it in one step, so that an interruption at
-// any point leaves either the old file or the new one.
-bool Save(const std::string& path, const std::string& text)
-{
-    const std::string target = SaveTarget(path);
-    const std::string fresh = target + ".new";
-    struct stat old {
-    };
-    const mode_t mode = ::stat(target.c_str(), &old) == 0 ? old.st_mode & 0777u : 0600u;
-    ::unlink(fresh.c_str());
-    Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
-    if (file.Number() < 0)
-        return false;
-    if (file.Write(0, text) && ::fdatasync(file.Number()) == 0 && file.Close() &&
-        ::rename(fresh.c_str(), target.c_str()) == 0)
-        return true;
-    ::unlink(fresh.c_str());
-    return false;
-}
-
 } // namespace
 
 FileSettingsStore::FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles)
-    : userFile_(std::move(userFile))
+    : userFile_(std::move(userFile)), saver_(userFile_)
 {
+    // Read by Refresh only while nothing is being saved. After a failure the file is read again as it is.
+    saver_.Saved = [this](bool good) { userStamp_ = good ? StampOf(userFile_) : Stamp{-2, 0, 0, 0}; };
     for (const std::string& path : systemFiles)
         system_.push_back(RegistryFile::Parse(ReadWholeFile(path).value_or("")));
 }
@@ -89,21 +48,10 @@ FileSettingsStore::Stamp FileSettingsStore::StampOf(const std::string& path)
     return {info.st_mtim.tv_sec, info.st_mtim.tv_nsec, info.st_ino, info.st_size};
 }
 
-FileSettingsStore::~FileSettingsStore()
-{
-    {
-        const std::lock_guard lock(mutex_);
-        quit_ = true;
-        changed_.notify_all();
-    }
-    if (saver_.joinable())
-        saver_.join();
-}
-
 // The user may edit the file while the program runs; the next save must not lose those changes.
 void FileSettingsStore::Refresh()
 {
-    if (toSave_ || saving_)
+    if (saver_.Working())
         return;
     const Stamp stamp = StampOf(userFile_);
     if (stamp == userStamp_)
@@ -124,63 +72,16 @@ std::int32_t FileSettingsStore::Change(RegistryFile content)
     if (unreadable_ || !CanSave(userFile_))
         return ERROR_ACCESS_DENIED;
     // After a failed save this one is done at once, so that the caller learns the result.
-    if (saveFailed_ && !toSave_ && !saving_) {
-        saveFailed_ = !Save(userFile_, content.Text());
-        if (saveFailed_)
+    if (saver_.Failed() && !saver_.Working()) {
+        if (!saver_.SaveNow(content.Text()))
             return ERROR_ACCESS_DENIED;
         user_ = std::move(content);
         userStamp_ = StampOf(userFile_);
         return ERROR_SUCCESS;
     }
     user_ = std::move(content);
-    toSave_ = user_.Text();
-    if (!saver_.joinable())
-        saver_ = std::thread([this] { RunSaver(); });
-    changed_.notify_all();
+    saver_.Save(user_.Text());
     return ERROR_SUCCESS;
-}
-
-void FileSettingsStore::RunSaver()
-{
-    std::unique_lock lock(mutex_);
-    for (;;) {
-        changed_.wait(lock, [this] { return toSave_ || quit_; });
-        if (!toSave_)
-            return;
-        const std::string text = std::move(*toSave_);
-        toSave_.reset();
-        saving_ = true;
-        lock.unlock();
-        bool good = false;
-        Stamp stamp{};
-        try {
-            stamp = (good = Save(userFile_, text)) ? StampOf(userFile_) : Stamp{};
-        } catch (const std::exception&) {
-            // Running out of memory counts as a failed save: the caller that sets the next value is told.
-            good = false;
-        }
-        lock.lock();
-        saving_ = false;
-        saveFailed_ = !good;
-        // After a failure the file is read again as it is.
-        userStamp_ = good ? stamp : Stamp{-2, 0, 0, 0};
-        changed_.notify_all();
-    }
-}
-
-// Polls instead of waiting for changed_ or the mutex, because the thread that holds the mutex may be waiting for the
-// same disk.
-bool FileSettingsStore::Flush(std::chrono::milliseconds patience)
-{
-    constexpr std::chrono::milliseconds pause{1};
-    const auto last = std::chrono::steady_clock::now() + patience;
-    for (;;) {
-        if (const std::unique_lock lock(mutex_, std::try_to_lock); lock && !toSave_ && !saving_)
-            return true;
-        if (std::chrono::steady_clock::now() >= last)
-            return false;
-        std::this_thread::sleep_for(pause);
-    }
 }
 
 std::int32_t FileSettingsStore::GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key)
@@ -203,7 +104,6 @@ std::int32_t FileSettingsStore::RegCreateKeyA(std::uint32_t root, const std::str
     const std::string path = KeyPath(root, subKey);
     if (path.empty())
         return ERROR_INVALID_HANDLE;
-    const std::lock_guard lock(mutex_);
     Refresh();
     if (!KeyExists(path)) {
         RegistryFile changed = user_;
@@ -220,7 +120,6 @@ std::int32_t FileSettingsStore::RegOpenKeyExA(std::uint32_t root, const std::str
     const std::string path = KeyPath(root, subKey);
     if (path.empty())
         return ERROR_INVALID_HANDLE;
-    const std::lock_guard lock(mutex_);
     Refresh();
     if (!KeyExists(path) && !Lookup)
         return ERROR_FILE_NOT_FOUND;
@@ -235,7 +134,6 @@ std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::s
         return ERROR_INVALID_HANDLE;
     if ((opened->second.access & CanQueryValue) == 0)
         return ERROR_ACCESS_DENIED;
-    const std::lock_guard lock(mutex_);
     Refresh();
     const std::string& path = opened->second.path;
     std::optional<RawValue> value = user_.Value(path, name);
@@ -262,10 +160,9 @@ std::int32_t FileSettingsStore::RegSetValueExA(std::uint32_t key, const std::str
         return ERROR_INVALID_HANDLE;
     if ((opened->second.access & CanSetValue) == 0)
         return ERROR_ACCESS_DENIED;
-    const std::lock_guard lock(mutex_);
     Refresh();
     const RawValue value{type, {data.begin(), data.end()}};
-    if (!saveFailed_ && user_.Value(opened->second.path, name) == value)
+    if (!saver_.Failed() && user_.Value(opened->second.path, name) == value)
         return ERROR_SUCCESS;
     RegistryFile changed = user_;
     changed.SetValue(opened->second.path, name, value);

@@ -6,17 +6,15 @@
 #pragma once
 
 #include "platform/SettingsStore.h"
+#include "platform/linux/files/FileSaver.h"
 #include "platform/linux/settings/RegistryFile.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace voxmate::linux_platform
@@ -28,12 +26,9 @@ public:
     /// `userFile` is read and written. `systemFiles` are only read; the first of them that has a value counts. A file
     /// that is missing or cannot be read counts as empty.
     FileSettingsStore(std::string userFile, const std::vector<std::string>& systemFiles);
-    /// Waits until everything is saved.
-    ~FileSettingsStore() override;
-
     /// Waits at most `patience` until everything set so far is in the file or could not be saved; a network folder may
-    /// never answer. False when that was not done in time.
-    bool Flush(std::chrono::milliseconds patience);
+    /// never answer. False when that was not done in time. Callable from any thread, unlike all else here.
+    bool Flush(std::chrono::milliseconds patience) { return saver_.Flush(patience); }
 
     /// Supplies values that no file has, because the desktop itself knows them; returns nothing for others.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
@@ -65,25 +60,16 @@ private:
     std::map<std::uint32_t, OpenKey> open_;
     std::uint32_t nextHandle_ = 1;
 
-    std::mutex mutex_; // guards everything below
-    std::condition_variable changed_;
     RegistryFile user_;
     Stamp userStamp_;
     bool unreadable_ = false; ///< the user's file exists but cannot be read: it counts as empty and is not changed
-    std::optional<std::string> toSave_;
-    bool saving_ = false;
-    bool saveFailed_ = false; ///< the last save failed
-    bool quit_ = false;
-    std::thread saver_;
+    FileSaver saver_;
 
     static Stamp StampOf(const std::string& path);
-    // With the mutex held:
     void Refresh();
     std::int32_t Change(RegistryFile content);
     bool KeyExists(const std::string& path) const;
     std::int32_t GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key);
-
-    void RunSaver();
 };
 
 /// Makes the store of the user's and the system's settings files in the places of the XDG base directory standard:

@@ -42,6 +42,36 @@ TEST_F(FormTest, AFormTooLargeForTheScreenScrollsToTheControlThatTheKeyboardReac
     EXPECT_EQ(Find("comEngine")->visibleRegion().boundingRect(), Find("comEngine")->rect());
 }
 
+// The toolkit's grid answers questions about rows that it does not have yet with whatever the memory held.
+TEST_F(FormTest, ARowOfAGridThatBeginsWithAnEmptyCellIsAsHighAsItsContent)
+{
+    class GridForm : public Form
+    {
+    public:
+        explicit GridForm(WindowSystem& windows) : Form(windows, "frmGrid")
+        {
+            Arrangement =
+                Grid(2, {Item(lblFirst), Item(chkFirst), Space(0), Item(chkSecond), Space(0), Item(chkThird)});
+        }
+        Label lblFirst{this, "lblFirst", "First"};
+        CheckBox chkFirst{this, "chkFirst", "One"};
+        CheckBox chkSecond{this, "chkSecond", "Two"};
+        CheckBox chkThird{this, "chkThird", "Three"};
+    };
+    for (int i = 0; i < 20; ++i) {
+        std::vector<std::vector<int>> used(200, std::vector<int>(static_cast<std::size_t>(2 + i), 20'000));
+        used.clear();
+        GridForm grid(windows);
+        grid.Show();
+        const auto open = QApplication::topLevelWidgets();
+        const auto found = std::find_if(open.begin(), open.end(), [](const QWidget* window) {
+            return window->objectName() == QLatin1String("frmGrid") && window->isVisible();
+        });
+        ASSERT_NE(found, open.end());
+        EXPECT_LT((*found)->height(), 300);
+    }
+}
+
 TEST_F(FormTest, WidgetsCarryTheirControlsNamesAndAreNamedForAScreenReader)
 {
     EXPECT_EQ(Find("cmdOk")->accessibleName(), "OK");

@@ -1,0 +1,63 @@
+// All that the program can do beyond its original windows. The program's forms and modules do not know of it.
+#pragma once
+
+#include "extras/CommandLine.h"
+#include "extras/ExtrasMenu.h"
+#include "extras/InstallCharacter.h"
+#include "extras/Opening.h"
+#include "extras/Speaking.h"
+#include "extras/StartAtLogin.h"
+#include "platform/Activation.h"
+#include "platform/Autostart.h"
+#include "platform/StateStore.h"
+
+#include <map>
+#include <string>
+
+namespace voxmate
+{
+
+/// What the extras need beside the program's platform.
+struct ExtrasHost {
+    StateStore& State;
+    Autostart& Login;
+    Activation& Desktop;
+    InstallCharacter::Look LookAtCharacter;
+};
+
+class Extras
+{
+public:
+    /// `main` must not have been loaded yet, and must outlive this object.
+    Extras(Program& program, frmMain& main, const ExtrasHost& host);
+    ~Extras();
+    Extras(const Extras&) = delete;
+    Extras& operator=(const Extras&) = delete;
+
+    /// Starts the program: quietly, or with `showSplash`. Returns when it has been begun.
+    void Begin(const CommandLine& line, const Event& showSplash);
+    /// See Speaking::Escape.
+    bool Escape() { return speaking_.Escape(); }
+
+private:
+    Program& program_;
+    frmMain& main_;
+    ExtrasHost host_;
+
+    ExtrasMenu menu_;
+    Speaking speaking_;
+    StartAtLogin login_;
+    QuietStart quiet_;
+    InstallCharacter install_;
+    Opening opening_;
+    Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
+    bool startsQuietly_ = false;
+    bool wanted_ = false; ///< the window is to be shown as soon as the program has started up
+    std::string action_;  ///< to be done then
+    std::map<std::string, Event> actions_;
+
+    void Called(const Call& call);
+    void GoOn();
+};
+
+} // namespace voxmate

@@ -1,0 +1,68 @@
+// What tests of the extras start from: the program with its main window and all extras, over fakes.
+#pragma once
+
+#include "extras/Extras.h"
+#include "tests/fakes/FakeActivation.h"
+#include "tests/fakes/FakeAutostart.h"
+#include "tests/fakes/FakeState.h"
+#include "tests/fakes/ProgramTest.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace voxmate
+{
+
+using Lines = std::vector<std::string>;
+
+class ExtrasTest : public ProgramTest
+{
+protected:
+    fakes::FakeState state;
+    fakes::FakeAutostart login;
+    fakes::FakeActivation desktop{fake.log};
+    CharacterLook look{"Bo", "A robot", 2345678};
+    std::string lookFault; ///< what is wrong with every character file; empty: nothing
+    frmMain form{program};
+    Extras extras{program, form, {state, login, desktop, [this](const std::string& path) {
+                                      fake.log.push_back("Look " + path);
+                                      if (!lookFault.empty())
+                                          throw std::runtime_error(lookFault);
+                                      return look;
+                                  }}};
+
+    ExtrasTest()
+    {
+        fake.StoreDefaults();
+        fake.store.SetDword("GreetingEnabled", 0);
+        fake.store.SetDword("ShowTipAtStartUp", 0);
+        fake.store.SetDword("ReadMessages", 0);
+    }
+    /// Starts the program as from the command line; the splash does not wait.
+    void Begin(const CommandLine& line = {})
+    {
+        extras.Begin(line, [this] { StartMain(); });
+        fake.log.clear();
+    }
+    Timer& TimerOf(const std::string& name) { return dynamic_cast<Timer&>(*form.Find(name)); }
+    Menu& Item(const std::string& name) { return dynamic_cast<Menu&>(*form.Find(name)); }
+    void OpenMenu() { Item("mnuExtras").UserClick(); }
+    fakes::FakeRequest& LastSpoken() { return dynamic_cast<fakes::FakeRequest&>(*program.Voice.LastSpeakRequest); }
+    /// The texts of the boxes shown so far, with their titles in front.
+    Lines Boxes() const
+    {
+        Lines texts;
+        for (const auto& box : fake.windows.boxes)
+            texts.push_back(box.title + ": " + box.text);
+        return texts;
+    }
+    bool Logged(const std::string& call) const
+    {
+        return std::find(fake.log.begin(), fake.log.end(), call) != fake.log.end();
+    }
+};
+
+} // namespace voxmate
