@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <sys/wait.h>
 #include <thread>
@@ -110,20 +111,20 @@ double CpuMs(pid_t process)
     return ticks * 1000 / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
-// How often the threads of a process have gone to sleep so far, which is how often they have woken up.
-long WakeUps(pid_t process)
+// How often each thread of a process has gone to sleep so far, which is how often it has woken up.
+std::map<std::string, long> WakeUps(pid_t process)
 {
     const std::string field = "voluntary_ctxt_switches:";
-    long sum = 0;
+    std::map<std::string, long> counts;
     std::error_code gone;
     for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
         std::ifstream in(task.path() / "status");
         for (std::string line; std::getline(in, line);) {
             if (line.starts_with(field))
-                sum += std::stol(line.substr(field.size()));
+                counts[task.path().filename()] = std::stol(line.substr(field.size()));
         }
     }
-    return sum;
+    return counts;
 }
 
 int MeasureIdle(int settle, int seconds, const char* program)
@@ -133,10 +134,13 @@ int MeasureIdle(int settle, int seconds, const char* program)
     const double memory = StatusMb(child, "VmRSS:");
     const double own = StatusMb(child, "RssAnon:");
     const double before = CpuMs(child);
-    const long sleptBefore = WakeUps(child);
+    std::map<std::string, long> sleptBefore = WakeUps(child);
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     const double used = CpuMs(child) - before;
-    const long slept = WakeUps(child) - sleptBefore;
+    // Those of a thread that has ended meanwhile are not known.
+    long slept = 0;
+    for (const auto& [thread, count] : WakeUps(child))
+        slept += count - sleptBefore[thread];
     if (::waitpid(child, nullptr, WNOHANG) != 0) {
         std::cerr << program << " ended by itself\n";
         return 1;

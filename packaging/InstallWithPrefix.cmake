@@ -16,4 +16,9 @@ endforeach()
 # In the settings file a backslash stands before a quote.
 string(REPLACE "\"" "\\\"" SHARE "${SHARE}")
 configure_file("${SOURCE}/registry.reg.in" "${BINARY}/registry.reg" @ONLY)
-file(INSTALL "${BINARY}/registry.reg" DESTINATION "${etc}/xdg/voxmate")
+# An administrator may have changed it.
+if(EXISTS "$ENV{DESTDIR}${etc}/xdg/voxmate/registry.reg")
+    message(STATUS "Kept: ${etc}/xdg/voxmate/registry.reg")
+else()
+    file(INSTALL "${BINARY}/registry.reg" DESTINATION "${etc}/xdg/voxmate")
+endif()

@@ -2,8 +2,8 @@
 
 #include "qt/system/DesktopWatch.h"
 
+#include <QApplication>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QScreen>
@@ -36,6 +36,12 @@ ContentArea::ContentArea(QWidget* content, QWidget* window) : QScrollArea(window
     setWidget(content);
     viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
+    // The toolkit follows the Tab key only, and neither access keys nor a field that the form itself gives the focus.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now && this->widget()->isAncestorOf(now))
+            ensureWidgetVisible(now);
+    });
+    connect(&DesktopWatch::Instance(), &DesktopWatch::ScreensChanged, this, [this] { updateGeometry(); });
 }
 
 QSize ContentArea::sizeHint() const
@@ -74,8 +80,8 @@ QSize ContentArea::Room() const
 
 bool ContentArea::event(QEvent* event)
 {
-    // The content's own wishes have changed, as with the desktop's font.
-    if (event->type() == QEvent::LayoutRequest)
+    // The content's own wishes have changed, as with the desktop's font, or the window has come to another screen.
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::ScreenChangeInternal)
         updateGeometry();
     return QScrollArea::event(event);
 }

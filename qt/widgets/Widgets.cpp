@@ -117,11 +117,16 @@ void Button::paintEvent(QPaintEvent* event)
     painter.setPen(QPen(line, 1));
     painter.setBrush(fill);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Rounding, Rounding);
-    if (hasFocus())
-        DrawFocusRing(painter, *this, rect(), Rounding - 0.5);
-
     const int size = filled ? LargeIconSize : IconSize;
     const QColor onColour = Contrast(face, Qt::white) >= Contrast(face, Qt::black) ? Qt::white : Qt::black;
+    if (hasFocus() && filled) {
+        // Within the colour, because the usual ring has that very colour.
+        painter.setPen(QPen(onColour, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(4, 4, -4, -4), Rounding - 2, Rounding - 2);
+    } else if (hasFocus()) {
+        DrawFocusRing(painter, *this, rect(), Rounding - 0.5);
+    }
     const QPixmap pixmap = icons_.Pixmap(filled ? picture_ + QStringLiteral("-filled") : picture_, size,
                                          devicePixelRatioF(), filled ? onColour : Ink(*this));
     painter.drawPixmap(QPoint((width() - size) / 2, (height() - size) / 2), pixmap);

@@ -122,7 +122,7 @@ class Preparation : public WordPreparation
 {
 public:
     explicit Preparation(std::shared_ptr<Standby> standby) : standby_(std::move(standby)) {}
-    ~Preparation() override { standby_->End(); }
+    ~Preparation() override { standby_->EndUnlessUsed(); }
     Preparation(const Preparation&) = delete;
     Preparation& operator=(const Preparation&) = delete;
 
@@ -151,7 +151,7 @@ std::string LibreOfficeWord::Folders()
 std::unique_ptr<WordPreparation> LibreOfficeWord::Prepare()
 {
     for (const auto& standby : standbys_)
-        standby->End();
+        standby->EndUnlessUsed();
     // One that is still being ended stays until a later call, because its end is not waited for here.
     std::erase_if(standbys_, [](const auto& standby) { return standby->Ended(); });
     const std::string program = FindProgram("soffice", folders_);

@@ -34,12 +34,16 @@ void Standby::Use(const std::string& document)
 {
     const Stamp stamp = StampOf(document);
     const std::lock_guard lock(mutex_);
-    if (document_ != document || (begun_ && *begun_ != stamp))
+    // LibreOffice is busy or over with another document, or with what this one was before. Another that is started
+    // ahead would be heard later than one that does nothing but convert.
+    if (begun_ ? document_ != document || *begun_ != stamp
+               : result_ && (result_->document != document || result_->stamp != stamp)) {
         ++turn_;
+        broken_ = true;
+        result_.reset();
+    }
     document_ = document;
     used_ = true;
-    if (result_ && result_->stamp != stamp)
-        result_.reset();
     changed_.notify_all();
 }
 
@@ -65,7 +69,18 @@ void Standby::End()
 {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
+    result_.reset();
     changed_.notify_all();
+}
+
+void Standby::EndUnlessUsed()
+{
+    {
+        const std::lock_guard lock(mutex_);
+        if (used_)
+            return;
+    }
+    End();
 }
 
 bool Standby::Ended() const
@@ -138,7 +153,7 @@ void Standby::ServeOne(std::unique_lock<std::mutex>& lock)
         begun_.reset();
         if (office.Fell())
             broken_ = true;
-        else if (current)
+        else if (current && turn_ == turn)
             result_ = std::move(result);
         changed_.notify_all();
     }

@@ -29,16 +29,19 @@ public:
     /// Converts this document in advance, in place of the one expected before.
     void Expect(const std::string& document);
     /// Converts this document, the last one, however long it takes, unless that has been done in advance and the file
-    /// has not changed since.
+    /// has not changed since. Not tried when LibreOffice has begun with another document.
     void Use(const std::string& document);
     /// Waits at most `wait` for the used document's conversion; returns whether it still goes on.
     bool Works(std::chrono::milliseconds wait);
-    /// Afterwards: whether the document has not been tried, because LibreOffice had ended too early or waited too long.
+    /// Afterwards: whether the document has not been tried, because LibreOffice had ended too early, waited too long or
+    /// begun with another one.
     bool Failed() const;
     /// Otherwise its main text; nothing when it cannot be converted.
     std::optional<std::string> TakeText();
-    /// Has everything ended and removed; does not wait for that.
+    /// Has everything ended and removed, the text, too; does not wait for that.
     void End();
+    /// The same, unless Use has been called.
+    void EndUnlessUsed();
     /// Whether all of that is done.
     bool Ended() const;
 
@@ -76,7 +79,7 @@ private:
     std::optional<Stamp> begun_; ///< of the document that is being converted
     bool used_ = false;
     bool stopped_ = false;
-    bool broken_ = false; ///< LibreOffice ended by itself
+    bool broken_ = false; ///< LibreOffice ended by itself, or has begun with another document than the used one
     bool ended_ = false;
     std::optional<Result> result_; ///< of the last document that was converted
     std::thread thread_;
