@@ -10,16 +10,16 @@ namespace voxmate
 {
 
 struct SandboxLimits {
-    std::chrono::seconds time; ///< of processor time
-    std::uint64_t memory;      ///< bytes of address space
+    std::chrono::seconds time;         ///< of processor time
+    std::uint64_t memory;              ///< bytes of address space
     std::vector<std::string> readable; ///< folders whose files libraries may open, to read only
 };
 
 /// Takes from this process, which must have one thread, all it does not need to read what is open and to write to its
 /// output: the network, other files, other processes. It ends with the process that started it, and at its limits. What
-/// is not granted fails; it does not end the process. Where the system cannot limit files to folders, none can be opened
-/// any more. Returns false when the system cannot keep this process from the network and other files: then it must not
-/// go on.
+/// is not granted fails; it does not end the process. Where the system cannot limit files to folders, none can be
+/// opened any more. Returns false when the system cannot keep this process from the network and other files: then it
+/// must not go on.
 bool EnterSandbox(const SandboxLimits& limits);
 
 /// A file that is open, as bytes in memory, until the process ends.

@@ -37,11 +37,11 @@ struct BlockWriter::Place {
     explicit Place(Kind what) : place(what) {}
 
     Kind place;
-    bool open = false;        ///< a block was begun
-    Block block;              ///< the present one, without its text
-    CleanText text;           ///< its text
-    std::vector<Block> notes; ///< those of the present block
-    std::vector<Block> blocks; ///< of a cell or note: what is in it; of a row: the notes of its cells
+    bool open = false;                     ///< a block was begun
+    Block block;                           ///< the present one, without its text
+    CleanText text;                        ///< its text
+    std::vector<Block> notes;              ///< those of the present block
+    std::vector<Block> blocks;             ///< of a cell or note: what is in it; of a row: the notes of its cells
     std::vector<std::vector<Block>> cells; ///< of a row
     std::size_t count = 0;                 ///< of a row: its blocks
     std::string noteLabel;                 ///< of a note, until its first block
@@ -80,7 +80,8 @@ void BlockWriter::Text(std::string_view text)
     // Longer than a block may be: cut at a blank.
     while (!text.empty()) {
         const std::size_t part = std::min(text.size(), LongestText / 8);
-        const std::size_t whole = part == text.size() ? part : std::max<std::size_t>(WholeUtf8(text.substr(0, part)), 1);
+        const std::size_t whole =
+            part == text.size() ? part : std::max<std::size_t>(WholeUtf8(text.substr(0, part)), 1);
         const bool first = place.text.Empty();
         place.text.Add(text.substr(0, whole));
         if (first && !place.text.Empty())
@@ -103,8 +104,7 @@ void BlockWriter::Break()
 void BlockWriter::Emit(Block&& block)
 {
     Place& place = Here();
-    if (place.place == Place::Kind::Note &&
-        (block.kind == BlockKind::Paragraph || block.kind == BlockKind::ListItem)) {
+    if (place.place == Place::Kind::Note && (block.kind == BlockKind::Paragraph || block.kind == BlockKind::ListItem)) {
         block.kind = BlockKind::Footnote;
         block.level = 0;
         block.label = std::exchange(place.noteLabel, {});
@@ -204,10 +204,12 @@ void BlockWriter::PopRow()
     for (const auto& cell : row->cells)
         for (const Block& block : cell)
             size += block.text.size();
-    const bool plain = row->count <= LargestRow && size <= LongestText && std::all_of(row->cells.begin(), row->cells.end(), [&](const auto& cell) {
-        const auto texts = std::count_if(cell.begin(), cell.end(), [&](const Block& block) { return !isNote(block); });
-        return texts == 0 || (texts == 1 && cell.front().kind == BlockKind::Paragraph);
-    });
+    const bool plain = row->count <= LargestRow && size <= LongestText &&
+                       std::all_of(row->cells.begin(), row->cells.end(), [&](const auto& cell) {
+                           const auto texts = std::count_if(cell.begin(), cell.end(),
+                                                            [&](const Block& block) { return !isNote(block); });
+                           return texts == 0 || (texts == 1 && cell.front().kind == BlockKind::Paragraph);
+                       });
     std::vector<Block> blocks = std::move(row->blocks);
     if (!plain) {
         for (auto& cell : row->cells)

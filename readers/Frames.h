@@ -17,8 +17,8 @@ namespace voxmate::readers
 /// What a frame tells: first the document's kind, then its blocks, at last how it ended.
 using Frame = std::variant<Kind, Block, Refusal>;
 
-/// The bytes of a frame: the length of what follows (four bytes, the lowest first), the frame's type, its fields. A block
-/// longer than a block may be is cut.
+/// The bytes of a frame: the length of what follows (four bytes, the lowest first), the frame's type, its fields. A
+/// block longer than a block may be is cut.
 std::string EncodeFrame(const Frame& frame);
 
 /// Takes frames from bytes that come in pieces.

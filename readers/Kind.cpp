@@ -36,8 +36,8 @@ void RefuseCompound(std::string_view bytes)
         throw Refused(Refusal::Protected);
     if (bytes.find(Wide("WordDocument")) == std::string_view::npos)
         throw Refused(Refusal::Unknown);
-    // The text's stream usually comes first. It begins with a signature; bit 8 of the flags at its byte 10 tells that it
-    // is encrypted ([MS-DOC] 2.5.1).
+    // The text's stream usually comes first. It begins with a signature; bit 8 of the flags at its byte 10 tells that
+    // it is encrypted ([MS-DOC] 2.5.1).
     constexpr std::size_t stream = 512;
     if (bytes.size() > stream + 12 && bytes.substr(stream).starts_with("\xEC\xA5") && (bytes[stream + 11] & 1) != 0)
         throw Refused(Refusal::Protected);
@@ -46,8 +46,8 @@ void RefuseCompound(std::string_view bytes)
 
 bool IsSound(std::string_view head)
 {
-    constexpr std::array<std::string_view, 8> beginnings{"fLaC", "OggS", "ID3", ".snd", "caff", "RIFX", "RF64",
-                                                         "Creative Voice File"};
+    constexpr std::array<std::string_view, 8> beginnings{"fLaC", "OggS", "ID3",  ".snd",
+                                                         "caff", "RIFX", "RF64", "Creative Voice File"};
     const std::string_view form = head.size() >= 12 ? head.substr(8, 4) : std::string_view();
     // The last is a frame of MPEG audio: eleven bits set, and then a layer.
     const bool frame = head.size() > 3 && head[0] == '\xFF' && (head[1] & 0xE0) == 0xE0 && (head[1] & 0x06) != 0 &&

@@ -42,7 +42,8 @@ public:
     std::optional<Block> Next(std::chrono::milliseconds wait);
     /// Whether there are no more blocks.
     bool AtEnd() const { return outcome_.has_value(); }
-    /// AtEnd: None when the document was read to its end, otherwise why it was not. Blocks read before stay as they are.
+    /// AtEnd: None when the document was read to its end, otherwise why it was not. Blocks read before stay as they
+    /// are.
     Refusal Outcome() const { return outcome_.value_or(Refusal::None); }
     /// The sentence for the user about the outcome; empty when there is nothing to tell.
     std::string Sentence() const;

@@ -38,9 +38,9 @@ bool HasWord(std::string_view words, std::string_view word)
 bool IsLeftOut(std::string_view name)
 {
     constexpr std::array<std::string_view, 27> names{
-        "head",   "script",   "style",  "template", "object", "iframe",  "applet",   "audio",  "video",
-        "canvas", "svg",      "nav",    "select",   "button", "input",   "textarea", "title",  "meta",
-        "link",   "datalist", "rp",     "rt",       "map",    "noframes", "embed",   "dialog", "noscript"};
+        "head",   "script",   "style", "template", "object", "iframe",   "applet",   "audio",  "video",
+        "canvas", "svg",      "nav",   "select",   "button", "input",    "textarea", "title",  "meta",
+        "link",   "datalist", "rp",    "rt",       "map",    "noframes", "embed",    "dialog", "noscript"};
     // An XHTML parser gives drawings and scripts in them under their own namespace.
     return IsOneOf(name, names) || name.starts_with("svgdoc:");
 }
@@ -48,10 +48,10 @@ bool IsLeftOut(std::string_view name)
 bool IsBlockElement(std::string_view name)
 {
     constexpr std::array<std::string_view, 36> names{
-        "p",       "div",    "section", "article",  "aside",      "header",   "footer",     "main",   "body",
-        "address", "figure", "hr",      "ul",       "ol",         "dl",       "dt",         "dd",     "pre",
-        "form",    "center", "details", "summary",  "fieldset",   "legend",   "figcaption", "table",  "caption",
-        "thead",   "tbody",  "tfoot",   "hgroup",   "blockquote", "menu",     "dir",        "listing", "xmp"};
+        "p",       "div",    "section", "article", "aside",      "header", "footer",     "main",    "body",
+        "address", "figure", "hr",      "ul",      "ol",         "dl",     "dt",         "dd",      "pre",
+        "form",    "center", "details", "summary", "fieldset",   "legend", "figcaption", "table",   "caption",
+        "thead",   "tbody",  "tfoot",   "hgroup",  "blockquote", "menu",   "dir",        "listing", "xmp"};
     return IsOneOf(name, names);
 }
 
@@ -82,8 +82,8 @@ bool IsNote(std::string_view name, const XmlAttributes& attributes)
         return false;
     // The last two are the names LibreOffice gives.
     return HasRole(attributes, "doc-footnote", "footnote") || HasRole(attributes, "doc-endnote", "endnote") ||
-           HasWord(attributes.Get("epub:type"), "rearnote") || HasWord(attributes.Get("class"), "sdfootnote") ||
-           HasWord(attributes.Get("class"), "sdendnote");
+           HasWord(attributes.Get("epub:type"), "rearnote") || attributes.Get("class").starts_with("sdfootnote") ||
+           attributes.Get("class").starts_with("sdendnote");
 }
 
 // A part of the page with footnotes as the items of a list.
@@ -99,9 +99,8 @@ bool IsNoteMark(std::string_view name, const XmlAttributes& attributes)
         return false;
     const std::string_view kind = attributes.Get("class");
     return HasRole(attributes, "doc-noteref", "noteref") || HasRole(attributes, "doc-backlink", "backlink") ||
-           HasWord(kind, "footnote-ref") || HasWord(kind, "footnote-back") ||
-           HasWord(kind, "footnote-backref") || HasWord(kind, "sdfootnoteanc") ||
-           HasWord(kind, "sdendnoteanc");
+           HasWord(kind, "footnote-ref") || HasWord(kind, "footnote-back") || HasWord(kind, "footnote-backref") ||
+           HasWord(kind, "sdfootnoteanc") || HasWord(kind, "sdendnoteanc");
 }
 
 bool IsHidden(const XmlAttributes& attributes)
@@ -110,6 +109,9 @@ bool IsHidden(const XmlAttributes& attributes)
         return true;
     std::string style = LowerAscii(attributes.Get("style"));
     std::erase(style, ' ');
+    // LibreOffice's names for what is printed on every page.
+    if (attributes.Get("title") == "header" || attributes.Get("title") == "footer")
+        return true;
     return style.find("display:none") != std::string::npos || style.find("visibility:hidden") != std::string::npos;
 }
 
@@ -124,6 +126,7 @@ public:
         element.name = name;
         element.language = elements_.empty() ? "" : elements_.back().language;
         element.verbatim = !elements_.empty() && elements_.back().verbatim;
+        element.inNote = !elements_.empty() && elements_.back().inNote;
         element.notes = (!elements_.empty() && elements_.back().notes) || HoldsNotes(attributes);
         const bool left = leftOut_ > 0 || IsLeftOut(name) || IsHidden(attributes) || IsNoteMark(name, attributes);
         if (const std::string_view language = LanguageOf(attributes); !language.empty())
@@ -178,6 +181,7 @@ private:
         bool leftOut = false;
         bool verbatim = false; ///< its line ends count
         bool note = false;
+        bool inNote = false;
         bool notes = false;    ///< the items of a list in it are footnotes
         bool noteSign = false; ///< the mark in front of a footnote's own text
     };
@@ -199,8 +203,9 @@ private:
         const int depth = static_cast<int>(lists_.size());
         if (name == "br")
             return writer_.Break();
-        if (name == "a" && (HasWord(attributes.Get("class"), "sdfootnotesym") ||
-                            HasWord(attributes.Get("class"), "sdendnotesym"))) {
+        // A link at a footnote's beginning leads back and is its mark.
+        if (name == "a" && element.inNote && !writer_.HasText() &&
+            attributes.Get("href").find('#') != std::string_view::npos) {
             element.noteSign = true;
             sign_.clear();
             return;
@@ -210,7 +215,7 @@ private:
         if (name == "td" || name == "th")
             return writer_.BeginCell();
         if (IsNote(name, attributes) || (element.notes && name == "li" && depth == 1)) {
-            element.note = true;
+            element.note = element.inNote = true;
             element.notes = false;
             const std::string sign = name == "li" ? ItemLabel(attributes) : "";
             writer_.End();
@@ -374,9 +379,9 @@ bool LooksLikePage(std::string_view beginning)
             return false;
         rest.remove_prefix(end + close.size());
     }
-    constexpr std::array<std::string_view, 16> beginnings{"<!doctype html", "<html", "<head",  "<body", "<title", "<meta",
-                                                          "<p>",            "<p ",   "<div",   "<h1",   "<h2",    "<h3",
-                                                          "<table",         "<ul>",  "<script", "<style"};
+    constexpr std::array<std::string_view, 16> beginnings{
+        "<!doctype html", "<html", "<head", "<body", "<title", "<meta", "<p>",     "<p ",
+        "<div",           "<h1",   "<h2",   "<h3",   "<table", "<ul>",  "<script", "<style"};
     return std::any_of(beginnings.begin(), beginnings.end(), [&](auto start) { return rest.starts_with(start); });
 }
 

@@ -12,8 +12,8 @@
 namespace voxmate::readers
 {
 
-/// Turns a page's elements into blocks. Left out is what a person does not see or hear as the page's text: scripts, what
-/// is hidden, navigation, the fields of forms, and the marks that lead to a footnote and back.
+/// Turns a page's elements into blocks. Left out is what a person does not see or hear as the page's text: scripts,
+/// what is hidden, navigation, the fields of forms, and the marks that lead to a footnote and back.
 std::unique_ptr<XmlHandler> PageHandler(BlockWriter& writer);
 
 /// Reads a page of any encoding.

@@ -60,9 +60,8 @@ std::string_view Prefix(std::string_view address)
         {"http://www.w3.org/XML/1998/namespace", "xml:"},
         {"http://www.w3.org/2001/04/xmlenc#", "enc:"},
     }};
-    const auto* const found = std::find_if(known.begin(), known.end(), [&](const Pair& one) {
-        return one.first == address;
-    });
+    const auto* const found =
+        std::find_if(known.begin(), known.end(), [&](const Pair& one) { return one.first == address; });
     return found == known.end() ? std::string_view() : found->second;
 }
 
@@ -207,9 +206,8 @@ xmlSAXHandler XmlReports()
     reports.startElementNs = [](void* data, const xmlChar* local, const xmlChar* /*prefix*/, const xmlChar* address,
                                 int /*namespaces*/, const xmlChar** /*list*/, int count, int /*defaulted*/,
                                 const xmlChar** fields) {
-        Of(data).Tell([&](XmlHandler& handler) {
-            handler.Start(FullName(local, address), NamespaceAttributes(count, fields));
-        });
+        Of(data).Tell(
+            [&](XmlHandler& handler) { handler.Start(FullName(local, address), NamespaceAttributes(count, fields)); });
     };
     reports.endElementNs = [](void* data, const xmlChar* local, const xmlChar* /*prefix*/, const xmlChar* address) {
         Of(data).Tell([&](XmlHandler& handler) { handler.End(FullName(local, address)); });
@@ -289,13 +287,12 @@ void ParseHtml(const ByteSource& source, XmlHandler& handler)
     xmlSAXHandler reports = HtmlReports();
     Parsing parsing(handler);
     const std::unique_ptr<xmlParserCtxt, decltype(&htmlFreeParserCtxt)> parser(
-        htmlCreatePushParserCtxt(&reports, &parsing, nullptr, 0, nullptr, XML_CHAR_ENCODING_UTF8),
-        &htmlFreeParserCtxt);
+        htmlCreatePushParserCtxt(&reports, &parsing, nullptr, 0, nullptr, XML_CHAR_ENCODING_UTF8), &htmlFreeParserCtxt);
     if (!parser)
         throw std::bad_alloc();
     parsing.parser = parser.get();
-    htmlCtxtUseOptions(parser.get(), HTML_PARSE_RECOVER | HTML_PARSE_NONET | HTML_PARSE_NOERROR |
-                                         HTML_PARSE_NOWARNING | HTML_PARSE_IGNORE_ENC | HTML_PARSE_COMPACT);
+    htmlCtxtUseOptions(parser.get(), HTML_PARSE_RECOVER | HTML_PARSE_NONET | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
+                                         HTML_PARSE_IGNORE_ENC | HTML_PARSE_COMPACT);
     Feed(source, [&](std::string_view piece, bool last) {
         htmlParseChunk(parser.get(), piece.data(), static_cast<int>(piece.size()), last);
         parsing.Rethrow();

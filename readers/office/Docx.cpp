@@ -133,9 +133,9 @@ private:
     {
         // What was deleted, the older of two versions of a drawing, the pronunciation of ruby text, changes of layout,
         // pictures without text.
-        constexpr std::array<std::string_view, 12> names{
-            "w:del",       "w:moveFrom",  "mc:Fallback", "w:rt",           "w:rPrChange", "w:pPrChange",
-            "w:tblPrChange", "w:sectPr", "w:instrText", "w:delInstrText", "w:delText",   "w:tblPr"};
+        constexpr std::array<std::string_view, 12> names{"w:del",       "w:moveFrom",     "mc:Fallback",   "w:rt",
+                                                         "w:rPrChange", "w:pPrChange",    "w:tblPrChange", "w:sectPr",
+                                                         "w:instrText", "w:delInstrText", "w:delText",     "w:tblPr"};
         return std::find(names.begin(), names.end(), name) != names.end();
     }
 
@@ -303,8 +303,8 @@ void ReadDocx(const Parts& parts, const BlockSink& sink)
             targets.try_emplace(relation.type, relation.target);
     context.styles.Read(parts, targets["styles"]);
     context.lists.Read(parts, targets["numbering"]);
-    for (const auto& [type, notes] : {std::pair{"footnotes", &context.footnotes},
-                                      std::pair{"endnotes", &context.endnotes}}) {
+    for (const auto& [type, notes] :
+         {std::pair{"footnotes", &context.footnotes}, std::pair{"endnotes", &context.endnotes}}) {
         if (targets[type].empty() || !parts.Has(targets[type]))
             continue;
         Body body(context, *notes);

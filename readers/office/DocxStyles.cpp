@@ -182,8 +182,8 @@ public:
         } else if (name == "w:abstractNumId" && list_) {
             list_->kind = value;
         } else if (name == "w:lvl" || name == "w:lvlOverride") {
-            depth_ = static_cast<std::size_t>(std::min(Number(attributes.Get("w:ilvl")).value_or(0),
-                                                       DocxLists::Depths - 1));
+            depth_ =
+                static_cast<std::size_t>(std::min(Number(attributes.Get("w:ilvl")).value_or(0), DocxLists::Depths - 1));
         } else if (name == "w:startOverride" && list_) {
             list_->starts.at(depth_) = Number(value).value_or(1);
         } else if (kind_ && name == "w:numFmt") {
@@ -248,12 +248,11 @@ std::string DocxLists::NextLabel(const std::string& list, int depth)
         }
         const auto of = static_cast<std::size_t>(digit - '1');
         const std::string& format = kind.levels.at(of).format;
-        label += InFormat(kind.counts.at(of).value_or(kind.levels.at(of).start),
-                          format == "lowerLetter"   ? "a"
-                          : format == "upperLetter" ? "A"
-                          : format == "lowerRoman"  ? "i"
-                          : format == "upperRoman"  ? "I"
-                                                    : "1");
+        label += InFormat(kind.counts.at(of).value_or(kind.levels.at(of).start), format == "lowerLetter"   ? "a"
+                                                                                 : format == "upperLetter" ? "A"
+                                                                                 : format == "lowerRoman"  ? "i"
+                                                                                 : format == "upperRoman"  ? "I"
+                                                                                                           : "1");
         ++i;
     }
     return label;

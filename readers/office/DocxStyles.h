@@ -15,7 +15,7 @@ namespace voxmate::readers
 /// The parts that a part refers to.
 struct DocxRelation {
     std::string id;
-    std::string type; ///< the last part of its address ("footnotes")
+    std::string type;   ///< the last part of its address ("footnotes")
     std::string target; ///< a part's name; empty for what is outside the package
 };
 std::vector<DocxRelation> DocxRelations(const Parts& parts, const std::string& part);

@@ -123,8 +123,7 @@ private:
         } else if (name == "text:span") {
             const std::string_view style = attributes.Get("text:style-name");
             element.hidden = styles_.Hides("text", style, element.hidden);
-            if (const std::string language = styles_.Language("text", style);
-                !language.empty() && !writer_.HasText())
+            if (const std::string language = styles_.Language("text", style); !language.empty() && !writer_.HasText())
                 writer_.Language(language);
         } else if (name == "text:s") {
             if (element.text && !element.hidden)
@@ -192,9 +191,9 @@ private:
 
     static bool IsSkipped(std::string_view name)
     {
-        constexpr std::array<std::string_view, 8> parts{"text:tracked-changes", "text:ruby-text",     "text:number",
-                                                        "text:script",          "text:hidden-text",   "text:sequence-decls",
-                                                        "text:variable-decls",  "text:user-field-decls"};
+        constexpr std::array<std::string_view, 8> parts{
+            "text:tracked-changes", "text:ruby-text",      "text:number",         "text:script",
+            "text:hidden-text",     "text:sequence-decls", "text:variable-decls", "text:user-field-decls"};
         constexpr std::array<std::string_view, 5> kinds{"svg:", "office:", "form:", "math:", "dc:"};
         const bool drawing = name.starts_with("draw:") && name != "draw:frame" && name != "draw:a" &&
                              name != "draw:g" && name != "draw:custom-shape" && name != "draw:rect";
@@ -224,7 +223,8 @@ private:
             list.style = Open().back().style;
         if (Open().empty()) {
             // A list that goes on keeps its numbers; any other begins anew.
-            const bool goesOn = attributes.Get("text:continue-numbering") == "true" || attributes.Has("text:continue-list");
+            const bool goesOn =
+                attributes.Get("text:continue-numbering") == "true" || attributes.Has("text:continue-list");
             if (!goesOn)
                 counts_[list.style] = Counts{};
         }

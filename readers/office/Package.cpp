@@ -48,11 +48,11 @@ public:
         const bool known = zip_stat_index(archive_.get(), static_cast<zip_uint64_t>(index), 0, &status) == 0;
         if (known && (status.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && status.encryption_method != ZIP_EM_NONE)
             throw Refused(Refusal::Protected);
-        const std::shared_ptr<zip_file_t> file(
-            zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0), [](zip_file_t* opened) {
-                if (opened)
-                    zip_fclose(opened);
-            });
+        const std::shared_ptr<zip_file_t> file(zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0),
+                                               [](zip_file_t* opened) {
+                                                   if (opened)
+                                                       zip_fclose(opened);
+                                               });
         if (!file)
             throw Refused(Refusal::Damaged);
         return [this, file](char* buffer, std::size_t size) {
@@ -124,8 +124,8 @@ std::unique_ptr<Parts> OpenPackage(std::string_view bytes)
 std::string PartName(std::string_view from, std::string_view reference)
 {
     const std::string target = Unescaped(reference.substr(0, reference.find('#')));
-    std::string path = target.starts_with('/') ? target.substr(1)
-                                               : std::string(from.substr(0, from.find_last_of('/') + 1)) + target;
+    std::string path =
+        target.starts_with('/') ? target.substr(1) : std::string(from.substr(0, from.find_last_of('/') + 1)) + target;
     std::vector<std::string_view> names;
     for (std::string_view rest = path; !rest.empty();) {
         const std::size_t end = std::min(rest.find('/'), rest.size());

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/markup/Numbering.h"
+#include "readers/pdf/Columns.h"
 #include "readers/pdf/Tables.h"
 #include "readers/text/Clean.h"
 #include "readers/text/ListMarks.h"
@@ -35,8 +36,8 @@ constexpr std::size_t MostLines = 5000;
 
 bool IsSentenceEnd(std::string_view text)
 {
-    constexpr std::array<std::string_view, 12> ends{".", "!", "?", ":", "\"", "\xE2\x80\x9D", "\xE2\x80\x9C", "\xC2\xBB",
-                                                    ")", ";", "\xE3\x80\x82", "\xE2\x80\xA6"};
+    constexpr std::array<std::string_view, 12> ends{
+        ".", "!", "?", ":", "\"", "\xE2\x80\x9D", "\xE2\x80\x9C", "\xC2\xBB", ")", ";", "\xE3\x80\x82", "\xE2\x80\xA6"};
     text = Trimmed(text);
     return std::any_of(ends.begin(), ends.end(), [&](auto end) { return text.ends_with(end); });
 }
@@ -45,6 +46,45 @@ bool BeginsSmall(std::string_view text)
 {
     const std::string first(Left(Trimmed(text), 1));
     return !first.empty() && UCase(first) != first;
+}
+
+// The raised marks in lines: references to footnotes.
+std::vector<std::string> RaisedMarks(const std::vector<PdfLine>& lines)
+{
+    constexpr std::size_t sign = 3; // bytes of MarkBegin
+    std::vector<std::string> marks;
+    for (const PdfLine& line : lines)
+        for (std::size_t at = line.text.find(MarkBegin); at != std::string::npos;
+             at = line.text.find(MarkBegin, at + 1))
+            marks.emplace_back(
+                Trimmed(std::string_view(line.text).substr(at + sign, line.text.find(MarkEnd, at) - at - sign)));
+    return marks;
+}
+
+// Puts bullets and numbers that stand by themselves in front of the lines to their right.
+void JoinListMarks(std::vector<PdfLine>& lines)
+{
+    std::vector<bool> gone(lines.size(), false);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const PdfLine& mark = lines[i];
+        const std::string text(Trimmed(mark.text));
+        if (ListMark(text + " x") != text.size())
+            continue;
+        std::size_t nearest = lines.size();
+        for (std::size_t j = 0; j < lines.size(); ++j) {
+            const bool beside = j != i && !gone[j] && std::abs(lines[j].bottom - mark.bottom) < mark.size / 3 &&
+                                lines[j].left >= mark.right && lines[j].left - mark.right < 5 * mark.size;
+            if (beside && (nearest == lines.size() || lines[j].left < lines[nearest].left))
+                nearest = j;
+        }
+        if (nearest == lines.size())
+            continue;
+        lines[nearest].text = text + " " + lines[nearest].text;
+        lines[nearest].left = mark.left;
+        gone[i] = true;
+    }
+    std::size_t at = 0;
+    std::erase_if(lines, [&](const PdfLine&) { return gone[at++]; });
 }
 
 } // namespace
@@ -76,6 +116,7 @@ void Layout::Finish()
 {
     while (next_ < pages_.size())
         Compose(next_);
+    noteOpen_ = false;
     EndParagraph();
     writer_.Finish();
 }
@@ -104,6 +145,8 @@ void Layout::Compose(std::size_t at)
     if (text_.empty())
         Pending();
     marks_.clear();
+    if (lines.size() <= MostLines)
+        lines = InReadingOrder(CutAtColumns(std::move(lines)));
     Lines(TakeNotes(std::move(lines)));
     ++next_;
     while (next_ > Ahead) {
@@ -116,10 +159,13 @@ void Layout::Compose(std::size_t at)
 std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
 {
     const auto isSmall = [&](const PdfLine& line) { return line.size <= body_ * NoteSize; };
-    double foot = 0;
+    const std::vector<double> gutters = Gutters(lines);
+    // The foot of the text in each column, and across all.
+    std::vector<double> feet(gutters.size() + 2, 0);
     for (const PdfLine& line : lines)
         if (!isSmall(line))
-            foot = std::max(foot, line.bottom);
+            feet[ColumnOf(line, gutters)] = std::max(feet[ColumnOf(line, gutters)], line.bottom);
+    const std::vector<std::string> references = RaisedMarks(lines);
     std::vector<PdfLine> rest;
     std::optional<Note> note;
     const auto end = [&] {
@@ -129,31 +175,41 @@ std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
     };
     std::vector<Note> before = std::exchange(notes_, {});
     for (PdfLine& line : lines) {
+        const std::size_t column = ColumnOf(line, gutters);
+        const double foot =
+            column > gutters.size() ? *std::max_element(feet.begin(), feet.end()) : std::max(feet[column], feet.back());
         const bool small = isSmall(line) && line.top > foot - line.size / 2;
         const std::string text = WithoutMarks(line.text, {});
         std::size_t mark = 0;
         while (mark < text.size() && mark < 3 && (IsDigit(text[mark]) || text[mark] == '*'))
             ++mark;
-        const bool begins = small && mark > 0 && (line.marked || (mark < text.size() && text[mark] == ' '));
+        const bool begins =
+            small && mark > 0 &&
+            (line.marked || std::find(references.begin(), references.end(), text.substr(0, mark)) != references.end());
         if (begins) {
             end();
             note = Note{text.substr(0, mark), std::string(Trimmed(std::string_view(text).substr(mark)))};
             marks_.push_back(note->label);
         } else if (small && note) {
             AppendLine(note->text, text, vocabulary_);
+        } else if (small && noteOpen_ && !before.empty()) {
+            AppendLine(before.back().text, text, vocabulary_);
         } else {
             rest.push_back(std::move(line));
         }
     }
     end();
+    noteOpen_ = !notes_.empty() && !IsSentenceEnd(notes_.back().text);
     notes_.insert(notes_.begin(), std::make_move_iterator(before.begin()), std::make_move_iterator(before.end()));
     return rest;
 }
 
-void Layout::Lines(const std::vector<PdfLine>& lines)
+void Layout::Lines(std::vector<PdfLine> lines)
 {
+    if (lines.size() <= MostLines)
+        JoinListMarks(lines);
     // Where each table stands among the lines: at its first one.
-    std::vector<int> tableAt(lines.size(), -1);
+    std::vector<std::vector<std::size_t>> tableAt(lines.size());
     std::vector<bool> inTable(lines.size(), false);
     std::vector<std::vector<PdfRow>> tables;
     if (lines.size() <= MostLines)
@@ -165,31 +221,30 @@ void Layout::Lines(const std::vector<PdfLine>& lines)
                 inTable[i] = true;
                 first = std::min(first, i);
             }
-        tableAt[first] = static_cast<int>(t);
+        tableAt[first].push_back(t);
     }
     // Lines side by side that are no table's are one line with a wide blank in it.
     std::vector<PdfLine> whole;
-    std::vector<int> tableBefore;
-    int table = -1;
+    std::vector<std::vector<std::size_t>> tablesBefore;
+    std::vector<std::size_t> waiting;
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (tableAt[i] >= 0)
-            table = tableAt[i];
+        waiting.insert(waiting.end(), tableAt[i].begin(), tableAt[i].end());
         if (inTable[i])
             continue;
-        if (!whole.empty() && table < 0 && std::abs(whole.back().bottom - lines[i].bottom) < lines[i].size / 4 &&
+        if (!whole.empty() && waiting.empty() && std::abs(whole.back().bottom - lines[i].bottom) < lines[i].size / 4 &&
             lines[i].left >= whole.back().right) {
             whole.back().text += " " + lines[i].text;
             whole.back().right = lines[i].right;
             continue;
         }
         whole.push_back(lines[i]);
-        tableBefore.push_back(std::exchange(table, -1));
+        tablesBefore.push_back(std::exchange(waiting, {}));
     }
     std::vector<Flow> flows;
     std::vector<double> distances;
     for (std::size_t i = 0; i < whole.size(); ++i) {
         const PdfLine& line = whole[i];
-        const bool goesOn = !flows.empty() && tableBefore[i] < 0 && line.bottom > whole[i - 1].bottom &&
+        const bool goesOn = !flows.empty() && tablesBefore[i].empty() && line.bottom > whole[i - 1].bottom &&
                             line.top - whole[i - 1].bottom < 6 * line.size &&
                             std::min(line.right, flows.back().right) > std::max(line.left, flows.back().left);
         if (!goesOn) {
@@ -209,18 +264,18 @@ void Layout::Lines(const std::vector<PdfLine>& lines)
         std::nth_element(distances.begin(), middle, distances.end());
         leading_ = *middle;
     }
-    const auto tell = [&](int which) {
-        if (which >= 0)
-            for (const PdfRow& row : tables[static_cast<std::size_t>(which)])
-                Row(row.cells);
+    const auto tell = [&](const std::vector<std::size_t>& which) {
+        for (const std::size_t t : which)
+            for (const PdfRow& row : tables[t])
+                Row(row);
     };
     for (const Flow& flow : flows) {
         for (std::size_t i = flow.begin; i < flow.end; ++i) {
-            tell(tableBefore[i]);
+            tell(tablesBefore[i]);
             Line(whole[i], flow, i > flow.begin);
         }
     }
-    tell(table);
+    tell(waiting);
 }
 
 bool Layout::IsListItem(const PdfLine& line, bool sameFlow) const
@@ -249,7 +304,8 @@ bool Layout::GoesOn(const PdfLine& line, const Flow& flow, bool sameFlow) const
     const double indent = Indent * line.size;
     if (!sameFlow) {
         // Over a column's or page's end: the sentence goes on there.
-        return HeadingLevel() == 0 && line.left < flow.left + indent && (!IsSentenceEnd(text_) || BeginsSmall(line.text));
+        return HeadingLevel() == 0 &&
+               (BeginsSmall(line.text) || (!IsSentenceEnd(text_) && line.left < flow.left + indent));
     }
     if (line.bottom - before.bottom > WideLeading * leading_ * std::max(line.size, before.size))
         return false;
@@ -352,7 +408,12 @@ void Layout::EndParagraph()
 // What waited for the paragraph's end.
 void Layout::Pending()
 {
-    for (const Note& note : std::exchange(notes_, {})) {
+    std::vector<Note> notes = std::exchange(notes_, {});
+    if (noteOpen_ && !notes.empty()) {
+        notes_.push_back(std::move(notes.back()));
+        notes.pop_back();
+    }
+    for (const Note& note : notes) {
         writer_.Begin(BlockKind::Footnote, 0, note.label);
         writer_.Text(note.text);
         writer_.End();
@@ -361,13 +422,16 @@ void Layout::Pending()
         writer_.Mark(BlockKind::Page, label);
 }
 
-void Layout::Row(const std::vector<std::string>& cells)
+void Layout::Row(const PdfRow& row)
 {
     EndParagraph();
     writer_.BeginRow();
-    for (const std::string& cell : cells) {
+    for (const std::vector<std::string>& cell : row.cells) {
         writer_.BeginCell();
-        writer_.Text(WithoutMarks(cell, marks_));
+        std::string text;
+        for (const std::string& line : cell)
+            AppendLine(text, WithoutMarks(line, marks_), vocabulary_);
+        writer_.Text(text);
         writer_.EndCell();
     }
     writer_.EndRow();

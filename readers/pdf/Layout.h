@@ -5,6 +5,7 @@
 #include "readers/BlockWriter.h"
 #include "readers/pdf/PdfPage.h"
 #include "readers/pdf/RunningHeads.h"
+#include "readers/pdf/Tables.h"
 #include "readers/text/Hyphens.h"
 
 #include <deque>
@@ -16,8 +17,8 @@ namespace voxmate::readers
 {
 
 /// Takes pages one by one and gives their blocks as soon as the two next pages are known, which tell what is printed on
-/// every page. A paragraph that goes on over the page's end is one block; its page's footnotes, and the mark of the next
-/// page, come after it.
+/// every page. A paragraph that goes on over the page's end is one block; its page's footnotes, and the mark of the
+/// next page, come after it.
 class Layout
 {
 public:
@@ -41,11 +42,11 @@ private:
     void Compose(std::size_t at);
     void Measure(const std::vector<PdfLine>& lines);
     std::vector<PdfLine> TakeNotes(std::vector<PdfLine> lines);
-    void Lines(const std::vector<PdfLine>& lines);
+    void Lines(std::vector<PdfLine> lines);
     void Line(const PdfLine& line, const Flow& flow, bool sameFlow);
     bool GoesOn(const PdfLine& line, const Flow& flow, bool sameFlow) const;
     bool IsListItem(const PdfLine& line, bool sameFlow) const;
-    void Row(const std::vector<std::string>& cells);
+    void Row(const PdfRow& row);
     void EndParagraph();
     int HeadingLevel() const;
     void Pending();
@@ -72,6 +73,7 @@ private:
 
     std::vector<std::string> marks_; ///< the footnotes' marks on the present page
     std::vector<Note> notes_;        ///< to come after the present paragraph
+    bool noteOpen_ = false;          ///< the last one may go on at the next page's foot
     std::vector<std::string> pageMarks_;
 };
 

@@ -14,10 +14,12 @@ namespace
 {
 
 // In units of the font's size.
-constexpr double WordGap = 0.12;   ///< the narrowest blank
-constexpr double ColumnGap = 1.2;  ///< wider than blanks are even in lines that fill their width
-constexpr double Raised = 0.15;    ///< a mark's foot is at least so far above the line's
-constexpr double SmallMark = 0.82; ///< and it is at most so large
+constexpr double WordGap = 0.12;     ///< the narrowest blank
+constexpr double WideBlank = 4;      ///< the widest, in a line that fills its width
+constexpr double ColumnGap = 0.35;   ///< where there is no blank: what follows is another line's
+constexpr double LooseHyphen = 0.25; ///< before a hyphen at a line's end
+constexpr double Raised = 0.15;      ///< a mark's foot is at least so far above the line's
+constexpr double SmallMark = 0.82;   ///< and it is at most so large
 
 bool IsMark(std::string_view text)
 {
@@ -31,7 +33,7 @@ bool OnOneLine(const PdfWord& before, const PdfWord& word)
     const double height = std::min(before.bottom - before.top, word.bottom - word.top);
     const double size = std::max(before.size, word.size);
     const double gap = word.left - before.right;
-    return overlap > height / 2 && gap > -size / 2 && gap < ColumnGap * size;
+    return overlap > height / 2 && gap > -size / 2 && gap < (before.blank ? WideBlank : ColumnGap) * size;
 }
 
 PdfLine LineOf(const PdfWord* first, const PdfWord* last)
@@ -61,8 +63,13 @@ PdfLine LineOf(const PdfWord* first, const PdfWord* last)
         const bool mark = word->size < line.size * SmallMark && word->bottom < line.bottom - Raised * line.size &&
                           IsMark(Trimmed(word->text));
         line.marked = line.marked || (mark && word == first);
+        line.words.push_back({word->left, word->right, line.text.size()});
         line.text += mark ? MarkBegin + word->text + MarkEnd : word->text;
-        if (word + 1 != last && (word->blank || (word + 1)->left - word->right > WordGap * line.size))
+        if (word + 1 == last)
+            break;
+        const double gap = (word + 1)->left - word->right;
+        const bool hyphen = word + 2 == last && (word + 1)->text == "-" && gap < LooseHyphen * line.size;
+        if (!hyphen && (word->blank || gap > WordGap * line.size))
             line.text += ' ';
     }
     return line;

@@ -1,6 +1,7 @@
 // A printed page as a PDF file gives it: words and where they stand.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ struct PdfWord {
 };
 
 struct PdfPage {
-    std::string label; ///< its number as the document counts
+    std::string label;          ///< its number as the document counts
     std::vector<PdfWord> words; ///< block by block, column by column
 };
 
@@ -34,6 +35,12 @@ struct PdfLine {
     double size = 0; ///< that of most characters
     bool bold = false;
     bool marked = false; ///< begins with a raised mark, as a footnote does
+    struct Word {
+        double left;
+        double right;
+        std::size_t at; ///< where it begins in the text
+    };
+    std::vector<Word> words;
 
     double Width() const { return right - left; }
 };

@@ -14,10 +14,10 @@ namespace voxmate::readers
 namespace
 {
 
-constexpr double SamePlace = 3;         ///< points
-constexpr double ExactPlace = 1;        ///< points
+constexpr double SamePlace = 3;  ///< points
+constexpr double ExactPlace = 1; ///< points
 constexpr std::size_t MostPlaces = 20;
-constexpr std::size_t RowsAtEdge = 3;   ///< heads of several lines
+constexpr std::size_t RowsAtEdge = 3;    ///< heads of several lines
 constexpr std::size_t LongestHead = 200; ///< bytes
 
 bool IsRoman(std::string_view word)
@@ -91,15 +91,15 @@ std::vector<bool> RunningHeads::Find(const std::deque<const std::vector<PdfLine>
             const std::string shape = Shape(line);
             bool head = false;
             for (std::size_t other = at < 2 ? 0 : at - 2; other < pages.size() && other <= at + 2; ++other)
-                head = head || (other != at && line.text.size() <= LongestHead &&
-                                HasAlike(*pages[other], upper, line, shape));
+                head = head ||
+                       (other != at && line.text.size() <= LongestHead && HasAlike(*pages[other], upper, line, shape));
             // The page's own number by itself, at the foot.
             head = head || (!upper && lines.size() > 1 && !label.empty() && Clean(line.text) == label);
             // Heads with titles that change from page to page stand where others stood.
-            head = head || (line.text.size() <= LongestHead &&
-                            std::any_of(places_.begin(), places_.end(), [&](double place) {
-                                return std::abs(place - line.bottom) < ExactPlace;
-                            }));
+            head = head ||
+                   (line.text.size() <= LongestHead && std::any_of(places_.begin(), places_.end(), [&](double place) {
+                        return std::abs(place - line.bottom) < ExactPlace;
+                    }));
             if (!head)
                 break;
             found[i] = true;

@@ -14,9 +14,10 @@ namespace voxmate::readers
 class RunningHeads
 {
 public:
-    /// Which lines of a page are no text of its own. `pages` are neighbouring ones in their order, `at` the page's place
-    /// among them; two before and two behind are enough.
-    std::vector<bool> Find(const std::deque<const std::vector<PdfLine>*>& pages, std::size_t at, const std::string& label);
+    /// Which lines of a page are no text of its own. `pages` are neighbouring ones in their order, `at` the page's
+    /// place among them; two before and two behind are enough.
+    std::vector<bool> Find(const std::deque<const std::vector<PdfLine>*>& pages, std::size_t at,
+                           const std::string& label);
 
 private:
     std::vector<double> places_; ///< the feet of those found before

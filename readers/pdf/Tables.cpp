@@ -1,10 +1,10 @@
 #include "readers/pdf/Tables.h"
 
 #include "base/Text.h"
+#include "readers/pdf/Columns.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <optional>
 
 namespace voxmate::readers
@@ -14,36 +14,12 @@ namespace
 {
 
 // In units of the font's size.
-constexpr double SameRow = 0.3;
 constexpr double SameColumn = 0.5;
 constexpr double NextLine = 1.45; ///< the distance of lines within a cell is at most this
 constexpr double NextRow = 4;     ///< and that of rows this
 // Cells with fewer characters on average are no prose, nor are columns of which this share is not filled.
 constexpr double ShortCell = 14;
 constexpr double FullColumn = 0.8;
-
-struct Row {
-    std::vector<std::size_t> lines; ///< from left to right
-    double bottom = 0;
-    double size = 0;
-};
-
-std::vector<Row> RowsOf(const std::vector<PdfLine>& lines)
-{
-    std::vector<std::size_t> order(lines.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return lines[a].bottom < lines[b].bottom; });
-    std::vector<Row> rows;
-    for (const std::size_t i : order) {
-        const PdfLine& line = lines[i];
-        if (rows.empty() || line.bottom - rows.back().bottom > SameRow * line.size)
-            rows.push_back({{}, line.bottom, line.size});
-        rows.back().lines.push_back(i);
-    }
-    for (Row& row : rows)
-        std::sort(row.lines.begin(), row.lines.end(), [&](std::size_t a, std::size_t b) { return lines[a].left < lines[b].left; });
-    return rows;
-}
 
 // A run of rows that may be a table.
 class Run
@@ -54,12 +30,14 @@ public:
     bool Empty() const { return rows_.empty(); }
 
     // Whether a row goes on with the run; if so it is taken.
-    bool Take(const Row& row)
+    bool Take(const PdfLevel& row)
     {
         if (row.lines.size() < 2)
             return !Empty() && TakeRest(row);
         if (!Empty() && (row.bottom - bottom_ > NextRow * row.size || !Fits(row)))
             return false;
+        if (!Empty() && TakeRest(row))
+            return true;
         for (const std::size_t i : row.lines)
             Column(lines_[i]);
         rows_.push_back(row.lines);
@@ -76,8 +54,7 @@ public:
             PdfRow one;
             one.cells.resize(columns_.size());
             for (const std::size_t i : row) {
-                std::string& cell = one.cells[Column(lines_[i])];
-                cell += (cell.empty() ? "" : " ") + lines_[i].text;
+                one.cells[Column(lines_[i])].push_back(lines_[i].text);
                 one.lines.push_back(i);
             }
             table.push_back(std::move(one));
@@ -108,12 +85,13 @@ private:
             columns_[best].right = std::max(columns_[best].right, line.right);
             return best;
         }
-        const auto at = std::find_if(columns_.begin(), columns_.end(), [&](const Extent& one) { return one.left > line.left; });
+        const auto at =
+            std::find_if(columns_.begin(), columns_.end(), [&](const Extent& one) { return one.left > line.left; });
         return static_cast<std::size_t>(columns_.insert(at, {line.left, line.right}) - columns_.begin());
     }
 
     // Whether no line of a row would join two columns.
-    bool Fits(const Row& row) const
+    bool Fits(const PdfLevel& row) const
     {
         return std::all_of(row.lines.begin(), row.lines.end(), [&](std::size_t i) {
             return std::count_if(columns_.begin(), columns_.end(), [&](const Extent& one) {
@@ -122,19 +100,22 @@ private:
         });
     }
 
-    // A line by itself below a row is the rest of one of its cells.
-    bool TakeRest(const Row& row)
+    // Lines close below a row are the rest of its cells, unless there is one in the first column: that might begin the
+    // next row, or the text below the table.
+    bool TakeRest(const PdfLevel& row)
     {
-        const PdfLine& line = lines_[row.lines[0]];
-        const bool near = row.bottom - bottom_ < NextLine * line.size;
-        // In the first column it might be the text below the table.
-        const bool inColumn = std::any_of(columns_.begin() + 1, columns_.end(), [&](const Extent& one) {
-            return std::abs(one.left - line.left) < SameColumn * line.size;
+        const bool near = row.bottom - bottom_ < NextLine * row.size;
+        const bool inColumns = std::all_of(row.lines.begin(), row.lines.end(), [&](std::size_t i) {
+            return std::any_of(columns_.begin() + 1, columns_.end(), [&](const Extent& one) {
+                return std::abs(one.left - lines_[i].left) < SameColumn * lines_[i].size;
+            });
         });
-        if (!near || !inColumn || !Fits(row))
+        if (!near || !inColumns || !Fits(row))
             return false;
-        rows_.back().push_back(row.lines[0]);
-        Column(line);
+        for (const std::size_t i : row.lines) {
+            rows_.back().push_back(i);
+            Column(lines_[i]);
+        }
         bottom_ = row.bottom;
         return true;
     }
@@ -168,12 +149,8 @@ private:
     double bottom_ = 0;
 };
 
-} // namespace
-
-std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
+void FindIn(const std::vector<PdfLine>& lines, std::vector<std::vector<PdfRow>>& tables)
 {
-    std::vector<std::vector<PdfRow>> tables;
-    const std::vector<Row> rows = RowsOf(lines);
     // Rows with more lines than any table has columns are no table's, and would take long.
     constexpr std::size_t mostColumns = 40;
     std::optional<Run> run(lines);
@@ -181,7 +158,7 @@ std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
         if (std::vector<PdfRow> table = run->Table(); !table.empty())
             tables.push_back(std::move(table));
     };
-    for (const Row& row : rows) {
+    for (const PdfLevel& row : LevelsOf(lines)) {
         if (row.lines.size() <= mostColumns && run->Take(row))
             continue;
         end();
@@ -190,6 +167,99 @@ std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
             run->Take(row);
     }
     end();
+}
+
+// Where the lines of a level but the first begin.
+void AddBegins(const std::vector<PdfLine>& lines, std::vector<double>& begins)
+{
+    double first = lines.empty() ? 0 : lines.front().left;
+    for (const PdfLine& line : lines)
+        first = std::min(first, line.left);
+    for (const PdfLine& line : lines)
+        if (line.left > first)
+            begins.push_back(line.left);
+}
+
+// Cuts a line before a word that begins where one of `begins` is; the parts take its place.
+void Cut(std::vector<PdfLine>& level, const std::vector<double>& begins)
+{
+    constexpr double exact = 0.6; // points
+    for (std::size_t i = 0; i < level.size(); ++i) {
+        const PdfLine& line = level[i];
+        for (std::size_t w = 1; w < line.words.size(); ++w) {
+            const PdfLine::Word& word = line.words[w];
+            const bool begin =
+                std::any_of(begins.begin(), begins.end(), [&](double x) { return std::abs(x - word.left) < exact; });
+            if (!begin || word.left < line.words[w - 1].right)
+                continue;
+            PdfLine rest = line;
+            rest.text = line.text.substr(word.at);
+            rest.left = word.left;
+            rest.marked = false;
+            rest.words.assign(line.words.begin() + static_cast<std::ptrdiff_t>(w), line.words.end());
+            for (PdfLine::Word& moved : rest.words)
+                moved.at -= word.at;
+            PdfLine& front = level[i];
+            front.text = Trim(front.text.substr(0, word.at));
+            front.right = front.words[w - 1].right;
+            front.words.resize(w);
+            level.insert(level.begin() + static_cast<std::ptrdiff_t>(i) + 1, std::move(rest));
+            break;
+        }
+    }
+}
+
+} // namespace
+
+std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
+{
+    const std::vector<PdfLevel> levels = LevelsOf(lines);
+    // Each line with what it was cut into, so that the order stays.
+    std::vector<std::vector<PdfLine>> cut;
+    for (PdfLine& line : lines)
+        cut.push_back({std::move(line)});
+    const auto pass = [&](std::size_t from, std::size_t to) {
+        if (std::abs(levels[to].bottom - levels[from].bottom) > NextRow * levels[to].size)
+            return;
+        std::vector<double> begins;
+        std::vector<PdfLine> above;
+        for (const std::size_t i : levels[from].lines)
+            above.insert(above.end(), cut[i].begin(), cut[i].end());
+        AddBegins(above, begins);
+        constexpr std::size_t most = 40; // columns
+        if (!begins.empty() && begins.size() < most)
+            for (const std::size_t i : levels[to].lines)
+                Cut(cut[i], begins);
+    };
+    for (std::size_t i = 1; i < levels.size(); ++i)
+        pass(i - 1, i);
+    for (std::size_t i = levels.size(); i-- > 1;)
+        pass(i, i - 1);
+    std::vector<PdfLine> all;
+    for (std::vector<PdfLine>& parts : cut)
+        std::move(parts.begin(), parts.end(), std::back_inserter(all));
+    return all;
+}
+
+std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
+{
+    const std::vector<double> gutters = Gutters(lines);
+    std::vector<std::vector<PdfRow>> tables;
+    // Each column by itself, and what reaches over several.
+    std::vector<std::vector<std::size_t>> parts(gutters.size() + 2);
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        parts[ColumnOf(lines[i], gutters)].push_back(i);
+    for (const std::vector<std::size_t>& part : parts) {
+        std::vector<PdfLine> own;
+        for (const std::size_t i : part)
+            own.push_back(lines[i]);
+        const std::size_t before = tables.size();
+        FindIn(own, tables);
+        for (std::size_t t = before; t < tables.size(); ++t)
+            for (PdfRow& row : tables[t])
+                for (std::size_t& i : row.lines)
+                    i = part[i];
+    }
     return tables;
 }
 

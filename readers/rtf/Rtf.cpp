@@ -6,6 +6,7 @@
 #include "readers/Refusal.h"
 #include "readers/rtf/RtfTables.h"
 #include "readers/rtf/RtfTokens.h"
+#include "readers/text/ListMarks.h"
 
 #include <algorithm>
 #include <array>
@@ -50,6 +51,7 @@ struct Flow {
     bool row = false;
     bool cell = false;
     std::string label; ///< read before the list item's text
+    std::string begin; ///< a paragraph's beginning that may be a label
 };
 
 class Reader
@@ -67,6 +69,7 @@ public:
         }
         if (!ended_) {
             FlushBytes();
+            FlushBegin();
             writer_.Finish();
             throw Refused(Refusal::Damaged);
         }
@@ -133,6 +136,7 @@ private:
         if (states_.size() > 1)
             return;
         ended_ = true;
+        FlushBegin();
         writer_.Finish();
     }
 
@@ -148,7 +152,8 @@ private:
             bytes_ += text[0];
             text.remove_prefix(1);
         }
-        const bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+        const bool ascii =
+            std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
         if (ascii && bytes_.empty())
             return Out(text);
         bytes_ += text;
@@ -222,18 +227,44 @@ private:
         case Destination::Text:
             if (Now().hidden || Now().deleted || states_.size() < 2)
                 return;
-            BeginBlock(text);
-            writer_.Text(text);
+            TextOut(text);
             break;
         default:
             break;
         }
     }
 
-    void BeginBlock(std::string_view text)
+    // Some programs write a list item's label as text with a tab behind it.
+    void TextOut(std::string_view text)
     {
         Flow& flow = Here();
-        if (flow.block || Trimmed(text).empty())
+        if (flow.block)
+            return writer_.Text(text);
+        constexpr std::size_t longestMark = 6;
+        flow.begin += text;
+        const std::string_view begin = Trimmed(flow.begin);
+        const std::size_t mark = ListMark(flow.begin.ends_with('\t') ? flow.begin + "x" : "");
+        if (mark > 0 && mark + 1 == flow.begin.size()) {
+            flow.label = flow.begin.substr(0, mark);
+            flow.begin.clear();
+        } else if (begin.size() > longestMark) {
+            FlushBegin();
+        }
+    }
+
+    void FlushBegin()
+    {
+        const std::string begin = std::exchange(Here().begin, {});
+        if (Trimmed(begin, " \t").empty())
+            return;
+        BeginBlock();
+        writer_.Text(begin);
+    }
+
+    void BeginBlock()
+    {
+        Flow& flow = Here();
+        if (flow.block)
             return;
         Place();
         flow.block = true;
@@ -267,6 +298,7 @@ private:
 
     void EndBlock()
     {
+        FlushBegin();
         writer_.End();
         Here().block = false;
         Here().label.clear();
@@ -285,6 +317,7 @@ private:
 
     void EndRow()
     {
+        FlushBegin();
         if (Here().row)
             writer_.EndRow();
         Here().row = Here().cell = Here().block = false;
@@ -294,6 +327,7 @@ private:
     {
         if (Now().note)
             return;
+        FlushBegin();
         if (aside)
             writer_.BeginAside();
         else
@@ -311,6 +345,7 @@ private:
     {
         if (flows_.size() < 2)
             return;
+        FlushBegin();
         writer_.EndNote();
         flows_.pop_back();
     }
@@ -366,21 +401,24 @@ private:
     {
         if (Now().destination == Destination::Skipped)
             return;
+        const bool optional = std::exchange(Now().optional, false);
         if (BeginDestination(word) || Character(word) || Format(word, number))
             return;
         // An unknown destination.
-        if (Now().optional)
+        if (optional)
             Now().destination = Destination::Skipped;
     }
 
     bool BeginDestination(std::string_view word)
     {
         constexpr std::array<std::string_view, 41> skipped{
-            "colortbl",  "info",     "pict",      "header",    "headerl",   "headerr",     "headerf",  "footer",   "footerl",
-            "footerr",   "footerf",  "objdata",   "xe",        "tc",        "txe",         "rxe",      "bkmkstart", "bkmkend",
-            "annotation", "atnid",   "atnauthor", "ftnsep",    "ftnsepc",   "ftncn",       "aftnsep",  "aftnsepc", "aftncn",
-            "listtable", "revtbl",   "generator", "filetbl",   "nonshppict", "shprslt",    "template", "operator", "themedata",
-            "pntxta",    "pntxtb",   "fldinst",   "nonesttables", "listoverridetable"};
+            "colortbl",   "info",       "pict",      "header",       "headerl",          "headerr",
+            "headerf",    "footer",     "footerl",   "footerr",      "footerf",          "objdata",
+            "xe",         "tc",         "txe",       "rxe",          "bkmkstart",        "bkmkend",
+            "annotation", "atnid",      "atnauthor", "ftnsep",       "ftnsepc",          "ftncn",
+            "aftnsep",    "aftnsepc",   "aftncn",    "listtable",    "revtbl",           "generator",
+            "filetbl",    "nonshppict", "shprslt",   "template",     "operator",         "themedata",
+            "pntxta",     "pntxtb",     "fldinst",   "nonesttables", "listoverridetable"};
         if (std::find(skipped.begin(), skipped.end(), word) != skipped.end())
             Now().destination = Destination::Skipped;
         else if (word == "fonttbl")
@@ -413,7 +451,7 @@ private:
                                                                                     {"emspace", 0x2003},
                                                                                     {"enspace", 0x2002},
                                                                                     {"qmspace", 0x2005},
-                                                                                    {"tab", 0x20}}};
+                                                                                    {"tab", 0x09}}};
         const auto* const found =
             std::find_if(characters.begin(), characters.end(), [&](const auto& one) { return one.first == word; });
         if (found != characters.end()) {
@@ -423,8 +461,10 @@ private:
         if (word == "par" || word == "sect" || word == "nestcell" || word == "nestrow")
             Paragraph();
         else if (word == "line" || word == "lbr") {
-            if (Now().destination == Destination::Text)
+            if (Now().destination == Destination::Text) {
+                FlushBegin();
                 writer_.Break();
+            }
         } else if (word == "page" || word == "column")
             Out(" ");
         else if (word == "cell")

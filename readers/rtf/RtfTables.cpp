@@ -42,11 +42,12 @@ std::string LanguageOfIdentifier(int identifier)
 {
     // The lower ten bits are the language, the others its country.
     constexpr std::array<std::string_view, 0x5B> languages{
-        "",   "ar", "bg", "ca", "zh", "cs", "da", "de", "el", "en", "es", "fi", "fr", "he", "hu", "is", "it", "ja", "ko",
-        "nl", "nb", "pl", "pt", "rm", "ro", "ru", "hr", "sk", "sq", "sv", "th", "tr", "ur", "id", "uk", "be", "sl", "et",
-        "lv", "lt", "tg", "fa", "vi", "hy", "az", "eu", "hsb", "mk", "st", "ts", "tn", "ve", "xh", "zu", "af", "ka", "fo",
-        "hi", "mt", "se", "ga", "yi", "ms", "kk", "ky", "sw", "tk", "uz", "tt", "bn", "pa", "gu", "or", "ta", "te", "kn",
-        "ml", "as", "mr", "sa", "mn", "bo", "cy", "km", "lo", "my", "gl", "kok", "mni", "sd", "syr"};
+        "",   "ar", "bg", "ca", "zh", "cs", "da", "de",  "el",  "en", "es", "fi", "fr", "he", "hu",  "is",
+        "it", "ja", "ko", "nl", "nb", "pl", "pt", "rm",  "ro",  "ru", "hr", "sk", "sq", "sv", "th",  "tr",
+        "ur", "id", "uk", "be", "sl", "et", "lv", "lt",  "tg",  "fa", "vi", "hy", "az", "eu", "hsb", "mk",
+        "st", "ts", "tn", "ve", "xh", "zu", "af", "ka",  "fo",  "hi", "mt", "se", "ga", "yi", "ms",  "kk",
+        "ky", "sw", "tk", "uz", "tt", "bn", "pa", "gu",  "or",  "ta", "te", "kn", "ml", "as", "mr",  "sa",
+        "mn", "bo", "cy", "km", "lo", "my", "gl", "kok", "mni", "sd", "syr"};
     const auto language = static_cast<std::size_t>(identifier & 0x3FF);
     return identifier > 0 && language < languages.size() ? std::string(languages.at(language)) : "";
 }

@@ -57,7 +57,8 @@ bool IsCapital(std::string_view character)
 // "Ein- und Ausgang": the hyphen stands for the rest of a word that comes later.
 bool Joins(std::string_view word)
 {
-    constexpr std::array<std::string_view, 10> words{"und", "oder", "bzw", "bis", "and", "or", "to", "et", "ou", "sowie"};
+    constexpr std::array<std::string_view, 10> words{"und", "oder", "bzw", "bis", "and",
+                                                     "or",  "to",   "et",  "ou",  "sowie"};
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 

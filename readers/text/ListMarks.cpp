@@ -12,11 +12,20 @@ namespace
 {
 
 // "-", "*", and the bullets that word processors print.
-constexpr std::array<std::string_view, 14> Bullets{
-    "-",          "*",           "\xE2\x80\xA2" /* • */, "\xE2\x97\xA6" /* ◦ */, "\xE2\x96\xAA" /* ▪ */,
-    "\xE2\x97\x8F" /* ● */, "\xE2\x97\x8B" /* ○ */, "\xE2\x96\xA0" /* ■ */, "\xE2\x80\x93" /* – */,
-    "\xC2\xB7" /* · */,     "\xE2\x9E\xA2" /* ➢ */, "\xE2\x88\x92" /* − */, "\xE2\x80\xA3" /* ‣ */,
-    "\xE2\x81\x83" /* ⁃ */};
+constexpr std::array<std::string_view, 14> Bullets{"-",
+                                                   "*",
+                                                   "\xE2\x80\xA2" /* • */,
+                                                   "\xE2\x97\xA6" /* ◦ */,
+                                                   "\xE2\x96\xAA" /* ▪ */,
+                                                   "\xE2\x97\x8F" /* ● */,
+                                                   "\xE2\x97\x8B" /* ○ */,
+                                                   "\xE2\x96\xA0" /* ■ */,
+                                                   "\xE2\x80\x93" /* – */,
+                                                   "\xC2\xB7" /* · */,
+                                                   "\xE2\x9E\xA2" /* ➢ */,
+                                                   "\xE2\x88\x92" /* − */,
+                                                   "\xE2\x80\xA3" /* ‣ */,
+                                                   "\xE2\x81\x83" /* ⁃ */};
 
 } // namespace
 

@@ -90,10 +90,7 @@ public:
     }
 
 private:
-    static std::size_t Indent(std::string_view line)
-    {
-        return std::min(line.find_first_not_of(" \t"), line.size());
-    }
+    static std::size_t Indent(std::string_view line) { return std::min(line.find_first_not_of(" \t"), line.size()); }
 
     // Whether the lines were broken where the next word had no room any more. One in five may not have been.
     bool Broken() const
@@ -112,7 +109,9 @@ private:
     {
         const bool whole = lines_.size() == 1 || item_ || Broken();
         writer_.Begin(item_ ? BlockKind::ListItem : BlockKind::Paragraph, 1,
-                      !item_ ? "" : IsBullet(label_) ? Bullet : label_);
+                      !item_             ? ""
+                      : IsBullet(label_) ? Bullet
+                                         : label_);
         if (whole) {
             std::string text;
             for (const std::string_view line : lines_)

@@ -156,12 +156,11 @@ std::unique_ptr<Helper> StartHelper(const std::string& program, const std::strin
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setsigdefault(&attributes, &all);
     // A group of its own, so that signals a terminal sends to ours do not reach it.
-    posix_spawnattr_setflags(&attributes,
-                             POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
     pid_t process = -1;
     const int error =
-        ::posix_spawn(&process, arguments[0].c_str(), &files, &attributes,
-                      linux_platform::Pointers(arguments).data(), linux_platform::Pointers(environment).data());
+        ::posix_spawn(&process, arguments[0].c_str(), &files, &attributes, linux_platform::Pointers(arguments).data(),
+                      linux_platform::Pointers(environment).data());
     posix_spawn_file_actions_destroy(&files);
     posix_spawnattr_destroy(&attributes);
     if (error != 0)

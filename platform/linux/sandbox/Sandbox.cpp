@@ -53,13 +53,12 @@ void SetLimits(const SandboxLimits& limits)
 // Landlock: only the files in these folders can be opened, and only to be read. False where the kernel has none of it.
 bool LimitFiles(const std::vector<std::string>& readable)
 {
-    constexpr std::uint64_t all = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_WRITE_FILE |
-                                  LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR |
-                                  LANDLOCK_ACCESS_FS_REMOVE_DIR | LANDLOCK_ACCESS_FS_REMOVE_FILE |
-                                  LANDLOCK_ACCESS_FS_MAKE_CHAR | LANDLOCK_ACCESS_FS_MAKE_DIR |
-                                  LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_SOCK |
-                                  LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK |
-                                  LANDLOCK_ACCESS_FS_MAKE_SYM;
+    constexpr std::uint64_t all =
+        LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_READ_FILE |
+        LANDLOCK_ACCESS_FS_READ_DIR | LANDLOCK_ACCESS_FS_REMOVE_DIR | LANDLOCK_ACCESS_FS_REMOVE_FILE |
+        LANDLOCK_ACCESS_FS_MAKE_CHAR | LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG |
+        LANDLOCK_ACCESS_FS_MAKE_SOCK | LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK |
+        LANDLOCK_ACCESS_FS_MAKE_SYM;
     landlock_ruleset_attr attributes{};
     attributes.handled_access_fs = all;
     // The C library has no functions for these calls.
@@ -85,20 +84,23 @@ bool LimitFiles(const std::vector<std::string>& readable)
 // seccomp: any system call but these fails. Nothing here reaches another process, the network, or a file for writing.
 bool LimitCalls(bool mayOpen)
 {
-    constexpr std::array calls{
-        SCMP_SYS(read),          SCMP_SYS(readv),           SCMP_SYS(pread64),      SCMP_SYS(write),
-        SCMP_SYS(writev),        SCMP_SYS(close),           SCMP_SYS(fstat),        SCMP_SYS(newfstatat),
-        SCMP_SYS(stat),          SCMP_SYS(lstat),           SCMP_SYS(statx),        SCMP_SYS(lseek),
-        SCMP_SYS(mmap),          SCMP_SYS(munmap),          SCMP_SYS(mremap),       SCMP_SYS(mprotect),
-        SCMP_SYS(madvise),       SCMP_SYS(brk),             SCMP_SYS(futex),        SCMP_SYS(rt_sigaction),
-        SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn),   SCMP_SYS(sigaltstack),  SCMP_SYS(exit),
-        SCMP_SYS(exit_group),    SCMP_SYS(getrandom),       SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres),
-        SCMP_SYS(gettimeofday),  SCMP_SYS(time),            SCMP_SYS(times),        SCMP_SYS(sched_yield),
-        SCMP_SYS(sched_getaffinity), SCMP_SYS(getpid),      SCMP_SYS(gettid),       SCMP_SYS(getuid),
-        SCMP_SYS(geteuid),       SCMP_SYS(getgid),          SCMP_SYS(getegid),      SCMP_SYS(access),
-        SCMP_SYS(faccessat),     SCMP_SYS(faccessat2),      SCMP_SYS(readlink),     SCMP_SYS(readlinkat),
-        SCMP_SYS(getcwd),        SCMP_SYS(fcntl),           SCMP_SYS(sysinfo),      SCMP_SYS(uname),
-        SCMP_SYS(getdents64),    SCMP_SYS(getrusage),       SCMP_SYS(restart_syscall)};
+    constexpr std::array calls{SCMP_SYS(read),         SCMP_SYS(readv),        SCMP_SYS(pread64),
+                               SCMP_SYS(write),        SCMP_SYS(writev),       SCMP_SYS(close),
+                               SCMP_SYS(fstat),        SCMP_SYS(newfstatat),   SCMP_SYS(stat),
+                               SCMP_SYS(lstat),        SCMP_SYS(statx),        SCMP_SYS(lseek),
+                               SCMP_SYS(mmap),         SCMP_SYS(munmap),       SCMP_SYS(mremap),
+                               SCMP_SYS(mprotect),     SCMP_SYS(madvise),      SCMP_SYS(brk),
+                               SCMP_SYS(futex),        SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask),
+                               SCMP_SYS(rt_sigreturn), SCMP_SYS(sigaltstack),  SCMP_SYS(exit),
+                               SCMP_SYS(exit_group),   SCMP_SYS(getrandom),    SCMP_SYS(clock_gettime),
+                               SCMP_SYS(clock_getres), SCMP_SYS(gettimeofday), SCMP_SYS(time),
+                               SCMP_SYS(times),        SCMP_SYS(sched_yield),  SCMP_SYS(sched_getaffinity),
+                               SCMP_SYS(getpid),       SCMP_SYS(gettid),       SCMP_SYS(getuid),
+                               SCMP_SYS(geteuid),      SCMP_SYS(getgid),       SCMP_SYS(getegid),
+                               SCMP_SYS(access),       SCMP_SYS(faccessat),    SCMP_SYS(faccessat2),
+                               SCMP_SYS(readlink),     SCMP_SYS(readlinkat),   SCMP_SYS(getcwd),
+                               SCMP_SYS(fcntl),        SCMP_SYS(sysinfo),      SCMP_SYS(uname),
+                               SCMP_SYS(getdents64),   SCMP_SYS(getrusage),    SCMP_SYS(restart_syscall)};
     const std::unique_ptr<void, decltype(&seccomp_release)> filter(seccomp_init(SCMP_ACT_ERRNO(EPERM)),
                                                                    &seccomp_release);
     if (!filter)
