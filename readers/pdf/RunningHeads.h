@@ -20,6 +20,9 @@ public:
                            const std::string& label);
 
 private:
+    bool IsHead(const std::deque<const std::vector<PdfLine>*>& pages, std::size_t at, const PdfLine& line, bool upper,
+                const std::string& label) const;
+
     std::vector<double> places_; ///< the feet of those found before
 };
 

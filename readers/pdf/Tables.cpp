@@ -15,6 +15,7 @@ namespace
 
 // In units of the font's size.
 constexpr double SameColumn = 0.5;
+constexpr std::size_t MostColumns = 40; ///< rows with more lines are no table's, and would take long
 constexpr double NextLine = 1.45; ///< the distance of lines within a cell is at most this
 constexpr double NextRow = 4;     ///< and that of rows this
 // Cells with fewer characters on average are no prose, nor are columns of which this share is not filled.
@@ -151,22 +152,30 @@ private:
 
 void FindIn(const std::vector<PdfLine>& lines, std::vector<std::vector<PdfRow>>& tables)
 {
-    // Rows with more lines than any table has columns are no table's, and would take long.
-    constexpr std::size_t mostColumns = 40;
     std::optional<Run> run(lines);
     const auto end = [&] {
         if (std::vector<PdfRow> table = run->Table(); !table.empty())
             tables.push_back(std::move(table));
     };
     for (const PdfLevel& row : LevelsOf(lines)) {
-        if (row.lines.size() <= mostColumns && run->Take(row))
+        if (row.lines.size() <= MostColumns && run->Take(row))
             continue;
         end();
         run.emplace(lines);
-        if (row.lines.size() <= mostColumns)
+        if (row.lines.size() <= MostColumns)
             run->Take(row);
     }
     end();
+}
+
+// The lines of each of the page's columns, and those that reach over several.
+std::vector<std::vector<std::size_t>> PartsOf(const std::vector<PdfLine>& lines)
+{
+    const std::vector<double> gutters = Gutters(lines);
+    std::vector<std::vector<std::size_t>> parts(gutters.size() + 2);
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        parts[ColumnOf(lines[i], gutters)].push_back(i);
+    return parts;
 }
 
 // Where the lines of a level but the first begin.
@@ -213,28 +222,35 @@ void Cut(std::vector<PdfLine>& level, const std::vector<double>& begins)
 
 std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
 {
-    const std::vector<PdfLevel> levels = LevelsOf(lines);
     // Each line with what it was cut into, so that the order stays.
     std::vector<std::vector<PdfLine>> cut;
-    for (PdfLine& line : lines)
-        cut.push_back({std::move(line)});
-    const auto pass = [&](std::size_t from, std::size_t to) {
-        if (std::abs(levels[to].bottom - levels[from].bottom) > NextRow * levels[to].size)
-            return;
-        std::vector<double> begins;
-        std::vector<PdfLine> above;
-        for (const std::size_t i : levels[from].lines)
-            above.insert(above.end(), cut[i].begin(), cut[i].end());
-        AddBegins(above, begins);
-        constexpr std::size_t most = 40; // columns
-        if (!begins.empty() && begins.size() < most)
-            for (const std::size_t i : levels[to].lines)
-                Cut(cut[i], begins);
-    };
-    for (std::size_t i = 1; i < levels.size(); ++i)
-        pass(i - 1, i);
-    for (std::size_t i = levels.size(); i-- > 1;)
-        pass(i, i - 1);
+    for (const PdfLine& line : lines)
+        cut.push_back({line});
+    for (const std::vector<std::size_t>& part : PartsOf(lines)) {
+        std::vector<PdfLine> own;
+        for (const std::size_t i : part)
+            own.push_back(lines[i]);
+        const std::vector<PdfLevel> levels = LevelsOf(own);
+        const auto pass = [&](const PdfLevel& from, const PdfLevel& to) {
+            if (std::abs(to.bottom - from.bottom) > NextRow * to.size)
+                return;
+            std::vector<double> begins;
+            std::vector<PdfLine> known;
+            for (const std::size_t i : from.lines)
+                known.insert(known.end(), cut[part[i]].begin(), cut[part[i]].end());
+            AddBegins(known, begins);
+            if (!begins.empty() && begins.size() < MostColumns)
+                for (const std::size_t i : to.lines)
+                    Cut(cut[part[i]], begins);
+        };
+        // Between two rows there may be a level with the rest of one cell only.
+        for (std::size_t i = 1; i < levels.size(); ++i)
+            for (std::size_t back = 1; back <= 2 && back <= i; ++back)
+                pass(levels[i - back], levels[i]);
+        for (std::size_t i = levels.size(); i-- > 1;)
+            for (std::size_t back = 1; back <= 2 && back <= i; ++back)
+                pass(levels[i], levels[i - back]);
+    }
     std::vector<PdfLine> all;
     for (std::vector<PdfLine>& parts : cut)
         std::move(parts.begin(), parts.end(), std::back_inserter(all));
@@ -243,13 +259,8 @@ std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
 
 std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
 {
-    const std::vector<double> gutters = Gutters(lines);
     std::vector<std::vector<PdfRow>> tables;
-    // Each column by itself, and what reaches over several.
-    std::vector<std::vector<std::size_t>> parts(gutters.size() + 2);
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        parts[ColumnOf(lines[i], gutters)].push_back(i);
-    for (const std::vector<std::size_t>& part : parts) {
+    for (const std::vector<std::size_t>& part : PartsOf(lines)) {
         std::vector<PdfLine> own;
         for (const std::size_t i : part)
             own.push_back(lines[i]);
