@@ -15,67 +15,85 @@ namespace
 
 constexpr double SameLevel = 0.3; ///< in units of the font's size
 
-// Lines one below the other, as their order on the page goes.
-struct Chain {
-    double left;
-    double right;
-    double top;
-    double bottom;
-    double widths;
-    double characters;
-    double lines;
+// Lines that may be a column.
+struct Side {
+    double left = 1e9;
+    double right = -1e9;
+    double top = 1e9;
+    double bottom = -1e9;
+    std::vector<const PdfLine*> lines;
 
-    // Whether this is a column of prose: long lines that fill their column.
+    void Add(const PdfLine& line)
+    {
+        left = std::min(left, line.left);
+        right = std::max(right, line.right);
+        top = std::min(top, line.top);
+        bottom = std::max(bottom, line.bottom);
+        lines.push_back(&line);
+    }
+
+    // Whether this is a column of prose: many of its lines are long and fill it.
     bool IsProse() const
     {
-        constexpr double enough = 8;
-        constexpr double shortest = 18;
-        constexpr double filled = 0.7;
-        return lines >= enough && characters >= shortest * lines && widths >= filled * lines * (right - left);
+        constexpr std::size_t enough = 8;
+        constexpr std::size_t shortest = 18; // characters
+        constexpr double filled = 0.8;
+        constexpr std::size_t share = 3;
+        const auto full = static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const PdfLine* line) {
+            return line->Width() >= filled * (right - left) && Len(line->text) >= shortest;
+        }));
+        return full >= enough && full * share >= lines.size();
     }
 };
 
-std::vector<Chain> ChainsOf(const std::vector<PdfLine>& lines)
+// Where many lines begin, from left to right.
+std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
 {
-    std::vector<Chain> chains;
-    double before = 0; // the foot of the line before
-    for (const PdfLine& line : lines) {
-        const bool goesOn = !chains.empty() && line.bottom > before && line.top - before < 6 * line.size &&
-                            std::min(line.right, chains.back().right) > std::max(line.left, chains.back().left);
-        if (!goesOn)
-            chains.push_back({line.left, line.right, line.top, line.bottom, 0, 0, 0});
-        Chain& chain = chains.back();
-        chain.left = std::min(chain.left, line.left);
-        chain.right = std::max(chain.right, line.right);
-        chain.bottom = before = line.bottom;
-        chain.widths += line.Width();
-        chain.characters += static_cast<double>(Len(line.text));
-        ++chain.lines;
+    constexpr double same = 1.5; // points
+    constexpr std::size_t many = 8;
+    std::vector<double> lefts;
+    for (const PdfLine& line : lines)
+        lefts.push_back(line.left);
+    std::sort(lefts.begin(), lefts.end());
+    std::vector<double> edges;
+    for (std::size_t begin = 0; begin < lefts.size();) {
+        std::size_t end = begin;
+        while (end < lefts.size() && lefts[end] - lefts[begin] < same)
+            ++end;
+        if (end - begin >= many)
+            edges.push_back(lefts[begin]);
+        begin = end;
     }
-    return chains;
+    return edges;
 }
 
 } // namespace
 
 std::vector<double> Gutters(const std::vector<PdfLine>& lines)
 {
-    std::vector<Chain> columns = ChainsOf(lines);
-    std::erase_if(columns, [](const Chain& chain) { return !chain.IsProse(); });
-    // A page has a few columns; more of them are none.
-    constexpr std::size_t mostColumns = 20;
-    if (columns.size() > mostColumns)
-        return {};
+    constexpr double margin = 1.5; // points
+    constexpr std::size_t mostColumns = 10;
     std::vector<double> gutters;
-    for (const Chain& left : columns)
-        for (const Chain& right : columns)
-            if (left.right < right.left && std::min(left.bottom, right.bottom) - std::max(left.top, right.top) > 0)
-                gutters.push_back((left.right + right.left) / 2);
-    std::sort(gutters.begin(), gutters.end());
-    // Those of other pairs are where a column is.
-    std::erase_if(gutters, [&](double gutter) {
-        return std::any_of(columns.begin(), columns.end(),
-                           [&](const Chain& one) { return one.left < gutter && gutter < one.right; });
-    });
+    for (const double edge : CommonEdges(lines)) {
+        const double gutter = edge - margin;
+        const double before = gutters.empty() ? -1e9 : gutters.back();
+        Side left;
+        Side right;
+        std::size_t across = 0;
+        for (const PdfLine& line : lines) {
+            if (line.left >= gutter && line.left < gutter + 2 * margin)
+                right.Add(line);
+            else if (line.left >= before && line.right <= gutter)
+                left.Add(line);
+            else if (line.left < gutter && line.right > gutter)
+                ++across;
+        }
+        const bool beside = std::min(left.bottom, right.bottom) > std::max(left.top, right.top);
+        // Titles and tables may reach over several columns, but not most of the page.
+        if (beside && left.IsProse() && right.IsProse() && across * 4 < left.lines.size() + right.lines.size() &&
+            gutters.size() < mostColumns)
+            gutters.push_back(gutter);
+    }
     return gutters;
 }
 
