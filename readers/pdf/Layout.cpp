@@ -117,6 +117,8 @@ void Layout::Finish()
     while (next_ < pages_.size())
         Compose(next_);
     noteOpen_ = false;
+    for (Note& note : notes_)
+        note.due = true;
     EndParagraph();
     writer_.Finish();
 }
@@ -148,6 +150,7 @@ void Layout::Compose(std::size_t at)
     if (lines.size() <= MostLines)
         lines = InReadingOrder(CutAtColumns(std::move(lines)));
     Lines(TakeNotes(std::move(lines)));
+    ++page_;
     ++next_;
     while (next_ > Ahead) {
         pages_.pop_front();
@@ -188,7 +191,7 @@ std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
             (line.marked || std::find(references.begin(), references.end(), text.substr(0, mark)) != references.end());
         if (begins) {
             end();
-            note = Note{text.substr(0, mark), std::string(Trimmed(std::string_view(text).substr(mark)))};
+            note = Note{text.substr(0, mark), std::string(Trimmed(std::string_view(text).substr(mark))), page_};
             marks_.push_back(note->label);
         } else if (small && note) {
             AppendLine(note->text, text, vocabulary_);
@@ -200,6 +203,9 @@ std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
     }
     end();
     noteOpen_ = !notes_.empty() && !IsSentenceEnd(notes_.back().text);
+    // Those of the page before belong to a paragraph that has ended, or to the present one.
+    for (Note& old : before)
+        old.due = true;
     notes_.insert(notes_.begin(), std::make_move_iterator(before.begin()), std::make_move_iterator(before.end()));
     return rest;
 }
@@ -297,7 +303,8 @@ bool Layout::GoesOn(const PdfLine& line, const Flow& flow, bool sameFlow) const
     const PdfLine& before = lines_.back();
     if (std::abs(line.size - before.size) > OtherSize * std::max(line.size, before.size))
         return false;
-    if (line.bold != before.bold && lineCount_ == 1 && text_.size() < LongestBoldHeading)
+    if (line.bold != before.bold && (lineCount_ == 1 || (before.bold && lines_.front().bold)) &&
+        text_.size() < LongestBoldHeading)
         return false;
     if (IsListItem(line, sameFlow))
         return false;
@@ -344,6 +351,8 @@ void Layout::Line(const PdfLine& line, const Flow& flow, bool sameFlow)
     } else {
         AppendLine(text_, WithoutMarks(line.text, marks_), vocabulary_);
     }
+    for (std::string& mark : RaisedMarks({line}))
+        references_.emplace_back(page_, std::move(mark));
     PdfLine place = line;
     place.text.clear();
     if (lines_.size() > 1)
@@ -399,6 +408,13 @@ void Layout::EndParagraph()
         writer_.Text(text_);
         writer_.End();
     }
+    for (const auto& [page, mark] : std::exchange(references_, {})) {
+        const auto note = std::find_if(notes_.begin(), notes_.end(), [&, &page = page, &mark = mark](const Note& one) {
+            return !one.due && one.page == page && one.label == mark;
+        });
+        if (note != notes_.end())
+            note->due = true;
+    }
     text_.clear();
     label_.clear();
     item_ = false;
@@ -409,11 +425,12 @@ void Layout::EndParagraph()
 void Layout::Pending()
 {
     std::vector<Note> notes = std::exchange(notes_, {});
-    if (noteOpen_ && !notes.empty()) {
-        notes_.push_back(std::move(notes.back()));
-        notes.pop_back();
-    }
-    for (const Note& note : notes) {
+    for (std::size_t i = 0; i < notes.size(); ++i) {
+        Note& note = notes[i];
+        if (!note.due || (noteOpen_ && i + 1 == notes.size())) {
+            notes_.push_back(std::move(note));
+            continue;
+        }
         writer_.Begin(BlockKind::Footnote, 0, note.label);
         writer_.Text(note.text);
         writer_.End();

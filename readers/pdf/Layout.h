@@ -37,6 +37,8 @@ private:
     struct Note {
         std::string label;
         std::string text;
+        std::size_t page; ///< the count of pages before its own
+        bool due = false; ///< to come after the present paragraph
     };
 
     void Compose(std::size_t at);
@@ -71,9 +73,11 @@ private:
     bool item_ = false;
     std::vector<double> depths_; ///< the left edges of the open lists
 
-    std::vector<std::string> marks_; ///< the footnotes' marks on the present page
-    std::vector<Note> notes_;        ///< to come after the present paragraph
-    bool noteOpen_ = false;          ///< the last one may go on at the next page's foot
+    std::vector<std::string> marks_;                              ///< the footnotes' marks on the present page
+    std::vector<Note> notes_;                                     ///< those not given yet
+    std::vector<std::pair<std::size_t, std::string>> references_; ///< the present paragraph's, with their pages
+    std::size_t page_ = 0;
+    bool noteOpen_ = false; ///< the last one may go on at the next page's foot
     std::vector<std::string> pageMarks_;
 };
 

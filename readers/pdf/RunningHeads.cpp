@@ -14,9 +14,9 @@ namespace voxmate::readers
 namespace
 {
 
-constexpr double SamePlace = 3;  ///< points
-constexpr double ExactPlace = 1; ///< points
-constexpr double SmallestGap = 0.4;     ///< between a head and the text, in units of its font's size
+constexpr double SamePlace = 3;     ///< points
+constexpr double ExactPlace = 1;    ///< points
+constexpr double SmallestGap = 0.4; ///< between a head and the text, in units of its font's size
 constexpr std::size_t MostPlaces = 20;
 constexpr std::size_t RowsAtEdge = 3;    ///< heads of several lines
 constexpr std::size_t LongestHead = 200; ///< bytes

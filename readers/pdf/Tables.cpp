@@ -16,8 +16,8 @@ namespace
 // In units of the font's size.
 constexpr double SameColumn = 0.5;
 constexpr std::size_t MostColumns = 40; ///< rows with more lines are no table's, and would take long
-constexpr double NextLine = 1.45; ///< the distance of lines within a cell is at most this
-constexpr double NextRow = 4;     ///< and that of rows this
+constexpr double NextLine = 1.45;       ///< the distance of lines within a cell is at most this
+constexpr double NextRow = 4;           ///< and that of rows this
 // Cells with fewer characters on average are no prose, nor are columns of which this share is not filled.
 constexpr double ShortCell = 14;
 constexpr double FullColumn = 0.8;

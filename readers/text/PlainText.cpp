@@ -39,7 +39,7 @@ bool IsEmpty(std::string_view line)
     return Trimmed(line, " \t").empty();
 }
 
-// The width in characters that the text's lines were broken to; 0 when they were not.
+// The width in characters that most of the text's lines do not exceed.
 std::size_t WidthOf(std::string_view text)
 {
     std::vector<std::size_t> lengths;
@@ -51,7 +51,7 @@ std::size_t WidthOf(std::string_view text)
     // A few lines, as addresses and tables, may be longer.
     const auto at = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() * 95 / 100);
     std::nth_element(lengths.begin(), at, lengths.end());
-    return *at >= NarrowestBroken && *at <= WidestBroken ? *at : 0;
+    return *at;
 }
 
 // Lines between two empty ones.
@@ -95,14 +95,14 @@ private:
     // Whether the lines were broken where the next word had no room any more. One in five may not have been.
     bool Broken() const
     {
-        if (width_ == 0 || lines_.size() < 2)
-            return width_ != 0;
+        if (width_ < NarrowestBroken || width_ > WidestBroken)
+            return false;
         std::size_t full = 0;
         for (std::size_t i = 0; i + 1 < lines_.size(); ++i) {
             const std::string_view next = Trimmed(lines_[i + 1], " \t");
             full += Len(Trimmed(lines_[i])) + 1 + Len(next.substr(0, next.find(' '))) > width_ * 9 / 10 ? 1 : 0;
         }
-        return full * 5 >= (lines_.size() - 1) * 4;
+        return full * 5 + 4 >= lines_.size() * 4;
     }
 
     void Tell()
@@ -120,7 +120,7 @@ private:
         } else {
             for (const std::string_view line : lines_) {
                 // Long lines are paragraphs by themselves.
-                if (width_ == 0)
+                if (width_ > WidestBroken)
                     writer_.Begin(BlockKind::Paragraph);
                 writer_.Text(line);
                 writer_.Break();
