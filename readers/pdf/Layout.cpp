@@ -171,6 +171,7 @@ std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
     const std::vector<std::string> references = RaisedMarks(lines);
     std::vector<PdfLine> rest;
     std::optional<Note> note;
+    double size = 0; // of the last note's font
     const auto end = [&] {
         if (note)
             notes_.push_back(std::move(*note));
@@ -192,8 +193,10 @@ std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
         if (begins) {
             end();
             note = Note{text.substr(0, mark), std::string(Trimmed(std::string_view(text).substr(mark))), page_};
+            size = line.size;
             marks_.push_back(note->label);
-        } else if (small && note) {
+        } else if (small && note && (note->text.empty() || std::abs(line.size - size) < OtherSize * size)) {
+            size = line.size;
             AppendLine(note->text, text, vocabulary_);
         } else if (small && noteOpen_ && !before.empty()) {
             AppendLine(before.back().text, text, vocabulary_);

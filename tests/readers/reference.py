@@ -253,8 +253,9 @@ def troff(all_blocks, columns=1):
                 lines += [".IP %s 4" % ("\\(bu" if block.label == "•" else block.label), text]
             elif block.kind == "row":
                 cells = text.split("\t")
-                lines += [".LP", ".ta 2.3c 5c" if columns > 1 else ".ta 5c 10c"] if block is group[0] else []
-                lines += [".nf", "\t".join(cells), ".fi"]
+                lines += [".LP", ".ta 5c 10c"] if block is group[0] else []
+                # In a narrow column a row has room in small print only.
+                lines += [".nf"] + ([".ps 6", ".ta 2.5c 4.8c"] if columns > 1 else []) + ["\t".join(cells), ".fi", ".ps"]
             else:
                 # A footnote's text stands behind the line with its mark.
                 lines.append(".PP")
