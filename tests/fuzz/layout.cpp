@@ -1,5 +1,5 @@
-// Fuzzing of printed pages. Each word takes eight bytes: place, length, size and looks; the word's text is made of them. A
-// page ends with a word of length 0.
+// Fuzzing of printed pages. Each word takes eight bytes: place, length, size and looks; the word's text is made of
+// them. A page ends with a word of length 0.
 #include "documents.h"
 
 #include "readers/pdf/Layout.h"
@@ -14,8 +14,23 @@ namespace
 {
 
 constexpr std::size_t WordSize = 8;
-constexpr std::array<const char*, 16> Texts{"word",   "1",  "1.", "\xE2\x80\xA2", "exam-", "ple",   "The", "end.",
-                                            "\xC2\xAD", "12", "-",  "*",            "Stra\xC3\x9F" "e", "iv", "Page", "longer"};
+constexpr std::array<const char*, 16> Texts{"word",
+                                            "1",
+                                            "1.",
+                                            "\xE2\x80\xA2",
+                                            "exam-",
+                                            "ple",
+                                            "The",
+                                            "end.",
+                                            "\xC2\xAD",
+                                            "12",
+                                            "-",
+                                            "*",
+                                            "Stra\xC3\x9F"
+                                            "e",
+                                            "iv",
+                                            "Page",
+                                            "longer"};
 
 } // namespace
 
