@@ -6,21 +6,23 @@ build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
+  libpoppler-cpp-dev libzip-dev libxml2-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
   librsvg2-bin
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
+  poppler-data
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
 )
-# Only the tests need other window managers and another program's clipboard, and look at how the code is written and at
-# what is installed.
+# Only the tests need other window managers, another program's clipboard and documents made by other programs (with the
+# division of English words), and look at how the code is written and at what is installed.
 test_packages=(
   libgtest-dev libgmock-dev clang-format clang-tidy xclip xfwm4 marco mate-settings-daemon-common
-  desktop-file-utils appstream shared-mime-info libglib2.0-bin
+  pandoc groff hyphen-en-us desktop-file-utils appstream shared-mime-info libglib2.0-bin
 )
 # What ./package needs besides: the tools that make a Debian package and look at it.
 package_packages=(

@@ -16,6 +16,9 @@ public:
     /// Takes a name the system's iconv knows; an unknown name means Windows-1252.
     explicit CodePage(std::string name);
 
+    /// The name given, or that of Windows-1252 in its place.
+    const std::string& Name() const { return name_; }
+
     /// The code page for a locale ("ru_RU.UTF-8"): the locale's own encoding, unless that is UTF-8, otherwise the one
     /// Windows uses for the language.
     static std::string NameFor(std::string_view locale);

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/linux/files/RegularFile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,22 +20,6 @@ namespace
 // Large enough for a system call to cost less than the reading itself, small enough for the processor's cache.
 constexpr std::size_t BlockSize = std::size_t{64} * 1024;
 
-RuntimeError ErrorOf(int number)
-{
-    switch (number) {
-    case ENOENT:
-    case ENOTDIR:
-    case ENAMETOOLONG:
-    case ELOOP:
-        return FileNotFound();
-    case EACCES:
-    case EPERM:
-        return PermissionDenied();
-    default:
-        return DeviceIOError();
-    }
-}
-
 // The length in bytes of UTF-16 text without an incomplete character at its end.
 std::size_t WholeUtf16(std::string_view text, bool littleEndian)
 {
@@ -43,27 +28,6 @@ std::size_t WholeUtf16(std::string_view text, bool littleEndian)
         return 0;
     const auto high = static_cast<unsigned char>(text[even - (littleEndian ? 1 : 2)]);
     return high >= 0xD8 && high <= 0xDB ? even - 2 : even;
-}
-
-// Opens a regular file without ever blocking; raises run-time errors 53, 57 and 70.
-int OpenRegular(const std::string& path, std::int64_t& size)
-{
-    // Checked before opening, too: merely opening a device can have an effect.
-    struct stat status {
-    };
-    if (::stat(path.c_str(), &status) != 0)
-        throw ErrorOf(errno);
-    if (!S_ISREG(status.st_mode))
-        throw PermissionDenied();
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (file < 0)
-        throw ErrorOf(errno);
-    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
-        ::close(file);
-        throw PermissionDenied();
-    }
-    size = status.st_size;
-    return file;
 }
 
 } // namespace

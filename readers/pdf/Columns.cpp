@@ -1,0 +1,151 @@
+#include "readers/pdf/Columns.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <numeric>
+#include <tuple>
+#include <utility>
+
+namespace voxmate::readers
+{
+
+namespace
+{
+
+constexpr double SameLevel = 0.3; ///< in units of the font's size
+
+// Lines that may be a column.
+struct Side {
+    double left = 1e9;
+    double right = -1e9;
+    double top = 1e9;
+    double bottom = -1e9;
+    std::vector<const PdfLine*> lines;
+
+    void Add(const PdfLine& line)
+    {
+        left = std::min(left, line.left);
+        right = std::max(right, line.right);
+        top = std::min(top, line.top);
+        bottom = std::max(bottom, line.bottom);
+        lines.push_back(&line);
+    }
+
+    // Whether this is a column of prose: many of its lines are long and fill it.
+    bool IsProse() const
+    {
+        constexpr std::size_t enough = 8;
+        constexpr std::size_t shortest = 18; // characters
+        constexpr double filled = 0.8;
+        constexpr std::size_t share = 3;
+        const auto full = static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const PdfLine* line) {
+            return line->Width() >= filled * (right - left) && Len(line->text) >= shortest;
+        }));
+        return full >= enough && full * share >= lines.size();
+    }
+};
+
+// Where many lines begin, from left to right.
+std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
+{
+    constexpr double same = 1.5; // points
+    constexpr std::size_t many = 8;
+    std::vector<double> lefts;
+    for (const PdfLine& line : lines)
+        lefts.push_back(line.left);
+    std::sort(lefts.begin(), lefts.end());
+    std::vector<double> edges;
+    for (std::size_t begin = 0; begin < lefts.size();) {
+        std::size_t end = begin;
+        while (end < lefts.size() && lefts[end] - lefts[begin] < same)
+            ++end;
+        if (end - begin >= many)
+            edges.push_back(lefts[begin]);
+        begin = end;
+    }
+    return edges;
+}
+
+} // namespace
+
+std::vector<double> Gutters(const std::vector<PdfLine>& lines)
+{
+    constexpr double margin = 1.5; // points
+    constexpr std::size_t mostColumns = 10;
+    std::vector<double> gutters;
+    for (const double edge : CommonEdges(lines)) {
+        const double gutter = edge - margin;
+        const double before = gutters.empty() ? -1e9 : gutters.back();
+        Side left;
+        Side right;
+        std::size_t across = 0;
+        for (const PdfLine& line : lines) {
+            if (line.left >= gutter && line.left < gutter + 2 * margin)
+                right.Add(line);
+            else if (line.left >= before && line.right <= gutter)
+                left.Add(line);
+            else if (line.left < gutter && line.right > gutter)
+                ++across;
+        }
+        const bool beside = std::min(left.bottom, right.bottom) > std::max(left.top, right.top);
+        // Titles and tables may reach over several columns, but not most of the page.
+        if (beside && left.IsProse() && right.IsProse() && across * 4 < left.lines.size() + right.lines.size() &&
+            gutters.size() < mostColumns)
+            gutters.push_back(gutter);
+    }
+    return gutters;
+}
+
+std::size_t ColumnOf(const PdfLine& line, const std::vector<double>& gutters)
+{
+    const auto first = std::lower_bound(gutters.begin(), gutters.end(), line.left) - gutters.begin();
+    const auto last = std::lower_bound(gutters.begin(), gutters.end(), line.right) - gutters.begin();
+    return first == last ? static_cast<std::size_t>(first) : gutters.size() + 1;
+}
+
+std::vector<PdfLevel> LevelsOf(const std::vector<PdfLine>& lines)
+{
+    std::vector<std::size_t> order(lines.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return lines[a].bottom < lines[b].bottom; });
+    std::vector<PdfLevel> levels;
+    for (const std::size_t i : order) {
+        const PdfLine& line = lines[i];
+        if (levels.empty() || line.bottom - levels.back().bottom > SameLevel * line.size)
+            levels.push_back({{}, line.bottom, line.size});
+        levels.back().lines.push_back(i);
+    }
+    for (PdfLevel& level : levels)
+        std::stable_sort(level.lines.begin(), level.lines.end(),
+                         [&](std::size_t a, std::size_t b) { return lines[a].left < lines[b].left; });
+    return levels;
+}
+
+std::vector<PdfLine> InReadingOrder(std::vector<PdfLine> lines)
+{
+    const std::vector<double> gutters = Gutters(lines);
+    if (gutters.empty())
+        return lines;
+    // Each line's band, which ends at a line that reaches over several columns; its column; its place there.
+    std::vector<std::tuple<std::size_t, std::size_t, std::size_t, std::size_t>> order;
+    std::size_t band = 0;
+    std::size_t place = 0;
+    for (const PdfLevel& level : LevelsOf(lines)) {
+        const bool across = std::any_of(level.lines.begin(), level.lines.end(),
+                                        [&](std::size_t i) { return ColumnOf(lines[i], gutters) > gutters.size(); });
+        band += across ? 1 : 0;
+        for (const std::size_t i : level.lines)
+            order.emplace_back(band, across ? 0 : ColumnOf(lines[i], gutters), place++, i);
+        band += across ? 1 : 0;
+    }
+    std::sort(order.begin(), order.end());
+    std::vector<PdfLine> sorted;
+    sorted.reserve(lines.size());
+    for (const auto& one : order)
+        sorted.push_back(std::move(lines[std::get<3>(one)]));
+    return sorted;
+}
+
+} // namespace voxmate::readers

@@ -1,0 +1,30 @@
+// The columns of a printed page.
+#pragma once
+
+#include "readers/pdf/PdfPage.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace voxmate::readers
+{
+
+/// Where columns of prose are parted, from left to right. Empty for a page of one column.
+std::vector<double> Gutters(const std::vector<PdfLine>& lines);
+
+/// The number of the column, from 0, in which a line stands; the number of columns for one that reaches over several.
+std::size_t ColumnOf(const PdfLine& line, const std::vector<double>& gutters);
+
+/// Lines on one level.
+struct PdfLevel {
+    std::vector<std::size_t> lines; ///< from left to right
+    double bottom = 0;
+    double size = 0; ///< of the first line's font
+};
+/// From top to bottom.
+std::vector<PdfLevel> LevelsOf(const std::vector<PdfLine>& lines);
+
+/// On a page of several columns: column by column, between the lines that reach over several. Otherwise unchanged.
+std::vector<PdfLine> InReadingOrder(std::vector<PdfLine> lines);
+
+} // namespace voxmate::readers
