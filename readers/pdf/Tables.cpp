@@ -224,10 +224,12 @@ std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
 {
     // Each line with what it was cut into, so that the order stays.
     std::vector<std::vector<PdfLine>> cut;
+    cut.reserve(lines.size());
     for (const PdfLine& line : lines)
         cut.push_back({line});
     for (const std::vector<std::size_t>& part : PartsOf(lines)) {
         std::vector<PdfLine> own;
+        own.reserve(part.size());
         for (const std::size_t i : part)
             own.push_back(lines[i]);
         const std::vector<PdfLevel> levels = LevelsOf(own);
@@ -262,6 +264,7 @@ std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
     std::vector<std::vector<PdfRow>> tables;
     for (const std::vector<std::size_t>& part : PartsOf(lines)) {
         std::vector<PdfLine> own;
+        own.reserve(part.size());
         for (const std::size_t i : part)
             own.push_back(lines[i]);
         const std::size_t before = tables.size();

@@ -1,14 +1,13 @@
 #include "platform/linux/desktop/DBusActivation.h"
 
 #include "base/FileName.h"
+#include "platform/linux/desktop/DBusReceiver.h"
 
 #include <QCoreApplication>
-#include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QGuiApplication>
 #include <QPointer>
-#include <QTimer>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -26,53 +25,6 @@ namespace
 constexpr const char* Interface = "org.freedesktop.Application";
 /// How long a call that nobody waits for may take to be answered.
 constexpr std::chrono::seconds CallPatience{20};
-
-/// Takes the calls from the bus, in the thread of the application object. The caller gets its answer at once; what was
-/// asked for is done later.
-class Receiver : public QDBusAbstractAdaptor
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
-public:
-    Receiver(QObject* object, Activation& owner) : QDBusAbstractAdaptor(object), owner_(&owner) {}
-    void Detach() { owner_ = nullptr; }
-
-public Q_SLOTS:
-    void Activate(const QVariantMap& platformData) // NOLINT(readability-identifier-naming)
-    {
-        Tell({}, platformData);
-    }
-    void Open(const QStringList& uris, const QVariantMap& platformData)
-    {
-        Call call;
-        for (const QString& uri : uris)
-            call.Files.push_back(PathOfAddress(uri.toStdString()));
-        Tell(call, platformData);
-    }
-    void ActivateAction(const QString& name, const QVariantList& /*parameter*/, const QVariantMap& platformData)
-    {
-        Call call;
-        call.Action = name.toStdString();
-        Tell(call, platformData);
-    }
-
-private:
-    Activation* owner_;
-
-    void Tell(const Call& call, const QVariantMap& platformData)
-    {
-        // Wayland compositors let a window come to the front only with the token that the launcher got from them. The
-        // toolkit takes it from there when the window is activated.
-        const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
-        if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-            qputenv("XDG_ACTIVATION_TOKEN", token);
-        QTimer::singleShot(0, this, [this, call] {
-            if (owner_ && owner_->Called)
-                owner_->Called(call);
-        });
-    }
-};
 
 /// Its own connection, because a bus that does not answer would hold up all who use the common one.
 QDBusConnection Connect(const char* purpose)
@@ -149,5 +101,3 @@ bool DBusActivation::PassOn(const Call& call, std::chrono::milliseconds patience
 }
 
 } // namespace voxmate::linux_platform
-
-#include "DBusActivation.moc"

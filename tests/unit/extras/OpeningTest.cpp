@@ -210,9 +210,7 @@ TEST_F(OpeningTest, WhereTheFolderIsReadOnlyAFolderOfTheUsersTakesItsPlaceWithAl
                          "CopyFile C:\\Bo.acs to C:\\Voxmate\\Character\\Bo.acs"};
     Lines changes;
     for (const std::string& call : fake.log) {
-        if (call.starts_with("C"))
-            changes.push_back(call);
-        else if (call.starts_with("LinkFile"))
+        if (call.starts_with("C") || call.starts_with("LinkFile"))
             changes.push_back(call);
     }
     EXPECT_EQ(changes, expected);
