@@ -75,10 +75,10 @@ bool InstallCharacter::Describe(const std::string& file)
 std::string InstallCharacter::Folder()
 {
     FileSystem& files = program_.Host.Files;
-    const std::string present = program_.Settings.CharacterPath;
+    std::string present = program_.Settings.CharacterPath;
     if (files.FolderWritable(present))
         return present;
-    const std::string own = program_.ProgramPath("Character") + program_.PathSeparator();
+    std::string own = program_.ProgramPath("Character") + program_.PathSeparator();
     files.CreateFolder(own);
     for (const std::string& name : files.ListFiles(present, "*.acs")) {
         if (!files.FileExists(own + name))

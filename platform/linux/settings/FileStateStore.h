@@ -29,7 +29,7 @@ public:
     /// not done in time. Callable from any thread.
     bool Flush(std::chrono::milliseconds patience) { return saver_.Flush(patience); }
 
-    static constexpr std::uint64_t LargestFile = 1024 * 1024;
+    static constexpr std::uint64_t LargestFile = 1U << 20;
     /// A window that is being dragged reports a new place at each step; it is saved when it rests.
     static constexpr std::chrono::milliseconds Rest{1000};
 
