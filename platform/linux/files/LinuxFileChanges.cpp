@@ -106,7 +106,7 @@ void LinuxFileSystem::MoveFile(const std::string& from, const std::string& to)
 
 void LinuxFileSystem::CopyFile(const std::string& from, const std::string& to)
 {
-    constexpr std::size_t blockSize = 1024 * 1024;
+    constexpr std::size_t blockSize = 1U << 20;
     const Descriptor source(::open(InAnyExtensionCase(from).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status {
     };

@@ -22,7 +22,7 @@ namespace
 {
 
 /// More is no desktop entry.
-constexpr std::uint64_t LargestEntry = 1024 * 1024;
+constexpr std::uint64_t LargestEntry = 1U << 20;
 
 /// A key of an entry's main group; nothing when the entry does not have it.
 std::optional<std::string> Value(std::string_view entry, std::string_view key)
