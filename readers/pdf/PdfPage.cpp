@@ -4,6 +4,7 @@
 #include "readers/text/Clean.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <string_view>
 
@@ -75,12 +76,25 @@ PdfLine LineOf(const PdfWord* first, const PdfWord* last)
     return line;
 }
 
+// A file says anything about places. Beyond these bounds there is no page.
+void Bound(PdfWord& word)
+{
+    constexpr double farthest = 1e6;
+    for (double* const number : {&word.left, &word.top, &word.right, &word.bottom, &word.size})
+        *number = std::isfinite(*number) ? std::clamp(*number, -farthest, farthest) : 0;
+    word.right = std::max(word.right, word.left);
+    word.bottom = std::max(word.bottom, word.top);
+    word.size = std::max(word.size, 0.1);
+}
+
 } // namespace
 
 std::vector<PdfLine> LinesOf(const PdfPage& page)
 {
     std::vector<PdfLine> lines;
-    const std::vector<PdfWord>& words = page.words;
+    std::vector<PdfWord> words = page.words;
+    for (PdfWord& word : words)
+        Bound(word);
     for (std::size_t begin = 0; begin < words.size();) {
         std::size_t end = begin + 1;
         while (end < words.size() && OnOneLine(words[end - 1], words[end]))

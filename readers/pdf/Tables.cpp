@@ -40,7 +40,7 @@ public:
         if (!Empty() && TakeRest(row))
             return true;
         for (const std::size_t i : row.lines)
-            Column(lines_[i]);
+            AddToColumns(lines_[i]);
         rows_.push_back(row.lines);
         bottom_ = row.bottom;
         return true;
@@ -69,8 +69,8 @@ private:
         double right;
     };
 
-    // The column in which a line stands: where it overlaps one, or a new one.
-    std::size_t Column(const PdfLine& line)
+    // The column that a line overlaps most; the number of columns for none.
+    std::size_t Overlapped(const PdfLine& line) const
     {
         std::size_t best = columns_.size();
         double most = 0;
@@ -81,14 +81,32 @@ private:
                 best = i;
             }
         }
-        if (best < columns_.size()) {
-            columns_[best].left = std::min(columns_[best].left, line.left);
-            columns_[best].right = std::max(columns_[best].right, line.right);
-            return best;
+        return best;
+    }
+
+    // Makes the columns what they are with another line in them.
+    void AddToColumns(const PdfLine& line)
+    {
+        const std::size_t column = Overlapped(line);
+        if (column < columns_.size()) {
+            columns_[column].left = std::min(columns_[column].left, line.left);
+            columns_[column].right = std::max(columns_[column].right, line.right);
+            return;
         }
         const auto at =
             std::find_if(columns_.begin(), columns_.end(), [&](const Extent& one) { return one.left > line.left; });
-        return static_cast<std::size_t>(columns_.insert(at, {line.left, line.right}) - columns_.begin());
+        columns_.insert(at, {line.left, line.right});
+    }
+
+    // The column of a line that was added. One without any width overlaps none.
+    std::size_t Column(const PdfLine& line) const
+    {
+        const std::size_t column = Overlapped(line);
+        if (column < columns_.size())
+            return column;
+        const auto behind =
+            std::find_if(columns_.begin(), columns_.end(), [&](const Extent& one) { return one.left > line.left; });
+        return behind == columns_.begin() ? 0 : static_cast<std::size_t>(behind - columns_.begin()) - 1;
     }
 
     // Whether no line of a row would join two columns.
@@ -115,7 +133,7 @@ private:
             return false;
         for (const std::size_t i : row.lines) {
             rows_.back().push_back(i);
-            Column(lines_[i]);
+            AddToColumns(lines_[i]);
         }
         bottom_ = row.bottom;
         return true;
