@@ -280,7 +280,7 @@ private:
             return Bullet;
         List& list = lists_.back();
         list.next = Number(attributes.Get("value")).value_or(list.next);
-        const std::string label = InFormat(list.next, list.format) + ".";
+        std::string label = InFormat(list.next, list.format) + ".";
         list.next += list.step;
         return label;
     }

@@ -60,14 +60,14 @@ public:
         } else if (!element.skipped) {
             StartInBody(name, attributes, element);
         }
-        elements_.push_back(std::move(element));
+        elements_.push_back(element);
     }
 
     void End(std::string_view name) override
     {
         if (elements_.empty())
             return;
-        const Element element = std::move(elements_.back());
+        const Element element = elements_.back();
         elements_.pop_back();
         if (!element.body)
             styles_.End(name);
@@ -125,10 +125,7 @@ private:
             element.hidden = styles_.Hides("text", style, element.hidden);
             if (const std::string language = styles_.Language("text", style); !language.empty() && !writer_.HasText())
                 writer_.Language(language);
-        } else if (name == "text:s") {
-            if (element.text && !element.hidden)
-                writer_.Text(" ");
-        } else if (name == "text:tab") {
+        } else if (name == "text:s" || name == "text:tab") {
             if (element.text && !element.hidden)
                 writer_.Text(" ");
         } else if (name == "text:line-break") {
