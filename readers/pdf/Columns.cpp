@@ -52,6 +52,7 @@ std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
     constexpr double same = 1.5; // points
     constexpr std::size_t many = 8;
     std::vector<double> lefts;
+    lefts.reserve(lines.size());
     for (const PdfLine& line : lines)
         lefts.push_back(line.left);
     std::sort(lefts.begin(), lefts.end());
