@@ -112,7 +112,11 @@ TEST_F(PreparedWordTest, ADialogThatIsCancelledLeavesNothing)
     EXPECT_EQ(Alive(), 2);
     preparation.reset();
     WaitUntilNothingIsLeft();
-    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a process that has ended is still there";
+    // The process that watched over it ends last.
+    siginfo_t child{};
+    for (int i = 0; i < 1000 && ::waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT) == 0; ++i)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_EQ(::waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT), -1) << "a process is still there";
 }
 
 TEST_F(PreparedWordTest, ADialogThatIsCancelledAtOnceLeavesNothing)
