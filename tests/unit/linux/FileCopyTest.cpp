@@ -44,7 +44,7 @@ TEST_F(FileCopyTest, ACopyHasTheSameBytesAndReplacesAnOlderOne)
 {
     std::string bytes;
     while (bytes.size() < 3'000'000)
-        bytes += "any \0 bytes";
+        bytes += std::string("any ") + '\0' + " bytes";
     Write(folder / "a.acs", bytes);
     Write(folder / "b.acs", "old");
     files.CopyFile(Path("a.acs"), Path("b.acs"));
