@@ -1,4 +1,5 @@
-"""What `cmake --install` puts below a prefix: a new user who starts it is greeted, and the desktop finds what it looks for."""
+"""What `cmake --install` puts below a prefix: a new user who starts it is greeted, and the desktop finds what it looks
+for."""
 
 import os
 import shutil
@@ -35,7 +36,8 @@ class Install(unittest.TestCase):
         os.mkdir(home)
         for what in ("First", "Again"):
             result = subprocess.run([sys.executable, "-W", "ignore", "-m", "unittest", "user." + what],
-                                    cwd=os.path.join(ROOT, "tests", "package"), check=False, capture_output=True, text=True,
+                                    cwd=os.path.join(ROOT, "tests", "package"), check=False, capture_output=True,
+                                    text=True,
                                     env=dict(os.environ, HOME=home, VOXMATE=self.path("bin", "voxmate")))
             self.assertEqual(result.returncode, 0, result.stderr)
 
@@ -61,12 +63,18 @@ class Install(unittest.TestCase):
         self.assertEqual(self.said("desktop-file-validate", self.path("share", "applications", ID + ".desktop")), "")
 
     def test_the_metainfo_is_valid(self):
-        self.said("appstreamcli", "validate", "--pedantic", "--no-net", self.path("share", "metainfo", ID + ".metainfo.xml"))
+        path = self.path("share", "metainfo", ID + ".metainfo.xml")
+        # Without an address of its own the program has no home page to name; versions that know this warning are told so.
+        waived = "--override=url-homepage-missing=info"
+        trial = subprocess.run(["appstreamcli", "validate", waived, path], check=False, capture_output=True, text=True)
+        known = "not recognized" not in trial.stdout + trial.stderr
+        self.said("appstreamcli", "validate", "--pedantic", "--no-net", *([waived] if known else []), path)
 
-    def test_with_a_web_address_the_metainfo_shows_pictures_that_exist(self):
+    def test_with_web_addresses_the_metainfo_names_a_page_and_shows_pictures_that_exist(self):
         build = os.path.join(self.folder, "build")
         web = "https://voxmate.example/pictures"
-        self.said("cmake", "-S", ROOT, "-B", build, "-DVOXMATE_TESTS=OFF", "-DVOXMATE_BENCH=OFF", f"-DVOXMATE_PICTURES_URL={web}")
+        self.said("cmake", "-S", ROOT, "-B", build, "-DVOXMATE_TESTS=OFF", "-DVOXMATE_BENCH=OFF",
+                  f"-DVOXMATE_PICTURES_URL={web}", "-DVOXMATE_HOMEPAGE_URL=https://voxmate.example/")
         path = os.path.join(build, "packaging", ID + ".metainfo.xml")
         self.said("appstreamcli", "validate", "--pedantic", "--no-net", path)
         shown = [image.text for image in ElementTree.parse(path).iter("image")]
@@ -87,8 +95,8 @@ class Install(unittest.TestCase):
             file.write(bytes(range(100)))
         env = dict(os.environ, XDG_DATA_DIRS=data, XDG_DATA_HOME=self.folder)
         for name in (by_bytes, by_name):
-            result = subprocess.run(["gio", "info", "-a", "standard::content-type,standard::icon", name], env=env, check=True,
-                                    capture_output=True, text=True)
+            result = subprocess.run(["gio", "info", "-a", "standard::content-type,standard::icon", name], env=env,
+                                    check=True, capture_output=True, text=True)
             self.assertIn("standard::content-type: application/x-acs-character\n", result.stdout)
             self.assertIn("application-x-acs-character", result.stdout.split("standard::icon:")[1])
 
