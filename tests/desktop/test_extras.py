@@ -315,14 +315,13 @@ class Login(ReminderCase, ExtrasCase):
         self.assertIsNone(self.program.poll())
 
 
-def call(desk, method, signature, *arguments, wait=True):
+def call(desk, method, signature, *arguments, flags=Gio.DBusCallFlags.NO_AUTO_START):
     """Calls the program over the bus, as a launcher does."""
     bus = Gio.DBusConnection.new_for_address_sync(
         desk.env["DBUS_SESSION_BUS_ADDRESS"],
         Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
     try:
-        bus.call_sync(NAME, PATH, INTERFACE, method, GLib.Variant(signature, arguments), None, Gio.DBusCallFlags.NO_AUTO_START,
-                      desktop.PATIENCE * 1000, None)
+        bus.call_sync(NAME, PATH, INTERFACE, method, GLib.Variant(signature, arguments), None, flags, desktop.PATIENCE * 1000, None)
     finally:
         bus.close_sync()
 
@@ -415,6 +414,25 @@ class Called(ExtrasCase):
         begin = self.now()
         self.program = self.desk.start(arguments=[self.file("a.txt", "Read after the start")])
         self.hear(begin, "Read after the start")
+
+    def test_the_bus_starts_the_program_for_a_file(self):
+        services = os.path.join(self.desk.env["XDG_DATA_HOME"], "dbus-1", "services")
+        os.makedirs(services, exist_ok=True)
+        self.addCleanup(shutil.rmtree, services)
+        with open(os.path.join(services, NAME + ".service"), "w", encoding="utf-8") as file:
+            file.write(f"[D-BUS Service]\nName={NAME}\nExec=/usr/bin/env PULSE_SERVER={self.desk.env['PULSE_SERVER']} {BUILD}/voxmate\n")
+        to_bus = ("dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus")
+        self.desk.run(*to_bus, "org.freedesktop.DBus.ReloadConfig")
+        self.listen()
+        begin = self.now()
+        call(self.desk, "Open", "(asa{sv})", ["file://" + self.file("a.txt", "Started by the bus")], {}, flags=Gio.DBusCallFlags.NONE)
+        process = int(self.desk.run(*to_bus, "org.freedesktop.DBus.GetConnectionUnixProcessID", "string:" + NAME).split()[-1])
+        try:
+            self.hear(begin, "Started by the bus")
+            self.assertEqual(self.boxes(), [])
+        finally:
+            os.kill(process, signal.SIGTERM)
+            desktop.wait_for(lambda: not os.path.exists(f"/proc/{process}"), what="the program's end")
 
     def test_without_a_bus_a_second_start_with_files_says_that_there_is_another_copy(self):
         self.start_and_settle()

@@ -405,6 +405,7 @@ class EverySetting(OptionsCase):
                 self.assertIn(("label", "DejaVu Serif"), self.page)
             if tab == "Misc":
                 self.assertEqual(self.shown("check box", "Speak character intro at startup"), "on")
+        self.settle()  # while something is spoken, Escape silences that
         self.desk.key("Escape")
         self.closed()
         self.assertEqual(self.settings(names), expected)
@@ -636,6 +637,7 @@ class Keyboard(OptionsCase):
 
     def test_escape_cancels_and_enter_is_ok(self):
         self.start_here()
+        self.settle()  # while the greeting is spoken, Escape silences that
         before = self.desk.read_settings()
         for key, ticked in (("Escape", 0), ("Return", 1)):
             self.open_options()
