@@ -13,6 +13,11 @@ foreach(program voxmate acsbuild acsinfo)
     file(INSTALL "${BINARY}/${program}.1" DESTINATION "${MAN}")
 endforeach()
 
+# By this file the session's bus starts the program. It reads the command as a shell does.
+string(REPLACE "\"" "\\\"" BIN "${BIN}")
+configure_file("${SOURCE}/desktop/org.voxmate.Voxmate.service.in" "${BINARY}/org.voxmate.Voxmate.service" @ONLY)
+file(INSTALL "${BINARY}/org.voxmate.Voxmate.service" DESTINATION "${SERVICES}")
+
 # In the settings file a backslash stands before a quote.
 string(REPLACE "\"" "\\\"" SHARE "${SHARE}")
 configure_file("${SOURCE}/registry.reg.in" "${BINARY}/registry.reg" @ONLY)

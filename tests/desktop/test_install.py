@@ -59,6 +59,11 @@ class Install(unittest.TestCase):
             with open(self.path("share", "man", "man1", program + ".1"), encoding="utf-8") as page:
                 self.assertNotRegex(page.read(), r"@[A-Z]+@")
 
+    def test_the_bus_knows_what_to_start(self):
+        command = '"' + self.path("bin", "voxmate").replace('"', '\\"') + '"'
+        with open(self.path("share", "dbus-1", "services", ID + ".service"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), f"[D-BUS Service]\nName={ID}\nExec={command}\n")
+
     def test_the_desktop_entry_is_valid(self):
         self.assertEqual(self.said("desktop-file-validate", self.path("share", "applications", ID + ".desktop")), "")
 
