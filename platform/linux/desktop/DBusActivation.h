@@ -1,4 +1,4 @@
-// Calls to the program over the session's bus: org.freedesktop.Application of the Desktop Entry Specification.
+// Calls to the program over the session's bus, by the interface org.freedesktop.Application that launchers use.
 #pragma once
 
 #include "platform/Activation.h"

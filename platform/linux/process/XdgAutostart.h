@@ -1,4 +1,4 @@
-// Starting at log-in by freedesktop.org's Desktop Application Autostart Specification.
+// Starting at log-in by an entry in the autostart folder that desktops agree on (freedesktop.org).
 #pragma once
 
 #include "platform/Autostart.h"
