@@ -82,16 +82,21 @@ QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken)
         return place;
     const QRect room = area.adjusted(0, 0, 1, 1); // QRect's right and lower edges are its last pixels
     QRect best;
-    const auto consider = [&](int dx, int dy) {
-        const QRect moved = place.translated(dx, dy);
-        const auto way = [&place](const QRect& to) { return (to.topLeft() - place.topLeft()).manhattanLength(); };
-        if (room.contains(moved) && (best.isNull() || way(moved) < way(best)))
-            best = moved;
-    };
-    consider(taken.left() - Gap - place.right(), 0);
-    consider(taken.right() + Gap - place.left(), 0);
-    consider(0, taken.top() - Gap - place.bottom());
-    consider(0, taken.bottom() + Gap - place.top());
+    // Where there is no room for a gap, the window stands against the other one rather than over it.
+    for (const int gap : {Gap, 0}) {
+        const auto consider = [&](int dx, int dy) {
+            const QRect moved = place.translated(dx, dy);
+            const auto way = [&place](const QRect& to) { return (to.topLeft() - place.topLeft()).manhattanLength(); };
+            if (room.contains(moved) && (best.isNull() || way(moved) < way(best)))
+                best = moved;
+        };
+        consider(taken.left() - gap - place.right() - 1, 0);
+        consider(taken.right() + gap - place.left() + 1, 0);
+        consider(0, taken.top() - gap - place.bottom() - 1);
+        consider(0, taken.bottom() + gap - place.top() + 1);
+        if (!best.isNull())
+            break;
+    }
     return best.isNull() ? place : best;
 }
 

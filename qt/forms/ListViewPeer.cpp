@@ -296,8 +296,10 @@ public:
             if (!quiet_)
                 control_.UserItemClick(model_->ItemAt(row));
         };
-        QObject::connect(&header, &QHeaderView::sectionClicked, &context_,
-                         [this](int column) { control_.UserColumnClick(column + 1); });
+        // The toolkit tells the second of two quick clicks as a double click only; it counts as a click like any other.
+        for (const auto clicked : {&QHeaderView::sectionClicked, &QHeaderView::sectionDoubleClicked})
+            QObject::connect(&header, clicked, &context_,
+                             [this](int column) { control_.UserColumnClick(column + 1); });
     }
     ~ListViewPeer() override
     {

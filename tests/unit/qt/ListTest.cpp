@@ -199,6 +199,18 @@ TEST_F(ListTest, AHeadersClickIsToldAndTheSortedListShowsItsOrder)
     EXPECT_EQ(Clicks(), Numbers{2});
 }
 
+TEST_F(ListTest, TwoQuickClicksOnAHeaderAreTwoClicks)
+{
+    Fill({"a"});
+    std::vector<int> columns;
+    form.lst.ColumnClick = [&](int column) { columns.push_back(column); };
+    const QHeaderView& header = *View()->header();
+    const QPoint middle(header.sectionViewportPosition(1) + header.sectionSize(1) / 2, header.height() / 2);
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, middle);
+    QTest::mouseDClick(header.viewport(), Qt::LeftButton, {}, middle);
+    EXPECT_EQ(columns, (std::vector<int>{2, 2}));
+}
+
 TEST_F(ListTest, WithoutFullRowSelectOnlyTheFirstColumnIsMarked)
 {
     form.lst.FullRowSelect = false;

@@ -90,6 +90,19 @@ TEST(PlacementTest, AWindowOverTheCharacterMovesBesideItByTheShortestWay)
     EXPECT_EQ(ClearOf(screen, dialog, {400, 200, 160, 180}), dialog) << "there is room nowhere";
 }
 
+// A dialog of folders on a small screen: it fits beside the character, but not with a gap between them.
+TEST(PlacementTest, ADialogStandsAgainstTheCharacterWhereThereIsNoRoomForAGap)
+{
+    const QRect screen(0, 0, 1024, 600);
+    const QRect dialog(30, 90, 726, 434);
+    const QRect character(736, 362, 248, 222);
+    const QRect moved = ClearOf(screen, dialog, character);
+    EXPECT_FALSE(moved.intersects(character));
+    EXPECT_TRUE(screen.contains(moved));
+    EXPECT_EQ(moved.top(), dialog.top());
+    EXPECT_EQ(ClearOf(screen, {0, 90, 737, 434}, character), QRect(0, 90, 737, 434)) << "one pixel too wide";
+}
+
 TEST(PlacementTest, AWindowLargerThanTheScreenBeginsInItsCorner)
 {
     const QRect small(100, 50, 300, 200);
