@@ -18,6 +18,7 @@
 #include "platform/linux/process/XdgAutostart.h"
 #include "platform/linux/settings/FileSettingsStore.h"
 #include "platform/linux/settings/FileStateStore.h"
+#include "platform/linux/system/FontsAhead.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
@@ -33,6 +34,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -153,7 +155,9 @@ int main(int argc, char** argv)
     }
     KeepHeapSmall();
     linux_platform::AvoidHangingBus(BusPatience);
+    std::optional<linux_platform::FontsAhead> fonts(std::in_place);
     qt::QtApplication application(argc, argv);
+    fonts.reset();
     try {
         const CommandLine line = Arguments(argc, argv);
         if (!line.NotUnderstood.empty()) {

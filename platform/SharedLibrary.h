@@ -31,4 +31,30 @@ private:
     void* handle_;
 };
 
+/// Functions of a library that is loaded when they are first needed, so that the program's start does not wait for it.
+/// A derived class has a member for each function.
+class LibraryFunctions
+{
+public:
+    /// Whether the library and all of its functions were found. Otherwise none may be called.
+    explicit operator bool() const { return complete_; }
+
+protected:
+    /// Loads the library of this file name from where the system keeps libraries.
+    explicit LibraryFunctions(const char* library) : library_(SharedLibrary::Load(library)), complete_(library_) {}
+
+    /// A function's address; nullptr when there is none of that name.
+    template <class Function>
+    Function Need(const char* name)
+    {
+        const auto function = library_ ? library_->Find<Function>(name) : nullptr;
+        complete_ = complete_ && function;
+        return function;
+    }
+
+private:
+    std::optional<SharedLibrary> library_;
+    bool complete_;
+};
+
 } // namespace voxmate

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "speech/Calibration.h"
 #include "speech/Engine.h"
+#include "speech/engines/EspeakLibrary.h"
 #include "speech/engines/EspeakMarkup.h"
 #include "speech/engines/EspeakVoiceFile.h"
 #include "speech/player/Shaper.h"
@@ -23,9 +24,6 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-
-#include <espeak-ng/espeak_ng.h>
-#include <espeak-ng/speak_lib.h>
 
 namespace voxmate::speech
 {
@@ -213,8 +211,8 @@ public:
 espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
 {
     const Delivering delivering(delivery);
-    const espeak_ERROR result = espeak_Synth(ssml.c_str(), ssml.size() + 1, 0, POS_CHARACTER, 0,
-                                             espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
+    const espeak_ERROR result = Espeak().Synth(ssml.c_str(), ssml.size() + 1, 0, POS_CHARACTER, 0,
+                                               espeakCHARS_UTF8 | espeakSSML, nullptr, nullptr);
     if (delivery.error)
         std::rethrow_exception(std::exchange(delivery.error, nullptr));
     return result;
@@ -224,10 +222,12 @@ espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
 bool InitialiseLibrary()
 {
     static const bool initialised = [] {
-        const int rate = espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, BlockMilliseconds, nullptr,
-                                           espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_PHONEME_IPA |
-                                               espeakINITIALIZE_DONT_EXIT);
-        espeak_SetSynthCallback(Deliver);
+        if (!Espeak())
+            return false;
+        const int rate = Espeak().Initialize(AUDIO_OUTPUT_SYNCHRONOUS, BlockMilliseconds, nullptr,
+                                             espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_PHONEME_IPA |
+                                                 espeakINITIALIZE_DONT_EXIT);
+        Espeak().SetSynthCallback(Deliver);
         return rate == EspeakRate;
     }();
     return initialised;
@@ -326,8 +326,10 @@ private:
     void ListVoices()
     {
         listed_ = true;
-        espeak_ng_InitializePath(nullptr);
-        const espeak_VOICE** list = espeak_ListVoices(nullptr);
+        if (!Espeak())
+            return;
+        Espeak().InitializePath(nullptr);
+        const espeak_VOICE** list = Espeak().ListVoices(nullptr);
         std::map<std::string, int> seen;
         for (; list && *list; ++list) {
             const espeak_VOICE& entry = **list;
@@ -356,7 +358,7 @@ private:
         espeak_VOICE kind{};
         kind.languages = "mbrola";
         std::vector<Voice> added;
-        for (const espeak_VOICE** list = espeak_ListVoices(&kind); list && *list; ++list) {
+        for (const espeak_VOICE** list = Espeak().ListVoices(&kind); list && *list; ++list) {
             const espeak_VOICE& entry = **list;
             const std::string database = entry.identifier ? MbrolaDatabase(entry.identifier) : "";
             if (database.empty() || !entry.languages)
@@ -415,7 +417,7 @@ private:
             }
             rate = static_cast<int>(std::lround(setting.value));
         }
-        espeak_SetParameter(espeakRATE, rate, 0);
+        Espeak().SetParameter(espeakRATE, rate, 0);
         return shape;
     }
 
@@ -444,7 +446,7 @@ private:
         LengthSink length;
         if (!SelectVoice(voice, {}))
             return 0;
-        espeak_SetParameter(espeakRATE, rate, 0);
+        Espeak().SetParameter(espeakRATE, rate, 0);
         Segment numbers;
         numbers.text = "1234567, 9876543, 456, 321";
         Arranger arranger(std::span(&numbers, 1));

@@ -2,6 +2,7 @@
 
 #include "platform/FindProgram.h"
 #include "platform/MemoryFile.h"
+#include "speech/engines/EspeakLibrary.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +10,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-
-#include <espeak-ng/espeak_ng.h>
-#include <espeak-ng/speak_lib.h>
 
 namespace voxmate::speech
 {
@@ -77,10 +75,17 @@ std::string PitchLine(const std::string& definition, int hertz, bool monotone)
 
 } // namespace
 
+const EspeakLibrary& Espeak()
+{
+    static const EspeakLibrary library;
+    return library;
+}
+
 std::filesystem::path EspeakDataFolder()
 {
     const char* data = nullptr;
-    espeak_Info(&data);
+    if (Espeak())
+        Espeak().Info(&data);
     return data ? data : "";
 }
 
@@ -120,15 +125,15 @@ std::string MbrolaDatabase(const std::string& key)
 bool LoadEspeakVoice(const std::string& key, int hertz, bool monotone)
 {
     if (hertz <= 0 && !monotone)
-        return espeak_SetVoiceByName(key.c_str()) == EE_OK;
+        return Espeak().SetVoiceByName(key.c_str()) == EE_OK;
     const std::string definition = ReadDefinition(key);
     if (definition.empty())
-        return espeak_SetVoiceByName(key.c_str()) == EE_OK;
+        return Espeak().SetVoiceByName(key.c_str()) == EE_OK;
 
     // The library can read definitions only from files.
     const MemoryFile file(definition + "\n" + PitchLine(definition, hertz, monotone) + "\n");
-    const bool loaded = !file.Path().empty() && espeak_ng_SetVoiceByFile(file.Path().c_str()) == ENS_OK;
-    return loaded || espeak_SetVoiceByName(key.c_str()) == EE_OK;
+    const bool loaded = !file.Path().empty() && Espeak().SetVoiceByFile(file.Path().c_str()) == ENS_OK;
+    return loaded || Espeak().SetVoiceByName(key.c_str()) == EE_OK;
 }
 
 } // namespace voxmate::speech

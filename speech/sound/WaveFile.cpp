@@ -1,13 +1,12 @@
 #include "speech/sound/WaveFile.h"
 
 #include "speech/sound/MonoMix.h"
+#include "speech/sound/SoundFileLibrary.h"
 #include "speech/sound/WaveInput.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include <sndfile.h>
 
 namespace voxmate::speech
 {
@@ -42,7 +41,7 @@ int Bits(int format)
 }
 
 struct Close {
-    void operator()(SNDFILE* file) const { sf_close(file); }
+    void operator()(SNDFILE* file) const { SoundFiles().Close(file); }
 };
 using SoundFile = std::unique_ptr<SNDFILE, Close>;
 
@@ -76,7 +75,7 @@ public:
         // A damaged header's sample count is not trusted: samples are read as they come, but only up to a limit.
         if (left_ == 0)
             return samples_;
-        const sf_count_t frames = sf_readf_float(file_.get(), block_.data(), BlockFrames);
+        const sf_count_t frames = SoundFiles().Read(file_.get(), block_.data(), BlockFrames);
         if (frames <= 0)
             return samples_;
         const std::size_t count = static_cast<std::size_t>(frames) * static_cast<std::size_t>(info_.channels);

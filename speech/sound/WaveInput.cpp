@@ -1,5 +1,7 @@
 #include "speech/sound/WaveInput.h"
 
+#include "speech/sound/SoundFileLibrary.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -156,6 +158,12 @@ std::size_t WaveInput::Read(std::span<std::uint8_t> target)
     return count;
 }
 
+const SoundFileLibrary& SoundFiles()
+{
+    static const SoundFileLibrary library;
+    return library;
+}
+
 SNDFILE* WaveInput::Open(SF_INFO& info)
 {
     SF_VIRTUAL_IO access{[](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->size_); },
@@ -176,7 +184,7 @@ SNDFILE* WaveInput::Open(SF_INFO& info)
                          },
                          [](const void*, sf_count_t, void*) { return sf_count_t{0}; },
                          [](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->at_); }};
-    return sf_open_virtual(&access, SFM_READ, &info, this);
+    return !SoundFiles() ? nullptr : SoundFiles().Open(&access, SFM_READ, &info, this);
 }
 
 } // namespace voxmate::speech

@@ -1,5 +1,6 @@
 #include "platform/linux/sound/PulseDevice.h"
 
+#include "platform/linux/sound/PulseLibrary.h"
 #include "speech/player/HeardClock.h"
 
 #include <algorithm>
@@ -7,8 +8,6 @@
 #include <atomic>
 #include <limits>
 #include <utility>
-
-#include <pulse/pulseaudio.h>
 
 namespace voxmate::speech
 {
@@ -43,37 +42,46 @@ constexpr std::chrono::seconds FirstAnswer{10};
 constexpr std::chrono::seconds FirstArrival{5};
 constexpr std::chrono::milliseconds LookInterval{100};
 
-using Properties = std::unique_ptr<pa_proplist, decltype(&pa_proplist_free)>;
+struct FreeProperties {
+    void operator()(pa_proplist* properties) const { Pulse().proplist_free(properties); }
+};
+using Properties = std::unique_ptr<pa_proplist, FreeProperties>;
 
 /// What mixers show for the program, and what their rules match.
 Properties ProgramProperties()
 {
-    Properties properties(pa_proplist_new(), &pa_proplist_free);
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Voxmate");
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, "voxmate");
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "voxmate");
+    Properties properties(Pulse().proplist_new());
+    Pulse().proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Voxmate");
+    Pulse().proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, "voxmate");
+    Pulse().proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "voxmate");
     return properties;
 }
 
 Properties StreamProperties()
 {
     Properties properties = ProgramProperties();
-    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_NAME, "Voice");
-    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ICON_NAME, "voxmate");
+    Pulse().proplist_sets(properties.get(), PA_PROP_MEDIA_NAME, "Voice");
+    Pulse().proplist_sets(properties.get(), PA_PROP_MEDIA_ICON_NAME, "voxmate");
     // The role of programs that read aloud. The role of an event would put the voice under the desktop's "System
     // Sounds", which many people mute.
-    pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "a11y");
+    Pulse().proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "a11y");
     return properties;
 }
 
 } // namespace
 
+const PulseLibrary& Pulse()
+{
+    static const PulseLibrary library;
+    return library;
+}
+
 /// Holds the library's lock, which the library's own thread holds during callbacks.
 class PulseDevice::Lock
 {
 public:
-    explicit Lock(pa_threaded_mainloop* loop) : loop_(loop) { pa_threaded_mainloop_lock(loop_); }
-    ~Lock() { pa_threaded_mainloop_unlock(loop_); }
+    explicit Lock(pa_threaded_mainloop* loop) : loop_(loop) { Pulse().threaded_mainloop_lock(loop_); }
+    ~Lock() { Pulse().threaded_mainloop_unlock(loop_); }
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 
@@ -148,8 +156,8 @@ PulseDevice::~PulseDevice()
             Close(playing_.back());
         Disconnect();
     }
-    pa_threaded_mainloop_stop(loop_);
-    pa_threaded_mainloop_free(loop_);
+    Pulse().threaded_mainloop_stop(loop_);
+    Pulse().threaded_mainloop_free(loop_);
 }
 
 void PulseDevice::SetServer(Server server)
@@ -169,25 +177,30 @@ void PulseDevice::Look()
 void PulseDevice::Connect()
 {
     if (!loop_) {
-        loop_ = pa_threaded_mainloop_new();
-        if (!loop_ || pa_threaded_mainloop_start(loop_) < 0) {
+        if (!Pulse()) {
+            SetServer(Server::Absent);
+            return;
+        }
+        loop_ = Pulse().threaded_mainloop_new();
+        if (!loop_ || Pulse().threaded_mainloop_start(loop_) < 0) {
             if (loop_)
-                pa_threaded_mainloop_free(loop_);
+                Pulse().threaded_mainloop_free(loop_);
             loop_ = nullptr;
             SetServer(Server::Absent);
             return;
         }
     }
     const Lock lock(loop_);
-    if (context_ && PA_CONTEXT_IS_GOOD(pa_context_get_state(context_)))
+    if (context_ && PA_CONTEXT_IS_GOOD(Pulse().context_get_state(context_)))
         return;
     Disconnect();
     SetServer(Server::Unknown);
-    context_ = pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop_), nullptr, ProgramProperties().get());
-    pa_context_set_state_callback(
+    context_ =
+        Pulse().context_new_with_proplist(Pulse().threaded_mainloop_get_api(loop_), nullptr, ProgramProperties().get());
+    Pulse().context_set_state_callback(
         context_, [](pa_context*, void* self) { static_cast<PulseDevice*>(self)->ContextChanged(); }, this);
     // The desktop's session runs the server; starting one from here could block this thread.
-    if (pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+    if (Pulse().context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
         SetServer(Server::Absent);
 }
 
@@ -195,26 +208,26 @@ void PulseDevice::Disconnect()
 {
     if (!context_)
         return;
-    pa_context_set_state_callback(context_, nullptr, nullptr);
-    pa_context_set_subscribe_callback(context_, nullptr, nullptr);
-    pa_context_disconnect(context_);
-    pa_context_unref(std::exchange(context_, nullptr));
+    Pulse().context_set_state_callback(context_, nullptr, nullptr);
+    Pulse().context_set_subscribe_callback(context_, nullptr, nullptr);
+    Pulse().context_disconnect(context_);
+    Pulse().context_unref(std::exchange(context_, nullptr));
 }
 
 void PulseDevice::ContextChanged()
 {
-    switch (pa_context_get_state(context_)) {
+    switch (Pulse().context_get_state(context_)) {
     case PA_CONTEXT_READY:
-        pa_context_set_subscribe_callback(
+        Pulse().context_set_subscribe_callback(
             context_,
             [](pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self) {
                 static_cast<PulseDevice*>(self)->AskForSink();
             },
             this);
-        if (pa_operation* operation = pa_context_subscribe(
+        if (pa_operation* operation = Pulse().context_subscribe(
                 context_, static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SERVER),
                 nullptr, nullptr))
-            pa_operation_unref(operation);
+            Pulse().operation_unref(operation);
         AskForSink();
         for (const PlayingPtr& playing : std::vector(playing_))
             if (!playing->stream)
@@ -234,13 +247,13 @@ void PulseDevice::ContextChanged()
 void PulseDevice::AskForSink()
 {
     sinkFound_ = false;
-    if (pa_operation* operation = pa_context_get_sink_info_by_name(
+    if (pa_operation* operation = Pulse().context_get_sink_info_by_name(
             context_, "@DEFAULT_SINK@",
             [](pa_context*, const pa_sink_info* sink, int end, void* self) {
                 static_cast<PulseDevice*>(self)->SinkKnown(sink, end);
             },
             this))
-        pa_operation_unref(operation);
+        Pulse().operation_unref(operation);
 }
 
 void PulseDevice::SinkKnown(const pa_sink_info* sink, int end)
@@ -313,14 +326,14 @@ std::unique_ptr<AudioStream> PulseDevice::Open(int samplesPerSecond, std::shared
 
     const Lock lock(loop_);
     playing_.push_back(playing);
-    playing->timer = pa_context_rttime_new(
-        context_, pa_rtclock_now() + static_cast<pa_usec_t>(FirstFeedMicroseconds),
+    playing->timer = Pulse().context_rttime_new(
+        context_, Pulse().rtclock_now() + static_cast<pa_usec_t>(FirstFeedMicroseconds),
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
             if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->Watch(known);
         },
         playing.get());
-    if (pa_context_get_state(context_) == PA_CONTEXT_READY)
+    if (Pulse().context_get_state(context_) == PA_CONTEXT_READY)
         Begin(playing);
     return std::make_unique<Stream>(playing);
 }
@@ -332,21 +345,21 @@ void PulseDevice::Begin(const PlayingPtr& playing)
     format.rate = static_cast<std::uint32_t>(playing->rate);
     format.channels = 1;
     const Properties properties = StreamProperties();
-    playing->stream = pa_sample_spec_valid(&format)
-                          ? pa_stream_new_with_proplist(context_, nullptr, &format, nullptr, properties.get())
+    playing->stream = Pulse().sample_spec_valid(&format)
+                          ? Pulse().stream_new_with_proplist(context_, nullptr, &format, nullptr, properties.get())
                           : nullptr;
     if (!playing->stream) {
         Fail(playing);
         return;
     }
-    pa_stream_set_state_callback(
+    Pulse().stream_set_state_callback(
         playing->stream,
         [](pa_stream*, void* data) {
             if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
                 known->device->StreamChanged(known);
         },
         playing.get());
-    pa_stream_set_write_callback(
+    Pulse().stream_set_write_callback(
         playing->stream,
         [](pa_stream*, std::size_t, void* data) {
             if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
@@ -355,20 +368,21 @@ void PulseDevice::Begin(const PlayingPtr& playing)
         playing.get());
     pa_buffer_attr buffer{};
     const auto bytes = [&format](int milliseconds) {
-        return static_cast<std::uint32_t>(pa_usec_to_bytes(static_cast<pa_usec_t>(milliseconds) * 1000, &format));
+        return static_cast<std::uint32_t>(Pulse().usec_to_bytes(static_cast<pa_usec_t>(milliseconds) * 1000, &format));
     };
     buffer.maxlength = static_cast<std::uint32_t>(-1);
     buffer.tlength = bytes(BufferMilliseconds);
     buffer.prebuf = bytes(FirstMilliseconds);
     buffer.minreq = static_cast<std::uint32_t>(-1);
     buffer.fragsize = static_cast<std::uint32_t>(-1);
-    if (pa_stream_connect_playback(playing->stream, nullptr, &buffer, PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0)
+    if (Pulse().stream_connect_playback(playing->stream, nullptr, &buffer, PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) <
+        0)
         Fail(playing);
 }
 
 void PulseDevice::StreamChanged(const PlayingPtr& playing)
 {
-    switch (pa_stream_get_state(playing->stream)) {
+    switch (Pulse().stream_get_state(playing->stream)) {
     case PA_STREAM_READY:
         playing->ready = true;
         playing->lastNews = Clock::now();
@@ -391,7 +405,7 @@ void PulseDevice::Feed(const PlayingPtr& playing)
 {
     if (!playing->ready || playing->over)
         return;
-    std::size_t writable = pa_stream_writable_size(playing->stream);
+    std::size_t writable = Pulse().stream_writable_size(playing->stream);
     if (writable == static_cast<std::size_t>(-1)) {
         Fail(playing);
         return;
@@ -416,8 +430,8 @@ void PulseDevice::Feed(const PlayingPtr& playing)
             std::fill(room.begin(), room.end(), std::int16_t{0});
             count = room.size();
         }
-        if (pa_stream_write(playing->stream, block.data(), count * sizeof(std::int16_t), nullptr, 0, PA_SEEK_RELATIVE) <
-            0) {
+        if (Pulse().stream_write(playing->stream, block.data(), count * sizeof(std::int16_t), nullptr, 0,
+                                 PA_SEEK_RELATIVE) < 0) {
             Fail(playing);
             return;
         }
@@ -441,15 +455,15 @@ void PulseDevice::Watch(const PlayingPtr& playing)
         return;
     }
     const bool soon = playing->written == 0 && now - playing->opened < FirstSoon;
-    pa_context_rttime_restart(context_, playing->timer,
-                              pa_rtclock_now() +
-                                  static_cast<pa_usec_t>(soon ? FirstFeedMicroseconds : FeedMicroseconds));
+    Pulse().context_rttime_restart(context_, playing->timer,
+                                   Pulse().rtclock_now() +
+                                       static_cast<pa_usec_t>(soon ? FirstFeedMicroseconds : FeedMicroseconds));
 }
 
 void PulseDevice::AskForClock(const PlayingPtr& playing)
 {
     playing->asked = Clock::now();
-    playing->question = pa_stream_update_timing_info(
+    playing->question = Pulse().stream_update_timing_info(
         playing->stream,
         [](pa_stream*, int success, void* data) {
             if (const PlayingPtr known = static_cast<Playing*>(data)->weak_from_this().lock())
@@ -464,15 +478,16 @@ void PulseDevice::AskForClock(const PlayingPtr& playing)
 void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
 {
     if (playing->question)
-        pa_operation_unref(std::exchange(playing->question, nullptr));
-    const pa_timing_info* const timing = success ? pa_stream_get_timing_info(playing->stream) : nullptr;
+        Pulse().operation_unref(std::exchange(playing->question, nullptr));
+    const pa_timing_info* const timing = success ? Pulse().stream_get_timing_info(playing->stream) : nullptr;
     if (!timing)
         return;
     const Clock::time_point now = Clock::now();
     const std::int64_t taken = std::max<std::int64_t>(timing->read_index, 0);
-    const std::int64_t heard = static_cast<std::int64_t>(pa_bytes_to_usec(static_cast<std::uint64_t>(taken),
-                                                                          pa_stream_get_sample_spec(playing->stream))) -
-                               static_cast<std::int64_t>(timing->sink_usec);
+    const std::int64_t heard =
+        static_cast<std::int64_t>(
+            Pulse().bytes_to_usec(static_cast<std::uint64_t>(taken), Pulse().stream_get_sample_spec(playing->stream))) -
+        static_cast<std::int64_t>(timing->sink_usec);
     // What follows the last sample is silence without end: that the server takes it says nothing.
     const bool allTaken = playing->end >= 0 && taken >= playing->end * SampleBytes;
     if (allTaken ? heard > playing->heard : taken > playing->taken || playing->starved)
@@ -483,7 +498,7 @@ void PulseDevice::ClockTold(const PlayingPtr& playing, bool success)
     // The age is measured with the wall clock, which may have been set meanwhile; the answer cannot be older than the
     // request.
     const Clock::duration age = std::clamp<Clock::duration>(
-        std::chrono::microseconds(pa_timeval_age(&timing->timestamp)), {}, now - playing->asked);
+        std::chrono::microseconds(Pulse().timeval_age(&timing->timestamp)), {}, now - playing->asked);
     {
         const std::lock_guard lock(playing->clockMutex);
         playing->clock.Set(heard, now - age, timing->playing != 0);
@@ -522,20 +537,20 @@ void PulseDevice::Close(const PlayingPtr& playing)
         return;
     playing->over = true;
     if (playing->timer)
-        pa_threaded_mainloop_get_api(loop_)->time_free(std::exchange(playing->timer, nullptr));
+        Pulse().threaded_mainloop_get_api(loop_)->time_free(std::exchange(playing->timer, nullptr));
     if (playing->question) {
-        pa_operation_cancel(playing->question);
-        pa_operation_unref(std::exchange(playing->question, nullptr));
+        Pulse().operation_cancel(playing->question);
+        Pulse().operation_unref(std::exchange(playing->question, nullptr));
     }
     if (playing->stream) {
-        pa_stream_set_state_callback(playing->stream, nullptr, nullptr);
-        pa_stream_set_write_callback(playing->stream, nullptr, nullptr);
-        if (PA_STREAM_IS_GOOD(pa_stream_get_state(playing->stream))) {
-            if (pa_operation* operation = pa_stream_flush(playing->stream, nullptr, nullptr))
-                pa_operation_unref(operation);
-            pa_stream_disconnect(playing->stream);
+        Pulse().stream_set_state_callback(playing->stream, nullptr, nullptr);
+        Pulse().stream_set_write_callback(playing->stream, nullptr, nullptr);
+        if (PA_STREAM_IS_GOOD(Pulse().stream_get_state(playing->stream))) {
+            if (pa_operation* operation = Pulse().stream_flush(playing->stream, nullptr, nullptr))
+                Pulse().operation_unref(operation);
+            Pulse().stream_disconnect(playing->stream);
         }
-        pa_stream_unref(std::exchange(playing->stream, nullptr));
+        Pulse().stream_unref(std::exchange(playing->stream, nullptr));
     }
     std::erase(playing_, playing);
 }
