@@ -1,9 +1,10 @@
 """Compares ways to the loudspeaker: figures of each in turn, several times, and what each does when the sound server is
-restarted in mid-sentence, comes late, hangs, or loses the device.
+restarted in mid-sentence, comes late, hangs, or loses the device. The server is PulseAudio, or PipeWire's own.
 
-Usage: /usr/bin/python3 bench/sound_outputs.py [BUILD_FOLDER [RUNS]]
+Usage: /usr/bin/python3 bench/sound_outputs.py [--pipewire] [BUILD_FOLDER [RUNS]]
 """
 
+import argparse
 import os
 import signal
 import subprocess
@@ -16,6 +17,27 @@ sys.path.insert(0, os.path.join(ROOT, "tests", "desktop"))
 import desk as desktop  # noqa: E402  pylint: disable=wrong-import-position
 
 LONGEST = 15  # seconds that an event is waited for
+
+
+class PipeWireDesk(desktop.Desk):
+    """A desk whose sound server is PipeWire's own."""
+
+    core = None
+
+    def start_sound(self):
+        runtime = self.env["XDG_RUNTIME_DIR"]
+        socket = os.path.join(runtime, "pulse", "native")
+        if not self.core:
+            self.core = self.spawn("pipewire")
+            desktop.wait_for(lambda: os.path.exists(os.path.join(runtime, "pipewire-0")), what="PipeWire")
+            self.spawn("wireplumber")
+        elif os.path.exists(socket):
+            os.remove(socket)
+        self.sound = self.spawn("pipewire-pulse")
+        self.env["PULSE_SERVER"] = "unix:" + socket
+        desktop.wait_for(lambda: self.run("pactl", "info", check=False), what="the sound server")
+        self.run("pactl", "load-module", "module-null-sink", "sink_name=rec")
+        desktop.wait_for(lambda: b"Default Sink: rec" in self.run("pactl", "info"), what="the sink")
 
 
 class Player:
@@ -79,16 +101,20 @@ def losing_the_device(desk, player):
 
 
 def main():
-    build = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else os.path.join(ROOT, "build", "release"))
-    runs = sys.argv[2] if len(sys.argv) > 2 else "20"
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--pipewire", action="store_true")
+    parser.add_argument("build", nargs="?", default=os.path.join(ROOT, "build", "release"))
+    parser.add_argument("runs", nargs="?", default="20")
+    arguments = parser.parse_args()
+    build = os.path.abspath(arguments.build)
     tool = os.path.join(build, "sound_outputs")
     names = [name for name in ("pulse", "cubeb")
              if subprocess.run([tool, name], stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False).returncode == 2]
-    desk = desktop.Desk(build)
+    desk = PipeWireDesk(build) if arguments.pipewire else desktop.Desk(build)
     try:
         for _ in range(2):
             for name in names:
-                result = subprocess.run([tool, name, "figures", runs], env=desk.env, stdout=subprocess.PIPE,
+                result = subprocess.run([tool, name, "figures", arguments.runs], env=desk.env, stdout=subprocess.PIPE,
                                         stderr=subprocess.DEVNULL, check=False)
                 print(f"{name}:\n{result.stdout.decode()}", end="", flush=True)
         for name in names:
