@@ -1,5 +1,7 @@
 #include "platform/Sandbox.h"
 
+#include "platform/linux/system/Limits.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -8,7 +10,6 @@
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -22,25 +23,9 @@ namespace voxmate
 namespace
 {
 
-// The address sanitizer reserves far more address space than any limit would allow.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool UnderAddressSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool UnderAddressSanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool UnderAddressSanitizer = false;
-#endif
-
-void Limit(__rlimit_resource_t resource, rlim_t soft, rlim_t hard)
-{
-    const rlimit limit{soft, hard};
-    setrlimit(resource, &limit);
-}
-
 void SetLimits(const SandboxLimits& limits)
 {
-    if (!UnderAddressSanitizer)
-        Limit(RLIMIT_AS, limits.memory, limits.memory);
+    LimitMemory(limits.memory);
     // At the first limit comes SIGXCPU, by which the starter knows why the process ended.
     const auto seconds = static_cast<rlim_t>(limits.time.count());
     Limit(RLIMIT_CPU, seconds, seconds + 1);

@@ -1,12 +1,13 @@
 #include "platform/Trial.h"
 
+#include "platform/linux/system/Limits.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <thread>
 
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,15 +16,6 @@ namespace voxmate
 
 namespace
 {
-
-// The address sanitizer reserves far more address space than any limit would allow.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool UnderAddressSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool UnderAddressSanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool UnderAddressSanitizer = false;
-#endif
 
 /// Called in a child. Makes it end with the program (with the thread that forked it) and closes all of the program's
 /// files: otherwise the program's lock, display and sound would stay open as long as the child lives.
@@ -76,11 +68,8 @@ std::optional<bool> TryInProcess(const std::function<bool()>& act, const TrialLi
         LeaveProgram(program);
         for (const int fatal : {SIGSEGV, SIGBUS, SIGFPE, SIGABRT, SIGALRM, SIGTERM})
             std::signal(fatal, SIG_DFL);
-        const rlimit memory{limits.memory, limits.memory};
-        const rlimit core{0, 0};
-        if (!UnderAddressSanitizer)
-            setrlimit(RLIMIT_AS, &memory);
-        setrlimit(RLIMIT_CORE, &core);
+        LimitMemory(limits.memory);
+        Limit(RLIMIT_CORE, 0, 0);
         alarm(static_cast<unsigned>(limits.time.count()));
         _exit(act() ? 0 : 1);
     }
