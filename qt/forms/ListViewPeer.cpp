@@ -6,6 +6,7 @@
 
 #include <QAbstractTableModel>
 #include <QApplication>
+#include <QHash>
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
@@ -172,9 +173,28 @@ protected:
         const auto pixmap = index.data(Qt::DecorationRole).value<QPixmap>();
         if (pixmap.isNull())
             return;
-        option->icon = {};
-        option->icon.addPixmap(pixmap, QIcon::Normal);
-        option->icon.addPixmap(OnField(pixmap, option->palette.color(QPalette::Base)), QIcon::Selected);
+        option->icon = IconOf(pixmap, option->palette.color(QPalette::Base));
+    }
+
+private:
+    /// Far more than the pictures of any list.
+    static constexpr int MostIcons = 16;
+
+    mutable QHash<qint64, QIcon> icons_; ///< by the picture's key
+    mutable QColor field_;               ///< for which they were made
+
+    /// Kept, because the toolkit's cache remembers every picture that it has ever drawn.
+    QIcon IconOf(const QPixmap& pixmap, const QColor& field) const
+    {
+        if (field != field_ || icons_.size() == MostIcons)
+            icons_.clear();
+        field_ = field;
+        QIcon& icon = icons_[pixmap.cacheKey()];
+        if (icon.isNull()) {
+            icon.addPixmap(pixmap, QIcon::Normal);
+            icon.addPixmap(OnField(pixmap, field), QIcon::Selected);
+        }
+        return icon;
     }
 };
 

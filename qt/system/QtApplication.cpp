@@ -58,6 +58,7 @@ QtApplication::QtApplication(int& argc, char** argv)
     rest_.setInterval(Rest);
     rest_.callOnTimeout(this, [this] {
         QPixmapCache::clear();
+        cells_.DeleteDead();
         if (AtRest)
             AtRest();
     });

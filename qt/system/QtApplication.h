@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/RuntimeError.h"
+#include "qt/system/AccessibleCells.h"
 #include "qt/widgets/DesktopFonts.h"
 #include "qt/widgets/IconSet.h"
 
@@ -55,6 +56,7 @@ private:
     bool IsForEscape(QObject* receiver, QEvent* event);
 
     DesktopFonts fonts_;
+    AccessibleCells cells_;
     bool reporting_ = false;
     QTimer rest_;
 };

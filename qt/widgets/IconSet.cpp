@@ -11,7 +11,7 @@ namespace voxmate::qt
 QPixmap IconSet::Pixmap(const QString& name, int size, qreal ratio, const QColor& ink) const
 {
     const int pixels = qRound(size * ratio);
-    const QString key = QStringLiteral("voxmate/%1/%2/%3").arg(name).arg(pixels).arg(ink.rgba());
+    const QString key = QStringLiteral("voxmate/%1/%2/%3/%4").arg(name).arg(pixels).arg(ratio).arg(ink.rgba());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
         QFile file(folder_ + u'/' + name + QStringLiteral(".svg"));
@@ -25,9 +25,10 @@ QPixmap IconSet::Pixmap(const QString& name, int size, qreal ratio, const QColor
         QPainter painter(&pixmap);
         renderer.render(&painter);
         painter.end();
+        // Before it is kept: setting it later would make another picture of it each time.
+        pixmap.setDevicePixelRatio(ratio);
         QPixmapCache::insert(key, pixmap);
     }
-    pixmap.setDevicePixelRatio(ratio);
     return pixmap;
 }
 

@@ -224,7 +224,8 @@ class TourCase(ReminderCase):
     # Menus.
 
     def menu_bar(self):
-        return next(c.node for c in self.walk() if c.role == "menu bar")
+        # While windows come and go the walk may meet one that has just gone.
+        return desktop.wait_for(lambda: next((c.node for c in self.walk() if c.role == "menu bar"), None), what="the menu bar")
 
     def menu_leaves(self):
         """Paths of all items of the menu bar that have no submenu, whether their menu is open or not."""

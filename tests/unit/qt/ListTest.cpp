@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 
 namespace voxmate::qt
@@ -197,6 +198,25 @@ TEST_F(ListTest, AHeadersClickIsToldAndTheSortedListShowsItsOrder)
     Watch();
     Press(0);
     EXPECT_EQ(Clicks(), Numbers{2});
+}
+
+// The toolkit's cache of pictures remembers each one that it has ever drawn.
+TEST_F(ListTest, DrawingARowAgainMakesNoNewPictures)
+{
+    Fill({"a"});
+    form.lst.SelectItem(1);
+    const auto icon = [this] {
+        struct Delegate : QStyledItemDelegate {
+            using QStyledItemDelegate::initStyleOption;
+        };
+        QStyleOptionViewItem option;
+        option.initFrom(View());
+        (static_cast<QStyledItemDelegate*>(View()->itemDelegate())->*&Delegate::initStyleOption)(
+            &option, View()->model()->index(0, 0));
+        return option.icon;
+    };
+    ASSERT_FALSE(icon().isNull());
+    EXPECT_EQ(icon().cacheKey(), icon().cacheKey());
 }
 
 TEST_F(ListTest, TwoQuickClicksOnAHeaderAreTwoClicks)
