@@ -35,6 +35,7 @@ public:
     {
         widget_->setTextFormat(Qt::PlainText);
         widget_->setTextInteractionFlags(Qt::NoTextInteraction);
+        widget_->setWordWrap(control_.Wraps);
         if (control_.Heading) {
             widget_->setForegroundRole(QPalette::Text);
             ShowLarge();
@@ -56,7 +57,7 @@ public:
             widget_->setFont(ToQFont(control_.Font, QFont()));
         if (property != Property::Caption)
             return;
-        widget_->setText(ToQt(control_.Caption));
+        widget_->setText(ToQt(control_.MarkedCaption()));
         KeepRoom();
     }
 
@@ -95,9 +96,9 @@ public:
         if (property != Property::Caption)
             return;
         if (control_.Picture.empty())
-            widget_->setText(ToQt(control_.Caption));
+            widget_->setText(ToQt(control_.MarkedCaption()));
         else
-            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.Caption)));
+            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.MarkedCaption())));
     }
 };
 
@@ -116,7 +117,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption)
-            widget_->setText(ToQt(control_.Caption));
+            widget_->setText(ToQt(control_.MarkedCaption()));
         else if (property == Property::Value)
             widget_->setChecked(control_.Value != 0);
     }
@@ -213,7 +214,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption)
-            widget_->ShowTitle(ToQt(control_.Caption));
+            widget_->ShowTitle(ToQt(control_.MarkedCaption()));
     }
 };
 

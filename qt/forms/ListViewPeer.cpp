@@ -30,6 +30,7 @@ constexpr int IconSize = 16;
 constexpr int RowPadding = 8;
 constexpr int HeaderPadding = 12;
 constexpr int TextMargin = 6; // on each side of a text
+constexpr int PlaceholderMargin = 24;
 constexpr int LeastRows = 8;
 // Preferred width, in average characters, of a column that takes the remaining space.
 constexpr int SpareChars = 32;
@@ -203,6 +204,7 @@ public:
         header()->setStretchLastSection(false);
     }
 
+    QString Placeholder; ///< shown while there is no row
     /// Called when the user selects a row, or presses the mouse on the selected one.
     std::function<void(int row)> OnSelect;
 
@@ -227,6 +229,17 @@ public:
     int RowHeight() const { return std::max(fontMetrics().height(), IconSize) + RowPadding; }
 
 protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QTreeView::paintEvent(event);
+        if (Placeholder.isEmpty() || model()->rowCount() > 0)
+            return;
+        QPainter painter(viewport());
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(viewport()->rect().adjusted(PlaceholderMargin, PlaceholderMargin, -PlaceholderMargin, 0),
+                         Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, Placeholder);
+    }
+
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override
     {
         QTreeView::currentChanged(current, previous);
@@ -290,6 +303,7 @@ public:
             header.setSectionResizeMode(column, QHeaderView::Interactive);
             header.resizeSection(column, std::max(width, header.sectionSizeHint(column)));
         }
+        widget_->Placeholder = ToQt(control_.PlaceholderText);
         Update(Property::Value);
         Refresh();
         widget_->OnSelect = [this](int row) {
@@ -298,8 +312,7 @@ public:
         };
         // The toolkit tells the second of two quick clicks as a double click only; it counts as a click like any other.
         for (const auto clicked : {&QHeaderView::sectionClicked, &QHeaderView::sectionDoubleClicked})
-            QObject::connect(&header, clicked, &context_,
-                             [this](int column) { control_.UserColumnClick(column + 1); });
+            QObject::connect(&header, clicked, &context_, [this](int column) { control_.UserColumnClick(column + 1); });
     }
     ~ListViewPeer() override
     {
@@ -335,6 +348,8 @@ private:
         quiet_ = true;
         model_->Refresh();
         quiet_ = false;
+        // A list without a row has nothing else for a screen reader.
+        widget_->setAccessibleDescription(model_->rowCount({}) == 0 ? widget_->Placeholder : QString());
         QHeaderView& header = *widget_->header();
         header.setSortIndicatorShown(control_.Sorted);
         if (control_.Sorted)
