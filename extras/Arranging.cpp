@@ -38,6 +38,12 @@ bool StretchTo(Layout& arrangement, const Control& control)
     return found;
 }
 
+Layout* ItemOf(Layout& arrangement, const Control& control)
+{
+    const Found found = ParentOf(arrangement, control);
+    return found.parent ? &found.parent->children[found.at] : nullptr;
+}
+
 Layout TakeOut(Layout& arrangement, const Control& control)
 {
     const Found found = ParentOf(arrangement, control);

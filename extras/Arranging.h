@@ -9,6 +9,9 @@ namespace voxmate
 /// Lets the control take the spare room, all the way from the outermost layout down to it; false when it is not there.
 bool StretchTo(Layout& arrangement, const Control& control);
 
+/// The control's item; null when it is not there.
+Layout* ItemOf(Layout& arrangement, const Control& control);
+
 /// Takes the control's item out of the arrangement; empty room when it is not there.
 Layout TakeOut(Layout& arrangement, const Control& control);
 

@@ -38,6 +38,9 @@ void ReminderEntry::Arrange()
     PutBehind(editor_.Arrangement, editor_.txtTitle, Item(lblUnderstood_));
     Layout add = TakeOut(editor_.Arrangement, editor_.cmdAdd);
     Layout update = TakeOut(editor_.Arrangement, editor_.cmdUpdate);
+    // Three lines, its own least height, make up for the new rows: the window still fits a small screen.
+    if (Layout* const description = ItemOf(editor_.Arrangement, editor_.txtDesc))
+        description->minHeight = 0;
     PutAtEnd(editor_.Arrangement, editor_.Frame1, Row({std::move(add), std::move(update), Space()}));
 }
 

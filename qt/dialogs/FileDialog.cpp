@@ -1,6 +1,7 @@
 #include "qt/dialogs/FileDialog.h"
 
 #include "qt/dialogs/ModalWindows.h"
+#include "qt/widgets/FontScale.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -13,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QTreeView>
@@ -31,9 +33,10 @@ namespace
 void MakeRoom(QFileDialog& dialog)
 {
     constexpr int typeColumn = 2;
+    constexpr qreal MostOfScreen = 0.8;
     if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
         // All of the toolkit's icons exist in this size, so that all names begin at the same position.
-        places->setIconSize({16, 16});
+        places->setIconSize(QSize(16, 16) * FontScale());
         places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
     }
     if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
@@ -41,6 +44,8 @@ void MakeRoom(QFileDialog& dialog)
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     }
+    const QSize room = (dialog.parentWidget() ? dialog.parentWidget() : &dialog)->screen()->availableSize();
+    dialog.resize((dialog.size() * FontScale()).boundedTo(room * MostOfScreen));
 }
 
 /// Gives accessible names to the parts that the toolkit leaves without.

@@ -4,6 +4,7 @@
 #include "controls/MonthView.h"
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/DialogPeers.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/ReadableStyle.h"
 #include "qt/widgets/Widgets.h"
@@ -46,6 +47,8 @@ public:
         new FontChange(&context_, *widget_->window(), [this] {
             if (control_.Heading)
                 ShowLarge();
+            if (control_.Font.get() != FontSpec{})
+                Update(Property::Font);
             KeepRoom();
         });
     }
@@ -125,6 +128,9 @@ public:
 
 // Entries that an open list shows at once.
 constexpr int VisibleItems = 12;
+// A drop-down list is at least as wide as its longest entry, within these numbers of wide characters.
+constexpr int FewestCharacters = 16;
+constexpr int MostCharacters = 27;
 
 /// A combo box that the wheel changes only while it has the focus, so that scrolling past it chooses nothing.
 class QuietComboBox : public QComboBox
@@ -158,7 +164,6 @@ public:
         widget_->setMaxVisibleItems(VisibleItems);
         widget_->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         static_cast<QListView*>(widget_->view())->setSpacing(2);
-        widget_->setMinimumContentsLength(16);
         widget_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         Update(Property::Items);
         QObject::connect(widget_, &QComboBox::activated, &context_, [this](int index) { control_.UserSelect(index); });
@@ -177,6 +182,10 @@ public:
                 widget_->clear();
             for (auto i = static_cast<std::size_t>(widget_->count()); i < items.size(); ++i)
                 widget_->addItem(ToQt(items[i]));
+            int longest = FewestCharacters;
+            for (const std::string& item : items)
+                longest = std::max(longest, static_cast<int>(ToQt(item).size()));
+            widget_->setMinimumContentsLength(std::min(longest, MostCharacters));
         }
         widget_->setCurrentIndex(control_.ListIndex);
     }
@@ -370,7 +379,7 @@ QFont ToQFont(const FontSpec& font, const QFont& base)
     if (const QString family = ToQt(font.Name); QFontDatabase::hasFamily(family))
         result.setFamily(family);
     if (font.Size > 0)
-        result.setPointSizeF(font.Size);
+        result.setPointSizeF(font.Size * FontScale());
     result.setBold(font.Bold);
     return result;
 }

@@ -2,6 +2,7 @@
 #include "controls/ListView.h"
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/ControlPeers.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 
 #include <QAbstractTableModel>
@@ -34,6 +35,7 @@ constexpr int PlaceholderMargin = 24;
 constexpr int LeastRows = 8;
 // Preferred width, in average characters, of a column that takes the remaining space.
 constexpr int SpareChars = 32;
+constexpr int LeastSpareChars = 12;
 
 /// The desktop's style with wider columns and with the frame that other fields have.
 class AirierStyle : public QProxyStyle
@@ -110,7 +112,7 @@ public:
         case Qt::AccessibleTextRole:
             return image ? text() + QStringLiteral(", ") + ToQt(image->Description) : text();
         case Qt::DecorationRole:
-            return image ? QVariant(icons_.Pixmap(ToQt(image->Picture), IconSize, view_.devicePixelRatioF(),
+            return image ? QVariant(icons_.Pixmap(ToQt(image->Picture), Scaled(IconSize), view_.devicePixelRatioF(),
                                                   view_.palette().color(QPalette::Text)))
                          : QVariant();
         default:
@@ -162,7 +164,7 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
         const QSize hint = QStyledItemDelegate::sizeHint(option, index);
-        return {hint.width(), std::max(option.fontMetrics.height(), IconSize) + RowPadding};
+        return {hint.width(), std::max(option.fontMetrics.height(), Scaled(IconSize)) + RowPadding};
     }
 
 protected:
@@ -210,11 +212,11 @@ public:
 
     QSize sizeHint() const override
     {
-        int width = 2 * frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-        for (int column = 0; column < header()->count(); ++column)
-            width += header()->sectionResizeMode(column) == QHeaderView::Stretch ? WidthOf(SpareChars)
-                                                                                 : header()->sectionSize(column);
-        return {width, 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
+        return {WidthWith(SpareChars), 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
+    }
+    QSize minimumSizeHint() const override
+    {
+        return {WidthWith(LeastSpareChars), QTreeView::minimumSizeHint().height()};
     }
 
     /// Flags that make an item the only one selected.
@@ -226,7 +228,7 @@ public:
 
     /// Width of a column for so many average characters.
     int WidthOf(int chars) const { return chars * fontMetrics().horizontalAdvance(u'0') + 4 * TextMargin; }
-    int RowHeight() const { return std::max(fontMetrics().height(), IconSize) + RowPadding; }
+    int RowHeight() const { return std::max(fontMetrics().height(), Scaled(IconSize)) + RowPadding; }
 
 protected:
     void paintEvent(QPaintEvent* event) override
@@ -273,6 +275,16 @@ protected:
     }
 
 private:
+    /// The list's width when a column that takes the remaining space has room for so many average characters.
+    int WidthWith(int spareChars) const
+    {
+        int width = 2 * frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        for (int column = 0; column < header()->count(); ++column)
+            width += header()->sectionResizeMode(column) == QHeaderView::Stretch ? WidthOf(spareChars)
+                                                                                 : header()->sectionSize(column);
+        return width;
+    }
+
     void Tell(int row)
     {
         told_ = true;
@@ -299,7 +311,7 @@ public:
                 header.setSectionResizeMode(column, QHeaderView::Stretch);
                 continue;
             }
-            const int width = widget_->WidthOf(one.Chars) + (column == 0 && control_.SmallIcons ? IconSize : 0);
+            const int width = widget_->WidthOf(one.Chars) + (column == 0 && control_.SmallIcons ? Scaled(IconSize) : 0);
             header.setSectionResizeMode(column, QHeaderView::Interactive);
             header.resizeSection(column, std::max(width, header.sectionSizeHint(column)));
         }

@@ -1,10 +1,12 @@
 #include "qt/forms/QtFormPeer.h"
 
 #include "controls/OptionButton.h"
+#include "controls/Pictures.h"
 #include "qt/dialogs/Placement.h"
 #include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
 #include "qt/system/Desktop.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
 
@@ -134,10 +136,14 @@ QWidget* QtFormPeer::MakeItem(const Layout& item)
         return nullptr;
     QWidget* widget = peer->Widget();
     widgets_[item.control] = std::move(peer);
+    // Room for a text grows with the text. A list has its columns' widths, and scrolls.
+    const bool text = dynamic_cast<Label*>(item.control) || dynamic_cast<Pane*>(item.control);
+    const auto room = [text](int size) { return text ? Scaled(size) : size; };
     if (item.minWidth > 0)
-        widget->setMinimumWidth(std::max(item.minWidth, widget->minimumWidth()));
+        widget->setMinimumWidth(
+            std::max({room(item.minWidth), widget->minimumWidth(), widget->minimumSizeHint().width()}));
     if (item.minHeight > 0)
-        widget->setMinimumHeight(std::max(item.minHeight, widget->minimumHeight()));
+        widget->setMinimumHeight(std::max(room(item.minHeight), widget->minimumHeight()));
     // A label with a given width and height wraps its text.
     if (auto* label = qobject_cast<QLabel*>(widget); label && item.minWidth > 0 && item.minHeight > 0) {
         label->setWordWrap(true);

@@ -1,5 +1,6 @@
 #include "qt/widgets/DialogWidgets.h"
 
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/Widgets.h"
 
 #include <QMovie>
@@ -31,12 +32,17 @@ QColor Line(const QWidget& widget)
 
 } // namespace
 
-MovieLabel::MovieLabel(const QString& path, int size, QWidget* parent) : QLabel(parent)
+MovieLabel::MovieLabel(const QString& path, int size, QWidget* parent) : QLabel(parent), size_(size)
 {
-    setFixedSize(size, size);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* movie = new QMovie(path, {}, this);
     setMovie(movie);
     movie->jumpToFrame(0);
+}
+
+QSize MovieLabel::sizeHint() const
+{
+    return {Scaled(size_), Scaled(size_)};
 }
 
 void MovieLabel::showEvent(QShowEvent* event)
@@ -109,7 +115,7 @@ void SampleLabel::ShowIn(const QString& family, double points)
 
 QSize SampleLabel::sizeHint() const
 {
-    return {SampleWidth, SampleHeight};
+    return {Scaled(SampleWidth), Scaled(SampleHeight)};
 }
 
 void SampleLabel::paintEvent(QPaintEvent* /*event*/)

@@ -1,5 +1,6 @@
 #include "qt/widgets/ReadableStyle.h"
 
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/Widgets.h"
 
 #include <QApplication>
@@ -221,6 +222,16 @@ void ReadableStyle::drawControl(ControlElement element, const QStyleOption* opti
         QProxyStyle::drawControl(element, &plain, painter, widget);
         return;
     }
+    if (const auto* list = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        element == CE_ComboBoxLabel && list && !list->editable) {
+        // The toolkit cuts a text that is too long in the middle of a letter.
+        constexpr int margin = 4; // between the text and its room's edges
+        const int room = subControlRect(CC_ComboBox, list, SC_ComboBoxEditField, widget).width() - margin;
+        QStyleOptionComboBox fitting(*list);
+        fitting.currentText = list->fontMetrics.elidedText(list->currentText, Qt::ElideRight, room);
+        QProxyStyle::drawControl(element, &fitting, painter, widget);
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator &&
@@ -240,6 +251,29 @@ void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptio
         DrawOutline(*painter, OutlineOf(*option, option->state & State_HasFocus), [&] {
             painter->drawRoundedRect(Middle(option->rect).adjusted(0, 1, 0, -1), FieldRounding, FieldRounding);
         });
+}
+
+int ReadableStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
+{
+    const int size = QProxyStyle::pixelMetric(metric, option, widget);
+    switch (metric) {
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight:
+    case PM_CheckBoxLabelSpacing:
+    case PM_RadioButtonLabelSpacing:
+    case PM_SmallIconSize:
+    case PM_ListViewIconSize:
+    case PM_ButtonIconSize:
+    case PM_ToolBarIconSize:
+    case PM_MenuButtonIndicator:
+    case PM_HeaderMarkSize:
+    case PM_ScrollBarExtent:
+        return Scaled(size);
+    default:
+        return size;
+    }
 }
 
 int ReadableStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
