@@ -138,6 +138,9 @@ class QuietComboBox : public QComboBox
 public:
     using QComboBox::QComboBox;
 
+    // The toolkit goes on with the least width that it computed first, whatever entries come later.
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
 protected:
     void wheelEvent(QWheelEvent* event) override
     {

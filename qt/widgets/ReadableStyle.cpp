@@ -24,6 +24,7 @@ constexpr qreal PartContrast = 3.2;
 constexpr qreal DisabledContrast = 2.7;
 
 constexpr qreal FieldRounding = 2;
+constexpr qreal ArrowWidth = 7;  ///< of a drop-down list's arrow, at the usual font
 constexpr qreal QuietText = 0.4; ///< how far a field's hint fades into its background, as long as it stays readable
 constexpr qreal Rule = 0.35;     ///< how far a separator between a menu's items stands out
 
@@ -246,6 +247,23 @@ void ReadableStyle::drawControl(ControlElement element, const QStyleOption* opti
 void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                        const QWidget* widget) const
 {
+    const auto* list = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (const qreal scale = FontScale(); control == CC_ComboBox && list && scale > 1) {
+        // The toolkit's arrow has one size.
+        QStyleOptionComboBox bare(*list);
+        bare.subControls &= ~SC_ComboBoxArrow;
+        QProxyStyle::drawComplexControl(control, &bare, painter, widget);
+        const QPointF middle = QRectF(subControlRect(control, list, SC_ComboBoxArrow, widget)).center();
+        const QPointF half(ArrowWidth / 2 * scale, ArrowWidth / 4 * scale);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(list->palette.color(QPalette::ButtonText));
+        painter->drawPolygon(
+            QPolygonF{middle - half, middle + QPointF(half.x(), -half.y()), middle + QPointF(0, half.y())});
+        painter->restore();
+        return;
+    }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox)
         DrawOutline(*painter, OutlineOf(*option, option->state & State_HasFocus), [&] {
@@ -270,6 +288,7 @@ int ReadableStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, c
     case PM_MenuButtonIndicator:
     case PM_HeaderMarkSize:
     case PM_ScrollBarExtent:
+    case PM_ScrollBarSliderMin:
         return Scaled(size);
     default:
         return size;
