@@ -16,7 +16,8 @@ from test_reminders import QUIET, ReminderCase, record
 
 FACE = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
 USUAL = 10  # points
-BUTTON, SPEAK, CHECK = 40, 52, 12  # sides at the usual size, in pixels: a picture button, a large one, a check mark
+# Sides at the usual size, in pixels: a picture button, a large one, a check mark, the width of an alert.
+BUTTON, SPEAK, CHECK, ALERT = 40, 52, 12, 159
 ON_ONE_LINE = ("push button", "check box", "radio button", "page tab", "table column header", "menu")
 EDITOR = "Voxmate Reminders - CURRENTLY ENABLED"
 
@@ -40,7 +41,6 @@ class Fonts(ReminderCase):
 
     def nodes(self, title):
         """The showing widgets of the newest window of this title that have a name: role, name and size."""
-        self.assertTrue(desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), what=title))
         top = desktop.wait_for(lambda: [node for name, role, node in self.desk.widgets()
                                         if name == title and role in ("frame", "dialog", "alert", "window")], what=title)[-1]
         showing = self.desk.accessible().STATE_SHOWING
@@ -60,8 +60,8 @@ class Fonts(ReminderCase):
 
     def has_room(self, title):
         """Measures the texts of a window and takes its picture. Returns how many were measured."""
+        window = desktop.wait_for(lambda: self.desk.windows("^" + title + "$"), what=title)[-1]
         time.sleep(0.3)  # painted
-        window = self.desk.windows("^" + title + "$")[-1]
         left, top, wide, high = self.desk.window_rect(window)
         folder = os.path.join(BUILD, "tour-fonts")
         os.makedirs(folder, exist_ok=True)
@@ -135,7 +135,7 @@ class Fonts(ReminderCase):
         self.desk.end(self.program)
         self.start_with(points, ReminderType=0, RemAlertAction=0, RemAlertClose=0)
         alert = desktop.wait_for(self.alerts, what="the alert")[0]
-        self.assertGreaterEqual(self.desk.window_rect(alert)[2], self.grown(180))
+        self.assertGreaterEqual(self.desk.window_rect(alert)[2], self.grown(ALERT))
 
     def test_every_text_has_room_and_every_icon_grows_at_14_points(self):
         self.windows_at(14)
