@@ -187,7 +187,7 @@ public:
     Prop<FontSpec> Font{*this, Property::Font};
     Control* Buddy = nullptr; ///< the control this label names
     bool Heading = false;     ///< shown large (a product's name)
-    bool Wraps = false;       ///< breaks its text into lines where there is no room for it in one
+    bool Wraps = false;       ///< breaks its text into lines where one has no room; keeps a line's room without a text
     /// Its place on a form that places its controls itself, in device-independent pixels.
     Prop<Rect> Place{*this, Property::Place};
 };

@@ -36,7 +36,12 @@ public:
     {
         widget_->setTextFormat(Qt::PlainText);
         widget_->setTextInteractionFlags(Qt::NoTextInteraction);
-        widget_->setWordWrap(control_.Wraps);
+        if (control_.Wraps) {
+            widget_->setWordWrap(true);
+            QSizePolicy policy = widget_->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            widget_->setSizePolicy(policy);
+        }
         if (control_.Heading) {
             widget_->setForegroundRole(QPalette::Text);
             ShowLarge();
@@ -61,6 +66,9 @@ public:
         if (property != Property::Caption)
             return;
         widget_->setText(ToQt(control_.MarkedCaption()));
+        // Empty, it is none of a screen reader's business; its room stays.
+        if (control_.Wraps)
+            widget_->setVisible(control_.Visible && !control_.Caption.get().empty());
         KeepRoom();
     }
 

@@ -99,7 +99,8 @@ class MoviePeer : public Common<MovingPicture, MovieLabel>
 {
 public:
     MoviePeer(MovingPicture& picture, const IconSet& icons, QWidget* parent)
-        : Common(picture, new MovieLabel(icons.MoviePath(ToQt(picture.Picture)), picture.SizePx, parent))
+        : Common(picture, new MovieLabel(icons.MoviePath(ToQt(picture.Picture)),
+                                         icons.MoviePath(ToQt(picture.Picture + "-dark")), picture.SizePx, parent))
     {
     }
 };

@@ -3,6 +3,7 @@
 #include "controls/OptionButton.h"
 #include "controls/Pictures.h"
 #include "qt/dialogs/Placement.h"
+#include "qt/forms/CommonPeer.h"
 #include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
 #include "qt/system/Desktop.h"
@@ -79,6 +80,12 @@ FormWindow* QtFormPeer::MakeFormWindow()
 {
     auto* window = new FormWindow(form_.Border);
     window_ = window;
+    // A window that grows with the font stays on the screen. Set before the controls are made, so that they have taken
+    // the font when this runs.
+    new FontChange(&context_, *window, [this] {
+        SettleSize();
+        KeepOnScreen(*window_);
+    });
     // Set before the controls are made, because they take it over.
     if (!form_.FontName.empty())
         window->setFont(ToQFont({form_.FontName}, QFont()));
@@ -321,13 +328,20 @@ QWidget* QtFormPeer::WidgetOf(const Control* control) const
     return found == widgets_.end() ? nullptr : found->second->Widget();
 }
 
-void QtFormPeer::Place()
+// The window's layout learns of changes inside the scrolling area from the event loop only.
+void QtFormPeer::SettleSize()
 {
-    placed_ = true;
-    // The window's layout learns of changes inside the scrolling area from the event loop only.
     if (auto* window = qobject_cast<QMainWindow*>(window_))
         window->centralWidget()->updateGeometry();
     content_->layout()->activate();
+    if (window_->layout())
+        window_->layout()->activate();
+}
+
+void QtFormPeer::Place()
+{
+    placed_ = true;
+    SettleSize();
     if (!form_.Geometry.empty() && window_->restoreGeometry(QByteArray::fromBase64(ToQt(form_.Geometry).toLatin1())))
         return;
     window_->adjustSize();

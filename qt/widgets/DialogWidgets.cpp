@@ -32,12 +32,33 @@ QColor Line(const QWidget& widget)
 
 } // namespace
 
-MovieLabel::MovieLabel(const QString& path, int size, QWidget* parent) : QLabel(parent), size_(size)
+MovieLabel::MovieLabel(const QString& path, const QString& darkPath, int size, QWidget* parent)
+    : QLabel(parent), path_(path), darkPath_(darkPath), size_(size)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    Choose();
+}
+
+/// Takes the picture that suits the theme.
+void MovieLabel::Choose()
+{
+    const QString& path = palette().color(QPalette::Window).lightness() < 128 ? darkPath_ : path_;
+    QMovie* const before = movie();
+    if (before && before->fileName() == path)
+        return;
     auto* movie = new QMovie(path, {}, this);
     setMovie(movie);
     movie->jumpToFrame(0);
+    if (isVisible())
+        movie->start();
+    delete before;
+}
+
+void MovieLabel::changeEvent(QEvent* event)
+{
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && movie())
+        Choose();
 }
 
 QSize MovieLabel::sizeHint() const
