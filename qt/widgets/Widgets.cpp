@@ -26,6 +26,7 @@ constexpr int LargePictureButtonSize = 52;
 constexpr qreal Rounding = 6;
 constexpr int BarHeight = 22;
 constexpr int PanelPadding = 8;
+constexpr int ButtonMargin = 16; // on both sides of a button's text together
 
 constexpr qreal DisabledOpacity = 0.4;
 
@@ -81,7 +82,9 @@ QSize Button::sizeHint() const
         return {side, side};
     }
     // A comfortable minimum size to click, however short the text.
-    return QPushButton::sizeHint().expandedTo({84, 30});
+    // The style's own margin around the text has one size.
+    const QSize margin(Scaled(ButtonMargin) - ButtonMargin, (Scaled(ButtonMargin) - ButtonMargin) / 2);
+    return (QPushButton::sizeHint() + margin).expandedTo({84, 30});
 }
 
 bool Button::event(QEvent* event)
