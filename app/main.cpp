@@ -109,6 +109,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
 
     qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
     application.Icons = &windows.Icons();
+    windows.Recent.KeepIn(state.get());
     process.WhileWaiting = [&windows] { windows.DoEvents(); };
     qt::QtAudioOutput sound;
     speech::VoicePlayer voice(voices, sound);

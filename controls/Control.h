@@ -27,6 +27,7 @@ enum class Property {
     Enabled,
     Visible,
     ToolTipText,
+    AccessibleDescription,
     Text,
     Value,
     Items,
@@ -102,6 +103,8 @@ public:
     Prop<std::string> ToolTipText{*this, Property::ToolTipText};
     /// What a screen reader says where neither the caption nor the tool tip will do.
     std::string AccessibleName;
+    /// What a screen reader says after the name, and at once when it changes while the control has the keyboard.
+    Prop<std::string> AccessibleDescription{*this, Property::AccessibleDescription};
 
     void SetPeer(Peer* peer) { peer_ = peer; }
     Peer* GetPeer() const { return peer_; }
@@ -145,6 +148,10 @@ void Raise(const std::function<void(Arguments...)>& event, std::type_identity_t<
         handler(arguments...);
 }
 
+/// The caption with an ampersand before the first `key`, a small letter, in either case; as it is where it has an
+/// ampersand already, where that letter is not in it, and for 0.
+std::string MarkAccessKey(std::string caption, char key);
+
 class Captioned : public Control
 {
 public:
@@ -153,6 +160,10 @@ public:
     {
     }
     Prop<std::string> Caption; ///< an ampersand marks the access key
+    /// The access key of a caption that marks none, in small letters; 0: none. Only before the form is loaded.
+    char AccessKey = 0;
+
+    std::string MarkedCaption() const { return MarkAccessKey(Caption, AccessKey); }
 };
 
 class Clickable : public Captioned
@@ -176,6 +187,7 @@ public:
     Prop<FontSpec> Font{*this, Property::Font};
     Control* Buddy = nullptr; ///< the control this label names
     bool Heading = false;     ///< shown large (a product's name)
+    bool Wraps = false;       ///< breaks its text into lines where one has no room; keeps a line's room without a text
     /// Its place on a form that places its controls itself, in device-independent pixels.
     Prop<Rect> Place{*this, Property::Place};
 };
@@ -290,7 +302,8 @@ protected:
     }
 };
 
-/// An edit field. Change is raised when the user types and when Text is set from code.
+/// An edit field. Change is raised when the user types and when Text is set from code; Edited only when the user types,
+/// after Change.
 class TextBox : public Control
 {
 public:
@@ -303,6 +316,7 @@ public:
     std::size_t MaxLength = 0; ///< most characters that the user can put in; 0: any number
     std::string PlaceholderText;
     Event Change;
+    Event Edited;
     /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter). A handler sets it to 0 to
     /// swallow the key. Pasted text raises no KeyPress.
     std::function<void(int& keyAscii)> KeyPress;
@@ -316,7 +330,9 @@ public:
     void UserEdit(std::string text)
     {
         Text.Store(std::move(text));
+        const Event edited = Edited; // a handler may destroy this control
         Raise(Change);
+        Raise(edited);
     }
 
 protected:

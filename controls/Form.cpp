@@ -1,6 +1,8 @@
 #include "controls/Form.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace voxmate
 {
@@ -9,6 +11,15 @@ Control::Control(Form* form, std::string name) : Name(std::move(name))
 {
     if (form)
         form->controls_.push_back(this);
+}
+
+std::string MarkAccessKey(std::string caption, char key)
+{
+    if (key == 0 || caption.find('&') != std::string::npos)
+        return caption;
+    const std::array<char, 2> letters{key, static_cast<char>(key - 'a' + 'A')};
+    const std::size_t at = caption.find_first_of(std::string_view(letters.data(), letters.size()));
+    return at == std::string::npos ? caption : caption.insert(at, 1, '&');
 }
 
 Menu::Menu(Form* form, Menu* parent, std::string name, std::string caption)

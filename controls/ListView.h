@@ -65,6 +65,7 @@ public:
 
     const std::vector<ColumnHeader>& ColumnHeaders() const { return columns_; }
     const ImageList* SmallIcons = nullptr;
+    std::string PlaceholderText; ///< shown while there is no item
 
     const std::vector<ListItem>& ListItems() const { return items_; }
     void AddItem(ListItem item)

@@ -34,7 +34,9 @@ void MonthView::UserSelect(const CalendarDate& date)
     if (!Enabled || !IsCalendarDate(date) || date == value_)
         return;
     value_ = date;
+    const Event edited = Edited; // a handler may destroy this control
     Raise(SelChange);
+    Raise(edited);
 }
 
 } // namespace voxmate

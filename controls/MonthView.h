@@ -32,6 +32,7 @@ public:
     bool SetValue(const CalendarDate& date);
 
     Event SelChange;
+    Event Edited; ///< the user has chosen another day; raised after SelChange
 
     void UserSelect(const CalendarDate& date);
 

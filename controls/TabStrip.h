@@ -17,6 +17,8 @@ public:
         : Control(form, std::move(name)), captions_(std::move(captions))
     {
     }
+    /// The access keys of captions that mark none, in small letters, one for each tab; empty: none.
+    std::string AccessKeys;
     /// Captions of the tabs, in order; an ampersand marks a tab's access key.
     const std::vector<std::string>& Captions() const { return captions_; }
     Prop<int> Tab{*this, Property::ListIndex, 0}; ///< the page on top, counted from 0

@@ -1,6 +1,7 @@
 #include "extras/Extras.h"
 
 #include "extras/Window.h"
+#include "forms/frmReminder.h"
 
 #include <utility>
 
@@ -18,6 +19,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     : program_(program), main_(main), host_(host), menu_(main), speaking_(menu_, program, main),
       login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
       install_(program, host.LookAtCharacter), opening_(program),
+      entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;

@@ -5,6 +5,7 @@
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
 #include "extras/Opening.h"
+#include "extras/ReminderEntry.h"
 #include "extras/Speaking.h"
 #include "extras/StartAtLogin.h"
 #include "platform/Activation.h"
@@ -50,6 +51,7 @@ private:
     QuietStart quiet_;
     InstallCharacter install_;
     Opening opening_;
+    ReminderEntry entry_;
     Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
     bool startsQuietly_ = false;
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up

@@ -115,6 +115,7 @@ private:
     std::vector<std::unique_ptr<AlertWindow>> previews_;
 
     void NameControls();
+    void GiveAccessKeys();
     void Arrange();
     Layout CharacterPage();
     Layout ReadingPage();

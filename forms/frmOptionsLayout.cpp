@@ -14,6 +14,10 @@ void frmOptions::NameControls()
     txtTotalLines.AccessibleName = "Total lines";
     txtCharPerLine.AccessibleName = "Characters per line";
     txtTimeInterval.AccessibleName = "Speak Time Every, in minutes";
+    // The seconds until the next announcement are counted in 16 bits.
+    txtTimeInterval.ToolTipText =
+        "1 to 546 minutes; 0 means never. From 547 on Voxmate ends with run-time error 6 within a "
+        "second, and again after each start.";
     comDateFMT.AccessibleName = "Format of the system date";
     txtUserName.AccessibleName = "Your Name";
     txtGreeting.AccessibleName = "Other Greeting";
@@ -32,6 +36,67 @@ void frmOptions::NameControls()
     Label6.Buddy = &txtUserName;
     Label5.Buddy = &txtGreeting;
     Label13.Buddy = &comRemType;
+
+    GiveAccessKeys();
+}
+
+// Every letter once on each page, beside those of the tabs and of the buttons below. The last page has more controls
+// than there are letters; there the groups have keys, and the arrows choose in them.
+void frmOptions::GiveAccessKeys()
+{
+    SSTab1.AccessKeys = "hrme";
+    cmdOK.AccessKey = 'k';
+    cmdCancel.AccessKey = 'c';
+    cmdApply.AccessKey = 'p';
+    cmdDefault.AccessKey = 'd';
+
+    Label1.AccessKey = 'l';
+    cmdBrowse.AccessKey = 'b';
+    Label4.AccessKey = 's';
+    Label12.AccessKey = 'v';
+    cmdAnimate.AccessKey = 't'; // in both of its captions
+    chkSoundEffects.AccessKey = 'n';
+    chkBalloon.AccessKey = 'w';
+    cmdFont.AccessKey = 'f';
+    chkSizeToText.AccessKey = 'z';
+    chkAutoHide.AccessKey = 'u';
+    chkAutoPace.AccessKey = 'a';
+    Label11.AccessKey = 'o';
+    Label10.AccessKey = 'i';
+
+    Label8.AccessKey = 's';
+    chk24Time.AccessKey = 't';
+    Label2.AccessKey = 'i';
+    chkReadOnLeftClick.AccessKey = 'b';
+    Label6.AccessKey = 'y';
+    chkMyName.AccessKey = 'n';
+    chkMsgRead.AccessKey = 'a';
+
+    chkShowStart.AccessKey = 's';
+    chkIntroAtStart.AccessKey = 'i';
+    chkGreeting.AccessKey = 'b';
+    OptGreet(GreetTime).AccessKey = 't';
+    OptGreet(GreetDate).AccessKey = 'l';
+    OptGreet(GreetOther).AccessKey = 'o';
+    OptGreet(GreetDateAndTime).AccessKey = 'n';
+    OptGreet(GreetDateTimeAndOther).AccessKey = 'a';
+    Label5.AccessKey = 'g';
+    chkCloseInTray.AccessKey = 'w';
+
+    Label13.AccessKey = 'w';
+    chkOnTop.AccessKey = 'y';
+    chkSpkSentence.AccessKey = 'b';
+    chkSpkTitle.AccessKey = 'l';
+    chkSpkDate.AccessKey = 'a';
+    chkSpkTime.AccessKey = 't';
+    chkSpkDesc.AccessKey = 'i';
+    chkSpkSnooze.AccessKey = 'x';
+    fraAction.AccessKey = 'n';
+    fraGrad.AccessKey = 'g';
+    fraShape.AccessKey = 's';
+    fraColorOption.AccessKey = 'o';
+    chkAutoClose.AccessKey = 'u';
+    cmdPreview.AccessKey = 'v';
 }
 
 void frmOptions::Arrange()

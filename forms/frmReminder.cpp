@@ -35,6 +35,14 @@ frmReminder::frmReminder(Program& program) : Form(program.Host.Windows, "frmRemi
     Label1.Buddy = &txtTitle;
     Label2.Buddy = &txtDesc;
     Label3.Buddy = &txtTime;
+    Label1.AccessKey = 't';
+    Label3.AccessKey = 'm';
+    Label2.AccessKey = 'd';
+    chkDone.AccessKey = 'k';
+    cmdAdd.AccessKey = 'a';
+    cmdUpdate.AccessKey = 'u';
+    cmdDelete.AccessKey = 'l';
+    cmdClose.AccessKey = 'c';
     txtTitle.MaxLength = TitleLength;
     txtTime.MaxLength = TimeLength;
     txtDesc.MaxLength = DescriptionLength;
@@ -132,6 +140,7 @@ void frmReminder::ShowFields(const Reminder& reminder)
     chkDone.Value = reminder.Done ? 1 : 0;
     // The fields show a reminder that exists already. Once the user changes one of them, they can be added as another.
     cmdAdd.Enabled = false;
+    Raise(FieldsSet);
 }
 
 void frmReminder::ClearFields()
@@ -146,6 +155,7 @@ void frmReminder::ClearFields()
     cmdUpdate.Enabled = false;
     cmdDelete.Enabled = false;
     cmdAdd.Enabled = true;
+    Raise(FieldsSet);
 }
 
 void frmReminder::MarkChanged()

@@ -36,6 +36,9 @@ public:
     CommandButton cmdDelete{this, "cmdDelete", "Delete"};
     CommandButton cmdClose{this, "cmdClose", "Close"};
 
+    /// The program, not the user, has filled or emptied the fields.
+    Event FieldsSet;
+
     // ReminderEditor.
     void ShowEditor() override { Show(); }
     void UnloadEditor() override { Unload(); }

@@ -26,6 +26,11 @@ frmShowRem::frmShowRem(Program& program) : Form(program.Host.Windows, "frmShowRe
     for (Label* value : {&lblId, &lblTitle, &lblDate, &lblTime})
         value->Font = FontSpec{"Tahoma", 0, true};
     Label6.Buddy = &txtDesc;
+    Label7.Buddy = &txtSnooze;
+    Label6.AccessKey = 'd';
+    Label7.AccessKey = 'm';
+    cmdSnooze.AccessKey = 's';
+    cmdOK.AccessKey = 'o';
     txtSnooze.AccessibleName = "Snooze minutes";
     txtSnooze.MaxLength = SnoozeLength;
     txtDesc.MultiLine = true;

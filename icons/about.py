@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Draws about.gif, the moving logo of the about box: the speech bubble blinks, says something and smiles again.
+"""Draws the moving logo of the about box: the speech bubble blinks, says something and smiles again. about.gif is for
+light themes, about-dark.gif for dark ones.
 
-Usage: about.py OUTPUT.gif     (needs Pillow)
+Usage: about.py OUTPUT.gif [dark]     (needs Pillow)
 """
 
 import math
@@ -15,7 +16,7 @@ COLOURS = 95  # and one that shows what was there before
 SCALE = 4.4  # of the bubble's own units, in which it is 48 wide and high, as in voxmate.svg
 LEFT, TOP = 10, 40
 
-CARD = ("#f6fafd", "#d3e6f3")  # top, bottom
+LIGHT, DARK = ("#f6fafd", "#d3e6f3"), ("#3b4652", "#222b33")  # of the card: top, bottom
 BUBBLE = ("#4fb3f6", "#5a5fe0")  # upper left, lower right
 WHITE = "#ffffff"
 SOUND = (74, 140, 238)
@@ -75,9 +76,9 @@ def gradient(size, first, last, diagonal):
 
 
 class Artist:
-    def __init__(self):
+    def __init__(self, card):
         big = (SIZE * OVER, SIZE * OVER)
-        self.ground = gradient((SIZE, SIZE), *CARD, diagonal=False).resize(big, Image.BILINEAR)
+        self.ground = gradient((SIZE, SIZE), *card, diagonal=False).resize(big, Image.BILINEAR)
         mask = Image.new("L", big)
         ImageDraw.Draw(mask).polygon(on_canvas(outline()), fill=255)
         self.ground.paste(gradient((SIZE, SIZE), *BUBBLE, diagonal=True).resize(big, Image.BILINEAR), mask=mask)
@@ -137,7 +138,7 @@ def changes(before, after):
 
 
 def main():
-    artist = Artist()
+    artist = Artist(DARK if sys.argv[2:] == ["dark"] else LIGHT)
     frames = [(artist.frame(**parts), time) for parts, time in story()]
     # One palette for all, taken from frames that show everything there is.
     sheet = Image.new("RGB", (SIZE * 3, SIZE))

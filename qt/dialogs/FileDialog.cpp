@@ -1,6 +1,8 @@
 #include "qt/dialogs/FileDialog.h"
 
 #include "qt/dialogs/ModalWindows.h"
+#include "qt/widgets/FontScale.h"
+#include "qt/widgets/QtText.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -13,11 +15,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QTreeView>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace voxmate::qt
@@ -31,16 +35,21 @@ namespace
 void MakeRoom(QFileDialog& dialog)
 {
     constexpr int typeColumn = 2;
+    constexpr int WidestPlaces = 200;
+    constexpr qreal MostOfScreen = 0.8;
     if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
         // All of the toolkit's icons exist in this size, so that all names begin at the same position.
-        places->setIconSize({16, 16});
-        places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth());
+        places->setIconSize(QSize(16, 16) * FontScale());
+        places->setMinimumWidth(
+            std::min(places->sizeHintForColumn(0) + 4 * places->frameWidth(), Scaled(WidestPlaces)));
     }
     if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
         files->setColumnHidden(typeColumn, true);
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     }
+    const QSize room = (dialog.parentWidget() ? dialog.parentWidget() : &dialog)->screen()->availableSize();
+    dialog.resize((dialog.size() * FontScale()).boundedTo(room * MostOfScreen));
 }
 
 /// Gives accessible names to the parts that the toolkit leaves without.
@@ -101,16 +110,23 @@ protected:
 
 } // namespace
 
-QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin)
+QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const QString& begin,
+                                    const std::vector<std::string>& recent)
 {
     const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
     QPointer<QFileDialog> dialog =
         new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
     // The desktop's own dialog would be a window of another program, and the character would not stay usable beside it.
     dialog->setOption(QFileDialog::DontUseNativeDialog);
-    dialog->setSidebarUrls({QUrl::fromLocalFile(QDir::homePath()),
-                            QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
-                            QUrl::fromLocalFile(QDir::rootPath())});
+    QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath()),
+                       QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
+                       QUrl::fromLocalFile(QDir::rootPath())};
+    for (const std::string& path : recent) {
+        const QUrl place = QUrl::fromLocalFile(ToQt(path));
+        if (!places.contains(place))
+            places.append(place);
+    }
+    dialog->setSidebarUrls(places);
     dialog->setWindowModality(Qt::ApplicationModal);
     LetCharacterLiveBeside(*dialog);
     MakeRoom(*dialog);

@@ -1,6 +1,7 @@
 #include "qt/dialogs/FontDialog.h"
 
 #include "qt/dialogs/ModalWindows.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
 
@@ -65,7 +66,7 @@ FontDialog::FontDialog(QWidget* over, const FontSpec& font, int minSize, int max
     list_->setModel(new QStringListModel(families_, list_));
     list_->setEditTriggers(QListView::NoEditTriggers);
     list_->setUniformItemSizes(true);
-    list_->setMinimumSize(ListWidth, ListHeight);
+    list_->setMinimumSize(Scaled(ListWidth), Scaled(ListHeight));
     list_->setAccessibleName(QStringLiteral("Fonts"));
     size_->setObjectName(QStringLiteral("fontSize"));
     size_->setRange(minSize, maxSize);

@@ -4,6 +4,7 @@
 #include "qt/dialogs/ModalWindows.h"
 #include "qt/dialogs/Placement.h"
 #include "qt/forms/FormWindow.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/IconSet.h"
 #include "qt/widgets/QtText.h"
 
@@ -138,9 +139,9 @@ private:
 
     void DrawIcon()
     {
-        const QPixmap pixmap =
-            icons_ ? icons_->Pixmap(iconName_, IconSize, devicePixelRatioF(), palette().color(QPalette::WindowText))
-                   : QPixmap();
+        const QPixmap pixmap = icons_ ? icons_->Pixmap(iconName_, Scaled(IconSize), devicePixelRatioF(),
+                                                       palette().color(QPalette::WindowText))
+                                      : QPixmap();
         if (!pixmap.isNull())
             setIconPixmap(pixmap);
     }
@@ -193,7 +194,7 @@ int ShowMessageBox(QWidget* over, const IconSet* icons, const std::string& text,
         box->SetOwnIcon(*icons, own);
         // Centres a single line beside its icon and makes the right margin as wide as the one left of the icon.
         if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
-            label->setMinimumHeight(IconSize);
+            label->setMinimumHeight(Scaled(IconSize));
             QMargins margins = label->contentsMargins();
             margins.setRight(RightMargin);
             label->setContentsMargins(margins);

@@ -79,11 +79,13 @@ void TellSelected(QFileDialog& dialog, const std::function<void(const std::strin
 
 } // namespace
 
-std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder)
+std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder,
+                                          RecentFolders& recent)
 {
     if (folder.empty() || !QDir(ToQt(folder)).exists())
         folder = FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    const QPointer<QFileDialog> dialog = NewFileDialog(over, ToQt(settings.DialogTitle), ToQt(folder));
+    const QPointer<QFileDialog> dialog =
+        NewFileDialog(over, ToQt(settings.DialogTitle), ToQt(folder), recent.Existing());
     dialog->setObjectName(QStringLiteral("Open"));
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     // Names of missing files are allowed, because the program itself reports that a file does not exist.
@@ -101,6 +103,8 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
         if (const QStringList files = dialog->selectedFiles(); accepted && !files.isEmpty()) {
             folder = FromQt(QFileInfo(files.front()).absolutePath());
             chosen = FromQt(QDir::toNativeSeparators(files.front()));
+            if (QFileInfo(files.front()).isFile())
+                recent.Put(folder);
         }
     }
     delete dialog;

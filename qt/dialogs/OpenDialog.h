@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/WindowSystem.h"
+#include "qt/dialogs/RecentFolders.h"
 
 #include <optional>
 #include <string>
@@ -12,8 +13,10 @@ namespace voxmate::qt
 {
 
 /// Lets the user choose a file or type a name, which need not exist. The dialog begins in `folder`, or in the documents
-/// folder when `folder` does not exist, and sets `folder` to the one it was left in. Returns the full path, nothing
+/// folder when `folder` does not exist, and sets `folder` to the one it was left in. The folders of the documents that
+/// were opened last are at its side; the chosen file's becomes the latest of them. Returns the full path, nothing
 /// when the user cancels.
-std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder);
+std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder,
+                                          RecentFolders& recent);
 
 } // namespace voxmate::qt

@@ -121,4 +121,17 @@ void Centre(QWidget& window, const QWidget* over)
     window.move(place.topLeft());
 }
 
+void KeepOnScreen(QWidget& window)
+{
+    const QScreen* screen = window.screen();
+    if (!screen || !window.isVisible() || window.isMaximized() || window.isFullScreen())
+        return;
+    const QRect area = DesktopWatch::Instance().WorkArea(*screen);
+    QRect place = window.frameGeometry();
+    place.moveLeft(std::max(std::min(place.left(), area.right() - place.width()), area.left()));
+    place.moveTop(std::max(std::min(place.top(), area.bottom() - place.height()), area.top()));
+    if (place != window.frameGeometry())
+        window.move(place.topLeft());
+}
+
 } // namespace voxmate::qt

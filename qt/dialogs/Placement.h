@@ -28,4 +28,7 @@ QRect ClearOf(const QRect& area, const QRect& place, const QRect& taken);
 /// room it is moved beside the character, which stands above all windows. The window must have its size.
 void Centre(QWidget& window, const QWidget* over);
 
+/// Moves a visible window that reaches beyond its screen's work area back into it, as far as it has room there.
+void KeepOnScreen(QWidget& window);
+
 } // namespace voxmate::qt

@@ -55,6 +55,7 @@ public:
         UpdateCommon(Property::Enabled);
         UpdateCommon(Property::Visible);
         UpdateCommon(Property::ToolTipText);
+        UpdateCommon(Property::AccessibleDescription);
         UpdateAccessibleName();
     }
 
@@ -75,6 +76,10 @@ protected:
         case Property::ToolTipText:
             widget_->setToolTip(PlainToolTip(ToQt(control_.ToolTipText)));
             UpdateAccessibleName();
+            break;
+        case Property::AccessibleDescription:
+            if (const QString text = ToQt(control_.AccessibleDescription); text != widget_->accessibleDescription())
+                widget_->setAccessibleDescription(text);
             break;
         case Property::Caption:
             UpdateAccessibleName();

@@ -4,6 +4,7 @@
 #include "controls/MonthView.h"
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/DialogPeers.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/ReadableStyle.h"
 #include "qt/widgets/Widgets.h"
@@ -35,6 +36,12 @@ public:
     {
         widget_->setTextFormat(Qt::PlainText);
         widget_->setTextInteractionFlags(Qt::NoTextInteraction);
+        if (control_.Wraps) {
+            widget_->setWordWrap(true);
+            QSizePolicy policy = widget_->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            widget_->setSizePolicy(policy);
+        }
         if (control_.Heading) {
             widget_->setForegroundRole(QPalette::Text);
             ShowLarge();
@@ -45,6 +52,8 @@ public:
         new FontChange(&context_, *widget_->window(), [this] {
             if (control_.Heading)
                 ShowLarge();
+            if (control_.Font.get() != FontSpec{})
+                Update(Property::Font);
             KeepRoom();
         });
     }
@@ -56,7 +65,10 @@ public:
             widget_->setFont(ToQFont(control_.Font, QFont()));
         if (property != Property::Caption)
             return;
-        widget_->setText(ToQt(control_.Caption));
+        widget_->setText(ToQt(control_.MarkedCaption()));
+        // Empty, it is none of a screen reader's business; its room stays.
+        if (control_.Wraps)
+            widget_->setVisible(control_.Visible && !control_.Caption.get().empty());
         KeepRoom();
     }
 
@@ -95,9 +107,9 @@ public:
         if (property != Property::Caption)
             return;
         if (control_.Picture.empty())
-            widget_->setText(ToQt(control_.Caption));
+            widget_->setText(ToQt(control_.MarkedCaption()));
         else
-            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.Caption)));
+            widget_->setShortcut(QKeySequence::mnemonic(ToQt(control_.MarkedCaption())));
     }
 };
 
@@ -116,7 +128,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption)
-            widget_->setText(ToQt(control_.Caption));
+            widget_->setText(ToQt(control_.MarkedCaption()));
         else if (property == Property::Value)
             widget_->setChecked(control_.Value != 0);
     }
@@ -124,12 +136,18 @@ public:
 
 // Entries that an open list shows at once.
 constexpr int VisibleItems = 12;
+// A drop-down list is at least as wide as its longest entry, within these numbers of wide characters.
+constexpr int FewestCharacters = 16;
+constexpr int MostCharacters = 27;
 
 /// A combo box that the wheel changes only while it has the focus, so that scrolling past it chooses nothing.
 class QuietComboBox : public QComboBox
 {
 public:
     using QComboBox::QComboBox;
+
+    // The toolkit goes on with the least width that it computed first, whatever entries come later.
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void wheelEvent(QWheelEvent* event) override
@@ -157,7 +175,6 @@ public:
         widget_->setMaxVisibleItems(VisibleItems);
         widget_->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         static_cast<QListView*>(widget_->view())->setSpacing(2);
-        widget_->setMinimumContentsLength(16);
         widget_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         Update(Property::Items);
         QObject::connect(widget_, &QComboBox::activated, &context_, [this](int index) { control_.UserSelect(index); });
@@ -176,6 +193,10 @@ public:
                 widget_->clear();
             for (auto i = static_cast<std::size_t>(widget_->count()); i < items.size(); ++i)
                 widget_->addItem(ToQt(items[i]));
+            int longest = FewestCharacters;
+            for (const std::string& item : items)
+                longest = std::max(longest, static_cast<int>(ToQt(item).size()));
+            widget_->setMinimumContentsLength(std::min(longest, MostCharacters));
         }
         widget_->setCurrentIndex(control_.ListIndex);
     }
@@ -213,7 +234,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption)
-            widget_->ShowTitle(ToQt(control_.Caption));
+            widget_->ShowTitle(ToQt(control_.MarkedCaption()));
     }
 };
 
@@ -369,7 +390,7 @@ QFont ToQFont(const FontSpec& font, const QFont& base)
     if (const QString family = ToQt(font.Name); QFontDatabase::hasFamily(family))
         result.setFamily(family);
     if (font.Size > 0)
-        result.setPointSizeF(font.Size);
+        result.setPointSizeF(font.Size * FontScale());
     result.setBold(font.Bold);
     return result;
 }

@@ -39,7 +39,8 @@ std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& ic
 std::unique_ptr<WidgetPeer> CreateMonthViewPeer(MonthView& month, QWidget* parent);
 
 /// The font that a control asks for, based on `base`; a family that is not installed is ignored. If `base` has no
-/// property set, the font follows the desktop's in everything the control does not ask for.
+/// property set, the font follows the desktop's in everything the control does not ask for. A size is meant for the
+/// usual font of a desktop and grows with it.
 QFont ToQFont(const FontSpec& font, const QFont& base);
 
 /// Makes the toolkit's timer for a control and starts it if the control is enabled.

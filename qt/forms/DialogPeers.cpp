@@ -35,7 +35,7 @@ public:
     {
         UpdateCommon(property);
         if (property == Property::Caption) {
-            widget_->setText(ToQt(control_.Caption));
+            widget_->setText(ToQt(control_.MarkedCaption()));
         } else if (property == Property::Value && widget_->isChecked() != control_.Value) {
             // An exclusive group does not let a button be unset unless another one is set.
             group_->setExclusive(control_.Value);
@@ -76,7 +76,9 @@ public:
         for (const std::string& caption : control_.Captions()) {
             auto* page = new QWidget;
             page->setAccessibleName(WithoutAccessKey(ToQt(caption)));
-            widget_->addTab(page, ToQt(caption));
+            const auto number = static_cast<std::size_t>(widget_->count());
+            const char key = number < control_.AccessKeys.size() ? control_.AccessKeys[number] : '\0';
+            widget_->addTab(page, ToQt(MarkAccessKey(caption, key)));
         }
         Update(Property::ListIndex);
         QObject::connect(widget_, &QTabWidget::currentChanged, &context_,
@@ -97,7 +99,8 @@ class MoviePeer : public Common<MovingPicture, MovieLabel>
 {
 public:
     MoviePeer(MovingPicture& picture, const IconSet& icons, QWidget* parent)
-        : Common(picture, new MovieLabel(icons.MoviePath(ToQt(picture.Picture)), picture.SizePx, parent))
+        : Common(picture, new MovieLabel(icons.MoviePath(ToQt(picture.Picture)),
+                                         icons.MoviePath(ToQt(picture.Picture + "-dark")), picture.SizePx, parent))
     {
     }
 };

@@ -2,6 +2,7 @@
 #include "controls/ListView.h"
 #include "qt/forms/CommonPeer.h"
 #include "qt/forms/ControlPeers.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 
 #include <QAbstractTableModel>
@@ -31,9 +32,11 @@ constexpr int IconSize = 16;
 constexpr int RowPadding = 8;
 constexpr int HeaderPadding = 12;
 constexpr int TextMargin = 6; // on each side of a text
+constexpr int PlaceholderMargin = 24;
 constexpr int LeastRows = 8;
 // Preferred width, in average characters, of a column that takes the remaining space.
 constexpr int SpareChars = 32;
+constexpr int LeastSpareChars = 12;
 
 /// The desktop's style with wider columns and with the frame that other fields have.
 class AirierStyle : public QProxyStyle
@@ -110,7 +113,7 @@ public:
         case Qt::AccessibleTextRole:
             return image ? text() + QStringLiteral(", ") + ToQt(image->Description) : text();
         case Qt::DecorationRole:
-            return image ? QVariant(icons_.Pixmap(ToQt(image->Picture), IconSize, view_.devicePixelRatioF(),
+            return image ? QVariant(icons_.Pixmap(ToQt(image->Picture), Scaled(IconSize), view_.devicePixelRatioF(),
                                                   view_.palette().color(QPalette::Text)))
                          : QVariant();
         default:
@@ -162,7 +165,7 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
         const QSize hint = QStyledItemDelegate::sizeHint(option, index);
-        return {hint.width(), std::max(option.fontMetrics.height(), IconSize) + RowPadding};
+        return {hint.width(), std::max(option.fontMetrics.height(), Scaled(IconSize)) + RowPadding};
     }
 
 protected:
@@ -223,16 +226,17 @@ public:
         header()->setStretchLastSection(false);
     }
 
+    QString Placeholder; ///< shown while there is no row
     /// Called when the user selects a row, or presses the mouse on the selected one.
     std::function<void(int row)> OnSelect;
 
     QSize sizeHint() const override
     {
-        int width = 2 * frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-        for (int column = 0; column < header()->count(); ++column)
-            width += header()->sectionResizeMode(column) == QHeaderView::Stretch ? WidthOf(SpareChars)
-                                                                                 : header()->sectionSize(column);
-        return {width, 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
+        return {WidthWith(SpareChars), 2 * frameWidth() + header()->minimumHeight() + LeastRows * RowHeight()};
+    }
+    QSize minimumSizeHint() const override
+    {
+        return {WidthWith(LeastSpareChars), QTreeView::minimumSizeHint().height()};
     }
 
     /// Flags that make an item the only one selected.
@@ -244,9 +248,20 @@ public:
 
     /// Width of a column for so many average characters.
     int WidthOf(int chars) const { return chars * fontMetrics().horizontalAdvance(u'0') + 4 * TextMargin; }
-    int RowHeight() const { return std::max(fontMetrics().height(), IconSize) + RowPadding; }
+    int RowHeight() const { return std::max(fontMetrics().height(), Scaled(IconSize)) + RowPadding; }
 
 protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QTreeView::paintEvent(event);
+        if (Placeholder.isEmpty() || model()->rowCount() > 0)
+            return;
+        QPainter painter(viewport());
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(viewport()->rect().adjusted(PlaceholderMargin, PlaceholderMargin, -PlaceholderMargin, 0),
+                         Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, Placeholder);
+    }
+
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override
     {
         QTreeView::currentChanged(current, previous);
@@ -280,6 +295,16 @@ protected:
     }
 
 private:
+    /// The list's width when a column that takes the remaining space has room for so many average characters.
+    int WidthWith(int spareChars) const
+    {
+        int width = 2 * frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        for (int column = 0; column < header()->count(); ++column)
+            width += header()->sectionResizeMode(column) == QHeaderView::Stretch ? WidthOf(spareChars)
+                                                                                 : header()->sectionSize(column);
+        return width;
+    }
+
     void Tell(int row)
     {
         told_ = true;
@@ -306,10 +331,11 @@ public:
                 header.setSectionResizeMode(column, QHeaderView::Stretch);
                 continue;
             }
-            const int width = widget_->WidthOf(one.Chars) + (column == 0 && control_.SmallIcons ? IconSize : 0);
+            const int width = widget_->WidthOf(one.Chars) + (column == 0 && control_.SmallIcons ? Scaled(IconSize) : 0);
             header.setSectionResizeMode(column, QHeaderView::Interactive);
             header.resizeSection(column, std::max(width, header.sectionSizeHint(column)));
         }
+        widget_->Placeholder = ToQt(control_.PlaceholderText);
         Update(Property::Value);
         Refresh();
         widget_->OnSelect = [this](int row) {
@@ -318,8 +344,7 @@ public:
         };
         // The toolkit tells the second of two quick clicks as a double click only; it counts as a click like any other.
         for (const auto clicked : {&QHeaderView::sectionClicked, &QHeaderView::sectionDoubleClicked})
-            QObject::connect(&header, clicked, &context_,
-                             [this](int column) { control_.UserColumnClick(column + 1); });
+            QObject::connect(&header, clicked, &context_, [this](int column) { control_.UserColumnClick(column + 1); });
     }
     ~ListViewPeer() override
     {
@@ -355,6 +380,8 @@ private:
         quiet_ = true;
         model_->Refresh();
         quiet_ = false;
+        // A list without a row has nothing else for a screen reader.
+        widget_->setAccessibleDescription(model_->rowCount({}) == 0 ? widget_->Placeholder : QString());
         QHeaderView& header = *widget_->header();
         header.setSortIndicatorShown(control_.Sorted);
         if (control_.Sorted)

@@ -1,10 +1,13 @@
 #include "qt/forms/QtFormPeer.h"
 
 #include "controls/OptionButton.h"
+#include "controls/Pictures.h"
 #include "qt/dialogs/Placement.h"
+#include "qt/forms/CommonPeer.h"
 #include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
 #include "qt/system/Desktop.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
 
@@ -77,6 +80,12 @@ FormWindow* QtFormPeer::MakeFormWindow()
 {
     auto* window = new FormWindow(form_.Border);
     window_ = window;
+    // A window that grows with the font stays on the screen. Set before the controls are made, so that they have taken
+    // the font when this runs.
+    new FontChange(&context_, *window, [this] {
+        SettleSize();
+        KeepOnScreen(*window_);
+    });
     // Set before the controls are made, because they take it over.
     if (!form_.FontName.empty())
         window->setFont(ToQFont({form_.FontName}, QFont()));
@@ -134,10 +143,14 @@ QWidget* QtFormPeer::MakeItem(const Layout& item)
         return nullptr;
     QWidget* widget = peer->Widget();
     widgets_[item.control] = std::move(peer);
+    // Room for a text grows with the text. A list has its columns' widths, and scrolls.
+    const bool text = dynamic_cast<Label*>(item.control) || dynamic_cast<Pane*>(item.control);
+    const auto room = [text](int size) { return text ? Scaled(size) : size; };
     if (item.minWidth > 0)
-        widget->setMinimumWidth(std::max(item.minWidth, widget->minimumWidth()));
+        widget->setMinimumWidth(
+            std::max({room(item.minWidth), widget->minimumWidth(), widget->minimumSizeHint().width()}));
     if (item.minHeight > 0)
-        widget->setMinimumHeight(std::max(item.minHeight, widget->minimumHeight()));
+        widget->setMinimumHeight(std::max(room(item.minHeight), widget->minimumHeight()));
     // A label with a given width and height wraps its text.
     if (auto* label = qobject_cast<QLabel*>(widget); label && item.minWidth > 0 && item.minHeight > 0) {
         label->setWordWrap(true);
@@ -315,13 +328,20 @@ QWidget* QtFormPeer::WidgetOf(const Control* control) const
     return found == widgets_.end() ? nullptr : found->second->Widget();
 }
 
-void QtFormPeer::Place()
+// The window's layout learns of changes inside the scrolling area from the event loop only.
+void QtFormPeer::SettleSize()
 {
-    placed_ = true;
-    // The window's layout learns of changes inside the scrolling area from the event loop only.
     if (auto* window = qobject_cast<QMainWindow*>(window_))
         window->centralWidget()->updateGeometry();
     content_->layout()->activate();
+    if (window_->layout())
+        window_->layout()->activate();
+}
+
+void QtFormPeer::Place()
+{
+    placed_ = true;
+    SettleSize();
     if (!form_.Geometry.empty() && window_->restoreGeometry(QByteArray::fromBase64(ToQt(form_.Geometry).toLatin1())))
         return;
     window_->adjustSize();

@@ -4,6 +4,7 @@
 #include "controls/Form.h"
 #include "qt/forms/ControlPeers.h"
 
+#include <QObject>
 #include <QPointer>
 
 #include <map>
@@ -45,6 +46,7 @@ private:
     void SetTabOrder();
     void ConnectLabels();
     void Place();
+    void SettleSize();
     QWidget* WidgetOf(const Control* control) const;
 
     Form& form_;
@@ -56,6 +58,7 @@ private:
     std::map<const Menu*, std::unique_ptr<MenuPeer>> menus_;
     std::vector<std::unique_ptr<Peer>> timers_;
     bool placed_ = false;
+    QObject context_; ///< for what follows the desktop's font as long as this peer lives
 };
 
 } // namespace voxmate::qt

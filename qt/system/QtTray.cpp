@@ -2,6 +2,7 @@
 
 #include "qt/forms/ControlPeers.h"
 #include "qt/system/Desktop.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 
 #include <QApplication>
@@ -38,9 +39,10 @@ void Iconify(QWidget& window)
 
 double TwipsPerPixel()
 {
-    // Qt's device-independent pixels are 1/96 inch on every screen.
+    // Qt's device-independent pixels are 1/96 inch on every screen. A larger font of the desktop's makes what is
+    // measured in twips larger, too: announcements, whose text is in points, keep their shape.
     constexpr double pixelsPerInch = 96;
-    return TwipsPerInch / pixelsPerInch;
+    return TwipsPerInch / pixelsPerInch / FontScale();
 }
 
 std::uint32_t QtTray::HandleOf(PictureBox& box)

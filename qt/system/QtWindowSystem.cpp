@@ -128,7 +128,7 @@ void QtWindowSystem::CoTaskMemFree(ItemList list)
 
 void QtWindowSystem::ShowOpen(CommonDialog& dialog)
 {
-    if (std::optional<std::string> chosen = ShowOpenDialog(Owner(), dialog, openFolder_))
+    if (std::optional<std::string> chosen = ShowOpenDialog(Owner(), dialog, openFolder_, Recent))
         dialog.FileName = std::move(*chosen);
     else if (dialog.CancelError)
         throw CancelSelected();

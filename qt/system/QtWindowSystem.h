@@ -3,6 +3,7 @@
 
 #include "platform/WindowSystem.h"
 #include "qt/alerts/QtWindowCalls.h"
+#include "qt/dialogs/RecentFolders.h"
 #include "qt/system/QtTray.h"
 #include "qt/widgets/IconSet.h"
 
@@ -24,6 +25,7 @@ public:
     explicit QtWindowSystem(const std::string& shareDirectory);
 
     const IconSet& Icons() const { return icons_; }
+    RecentFolders Recent; ///< of the dialog for opening a file
 
     std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
     int MsgBox(const std::string& text, int style, const std::string& title) override;

@@ -1,5 +1,6 @@
 #include "qt/widgets/DialogWidgets.h"
 
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/Widgets.h"
 
 #include <QMovie>
@@ -31,12 +32,38 @@ QColor Line(const QWidget& widget)
 
 } // namespace
 
-MovieLabel::MovieLabel(const QString& path, int size, QWidget* parent) : QLabel(parent)
+MovieLabel::MovieLabel(const QString& path, const QString& darkPath, int size, QWidget* parent)
+    : QLabel(parent), path_(path), darkPath_(darkPath), size_(size)
 {
-    setFixedSize(size, size);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    Choose();
+}
+
+/// Takes the picture that suits the theme.
+void MovieLabel::Choose()
+{
+    const QString& path = palette().color(QPalette::Window).lightness() < 128 ? darkPath_ : path_;
+    QMovie* const before = movie();
+    if (before && before->fileName() == path)
+        return;
     auto* movie = new QMovie(path, {}, this);
     setMovie(movie);
     movie->jumpToFrame(0);
+    if (isVisible())
+        movie->start();
+    delete before;
+}
+
+void MovieLabel::changeEvent(QEvent* event)
+{
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && movie())
+        Choose();
+}
+
+QSize MovieLabel::sizeHint() const
+{
+    return {Scaled(size_), Scaled(size_)};
 }
 
 void MovieLabel::showEvent(QShowEvent* event)
@@ -109,7 +136,7 @@ void SampleLabel::ShowIn(const QString& family, double points)
 
 QSize SampleLabel::sizeHint() const
 {
-    return {SampleWidth, SampleHeight};
+    return {Scaled(SampleWidth), Scaled(SampleHeight)};
 }
 
 void SampleLabel::paintEvent(QPaintEvent* /*event*/)

@@ -12,13 +12,25 @@ namespace voxmate::qt
 class MovieLabel : public QLabel
 {
 public:
-    /// `size` is the square's side in device-independent pixels; the picture is scaled to it.
-    MovieLabel(const QString& path, int size, QWidget* parent);
+    /// `size` is the square's side in device-independent pixels, for the usual font; it grows with the desktop's. The
+    /// picture is scaled to it.
+    /// In a dark theme the picture is that of `darkPath`.
+    MovieLabel(const QString& path, const QString& darkPath, int size, QWidget* parent);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    const QString path_;
+    const QString darkPath_;
+    const int size_;
+
+    void Choose();
 };
 
 /// A page for a text, with rounded corners and a field's background. A text that does not fit scrolls, also by the page

@@ -2,6 +2,7 @@
 
 #include "controls/MonthView.h"
 #include "qt/widgets/AccessibleRole.h"
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/ReadableStyle.h"
 #include "qt/widgets/Widgets.h"
 
@@ -14,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace voxmate::qt
 {
@@ -24,12 +26,23 @@ namespace
 // Device-independent pixels.
 constexpr int CellWidth = 32;
 constexpr int CellHeight = 25;
+constexpr int CellPadding = 14; // beside the figures of a day, at least
 constexpr int ArrowWidth = 24;
 constexpr int Padding = 6;
 constexpr qreal Rounding = 5;
 
 constexpr qreal Quiet = 0.45; ///< how far secondary text is blended into its background
 constexpr qreal DisabledOpacity = 0.4;
+
+/// The size of a day's cell, in which the widest figures and a weekday's first two letters have room.
+QSize CellOf(const QWidget& widget)
+{
+    QFont bold = widget.font();
+    bold.setWeight(QFont::DemiBold);
+    const QFontMetrics figures(bold);
+    return {std::max(CellWidth, figures.horizontalAdvance(QStringLiteral("00")) + CellPadding),
+            std::max(CellHeight, figures.height() + CellPadding / 2)};
+}
 
 bool IsShown(const QDate& date)
 {
@@ -49,12 +62,15 @@ public:
     {
         setFocusPolicy(Qt::NoFocus);
         setCheckable(true);
-        setFixedSize(CellWidth, CellHeight);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setAttribute(Qt::WA_Hover);
     }
 
     bool Today = false;
     bool OtherMonth = false;
+
+    QSize sizeHint() const override { return CellOf(*this); }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override
@@ -101,12 +117,15 @@ public:
     ArrowButton(QWidget* calendar, int months, const QString& what) : QPushButton(calendar), months_(months)
     {
         setFocusPolicy(Qt::NoFocus);
-        setFixedSize(ArrowWidth, CellHeight);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setAutoRepeat(true);
         setAttribute(Qt::WA_Hover);
         setAccessibleName(what);
         setToolTip(what);
     }
+
+    QSize sizeHint() const override { return {Scaled(ArrowWidth), CellOf(*this).height()}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override
@@ -122,15 +141,17 @@ protected:
             painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), Rounding, Rounding);
         }
         const bool right = (months_ > 0) != (layoutDirection() == Qt::RightToLeft);
-        const qreal x = right ? 2 : -2;
+        const qreal scale = FontScale();
+        const qreal x = (right ? 2 : -2) * scale;
+        const qreal y = 4 * scale;
         const QPointF middle = QRectF(rect()).center();
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(
-            QPen(Mix(palette().color(QPalette::Text), ground, 0.2), 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(Mix(palette().color(QPalette::Text), ground, 0.2), 1.75 * scale, Qt::SolidLine,
+                            Qt::RoundCap, Qt::RoundJoin));
         const bool year = months_ > 1 || months_ < -1;
-        for (const qreal shift : {-2.5, 2.5}) {
+        for (const qreal shift : {-2.5 * scale, 2.5 * scale}) {
             const QPointF tip = middle + QPointF(year ? shift : 0, 0);
-            painter.drawPolyline(QPolygonF{tip + QPointF(-x, -4), tip + QPointF(x, 0), tip + QPointF(-x, 4)});
+            painter.drawPolyline(QPolygonF{tip + QPointF(-x, -y), tip + QPointF(x, 0), tip + QPointF(-x, y)});
             if (!year)
                 break;
         }
@@ -147,9 +168,15 @@ public:
     explicit TodayButton(QWidget* calendar) : QPushButton(calendar)
     {
         setFocusPolicy(Qt::NoFocus);
-        setFixedHeight(CellHeight);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         setAttribute(Qt::WA_Hover);
     }
+
+    QSize sizeHint() const override
+    {
+        return {fontMetrics().horizontalAdvance(text()) + CellPadding, CellOf(*this).height()};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override
@@ -190,7 +217,7 @@ MonthCalendar::MonthCalendar(QWidget* parent)
     title_->setAlignment(Qt::AlignCenter);
     title_->setTextFormat(Qt::PlainText);
     title_->setForegroundRole(QPalette::Text);
-    QFont heading = title_->font();
+    QFont heading;
     heading.setWeight(QFont::DemiBold);
     title_->setFont(heading);
     top->addWidget(title_, 1);
@@ -203,7 +230,6 @@ MonthCalendar::MonthCalendar(QWidget* parent)
         auto* label = new QLabel(this);
         label->setAlignment(Qt::AlignCenter);
         label->setTextFormat(Qt::PlainText);
-        label->setFixedSize(CellWidth, CellHeight - 4);
         weekdays_[static_cast<std::size_t>(column)] = label;
         grid->addWidget(label, 0, column);
     }
@@ -260,14 +286,22 @@ QDate MonthCalendar::FirstShown() const
 void MonthCalendar::FillTitles()
 {
     const QLocale locale;
+    const QSize cell = CellOf(*this);
+    const auto nameOf = [&locale](int column) {
+        const int day = (locale.firstDayOfWeek() - 1 + column) % DaysOfWeek + 1;
+        return std::pair(locale.standaloneDayName(day, QLocale::ShortFormat),
+                         locale.standaloneDayName(day, QLocale::LongFormat));
+    };
+    // Where a name is too wide for its column, all are cut to their first two letters, as in printed calendars.
+    bool fit = true;
+    for (int column = 0; column < DaysOfWeek; ++column)
+        fit = fit && fontMetrics().horizontalAdvance(nameOf(column).first) <= cell.width() - 2;
     for (int column = 0; column < DaysOfWeek; ++column) {
         QLabel& label = *weekdays_[static_cast<std::size_t>(column)];
-        const int day = (locale.firstDayOfWeek() - 1 + column) % DaysOfWeek + 1;
-        const QString name = locale.standaloneDayName(day, QLocale::ShortFormat);
-        // A name too wide for its column is cut to its first two letters, as in printed calendars.
-        const bool fits = label.fontMetrics().horizontalAdvance(name) <= CellWidth - 2;
-        label.setText(fits ? name : name.left(2));
-        label.setAccessibleName(locale.standaloneDayName(day, QLocale::LongFormat));
+        const auto [name, longName] = nameOf(column);
+        label.setText(fit ? name : name.left(2));
+        label.setFixedSize(cell.width(), cell.height() - 4);
+        label.setAccessibleName(longName);
         QPalette quiet;
         quiet.setColor(QPalette::WindowText, Mix(palette().color(QPalette::Text), FieldGround(*this), Quiet));
         label.setPalette(quiet);

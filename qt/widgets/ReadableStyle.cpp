@@ -1,5 +1,6 @@
 #include "qt/widgets/ReadableStyle.h"
 
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/Widgets.h"
 
 #include <QApplication>
@@ -23,6 +24,7 @@ constexpr qreal PartContrast = 3.2;
 constexpr qreal DisabledContrast = 2.7;
 
 constexpr qreal FieldRounding = 2;
+constexpr qreal ArrowWidth = 7;  ///< of a drop-down list's arrow, at the usual font
 constexpr qreal QuietText = 0.4; ///< how far a field's hint fades into its background, as long as it stays readable
 constexpr qreal Rule = 0.35;     ///< how far a separator between a menu's items stands out
 
@@ -221,6 +223,16 @@ void ReadableStyle::drawControl(ControlElement element, const QStyleOption* opti
         QProxyStyle::drawControl(element, &plain, painter, widget);
         return;
     }
+    if (const auto* list = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        element == CE_ComboBoxLabel && list && !list->editable) {
+        // The toolkit cuts a text that is too long in the middle of a letter.
+        constexpr int margin = 4; // between the text and its room's edges
+        const int room = subControlRect(CC_ComboBox, list, SC_ComboBoxEditField, widget).width() - margin;
+        QStyleOptionComboBox fitting(*list);
+        fitting.currentText = list->fontMetrics.elidedText(list->currentText, Qt::ElideRight, room);
+        QProxyStyle::drawControl(element, &fitting, painter, widget);
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
     if (element == CE_MenuItem && item && item->menuItemType == QStyleOptionMenuItem::Separator &&
@@ -235,11 +247,52 @@ void ReadableStyle::drawControl(ControlElement element, const QStyleOption* opti
 void ReadableStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                        const QWidget* widget) const
 {
+    const auto* list = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (const qreal scale = FontScale(); control == CC_ComboBox && list && scale > 1) {
+        // The toolkit's arrow has one size.
+        QStyleOptionComboBox bare(*list);
+        bare.subControls &= ~SC_ComboBoxArrow;
+        QProxyStyle::drawComplexControl(control, &bare, painter, widget);
+        const QPointF middle = QRectF(subControlRect(control, list, SC_ComboBoxArrow, widget)).center();
+        const QPointF half(ArrowWidth / 2 * scale, ArrowWidth / 4 * scale);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(list->palette.color(QPalette::ButtonText));
+        painter->drawPolygon(
+            QPolygonF{middle - half, middle + QPointF(half.x(), -half.y()), middle + QPointF(0, half.y())});
+        painter->restore();
+        return;
+    }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox)
         DrawOutline(*painter, OutlineOf(*option, option->state & State_HasFocus), [&] {
             painter->drawRoundedRect(Middle(option->rect).adjusted(0, 1, 0, -1), FieldRounding, FieldRounding);
         });
+}
+
+int ReadableStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
+{
+    const int size = QProxyStyle::pixelMetric(metric, option, widget);
+    switch (metric) {
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight:
+    case PM_CheckBoxLabelSpacing:
+    case PM_RadioButtonLabelSpacing:
+    case PM_SmallIconSize:
+    case PM_ListViewIconSize:
+    case PM_ButtonIconSize:
+    case PM_ToolBarIconSize:
+    case PM_MenuButtonIndicator:
+    case PM_HeaderMarkSize:
+    case PM_ScrollBarExtent:
+    case PM_ScrollBarSliderMin:
+        return Scaled(size);
+    default:
+        return size;
+    }
 }
 
 int ReadableStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

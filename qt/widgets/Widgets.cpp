@@ -1,5 +1,6 @@
 #include "qt/widgets/Widgets.h"
 
+#include "qt/widgets/FontScale.h"
 #include "qt/widgets/ReadableStyle.h"
 
 #include <QApplication>
@@ -25,6 +26,7 @@ constexpr int LargePictureButtonSize = 52;
 constexpr qreal Rounding = 6;
 constexpr int BarHeight = 22;
 constexpr int PanelPadding = 8;
+constexpr int ButtonMargin = 16; // on both sides of a button's text together
 
 constexpr qreal DisabledOpacity = 0.4;
 
@@ -76,11 +78,13 @@ Button::Button(const IconSet& icons, const QString& picture, CommandButton::Role
 QSize Button::sizeHint() const
 {
     if (!picture_.isEmpty()) {
-        const int side = role_ == CommandButton::Role::Other ? PictureButtonSize : LargePictureButtonSize;
+        const int side = Scaled(role_ == CommandButton::Role::Other ? PictureButtonSize : LargePictureButtonSize);
         return {side, side};
     }
     // A comfortable minimum size to click, however short the text.
-    return QPushButton::sizeHint().expandedTo({84, 30});
+    // The style's own margin around the text has one size.
+    const QSize margin(Scaled(ButtonMargin) - ButtonMargin, (Scaled(ButtonMargin) - ButtonMargin) / 2);
+    return (QPushButton::sizeHint() + margin).expandedTo({84, 30});
 }
 
 bool Button::event(QEvent* event)
@@ -117,7 +121,7 @@ void Button::paintEvent(QPaintEvent* event)
     painter.setPen(QPen(line, 1));
     painter.setBrush(fill);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Rounding, Rounding);
-    const int size = filled ? LargeIconSize : IconSize;
+    const int size = Scaled(filled ? LargeIconSize : IconSize);
     const QColor onColour = Contrast(face, Qt::white) >= Contrast(face, Qt::black) ? Qt::white : Qt::black;
     if (hasFocus() && filled) {
         // Within the colour, because the usual ring has that very colour.
@@ -189,12 +193,12 @@ ValueBar::ValueBar(QWidget* parent) : QScrollBar(Qt::Horizontal, parent)
 
 QSize ValueBar::sizeHint() const
 {
-    return {160, BarHeight};
+    return {Scaled(160), Scaled(BarHeight)};
 }
 
 QSize ValueBar::minimumSizeHint() const
 {
-    return {100, BarHeight};
+    return {Scaled(100), Scaled(BarHeight)};
 }
 
 bool ValueBar::event(QEvent* event)
@@ -227,6 +231,7 @@ void ValueBar::paintEvent(QPaintEvent* /*event*/)
     const QColor accent = palette().color(QPalette::Highlight);
     const QColor ink = Ink(*this);
 
+    const qreal scale = FontScale();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1.0 : DisabledOpacity);
@@ -239,9 +244,10 @@ void ValueBar::paintEvent(QPaintEvent* /*event*/)
         const bool points = less != (layoutDirection() == Qt::RightToLeft);
         const bool hot = hover && arrow.contains(mouse);
         const QPointF middle = arrow.center();
-        const qreal x = points ? -1.5 : 1.5;
-        painter.setPen(QPen(hot ? accent : ink, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawPolyline(QPolygonF{middle + QPointF(-x, -3.5), middle + QPointF(x, 0), middle + QPointF(-x, 3.5)});
+        const qreal x = (points ? -1.5 : 1.5) * scale;
+        const qreal y = 3.5 * scale;
+        painter.setPen(QPen(hot ? accent : ink, 1.75 * scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF{middle + QPointF(-x, -y), middle + QPointF(x, 0), middle + QPointF(-x, y)});
     }
 
     const qreal middle = groove.center().y();
@@ -259,17 +265,18 @@ void ValueBar::paintEvent(QPaintEvent* /*event*/)
 
     const bool pressed = isSliderDown();
     const bool hot = pressed || (hover && handle.contains(mouse));
-    QRectF knob(0, 0, std::min(handle.width(), 22.0), 16);
+    const QRectF whole(0, 0, 22 * scale, 16 * scale);
+    QRectF knob(0, 0, std::min(handle.width(), whole.width()), whole.height());
     knob.moveCenter({handle.center().x(), middle});
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(accent, 2));
-        painter.drawRoundedRect(knob.adjusted(-2, -2, 2, 2), 10, 10);
+        painter.drawRoundedRect(knob.adjusted(-2, -2, 2, 2), whole.height() / 2 + 2, whole.height() / 2 + 2);
     }
     const QColor face = Face(*this);
     painter.setBrush(pressed ? Mix(face, accent, 0.35) : face);
     painter.setPen(QPen(hot ? accent : Mix(Outline(palette()), ink, 0.3), 1));
-    painter.drawRoundedRect(knob.adjusted(0.5, 0.5, -0.5, -0.5), 7.5, 7.5);
+    painter.drawRoundedRect(knob.adjusted(0.5, 0.5, -0.5, -0.5), whole.height() / 2 - 0.5, whole.height() / 2 - 0.5);
 }
 
 void ValueBar::keyPressEvent(QKeyEvent* event)
@@ -385,9 +392,14 @@ void GroupFrame::paintEvent(QPaintEvent* /*event*/)
 }
 
 Picture::Picture(const IconSet& icons, const QString& name, int size, QWidget* parent)
-    : QWidget(parent), icons_(icons), name_(name)
+    : QWidget(parent), icons_(icons), name_(name), size_(size)
 {
-    setFixedSize(size, size);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize Picture::sizeHint() const
+{
+    return {Scaled(size_), Scaled(size_)};
 }
 
 void Picture::paintEvent(QPaintEvent* /*event*/)

@@ -105,7 +105,10 @@ protected:
 class Picture : public QWidget
 {
 public:
+    /// `size` is the square's side in device-independent pixels, for the usual font; it grows with the desktop's.
     Picture(const IconSet& icons, const QString& name, int size, QWidget* parent);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -113,6 +116,7 @@ protected:
 private:
     const IconSet& icons_;
     const QString name_;
+    const int size_;
 };
 
 } // namespace voxmate::qt

@@ -467,6 +467,70 @@ class Called(ExtrasCase):
         self.assertTrue(wrong.stderr.decode().startswith('voxmate: "--loud" is not understood.\n\nUsage: voxmate'))
 
 
+class Editor(ReminderCase):
+    """The reminder editor's help with entering one."""
+    ADDS = "Today at {:%H:%M}: tea"
+
+    def open_editor(self):
+        super().open_editor()
+        title = desktop.wait_for(lambda: next((node for name, role, node in self.desk.widgets() if (name, role) == ("Title", "text")), None),
+                                 what="the title")
+        desktop.wait_for(lambda: title.getState().contains(self.desk.accessible().STATE_FOCUSED), what="the cursor in the title")
+        return title
+
+    def beginning(self):
+        """The present minute, which is not one of the day's last: what is added then is for today."""
+        now = self.minute()
+        if now.hour == 23 and now.minute > 40:
+            self.skipTest("the day ends")
+        return now
+
+    def test_a_title_that_says_when_is_shown_told_and_added_by_enter(self):
+        now = self.beginning()
+        self.start_and_settle()
+        title = self.open_editor()
+        hint = self.desk.find("Reminders", role="tree").description
+        self.assertTrue(hint.startswith("There are no reminders in the list."), hint)
+        self.desk.type("tea in 15 minutes")
+        when = now + datetime.timedelta(minutes=15)
+        told = [self.ADDS.format(when + datetime.timedelta(minutes=late)) for late in (0, 1)]
+        desktop.wait_for(lambda: set(told) & set(self.desk.texts()), what=told[0])
+        self.assertIn(title.description, told)
+        self.assertFalse(os.path.exists(self.path))
+        self.desk.key("Return")
+        desktop.wait_for(lambda: os.path.exists(self.path) and len(self.slots()) == 1, what="the reminder in the file")
+        self.assertIn(self.slots()[0], [record("tea", when + datetime.timedelta(minutes=late), "tea") for late in (0, 1)])
+        self.assertEqual(self.desk.find("Reminders", role="tree").description, "")
+
+    def test_a_reminder_that_comes_again_and_again_is_refused(self):
+        self.start_and_settle()
+        self.open_editor()
+        self.desk.type("pills every day at 9")
+        self.desk.find("A reminder comes once. Please give one day and one time.")
+        self.desk.key("alt+a")
+        self.assertTrue(self.box_text("Voxmate - Reminders").startswith("A reminder comes once. Please give one day and one time."))
+        self.desk.key("Return")
+        self.desk.gone("Voxmate - Reminders")
+        self.assertFalse(os.path.exists(self.path))
+
+    def test_a_title_without_a_time_gets_the_next_quarter_of_an_hour_and_is_added_by_the_keys_of_the_editor(self):
+        now = self.beginning()
+        self.start_and_settle()
+        self.open_editor()
+        self.desk.type("Bank")
+        quarter = now.replace(minute=0) + datetime.timedelta(minutes=now.minute // 15 * 15 + 15)
+        later = quarter + datetime.timedelta(minutes=15)  # when the quarter ends meanwhile
+        self.desk.key("alt+d")
+        self.desk.type("The card")
+        self.desk.key("alt+a")
+        desktop.wait_for(lambda: os.path.exists(self.path) and len(self.slots()) == 1, what="the reminder in the file")
+        self.assertIn(self.slots()[0], [record("Bank", quarter, "The card"), record("Bank", later, "The card")])
+        for key, name in (("alt+t", "Title"), ("alt+m", "Time"), ("alt+d", "Description:")):
+            self.desk.key(key)
+            desktop.wait_for(lambda name=name: next(node for found, role, node in self.desk.widgets() if (found, role) == (name, "text"))
+                             .getState().contains(self.desk.accessible().STATE_FOCUSED), what=f"the cursor in {name}")
+
+
 class Install(ExtrasCase):
     def setUp(self):
         super().setUp()

@@ -1,7 +1,11 @@
 #include "controls/Form.h"
+#include "controls/MonthView.h"
 #include "tests/fakes/RecordingPeer.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace voxmate
 {
@@ -55,6 +59,32 @@ protected:
     NoHost host;
     TestForm form{host};
 };
+
+TEST_F(ControlsTest, AnAccessKeyIsMarkedInACaptionThatMarksNone)
+{
+    EXPECT_EQ(MarkAccessKey("Size to text", 'z'), "Si&ze to text");
+    EXPECT_EQ(MarkAccessKey("Title", 't'), "&Title");
+    EXPECT_EQ(MarkAccessKey("Stop", 'x'), "Stop");
+    EXPECT_EQ(MarkAccessKey("&Go", 'o'), "&Go");
+    EXPECT_EQ(MarkAccessKey("Go", 0), "Go");
+}
+
+TEST_F(ControlsTest, AFieldTellsWhatTheUserChangesApartFromWhatTheProgramChanges)
+{
+    TextBox box{&form, "txtBox"};
+    MonthView month{&form, "mvDate"};
+    std::vector<std::string> told;
+    box.Change = [&] { told.push_back("Change " + box.Text.get()); };
+    box.Edited = [&] { told.push_back("Edited " + box.Text.get()); };
+    month.SelChange = [&] { told.push_back("SelChange " + std::to_string(month.Day())); };
+    month.Edited = [&] { told.push_back("Edited " + std::to_string(month.Day())); };
+    box.Text = "a";
+    box.UserEdit("ab");
+    month.SetValue({2026, 11, 25});
+    month.UserSelect({2026, 11, 26});
+    EXPECT_EQ(told, (std::vector<std::string>{"Change a", "Change ab", "Edited ab", "SelChange 25", "SelChange 26",
+                                              "Edited 26"}));
+}
 
 TEST_F(ControlsTest, SettingAPropertyTellsThePeerOnceAndOnlyWhenItChanges)
 {

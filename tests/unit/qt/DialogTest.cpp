@@ -245,9 +245,25 @@ TEST_F(DialogTest, AMovingPicturePlaysWhileItIsSeen)
     EXPECT_EQ(QAccessible::queryAccessibleInterface(label)->role(), QAccessible::Animation);
 }
 
-TEST_F(DialogTest, TheMovingPictureIsASmallFile)
+TEST_F(DialogTest, TheMovingPictureSuitsTheTheme)
 {
-    EXPECT_LT(QFileInfo(windows.Icons().MoviePath(QStringLiteral("about"))).size(), 60 * 1024);
+    auto* label = Find<MovieLabel>("picture");
+    const QImage light = label->grab().toImage();
+    QPalette dark = label->palette();
+    dark.setColor(QPalette::Window, Qt::black);
+    label->setPalette(dark);
+    ASSERT_TRUE(label->movie()->isValid());
+    EXPECT_EQ(label->movie()->state(), QMovie::Running);
+    EXPECT_GT(light.pixelColor(36, 4).lightness(), 200);
+    EXPECT_LT(label->grab().toImage().pixelColor(36, 4).lightness(), 100);
+    label->setPalette({});
+    EXPECT_EQ(label->grab().toImage().pixelColor(36, 4), light.pixelColor(36, 4));
+}
+
+TEST_F(DialogTest, TheMovingPicturesAreSmallFiles)
+{
+    for (const char* name : {"about", "about-dark"})
+        EXPECT_LT(QFileInfo(windows.Icons().MoviePath(QString::fromLatin1(name))).size(), 60 * 1024) << name;
 }
 
 TEST_F(DialogTest, ASampleIsDrawnInItsFontOnOneLineWhateverItsSize)

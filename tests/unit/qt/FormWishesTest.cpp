@@ -2,6 +2,7 @@
 // keyboard begins, size and place from an earlier run; and Escape, which the program may take first.
 #include "tests/unit/qt/QtTest.h"
 
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -74,6 +75,39 @@ TEST_F(FormWishesTest, AnItemsKeyChoosesItWithEitherEnterKeyWhateverHasTheKeyboa
     QTest::keyClick(Window()->windowHandle(), Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(happened, (Happened{"chosen", "chosen", "chosen"}));
     EXPECT_EQ(other.txtText.Text.get(), "");
+}
+
+TEST_F(FormWishesTest, ALabelThatBreaksItsTextKeepsALinesRoomWithoutTextAndIsThenHidden)
+{
+    class LabelForm : public Form
+    {
+    public:
+        explicit LabelForm(WindowSystem& host) : Form(host, "frmLabel")
+        {
+            Border = BorderStyle::Sizable;
+            lbl.Wraps = true;
+            Arrangement = Column({Item(lbl), Item(txt)});
+        }
+        Label lbl{this, "lbl"};
+        TextBox txt{this, "txt"};
+    } other(windows);
+    other.Show();
+    QCoreApplication::processEvents();
+    QLabel* label = nullptr;
+    QWidget* field = nullptr;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == QStringLiteral("frmLabel")) {
+            label = ChildOf<QLabel>(window, "lbl");
+            field = ChildOf<QWidget>(window, "txt");
+        }
+    }
+    ASSERT_NE(label, nullptr);
+    EXPECT_FALSE(label->isVisible());
+    const int place = field->y();
+    other.lbl.Caption = "Today at 16:00: tea";
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(label->isVisible());
+    EXPECT_EQ(field->y(), place);
 }
 
 TEST_F(FormWishesTest, TheKeyboardBeginsWhereTheFormWishes)

@@ -23,6 +23,7 @@ public:
         lst.SmallIcons = &images;
         lst.AccessibleName = "Reminders";
         lst.FullRowSelect = true;
+        lst.PlaceholderText = "Nothing to do yet";
         Arrangement = Item(lst).Min(500, 300);
     }
 
@@ -82,6 +83,25 @@ protected:
 using Numbers = std::vector<std::size_t>;
 
 } // namespace
+
+TEST_F(ListTest, AnEmptyListShowsAndTellsWhatToDo)
+{
+    QCoreApplication::processEvents();
+    const QImage empty = View()->viewport()->grab().toImage();
+    EXPECT_EQ(View()->accessibleDescription(), QStringLiteral("Nothing to do yet"));
+    Fill({"Tea"});
+    EXPECT_EQ(View()->accessibleDescription(), QString());
+    form.lst.ClearItems();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(View()->viewport()->grab().toImage(), empty);
+    const QColor ground = View()->palette().color(QPalette::Base);
+    int inked = 0;
+    for (int x = 0; x < empty.width(); ++x) {
+        for (int y = 0; y < empty.height(); ++y)
+            inked += empty.pixelColor(x, y) != ground ? 1 : 0;
+    }
+    EXPECT_GT(inked, 100);
+}
 
 TEST_F(ListTest, ItemsAreShownInTheirColumnsWithTheirPictures)
 {

@@ -2,6 +2,7 @@
 #include "tests/unit/qt/QtTest.h"
 
 #include "base/RuntimeError.h"
+#include "tests/fakes/FakeState.h"
 
 #include <QAbstractItemView>
 #include <QDialogButtonBox>
@@ -180,6 +181,47 @@ TEST_F(OpenDialogTest, AFileThatIsSelectedOrTypedForAMomentIsTold)
     });
     Opened(settings);
     EXPECT_EQ(told, (std::vector<std::string>{home.Path("Documents/one.txt"), home.Path("Documents/two.txt")}));
+}
+
+TEST_F(OpenDialogTest, TheFoldersOfTheLastDocumentsAreAtItsSideAlsoInTheNextRun)
+{
+    for (const char* folder : {"a", "b", "c", "d", "e", "f"}) {
+        QDir(QString::fromStdString(home.Path(""))).mkdir(QString::fromLatin1(folder));
+        home.Touch(std::string(folder) + "/one.txt");
+    }
+    fakes::FakeState state;
+    windows.Recent.KeepIn(&state);
+    const auto open = [this](const std::string& name) {
+        InDialog([&](QFileDialog& dialog) { Type(dialog, home.Path(name)); });
+        Opened(Settings());
+    };
+    const auto places = [this](QtWindowSystem& system) {
+        std::vector<std::string> paths;
+        InDialog([&](QFileDialog& dialog) {
+            for (const QUrl& url : dialog.sidebarUrls())
+                paths.push_back(url.toLocalFile().toStdString());
+            dialog.reject();
+        });
+        CommonDialog settings = Settings();
+        settings.CancelError = false;
+        system.ShowOpen(settings);
+        return paths;
+    };
+    for (const char* name : {"a/one.txt", "b/one.txt", "a/one.txt", "missing/none.txt", "Documents/none.txt"})
+        open(name);
+    const std::string all = home.Path("");
+    const std::vector<std::string> usual{all.substr(0, all.size() - 1), home.Path("Documents"), "/"};
+    std::vector<std::string> expected = usual;
+    expected.insert(expected.end(), {home.Path("a"), home.Path("b")});
+    EXPECT_EQ(places(windows), expected);
+    for (const char* name : {"c/one.txt", "d/one.txt", "e/one.txt", "f/one.txt"})
+        open(name);
+    ASSERT_TRUE(QDir(QString::fromStdString(home.Path("e"))).removeRecursively());
+    QtWindowSystem next(VOXMATE_SHARE_DIR);
+    next.Recent.KeepIn(&state);
+    expected = usual;
+    expected.insert(expected.end(), {home.Path("f"), home.Path("d"), home.Path("c"), home.Path("a")});
+    EXPECT_EQ(places(next), expected);
 }
 
 TEST_F(OpenDialogTest, AFileThatIsConfirmedAtOnceIsNotTold)

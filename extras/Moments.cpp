@@ -1,0 +1,61 @@
+#include "extras/Moments.h"
+
+#include "base/Text.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <ratio>
+
+namespace voxmate
+{
+
+using std::chrono::days;
+
+Moment ToMoment(const DateTime& at)
+{
+    return std::chrono::local_days(std::chrono::year(at.year) / at.month / at.day) + std::chrono::hours(at.hour) +
+           std::chrono::minutes(at.minute);
+}
+
+DateTime ToDateTime(Moment moment)
+{
+    const std::chrono::local_days day = std::chrono::floor<days>(moment);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss clock(moment - day);
+    return {static_cast<int>(date.year()),
+            static_cast<int>(static_cast<unsigned>(date.month())),
+            static_cast<int>(static_cast<unsigned>(date.day())),
+            static_cast<int>(clock.hours().count()),
+            static_cast<int>(clock.minutes().count()),
+            0};
+}
+
+Moment NextQuarter(Moment now)
+{
+    using Quarters = std::chrono::duration<std::int64_t, std::ratio<15 * 60>>;
+    return std::chrono::floor<Quarters>(now) + Quarters(1);
+}
+
+std::string SpokenMoment(Moment at, Moment now)
+{
+    static constexpr std::array<const char*, 7> weekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                                         "Thursday", "Friday", "Saturday"};
+    static constexpr std::array<const char*, 12> months{"January",   "February", "March",    "April",
+                                                        "May",       "June",     "July",     "August",
+                                                        "September", "October",  "November", "December"};
+    const std::chrono::local_days day = std::chrono::floor<days>(at);
+    const days later = day - std::chrono::floor<days>(now);
+    const DateTime when = ToDateTime(at);
+    std::string said;
+    if (later == days(0))
+        said = "Today";
+    else if (later == days(1))
+        said = "Tomorrow";
+    else
+        said = std::string(weekdays.at(std::chrono::weekday(day).c_encoding())) + ", " + std::to_string(when.day) +
+               " " + months.at(static_cast<std::size_t>(when.month) - 1) + " " + std::to_string(when.year);
+    return said + " at " + Padded(when.hour, 2) + ":" + Padded(when.minute, 2);
+}
+
+} // namespace voxmate
