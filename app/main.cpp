@@ -22,6 +22,7 @@
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
 #include "qt/system/QtWindowSystem.h"
+#include "readers/Reading.h"
 #include "speech/VoiceCatalog.h"
 #include "speech/player/VoicePlayer.h"
 
@@ -126,7 +127,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     frmMain mainForm(program);
     frmSplash splash(program);
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
-    Extras extras(program, mainForm, {*state, login, desktop, LookAtCharacter});
+    Extras extras(program, mainForm, {*state, login, desktop, LookAtCharacter, [](const std::string& file) {
+                                          return std::make_unique<readers::Reading>(file);
+                                      }});
     application.EscapePressed = [&extras] { return extras.Escape(); };
 
     const auto end = [&process] { process.EndRequested(); };

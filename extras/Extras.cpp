@@ -15,9 +15,11 @@ constexpr int WaitingInterval = 250; // milliseconds
 } // namespace
 
 Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
-    : program_(program), main_(main), host_(host), menu_(main), speaking_(menu_, program, main),
+    : program_(program), main_(main), host_(host), menu_(main), documents_(program, main, host.ReadDocument),
+      speaking_(menu_, program, main, [this] { return documents_.Going(); }),
       login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
-      install_(program, host.LookAtCharacter), opening_(program),
+      install_(program, host.LookAtCharacter),
+      opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
@@ -25,7 +27,6 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     KeepGeometry(main_, host_.State, "main.geometry");
 
     opening_.Add("acs", [this](const std::string& file) { install_.Ask(file); });
-    opening_.Tell("installs characters (.acs)");
     menu_.BeginGroup();
     menu_.Add("mnuExtrasHelp", "&Help on Extras", [&program] { program.OpenUrl(program.HelpPage("extras")); });
     // Named in the desktop entry.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "extras/CommandLine.h"
+#include "extras/Documents.h"
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
 #include "extras/Opening.h"
@@ -23,6 +24,7 @@ struct ExtrasHost {
     Autostart& Login;
     Activation& Desktop;
     InstallCharacter::Look LookAtCharacter;
+    Documents::Reader ReadDocument;
 };
 
 class Extras
@@ -45,6 +47,7 @@ private:
     ExtrasHost host_;
 
     ExtrasMenu menu_;
+    Documents documents_;
     Speaking speaking_;
     StartAtLogin login_;
     QuietStart quiet_;

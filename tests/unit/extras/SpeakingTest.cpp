@@ -113,7 +113,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, nullptr});
+    Extras more(program, next, {state, login, desktop, nullptr, nullptr});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

@@ -1,0 +1,224 @@
+#include "extras/Documents.h"
+
+#include "base/Text.h"
+#include "extras/WordText.h"
+#include "modules/Command.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace voxmate
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using readers::Refusal;
+
+// Until there is something to speak every millisecond counts, later a document comes in quicker than it is read.
+constexpr int FirstInterval = 10;    // milliseconds
+constexpr int LaterInterval = 40;    // milliseconds
+constexpr int BlocksAtATime = 50;    // some milliseconds' work
+constexpr auto TextPatience = 500ms; // until a text file's kind is known, which takes some 20 ms
+/// What has been read and not been heard: more than a thousand pages.
+constexpr std::size_t MostAhead = std::size_t{16} << 20;
+/// A word as speeds are counted, with the blank behind it.
+constexpr std::uint64_t CharactersPerWord = 6;
+
+std::string Counted(std::uint64_t number, const char* what)
+{
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+} // namespace
+
+std::string TimeText(std::uint64_t minutes)
+{
+    constexpr std::uint64_t hour = 60;
+    if (minutes == 0)
+        return "less than a minute";
+    std::string text = minutes < hour ? "" : Counted(minutes / hour, "hour");
+    if (minutes % hour != 0)
+        text += (text.empty() ? "" : " ") + Counted(minutes % hour, "minute");
+    return text;
+}
+
+Documents::Documents(Program& program, Form& form, Reader read)
+    : program_(program), read_(std::move(read)), narrator_(program),
+      tmrDocument_(&form, "tmrDocument", FirstInterval, false)
+{
+    tmrDocument_.Tick = [this] { GoOn(); };
+    narrator_.Moved = [this] { ShowStatus(); };
+    narrator_.Ended = [this](Narrator::End end) {
+        ended_ = end;
+        tmrDocument_.Interval = FirstInterval;
+        tmrDocument_.Enabled = true;
+    };
+}
+
+void Documents::Put(const std::string& file)
+{
+    HeedStop();
+    waiting_.push_back(file);
+    GoOn();
+}
+
+// A Stop concerns all files that came before it.
+void Documents::HeedStop()
+{
+    if (std::exchange(stops_, program_.StopCount) == program_.StopCount)
+        return;
+    waiting_.clear();
+    if (Going()) {
+        narrator_.Halt();
+        Finish(Narrator::End::Stopped);
+    }
+}
+
+// Works on the present document, and begins the next ones as far as that has ended. The word processor and the sentence
+// about a document let events run, among which nothing else must begin.
+void Documents::GoOn()
+{
+    const Command command(working_);
+    if (!command.Begun())
+        return;
+    for (;;) {
+        HeedStop();
+        if (Going())
+            Work();
+        HeedStop();
+        if (Going() || waiting_.empty())
+            break;
+        const std::string file = std::move(waiting_.front());
+        waiting_.pop_front();
+        Begin(file);
+    }
+    if (!Going())
+        tmrDocument_.Enabled = false;
+}
+
+void Documents::Begin(const std::string& file)
+{
+    reading_ = read_(file);
+    std::optional<readers::Block> first;
+    if (UCase(program_.Host.Files.GetExtensionName(file)) == "TXT") {
+        first = reading_->Next(TextPatience);
+        if (IsPlainText()) {
+            reading_.reset();
+            program_.Reading.ReadText(file);
+            return;
+        }
+    }
+    file_ = file;
+    sentence_.clear();
+    plays_ = false;
+    ended_.reset();
+    narrator_.Begin();
+    program_.Main->SetStatus("Opening Document. Please wait...");
+    tmrDocument_.Interval = FirstInterval;
+    tmrDocument_.Enabled = true;
+    if (first)
+        Append(*first);
+}
+
+// Whether the button for text files reads what is called one as well, or says what is wrong with it.
+bool Documents::IsPlainText() const
+{
+    const std::optional<readers::Kind> kind = reading_->DocumentKind();
+    if (kind)
+        return *kind == readers::Kind::Text || *kind == readers::Kind::Markdown;
+    const Refusal outcome = reading_->Outcome();
+    return !reading_->AtEnd() || outcome == Refusal::NoText || outcome == Refusal::NoReader;
+}
+
+void Documents::Work()
+{
+    if (reading_ && !ended_)
+        TakeBlocks();
+    if (ended_)
+        Finish(*ended_);
+}
+
+void Documents::TakeBlocks()
+{
+    for (int i = 0; i < BlocksAtATime && narrator_.Ahead() < MostAhead; ++i) {
+        const std::optional<readers::Block> block = reading_->Next(0ms);
+        if (block)
+            Append(*block);
+        else if (reading_->AtEnd())
+            return EndOfReading();
+        else
+            break;
+    }
+}
+
+void Documents::Append(const readers::Block& block)
+{
+    for (SpokenPart& part : PartsOf(block)) {
+        narrator_.Append(std::move(part));
+        tmrDocument_.Interval = LaterInterval;
+    }
+}
+
+// All of the document has come. What remains is to speak it.
+void Documents::EndOfReading()
+{
+    const std::unique_ptr<readers::Reading> reading = std::move(reading_);
+    tmrDocument_.Enabled = false;
+    if (reading->Outcome() == Refusal::NeedsConverter) {
+        ReadConverted();
+    } else if (reading->Outcome() == Refusal::Sound) {
+        plays_ = true;
+        narrator_.Append({".", 0, true, file_});
+    } else {
+        sentence_ = reading->Sentence();
+    }
+    narrator_.Close();
+}
+
+void Documents::ReadConverted()
+{
+    std::vector<readers::Block> blocks;
+    const Refusal refusal = ReadByWordProcessor(program_, file_, blocks);
+    if (refusal != Refusal::None)
+        sentence_ = readers::Sentence(refusal, file_, false);
+    for (const readers::Block& block : blocks)
+        Append(block);
+    program_.Main->SetStatus(StatusBusy);
+}
+
+// The document has been heard, or will not be.
+void Documents::Finish(Narrator::End end)
+{
+    ended_.reset();
+    const std::string file = std::exchange(file_, "");
+    reading_.reset();
+    if (plays_ && end == Narrator::End::Failed)
+        sentence_ = readers::Sentence(Refusal::Damaged, file, false);
+    if (end == Narrator::End::Stopped) {
+        waiting_.clear();
+    } else if (!sentence_.empty()) {
+        program_.Messages.Announce(sentence_, vbExclamation, "Voxmate - File Error", "Decline");
+        program_.Main->SetStatus(StatusIdle);
+    }
+}
+
+void Documents::ShowStatus()
+{
+    const std::string name = file_.substr(file_.find_last_of("/\\") + 1);
+    if (plays_) {
+        program_.Main->SetStatus("Playing wave file...");
+    } else if (reading_) {
+        program_.Main->SetStatus("Reading " + name + " . Click STOP to Cancel Reading...");
+    } else {
+        const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
+        program_.Main->SetStatus("Reading " + name + " (" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) +
+                                 " left) . Click STOP to Cancel Reading...");
+    }
+}
+
+} // namespace voxmate

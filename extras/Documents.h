@@ -1,0 +1,64 @@
+// Reads documents of all kinds aloud, one after the other.
+#pragma once
+
+#include "extras/Narrator.h"
+#include "modules/Program.h"
+#include "readers/Reading.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace voxmate
+{
+
+class Documents
+{
+public:
+    /// Begins to read a file.
+    using Reader = std::function<std::unique_ptr<readers::Reading>(const std::string& file)>;
+
+    /// `form` owns the timer.
+    Documents(Program& program, Form& form, Reader read);
+
+    /// Puts a file behind those that are being read or wait for it. What it is, is told by its content. A text file
+    /// whose name ends in .txt is read as by the button, and a recording is played.
+    void Put(const std::string& file);
+    /// Whether a file is being opened or read.
+    bool Going() const { return !file_.empty(); }
+
+private:
+    Program& program_;
+    Reader read_;
+    Narrator narrator_;
+    Timer tmrDocument_;
+    std::deque<std::string> waiting_;
+    std::uint32_t stops_ = 0; ///< Program::StopCount when it was looked at last
+    bool working_ = false;
+
+    std::string file_;                          ///< the document that is being opened or read; empty: none
+    std::unique_ptr<readers::Reading> reading_; ///< as long as there may be more of it
+    std::string sentence_;                      ///< what is to be said about it when what could be read has been heard
+    bool plays_ = false;                        ///< it is a recording
+    std::optional<Narrator::End> ended_;
+
+    void GoOn();
+    void HeedStop();
+    void Begin(const std::string& file);
+    bool IsPlainText() const;
+    void Work();
+    void TakeBlocks();
+    void EndOfReading();
+    void Append(const readers::Block& block);
+    void ReadConverted();
+    void Finish(Narrator::End end);
+    void ShowStatus();
+};
+
+/// A time for people: "less than a minute", "1 minute", "2 hours 5 minutes".
+std::string TimeText(std::uint64_t minutes);
+
+} // namespace voxmate
