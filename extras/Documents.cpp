@@ -34,6 +34,12 @@ std::string Counted(std::uint64_t number, const char* what)
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
 }
 
+// The file's name without its folder.
+std::string NameOf(const std::string& file)
+{
+    return file.substr(file.find_last_of("/\\") + 1);
+}
+
 } // namespace
 
 std::string TimeText(std::uint64_t minutes)
@@ -198,7 +204,7 @@ void Documents::Finish(Narrator::End end)
     const std::string file = std::exchange(file_, "");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)
-        sentence_ = readers::Sentence(Refusal::Damaged, file, false);
+        sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or no wave file.";
     if (end == Narrator::End::Stopped) {
         waiting_.clear();
     } else if (!sentence_.empty()) {
@@ -209,7 +215,7 @@ void Documents::Finish(Narrator::End end)
 
 void Documents::ShowStatus()
 {
-    const std::string name = file_.substr(file_.find_last_of("/\\") + 1);
+    const std::string name = NameOf(file_);
     if (plays_) {
         program_.Main->SetStatus("Playing wave file...");
     } else if (reading_) {

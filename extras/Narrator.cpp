@@ -110,7 +110,7 @@ void Narrator::Feed()
         return;
     while (speaking_ && asked_.size() < RequestsAhead && next_ < Count()) {
         if (!program_.Character || (asked_.empty() && !program_.Voice.HasSound())) {
-            Finish(End::Failed);
+            Finish(End::Stopped);
             return;
         }
         if (speaking_)

@@ -26,8 +26,8 @@ public:
 
     enum class End {
         Done,    ///< all was heard
-        Stopped, ///< by Stop, or because the character was sent away
-        Failed   ///< it could not be heard
+        Stopped, ///< by Stop, because the character was sent away, or because there is no sound, which a box has said
+        Failed   ///< a part could not be heard
     };
 
     /// Forgets the text before and begins another.

@@ -339,7 +339,8 @@ TEST_F(DocumentsTest, ARecordingThatCannotBePlayedIsToldOf)
     StartNext();
     EndNext(RequestStatus::Failed);
     Tick();
-    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"song.ogg\" cannot be read: it is damaged."}));
+    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"song.ogg\" cannot be played: it is damaged, or no wave "
+                              "file."}));
 }
 
 TEST_F(DocumentsTest, TheWordProcessorReadsWhatOnlyItCan)

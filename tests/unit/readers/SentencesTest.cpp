@@ -50,5 +50,5 @@ TEST(SentencesTest, AbbreviationsEndNone)
 
 TEST(SentencesTest, BytesThatAreNoTextAreKept)
 {
-    EXPECT_EQ(Sentences("One.\xFF\xFE Two"), (Lines{"One.\xFF\xFE Two"}));
+    EXPECT_EQ(Sentences("One.\xFF\xFE Two"), (Lines{"One.", "\xFF\xFE Two"}));
 }

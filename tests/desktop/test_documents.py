@@ -1,0 +1,182 @@
+"""Documents of all kinds that are opened with the program, and read aloud."""
+
+import os
+import shutil
+import unittest
+import wave
+import zipfile
+
+import numpy
+
+import desk as desktop
+from program import IDLE
+from test_extras import ExtrasCase, call
+from test_reading import WordCase
+
+SENTENCES = [f"This is sentence number {number} of a document that takes long enough to be stopped." for number in
+             ("one", "two", "three", "four", "five", "six", "seven", "eight", "nine", "ten")]
+
+
+def office_document(path, *paragraphs):
+    """A small .docx."""
+    space = "http://schemas.openxmlformats.org/"
+    with zipfile.ZipFile(path, "w") as out:
+        out.writestr("[Content_Types].xml", f'<Types xmlns="{space}package/2006/content-types"><Override PartName="/word/document.xml" '
+                     'ContentType="application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml"/></Types>')
+        out.writestr("_rels/.rels", f'<Relationships xmlns="{space}package/2006/relationships"><Relationship Id="r1" Type='
+                     f'"{space}officeDocument/2006/relationships/officeDocument" Target="word/document.xml"/></Relationships>')
+        body = "".join(f"<w:p><w:r><w:t>{text}</w:t></w:r></w:p>" for text in paragraphs)
+        out.writestr("word/document.xml", f'<w:document xmlns:w="{space}wordprocessingml/2006/main"><w:body>{body}</w:body></w:document>')
+
+
+class DocumentCase(ExtrasCase):
+    def setUp(self):
+        super().setUp()
+        self.folder = os.path.join(self.desk.home, "documents")
+        shutil.rmtree(self.folder, ignore_errors=True)
+        os.makedirs(self.folder)
+        self.start_and_settle()
+        self.listen()
+
+    def file(self, name, text):
+        path = os.path.join(self.folder, name)
+        with open(path, "wb") as file:
+            file.write(text if isinstance(text, bytes) else text.encode())
+        return path
+
+    def open(self, *paths):
+        call(self.desk, "Open", "(asa{sv})", ["file://" + path for path in paths], {})
+
+    def page(self, name="page.html", sentences=SENTENCES):
+        return self.file(name, "<!DOCTYPE html><body>" + "".join(f"<p>{sentence}</p>" for sentence in sentences))
+
+    def silent(self):
+        """Waits until nothing sounds any more and the program is idle."""
+        desktop.wait_for(lambda: not self.streams(), what="the end of the sound")
+        self.settle()
+        self.assertEqual(self.streams(), [])
+
+    def status_is(self, beginning):
+        desktop.wait_for(lambda: any(text.startswith(beginning) for text in self.desk.texts()), what=f"the status {beginning!r}")
+
+
+class Opened(DocumentCase):
+    def test_documents_are_read_in_turn_whatever_their_names(self):
+        letter = os.path.join(self.folder, "letter.xyz")
+        office_document(letter, "The first document is a letter.", "It has two paragraphs.")
+        paths = [letter, self.page("page", ["The second document is a page."]),
+                 self.file("notes.txt", "The third document is plain."),
+                 self.file("rich.dat", r"{\rtf1\ansi The fourth document is rich.\par}"),
+                 self.file("list.md", "# List\n\n1. The fifth document is a list.\n")]
+        begin = self.now()
+        self.open(*paths)
+        for text in ("The first document is a letter.", "It has two paragraphs.", "The second document is a page.",
+                     "The third document is plain.", "The fourth document is rich.", "1. The fifth document is a list."):
+            self.hear(begin, text)
+        self.silent()
+        self.assertEqual(self.boxes(), [])
+
+    def test_the_command_line_opens_documents_and_waits_for_the_start(self):
+        self.desk.end(self.program)
+        begin = self.now()
+        self.program = self.desk.start(arguments=[self.page(sentences=["A page that the program was started with."])])
+        self.hear(begin, "A page that the program was started with.")
+
+    def test_the_status_line_tells_what_is_read_and_stop_ends_it_and_what_waits(self):
+        begin = self.now()
+        self.open(self.page(), self.page("next.html", ["Never heard."]))
+        self.wait_for_sound(begin)
+        self.status_is("Reading page.html (")
+        self.press("Stop Everything !!!")
+        self.silent()
+        begin = self.now()
+        self.open(self.page())
+        self.hear(begin, SENTENCES[0])
+        self.desk.key("Escape")
+        self.silent()
+
+    def test_a_typed_text_is_spoken_after_the_present_sentences_and_then_the_document_goes_on(self):
+        self.type_text("Between two sentences.")
+        begin = self.now()
+        self.open(self.page(sentences=SENTENCES[:4]))
+        self.wait_for_sound(begin)
+        self.press("Speak the textbox text")
+        for text in (*SENTENCES[:2], "Between two sentences.", SENTENCES[3]):
+            self.hear(begin, text)
+
+    def test_hiding_the_character_ends_it(self):
+        begin = self.now()
+        self.open(self.page())
+        self.wait_for_sound(begin)
+        self.desk.click_at(*self.open_character_menu()[-1])
+        self.silent()
+
+    def test_what_cannot_be_read_is_told_in_a_sentence(self):
+        protected = self.file("secret.pdf", b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + bytes(504) + "EncryptedPackage".encode("utf-16-le"))
+        cut = os.path.join(self.folder, "cut.docx")
+        office_document(cut, "Lost")
+        with open(cut, "rb+") as file:
+            file.truncate(os.path.getsize(cut) // 2)
+        for path, reason in ((protected, "it is protected by a password or against copying"),
+                             (cut, "it is damaged"),
+                             (self.file("noise.docx", bytes(range(256)) * 20), "it is of no kind that Voxmate knows"),
+                             (self.file("empty.odt", ""), "there is no text in it")):
+            with self.subTest(path):
+                self.open(path)
+                name = os.path.basename(path)
+                self.assertEqual(self.answer_box("Voxmate - File Error"), f'"{name}" cannot be read: {reason}.')
+                self.settle()
+
+    def test_a_recording_is_played(self):
+        rate = 22050
+        tone = (8000 * numpy.sin(2 * numpy.pi * 440 * numpy.arange(rate * 2) / rate)).astype("<i2")
+        path = os.path.join(self.folder, "tone.dat")
+        with wave.open(path, "wb") as out:
+            out.setparams((1, 2, rate, 0, "NONE", ""))
+            out.writeframes(tone.tobytes())
+        begin = self.now()
+        self.open(path)
+        self.wait_for_sound(begin)
+        self.status_is("Playing wave file...")
+        self.silent()
+        self.assertAlmostEqual(self.sound_since(begin), 2, delta=0.09)
+        self.open(self.file("song.ogg", b"OggS" + bytes(100)))
+        self.assertEqual(self.answer_box("Voxmate - File Error"), '"song.ogg" cannot be played: it is damaged, or no wave file.')
+
+    def test_nothing_is_left_of_the_reader_when_the_program_ends(self):
+        begin = self.now()
+        # More than is read ahead: the reader waits.
+        self.open(self.page(sentences=SENTENCES * 40000))
+        self.wait_for_sound(begin)
+        readers = self.desk.run("pgrep", "-P", str(self.program.pid), "-x", "voxmate-reader").split()
+        self.assertEqual(len(readers), 1)
+        self.desk.end(self.program)
+        desktop.wait_for(lambda: not os.path.exists(f"/proc/{readers[0].decode()}"), what="the reader's end")
+
+
+@unittest.skipUnless(shutil.which("soffice"), "without a word processor")
+class OldWord(WordCase):
+    def open(self, path):
+        call(self.desk, "Open", "(asa{sv})", ["file://" + path], {})
+
+    def test_the_word_processor_reads_what_nothing_else_does(self):
+        path = self.document("letter.bin", "Dear reader.\nThis is an old letter.")
+        begin = self.now()
+        self.open(path)
+        self.hear(begin, "Dear reader.")
+        self.hear(begin, "This is an old letter.")
+        self.nothing_left()
+        desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the end")
+
+    def test_escape_ends_it_while_it_is_opened(self):
+        path = self.document("letter.doc", "Never heard. " * 20000)
+        self.open(path)
+        desktop.wait_for(self.processors, what="the word processor")
+        self.desk.key("Escape")
+        self.nothing_left()
+        self.settle()
+        self.assertEqual(self.streams(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
