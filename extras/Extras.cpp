@@ -35,11 +35,15 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
                 {"stop", [this] { main_.cmdStop.UserClick(); }}};
     tmrWaiting_.Tick = [this] { GoOn(); };
     host_.Desktop.Called = [this](const Call& call) { Called(call); };
+    // What is dropped comes from where the user looks, so no window is brought to the front.
+    main_.FilesDropped =
+        program.Host.Agent.FilesDropped = [this](const std::vector<std::string>& files) { Open(files); };
 }
 
 Extras::~Extras()
 {
     host_.Desktop.Called = nullptr;
+    main_.FilesDropped = program_.Host.Agent.FilesDropped = nullptr;
 }
 
 void Extras::Begin(const CommandLine& line, const Event& showSplash)
@@ -62,7 +66,12 @@ void Extras::Called(const Call& call)
         action_ = call.Action;
     else
         wanted_ = program_.StartedUp || startsQuietly_;
-    opening_.Put(call.Files);
+    Open(call.Files);
+}
+
+void Extras::Open(const std::vector<std::string>& files)
+{
+    opening_.Put(files);
     tmrWaiting_.Enabled = true;
     GoOn();
 }

@@ -14,6 +14,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace voxmate
 {
@@ -60,6 +61,7 @@ private:
     std::map<std::string, Event> actions_;
 
     void Called(const Call& call);
+    void Open(const std::vector<std::string>& files);
     void GoOn();
 };
 

@@ -47,7 +47,7 @@ void Opening::OpenOne(const std::string& file)
     const auto reader = readers_.find(UCase(program_.Host.Files.GetExtensionName(file)));
     if (IsAddress(file))
         complain("The following file is not on this computer:" + std::string(CrLf) + file);
-    else if (!program_.Host.Files.FileExists(file))
+    else if (!program_.Host.Files.FileExists(file) && !program_.Host.Files.FolderExists(file))
         complain("File not found:" + std::string(CrLf) + file);
     else
         Reader(reader == readers_.end() ? other_ : reader->second)(file);

@@ -17,8 +17,8 @@ class Opening
 public:
     using Reader = std::function<void(const std::string& file)>;
 
-    /// `other` takes the files of all kinds that are not added. A reader is called for files that exist, one at a time,
-    /// and may show boxes.
+    /// `other` takes the files of all kinds that are not added, and folders. A reader is called for what exists, one at
+    /// a time, and may show boxes.
     Opening(Program& program, Reader other);
 
     /// Hands files whose name ends in `.extension`, in any case, to `reader`.

@@ -409,6 +409,29 @@ TEST_F(DocumentsTest, AnEndlessDocumentIsReadOnlySoFarAhead)
     EXPECT_GT(documents.taken["C:\\endless.md"], 17u);
 }
 
+TEST_F(DocumentsTest, DroppedFilesAreOpenedWithoutBringingAWindowToTheFront)
+{
+    Begin();
+    form.mnuSysTray.UserClick();
+    form.FilesDropped({"C:\\a.docx", "C:\\b.odt"});
+    Collect();
+    SpeakAll();
+    fake.agent.FilesDropped({"C:\\b.odt", "C:\\nothing.md"});
+    EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "Two.\\Pau=350\\", "Three.\\Pau=350\\", "Four.\\Pau=350\\",
+                               "Other.\\Pau=350\\", "Other.\\Pau=350\\"}));
+    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: File not found:\r\nC:\\nothing.md"}));
+    EXPECT_FALSE(form.IsShown());
+}
+
+TEST_F(DocumentsTest, AFolderIsToldOf)
+{
+    Begin();
+    fake.files.folders.insert("C:\\music");
+    documents.told["C:\\music"] = {Refusal::NotAllowed};
+    Open({"C:\\music"});
+    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"music\" cannot be read: it is no file that may be read."}));
+}
+
 TEST_F(DocumentsTest, TimesAreTextsForPeople)
 {
     EXPECT_EQ(TimeText(0), "less than a minute");
