@@ -2,14 +2,17 @@
 
 import os
 import shutil
+import subprocess
+import time
 import unittest
 import wave
 import zipfile
 
 import numpy
+from gi.repository import Gio
 
 import desk as desktop
-from program import IDLE
+from program import BUILD, IDLE
 from test_extras import ExtrasCase, call
 from test_reading import WordCase
 
@@ -152,6 +155,91 @@ class Opened(DocumentCase):
         self.assertEqual(len(readers), 1)
         self.desk.end(self.program)
         desktop.wait_for(lambda: not os.path.exists(f"/proc/{readers[0].decode()}"), what="the reader's end")
+
+
+class Dropped(DocumentCase):
+    def setUp(self):
+        super().setUp()
+        self.paths = [self.page("one page.html", ["The first of the dropped files."]),
+                      self.file("two.md", "The second of the dropped files.")]
+        self.addresses = [Gio.File.new_for_path(path).get_uri() for path in self.paths]
+
+    def source(self, *addresses):
+        """Another program's window from which files are dragged; returns a place in it."""
+        child = self.desk.spawn(os.path.join(BUILD, "drag_source"), *addresses)
+        self.addCleanup(child.wait)
+        self.addCleanup(child.terminate)
+        window = desktop.wait_for(lambda: self.desk.windows("^Drag from here$"), what="the other window")[0]
+        self.desk.run("xdotool", "windowraise", window)
+        x, y, width, height = self.desk.window_rect(window)
+        return x + width // 2, y + height // 2
+
+    def drop(self, start, end):
+        """Drags from one place to another, slowly enough for the two programs to talk about it, and drops."""
+        self.desk.run("xdotool", "mousemove", *map(str, start), "mousedown", "1")
+        for step in range(1, 11):
+            place = (start[at] + (end[at] - start[at]) * step // 10 for at in (0, 1))
+            self.desk.run("xdotool", "mousemove", *map(str, place))
+            time.sleep(0.03)
+        time.sleep(0.3)
+        self.desk.run("xdotool", "mouseup", "1")
+
+    def heard_both(self, begin):
+        self.hear(begin, "The first of the dropped files.")
+        self.hear(begin, "The second of the dropped files.")
+        self.assertTrue(all(os.path.exists(path) for path in self.paths), "a drop moves nothing")
+
+    def middle(self, name):
+        x, y, width, height = self.desk.rect(self.desk.find(name))
+        return x + width // 2, y + height // 2
+
+    def test_files_dropped_on_the_window_or_on_its_text_box_are_read_in_turn(self):
+        start = self.source(*self.addresses)
+        for name in ("Text to read", "Whisper"):
+            with self.subTest(name):
+                begin = self.now()
+                self.drop(start, self.middle(name))
+                self.heard_both(begin)
+                self.settle()
+                self.assertEqual(self.typed(), "")
+
+    def test_files_dropped_on_the_character_or_the_balloon_are_read_in_turn(self):
+        start = self.source(*self.addresses)
+        _, (x, y, width, height) = self.character_window()
+        begin = self.now()
+        self.drop(start, (x + width // 2, y + height // 2))
+        self.heard_both(begin)
+        self.settle()
+        begin = self.now()
+        self.type_text("A balloon to drop a file on")
+        self.desk.key("ctrl+Return")
+        balloon = desktop.wait_for(lambda: self.desk.windows("^Voxmate balloon$"), what="the balloon")[0]
+        x, y, width, height = self.desk.window_rect(balloon)
+        self.drop(start, (x + width // 2, y + height // 3))
+        self.heard_both(begin)
+
+    def test_copied_files_are_pasted_into_the_text_box_to_be_read(self):
+        owner = subprocess.Popen(["xclip", "-quiet", "-selection", "clipboard", "-t", "text/uri-list"],
+                                 stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=self.desk.env)
+        self.addCleanup(owner.wait)
+        self.addCleanup(owner.terminate)
+        owner.stdin.write("".join(address + "\r\n" for address in self.addresses).encode())
+        owner.stdin.close()
+        targets = ("xclip", "-selection", "clipboard", "-o", "-t", "TARGETS")
+        desktop.wait_for(lambda: b"text/uri-list" in self.desk.run(*targets, check=False), what="the copied files")
+        begin = self.now()
+        self.desk.click(self.desk.find("Text to read"))
+        self.desk.key("ctrl+v")
+        self.heard_both(begin)
+        self.settle()
+        begin = self.now()
+        # The accessibility tree does not hold the text box's own menu.
+        known = set(self.desk.windows("voxmate", by="--class"))
+        self.desk.click(self.desk.find("Text to read"), button=3)
+        desktop.wait_for(lambda: set(self.desk.windows("voxmate", by="--class")) - known, what="the text box's menu")
+        self.desk.key("p")
+        self.heard_both(begin)
+        self.assertEqual(self.typed(), "")
 
 
 @unittest.skipUnless(shutil.which("soffice"), "without a word processor")
