@@ -53,22 +53,50 @@ std::string TimeText(std::uint64_t minutes)
     return text;
 }
 
-Documents::Documents(Program& program, Form& form, Reader read)
+Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read)
     : program_(program), read_(std::move(read)), narrator_(program),
       tmrDocument_(&form, "tmrDocument", FirstInterval, false)
 {
     tmrDocument_.Tick = [this] { GoOn(); };
-    narrator_.Moved = [this] { ShowStatus(); };
+    narrator_.Moved = [this] {
+        HeedStop();
+        if (HasDocument())
+            ShowStatus();
+    };
     narrator_.Ended = [this](Narrator::End end) {
         ended_ = end;
         tmrDocument_.Interval = FirstInterval;
         tmrDocument_.Enabled = true;
     };
+    menu.BeginGroup();
+    const auto add = [&menu, this](const char* name, const char* caption, const char* key, Event act) {
+        const auto click = [this, act = std::move(act)] {
+            HeedStop();
+            act();
+        };
+        menu.Add(name, caption, click).Shortcut = key;
+    };
+    add("mnuPause", "&Pause or Go On", "Ctrl+P", [this] { PauseOrGoOn(); });
+    add("mnuSentenceBack", "&Back a Sentence", "Alt+Left", [this] { narrator_.MoveBy(-1); });
+    add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { narrator_.MoveBy(1); });
+    add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { narrator_.MoveByParagraph(false); });
+    add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { narrator_.MoveByParagraph(true); });
+}
+
+void Documents::PauseOrGoOn()
+{
+    if (narrator_.Paused())
+        narrator_.GoOn();
+    else
+        narrator_.Pause();
 }
 
 void Documents::Put(const std::string& file)
 {
     HeedStop();
+    // Who opens another document while one pauses wants to hear that.
+    if (narrator_.Paused())
+        Leave();
     waiting_.push_back(file);
     GoOn();
 }
@@ -79,10 +107,16 @@ void Documents::HeedStop()
     if (std::exchange(stops_, program_.StopCount) == program_.StopCount)
         return;
     waiting_.clear();
-    if (Going()) {
-        narrator_.Halt();
-        Finish(Narrator::End::Stopped);
-    }
+    if (HasDocument())
+        Leave();
+}
+
+void Documents::Leave()
+{
+    narrator_.Halt();
+    ended_.reset();
+    reading_.reset();
+    file_.clear();
 }
 
 // Works on the present document, and begins the next ones as far as that has ended. The word processor and the sentence
@@ -94,16 +128,16 @@ void Documents::GoOn()
         return;
     for (;;) {
         HeedStop();
-        if (Going())
+        if (HasDocument())
             Work();
         HeedStop();
-        if (Going() || waiting_.empty())
+        if (HasDocument() || waiting_.empty())
             break;
         const std::string file = std::move(waiting_.front());
         waiting_.pop_front();
         Begin(file);
     }
-    if (!Going())
+    if (!HasDocument())
         tmrDocument_.Enabled = false;
 }
 
@@ -215,16 +249,17 @@ void Documents::Finish(Narrator::End end)
 
 void Documents::ShowStatus()
 {
-    const std::string name = NameOf(file_);
-    if (plays_) {
+    if (plays_ && !narrator_.Paused()) {
         program_.Main->SetStatus("Playing wave file...");
-    } else if (reading_) {
-        program_.Main->SetStatus("Reading " + name + " . Click STOP to Cancel Reading...");
-    } else {
-        const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
-        program_.Main->SetStatus("Reading " + name + " (" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) +
-                                 " left) . Click STOP to Cancel Reading...");
+        return;
     }
+    std::string left;
+    if (!reading_ && !plays_) {
+        const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
+        left = " (" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left)";
+    }
+    program_.Main->SetStatus((narrator_.Paused() ? "Paused " : "Reading ") + NameOf(file_) + left +
+                             " . Click STOP to Cancel Reading...");
 }
 
 } // namespace voxmate

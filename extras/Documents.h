@@ -1,6 +1,7 @@
 // Reads documents of all kinds aloud, one after the other.
 #pragma once
 
+#include "extras/ExtrasMenu.h"
 #include "extras/Narrator.h"
 #include "modules/Program.h"
 #include "readers/Reading.h"
@@ -22,13 +23,13 @@ public:
     using Reader = std::function<std::unique_ptr<readers::Reading>(const std::string& file)>;
 
     /// `form` owns the timer.
-    Documents(Program& program, Form& form, Reader read);
+    Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read);
 
-    /// Puts a file behind those that are being read or wait for it. What it is, is told by its content. A text file
-    /// whose name ends in .txt is read as by the button, and a recording is played.
+    /// Puts a file behind those that are being read or wait for it; one that pauses is left. What it is, is told by its
+    /// content. A text file whose name ends in .txt is read as by the button, and a recording is played.
     void Put(const std::string& file);
-    /// Whether a file is being opened or read.
-    bool Going() const { return !file_.empty(); }
+    /// Whether a file is being opened or read aloud; not while that pauses.
+    bool Going() const { return HasDocument() && !narrator_.Paused(); }
 
 private:
     Program& program_;
@@ -45,8 +46,11 @@ private:
     bool plays_ = false;                        ///< it is a recording
     std::optional<Narrator::End> ended_;
 
+    bool HasDocument() const { return !file_.empty(); }
+    void PauseOrGoOn();
     void GoOn();
     void HeedStop();
+    void Leave();
     void Begin(const std::string& file);
     bool IsPlainText() const;
     void Work();

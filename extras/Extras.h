@@ -48,8 +48,8 @@ private:
     ExtrasHost host_;
 
     ExtrasMenu menu_;
-    Documents documents_;
     Speaking speaking_;
+    Documents documents_;
     StartAtLogin login_;
     QuietStart quiet_;
     InstallCharacter install_;

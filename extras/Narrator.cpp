@@ -56,7 +56,7 @@ void Narrator::Begin()
     first_ = at_ = next_ = 0;
     characters_ = 0;
     ahead_ = behind_ = 0;
-    closed_ = false;
+    closed_ = paused_ = false;
     speaking_ = true;
 }
 
@@ -78,7 +78,64 @@ void Narrator::Close()
 
 void Narrator::Halt()
 {
-    speaking_ = false;
+    speaking_ = paused_ = false;
+    Drop();
+}
+
+void Narrator::Pause()
+{
+    if (!speaking_ || paused_)
+        return;
+    paused_ = true;
+    Drop();
+    next_ = at_;
+    if (program_.Character)
+        program_.Character->Play("RestPose");
+    Raise(Moved);
+}
+
+void Narrator::GoOn()
+{
+    paused_ = false;
+    Feed();
+}
+
+void Narrator::MoveBy(int parts)
+{
+    const auto back = static_cast<std::size_t>(-parts);
+    if (parts < 0)
+        GoTo(at_ - std::min(at_ - first_, back));
+    else
+        GoTo(at_ + static_cast<std::size_t>(parts));
+}
+
+void Narrator::MoveByParagraph(bool forward)
+{
+    std::size_t part = std::min(at_, Count());
+    if (forward) {
+        while (++part < Count() && !Part(part).part.begins)
+            ;
+    } else {
+        while (part > first_ && !Part(--part).part.begins)
+            ;
+    }
+    GoTo(part);
+}
+
+// Of what has not come yet nothing can be spoken, so a way beyond the last part leads nowhere.
+void Narrator::GoTo(std::size_t part)
+{
+    if (!speaking_ || part >= Count())
+        return;
+    Drop();
+    MoveTo(part);
+    next_ = part;
+    GoOn();
+}
+
+// Takes back what has been asked for.
+void Narrator::Drop()
+{
     // What it interrupts must not be taken for an end.
     for (const std::deque<Asked> dropped = std::exchange(asked_, {}); const Asked& each : dropped)
         if (program_.Character)
@@ -96,6 +153,10 @@ void Narrator::MoveTo(std::size_t part)
         behind_ += Part(at_).bytes;
         ahead_ -= Part(at_).bytes;
     }
+    for (; at_ > part; --at_) {
+        behind_ -= Part(at_ - 1).bytes;
+        ahead_ += Part(at_ - 1).bytes;
+    }
     for (; behind_ > MostBehind && first_ < at_; ++first_) {
         behind_ -= parts_.front().bytes;
         parts_.pop_front();
@@ -108,15 +169,15 @@ void Narrator::Feed()
     const Command command(feeding_);
     if (!command.Begun())
         return;
-    while (speaking_ && asked_.size() < RequestsAhead && next_ < Count()) {
+    while (speaking_ && !paused_ && asked_.size() < RequestsAhead && next_ < Count()) {
         if (!program_.Character || (asked_.empty() && !program_.Voice.HasSound())) {
             Finish(End::Stopped);
             return;
         }
-        if (speaking_)
+        if (speaking_ && !paused_)
             Ask(next_++);
     }
-    if (speaking_ && closed_ && asked_.empty() && next_ == Count())
+    if (speaking_ && !paused_ && closed_ && asked_.empty() && next_ == Count())
         Finish(End::Done);
 }
 
@@ -144,8 +205,11 @@ void Narrator::Started(const AgentRequestPtr& request)
 void Narrator::Completed(const AgentRequestPtr& request)
 {
     const auto asked = std::ranges::find(asked_, request, &Asked::request);
-    if (asked == asked_.end())
+    if (asked == asked_.end()) {
+        if (paused_)
+            Raise(Moved);
         return;
+    }
     const std::size_t part = asked->part;
     asked_.erase(asked);
     if (request->Status() == RequestStatus::Complete) {

@@ -39,8 +39,15 @@ public:
     /// Ends without an event.
     void Halt();
 
-    /// Whether it speaks, or waits for parts to speak.
-    bool Speaking() const { return speaking_; }
+    /// Falls silent, and speaks on from the beginning of the part that it was in.
+    void Pause();
+    void GoOn();
+    bool Paused() const { return paused_; }
+    /// Speaks on from a part that is so many parts or paragraphs away, or from the first or last one there is; from a
+    /// paragraph's middle its own beginning counts as one back.
+    void MoveBy(int parts);
+    void MoveByParagraph(bool forward);
+
     /// The part that is being spoken, or is to be spoken next. Parts are counted from 0.
     std::size_t At() const { return at_; }
     /// The characters of the parts from At on, as far as they are known.
@@ -48,7 +55,7 @@ public:
     /// The bytes of memory that the parts from At on take, about.
     std::size_t Ahead() const { return ahead_; }
 
-    /// Another part is being spoken.
+    /// Another part is being spoken, or the status line has been changed by the end of something else that was spoken.
     Event Moved;
     std::function<void(End)> Ended;
 
@@ -72,8 +79,9 @@ private:
     std::size_t ahead_ = 0;
     std::size_t behind_ = 0; ///< the bytes of memory that the parts before At take
     std::size_t at_ = 0;
-    std::size_t next_ = 0; ///< the part to be asked for next
-    bool speaking_ = false;
+    std::size_t next_ = 0;  ///< the part to be asked for next
+    bool speaking_ = false; ///< speaks, or waits for parts to speak
+    bool paused_ = false;
     bool closed_ = false;
     bool feeding_ = false;
     std::string speaker_; ///< the character that speaks
@@ -82,6 +90,8 @@ private:
     std::size_t Count() const { return first_ + parts_.size(); }
     const Kept& Part(std::size_t number) const { return parts_[number - first_]; }
     void MoveTo(std::size_t part);
+    void GoTo(std::size_t part);
+    void Drop();
     void Feed();
     void Ask(std::size_t number);
     void Started(const AgentRequestPtr& request);

@@ -157,6 +157,42 @@ class Opened(DocumentCase):
         desktop.wait_for(lambda: not os.path.exists(f"/proc/{readers[0].decode()}"), what="the reader's end")
 
 
+class WhileItReads(DocumentCase):
+    def test_one_pauses_and_goes_on_and_moves_by_keys_while_the_text_box_has_the_keyboard(self):
+        self.type_text("typed")
+        begin = self.now()
+        self.open(self.page())
+        self.hear(begin, SENTENCES[0])
+        self.desk.key("ctrl+p")
+        self.status_is("Paused page.html (")
+        desktop.wait_for(lambda: not self.streams(), what="silence")
+        begin = self.now()
+        self.desk.key("ctrl+p")
+        self.hear(begin, SENTENCES[1])
+        self.status_is("Reading page.html (")
+        begin = self.now()
+        self.desk.key("alt+Left", "alt+Left")
+        self.hear(begin, SENTENCES[0])
+        begin = self.now()
+        self.desk.key("alt+Down", "alt+Down", "alt+Right")
+        self.hear(begin, SENTENCES[3])
+        begin = self.now()
+        self.choose_by_keys("alt+x", "Back a Paragraph", "r")
+        self.hear(begin, SENTENCES[2])
+        self.assertEqual(self.typed(), "typed")
+
+    def test_a_paused_document_is_ended_by_stop(self):
+        begin = self.now()
+        self.open(self.page())
+        self.wait_for_sound(begin)
+        self.desk.key("ctrl+p")
+        self.status_is("Paused page.html (")
+        self.press("Stop Everything !!!")
+        self.settle()
+        self.desk.key("ctrl+p")
+        self.silent()
+
+
 class Dropped(DocumentCase):
     def setUp(self):
         super().setUp()

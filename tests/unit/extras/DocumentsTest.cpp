@@ -409,6 +409,125 @@ TEST_F(DocumentsTest, AnEndlessDocumentIsReadOnlySoFarAhead)
     EXPECT_GT(documents.taken["C:\\endless.md"], 17u);
 }
 
+TEST_F(DocumentsTest, PausingIsSilentAndGoesOnWithTheSentenceItWasIn)
+{
+    Begin();
+    Open({"C:\\a.docx"});
+    EndNext();
+    StartNext();
+    EndNext();
+    StartNext();
+    fake.log.clear();
+    Item("mnuPause").UserClick();
+    EXPECT_EQ(fake.log, (Lines{"Stop", "Stop", "Play RestPose"}));
+    EXPECT_EQ(Status(), "Paused a.docx (less than a minute left) . Click STOP to Cancel Reading...");
+    for (int i = 0; i < 2; ++i)
+        EndNext(RequestStatus::Interrupted);
+    StartNext();
+    EndNext(); // RestPose
+    EXPECT_EQ(Status(), "Paused a.docx (less than a minute left) . Click STOP to Cancel Reading...");
+    Tick();
+    EXPECT_FALSE(extras.Escape()) << "nothing is spoken";
+    EXPECT_EQ(Spoken(), Lines{});
+    Item("mnuPause").UserClick();
+    EXPECT_EQ(Spoken(), (Lines{"Two.\\Pau=350\\", "Three.\\Pau=350\\"}));
+    SpeakAll();
+    EXPECT_EQ(Spoken().back(), "Four.\\Pau=350\\");
+    EXPECT_EQ(Status(), StatusIdle);
+}
+
+TEST_F(DocumentsTest, WhileItPausesADocumentIsReadInButNotSpoken)
+{
+    Begin();
+    File("C:\\slow.pdf", {Kind::Pdf, Paragraph("One.")});
+    Open({"C:\\slow.pdf"});
+    Item("mnuPause").UserClick();
+    documents.told["C:\\slow.pdf"].emplace_back(Paragraph("Two."));
+    documents.told["C:\\slow.pdf"].emplace_back(Refusal::None);
+    fake.log.clear();
+    Tick();
+    EXPECT_EQ(documents.reading, 0);
+    EXPECT_EQ(fake.log, Lines{});
+    Item("mnuPause").UserClick();
+    EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "Two.\\Pau=350\\"}));
+}
+
+TEST_F(DocumentsTest, StopEndsADocumentThatPauses)
+{
+    Begin();
+    Open({"C:\\a.docx", "C:\\b.odt"});
+    Item("mnuPause").UserClick();
+    Collect();
+    requests_.clear();
+    form.cmdStop.UserClick();
+    StartNext();
+    EndNext(); // RestPose
+    EXPECT_EQ(Status(), StatusIdle);
+    fake.log.clear();
+    Item("mnuPause").UserClick();
+    Tick();
+    EXPECT_EQ(fake.log, Lines{});
+    EXPECT_EQ(Status(), StatusIdle);
+}
+
+TEST_F(DocumentsTest, ADocumentThatIsOpenedWhileAnotherPausesIsReadAtOnce)
+{
+    Begin();
+    Open({"C:\\a.docx"});
+    Item("mnuPause").UserClick();
+    fake.log.clear();
+    Open({"C:\\b.odt"});
+    EXPECT_EQ(Spoken(), (Lines{"Other.\\Pau=350\\"}));
+}
+
+TEST_F(DocumentsTest, OneGoesBackAndForwardBySentencesAndParagraphs)
+{
+    Begin();
+    Document("C:\\a.docx", {"A one. A two. A three.", "B one. B two.", "C one."});
+    Open({"C:\\a.docx"});
+    EndNext();
+    StartNext();
+    const auto choose = [this](const char* item) {
+        fake.log.clear();
+        requests_.clear();
+        Item(item).UserClick();
+        Collect();
+        const Lines spoken = Spoken();
+        // The character has shown itself, and begins.
+        if (!spoken.empty()) {
+            EndNext();
+            StartNext();
+        }
+        return spoken.empty() ? "" : spoken.front().substr(0, spoken.front().find('\\'));
+    };
+    EXPECT_EQ(choose("mnuSentenceBack"), "A one.");
+    EXPECT_EQ(choose("mnuSentenceForward"), "A two.");
+    EXPECT_EQ(choose("mnuParagraphForward"), "B one.");
+    EXPECT_EQ(choose("mnuSentenceForward"), "B two.");
+    EXPECT_EQ(choose("mnuParagraphBack"), "B one.");
+    EXPECT_EQ(choose("mnuParagraphBack"), "A one.");
+    EXPECT_EQ(choose("mnuParagraphForward"), "B one.");
+    EXPECT_EQ(choose("mnuSentenceBack"), "A three.");
+    EXPECT_EQ(choose("mnuParagraphForward"), "B one.");
+    EXPECT_EQ(choose("mnuParagraphForward"), "C one.");
+    EXPECT_EQ(choose("mnuParagraphForward"), "") << "there is no more";
+    EXPECT_EQ(choose("mnuSentenceForward"), "");
+    EXPECT_EQ(choose("mnuPause"), "");
+    EXPECT_EQ(choose("mnuSentenceBack"), "B two.") << "moving goes on";
+}
+
+TEST_F(DocumentsTest, WithoutADocumentTheKeysDoNothing)
+{
+    Begin();
+    form.txtText.Text = "Hello";
+    form.cmdSpeak.UserClick();
+    fake.log.clear();
+    for (const char* item :
+         {"mnuPause", "mnuSentenceBack", "mnuSentenceForward", "mnuParagraphBack", "mnuParagraphForward"})
+        Item(item).UserClick();
+    EXPECT_EQ(fake.log, Lines{});
+}
+
 TEST_F(DocumentsTest, DroppedFilesAreOpenedWithoutBringingAWindowToTheFront)
 {
     Begin();

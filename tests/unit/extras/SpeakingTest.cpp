@@ -18,8 +18,10 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     Lines items;
     for (const Menu* item : Item("mnuExtras").Items())
         items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
-    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "-", "Start at &Log-in",
-                            "&Greet Me at Log-in", "-", "&Help on Extras"}));
+    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "-", "&Pause or Go On Ctrl+P",
+                            "&Back a Sentence Alt+Left", "&Forward a Sentence Alt+Right", "Back a Pa&ragraph Alt+Up",
+                            "For&ward a Paragraph Alt+Down", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
+                            "&Help on Extras"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
     EXPECT_EQ(fake.process.commands, (Lines{"explorer.exe file:///C:/WINDOWS/web/extras.html style 3"}));
