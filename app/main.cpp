@@ -7,6 +7,7 @@
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
 #include "modules/Program.h"
+#include "platform/Fingerprint.h"
 #include "platform/FreeMemory.h"
 #include "platform/linux/desktop/DBusActivation.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
@@ -127,9 +128,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     frmMain mainForm(program);
     frmSplash splash(program);
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
-    Extras extras(program, mainForm, {*state, login, desktop, LookAtCharacter, [](const std::string& file) {
-                                          return std::make_unique<readers::Reading>(file);
-                                      }});
+    Extras extras(program, mainForm,
+                  {*state, login, desktop, LookAtCharacter,
+                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint});
     application.EscapePressed = [&extras] { return extras.Escape(); };
 
     const auto end = [&process] { process.EndRequested(); };

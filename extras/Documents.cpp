@@ -23,6 +23,7 @@ using readers::Refusal;
 constexpr int FirstInterval = 10;    // milliseconds
 constexpr int LaterInterval = 40;    // milliseconds
 constexpr int BlocksAtATime = 50;    // some milliseconds' work
+constexpr int BlocksToSkip = 500;    // on the way to where a document was left
 constexpr auto TextPatience = 500ms; // until a text file's kind is known, which takes some 20 ms
 /// What has been read and not been heard: more than a thousand pages.
 constexpr std::size_t MostAhead = std::size_t{16} << 20;
@@ -53,15 +54,19 @@ std::string TimeText(std::uint64_t minutes)
     return text;
 }
 
-Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read)
-    : program_(program), read_(std::move(read)), narrator_(program),
+Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read, Identify identify, StateStore& state)
+    : program_(program), read_(std::move(read)), identify_(std::move(identify)), places_(state), narrator_(program),
       tmrDocument_(&form, "tmrDocument", FirstInterval, false)
 {
     tmrDocument_.Tick = [this] { GoOn(); };
     narrator_.Moved = [this] {
         HeedStop();
-        if (HasDocument())
-            ShowStatus();
+        if (!HasDocument())
+            return;
+        ShowStatus();
+        // So the end of the program loses a paragraph at most.
+        if (narrator_.AtParagraph() || narrator_.Paused())
+            KeepPlace();
     };
     narrator_.Ended = [this](Narrator::End end) {
         ended_ = end;
@@ -81,6 +86,8 @@ Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read
     add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { narrator_.MoveBy(1); });
     add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { narrator_.MoveByParagraph(false); });
     add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { narrator_.MoveByParagraph(true); });
+    add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { narrator_.MoveToBeginning(); });
+    add("mnuForgetPlaces", "F&orget Where Documents Were Left", "", [this] { places_.Clear(); });
 }
 
 void Documents::PauseOrGoOn()
@@ -113,10 +120,17 @@ void Documents::HeedStop()
 
 void Documents::Leave()
 {
+    KeepPlace();
     narrator_.Halt();
     ended_.reset();
     reading_.reset();
     file_.clear();
+}
+
+void Documents::KeepPlace()
+{
+    if (!narrator_.Seeking() && !plays_)
+        places_.Keep(fingerprint_, narrator_.At());
 }
 
 // Works on the present document, and begins the next ones as far as that has ended. The word processor and the sentence
@@ -157,7 +171,9 @@ void Documents::Begin(const std::string& file)
     sentence_.clear();
     plays_ = false;
     ended_.reset();
-    narrator_.Begin();
+    // The reader is at work meanwhile.
+    fingerprint_ = identify_(file);
+    narrator_.Begin(places_.Find(fingerprint_));
     program_.Main->SetStatus("Opening Document. Please wait...");
     tmrDocument_.Interval = FirstInterval;
     tmrDocument_.Enabled = true;
@@ -185,7 +201,8 @@ void Documents::Work()
 
 void Documents::TakeBlocks()
 {
-    for (int i = 0; i < BlocksAtATime && narrator_.Ahead() < MostAhead; ++i) {
+    const int most = narrator_.Seeking() ? BlocksToSkip : BlocksAtATime;
+    for (int i = 0; i < most && narrator_.Ahead() < MostAhead; ++i) {
         const std::optional<readers::Block> block = reading_->Next(0ms);
         if (block)
             Append(*block);
@@ -200,7 +217,8 @@ void Documents::Append(const readers::Block& block)
 {
     for (SpokenPart& part : PartsOf(block)) {
         narrator_.Append(std::move(part));
-        tmrDocument_.Interval = LaterInterval;
+        if (!narrator_.Seeking())
+            tmrDocument_.Interval = LaterInterval;
     }
 }
 
@@ -235,6 +253,10 @@ void Documents::ReadConverted()
 void Documents::Finish(Narrator::End end)
 {
     ended_.reset();
+    if (end == Narrator::End::Done)
+        places_.Keep(fingerprint_, 0);
+    else
+        KeepPlace();
     const std::string file = std::exchange(file_, "");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)

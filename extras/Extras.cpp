@@ -17,8 +17,9 @@ constexpr int WaitingInterval = 250; // milliseconds
 Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     : program_(program), main_(main), host_(host), menu_(main),
       speaking_(menu_, program, main, [this] { return documents_.Going(); }),
-      documents_(menu_, program, main, host.ReadDocument), login_(menu_, program, host.Login, host.State),
-      quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }), install_(program, host.LookAtCharacter),
+      documents_(menu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
+      login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
+      install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {

@@ -26,6 +26,7 @@ struct ExtrasHost {
     Activation& Desktop;
     InstallCharacter::Look LookAtCharacter;
     Documents::Reader ReadDocument;
+    Documents::Identify Fingerprint;
 };
 
 class Extras

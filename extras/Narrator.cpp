@@ -49,11 +49,12 @@ Narrator::~Narrator()
     program_.Host.Agent.RequestComplete = completed_;
 }
 
-void Narrator::Begin()
+void Narrator::Begin(std::size_t from)
 {
     Halt();
     parts_.clear();
     first_ = at_ = next_ = 0;
+    from_ = from;
     characters_ = 0;
     ahead_ = behind_ = 0;
     closed_ = paused_ = false;
@@ -67,11 +68,22 @@ void Narrator::Append(SpokenPart part)
     parts_.push_back({std::move(part), characters_, bytes});
     characters_ += characters;
     ahead_ += bytes;
+    if (Seeking()) {
+        MoveTo(Count() - 1);
+        next_ = at_;
+        if (at_ < from_)
+            return;
+        from_ = 0;
+    }
     Feed();
 }
 
 void Narrator::Close()
 {
+    if (std::exchange(from_, 0) > 0) {
+        MoveTo(first_);
+        next_ = at_;
+    }
     closed_ = true;
     Feed();
 }
@@ -128,6 +140,7 @@ void Narrator::GoTo(std::size_t part)
     if (!speaking_ || part >= Count())
         return;
     Drop();
+    from_ = 0;
     MoveTo(part);
     next_ = part;
     GoOn();
@@ -169,7 +182,7 @@ void Narrator::Feed()
     const Command command(feeding_);
     if (!command.Begun())
         return;
-    while (speaking_ && !paused_ && asked_.size() < RequestsAhead && next_ < Count()) {
+    while (speaking_ && !paused_ && !Seeking() && asked_.size() < RequestsAhead && next_ < Count()) {
         if (!program_.Character || (asked_.empty() && !program_.Voice.HasSound())) {
             Finish(End::Stopped);
             return;

@@ -30,8 +30,9 @@ public:
         Failed   ///< a part could not be heard
     };
 
-    /// Forgets the text before and begins another.
-    void Begin();
+    /// Forgets the text before and begins another: with the part of that number, or, if it turns out to have no such
+    /// part, with its first.
+    void Begin(std::size_t from);
     /// Adds a part behind the others.
     void Append(SpokenPart part);
     /// There are no more parts.
@@ -47,7 +48,12 @@ public:
     /// paragraph's middle its own beginning counts as one back.
     void MoveBy(int parts);
     void MoveByParagraph(bool forward);
+    void MoveToBeginning() { GoTo(first_); }
 
+    /// Whether the part to begin with has not come yet.
+    bool Seeking() const { return from_ > 0; }
+    /// Whether At is there and begins a paragraph.
+    bool AtParagraph() const { return at_ < Count() && Part(at_).part.begins; }
     /// The part that is being spoken, or is to be spoken next. Parts are counted from 0.
     std::size_t At() const { return at_; }
     /// The characters of the parts from At on, as far as they are known.
@@ -79,6 +85,7 @@ private:
     std::size_t ahead_ = 0;
     std::size_t behind_ = 0; ///< the bytes of memory that the parts before At take
     std::size_t at_ = 0;
+    std::size_t from_ = 0;  ///< the part to begin with, until that has come
     std::size_t next_ = 0;  ///< the part to be asked for next
     bool speaking_ = false; ///< speaks, or waits for parts to speak
     bool paused_ = false;

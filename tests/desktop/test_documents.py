@@ -12,6 +12,7 @@ import numpy
 from gi.repository import Gio
 
 import desk as desktop
+import sound
 from program import BUILD, IDLE
 from test_extras import ExtrasCase, call
 from test_reading import WordCase
@@ -191,6 +192,38 @@ class WhileItReads(DocumentCase):
         self.settle()
         self.desk.key("ctrl+p")
         self.silent()
+
+
+class WhereItWasLeft(DocumentCase):
+    def test_a_stopped_document_goes_on_from_its_sentence_in_the_next_run_until_that_is_forgotten(self):
+        page = self.page()
+        begin = self.now()
+        self.open(page)
+        self.hear(begin, SENTENCES[2])
+        self.desk.key("Escape")
+        self.silent()
+        self.desk.end(self.program)
+        self.start_and_settle()
+        copy = os.path.join(self.folder, "copy of it")
+        shutil.copy(page, copy)
+        begin = self.now()
+        self.open(copy)
+        self.hear(begin, SENTENCES[3], SENTENCES[4])
+        self.assertNotIn(SENTENCES[0], self.said(begin))
+        begin = self.now()
+        self.desk.key("alt+Home")
+        self.hear(begin, SENTENCES[0])
+        self.hear(begin, SENTENCES[1])
+        self.desk.key("Escape")
+        self.silent()
+        self.choose_by_keys("alt+x", "Forget Where Documents Were Left", "o")
+        begin = self.now()
+        self.open(page)
+        self.hear(begin, SENTENCES[0])
+
+    def said(self, begin):
+        """Those of the sentences that have been said since that sample."""
+        return [text for text in SENTENCES if sound.likeness(self.recorded(begin), self.rendered(text, 60)) > 0.8]
 
 
 class Dropped(DocumentCase):

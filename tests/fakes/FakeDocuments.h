@@ -21,15 +21,18 @@ class FakeDocuments
 public:
     /// By path, what the reader tells; without a Refusal at its end it has not told all yet. Any other file is a text.
     std::map<std::string, std::vector<readers::Frame>> told;
-    std::vector<std::string> begun;           ///< the files that a reader was started for
-    std::map<std::string, std::size_t> taken; ///< by path, how much of what is told was taken
-    int reading = 0;                          ///< readers that have not been ended
+    std::map<std::string, std::string> prints; ///< by path, the content's fingerprint; of any other file its path
+    std::vector<std::string> begun;            ///< the files that a reader was started for
+    std::map<std::string, std::size_t> taken;  ///< by path, how much of what is told was taken
+    int reading = 0;                           ///< readers that have not been ended
 
     std::unique_ptr<readers::Reading> Read(const std::string& path)
     {
         begun.push_back(path);
         return std::make_unique<readers::Reading>(path, std::make_unique<Reader>(*this, path));
     }
+
+    std::string Fingerprint(const std::string& path) const { return prints.contains(path) ? prints.at(path) : path; }
 
 private:
     // What is added to a document while it is read comes, too.

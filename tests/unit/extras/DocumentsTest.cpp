@@ -137,14 +137,14 @@ TEST_F(DocumentsTest, TheFirstBlockIsSpokenBeforeTheNextHasCome)
     EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\"}));
     SpeakAll();
     EXPECT_TRUE(extras.Escape()) << "more is to come";
-    // What is opened after a Stop is not concerned by it.
+    // What is opened after a Stop is not concerned by it, and goes on.
     Open({"C:\\slow.pdf"});
     documents.told["C:\\slow.pdf"].emplace_back(Paragraph("Two."));
     Tick();
     documents.told["C:\\slow.pdf"].emplace_back(Refusal::None);
     Tick();
     SpeakAll();
-    EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "One.\\Pau=350\\", "Two.\\Pau=350\\"}));
+    EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "Two.\\Pau=350\\"}));
     EXPECT_FALSE(TimerOf("tmrDocument").Enabled);
 }
 
@@ -516,14 +516,99 @@ TEST_F(DocumentsTest, OneGoesBackAndForwardBySentencesAndParagraphs)
     EXPECT_EQ(choose("mnuSentenceBack"), "B two.") << "moving goes on";
 }
 
+TEST_F(DocumentsTest, AStoppedDocumentGoesOnFromItsSentenceUnderAnyNameUntilItIsHeardToItsEnd)
+{
+    Begin();
+    documents.prints = {{"C:\\a.docx", "same"}, {"C:\\copy.docx", "same"}};
+    Document("C:\\copy.docx", {"One.", "Two.", "Three.", "Four."});
+    Open({"C:\\a.docx"});
+    EndNext();
+    StartNext();
+    EndNext();
+    StartNext();
+    form.cmdStop.UserClick();
+    EndNext(RequestStatus::Interrupted);
+    Tick();
+    EXPECT_EQ(state.values["documents.places"], "same 1");
+    requests_.clear();
+    fake.log.clear();
+    Open({"C:\\copy.docx"});
+    SpeakAll();
+    EXPECT_EQ(Spoken(), (Lines{"Two.\\Pau=350\\", "Three.\\Pau=350\\", "Four.\\Pau=350\\"}));
+    EXPECT_EQ(state.values["documents.places"], "");
+    fake.log.clear();
+    Open({"C:\\a.docx"});
+    EXPECT_EQ(Spoken().front(), "One.\\Pau=350\\");
+}
+
+TEST_F(DocumentsTest, APlaceThatADocumentDoesNotHaveMeansItsBeginning)
+{
+    Begin();
+    documents.prints = {{"C:\\a.docx", "same"}, {"C:\\b.odt", "same"}};
+    Open({"C:\\a.docx"});
+    EndNext();
+    for (int i = 0; i < 3; ++i) {
+        StartNext();
+        EndNext();
+    }
+    form.cmdStop.UserClick();
+    Tick();
+    EXPECT_EQ(state.values["documents.places"], "same 3");
+    fake.log.clear();
+    Open({"C:\\b.odt"});
+    EXPECT_EQ(Spoken(), (Lines{"Other.\\Pau=350\\"}));
+}
+
+TEST_F(DocumentsTest, ThePlaceIsKeptAtEachParagraphAndWhenItPauses)
+{
+    Begin();
+    Document("C:\\a.docx", {"A one. A two. A three.", "B one. B two."});
+    Open({"C:\\a.docx"});
+    EndNext();
+    Lines kept;
+    for (int i = 0; i < 5; ++i) {
+        StartNext();
+        kept.push_back(state.values["documents.places"]);
+        EndNext();
+    }
+    EXPECT_EQ(kept, (Lines{"", "", "", "C:\\a.docx 3", "C:\\a.docx 3"}));
+    Tick();
+    EXPECT_EQ(state.values["documents.places"], "") << "heard to its end";
+    requests_.clear();
+    Open({"C:\\a.docx"});
+    EndNext();
+    StartNext();
+    EndNext();
+    StartNext();
+    Item("mnuPause").UserClick();
+    EXPECT_EQ(state.values["documents.places"], "C:\\a.docx 1");
+}
+
+TEST_F(DocumentsTest, OneMayBeginAgainAndHaveAllPlacesForgotten)
+{
+    Begin();
+    Open({"C:\\a.docx"});
+    EndNext();
+    for (int i = 0; i < 3; ++i) {
+        StartNext();
+        EndNext();
+    }
+    EXPECT_EQ(state.values["documents.places"], "C:\\a.docx 3");
+    fake.log.clear();
+    Item("mnuBeginning").UserClick();
+    EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "Two.\\Pau=350\\"}));
+    Item("mnuForgetPlaces").UserClick();
+    EXPECT_EQ(state.values["documents.places"], "");
+}
+
 TEST_F(DocumentsTest, WithoutADocumentTheKeysDoNothing)
 {
     Begin();
     form.txtText.Text = "Hello";
     form.cmdSpeak.UserClick();
     fake.log.clear();
-    for (const char* item :
-         {"mnuPause", "mnuSentenceBack", "mnuSentenceForward", "mnuParagraphBack", "mnuParagraphForward"})
+    for (const char* item : {"mnuPause", "mnuSentenceBack", "mnuSentenceForward", "mnuParagraphBack",
+                             "mnuParagraphForward", "mnuBeginning"})
         Item(item).UserClick();
     EXPECT_EQ(fake.log, Lines{});
 }

@@ -38,7 +38,8 @@ protected:
                            throw std::runtime_error(lookFault);
                        return look;
                    },
-                   [this](const std::string& path) { return documents.Read(path); }}};
+                   [this](const std::string& path) { return documents.Read(path); },
+                   [this](const std::string& path) { return documents.Fingerprint(path); }}};
 
     ExtrasTest()
     {
