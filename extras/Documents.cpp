@@ -195,7 +195,9 @@ void Documents::Work()
 {
     if (reading_ && !ended_)
         TakeBlocks();
-    if (ended_)
+    // What is to be said about it waits until another message has been closed.
+    const bool tells = !sentence_.empty() || (plays_ && ended_ == Narrator::End::Failed);
+    if (ended_ && !(tells && program_.Messages.IsBusy == True))
         Finish(*ended_);
 }
 

@@ -291,6 +291,27 @@ TEST_F(DocumentsTest, WhatCannotBeReadIsToldInASentenceAndTheNextIsRead)
     EXPECT_EQ(Spoken(), (Lines{"Other.\\Pau=350\\"}));
 }
 
+TEST_F(DocumentsTest, TheSentenceWaitsUntilAnotherMessageHasBeenClosed)
+{
+    Begin();
+    File("C:\\slow.pdf", {});
+    Open({"C:\\slow.pdf"});
+    std::size_t boxes = 0;
+    fake.windows.whileBoxIsUp = [&](const auto&) {
+        documents.told["C:\\slow.pdf"] = {Refusal::Damaged};
+        Tick();
+        Tick();
+        boxes = std::max(boxes, fake.windows.boxes.size());
+        fake.windows.whileBoxIsUp = nullptr;
+    };
+    form.mnuHelp.UserClick();
+    EXPECT_EQ(boxes, 1u);
+    Tick();
+    EXPECT_EQ(Boxes().back(), "Voxmate - File Error: \"slow.pdf\" cannot be read: it is damaged.");
+    EXPECT_EQ(fake.windows.boxes.size(), 2u);
+    EXPECT_FALSE(TimerOf("tmrDocument").Enabled);
+}
+
 TEST_F(DocumentsTest, OfADamagedDocumentThatIsReadWhichIsThereAndThenTheSentenceIsTold)
 {
     Begin();
