@@ -44,8 +44,8 @@ public:
     void Pause();
     void GoOn();
     bool Paused() const { return paused_; }
-    /// Speaks on from a part that is so many parts or paragraphs away, or from the first or last one there is; from a
-    /// paragraph's middle its own beginning counts as one back.
+    /// Speaks on from a part that is so many parts or one paragraph away; from a paragraph's middle its own beginning
+    /// counts as one back. A way beyond the first part leads to that, one beyond the last nowhere.
     void MoveBy(int parts);
     void MoveByParagraph(bool forward);
     void MoveToBeginning() { GoTo(first_); }
