@@ -20,6 +20,9 @@ Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsF
             aloneSince_ = shared_.stage.Now();
         gestures_.Handle(event);
     };
+    body_.FilesDropped = balloon_.FilesDropped = [this](const std::vector<std::string>& files) {
+        shared_.Raise(&AgentControl::FilesDropped, files);
+    };
     ConnectGestures();
     CheckPictures();
 }

@@ -48,6 +48,8 @@ public:
     virtual void MoveTo(Point topLeft) = 0;
     virtual void SetVisible(bool visible) = 0;
     std::function<void(const MouseEvent&)> Mouse;
+    /// Files were dropped on the window; as for Form::FilesDropped. Called from the event loop.
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
     /// The window manager has put the visible window elsewhere than MoveTo asked for; `topLeft` is where its upper left
     /// corner really is. Called from the event loop, never inside MoveTo.
     std::function<void(Point topLeft)> Moved;
@@ -82,6 +84,8 @@ public:
     virtual void Show(const BalloonView& view) = 0;
     virtual void Hide() = 0;
     std::function<void(const MouseEvent&)> Mouse;
+    /// As for the character's window.
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
 };
 
 /// Room between the bubble's edge and its text, and the length of the tail.

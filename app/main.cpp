@@ -7,6 +7,7 @@
 #include "forms/frmMain.h"
 #include "forms/frmSplash.h"
 #include "modules/Program.h"
+#include "platform/Fingerprint.h"
 #include "platform/FreeMemory.h"
 #include "platform/linux/desktop/DBusActivation.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
@@ -23,6 +24,7 @@
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
 #include "qt/system/QtWindowSystem.h"
+#include "readers/Reading.h"
 #include "speech/VoiceCatalog.h"
 #include "speech/player/VoicePlayer.h"
 
@@ -129,7 +131,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     frmMain mainForm(program);
     frmSplash splash(program);
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
-    Extras extras(program, mainForm, {*state, login, desktop, LookAtCharacter});
+    Extras extras(program, mainForm,
+                  {*state, login, desktop, LookAtCharacter,
+                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint});
     application.EscapePressed = [&extras] { return extras.Escape(); };
 
     const auto end = [&process] { process.EndRequested(); };

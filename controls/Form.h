@@ -80,6 +80,10 @@ public:
     /// how the window changes, and raises it.
     std::string Geometry;
     Event GeometryChanged;
+    /// Files were dropped on the window, or pasted into one of its fields of several lines: their paths, or the address
+    /// of what is on another computer. Without a handler a drop is refused, and a field takes the names as text. To be
+    /// set before the form is loaded.
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
     bool IsShown() const { return shown_; }
     void Activate();
     void PopupMenu(Menu& menu, Control* at = nullptr);

@@ -39,8 +39,9 @@ std::string CommandLineHelp()
 {
     return "Usage: voxmate [OPTION...] [FILE...]\n"
            "\n"
-           "A desktop assistant that talks. It reads text files aloud and installs character\n"
-           "files (.acs). Where Voxmate runs already, that program does so.\n"
+           "A desktop assistant that talks. It reads documents aloud (text, Markdown, HTML,\n"
+           "RTF, PDF, EPUB, DOCX, ODT, DOC), plays wave files and installs characters\n"
+           "(.acs). Where Voxmate runs already, that program does so.\n"
            "\n"
            "  --quiet         start into the notification area, without splash and greeting\n"
            "  --action NAME   do what a click with the right button on the launcher offers:\n"

@@ -16,9 +16,12 @@ constexpr int WaitingInterval = 250; // milliseconds
 } // namespace
 
 Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
-    : program_(program), main_(main), host_(host), menu_(main), speaking_(menu_, program, main),
+    : program_(program), main_(main), host_(host), menu_(main),
+      speaking_(menu_, program, main, [this] { return documents_.Going(); }),
+      documents_(menu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
       login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
-      install_(program, host.LookAtCharacter), opening_(program),
+      install_(program, host.LookAtCharacter),
+      opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
@@ -27,7 +30,6 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     KeepGeometry(main_, host_.State, "main.geometry");
 
     opening_.Add("acs", [this](const std::string& file) { install_.Ask(file); });
-    opening_.Tell("installs characters (.acs)");
     menu_.BeginGroup();
     menu_.Add("mnuExtrasHelp", "&Help on Extras", [&program] { program.OpenUrl(program.HelpPage("extras")); });
     // Named in the desktop entry.
@@ -36,11 +38,15 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
                 {"stop", [this] { main_.cmdStop.UserClick(); }}};
     tmrWaiting_.Tick = [this] { GoOn(); };
     host_.Desktop.Called = [this](const Call& call) { Called(call); };
+    // What is dropped comes from where the user looks, so no window is brought to the front.
+    main_.FilesDropped =
+        program.Host.Agent.FilesDropped = [this](const std::vector<std::string>& files) { Open(files); };
 }
 
 Extras::~Extras()
 {
     host_.Desktop.Called = nullptr;
+    main_.FilesDropped = program_.Host.Agent.FilesDropped = nullptr;
 }
 
 void Extras::Begin(const CommandLine& line, const Event& showSplash)
@@ -63,7 +69,12 @@ void Extras::Called(const Call& call)
         action_ = call.Action;
     else
         wanted_ = program_.StartedUp || startsQuietly_;
-    opening_.Put(call.Files);
+    Open(call.Files);
+}
+
+void Extras::Open(const std::vector<std::string>& files)
+{
+    opening_.Put(files);
     tmrWaiting_.Enabled = true;
     GoOn();
 }

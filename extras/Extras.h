@@ -2,6 +2,7 @@
 #pragma once
 
 #include "extras/CommandLine.h"
+#include "extras/Documents.h"
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
 #include "extras/Opening.h"
@@ -14,6 +15,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace voxmate
 {
@@ -24,6 +26,8 @@ struct ExtrasHost {
     Autostart& Login;
     Activation& Desktop;
     InstallCharacter::Look LookAtCharacter;
+    Documents::Reader ReadDocument;
+    Documents::Identify Fingerprint;
 };
 
 class Extras
@@ -47,6 +51,7 @@ private:
 
     ExtrasMenu menu_;
     Speaking speaking_;
+    Documents documents_;
     StartAtLogin login_;
     QuietStart quiet_;
     InstallCharacter install_;
@@ -59,6 +64,7 @@ private:
     std::map<std::string, Event> actions_;
 
     void Called(const Call& call);
+    void Open(const std::vector<std::string>& files);
     void GoOn();
 };
 

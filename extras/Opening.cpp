@@ -4,16 +4,13 @@
 #include "base/Text.h"
 #include "modules/Command.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace voxmate
 {
 
-Opening::Opening(Program& program) : program_(program)
-{
-    Add("txt", [this](const std::string& file) { program_.Reading.ReadText(file); });
-    Tell("reads text files (.txt)");
-}
+Opening::Opening(Program& program, Reader other) : program_(program), other_(std::move(other)) {}
 
 void Opening::Add(const std::string& extension, Reader reader)
 {
@@ -34,7 +31,10 @@ bool Opening::GoOn()
     while (!waiting_.empty()) {
         const std::string file = std::move(waiting_.front());
         waiting_.pop_front();
+        const std::uint32_t stops = program_.StopCount;
         OpenOne(file);
+        if (program_.StopCount != stops)
+            waiting_.clear();
     }
     return true;
 }
@@ -47,20 +47,10 @@ void Opening::OpenOne(const std::string& file)
     const auto reader = readers_.find(UCase(program_.Host.Files.GetExtensionName(file)));
     if (IsAddress(file))
         complain("The following file is not on this computer:" + std::string(CrLf) + file);
-    else if (!program_.Host.Files.FileExists(file))
+    else if (!program_.Host.Files.FileExists(file) && !program_.Host.Files.FolderExists(file))
         complain("File not found:" + std::string(CrLf) + file);
-    else if (reader == readers_.end())
-        complain("Voxmate " + Kinds() + ". It cannot open the following file:" + CrLf + file);
     else
-        Reader(reader->second)(file);
-}
-
-std::string Opening::Kinds() const
-{
-    std::string kinds;
-    for (std::size_t i = 0; i < kinds_.size(); ++i)
-        kinds += (i == 0 ? "" : i + 1 == kinds_.size() ? " and " : ", ") + kinds_[i];
-    return kinds;
+        Reader(reader == readers_.end() ? other_ : reader->second)(file);
 }
 
 } // namespace voxmate

@@ -1,5 +1,7 @@
 #include "extras/Speaking.h"
 
+#include <utility>
+
 namespace voxmate
 {
 
@@ -13,7 +15,8 @@ bool IsUnfinished(const AgentRequestPtr& request)
 
 } // namespace
 
-Speaking::Speaking(ExtrasMenu& menu, Program& program, frmMain& main) : program_(program), main_(main)
+Speaking::Speaking(ExtrasMenu& menu, Program& program, frmMain& main, std::function<bool()> reads)
+    : program_(program), main_(main), reads_(std::move(reads))
 {
     menu.BeginGroup();
     menu.Add("mnuSpeakText", "&Speak the Text", [this] { main_.cmdSpeak.UserClick(); }).Shortcut = "Ctrl+Enter";
@@ -26,7 +29,7 @@ Speaking::Speaking(ExtrasMenu& menu, Program& program, frmMain& main) : program_
 bool Speaking::Going() const
 {
     const std::string& status = main_.stsBar.Panels().front().text;
-    return IsUnfinished(program_.Voice.LastSpeakRequest) || IsUnfinished(program_.Reading.CurrentRequest) ||
+    return reads_() || IsUnfinished(program_.Voice.LastSpeakRequest) || IsUnfinished(program_.Reading.CurrentRequest) ||
            status.starts_with("Opening Word Document") || status.starts_with("Reading part");
 }
 

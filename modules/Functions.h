@@ -80,6 +80,8 @@ public:
     void LoadSpeechEngines();
     /// Selects engine `number` (counted from 1) and stores its name as LastSpeechEngine in the registry.
     void ChooseSpeechEngine(int number);
+    /// Whether there is a sound output; if not, a box has said so.
+    bool HasSound();
     /// Has the character speak: shows it, plays `animation` unless that is empty, speaks the text with the voice
     /// markup, and plays RestPose. Returns false when the text was not queued: when there is no sound output (a box has
     /// said so), when the text is blank, when no character is loaded, or when Stop was pressed while events were let

@@ -96,7 +96,7 @@ std::string VoicePrefix(int pitch, int speed, bool whisper)
            "\\ \\Spd=" + std::to_string(speed) + "\\";
 }
 
-bool Voice::SpeakText(std::string text, const std::string& animation)
+bool Voice::HasSound()
 {
     switch (program_.Host.Agent.AudioOutputStatus()) {
     case AudioStatus::NoSupport:
@@ -106,8 +106,14 @@ bool Voice::SpeakText(std::string text, const std::string& animation)
         AudioProblem("There was some other (unknown) problem in attempting to access the audio output channel.");
         return false;
     default:
-        break;
+        return true;
     }
+}
+
+bool Voice::SpeakText(std::string text, const std::string& animation)
+{
+    if (!HasSound())
+        return false;
     text = Trim(std::move(text));
     if (text.empty() || !program_.Character)
         return false;

@@ -9,6 +9,7 @@ endif()
 
 foreach(program voxmate acsbuild acsinfo)
     set(ETC "${etc}")
+    set(READER "${CMAKE_INSTALL_PREFIX}/libexec/voxmate/voxmate-reader")
     configure_file("${SOURCE}/man/${program}.1.in" "${BINARY}/${program}.1" @ONLY)
     file(INSTALL "${BINARY}/${program}.1" DESTINATION "${MAN}")
 endforeach()

@@ -119,6 +119,8 @@ public:
     std::function<void(const std::string& character, int button, int shift, int x, int y)> DragComplete;
     std::function<void(const std::string& character, VisibilityCause cause)> Shown;
     std::function<void(const std::string& character, VisibilityCause cause)> Hidden;
+    /// Files were dropped on a character or its balloon: their paths, or the address of what is on another computer.
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
     /// A command of the right-click menu was chosen; `name` is the command's name.
     std::function<void(const std::string& name)> Command;
     std::function<void(const AgentRequestPtr& request)> RequestStart;

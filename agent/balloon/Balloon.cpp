@@ -197,6 +197,10 @@ void Balloon::Update()
     if (!window_) {
         window_ = stage_.CreateBalloonWindow();
         window_->Mouse = [this](const MouseEvent& event) { OnMouse(event); };
+        window_->FilesDropped = [this](const std::vector<std::string>& files) {
+            if (FilesDropped)
+                FilesDropped(files);
+        };
     }
     view_ = std::move(view);
     onScreen_ = true;

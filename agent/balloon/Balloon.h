@@ -40,6 +40,8 @@ public:
     /// The character has moved or changed its size, or the screen has changed.
     void Follow();
 
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
+
     /// Milliseconds from the end of the voice until auto hide takes the balloon away.
     static constexpr int AutoHideDelay = 2000;
 

@@ -61,6 +61,10 @@ Body::Body(Stage& stage, const AcsFile& file)
         if (Mouse)
             Mouse(event);
     };
+    window_->FilesDropped = [this](const std::vector<std::string>& files) {
+        if (FilesDropped)
+            FilesDropped(files);
+    };
     window_->Moved = [this](Point place) {
         TakePlace(place);
         TellMoved();

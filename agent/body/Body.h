@@ -24,6 +24,7 @@ public:
 
     /// A mouse event on the character.
     std::function<void(const MouseEvent&)> Mouse;
+    std::function<void(const std::vector<std::string>& files)> FilesDropped;
     /// The body has moved or changed its size.
     std::function<void()> Moved;
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "qt/character/ShapedWindow.h"
+#include "qt/widgets/FileDrops.h"
 
 #include <QFont>
 
@@ -24,6 +25,10 @@ private:
     QImage Draw(qreal ratio) const;
 
     ShapedWindowPtr window_{new ShapedWindow(QStringLiteral("Voxmate balloon"))};
+    FileDrops drops_{*window_, [this](const std::vector<std::string>& files) {
+                         if (const auto dropped = FilesDropped)
+                             dropped(files);
+                     }};
     agent::BalloonView view_;
 };
 

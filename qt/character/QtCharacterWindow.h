@@ -3,6 +3,7 @@
 
 #include "qt/character/FrameScaler.h"
 #include "qt/character/ShapedWindow.h"
+#include "qt/widgets/FileDrops.h"
 
 #include <QTimer>
 
@@ -32,6 +33,10 @@ private:
     void ComparePlace();
 
     ShapedWindowPtr window_{new ShapedWindow(QString::fromLatin1(CharacterTitle))};
+    FileDrops drops_{*window_, [this](const std::vector<std::string>& files) {
+                         if (const auto dropped = FilesDropped)
+                             dropped(files);
+                     }};
     FrameScaler scaler_{[this] { PictureMade(); }};
     agent::Picture picture_;
     ShapedImage drawn_; ///< shown until the wanted picture is ready

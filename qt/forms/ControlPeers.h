@@ -2,6 +2,7 @@
 #pragma once
 
 #include "controls/Control.h"
+#include "qt/widgets/FileDrops.h"
 #include "qt/widgets/IconSet.h"
 
 #include <QAction>
@@ -27,6 +28,8 @@ class WidgetPeer : public Peer
 public:
     virtual QWidget* Widget() const = 0;
     void SetFocus() override { Widget()->setFocus(Qt::OtherFocusReason); }
+    /// Gives files that are pasted into the widget to `take`, where it can hold text of several lines.
+    virtual void TakeFiles(const FileDrops::Act& /*take*/) {}
 };
 
 /// Makes the widget of a control, as a child of `parent`, and connects the two. Returns nullptr for a control that has

@@ -7,6 +7,7 @@
 #include "qt/forms/ContentArea.h"
 #include "qt/forms/FormWindow.h"
 #include "qt/system/Desktop.h"
+#include "qt/widgets/FileDrops.h"
 #include "qt/widgets/FontScale.h"
 #include "qt/widgets/QtText.h"
 #include "qt/widgets/Widgets.h"
@@ -51,6 +52,8 @@ QtFormPeer::QtFormPeer(Form& form, const IconSet& icons, QWidget* owner) : form_
     if (!form_.ShowActivated)
         window_->setAttribute(Qt::WA_ShowWithoutActivating);
     Update(Property::Caption);
+    if (form_.FilesDropped)
+        TakeFiles();
     ConnectLabels();
     SetTabOrder();
     // Timers last, because a tick must find the form complete.
@@ -63,6 +66,7 @@ QtFormPeer::QtFormPeer(Form& form, const IconSet& icons, QWidget* owner) : form_
 QtFormPeer::~QtFormPeer()
 {
     // The form may be destroyed inside one of its window's own events, so the window is deleted later.
+    drops_.clear();
     timers_.clear();
     menus_.clear();
     widgets_.clear();
@@ -74,6 +78,18 @@ QtFormPeer::~QtFormPeer()
         window->OnEscape = nullptr;
     }
     window_->deleteLater();
+}
+
+// Fields take what is dropped on them before their window does.
+void QtFormPeer::TakeFiles()
+{
+    const auto take = [this](const std::vector<std::string>& files) { Raise(form_.FilesDropped, files); };
+    for (QWidget* each : window_->findChildren<QWidget*>())
+        if (each->acceptDrops())
+            drops_.push_back(std::make_unique<FileDrops>(*each, take));
+    drops_.push_back(std::make_unique<FileDrops>(*window_, take));
+    for (const auto& [control, peer] : widgets_)
+        peer->TakeFiles(take);
 }
 
 FormWindow* QtFormPeer::MakeFormWindow()

@@ -42,6 +42,7 @@ private:
     QLayout* Build(const Layout& arrangement);
     QLayout* BuildAll();
     QWidget* MakeItem(const Layout& item);
+    void TakeFiles();
     void MakeMenus(FormWindow* bar);
     void SetTabOrder();
     void ConnectLabels();
@@ -57,6 +58,7 @@ private:
     std::map<const Control*, std::unique_ptr<WidgetPeer>> widgets_;
     std::map<const Menu*, std::unique_ptr<MenuPeer>> menus_;
     std::vector<std::unique_ptr<Peer>> timers_;
+    std::vector<std::unique_ptr<FileDrops>> drops_;
     bool placed_ = false;
     QObject context_; ///< for what follows the desktop's font as long as this peer lives
 };

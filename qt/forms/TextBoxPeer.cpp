@@ -18,6 +18,8 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace voxmate::qt
 {
@@ -260,6 +262,7 @@ public:
     using FilteredEdit::FilteredEdit;
 
     qsizetype MaxLength = 0; ///< most characters the user can enter; 0: no limit
+    FileDrops::Act OnFiles;  ///< takes pasted files, from the event loop; empty: their names are text
 
     QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -290,6 +293,14 @@ protected:
     // Called for pasted and dropped text.
     void insertFromMimeData(const QMimeData* source) override
     {
+        if (std::vector<std::string> files = FilesIn(source); OnFiles && !files.empty()) {
+            const auto take = [this, files = std::move(files)] {
+                if (const auto act = OnFiles)
+                    act(files);
+            };
+            QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+            return;
+        }
         QMimeData fits;
         fits.setText(WithoutEndlessParagraphs(
             First(source->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n")), Room())));
@@ -322,7 +333,13 @@ public:
         QObject::connect(widget_, &QPlainTextEdit::textChanged, &context_,
                          [this] { control_.UserEdit(FromQt(widget_->toPlainText())); });
     }
-    ~TextEditPeer() override { widget_->OnKeyPress = nullptr; }
+    ~TextEditPeer() override
+    {
+        widget_->OnKeyPress = nullptr;
+        widget_->OnFiles = nullptr;
+    }
+
+    void TakeFiles(const FileDrops::Act& take) override { widget_->OnFiles = take; }
 
     void Update(Property property) override
     {

@@ -377,8 +377,9 @@ class Called(ExtrasCase):
         path = self.file("ä note.txt", "This comes from a file manager")
         song = self.file("song.mp3", "")
         call(self.desk, "Open", "(asa{sv})", [Gio.File.new_for_path(path).get_uri(), "file://" + song, "sftp://host/x.txt"], {})
-        for text in (f"Voxmate reads text files (.txt) and installs characters (.acs). It cannot open the following file:\n{song}",
-                     "The following file is not on this computer:\nsftp://host/x.txt"):
+        # Documents wait for their turn.
+        for text in ("The following file is not on this computer:\nsftp://host/x.txt",
+                     '"song.mp3" cannot be read: there is no text in it.'):
             desktop.wait_for(lambda: self.box_text("Voxmate - File Error").replace("\r", "") == text, what=text)
             self.press("OK")
         self.desk.gone("Voxmate - File Error")

@@ -54,10 +54,19 @@ class Install(unittest.TestCase):
                     head = file.read(24)
                 self.assertEqual(head[:8], b"\x89PNG\r\n\x1a\n")
                 self.assertEqual([int.from_bytes(head[at:at + 4], "big") for at in (16, 20)], [size, size])
+        self.assertTrue(os.access(self.path("libexec", "voxmate", "voxmate-reader"), os.X_OK))
         for program in ("voxmate", "acsbuild", "acsinfo"):
             self.assertTrue(os.access(self.path("bin", program), os.X_OK))
             with open(self.path("share", "man", "man1", program + ".1"), encoding="utf-8") as page:
                 self.assertNotRegex(page.read(), r"@[A-Z]+@")
+
+    def test_the_reader_of_documents_is_where_the_program_looks_for_it_and_reads(self):
+        page = os.path.join(self.folder, "page.html")
+        with open(page, "w", encoding="utf-8") as file:
+            file.write("<!DOCTYPE html><p>Read by the installed program</p>")
+        with open(page, "rb") as file:
+            result = subprocess.run([self.path("libexec", "voxmate", "voxmate-reader")], stdin=file, capture_output=True, check=True)
+        self.assertIn(b"Read by the installed program", result.stdout)
 
     def test_the_bus_knows_what_to_start(self):
         command = '"' + self.path("bin", "voxmate").replace('"', '\\"') + '"'

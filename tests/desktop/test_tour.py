@@ -190,6 +190,9 @@ class Menus(MainTour):
         self.use("Do you know who am I ?")
         self.wait_for_sound(begin)
         self.choose("Extras", "Stop Everything")
+        for name in ("Pause or Go On", "Back a Sentence", "Forward a Sentence", "Back a Paragraph", "Forward a Paragraph",
+                     "From the Beginning", "Forget Where Documents Were Left"):
+            self.choose("Extras", name)
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
         for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
             self.choose("Extras", name)

@@ -80,6 +80,7 @@ public:
     }
 
     AgentRequestPtr last; ///< what the last call returned
+    std::vector<AgentRequestPtr> requests;
 
 private:
     Log& log_;
@@ -88,6 +89,7 @@ private:
     {
         log_.push_back(call);
         last = std::make_shared<FakeRequest>();
+        requests.push_back(last);
         return last;
     }
 };

@@ -30,12 +30,14 @@ public:
         bool busy = false;
         std::function<void()>* ready = nullptr;
         std::function<void(const agent::MouseEvent&)>* mouse = nullptr;
+        std::function<void(const std::vector<std::string>&)>* filesDropped = nullptr;
         std::function<void(Point)>* moved = nullptr;
     };
     struct Balloon {
         std::vector<agent::BalloonView> views;
         bool visible = false;
         std::function<void(const agent::MouseEvent&)>* mouse = nullptr;
+        std::function<void(const std::vector<std::string>&)>* filesDropped = nullptr;
     };
 
     std::unique_ptr<agent::CharacterWindow> CreateCharacterWindow() override
@@ -192,6 +194,7 @@ private:
         {
             ++stage_.characterWindows;
             state_->mouse = &Mouse;
+            state_->filesDropped = &FilesDropped;
             state_->moved = &Moved;
             state_->ready = &Ready;
         }
@@ -201,6 +204,7 @@ private:
             state_->visible = false;
             state_->destroyed = true;
             state_->mouse = nullptr;
+            state_->filesDropped = nullptr;
             state_->moved = nullptr;
             state_->ready = nullptr;
         }
@@ -230,12 +234,14 @@ private:
         {
             ++stage_.balloonWindows;
             state_->mouse = &Mouse;
+            state_->filesDropped = &FilesDropped;
         }
         ~BalloonWindow() override
         {
             --stage_.balloonWindows;
             state_->visible = false;
             state_->mouse = nullptr;
+            state_->filesDropped = nullptr;
         }
         void Show(const agent::BalloonView& view) override
         {

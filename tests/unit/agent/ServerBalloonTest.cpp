@@ -310,6 +310,20 @@ TEST_F(ServerBalloonTest, AClickOnItTakesItAwayAndTheVoiceGoesOn)
     EXPECT_EQ(voice.stops, 0);
 }
 
+TEST_F(ServerBalloonTest, FilesDroppedOnItOrOnTheCharacterAreToldOf)
+{
+    AgentCharacter& bo = With(BalloonOn, 10);
+    Say(bo, "Hello you");
+    std::vector<std::vector<std::string>> dropped;
+    server.FilesDropped = [&](const std::vector<std::string>& files) { dropped.push_back(files); };
+    (*stage.Window().filesDropped)({"/a.pdf", "/b.txt"});
+    (*stage.balloons.back()->filesDropped)({"/c.odt"});
+    EXPECT_TRUE(dropped.empty()) << "not within the drop";
+    stage.Run(1);
+    EXPECT_EQ(dropped, (std::vector<std::vector<std::string>>{{"/a.pdf", "/b.txt"}, {"/c.odt"}}));
+    EXPECT_TRUE(stage.BalloonVisible());
+}
+
 TEST_F(ServerBalloonTest, ADragOfItTakesItAway)
 {
     AgentCharacter& bo = With(BalloonOn, 10);

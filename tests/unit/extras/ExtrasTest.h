@@ -4,6 +4,7 @@
 #include "extras/Extras.h"
 #include "tests/fakes/FakeActivation.h"
 #include "tests/fakes/FakeAutostart.h"
+#include "tests/fakes/FakeDocuments.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/ProgramTest.h"
 
@@ -26,13 +27,19 @@ protected:
     fakes::FakeActivation desktop{fake.log};
     CharacterLook look{"Bo", "A robot", 2345678};
     std::string lookFault; ///< what is wrong with every character file; empty: nothing
+    fakes::FakeDocuments documents;
     frmMain form{program};
-    Extras extras{program, form, {state, login, desktop, [this](const std::string& path) {
-                                      fake.log.push_back("Look " + path);
-                                      if (!lookFault.empty())
-                                          throw std::runtime_error(lookFault);
-                                      return look;
-                                  }}};
+    Extras extras{program,
+                  form,
+                  {state, login, desktop,
+                   [this](const std::string& path) {
+                       fake.log.push_back("Look " + path);
+                       if (!lookFault.empty())
+                           throw std::runtime_error(lookFault);
+                       return look;
+                   },
+                   [this](const std::string& path) { return documents.Read(path); },
+                   [this](const std::string& path) { return documents.Fingerprint(path); }}};
 
     ExtrasTest()
     {

@@ -16,7 +16,8 @@ protected:
         fake.files.texts["C:\\Bo.acs"] = "bytes";
         fake.files.texts["C:\\a.TXT"] = "One\nTwo";
         fake.files.texts["C:\\b.txt"] = "Three";
-        fake.files.files.insert("C:\\song.mp3");
+        fake.files.files.insert("C:\\song.xyz");
+        documents.told["C:\\song.xyz"] = {readers::Refusal::Unknown};
     }
     void Open(const std::vector<std::string>& files) { desktop.Called({files, ""}); }
     void Answer(const std::vector<int>& answers) { fake.windows.answers.assign(answers.begin(), answers.end()); }
@@ -89,11 +90,9 @@ TEST_F(OpeningTest, AFileThatComesWhileABoxIsUpWaitsForIt)
             Open({"C:\\b.txt"});
         EXPECT_FALSE(Logged("Speak \\Pit=50\\ \\Spd=156\\\r\nThree"));
     };
-    Open({"C:\\song.mp3", "C:\\nothing.txt"});
-    EXPECT_EQ(Boxes(),
-              (Lines{"Voxmate - File Error: Voxmate reads text files (.txt) and installs characters (.acs). It "
-                     "cannot open the following file:\r\nC:\\song.mp3",
-                     "Voxmate - File Error: File not found:\r\nC:\\nothing.txt"}));
+    Open({"C:\\song.xyz", "C:\\nothing.txt"});
+    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"song.xyz\" cannot be read: it is of no kind that Voxmate knows.",
+                              "Voxmate - File Error: File not found:\r\nC:\\nothing.txt"}));
     EXPECT_TRUE(Logged("Speak \\Pit=50\\ \\Spd=156\\\r\nThree"));
 }
 

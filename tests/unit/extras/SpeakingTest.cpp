@@ -18,8 +18,11 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     Lines items;
     for (const Menu* item : Item("mnuExtras").Items())
         items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
-    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "-", "Start at &Log-in",
-                            "&Greet Me at Log-in", "-", "&Help on Extras"}));
+    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "-", "&Pause or Go On Ctrl+P",
+                            "&Back a Sentence Alt+Left", "&Forward a Sentence Alt+Right", "Back a Pa&ragraph Alt+Up",
+                            "For&ward a Paragraph Alt+Down", "From the Begi&nning Alt+Home",
+                            "F&orget Where Documents Were Left", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
+                            "&Help on Extras"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
     EXPECT_EQ(fake.process.commands, (Lines{"explorer.exe file:///C:/WINDOWS/web/extras.html style 3"}));
@@ -113,7 +116,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, nullptr});
+    Extras more(program, next, {state, login, desktop, nullptr, nullptr, nullptr});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

@@ -1,0 +1,289 @@
+#include "extras/Documents.h"
+
+#include "base/Text.h"
+#include "extras/WordText.h"
+#include "modules/Command.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace voxmate
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using readers::Refusal;
+
+// Until there is something to speak every millisecond counts, later a document comes in quicker than it is read.
+constexpr int FirstInterval = 10;    // milliseconds
+constexpr int LaterInterval = 40;    // milliseconds
+constexpr int BlocksAtATime = 50;    // some milliseconds' work
+constexpr int BlocksToSkip = 500;    // on the way to where a document was left
+constexpr auto TextPatience = 500ms; // until a text file's kind is known, which takes some 20 ms
+/// What has been read and not been heard: more than a thousand pages.
+constexpr std::size_t MostAhead = std::size_t{16} << 20;
+/// A word as speeds are counted, with the blank behind it.
+constexpr std::uint64_t CharactersPerWord = 6;
+
+std::string Counted(std::uint64_t number, const char* what)
+{
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+// The file's name without its folder.
+std::string NameOf(const std::string& file)
+{
+    return file.substr(file.find_last_of("/\\") + 1);
+}
+
+} // namespace
+
+std::string TimeText(std::uint64_t minutes)
+{
+    constexpr std::uint64_t hour = 60;
+    if (minutes == 0)
+        return "less than a minute";
+    std::string text = minutes < hour ? "" : Counted(minutes / hour, "hour");
+    if (minutes % hour != 0)
+        text += (text.empty() ? "" : " ") + Counted(minutes % hour, "minute");
+    return text;
+}
+
+Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read, Identify identify, StateStore& state)
+    : program_(program), read_(std::move(read)), identify_(std::move(identify)), places_(state), narrator_(program),
+      tmrDocument_(&form, "tmrDocument", FirstInterval, false)
+{
+    tmrDocument_.Tick = [this] { GoOn(); };
+    narrator_.Moved = [this] {
+        HeedStop();
+        if (!HasDocument())
+            return;
+        ShowStatus();
+        // So the end of the program loses a paragraph at most.
+        if (narrator_.AtParagraph() || narrator_.Paused())
+            KeepPlace();
+    };
+    narrator_.Ended = [this](Narrator::End end) {
+        ended_ = end;
+        tmrDocument_.Interval = FirstInterval;
+        tmrDocument_.Enabled = true;
+    };
+    menu.BeginGroup();
+    const auto add = [&menu, this](const char* name, const char* caption, const char* key, Event act) {
+        const auto click = [this, act = std::move(act)] {
+            HeedStop();
+            act();
+        };
+        menu.Add(name, caption, click).Shortcut = key;
+    };
+    add("mnuPause", "&Pause or Go On", "Ctrl+P", [this] { PauseOrGoOn(); });
+    add("mnuSentenceBack", "&Back a Sentence", "Alt+Left", [this] { narrator_.MoveBy(-1); });
+    add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { narrator_.MoveBy(1); });
+    add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { narrator_.MoveByParagraph(false); });
+    add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { narrator_.MoveByParagraph(true); });
+    add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { narrator_.MoveToBeginning(); });
+    add("mnuForgetPlaces", "F&orget Where Documents Were Left", "", [this] { places_.Clear(); });
+}
+
+void Documents::PauseOrGoOn()
+{
+    if (narrator_.Paused())
+        narrator_.GoOn();
+    else
+        narrator_.Pause();
+}
+
+void Documents::Put(const std::string& file)
+{
+    HeedStop();
+    // Who opens another document while one pauses wants to hear that.
+    if (narrator_.Paused())
+        Leave();
+    waiting_.push_back(file);
+    GoOn();
+}
+
+// A Stop concerns all files that came before it.
+void Documents::HeedStop()
+{
+    if (std::exchange(stops_, program_.StopCount) == program_.StopCount)
+        return;
+    waiting_.clear();
+    if (HasDocument())
+        Leave();
+}
+
+void Documents::Leave()
+{
+    KeepPlace();
+    narrator_.Halt();
+    ended_.reset();
+    reading_.reset();
+    file_.clear();
+}
+
+void Documents::KeepPlace()
+{
+    if (!narrator_.Seeking() && !plays_)
+        places_.Keep(fingerprint_, narrator_.At());
+}
+
+// Works on the present document, and begins the next ones as far as that has ended. The word processor and the sentence
+// about a document let events run, among which nothing else must begin.
+void Documents::GoOn()
+{
+    const Command command(working_);
+    if (!command.Begun())
+        return;
+    for (;;) {
+        HeedStop();
+        if (HasDocument())
+            Work();
+        HeedStop();
+        if (HasDocument() || waiting_.empty())
+            break;
+        const std::string file = std::move(waiting_.front());
+        waiting_.pop_front();
+        Begin(file);
+    }
+    if (!HasDocument())
+        tmrDocument_.Enabled = false;
+}
+
+void Documents::Begin(const std::string& file)
+{
+    reading_ = read_(file);
+    std::optional<readers::Block> first;
+    if (UCase(program_.Host.Files.GetExtensionName(file)) == "TXT") {
+        first = reading_->Next(TextPatience);
+        if (IsPlainText()) {
+            reading_.reset();
+            program_.Reading.ReadText(file);
+            return;
+        }
+    }
+    file_ = file;
+    sentence_.clear();
+    plays_ = false;
+    ended_.reset();
+    // The reader is at work meanwhile.
+    fingerprint_ = identify_(file);
+    narrator_.Begin(places_.Find(fingerprint_));
+    program_.Main->SetStatus("Opening Document. Please wait...");
+    tmrDocument_.Interval = FirstInterval;
+    tmrDocument_.Enabled = true;
+    if (first)
+        Append(*first);
+}
+
+// Whether the button for text files reads what is called one as well, or says what is wrong with it.
+bool Documents::IsPlainText() const
+{
+    const std::optional<readers::Kind> kind = reading_->DocumentKind();
+    if (kind)
+        return *kind == readers::Kind::Text || *kind == readers::Kind::Markdown;
+    const Refusal outcome = reading_->Outcome();
+    return !reading_->AtEnd() || outcome == Refusal::NoText || outcome == Refusal::NoReader;
+}
+
+void Documents::Work()
+{
+    if (reading_ && !ended_)
+        TakeBlocks();
+    // What is to be said about it waits until another message has been closed.
+    const bool tells = !sentence_.empty() || (plays_ && ended_ == Narrator::End::Failed);
+    if (ended_ && !(tells && program_.Messages.IsBusy == True))
+        Finish(*ended_);
+}
+
+void Documents::TakeBlocks()
+{
+    const int most = narrator_.Seeking() ? BlocksToSkip : BlocksAtATime;
+    for (int i = 0; i < most && narrator_.Ahead() < MostAhead; ++i) {
+        const std::optional<readers::Block> block = reading_->Next(0ms);
+        if (block)
+            Append(*block);
+        else if (reading_->AtEnd())
+            return EndOfReading();
+        else
+            break;
+    }
+}
+
+void Documents::Append(const readers::Block& block)
+{
+    for (SpokenPart& part : PartsOf(block)) {
+        narrator_.Append(std::move(part));
+        if (!narrator_.Seeking())
+            tmrDocument_.Interval = LaterInterval;
+    }
+}
+
+// All of the document has come. What remains is to speak it.
+void Documents::EndOfReading()
+{
+    const std::unique_ptr<readers::Reading> reading = std::move(reading_);
+    tmrDocument_.Enabled = false;
+    if (reading->Outcome() == Refusal::NeedsConverter) {
+        ReadConverted();
+    } else if (reading->Outcome() == Refusal::Sound) {
+        plays_ = true;
+        narrator_.Append({".", 0, true, file_});
+    } else {
+        sentence_ = reading->Sentence();
+    }
+    narrator_.Close();
+}
+
+void Documents::ReadConverted()
+{
+    std::vector<readers::Block> blocks;
+    const Refusal refusal = ReadByWordProcessor(program_, file_, blocks);
+    if (refusal != Refusal::None)
+        sentence_ = readers::Sentence(refusal, file_, false);
+    for (const readers::Block& block : blocks)
+        Append(block);
+    program_.Main->SetStatus(StatusBusy);
+}
+
+// The document has been heard, or will not be.
+void Documents::Finish(Narrator::End end)
+{
+    ended_.reset();
+    if (end == Narrator::End::Done)
+        places_.Keep(fingerprint_, 0);
+    else
+        KeepPlace();
+    const std::string file = std::exchange(file_, "");
+    reading_.reset();
+    if (plays_ && end == Narrator::End::Failed)
+        sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or no wave file.";
+    if (end == Narrator::End::Stopped) {
+        waiting_.clear();
+    } else if (!sentence_.empty()) {
+        program_.Messages.Announce(sentence_, vbExclamation, "Voxmate - File Error", "Decline");
+        program_.Main->SetStatus(StatusIdle);
+    }
+}
+
+void Documents::ShowStatus()
+{
+    if (plays_ && !narrator_.Paused()) {
+        program_.Main->SetStatus("Playing wave file...");
+        return;
+    }
+    std::string left;
+    if (!reading_ && !plays_) {
+        const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
+        left = " (" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left)";
+    }
+    program_.Main->SetStatus((narrator_.Paused() ? "Paused " : "Reading ") + NameOf(file_) + left +
+                             " . Click STOP to Cancel Reading...");
+}
+
+} // namespace voxmate

@@ -1,0 +1,106 @@
+#include "extras/Spoken.h"
+
+#include "base/Text.h"
+#include "readers/text/Sentences.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+namespace voxmate
+{
+
+namespace
+{
+
+using readers::BlockKind;
+
+constexpr std::size_t LongestPart = 1000;
+
+// Milliseconds of silence behind a block, which tell a listener what the eye sees: a heading stands by itself, the
+// items of a list and the rows of a table belong together. The voice's own pause behind a sentence comes before it.
+int PauseBehind(BlockKind kind)
+{
+    switch (kind) {
+    case BlockKind::Heading:
+        return 600;
+    case BlockKind::ListItem:
+    case BlockKind::TableRow:
+        return 200;
+    default:
+        return 350;
+    }
+}
+
+// Whether a label says something to a listener, other than a bullet.
+bool IsHeard(std::string_view label)
+{
+    return std::any_of(label.begin(), label.end(),
+                       [](char c) { return IsDigit(c) || IsLetter(c) || (c & 0x80) != 0; }) &&
+           !label.starts_with("\xE2"); // U+2000 to U+2FFF: bullets, dashes, daggers, arrows and boxes
+}
+
+// What is said before the text.
+std::string Introduction(const readers::Block& block)
+{
+    if (block.kind == BlockKind::Footnote)
+        return IsHeard(block.label) ? "Footnote " + block.label + ": " : "Footnote: ";
+    return IsHeard(block.label) ? block.label + " " : "";
+}
+
+std::string RowText(std::string_view cells)
+{
+    std::string text;
+    while (!cells.empty()) {
+        const std::size_t end = std::min(cells.find('\t'), cells.size());
+        const std::string_view cell = cells.substr(0, end);
+        cells.remove_prefix(std::min(end + 1, cells.size()));
+        if (cell.empty())
+            continue;
+        if (!text.empty())
+            text += std::string_view(".,;:!?").find(text.back()) == std::string_view::npos ? ", " : " ";
+        text += cell;
+    }
+    return text;
+}
+
+void Cut(std::string_view sentence, std::vector<SpokenPart>& parts)
+{
+    while (sentence.size() > LongestPart) {
+        std::size_t end = sentence.rfind(' ', LongestPart);
+        if (end == std::string_view::npos || end == 0)
+            end = WholeUtf8(sentence.substr(0, LongestPart));
+        parts.push_back({Trim(sentence.substr(0, end)), 0, false, {}});
+        sentence.remove_prefix(end);
+    }
+    if (std::string text(Trimmed(sentence, " \n\t")); !text.empty())
+        parts.push_back({std::move(text), 0, false, {}});
+}
+
+} // namespace
+
+std::vector<SpokenPart> PartsOf(const readers::Block& block)
+{
+    std::vector<SpokenPart> parts;
+    if (block.kind == BlockKind::Page || block.kind == BlockKind::Chapter)
+        return parts;
+    const std::string text = block.kind == BlockKind::TableRow ? RowText(block.text) : block.text;
+    if (block.kind == BlockKind::TableRow) {
+        Cut(text, parts);
+    } else {
+        std::size_t begin = 0;
+        for (const std::size_t end : readers::SentenceEnds(text)) {
+            Cut(std::string_view(text).substr(begin, end - begin), parts);
+            begin = end;
+        }
+    }
+    if (!parts.empty()) {
+        parts.front().text.insert(0, Introduction(block));
+        parts.front().begins = true;
+        parts.back().pause = PauseBehind(block.kind);
+    }
+    return parts;
+}
+
+} // namespace voxmate
