@@ -33,7 +33,7 @@ DateTime ToDateTime(Moment moment)
 
 Moment NextQuarter(Moment now)
 {
-    using Quarters = std::chrono::duration<std::int64_t, std::ratio<15 * 60>>;
+    using Quarters = std::chrono::duration<std::int64_t, std::ratio<std::intmax_t{15} * 60>>;
     return std::chrono::floor<Quarters>(now) + Quarters(1);
 }
 

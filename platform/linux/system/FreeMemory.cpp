@@ -14,8 +14,8 @@ namespace
 constexpr int LargeBlock = 32 * 1024;
 constexpr int HeaviestTop = 128 * 1024;
 // For all threads together. More than the threads that ask for much at once: where a voice shares a heap with the
-// windows, the ten megabytes that a sentence takes for a moment leave its holes between what stays (5 MB more after some
-// minutes of all kinds of use). Those that end leave theirs to the next.
+// windows, the ten megabytes that a sentence takes for a moment leave its holes between what stays (5 MB more after
+// some minutes of all kinds of use). Those that end leave theirs to the next.
 constexpr int Heaps = 8;
 
 } // namespace

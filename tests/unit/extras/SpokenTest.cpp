@@ -79,10 +79,10 @@ TEST(SpokenTest, ATextWithoutStopsIsCutAtBlanks)
     }
     EXPECT_EQ(all, ">" + words + " (350)");
     // Where there is no blank, a character stays whole.
-    std::string long_;
+    std::string lengthy;
     for (int i = 0; i < 500; ++i)
-        long_ += "日";
-    EXPECT_EQ(Heard(BlockKind::Paragraph, "", long_).front().size(), 1u + 999u);
+        lengthy += "日";
+    EXPECT_EQ(Heard(BlockKind::Paragraph, "", lengthy).front().size(), 1u + 999u);
 }
 
 } // namespace
