@@ -160,9 +160,11 @@ int main(int argc, char** argv)
     }
     KeepHeapSmall();
     linux_platform::AvoidHangingBus(BusPatience);
+    std::optional<qt::PlatformChoice> platform(std::in_place);
     std::optional<linux_platform::FontsAhead> fonts(std::in_place);
     qt::QtApplication application(argc, argv);
     fonts.reset();
+    platform.reset();
     try {
         const CommandLine line = Arguments(argc, argv);
         if (!line.NotUnderstood.empty()) {

@@ -315,6 +315,8 @@ public:
     bool MultiLine = false;
     std::size_t MaxLength = 0; ///< most characters that the user can put in; 0: any number
     std::string PlaceholderText;
+    /// Of one line: a text that is set from code while this has the keyboard is selected, so that typing replaces it.
+    bool SelectsNewText = false;
     Event Change;
     Event Edited;
     /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter). A handler sets it to 0 to

@@ -74,20 +74,24 @@ Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read
         tmrDocument_.Enabled = true;
     };
     menu.BeginGroup();
+    // Their keys have other meanings where no document is read: Alt+Down opens a drop-down list.
     const auto add = [&menu, this](const char* name, const char* caption, const char* key, Event act) {
         const auto click = [this, act = std::move(act)] {
             HeedStop();
             act();
         };
-        menu.Add(name, caption, click).Shortcut = key;
+        Menu& item = menu.Add(name, caption, click);
+        item.Shortcut = key;
+        item.Enabled = false;
+        ways_.push_back(&item);
     };
     add("mnuPause", "&Pause or Go On", "Ctrl+P", [this] { PauseOrGoOn(); });
     add("mnuSentenceBack", "&Back a Sentence", "Alt+Left", [this] { narrator_.MoveBy(-1); });
     add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { narrator_.MoveBy(1); });
     add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { narrator_.MoveByParagraph(false); });
     add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { narrator_.MoveByParagraph(true); });
-    add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { narrator_.MoveToBeginning(); });
-    add("mnuForgetPlaces", "F&orget Where Documents Were Left", "", [this] { places_.Clear(); });
+    add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { FromBeginning(); });
+    menu.Add("mnuForgetPlaces", "F&orget Where Documents Were Left", [this] { places_.Clear(); });
 }
 
 void Documents::PauseOrGoOn()
@@ -98,14 +102,52 @@ void Documents::PauseOrGoOn()
         narrator_.Pause();
 }
 
+// Of a very long document the beginning is no longer there, and is read anew.
+void Documents::FromBeginning()
+{
+    if (!HasDocument())
+        return;
+    if (narrator_.HasBeginning() && !narrator_.Seeking()) {
+        narrator_.MoveToBeginning();
+        return;
+    }
+    const std::string file = file_;
+    Leave();
+    places_.Keep(fingerprint_, 0);
+    waiting_.push_front(file);
+    GoOn();
+}
+
 void Documents::Put(const std::string& file)
 {
     HeedStop();
-    // Who opens another document while one pauses wants to hear that.
-    if (narrator_.Paused())
+    // Who opens another document while one pauses wants to hear that, and now.
+    if (narrator_.Paused()) {
         Leave();
-    waiting_.push_back(file);
+        waiting_.push_front(file);
+    } else {
+        waiting_.push_back(file);
+    }
     GoOn();
+}
+
+void Documents::SetFile(std::string file)
+{
+    file_ = std::move(file);
+    for (Menu* way : ways_)
+        way->Enabled = HasDocument();
+}
+
+bool Documents::IsCalledText(const std::string& file) const
+{
+    return UCase(program_.Host.Files.GetExtensionName(file)) == "TXT";
+}
+
+// Whether a text file that was opened is still to be heard. Keys and status line would otherwise tell of a document
+// that is not.
+bool Documents::TextIsRead() const
+{
+    return text_ && (text_->Status() == RequestStatus::Pending || text_->Status() == RequestStatus::InProgress);
 }
 
 // A Stop concerns all files that came before it.
@@ -124,7 +166,7 @@ void Documents::Leave()
     narrator_.Halt();
     ended_.reset();
     reading_.reset();
-    file_.clear();
+    SetFile("");
 }
 
 void Documents::KeepPlace()
@@ -145,36 +187,39 @@ void Documents::GoOn()
         if (HasDocument())
             Work();
         HeedStop();
-        if (HasDocument() || waiting_.empty())
+        if (HasDocument() || waiting_.empty() || (TextIsRead() && !IsCalledText(waiting_.front())))
             break;
         const std::string file = std::move(waiting_.front());
         waiting_.pop_front();
         Begin(file);
     }
-    if (!HasDocument())
-        tmrDocument_.Enabled = false;
+    if (HasDocument())
+        return;
+    tmrDocument_.Interval = LaterInterval;
+    tmrDocument_.Enabled = !waiting_.empty();
 }
 
 void Documents::Begin(const std::string& file)
 {
     reading_ = read_(file);
     std::optional<readers::Block> first;
-    if (UCase(program_.Host.Files.GetExtensionName(file)) == "TXT") {
+    if (IsCalledText(file)) {
         first = reading_->Next(TextPatience);
         if (IsPlainText()) {
             reading_.reset();
             program_.Reading.ReadText(file);
+            text_ = program_.Voice.LastSpeakRequest;
             return;
         }
     }
-    file_ = file;
+    SetFile(file);
     sentence_.clear();
     plays_ = false;
     ended_.reset();
     // The reader is at work meanwhile.
     fingerprint_ = identify_(file);
     narrator_.Begin(places_.Find(fingerprint_));
-    program_.Main->SetStatus("Opening Document. Please wait...");
+    ShowStatus();
     tmrDocument_.Interval = FirstInterval;
     tmrDocument_.Enabled = true;
     if (first)
@@ -248,7 +293,10 @@ void Documents::ReadConverted()
         sentence_ = readers::Sentence(refusal, file_, false);
     for (const readers::Block& block : blocks)
         Append(block);
-    program_.Main->SetStatus(StatusBusy);
+    if (narrator_.Paused())
+        ShowStatus();
+    else
+        program_.Main->SetStatus(StatusBusy);
 }
 
 // The document has been heard, or will not be.
@@ -259,7 +307,8 @@ void Documents::Finish(Narrator::End end)
         places_.Keep(fingerprint_, 0);
     else
         KeepPlace();
-    const std::string file = std::exchange(file_, "");
+    const std::string file = file_;
+    SetFile("");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)
         sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or no wave file.";
@@ -273,6 +322,10 @@ void Documents::Finish(Narrator::End end)
 
 void Documents::ShowStatus()
 {
+    if (narrator_.Seeking() || (!narrator_.Paused() && narrator_.Empty())) {
+        program_.Main->SetStatus("Opening Document. Please wait...");
+        return;
+    }
     if (plays_ && !narrator_.Paused()) {
         program_.Main->SetStatus("Playing wave file...");
         return;
@@ -280,9 +333,10 @@ void Documents::ShowStatus()
     std::string left;
     if (!reading_ && !plays_) {
         const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
-        left = " (" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left)";
+        left = "(" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left) ";
     }
-    program_.Main->SetStatus((narrator_.Paused() ? "Paused " : "Reading ") + NameOf(file_) + left +
+    // The name last, because it may be long and is known.
+    program_.Main->SetStatus((narrator_.Paused() ? "Paused " : "Reading ") + left + NameOf(file_) +
                              " . Click STOP to Cancel Reading...");
 }
 

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace voxmate
 {
@@ -29,9 +30,9 @@ public:
     /// `form` owns the timer.
     Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read, Identify identify, StateStore& state);
 
-    /// Puts a file behind those that are being read or wait for it; one that pauses is left. What it is, is told by its
-    /// content. A text file whose name ends in .txt is read as by the button, and a recording is played. A document
-    /// that was left before its end goes on there.
+    /// Puts a file behind those that are being read or wait for it; one that pauses is left for it. What it is, is told
+    /// by its content. A text file whose name ends in .txt is read as by the button, and a recording is played. A
+    /// document that was left before its end goes on there.
     void Put(const std::string& file);
     /// Whether a file is being opened or read aloud; not while that pauses.
     bool Going() const { return HasDocument() && !narrator_.Paused(); }
@@ -43,7 +44,9 @@ private:
     ReadingPlaces places_;
     Narrator narrator_;
     Timer tmrDocument_;
+    std::vector<Menu*> ways_; ///< the items that concern the document that is being read
     std::deque<std::string> waiting_;
+    AgentRequestPtr text_;    ///< of the text file that was opened last
     std::uint32_t stops_ = 0; ///< Program::StopCount when it was looked at last
     bool working_ = false;
 
@@ -55,7 +58,11 @@ private:
     std::optional<Narrator::End> ended_;
 
     bool HasDocument() const { return !file_.empty(); }
+    bool IsCalledText(const std::string& file) const;
+    bool TextIsRead() const;
+    void SetFile(std::string file);
     void PauseOrGoOn();
+    void FromBeginning();
     void GoOn();
     void HeedStop();
     void Leave();

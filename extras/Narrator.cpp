@@ -137,10 +137,9 @@ void Narrator::MoveByParagraph(bool forward)
 // Of what has not come yet nothing can be spoken, so a way beyond the last part leads nowhere.
 void Narrator::GoTo(std::size_t part)
 {
-    if (!speaking_ || part >= Count())
+    if (!speaking_ || Seeking() || part >= Count())
         return;
     Drop();
-    from_ = 0;
     MoveTo(part);
     next_ = part;
     GoOn();
@@ -219,7 +218,7 @@ void Narrator::Completed(const AgentRequestPtr& request)
 {
     const auto asked = std::ranges::find(asked_, request, &Asked::request);
     if (asked == asked_.end()) {
-        if (paused_)
+        if (paused_ || Seeking())
             Raise(Moved);
         return;
     }

@@ -48,9 +48,13 @@ public:
     /// counts as one back. A way beyond the first part leads to that, one beyond the last nowhere.
     void MoveBy(int parts);
     void MoveByParagraph(bool forward);
+    /// Whether the first part of all is still kept.
+    bool HasBeginning() const { return first_ == 0; }
     void MoveToBeginning() { GoTo(first_); }
 
-    /// Whether the part to begin with has not come yet.
+    /// Whether no part has come yet.
+    bool Empty() const { return Count() == 0; }
+    /// Whether the part to begin with has not come yet. Until then there is no way to another part.
     bool Seeking() const { return from_ > 0; }
     /// Whether At is there and begins a paragraph.
     bool AtParagraph() const { return at_ < Count() && Part(at_).part.begins; }

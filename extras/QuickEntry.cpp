@@ -22,9 +22,10 @@ using std::chrono::hours;
 using std::chrono::minutes;
 using Day = std::chrono::local_days;
 
-constexpr hours MorningHour{9};  ///< of a day without a time
-constexpr hours EveningHour{20}; ///< of "tonight"
-constexpr int FirstYear = 1000;  ///< the reminders' file keeps years of four digits
+constexpr hours MorningHour{9};      ///< of a day without a time
+constexpr hours EveningHour{20};     ///< of "tonight"
+constexpr hours FirstEveningHour{4}; ///< the first hour that "tonight" may mean by the clock's twelve
+constexpr int FirstYear = 1000;      ///< the reminders' file keeps years of four digits
 constexpr int LastYear = 9999;
 
 /// A word as it was written, and as it is compared: in small letters, without the marks behind it.
@@ -36,7 +37,7 @@ struct Word {
 std::vector<Word> WordsOf(std::string_view text)
 {
     constexpr std::string_view blanks = " \t\r\n";
-    constexpr std::string_view marks = ",.:;";
+    constexpr std::string_view marks = ",.:;!?";
     std::vector<Word> words;
     for (std::size_t at = text.find_first_not_of(blanks); at != std::string_view::npos;) {
         const std::size_t end = std::min(text.find_first_of(blanks, at), text.size());
@@ -57,7 +58,7 @@ bool IsOneOf(std::string_view word, const std::array<std::string_view, Count>& w
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/// The digits that a text begins with, four at most, as a number; the text is left with the rest.
+/// The digits that a text begins with as a number; the text is left with the rest. None for more than four digits.
 std::optional<int> TakeNumber(std::string_view& text)
 {
     const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -89,6 +90,17 @@ std::optional<unsigned> PlaceIn(const std::array<std::string_view, Count>& names
         if (word == names[i] || word == names[i].substr(0, 3))
             return i;
     return std::nullopt;
+}
+
+/// "a", "one" to "twelve".
+std::optional<int> CountIn(std::string_view word)
+{
+    constexpr std::array<std::string_view, 12> counts{"one",   "two",   "three", "four", "five",   "six",
+                                                      "seven", "eight", "nine",  "ten",  "eleven", "twelve"};
+    if (word == "a" || word == "an")
+        return 1;
+    const auto* const found = std::find(counts.begin(), counts.end(), word);
+    return found == counts.end() ? std::nullopt : std::optional(static_cast<int>(found - counts.begin()) + 1);
 }
 
 std::optional<minutes> UnitOf(std::string_view word)
@@ -147,45 +159,47 @@ private:
 
     std::string_view At(std::size_t at) const { return at < words_.size() ? words_[at].plain : std::string_view(); }
 
-    /// "in 15 minutes", "in 1 hour 30 minutes", "in 2h", "in half an hour", "in a week".
+    /// "in 15 minutes", "in 1 hour 30 minutes", "in 2h", "in two hours", "in half an hour", "in an hour and a half".
     std::size_t TakeLater(std::size_t from)
     {
         if (said_.later || At(from) != "in")
             return 0;
         minutes sum{0};
+        minutes last{0}; // the unit before
         std::size_t at = from + 1;
         for (std::size_t end = at;; at = end) {
             if (end > from + 1 && At(end) == "and")
                 ++end;
-            std::string_view word = At(end);
-            int count = 1;
-            minutes share{1};
-            if (word == "half") {
-                share = minutes(2);
-                ++end;
+            if (last > minutes(1) && At(end) == "a" && At(end + 1) == "half") {
+                sum += last / 2;
+                last = minutes(0);
+                end += 2;
+                continue;
             }
-            if (IsOneOf(At(end), std::array<std::string_view, 3>{"a", "an", "one"})) {
+            const bool half = At(end) == "half";
+            if (half)
                 ++end;
-            } else if (share == minutes(1)) {
-                const std::optional<int> number = TakeNumber(word);
-                if (!number)
-                    break;
-                count = *number;
+            std::optional<int> count = CountIn(At(end));
+            std::string_view unitName = At(end + 1);
+            std::size_t words = 2;
+            if (!count && half) { // "half hour"
+                count = 1;
+                unitName = At(end);
+                words = 1;
+            } else if (!count) {
+                std::string_view word = At(end);
+                count = TakeNumber(word);
                 if (!word.empty()) { // the unit is in the same word
-                    const std::optional<minutes> unit = UnitOf(word);
-                    if (!unit)
-                        break;
-                    sum += count * *unit;
-                    ++end;
-                    continue;
+                    unitName = word;
+                    words = 1;
                 }
-                ++end;
             }
-            const std::optional<minutes> unit = UnitOf(At(end));
-            if (!unit)
+            const std::optional<minutes> unit = UnitOf(unitName);
+            if (!count || !unit)
                 break;
-            sum += count * *unit / share.count();
-            ++end;
+            last = *unit;
+            sum += *count * *unit / (half ? 2 : 1);
+            end += words;
         }
         if (sum == minutes(0))
             return 0;
@@ -282,7 +296,7 @@ private:
     /// "2027-03-07", "7.3.", "7.3.2027", "7 march", "march 7", each of the latter with or without a year.
     std::size_t TakeDate(std::size_t at)
     {
-        std::string_view word = words_[at].written;
+        std::string_view word = at < words_.size() ? std::string_view(words_[at].written) : std::string_view();
         const std::optional<int> first = TakeNumber(word);
         if (first && !word.empty() && (word.front() == '-' || word.front() == '.')) {
             const char mark = word.front();
@@ -376,7 +390,10 @@ std::optional<Moment> MomentOf(const Said& said, Moment now)
         return wholeDays && said.time ? future(today + std::chrono::floor<days>(*said.later) + *said.time)
                                       : future(now + *said.later);
     }
-    const minutes time = said.time.value_or(said.evening ? EveningHour : MorningHour);
+    minutes time = said.time.value_or(said.evening ? EveningHour : MorningHour);
+    // "tonight at 9" is no morning.
+    if (said.evening && time >= FirstEveningHour && time < hours(12))
+        time += hours(12);
     if (said.day) {
         Moment moment = *said.day + time;
         if (moment <= now && said.thisYear) {

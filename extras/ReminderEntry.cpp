@@ -16,6 +16,7 @@ ReminderEntry::ReminderEntry(Program& program, frmReminder& editor)
     : program_(program), editor_(editor), lblUnderstood_(&editor, "lblUnderstood")
 {
     editor_.FirstFocus = &editor_.txtTitle;
+    editor_.txtTitle.SelectsNewText = true;
     editor_.txtTitle.PlaceholderText = "for example: tea in 15 minutes";
     editor_.lstvReminders.PlaceholderText =
         "There are no reminders in the list. To add one, write its title, choose the day "
@@ -27,7 +28,7 @@ ReminderEntry::ReminderEntry(Program& program, frmReminder& editor)
     editor_.txtTime.Edited = editor_.mvDate.Edited = [this] { MomentEdited(); };
     editor_.cmdAdd.Click = [this, add = editor_.cmdAdd.Click] { Add(add); };
     editor_.txtTitle.KeyPress = [this](int& keyAscii) {
-        if (keyAscii == KeyEnter && std::holds_alternative<QuickReminder>(read_))
+        if (keyAscii == KeyEnter && !std::holds_alternative<NoTimeSaid>(read_))
             editor_.cmdAdd.UserClick();
     };
 }
@@ -47,6 +48,9 @@ void ReminderEntry::Arrange()
 void ReminderEntry::FieldsSet()
 {
     byHand_ = false;
+    set_ = true;
+    description_ = editor_.txtDesc.Text;
+    done_ = editor_.chkDone.Value;
     Understand(NoTimeSaid{});
 }
 
@@ -77,14 +81,39 @@ void ReminderEntry::Add(const Event& add)
         return;
     }
     if (const auto* understood = std::get_if<QuickReminder>(&read_)) {
-        const QuickReminder reminder = *understood;
-        Understand(NoTimeSaid{});
-        editor_.txtTitle.Text = reminder.Title;
-        ShowMoment(reminder.At);
-        if (Trim(editor_.txtDesc.Text.get()).empty())
-            editor_.txtDesc.Text = reminder.Title;
+        AddUnderstood(*understood, add);
+        return;
     }
     add();
+}
+
+void ReminderEntry::AddUnderstood(QuickReminder reminder, const Event& add)
+{
+    const std::string title = editor_.txtTitle.Text;
+    const std::string description = editor_.txtDesc.Text;
+    const int done = editor_.chkDone.Value;
+    const CalendarDate date = editor_.mvDate.Value();
+    const std::string time = editor_.txtTime.Text;
+
+    Understand(NoTimeSaid{});
+    editor_.txtTitle.Text = reminder.Title;
+    ShowMoment(reminder.At);
+    // What still stands there of the reminder that was shown before is not meant for this one.
+    if (Trim(description).empty() || description == description_)
+        editor_.txtDesc.Text = reminder.Title;
+    if (done == done_)
+        editor_.chkDone.Value = 0;
+    set_ = false;
+    add();
+    if (set_)
+        return;
+    // It was not added: the fields are as the user left them.
+    editor_.txtTitle.Text = title;
+    editor_.txtDesc.Text = description;
+    editor_.chkDone.Value = done;
+    editor_.mvDate.SetValue(date);
+    editor_.txtTime.Text = time;
+    Understand(std::move(reminder));
 }
 
 void ReminderEntry::Understand(std::variant<NoTimeSaid, QuickReminder, QuickRefusal> read)
@@ -113,6 +142,10 @@ void ReminderEntry::Suggest()
         ShowMoment(understood->At);
     else if (quarter.day == now.day)
         ShowMoment(quarter);
+    else {
+        editor_.mvDate.SetValue({now.year, now.month, now.day});
+        editor_.txtTime.Text = "";
+    }
 }
 
 } // namespace voxmate

@@ -210,12 +210,16 @@ public:
     void Update(Property property) override
     {
         UpdateCommon(property);
-        if (property == Property::Text)
+        if (property == Property::Text) {
             widget_->setText(ToQt(control_.Text));
-        else if (property == Property::Locked)
+            // The window itself may not have the keyboard yet.
+            if (control_.SelectsNewText && widget_->window()->focusWidget() == widget_)
+                widget_->selectAll();
+        } else if (property == Property::Locked) {
             widget_->setReadOnly(control_.Locked);
-        else if (property == Property::BackColor)
+        } else if (property == Property::BackColor) {
             widget_->SetGrey(control_.BackColor == vbButtonFace);
+        }
     }
 
 private:

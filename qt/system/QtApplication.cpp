@@ -28,22 +28,25 @@ constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
 /// X11 first, Wayland if the X server does not answer.
 constexpr const char* PreferX11 = "xcb;wayland";
 
-int& PreparePlatform(int& argc)
-{
-    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && qEnvironmentVariableIsSet("DISPLAY") &&
-        !qEnvironmentVariableIsSet(PlatformVariable))
-        qputenv(PlatformVariable, PreferX11);
-    return argc;
-}
-
 } // namespace
 
-QtApplication::QtApplication(int& argc, char** argv)
-    : QApplication((PreparePlatform(argc)), argv), EndProgram([] { std::_Exit(EXIT_FAILURE); })
+PlatformChoice::PlatformChoice()
+    : made_(qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && qEnvironmentVariableIsSet("DISPLAY") &&
+            !qEnvironmentVariableIsSet(PlatformVariable))
 {
-    // The choice is for this program alone, not for the programs it starts.
-    if (qgetenv(PlatformVariable) == PreferX11)
+    if (made_)
+        qputenv(PlatformVariable, PreferX11);
+}
+
+PlatformChoice::~PlatformChoice()
+{
+    if (made_)
         qunsetenv(PlatformVariable);
+}
+
+QtApplication::QtApplication(int& argc, char** argv)
+    : QApplication(argc, argv), EndProgram([] { std::_Exit(EXIT_FAILURE); })
+{
     setApplicationName(QStringLiteral("Voxmate"));
     // The name of the desktop entry in packaging/desktop, by which panels tell whose windows these are, and that on the
     // session's bus.

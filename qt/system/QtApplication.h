@@ -14,11 +14,24 @@
 namespace voxmate::qt
 {
 
+/// Prefers X11 where a Wayland session offers both: only under X11 can a program set its windows' positions, and the
+/// character moves on its own. It is there while the application object is made, not for programs that are started
+/// later. It changes the environment, so no thread of the program's may run when it comes and goes.
+class PlatformChoice
+{
+public:
+    PlatformChoice();
+    ~PlatformChoice();
+    PlatformChoice(const PlatformChoice&) = delete;
+    PlatformChoice& operator=(const PlatformChoice&) = delete;
+
+private:
+    bool made_;
+};
+
 class QtApplication : public QApplication
 {
 public:
-    /// Prefers X11 where a Wayland session offers both: only under X11 can a program set its windows' positions, and
-    /// the character moves on its own.
     QtApplication(int& argc, char** argv);
 
     /// Ends the program after an uncaught error has been shown. By default the process ends with status 1.

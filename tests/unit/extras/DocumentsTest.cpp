@@ -193,12 +193,12 @@ TEST_F(DocumentsTest, TheStatusLineTellsHowMuchIsLeft)
     Tick();
     EndNext();
     // 1869 characters at 156 words a minute.
-    EXPECT_EQ(Status(), "Reading a.docx (1 minute left) . Click STOP to Cancel Reading...");
+    EXPECT_EQ(Status(), "Reading (1 minute left) a.docx . Click STOP to Cancel Reading...");
     StartNext();
-    EXPECT_EQ(Status(), "Reading a.docx (1 minute left) . Click STOP to Cancel Reading...");
+    EXPECT_EQ(Status(), "Reading (1 minute left) a.docx . Click STOP to Cancel Reading...");
     EndNext();
     StartNext();
-    EXPECT_EQ(Status(), "Reading a.docx (less than a minute left) . Click STOP to Cancel Reading...");
+    EXPECT_EQ(Status(), "Reading (less than a minute left) a.docx . Click STOP to Cancel Reading...");
     SpeakAll();
     EXPECT_EQ(Status(), StatusIdle);
 }
@@ -430,6 +430,43 @@ TEST_F(DocumentsTest, AnEndlessDocumentIsReadOnlySoFarAhead)
     EXPECT_GT(documents.taken["C:\\endless.md"], 17u);
 }
 
+TEST_F(DocumentsTest, TheKeysThatMoveAreFreeWhereNoDocumentIsRead)
+{
+    Begin();
+    const char* const ways[] = {"mnuPause",         "mnuSentenceBack",     "mnuSentenceForward",
+                                "mnuParagraphBack", "mnuParagraphForward", "mnuBeginning"};
+    for (const char* way : ways)
+        EXPECT_FALSE(Item(way).Enabled) << way;
+    Open({"C:\\a.docx"});
+    for (const char* way : ways)
+        EXPECT_TRUE(Item(way).Enabled) << way;
+    SpeakAll();
+    for (const char* way : ways)
+        EXPECT_FALSE(Item(way).Enabled) << way;
+}
+
+TEST_F(DocumentsTest, ADocumentBehindATextFileWaitsUntilThatHasBeenHeard)
+{
+    Begin();
+    fake.files.texts["C:\\c.txt"] = "Text";
+    Open({"C:\\c.txt", "C:\\a.docx"});
+    EXPECT_FALSE(Item("mnuPause").Enabled) << "it would say that the document pauses while the text goes on";
+    EXPECT_EQ(Spoken(), Lines{"\r\nText"});
+    SpeakAll();
+    EXPECT_EQ(Spoken().front(), "\r\nText");
+    EXPECT_EQ(Spoken().back(), "Four.\\Pau=350\\");
+}
+
+TEST_F(DocumentsTest, WhatIsOpenedWhileADocumentPausesIsReadNext)
+{
+    Begin();
+    File("C:\\c.md", {Kind::Markdown, Paragraph("Now."), Refusal::None});
+    Open({"C:\\a.docx", "C:\\b.odt"});
+    Item("mnuPause").UserClick();
+    Open({"C:\\c.md"});
+    EXPECT_EQ(documents.begun, (Lines{"C:\\a.docx", "C:\\c.md"}));
+}
+
 TEST_F(DocumentsTest, PausingIsSilentAndGoesOnWithTheSentenceItWasIn)
 {
     Begin();
@@ -441,12 +478,12 @@ TEST_F(DocumentsTest, PausingIsSilentAndGoesOnWithTheSentenceItWasIn)
     fake.log.clear();
     Item("mnuPause").UserClick();
     EXPECT_EQ(fake.log, (Lines{"Stop", "Stop", "Play RestPose"}));
-    EXPECT_EQ(Status(), "Paused a.docx (less than a minute left) . Click STOP to Cancel Reading...");
+    EXPECT_EQ(Status(), "Paused (less than a minute left) a.docx . Click STOP to Cancel Reading...");
     for (int i = 0; i < 2; ++i)
         EndNext(RequestStatus::Interrupted);
     StartNext();
     EndNext(); // RestPose
-    EXPECT_EQ(Status(), "Paused a.docx (less than a minute left) . Click STOP to Cancel Reading...");
+    EXPECT_EQ(Status(), "Paused (less than a minute left) a.docx . Click STOP to Cancel Reading...");
     Tick();
     EXPECT_FALSE(extras.Escape()) << "nothing is spoken";
     EXPECT_EQ(Spoken(), Lines{});

@@ -60,6 +60,34 @@ TEST(QuickEntryTest, SoMuchLaterIsCountedFromNow)
     EXPECT_EQ(Read("salt and pepper in 5 minutes and sugar"), "salt and pepper and sugar | 2026-11-25 14:25:00");
 }
 
+TEST(QuickEntryTest, NumbersMayBeWords)
+{
+    EXPECT_EQ(Read("tea in two hours"), "tea | 2026-11-25 16:20:00");
+    EXPECT_EQ(Read("tea in an hour and a half"), "tea | 2026-11-25 15:50:00");
+    EXPECT_EQ(Read("tea in a half hour"), "no time");
+    EXPECT_EQ(Read("tea in half hour"), "tea | 2026-11-25 14:50:00");
+    EXPECT_EQ(Read("tea in 5 minutes!"), "tea | 2026-11-25 14:25:00");
+}
+
+TEST(QuickEntryTest, TonightIsInTheEvening)
+{
+    EXPECT_EQ(Read("tonight film"), "film | 2026-11-25 20:00:00");
+    EXPECT_EQ(Read("tonight 9 film"), "film | 2026-11-25 21:00:00");
+    EXPECT_EQ(Read("film tonight at 11:30"), "film | 2026-11-25 23:30:00");
+    EXPECT_EQ(Read("film tonight 22:15"), "film | 2026-11-25 22:15:00");
+}
+
+// The title is read after each letter.
+TEST(QuickEntryTest, TheBeginningOfAnyTextIsRead)
+{
+    for (const std::string text :
+         {"lunch on monday", "meeting on friday 10", "switch the heating on", "tea in 15 minutes on", "on friday bank",
+          "the day after tomorrow at 9:30 p.m. dinner", "next friday march 7 2027 12.5. in half an hour and a half",
+          "remind me of the 7th of may every other week", "2027-03-07 9 o'clock next", "at 9:", "in 1h5", "@ on this"})
+        for (std::size_t length = 0; length <= text.size(); ++length)
+            EXPECT_FALSE(Read(text.substr(0, length)).empty());
+}
+
 TEST(QuickEntryTest, ATimeWithoutADayIsTheNextSuchTime)
 {
     EXPECT_EQ(Read("bank at 16"), "bank | 2026-11-25 16:00:00");

@@ -59,6 +59,40 @@ TEST_F(ReminderEntryTest, TheKeyboardBeginsInTheTitleAndAnEmptyListSaysWhatToDo)
     EXPECT_EQ(Fields(), "|2026-11-25||");
 }
 
+// The fields show the first reminder of the list when the editor opens.
+TEST_F(ReminderEntryTest, WhatStandsThereOfAnotherReminderIsNotAdded)
+{
+    Open({{"Call", "07", "03", "2027", "09", "05", "About the card", "Y"}});
+    Type("tea in 15 minutes");
+    editor.cmdAdd.UserClick();
+    EXPECT_EQ(fake.windows.boxes.size(), 0U);
+    EXPECT_EQ(Rows(), (Lines{"Call|2027/03/07|09:05", "tea|2026/11/25|14:35"}));
+    EXPECT_EQ(Fields(), "tea|2026-11-25|14:35|tea");
+    EXPECT_EQ(editor.chkDone.Value, 0);
+}
+
+TEST_F(ReminderEntryTest, WhatTheUserHasDescribedAndMarkedIsAdded)
+{
+    Open(One());
+    editor.txtDesc.Text = "Green";
+    Type("tea in 15 minutes");
+    editor.cmdAdd.UserClick();
+    EXPECT_EQ(Fields(), "tea|2026-11-25|14:35|Green");
+}
+
+TEST_F(ReminderEntryTest, WhatIsNotAddedLeavesTheFieldsAsTheyWere)
+{
+    Open(One());
+    editor.chkDone.Value = 1;
+    Type("tea in 15 minutes");
+    fake.windows.answers.push_back(vbNo);
+    editor.cmdAdd.UserClick();
+    EXPECT_EQ(Fields(), "tea in 15 minutes|2027-3-7|09:05|Bank");
+    EXPECT_EQ(editor.chkDone.Value, 1);
+    EXPECT_NE(line.Caption.get(), "");
+    EXPECT_EQ(Rows(), (Lines{"Call|2027/03/07|09:05"}));
+}
+
 TEST_F(ReminderEntryTest, AddAndUpdateStandAtTheEndOfTheFrameWithTheFields)
 {
     const Layout& frame = editor.Arrangement.children.at(0).children.at(1);
@@ -125,7 +159,7 @@ TEST_F(ReminderEntryTest, AddTakesTitleDateAndTimeFromWhatWasUnderstood)
     editor.cmdAdd.UserClick();
     EXPECT_EQ(Boxes(), Lines{});
     EXPECT_EQ(Rows(), (Lines{"Call|2027/03/07|09:05", "bank|2026/11/26|10:30"}));
-    EXPECT_EQ(Fields(), "bank|2026-11-26|10:30|Bank");
+    EXPECT_EQ(Fields(), "bank|2026-11-26|10:30|bank");
     EXPECT_EQ(line.Caption.get(), "");
 }
 

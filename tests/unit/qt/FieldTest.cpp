@@ -86,6 +86,20 @@ const QString grin = QString::fromUcs4(U"\U0001F600");
 
 } // namespace
 
+TEST_F(FieldTest, ANewTextIsSelectedWhereThatIsWantedAndTheKeyboardIsThere)
+{
+    auto* const field = ChildOf<QLineEdit>(window_, "txtDigits");
+    field->setFocus();
+    form.txtDigits.Text = "1";
+    EXPECT_EQ(field->selectedText(), "");
+    form.txtDigits.SelectsNewText = true;
+    form.txtDigits.Text = "23";
+    EXPECT_EQ(field->selectedText(), "23");
+    ChildOf<QLineEdit>(window_, "txtShort")->setFocus();
+    form.txtDigits.Text = "4";
+    EXPECT_EQ(field->selectedText(), "");
+}
+
 TEST_F(FieldTest, AFieldTakesNoMoreThanItsCharactersFromTheKeyboard)
 {
     int changes = 0;
