@@ -175,7 +175,8 @@ class Desk:
 
     def _start_display(self, monitors):
         read, write = os.pipe()
-        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{self.screen[0]}x{self.screen[1]}x24",
+        # No key repeats (-r): on a busy machine the second letter would come before the key is let go.
+        self.spawn("Xvfb", "-r", "-displayfd", str(write), "-screen", "0", f"{self.screen[0]}x{self.screen[1]}x24",
                    "-nolisten", "tcp", "-noreset", "-dpi", "96", pass_fds=(write,))
         os.close(write)
         with os.fdopen(read) as answer:
