@@ -190,9 +190,12 @@ class Menus(MainTour):
         self.use("Do you know who am I ?")
         self.wait_for_sound(begin)
         self.choose("Extras", "Stop Everything")
+        # No document is being read, which these concern; test_documents chooses them.
         for name in ("Pause or Go On", "Back a Sentence", "Forward a Sentence", "Back a Paragraph", "Forward a Paragraph",
-                     "From the Beginning", "Forget Where Documents Were Left"):
-            self.choose("Extras", name)
+                     "From the Beginning"):
+            self.assertFalse(self.has(self.menu_item(("Extras", name)), "ENABLED"), name)
+            self.pressed.add(("Extras", name))
+        self.choose("Extras", "Forget Where Documents Were Left")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
         for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
             self.choose("Extras", name)
