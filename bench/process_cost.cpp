@@ -2,10 +2,11 @@
 // on the screen, and its resident memory, processor time and wake-ups while idle.
 //
 // Usage: process_cost start COUNT PROGRAM       time to the first mapped window, COUNT times
-//        process_cost idle SETTLE SECONDS PROGRAM   after SETTLE seconds: memory; processor time and wake-ups over
-//        SECONDS
+//        process_cost idle SETTLE SECONDS PROGRAM   after SETTLE seconds, over SECONDS: memory (median and most),
+//        processor time and wake-ups, these also for the quietest two seconds
 #include "bench/Statistics.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +18,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 #include <xcb/xcb.h>
 
 namespace
@@ -95,20 +97,19 @@ double StatusMb(pid_t process, const std::string& field)
     return 0;
 }
 
-// Processor time used so far in milliseconds: utime and stime of /proc/PID/stat, in clock ticks.
+// Processor time in milliseconds that the threads of a process have used so far, exact to the nanosecond: the first
+// number of their schedstat. /proc/PID/stat counts by ticks and misses what wakes up briefly.
 double CpuMs(pid_t process)
 {
-    std::ifstream in("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(in, text);
-    std::istringstream fields(text.substr(text.rfind(')') + 2));
-    std::string field;
-    double ticks = 0;
-    for (int i = 3; i <= 15 && fields >> field; ++i) {
-        if (i >= 14)
-            ticks += std::stod(field);
+    double nanoseconds = 0;
+    std::error_code gone;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
+        std::ifstream in(task.path() / "schedstat");
+        double used = 0;
+        if (in >> used)
+            nanoseconds += used;
     }
-    return ticks * 1000 / static_cast<double>(::sysconf(_SC_CLK_TCK));
+    return nanoseconds / 1e6;
 }
 
 // How often each thread of a process has gone to sleep so far, which is how often it has woken up.
@@ -127,27 +128,60 @@ std::map<std::string, long> WakeUps(pid_t process)
     return counts;
 }
 
+// What a process has cost up to a moment.
+struct Cost {
+    double resident = 0, own = 0; // megabytes
+    double cpu = 0;               // milliseconds of processor time since its start
+    double wakeUps = 0;           // since the measurement's start; those of threads that have ended are not known
+};
+
 int MeasureIdle(int settle, int seconds, const char* program)
 {
+    constexpr int PerSecond = 2;
+    constexpr int Quiet = 2 * PerSecond; // samples in which nothing need be moving
     const pid_t child = Start(program);
     std::this_thread::sleep_for(std::chrono::seconds(settle));
-    const double memory = StatusMb(child, "VmRSS:");
-    const double own = StatusMb(child, "RssAnon:");
-    const double before = CpuMs(child);
-    std::map<std::string, long> sleptBefore = WakeUps(child);
-    std::this_thread::sleep_for(std::chrono::seconds(seconds));
-    const double used = CpuMs(child) - before;
-    // Those of a thread that has ended meanwhile are not known.
-    long slept = 0;
-    for (const auto& [thread, count] : WakeUps(child))
-        slept += count - sleptBefore[thread];
+    std::map<std::string, long> slept = WakeUps(child);
+    std::vector<Cost> costs;
+    double wakeUps = 0;
+    auto next = std::chrono::steady_clock::now();
+    for (int i = 0; i <= seconds * PerSecond; ++i, next += std::chrono::milliseconds(1000 / PerSecond)) {
+        std::this_thread::sleep_until(next);
+        for (const auto& [thread, count] : WakeUps(child)) {
+            wakeUps += static_cast<double>(count - slept[thread]);
+            slept[thread] = count;
+        }
+        costs.push_back({StatusMb(child, "VmRSS:"), StatusMb(child, "RssAnon:"), CpuMs(child), wakeUps});
+    }
     if (::waitpid(child, nullptr, WNOHANG) != 0) {
         std::cerr << program << " ended by itself\n";
         return 1;
     }
-    std::printf("%s: resident %.1f MB (%.1f MB of its own), processor %.2f %%, %.0f wake-ups in 10 s, over %d s\n",
-                program, memory, own, used / (seconds * 10.0), static_cast<double>(slept) * 10 / seconds, seconds);
     End(child);
+
+    const auto of = [&costs](double Cost::*part) {
+        std::vector<double> values;
+        values.reserve(costs.size());
+        for (const Cost& cost : costs)
+            values.push_back(cost.*part);
+        std::sort(values.begin(), values.end());
+        return values;
+    };
+    // The least that the part grew in a span without movement, per second.
+    const auto least = [&costs](double Cost::*part) {
+        double found = costs.back().*part;
+        for (std::size_t i = Quiet; i < costs.size(); ++i)
+            found = std::min(found, costs[i].*part - costs[i - Quiet].*part);
+        return found * PerSecond / Quiet;
+    };
+    const auto resident = of(&Cost::resident);
+    const auto own = of(&Cost::own);
+    std::printf(
+        "%s over %d s: resident %.1f MB (%.1f MB of its own), most %.1f MB (%.1f MB of its own); "
+        "processor %.2f %%, %.0f wake-ups in 10 s; in its quietest %d s processor %.2f %%, %.0f wake-ups in 10 s\n",
+        program, seconds, resident[resident.size() / 2], own[own.size() / 2], resident.back(), own.back(),
+        (costs.back().cpu - costs.front().cpu) / (seconds * 10.0), wakeUps * 10 / seconds, Quiet / PerSecond,
+        least(&Cost::cpu) / 10, least(&Cost::wakeUps) * 10);
     return 0;
 }
 
