@@ -3,6 +3,7 @@
 #include "agent/file/PictureCheck.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace voxmate::agent
@@ -190,10 +191,55 @@ void Character::Idle()
     body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
 }
 
+bool Character::StandAside(Point window)
+{
+    if (gestures_.Holds() || (current_ && current_->kind == RequestKind::Hide))
+        return false;
+    Walk(window);
+    return true;
+}
+
+bool Character::StandAtHome()
+{
+    if (body_.Visible() && (gestures_.Holds() || current_ || !queue_.empty() || body_.Gliding()))
+        return false;
+    Walk({});
+    return true;
+}
+
+/// Goes to a place for its window, or home, and plays an animation of walking if it has nothing else to do.
+void Character::Walk(std::optional<Point> window)
+{
+    const bool appears = current_ && current_->kind == RequestKind::Show;
+    const Rect from = body_.Place().Window;
+    body_.StandAside(window, !appears, [this] { Arrived(); });
+    if (!body_.Gliding() || current_ || !queue_.empty())
+        return;
+    const Rect to = body_.Place().Window;
+    const bool aslant = std::abs(to.x - from.x) < std::abs(to.y - from.y);
+    const char* state = aslant          ? (to.y < from.y ? "MovingUp" : "MovingDown")
+                        : to.x < from.x ? "MovingLeft"
+                                        : "MovingRight";
+    const Animation* moving = PickAnimation(shared_.stage, StateAnimations(*file_, state));
+    if (!moving)
+        return;
+    StopIdling();
+    unsettled_ = false;
+    walks_ = playsIdle_ = true; // like an idle animation it gives way to any request
+    body_.Leave(moving, [this, moving] { body_.Play(*moving, nullptr); });
+}
+
+void Character::Arrived()
+{
+    if (std::exchange(walks_, false) && !current_)
+        GoHome();
+}
+
 /// There is something to do: leaves an idle animation at once, and begins none.
 void Character::StopIdling()
 {
     idleTimer_.reset();
+    walks_ = false;
     if (!std::exchange(playsIdle_, false))
         return;
     body_.Forget();

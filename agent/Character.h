@@ -69,11 +69,18 @@ public:
     void SetTTSModeID(const std::string& id) override { modeId_ = id; }
     std::vector<std::string> AnimationNames() const override;
     bool Visible() const override { return body_.Visible(); }
+    CharacterPlace Place() override { return body_.Place(); }
+    CharacterPlace Home() override { return body_.Home(); }
+    bool StandAside(Point window) override;
+    bool StandAtHome() override;
 
     /// Where the user has put the feet (the middle of the lower edge), by dragging or through the window manager;
     /// nothing while the character stands where it first appeared. StandAt puts the feet at a point as if the user had.
     std::optional<Point> Feet() const { return body_.Feet(); }
     void StandAt(Point feet) { body_.StandAt(feet); }
+    /// Where the feet have been sent aside, if they have. StandAsideAt sends them there.
+    std::optional<Point> FeetAside() const { return body_.FeetAside(); }
+    void StandAsideAt(Point feet) { body_.StandAsideAt(feet); }
     /// To be called when screens or work areas have changed.
     void ScreensChanged() { body_.ScreensChanged(); }
     void SetSoundEffectsOn(bool on) { body_.SetSoundEffectsOn(on); }
@@ -95,6 +102,7 @@ private:
     void BeginSpeak();
     speech::VoiceEvents SpeechEvents();
     void StartSpeech(std::string shown, speech::Utterance utterance);
+    void BeginWord(int word);
     void SpeechEnded(bool ok);
     void TakeSpeakingPose();
     std::vector<const Animation*> SpeakingAnimations() const;
@@ -115,6 +123,8 @@ private:
     void Idle();
     void StopIdling();
     void ConnectGestures();
+    void Walk(std::optional<Point> window);
+    void Arrived();
 
     Shared shared_;
     const std::string name_;
@@ -133,6 +143,7 @@ private:
     std::shared_ptr<Speech> speech_;
     bool running_ = false;   ///< RunQueue is running
     bool playsIdle_ = false; ///< plays an idle animation, or is on the way to one
+    bool walks_ = false;     ///< the animation that it plays is one of walking
     bool unsettled_ = false; ///< stands in a pose that nobody asked it to hold
     std::int64_t aloneSince_ = 0;
     std::unique_ptr<StageWork> check_; ///< looks through the file's pictures

@@ -207,13 +207,19 @@ speech::VoiceEvents Character::SpeechEvents()
     events.Started = guarded([this] {
         body_.SetMouth(MouthClosed);
         if (!speech_->pausesFirst)
-            balloon_.Word(0);
+            BeginWord(0);
     });
-    events.Word = guarded([this](int word) { balloon_.Word(word); });
+    events.Word = guarded([this](int word) { BeginWord(word); });
     events.Mouth = guarded([this](int mouth) { body_.SetMouth(std::clamp<int>(mouth, 0, MouthCount - 1)); });
     events.Bookmark = guarded([this](int number) { shared_.Raise(&AgentControl::Bookmark, number); });
     events.Ended = guarded([this](bool ok) { SpeechEnded(ok); });
     return events;
+}
+
+void Character::BeginWord(int word)
+{
+    balloon_.Word(word);
+    shared_.Raise(&AgentControl::Word, AgentRequestPtr(current_), word);
 }
 
 void Character::SpeechEnded(bool ok)

@@ -57,6 +57,8 @@ void Server::Load(const std::string& name, const std::string& path)
     character->SetSoundEffectsOn(soundEffectsOn_);
     if (feet_)
         character->StandAt(*std::exchange(feet_, std::nullopt));
+    if (aside_)
+        character->StandAsideAt(*std::exchange(aside_, std::nullopt));
     characters_.emplace(name, std::move(character));
 }
 
@@ -70,6 +72,7 @@ void Server::Unload(const std::string& name)
     characters_.erase(found);
     if (const auto feet = leaving->Feet())
         feet_ = feet;
+    aside_ = leaving->FeetAside();
 }
 
 AgentCharacter& Server::Characters(const std::string& name)

@@ -32,7 +32,7 @@ public:
     /// Raises run-time error 321 when the file cannot be used as a character (the description names the file and says
     /// why), and 457 when a character of that name is already loaded. Names compare without case. The feet of the new
     /// character stand where the user had put those of the character unloaded last; otherwise it stands near the lower
-    /// right corner of the primary screen.
+    /// right corner of the primary screen. If that one stood aside, the new one does.
     void Load(const std::string& name, const std::string& path) override;
     /// Ends all that the character does and takes it off the screen at once. Its requests are interrupted, each with
     /// its completion event. Does nothing when there is no such character.
@@ -50,7 +50,8 @@ private:
     EventQueue events_;
     VoiceTurn turn_;
     RequestOrder order_;
-    std::optional<Point> feet_; ///< where the user had put the character unloaded last
+    std::optional<Point> feet_;  ///< where the user had put the character unloaded last
+    std::optional<Point> aside_; ///< where it had been sent aside
     bool soundEffectsOn_ = true;
     struct WithoutCase {
         bool operator()(const std::string& a, const std::string& b) const { return UCase(a) < UCase(b); }

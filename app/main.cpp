@@ -10,6 +10,8 @@
 #include "platform/Fingerprint.h"
 #include "platform/FreeMemory.h"
 #include "platform/linux/desktop/DBusActivation.h"
+#include "platform/linux/desktop/DesktopKeys.h"
+#include "platform/linux/desktop/MprisPlayer.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -23,6 +25,7 @@
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
+#include "qt/system/QtWindowPlaces.h"
 #include "qt/system/QtWindowSystem.h"
 #include "readers/Reading.h"
 #include "speech/VoiceCatalog.h"
@@ -86,6 +89,8 @@ int Run(qt::QtApplication& application, const CommandLine& line)
 {
     linux_platform::LinuxProcess process;
     linux_platform::DBusActivation desktop;
+    linux_platform::MprisPlayer media;
+    linux_platform::DesktopKeys keys;
     if (HandedOver(line, process, desktop))
         process.EndProgram();
     const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
@@ -131,9 +136,12 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     frmMain mainForm(program);
     frmSplash splash(program);
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
+    qt::QtWindowPlaces places;
     Extras extras(program, mainForm,
-                  {*state, login, desktop, LookAtCharacter,
-                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint});
+                  {*state, login, desktop, media, keys, LookAtCharacter,
+                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint,
+                   places});
+    settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 
     const auto end = [&process] { process.EndRequested(); };

@@ -317,6 +317,15 @@ public:
     std::string PlaceholderText;
     /// Of one line: a text that is set from code while this has the keyboard is selected, so that typing replaces it.
     bool SelectsNewText = false;
+    /// Items shown behind those of the field's own menu; they belong to a menu of the form. Of several lines only.
+    std::vector<Menu*> MoreItems;
+    /// What the user means of the text; of several lines only.
+    enum class Excerpt {
+        Selection, ///< what is selected; empty when nothing is
+        FromCursor ///< from where the selection begins, or from the cursor, to the end
+    };
+    /// Gives an excerpt of the text as it is shown. Set by the front end while the form has a window.
+    std::function<std::string(Excerpt)> GetExcerpt;
     Event Change;
     Event Edited;
     /// A key that makes a character was pressed (its code point; 8 Backspace, 13 Enter). A handler sets it to 0 to

@@ -20,11 +20,10 @@ using namespace std::chrono_literals;
 using readers::Refusal;
 
 // Until there is something to speak every millisecond counts, later a document comes in quicker than it is read.
-constexpr int FirstInterval = 10;    // milliseconds
-constexpr int LaterInterval = 40;    // milliseconds
-constexpr int BlocksAtATime = 50;    // some milliseconds' work
-constexpr int BlocksToSkip = 500;    // on the way to where a document was left
-constexpr auto TextPatience = 500ms; // until a text file's kind is known, which takes some 20 ms
+constexpr int FirstInterval = 10; // milliseconds
+constexpr int LaterInterval = 40; // milliseconds
+constexpr int BlocksAtATime = 50; // some milliseconds' work
+constexpr int BlocksToSkip = 500; // on the way to where a document was left
 /// What has been read and not been heard: more than a thousand pages.
 constexpr std::size_t MostAhead = std::size_t{16} << 20;
 /// A word as speeds are counted, with the blank behind it.
@@ -68,6 +67,7 @@ Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read
         if (narrator_.AtParagraph() || narrator_.Paused())
             KeepPlace();
     };
+    narrator_.WordBegun = [this] { Tell(); };
     narrator_.Ended = [this](Narrator::End end) {
         ended_ = end;
         tmrDocument_.Interval = FirstInterval;
@@ -86,10 +86,10 @@ Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read
         ways_.push_back(&item);
     };
     add("mnuPause", "&Pause or Go On", "Ctrl+P", [this] { PauseOrGoOn(); });
-    add("mnuSentenceBack", "&Back a Sentence", "Alt+Left", [this] { narrator_.MoveBy(-1); });
-    add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { narrator_.MoveBy(1); });
-    add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { narrator_.MoveByParagraph(false); });
-    add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { narrator_.MoveByParagraph(true); });
+    add("mnuSentenceBack", "&Back a Sentence", "Alt+Left", [this] { BySentence(-1); });
+    add("mnuSentenceForward", "&Forward a Sentence", "Alt+Right", [this] { BySentence(1); });
+    add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { ByParagraph(false); });
+    add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { ByParagraph(true); });
     add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { FromBeginning(); });
     menu.Add("mnuForgetPlaces", "F&orget Where Documents Were Left", [this] { places_.Clear(); });
 }
@@ -100,6 +100,46 @@ void Documents::PauseOrGoOn()
         narrator_.GoOn();
     else
         narrator_.Pause();
+    Tell();
+}
+
+void Documents::BySentence(int sentences)
+{
+    narrator_.MoveBy(sentences);
+    Tell();
+}
+
+void Documents::ByParagraph(bool forward)
+{
+    narrator_.MoveByParagraph(forward);
+    Tell();
+}
+
+void Documents::ReadFrom(std::size_t part)
+{
+    HeedStop();
+    if (HasDocument()) {
+        narrator_.MoveToPart(part);
+        Tell();
+    } else if (!last_.empty()) {
+        places_.Keep(fingerprint_, part);
+        Put(last_);
+    }
+}
+
+void Documents::ReadFromTime(double seconds)
+{
+    const std::optional<Times> times = Estimate();
+    if (!times || times->Spoken + times->Left <= 0)
+        return;
+    const double share = std::clamp(seconds / (times->Spoken + times->Left), 0.0, 1.0);
+    ReadFrom(narrator_.PartAtCharacter(static_cast<std::uint64_t>(share * double(narrator_.Characters()))));
+}
+
+void Documents::Tell() const
+{
+    for (const Event& act : watchers_)
+        act();
 }
 
 // Of a very long document the beginning is no longer there, and is read anew.
@@ -136,6 +176,13 @@ void Documents::SetFile(std::string file)
     file_ = std::move(file);
     for (Menu* way : ways_)
         way->Enabled = HasDocument();
+    if (HasDocument()) {
+        last_ = file_;
+        name_ = NameOf(file_);
+        ++number_;
+    } else {
+        Tell();
+    }
 }
 
 bool Documents::IsCalledText(const std::string& file) const
@@ -202,16 +249,6 @@ void Documents::GoOn()
 void Documents::Begin(const std::string& file)
 {
     reading_ = read_(file);
-    std::optional<readers::Block> first;
-    if (IsCalledText(file)) {
-        first = reading_->Next(TextPatience);
-        if (IsPlainText()) {
-            reading_.reset();
-            program_.Reading.ReadText(file);
-            text_ = program_.Voice.LastSpeakRequest;
-            return;
-        }
-    }
     SetFile(file);
     sentence_.clear();
     plays_ = false;
@@ -222,24 +259,14 @@ void Documents::Begin(const std::string& file)
     ShowStatus();
     tmrDocument_.Interval = FirstInterval;
     tmrDocument_.Enabled = true;
-    if (first)
-        Append(*first);
-}
-
-// Whether the button for text files reads what is called one as well, or says what is wrong with it.
-bool Documents::IsPlainText() const
-{
-    const std::optional<readers::Kind> kind = reading_->DocumentKind();
-    if (kind)
-        return *kind == readers::Kind::Text || *kind == readers::Kind::Markdown;
-    const Refusal outcome = reading_->Outcome();
-    return !reading_->AtEnd() || outcome == Refusal::NoText || outcome == Refusal::NoReader;
 }
 
 void Documents::Work()
 {
-    if (reading_ && !ended_)
+    if (reading_ && !ended_) {
         TakeBlocks();
+        Tell();
+    }
     // What is to be said about it waits until another message has been closed.
     const bool tells = !sentence_.empty() || (plays_ && ended_ == Narrator::End::Failed);
     if (ended_ && !(tells && program_.Messages.IsBusy == True))
@@ -274,6 +301,11 @@ void Documents::EndOfReading()
 {
     const std::unique_ptr<readers::Reading> reading = std::move(reading_);
     tmrDocument_.Enabled = false;
+    const bool hasNone = reading->Outcome() == Refusal::NoText || reading->Outcome() == Refusal::NoReader;
+    if (hasNone && narrator_.Empty() && IsCalledText(file_)) {
+        ReadByButton();
+        return;
+    }
     if (reading->Outcome() == Refusal::NeedsConverter) {
         ReadConverted();
     } else if (reading->Outcome() == Refusal::Sound) {
@@ -283,6 +315,16 @@ void Documents::EndOfReading()
         sentence_ = reading->Sentence();
     }
     narrator_.Close();
+}
+
+// The button for text files needs no reader, and says what is wrong with an empty file.
+void Documents::ReadByButton()
+{
+    const std::string file = file_;
+    narrator_.Halt();
+    SetFile("");
+    program_.Reading.ReadText(file);
+    text_ = program_.Voice.LastSpeakRequest;
 }
 
 void Documents::ReadConverted()
@@ -320,24 +362,57 @@ void Documents::Finish(Narrator::End end)
     }
 }
 
+std::optional<Documents::Times> Documents::Estimate() const
+{
+    if (!HasDocument() || reading_ || plays_ || narrator_.Empty())
+        return std::nullopt;
+    const double speed = std::max<int>(program_.Settings.Speed, 1);
+    constexpr double perMinute = 60;
+    const auto seconds = [speed](std::uint64_t characters) {
+        return static_cast<double>(characters) / (CharactersPerWord * speed) * perMinute;
+    };
+    const std::uint64_t left = narrator_.Left();
+    return Times{seconds(narrator_.Characters() - left), seconds(left)};
+}
+
+bool Documents::IsOpening() const
+{
+    return narrator_.Seeking() || (!narrator_.Paused() && narrator_.Empty());
+}
+
+// "5 minutes left"; empty as long as that is not known.
+std::string Documents::TimeLeft() const
+{
+    if (reading_ || plays_)
+        return "";
+    const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
+    return TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left";
+}
+
+std::string Documents::Progress() const
+{
+    if (!HasDocument())
+        return "";
+    if (IsOpening())
+        return "Opening";
+    const std::string left = TimeLeft();
+    return (narrator_.Paused() ? "Paused" : plays_ ? "Playing" : "Reading") + (left.empty() ? "" : ", " + left);
+}
+
 void Documents::ShowStatus()
 {
-    if (narrator_.Seeking() || (!narrator_.Paused() && narrator_.Empty())) {
-        program_.Main->SetStatus("Opening Document. Please wait...");
-        return;
-    }
-    if (plays_ && !narrator_.Paused()) {
-        program_.Main->SetStatus("Playing wave file...");
-        return;
-    }
-    std::string left;
-    if (!reading_ && !plays_) {
-        const auto speed = static_cast<std::uint64_t>(std::max<int>(program_.Settings.Speed, 1));
-        left = "(" + TimeText(narrator_.Left() / (CharactersPerWord * speed)) + " left) ";
-    }
-    // The name last, because it may be long and is known.
-    program_.Main->SetStatus((narrator_.Paused() ? "Paused " : "Reading ") + left + NameOf(file_) +
-                             " . Click STOP to Cancel Reading...");
+    const auto text = [this]() -> std::string {
+        if (IsOpening())
+            return "Opening Document. Please wait...";
+        if (plays_ && !narrator_.Paused())
+            return "Playing wave file...";
+        const std::string left = TimeLeft();
+        // The name last, because it may be long and is known.
+        return (narrator_.Paused() ? "Paused " : "Reading ") + (left.empty() ? "" : "(" + left + ") ") + name_ +
+               " . Click STOP to Cancel Reading...";
+    };
+    program_.Main->SetStatus(text());
+    Tell();
 }
 
 } // namespace voxmate

@@ -1,5 +1,6 @@
 #include "extras/Extras.h"
 
+#include "base/Text.h"
 #include "extras/Window.h"
 #include "forms/frmReminder.h"
 
@@ -18,7 +19,12 @@ constexpr int WaitingInterval = 250; // milliseconds
 Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     : program_(program), main_(main), host_(host), menu_(main),
       speaking_(menu_, program, main, [this] { return documents_.Going(); }),
+      pieces_(menu_, program, main, host.Keys, host.State),
       documents_(menu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
+      reading_(menu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
+      mediaKeys_(
+          main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
+      trayTip_(program, main, documents_), aside_(menu_, program, main, host.Windows, host.State),
       login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
       install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
@@ -39,7 +45,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     tmrWaiting_.Tick = [this] { GoOn(); };
     host_.Desktop.Called = [this](const Call& call) { Called(call); };
     // What is dropped comes from where the user looks, so no window is brought to the front.
-    main_.FilesDropped =
+    main_.FilesDropped = reading_.Window().FilesDropped =
         program.Host.Agent.FilesDropped = [this](const std::vector<std::string>& files) { Open(files); };
 }
 
@@ -56,6 +62,7 @@ void Extras::Begin(const CommandLine& line, const Event& showSplash)
     action_ = line.Call.Action;
     tmrWaiting_.Enabled = true;
     host_.Desktop.Listen();
+    pieces_.Begin();
     if (line.Quiet)
         quiet_.Begin(GreetsAtLogin(host_.State));
     else
@@ -79,6 +86,14 @@ void Extras::Open(const std::vector<std::string>& files)
     GoOn();
 }
 
+void Extras::SettingsNotSaved(const std::string& file)
+{
+    if (std::exchange(toldUnsaved_, true))
+        return;
+    unsaved_ = file;
+    tmrWaiting_.Enabled = true;
+}
+
 // A window that was called for while the program started is shown only when that has ended.
 void Extras::GoOn()
 {
@@ -91,6 +106,10 @@ void Extras::GoOn()
     }
     if (const auto action = actions_.find(std::exchange(action_, "")); action != actions_.end())
         Event(action->second)();
+    if (const std::string file = std::exchange(unsaved_, ""); !file.empty())
+        program_.Messages.Announce("Settings cannot be saved in the following file:" + std::string(CrLf) + file + CrLf +
+                                       "What you change holds until Voxmate ends.",
+                                   vbExclamation, "Voxmate - File Error", "Decline");
     if (opening_.GoOn())
         tmrWaiting_.Enabled = false;
 }

@@ -5,13 +5,21 @@
 #include "extras/Documents.h"
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
+#include "extras/MediaKeys.h"
 #include "extras/Opening.h"
+#include "extras/Pieces.h"
+#include "extras/ReadingWindow.h"
 #include "extras/ReminderEntry.h"
 #include "extras/Speaking.h"
+#include "extras/StandAside.h"
 #include "extras/StartAtLogin.h"
+#include "extras/TrayTip.h"
 #include "platform/Activation.h"
 #include "platform/Autostart.h"
+#include "platform/GlobalKeys.h"
+#include "platform/MediaControls.h"
 #include "platform/StateStore.h"
+#include "platform/WindowPlaces.h"
 
 #include <map>
 #include <string>
@@ -25,9 +33,12 @@ struct ExtrasHost {
     StateStore& State;
     Autostart& Login;
     Activation& Desktop;
+    MediaControls& Media;
+    GlobalKeys& Keys;
     InstallCharacter::Look LookAtCharacter;
     Documents::Reader ReadDocument;
     Documents::Identify Fingerprint;
+    WindowPlaces& Windows;
 };
 
 class Extras
@@ -41,8 +52,12 @@ public:
 
     /// Starts the program: quietly, or with `showSplash`. Returns when it has been begun.
     void Begin(const CommandLine& line, const Event& showSplash);
+    /// Tells the user, the first time, that settings cannot be saved in that file; while the program starts, when that
+    /// has ended.
+    void SettingsNotSaved(const std::string& file);
     /// See Speaking::Escape.
     bool Escape() { return speaking_.Escape(); }
+    ReadingWindow& TextWindow() { return reading_.Window(); }
 
 private:
     Program& program_;
@@ -51,7 +66,12 @@ private:
 
     ExtrasMenu menu_;
     Speaking speaking_;
+    Pieces pieces_;
     Documents documents_;
+    ReadingWindows reading_;
+    MediaKeys mediaKeys_;
+    TrayTip trayTip_;
+    StandAside aside_;
     StartAtLogin login_;
     QuietStart quiet_;
     InstallCharacter install_;
@@ -62,6 +82,8 @@ private:
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up
     std::string action_;  ///< to be done then
     std::map<std::string, Event> actions_;
+    std::string unsaved_; ///< the file in which settings cannot be saved, until the user knows
+    bool toldUnsaved_ = false;
 
     void Called(const Call& call);
     void Open(const std::vector<std::string>& files);

@@ -41,12 +41,14 @@ Narrator::Narrator(Program& program)
         Raise(completed_, request);
         Completed(request);
     };
+    program_.Host.Agent.Word = [this](const AgentRequestPtr& request, int word) { BeginWord(request, word); };
 }
 
 Narrator::~Narrator()
 {
     program_.Host.Agent.RequestStart = started_;
     program_.Host.Agent.RequestComplete = completed_;
+    program_.Host.Agent.Word = nullptr;
 }
 
 void Narrator::Begin(std::size_t from)
@@ -54,6 +56,7 @@ void Narrator::Begin(std::size_t from)
     Halt();
     parts_.clear();
     first_ = at_ = next_ = 0;
+    word_ = -1;
     from_ = from;
     characters_ = 0;
     ahead_ = behind_ = 0;
@@ -99,6 +102,7 @@ void Narrator::Pause()
     if (!speaking_ || paused_)
         return;
     paused_ = true;
+    word_ = -1;
     Drop();
     next_ = at_;
     if (program_.Character)
@@ -159,8 +163,15 @@ std::uint64_t Narrator::Left() const
     return at_ < Count() ? characters_ - Part(at_).before : 0;
 }
 
+std::size_t Narrator::PartAtCharacter(std::uint64_t character) const
+{
+    const auto behind = std::ranges::upper_bound(parts_, character, {}, &Kept::before);
+    return first_ + static_cast<std::size_t>(std::max<std::ptrdiff_t>(behind - parts_.begin() - 1, 0));
+}
+
 void Narrator::MoveTo(std::size_t part)
 {
+    word_ = -1;
     for (; at_ < part; ++at_) {
         behind_ += Part(at_).bytes;
         ahead_ -= Part(at_).bytes;
@@ -240,6 +251,14 @@ void Narrator::Completed(const AgentRequestPtr& request)
     } else {
         Finish(End::Failed);
     }
+}
+
+void Narrator::BeginWord(const AgentRequestPtr& request, int word)
+{
+    if (asked_.empty() || asked_.front().request != request || asked_.front().part != at_)
+        return;
+    word_ = word;
+    Raise(WordBegun);
 }
 
 void Narrator::Finish(End end)

@@ -51,6 +51,12 @@ public:
     /// Whether the first part of all is still kept.
     bool HasBeginning() const { return first_ == 0; }
     void MoveToBeginning() { GoTo(first_); }
+    /// Speaks on from a part; does nothing where it is not kept.
+    void MoveToPart(std::size_t part)
+    {
+        if (part >= first_)
+            GoTo(part);
+    }
 
     /// Whether no part has come yet.
     bool Empty() const { return Count() == 0; }
@@ -60,6 +66,16 @@ public:
     bool AtParagraph() const { return at_ < Count() && Part(at_).part.begins; }
     /// The part that is being spoken, or is to be spoken next. Parts are counted from 0.
     std::size_t At() const { return at_; }
+    /// The word of it that is being heard, counted from 0 (base/Words.h); -1: none yet.
+    int Word() const { return word_; }
+    /// The parts that are kept: from First to the last before Count.
+    std::size_t First() const { return first_; }
+    std::size_t Count() const { return first_ + parts_.size(); }
+    const SpokenPart& PartOf(std::size_t number) const { return Part(number).part; }
+    /// The part with the character of that number, counted from 0 over all parts; the nearest one that is kept.
+    std::size_t PartAtCharacter(std::uint64_t character) const;
+    /// The characters of all parts so far, those no longer kept included.
+    std::uint64_t Characters() const { return characters_; }
     /// The characters of the parts from At on, as far as they are known.
     std::uint64_t Left() const;
     /// The bytes of memory that the parts from At on take, about.
@@ -67,6 +83,8 @@ public:
 
     /// Another part is being spoken, or the status line has been changed by the end of something else that was spoken.
     Event Moved;
+    /// Another word is being heard.
+    Event WordBegun;
     std::function<void(End)> Ended;
 
 private:
@@ -89,6 +107,7 @@ private:
     std::size_t ahead_ = 0;
     std::size_t behind_ = 0; ///< the bytes of memory that the parts before At take
     std::size_t at_ = 0;
+    int word_ = -1;
     std::size_t from_ = 0;  ///< the part to begin with, until that has come
     std::size_t next_ = 0;  ///< the part to be asked for next
     bool speaking_ = false; ///< speaks, or waits for parts to speak
@@ -98,7 +117,6 @@ private:
     std::string speaker_; ///< the character that speaks
     std::deque<Asked> asked_;
 
-    std::size_t Count() const { return first_ + parts_.size(); }
     const Kept& Part(std::size_t number) const { return parts_[number - first_]; }
     void MoveTo(std::size_t part);
     void GoTo(std::size_t part);
@@ -107,6 +125,7 @@ private:
     void Ask(std::size_t number);
     void Started(const AgentRequestPtr& request);
     void Completed(const AgentRequestPtr& request);
+    void BeginWord(const AgentRequestPtr& request, int word);
     void Finish(End end);
 };
 

@@ -78,6 +78,16 @@ void Cut(std::string_view sentence, std::vector<SpokenPart>& parts)
         parts.push_back({std::move(text), 0, false, {}});
 }
 
+// What is seen and not heard in front of an item, each level further in.
+std::string BulletOf(const readers::Block& block)
+{
+    constexpr int indent = 4;
+    if (block.kind != BlockKind::ListItem)
+        return "";
+    const std::string room(static_cast<std::size_t>(indent * std::max(block.level - 1, 0)), ' ');
+    return IsHeard(block.label) ? room : room + (block.label.empty() ? "\u2022" : block.label) + " ";
+}
+
 } // namespace
 
 std::vector<SpokenPart> PartsOf(const readers::Block& block)
@@ -90,14 +100,22 @@ std::vector<SpokenPart> PartsOf(const readers::Block& block)
         Cut(text, parts);
     } else {
         std::size_t begin = 0;
+        bool newLine = false;
         for (const std::size_t end : readers::SentenceEnds(text)) {
-            Cut(std::string_view(text).substr(begin, end - begin), parts);
+            const std::string_view sentence = std::string_view(text).substr(begin, end - begin);
+            const std::size_t first = parts.size();
+            Cut(sentence, parts);
+            if (first < parts.size())
+                parts[first].newLine = newLine;
+            newLine = sentence.ends_with('\n');
             begin = end;
         }
     }
     if (!parts.empty()) {
         parts.front().text.insert(0, Introduction(block));
         parts.front().begins = true;
+        parts.front().mark = BulletOf(block);
+        parts.front().heading = block.kind == BlockKind::Heading ? std::clamp(block.level, 1, 9) : 0;
         parts.back().pause = PauseBehind(block.kind);
     }
     return parts;

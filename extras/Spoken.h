@@ -15,6 +15,10 @@ struct SpokenPart {
     int pause = 0;       ///< milliseconds of silence behind it
     bool begins = false; ///< it begins a paragraph, a heading or another block
     std::string wave;    ///< the path of a recording that is played in place of a text
+    // What is seen of it beside the text.
+    int heading = 0;      ///< the level of a heading from 1, the highest, to 9; 0: it is none
+    bool newLine = false; ///< it stands in a line of its own behind the part before it
+    std::string mark{};   ///< the bullet in front of a list's item, with the room around it
 
     bool operator==(const SpokenPart&) const = default;
 };

@@ -2,6 +2,8 @@
 // happen on the user-interface thread.
 #pragma once
 
+#include "base/Geometry.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -52,6 +54,13 @@ public:
                      bool visible) = 0;
 };
 
+/// Where a character stands on the screen, in device-independent pixels.
+struct CharacterPlace {
+    Rect Window;
+    Rect Figure; ///< the part of it that the character covers in its neutral pose
+    bool operator==(const CharacterPlace&) const = default;
+};
+
 class AgentCharacter
 {
 public:
@@ -83,6 +92,17 @@ public:
     virtual void SetTTSModeID(const std::string& id) = 0;
     virtual std::vector<std::string> AnimationNames() const = 0;
     virtual bool Visible() const = 0;
+
+    /// Where the character stands or is walking to, and where it stands when it has not been asked to stand aside.
+    virtual CharacterPlace Place() = 0;
+    virtual CharacterPlace Home() = 0;
+    /// Walks so that the upper left corner of its window comes to `window`. This is no request: it delays and cuts
+    /// none. A character that has nothing to do plays an animation of the states MovingLeft, MovingRight, MovingUp or
+    /// MovingDown; one that speaks or plays something goes on with that. While it is hidden or appears it is there at
+    /// once. Dragging it makes its new place the home. False: it is being hidden or held by the user; ask again later.
+    virtual bool StandAside(Point window) = 0;
+    /// Walks home. False: it is not at rest; ask again later.
+    virtual bool StandAtHome() = 0;
 };
 
 /// The answers of AudioOutput.Status.
@@ -126,6 +146,9 @@ public:
     std::function<void(const AgentRequestPtr& request)> RequestStart;
     std::function<void(const AgentRequestPtr& request)> RequestComplete;
     std::function<void(int number)> Bookmark;
+    /// The voice begins a word of a Speak. Words are counted from 0 over the text that the balloon shows
+    /// (base/Words.h).
+    std::function<void(const AgentRequestPtr& request, int word)> Word;
     /// Some pictures of a loaded character are damaged; it goes on with the others. Raised once per load. `message` is
     /// one sentence that names the file and the first fault.
     std::function<void(const std::string& character, const std::string& message)> Damaged;

@@ -28,7 +28,9 @@ inline constexpr int vbNo = 7;
 
 // Messages of Shell_NotifyIconA (shellapi.h) and mouse messages (winuser.h).
 inline constexpr std::uint32_t NIM_ADD = 0;
+inline constexpr std::uint32_t NIM_MODIFY = 1;
 inline constexpr std::uint32_t NIM_DELETE = 2;
+inline constexpr std::uint32_t NIF_TIP = 4;
 inline constexpr std::uint32_t NIF_MESSAGE_ICON_TIP = 7;
 inline constexpr std::uint32_t WM_MOUSEMOVE = 512;
 inline constexpr int WM_LBUTTONDBLCLK = 515;
@@ -98,7 +100,8 @@ public:
     virtual void ClipboardClear() = 0;
     virtual void ClipboardSetText(const std::string& text) = 0;
 
-    /// Adds or deletes the notification-area icon; false when there is no such area or it refuses. The icon's mouse
+    /// Adds or deletes the notification-area icon, or changes its tip (flag NIF_TIP); false when there is no such area,
+    /// it refuses, or there is no icon to be changed. The icon's mouse
     /// messages go to the picture box that `window` stands for, as mouse moves whose x is the message in twips.
     virtual bool Shell_NotifyIconA(std::uint32_t message, const TrayIconData& data) = 0;
     /// Whether the desktop has a notification area now. At log-in it may come later than the program.

@@ -1,7 +1,7 @@
 #include "agent/balloon/BalloonText.h"
 
 #include "agent/body/Direction.h"
-#include "agent/text/Words.h"
+#include "base/Words.h"
 
 #include <algorithm>
 #include <utility>

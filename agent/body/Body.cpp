@@ -55,7 +55,12 @@ Body::Body(Stage& stage, const AcsFile& file)
       animator_(
           stage, file, [this](const Frame& frame) { ShowFrame(frame); },
           [this](const Frame& frame) { PlaySound(frame); }),
-      neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)}
+      neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)},
+      glide_(stage, [this](Point place) {
+          place_ = place;
+          window_->MoveTo(place_);
+          TellMoved();
+      })
 {
     window_->Mouse = [this](const MouseEvent& event) {
         if (Mouse)
@@ -95,36 +100,88 @@ void Body::Appear()
 
 void Body::Vanish()
 {
+    if (glide_.Going())
+        Settle();
     animator_.Clear();
     StopSound();
     visible_ = false;
     window_->SetVisible(false);
 }
 
-/// Where the user wants the window; where it stands when the user has not placed it.
-Rect Body::Home() const
+/// The window with the feet at a point; without one, where it is.
+Rect Body::Wanted(const std::optional<Point>& feet) const
+{
+    if (!feet)
+        return OnScreen();
+    return {feet->x - size_.width / 2, feet->y - size_.height, size_.width, size_.height};
+}
+
+/// The place of a body that nobody has placed.
+Rect Body::Corner() const
+{
+    const Rect area = stage_.PrimaryWorkArea();
+    return MovedInside({area.Right() - size_.width - kRightMargin, area.Bottom() - size_.height - kLowerMargin,
+                        size_.width, size_.height},
+                       area);
+}
+
+/// Where a body that has been sent aside goes back to. The user may have dragged a part of it off the work area.
+Rect Body::HomeRect() const
 {
     if (!feet_)
-        return OnScreen();
-    return {feet_->x - size_.width / 2, feet_->y - size_.height, size_.width, size_.height};
+        return Corner();
+    const Rect wanted = Wanted(feet_);
+    const Rect area = stage_.WorkArea(wanted.Middle());
+    return area.Contains(wanted.Middle()) ? wanted : MovedInside(wanted, area);
+}
+
+Rect Body::Destination() const
+{
+    const Point place = glide_.Going() ? glide_.To() : place_;
+    return {place.x, place.y, size_.width, size_.height};
 }
 
 /// Puts the window where it belongs when nobody is dragging it: wholly on a work area.
 void Body::Settle()
 {
-    Rect area;
-    Rect wanted = Home();
-    if (feet_) {
-        area = stage_.WorkArea(wanted.Middle());
-        displaced_ = !area.Contains(wanted.Middle());
-    } else {
-        area = stage_.PrimaryWorkArea();
-        wanted.x = area.Right() - size_.width - kRightMargin;
-        wanted.y = area.Bottom() - size_.height - kLowerMargin;
+    glide_.Stop();
+    Rect there = Corner();
+    if (const std::optional<Point>& feet = aside_ ? aside_ : feet_) {
+        const Rect wanted = Wanted(feet);
+        const Rect area = stage_.WorkArea(wanted.Middle());
+        displaced_ = !aside_ && !area.Contains(wanted.Middle());
+        there = MovedInside(wanted, area);
     }
-    const Rect inside = MovedInside(wanted, area);
-    place_ = {inside.x, inside.y};
+    place_ = {there.x, there.y};
     window_->MoveTo(place_);
+}
+
+CharacterPlace Body::PlaceAt(const Rect& window)
+{
+    return {window, InWindow(neutral_ ? painter_.Outline(*neutral_) : Rect{}, window)};
+}
+
+void Body::StandAside(std::optional<Point> topLeft, bool glides, std::function<void()> done)
+{
+    const Rect home = HomeRect();
+    aside_.reset();
+    if (topLeft)
+        aside_ = FeetAt(*topLeft);
+    if (visible_ && glides) {
+        glide_.Start(place_, topLeft.value_or(Point{home.x, home.y}), std::move(done));
+        return;
+    }
+    Settle();
+    TellMoved();
+    if (done)
+        done();
+}
+
+void Body::StandAsideAt(Point feet)
+{
+    aside_ = feet;
+    Settle();
+    TellMoved();
 }
 
 void Body::SetScreenSize(Size size)
@@ -162,6 +219,8 @@ void Body::StandAt(Point feet)
 
 void Body::ComeBack()
 {
+    if (glide_.Going())
+        return;
     const Point middle = OnScreen().Middle();
     if (stage_.WorkArea(middle).Contains(middle))
         return;
@@ -173,7 +232,12 @@ void Body::ScreensChanged()
 {
     if (!visible_)
         return;
-    const Rect home = Home();
+    // The place aside was chosen for other screens.
+    if (aside_) {
+        aside_.reset();
+        Settle();
+    }
+    const Rect home = Wanted(feet_);
     if (displaced_ && stage_.WorkArea(home.Middle()).Contains(home.Middle())) {
         displaced_ = false;
         place_ = {home.x, home.y};
@@ -192,18 +256,26 @@ void Body::TakePlace(Point place)
 {
     displaced_ = false;
     place_ = place;
-    feet_ = {place.x + size_.width / 2, place.y + size_.height};
+    feet_ = FeetAt(place);
+    aside_.reset();
+    glide_.Stop();
 }
 
 Rect Body::Outline() const
 {
-    if (outline_.width == 0 || file_.width == 0 || file_.height == 0)
-        return OnScreen();
+    return InWindow(outline_, OnScreen());
+}
+
+/// A part of the file's picture on the screen; the whole window if there is none.
+Rect Body::InWindow(const Rect& outline, const Rect& window) const
+{
+    if (outline.width == 0 || file_.width == 0 || file_.height == 0)
+        return window;
     const auto scaledX = [this](int x) { return static_cast<int>(std::int64_t{x} * size_.width / file_.width); };
     const auto scaledY = [this](int y) { return static_cast<int>(std::int64_t{y} * size_.height / file_.height); };
-    const int left = scaledX(outline_.x);
-    const int top = scaledY(outline_.y);
-    return {place_.x + left, place_.y + top, scaledX(outline_.Right()) - left, scaledY(outline_.Bottom()) - top};
+    const int left = scaledX(outline.x);
+    const int top = scaledY(outline.y);
+    return {window.x + left, window.y + top, scaledX(outline.Right()) - left, scaledY(outline.Bottom()) - top};
 }
 
 void Body::TakeOutline()

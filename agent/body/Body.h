@@ -4,7 +4,9 @@
 
 #include "agent/Stage.h"
 #include "agent/body/Animator.h"
+#include "agent/body/Glide.h"
 #include "agent/body/Painter.h"
+#include "platform/Agent.h"
 
 #include <functional>
 #include <memory>
@@ -41,11 +43,21 @@ public:
     /// Moves the window's upper left corner to `topLeft`. The character's middle stays on the work area of the screen
     /// that holds `pointer`, so that the user can always take hold of it again.
     void DragTo(Point topLeft, Point pointer);
-    Point Place() const { return place_; }
+    /// Where the body stands or is gliding to, and where it stands when it has not been sent aside.
+    CharacterPlace Place() { return PlaceAt(Destination()); }
+    CharacterPlace Home() { return PlaceAt(aside_ ? HomeRect() : Destination()); }
+    /// Sends the window's upper left corner to `topLeft`, or home, and calls `done` on arrival, or when the body is put
+    /// elsewhere on its way. What the user has chosen as its place remains its home. A hidden body is there at once;
+    /// with `glides` a visible one takes the time of a Glide.
+    void StandAside(std::optional<Point> topLeft, bool glides, std::function<void()> done);
+    bool Gliding() const { return glide_.Going(); }
     /// Where the user has put the feet; nothing while the body stands where it first appeared.
     std::optional<Point> Feet() const { return feet_; }
     /// Puts the feet at a point as if the user had; the body stays wholly on the work area.
     void StandAt(Point feet);
+    /// Where the feet have been sent aside; nothing while the body is at home. StandAsideAt sends them at once.
+    std::optional<Point> FeetAside() const { return aside_; }
+    void StandAsideAt(Point feet);
     /// Moves back onto the work area if the body's middle lies on none.
     void ComeBack();
     /// Screens or work areas have changed. A body that the user has not placed keeps its distance from the corner. A
@@ -94,7 +106,13 @@ private:
         if (Moved)
             Moved();
     }
-    Rect Home() const;
+    Rect Wanted(const std::optional<Point>& feet) const;
+    Rect Corner() const;
+    Rect HomeRect() const;
+    Rect Destination() const;
+    CharacterPlace PlaceAt(const Rect& window);
+    Rect InWindow(const Rect& outline, const Rect& window) const;
+    Point FeetAt(Point topLeft) const { return {topLeft.x + size_.width / 2, topLeft.y + size_.height}; }
     Rect OnScreen() const { return {place_.x, place_.y, size_.width, size_.height}; }
 
     Stage& stage_;
@@ -109,9 +127,11 @@ private:
     bool visible_ = false;
     Size size_;
     Point place_;
-    std::optional<Point> feet_; ///< where the user wants them; the work area may have no room there
-    bool displaced_ = false;    ///< no work area holds that place
-    Rect outline_;              ///< in the file's pixels
+    std::optional<Point> feet_;  ///< where the user wants them; the work area may have no room there
+    bool displaced_ = false;     ///< no work area holds that place
+    std::optional<Point> aside_; ///< where they have been sent for a while
+    Rect outline_;               ///< in the file's pixels
+    Glide glide_;
 };
 
 } // namespace voxmate::agent

@@ -1,7 +1,7 @@
 #include "agent/body/Direction.h"
 
-#include "agent/text/Words.h"
 #include "base/Text.h"
+#include "base/Words.h"
 
 #include <algorithm>
 #include <array>

@@ -24,6 +24,8 @@ public:
     void Handle(const MouseEvent& event);
     /// Forgets a button held down, because the window has gone.
     void Reset() { button_ = 0; }
+    /// Whether a button is held down on the character.
+    bool Holds() const { return button_ != 0; }
 
     /// A press becomes a drag when the pointer moves more than this many pixels horizontally or vertically.
     static constexpr int DragThreshold = 4;

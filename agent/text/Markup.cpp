@@ -1,8 +1,8 @@
 #include "agent/text/Markup.h"
 
 #include "agent/text/SpokenForm.h"
-#include "agent/text/Words.h"
 #include "base/Text.h"
+#include "base/Words.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 #include "qt/character/QtCharacterWindow.h"
 
+#include "qt/character/StageWindow.h"
 #include "qt/system/DesktopWatch.h"
 
 #include <cstdlib>
@@ -42,8 +43,11 @@ void QtCharacterWindow::SetFrame(const agent::Picture& picture, Size size)
     if (picture_.bitmap && picture.key == picture_.key && newSize == window_->size())
         return;
     picture_ = picture;
-    if (newSize != window_->size())
+    if (newSize != window_->size()) {
+        if (auto* stage = StageWindow::Instance())
+            stage->MakeRoom(newSize);
         window_->setFixedSize(newSize);
+    }
     window_->Refresh();
 }
 

@@ -3,6 +3,7 @@
 #include "qt/character/Background.h"
 #include "qt/character/QtBalloonWindow.h"
 #include "qt/character/QtCharacterWindow.h"
+#include "qt/character/StageWindow.h"
 #include "qt/system/DesktopWatch.h"
 #include "qt/widgets/QtText.h"
 #include "speech/sound/WaveFile.h"
@@ -11,6 +12,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimerEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -81,6 +83,15 @@ Rect Available(const QScreen& screen)
     return {area.x(), area.y(), area.width(), area.height()};
 }
 
+/// The area of the window that holds character and balloon, where there is one.
+std::optional<Rect> OnStage()
+{
+    const auto* stage = StageWindow::Instance();
+    if (!stage)
+        return std::nullopt;
+    return Rect{0, 0, stage->Area().width(), stage->Area().height()};
+}
+
 } // namespace
 
 QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::random_device{}())
@@ -89,6 +100,11 @@ QtStage::QtStage(speech::AudioOutput& audio) : audio_(audio), random_(std::rando
         if (const auto changed = ScreensChanged)
             changed();
     });
+    if (auto* stage = StageWindow::Instance())
+        QObject::connect(stage, &StageWindow::Resized, &context_, [this] {
+            if (const auto changed = ScreensChanged)
+                changed();
+        });
 }
 
 std::unique_ptr<agent::CharacterWindow> QtStage::CreateCharacterWindow()
@@ -103,12 +119,16 @@ std::unique_ptr<agent::BalloonWindow> QtStage::CreateBalloonWindow()
 
 Rect QtStage::WorkArea(Point point)
 {
+    if (const auto stage = OnStage())
+        return *stage;
     const QScreen* nearest = ScreenNearest({point.x, point.y});
     return nearest ? Available(*nearest) : Rect{};
 }
 
 Rect QtStage::PrimaryWorkArea()
 {
+    if (const auto stage = OnStage())
+        return *stage;
     const QScreen* screen = QGuiApplication::primaryScreen();
     return screen ? Available(*screen) : Rect{};
 }
@@ -181,6 +201,12 @@ void QtStage::PopupMenu(const std::vector<agent::MenuEntry>& entries, Point at,
     // event.
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     menu_ = menu;
+    if (auto* stage = StageWindow::Instance()) {
+        menu->winId();
+        menu->windowHandle()->setTransientParent(stage->windowHandle());
+        menu->popup(stage->mapToGlobal(QPoint(at.x, at.y)));
+        return;
+    }
     menu->popup(QPoint(at.x, at.y));
 }
 

@@ -1,6 +1,7 @@
 #include "qt/character/ShapedWindow.h"
 
 #include "qt/alerts/PlacedWindow.h"
+#include "qt/character/StageWindow.h"
 #include "qt/system/Desktop.h"
 #include "qt/system/DesktopWatch.h"
 #include "qt/widgets/AccessibleRole.h"
@@ -79,9 +80,13 @@ ShapedImage Shaped(QImage image, bool cutOut)
 }
 
 ShapedWindow::ShapedWindow(const QString& name)
-    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
-                           Qt::NoDropShadowWindowHint)
+    : QWidget(StageWindow::Instance(), StageWindow::Instance()
+                                           ? Qt::WindowFlags(Qt::Widget)
+                                           : Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                                                 Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
 {
+    if (!ManagerPlacesWindows())
+        setWindowFlag(Qt::BypassWindowManagerHint);
     SetAccessibleRole(*this, QAccessible::Animation);
     setObjectName(name);
     setWindowTitle(name);
@@ -98,8 +103,8 @@ void ShapedWindow::LiveBeside(QWindow* modal)
     // Qt does not block the transient windows of a modal window. It has no public access to the tray icon's window,
     // which is therefore found by its class name.
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<PlacedWindow*>(window) ||
-                           window->inherits("QSystemTrayIconSys");
+        const bool lives = dynamic_cast<ShapedWindow*>(window) || dynamic_cast<StageWindow*>(window) ||
+                           dynamic_cast<PlacedWindow*>(window) || window->inherits("QSystemTrayIconSys");
         if (lives && window->windowHandle())
             window->windowHandle()->setTransientParent(modal);
     }
@@ -115,6 +120,8 @@ void ShapedWindow::Place(QPoint topLeft)
 {
     move(topLeft);
     ComeOrGo();
+    if (auto* stage = StageWindow::Instance())
+        stage->Settle();
 }
 
 bool ShapedWindow::InTheWay() const
@@ -127,6 +134,10 @@ bool ShapedWindow::InTheWay() const
 /// wanted.
 void ShapedWindow::ComeOrGo()
 {
+    if (StageWindow::Instance()) {
+        ComeOrGoOnStage();
+        return;
+    }
     const bool visible = wanted_ && !InTheWay();
     if (visible == isVisible())
         return;
@@ -157,6 +168,61 @@ void ShapedWindow::ComeOrGo()
     move(place);
 }
 
+void ShapedWindow::ComeOrGoOnStage()
+{
+    if (wanted_ != isHidden())
+        return;
+    if (wanted_) {
+        if (const auto tell = OnShow)
+            tell();
+        created_ = true;
+        Refresh();
+    }
+    setVisible(wanted_);
+    if (wanted_)
+        raise();
+    StageWindow::Instance()->Settle();
+}
+
+QRegion ShapedWindow::TakesMouse() const
+{
+    const qreal ratio = image_.devicePixelRatio();
+    QRegion region;
+    for (const QRect& rect : shape_)
+        region += QRectF(QPointF(rect.topLeft()) / ratio, QSizeF(rect.size()) / ratio).toAlignedRect();
+    return region;
+}
+
+/// Once the mouse has gone further than a click may, the compositor moves the window, which then gets no more mouse
+/// events. The owner is told of a drag that ends where it began: within the window nothing has moved.
+void ShapedWindow::DragStage(const QMouseEvent& event)
+{
+    const QPoint at = event.position().toPoint();
+    if (!held_ || (at - heldAt_).manhattanLength() < QApplication::startDragDistance())
+        return;
+    held_ = false;
+    const auto tell = OnMouse;
+    if (!tell)
+        return;
+    const auto told = [this](agent::MouseAction action, QPoint where) {
+        agent::MouseEvent mouse;
+        mouse.action = action;
+        mouse.button = action == agent::MouseAction::Release ? 1 : 0;
+        mouse.at = {where.x(), where.y()};
+        mouse.screen = {x() + where.x(), y() + where.y()};
+        return mouse;
+    };
+    const QPoint before = pos();
+    agent::MouseEvent back = told(agent::MouseAction::Move, heldAt_);
+    agent::MouseEvent end = told(agent::MouseAction::Release, heldAt_);
+    tell(told(agent::MouseAction::Move, at));
+    tell(back);
+    tell(end);
+    if (pos() != before)
+        Place(before);
+    StageWindow::Instance()->Drag();
+}
+
 void ShapedWindow::Refresh()
 {
     if (!created_ || !Draw)
@@ -166,6 +232,12 @@ void ShapedWindow::Refresh()
     ShapedImage drawn = Draw(ratio, cutOut);
     image_ = std::move(drawn.image);
     image_.setDevicePixelRatio(ratio);
+    if (auto* stage = StageWindow::Instance()) {
+        shape_ = std::move(drawn.shape);
+        stage->Settle();
+        update();
+        return;
+    }
     if (drawn.shape != shape_ || cutOut != cutOut_) {
         shape_ = std::move(drawn.shape);
         SetInputShape(*windowHandle(), shape_);
@@ -182,7 +254,9 @@ void ShapedWindow::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     painter.setClipRegion(event->region());
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    // On a stage another drawing may lie beneath.
+    if (isWindow())
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(0, 0, image_);
 }
 
@@ -199,7 +273,7 @@ void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
     told.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
                  (modifiers & Qt::AltModifier ? 4 : 0);
     const QPoint at = event.position().toPoint();
-    const QPoint screen = event.globalPosition().toPoint();
+    const QPoint screen = isWindow() ? event.globalPosition().toPoint() : pos() + at;
     told.at = {at.x(), at.y()};
     told.screen = {screen.x(), screen.y()};
     // Copied, because the owner may release the window inside the call.
@@ -209,14 +283,21 @@ void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
 
 void ShapedWindow::mousePressEvent(QMouseEvent* event)
 {
+    held_ = event->button() == Qt::LeftButton;
+    heldAt_ = event->position().toPoint();
     Tell(agent::MouseAction::Press, *event);
 }
 void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
 {
+    if (!isWindow()) {
+        DragStage(*event);
+        return;
+    }
     Tell(agent::MouseAction::Move, *event);
 }
 void ShapedWindow::mouseReleaseEvent(QMouseEvent* event)
 {
+    held_ = false;
     Tell(agent::MouseAction::Release, *event);
 }
 void ShapedWindow::mouseDoubleClickEvent(QMouseEvent* event)

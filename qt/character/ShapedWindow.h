@@ -58,6 +58,8 @@ public:
     void Place(QPoint topLeft);
     /// Draws the content again and updates the window's shape. Does nothing before the window is first shown.
     void Refresh();
+    /// The part of the window that takes the mouse, in device-independent pixels, where it stands in a StageWindow.
+    QRegion TakesMouse() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -72,12 +74,16 @@ private:
     void Tell(agent::MouseAction action, const QMouseEvent& event);
     bool InTheWay() const;
     void ComeOrGo();
+    void ComeOrGoOnStage();
+    void DragStage(const QMouseEvent& event);
 
     QImage image_;
     QRegion shape_;
     bool wanted_ = false;
     bool created_ = false;
     bool cutOut_ = false;
+    bool held_ = false; ///< the left button is down, and has not begun to move a StageWindow
+    QPoint heldAt_;
 };
 
 /// Destroys a window later: its owner may release it inside one of the window's own events.

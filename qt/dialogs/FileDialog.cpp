@@ -116,7 +116,8 @@ QPointer<QFileDialog> NewFileDialog(QWidget* over, const QString& title, const Q
     const QString folder = !begin.isEmpty() && QDir(begin).exists() ? begin : QDir::homePath();
     QPointer<QFileDialog> dialog =
         new Dialog(over && over->isVisible() && !over->isMinimized() ? over : nullptr, title, folder);
-    // The desktop's own dialog would be a window of another program, and the character would not stay usable beside it.
+    // A platform theme's dialog would block the character, too. The desktop's own is asked for first, see
+    // DesktopFileDialog.
     dialog->setOption(QFileDialog::DontUseNativeDialog);
     QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath()),
                        QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),

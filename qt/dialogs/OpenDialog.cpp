@@ -1,5 +1,6 @@
 #include "qt/dialogs/OpenDialog.h"
 
+#include "qt/dialogs/DesktopFileDialog.h"
 #include "qt/dialogs/FileDialog.h"
 #include "qt/widgets/QtText.h"
 
@@ -19,18 +20,27 @@ namespace voxmate::qt
 namespace
 {
 
-/// Turns "Text Files (*.txt;*.log)|*.txt;*.log|…" into the toolkit's form, a list of "Text Files (*.txt *.log)".
-QStringList NameFilters(const std::string& filter)
+/// The kinds of files in "Text Files (*.txt;*.log)|*.txt;*.log|…".
+QList<FileQuestion::Kind> Kinds(const std::string& filter)
 {
     const QStringList parts = ToQt(filter).split(u'|');
-    QStringList filters;
+    QList<FileQuestion::Kind> kinds;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-        const QString pattern = parts[i + 1].trimmed();
-        QString description = parts[i].trimmed();
-        if (const QString inBrackets = u'(' + pattern + u')'; description.endsWith(inBrackets))
-            description = description.chopped(inBrackets.size()).trimmed();
-        filters << description + QStringLiteral(" (") + QString(pattern).replace(u';', u' ') + u')';
+        const QString patterns = parts[i + 1].trimmed();
+        QString name = parts[i].trimmed();
+        if (const QString inBrackets = u'(' + patterns + u')'; name.endsWith(inBrackets))
+            name = name.chopped(inBrackets.size()).trimmed();
+        kinds.append({name, patterns.split(u';')});
     }
+    return kinds;
+}
+
+/// In the toolkit's form: "Text Files (*.txt *.log)".
+QStringList NameFilters(const QList<FileQuestion::Kind>& kinds)
+{
+    QStringList filters;
+    for (const FileQuestion::Kind& kind : kinds)
+        filters << kind.name + QStringLiteral(" (") + kind.patterns.join(u' ') + u')';
     return filters;
 }
 
@@ -77,6 +87,32 @@ void TellSelected(QFileDialog& dialog, const std::function<void(const std::strin
         QObject::connect(name, &QLineEdit::textChanged, rest, qOverload<>(&QTimer::start));
 }
 
+/// Lets the user choose in the toolkit's dialog, and sets `folder` to the one it was left in. Empty: cancelled.
+QString AskToolkit(QWidget* over, const FileQuestion& question, const CommonDialog& settings, QString& folder,
+                   const RecentFolders& recent)
+{
+    const QPointer<QFileDialog> dialog = NewFileDialog(over, question.title, question.folder, recent.Existing());
+    dialog->setObjectName(QStringLiteral("Open"));
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    // Names of missing files are allowed, because the program itself reports that a file does not exist.
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setNameFilters(NameFilters(question.kinds));
+    SelectOnlyWhatIsTyped(*dialog);
+    if (settings.Selected)
+        TellSelected(*dialog, settings.Selected);
+    if (!settings.FileName.empty())
+        dialog->selectFile(ToQt(settings.FileName));
+    QString chosen;
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (dialog) {
+        folder = dialog->directory().absolutePath();
+        if (const QStringList files = dialog->selectedFiles(); accepted && !files.isEmpty())
+            chosen = files.front();
+    }
+    delete dialog;
+    return chosen;
+}
+
 } // namespace
 
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder,
@@ -84,31 +120,19 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
 {
     if (folder.empty() || !QDir(ToQt(folder)).exists())
         folder = FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    const QPointer<QFileDialog> dialog =
-        NewFileDialog(over, ToQt(settings.DialogTitle), ToQt(folder), recent.Existing());
-    dialog->setObjectName(QStringLiteral("Open"));
-    dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    // Names of missing files are allowed, because the program itself reports that a file does not exist.
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilters(NameFilters(settings.Filter));
-    SelectOnlyWhatIsTyped(*dialog);
-    if (settings.Selected)
-        TellSelected(*dialog, settings.Selected);
-    if (!settings.FileName.empty())
-        dialog->selectFile(ToQt(settings.FileName));
-    std::optional<std::string> chosen;
-    const bool accepted = dialog->exec() == QDialog::Accepted;
-    if (dialog) {
-        folder = FromQt(dialog->directory().absolutePath());
-        if (const QStringList files = dialog->selectedFiles(); accepted && !files.isEmpty()) {
-            folder = FromQt(QFileInfo(files.front()).absolutePath());
-            chosen = FromQt(QDir::toNativeSeparators(files.front()));
-            if (QFileInfo(files.front()).isFile())
-                recent.Put(folder);
-        }
-    }
-    delete dialog;
-    return chosen;
+    QString left = ToQt(folder);
+    const FileQuestion question{ToQt(settings.DialogTitle), left, Kinds(settings.Filter), false};
+    std::optional<QString> path = AskDesktop(over, question);
+    if (!path)
+        path = AskToolkit(over, question, settings, left, recent);
+    if (!path->isEmpty())
+        left = QFileInfo(*path).absolutePath();
+    folder = FromQt(left);
+    if (path->isEmpty())
+        return std::nullopt;
+    if (QFileInfo(*path).isFile())
+        recent.Put(folder);
+    return FromQt(QDir::toNativeSeparators(*path));
 }
 
 } // namespace voxmate::qt

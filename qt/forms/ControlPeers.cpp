@@ -1,5 +1,6 @@
 #include "qt/forms/ControlPeers.h"
 
+#include "controls/DocumentView.h"
 #include "controls/ListView.h"
 #include "controls/MonthView.h"
 #include "qt/forms/CommonPeer.h"
@@ -371,6 +372,8 @@ std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& ic
         return std::make_unique<ScrollBarPeer>(*bar, parent);
     if (auto* box = dynamic_cast<TextBox*>(&control))
         return CreateTextBoxPeer(*box, parent);
+    if (auto* view = dynamic_cast<DocumentView*>(&control))
+        return CreateDocumentViewPeer(*view, parent);
     if (auto* list = dynamic_cast<ListView*>(&control))
         return CreateListViewPeer(*list, icons, parent);
     if (auto* month = dynamic_cast<MonthView*>(&control))

@@ -15,6 +15,7 @@
 
 namespace voxmate
 {
+class DocumentView;
 class ListView;
 class MonthView;
 } // namespace voxmate
@@ -38,6 +39,7 @@ std::unique_ptr<WidgetPeer> CreateWidgetPeer(Control& control, const IconSet& ic
 
 // The larger peers, each in a source file of its own.
 std::unique_ptr<WidgetPeer> CreateTextBoxPeer(TextBox& box, QWidget* parent);
+std::unique_ptr<WidgetPeer> CreateDocumentViewPeer(DocumentView& view, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateListViewPeer(ListView& list, const IconSet& icons, QWidget* parent);
 std::unique_ptr<WidgetPeer> CreateMonthViewPeer(MonthView& month, QWidget* parent);
 

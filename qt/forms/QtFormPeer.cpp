@@ -1,5 +1,6 @@
 #include "qt/forms/QtFormPeer.h"
 
+#include "controls/DocumentView.h"
 #include "controls/OptionButton.h"
 #include "controls/Pictures.h"
 #include "qt/dialogs/Placement.h"
@@ -160,7 +161,8 @@ QWidget* QtFormPeer::MakeItem(const Layout& item)
     QWidget* widget = peer->Widget();
     widgets_[item.control] = std::move(peer);
     // Room for a text grows with the text. A list has its columns' widths, and scrolls.
-    const bool text = dynamic_cast<Label*>(item.control) || dynamic_cast<Pane*>(item.control);
+    const bool text = dynamic_cast<Label*>(item.control) || dynamic_cast<Pane*>(item.control) ||
+                      dynamic_cast<DocumentView*>(item.control);
     const auto room = [text](int size) { return text ? Scaled(size) : size; };
     if (item.minWidth > 0)
         widget->setMinimumWidth(

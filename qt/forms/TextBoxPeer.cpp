@@ -6,9 +6,11 @@
 #include "base/Text.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
@@ -265,8 +267,9 @@ class MultiLineEdit : public FilteredEdit<QPlainTextEdit>
 public:
     using FilteredEdit::FilteredEdit;
 
-    qsizetype MaxLength = 0; ///< most characters the user can enter; 0: no limit
-    FileDrops::Act OnFiles;  ///< takes pasted files, from the event loop; empty: their names are text
+    qsizetype MaxLength = 0;                 ///< most characters the user can enter; 0: no limit
+    std::function<QList<QAction*>()> OnMenu; ///< what is shown behind the items of its own menu; may be empty
+    FileDrops::Act OnFiles;                  ///< takes pasted files, from the event loop; empty: their names are text
 
     QSize sizeHint() const override { return {160, 3 * fontMetrics().lineSpacing() + 2 * frameWidth() + 8}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -292,6 +295,22 @@ protected:
         if (fits != event->commitString())
             event->setCommitString(fits, event->replacementStart(), event->replacementLength());
         FilteredEdit::inputMethodEvent(event);
+    }
+
+    void contextMenuEvent(QContextMenuEvent* event) override
+    {
+        const auto actions = OnMenu ? OnMenu() : QList<QAction*>();
+        if (actions.isEmpty()) {
+            FilteredEdit::contextMenuEvent(event);
+            return;
+        }
+        QMenu* menu = createStandardContextMenu(event->pos());
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->addSeparator();
+        menu->addActions(actions);
+        // By the keyboard it opens at the cursor.
+        menu->popup(event->reason() == QContextMenuEvent::Keyboard ? viewport()->mapToGlobal(cursorRect().bottomLeft())
+                                                                   : event->globalPos());
     }
 
     // Called for pasted and dropped text.
@@ -336,11 +355,15 @@ public:
         widget_->OnKeyPress = [this](int key) { return control_.UserKeyPress(key); };
         QObject::connect(widget_, &QPlainTextEdit::textChanged, &context_,
                          [this] { control_.UserEdit(FromQt(widget_->toPlainText())); });
+        widget_->OnMenu = [this] { return MoreActions(); };
+        control_.GetExcerpt = [this](TextBox::Excerpt excerpt) { return FromQt(GetExcerpt(excerpt)); };
     }
     ~TextEditPeer() override
     {
         widget_->OnKeyPress = nullptr;
         widget_->OnFiles = nullptr;
+        widget_->OnMenu = nullptr;
+        control_.GetExcerpt = nullptr;
     }
 
     void TakeFiles(const FileDrops::Act& take) override { widget_->OnFiles = take; }
@@ -359,6 +382,27 @@ public:
         } else if (property == Property::BackColor) {
             widget_->SetGrey(control_.BackColor == vbButtonFace);
         }
+    }
+
+private:
+    QList<QAction*> MoreActions() const
+    {
+        QList<QAction*> actions;
+        for (const Menu* item : control_.MoreItems)
+            if (const auto* peer = static_cast<const MenuPeer*>(item->GetPeer()))
+                actions.append(peer->Action());
+        return actions;
+    }
+
+    QString GetExcerpt(TextBox::Excerpt excerpt) const
+    {
+        QTextCursor cursor = widget_->textCursor();
+        if (excerpt == TextBox::Excerpt::FromCursor) {
+            cursor.setPosition(cursor.selectionStart());
+            cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+        }
+        // The toolkit's own sign between lines.
+        return cursor.selectedText().replace(QChar::ParagraphSeparator, u'\n');
     }
 };
 

@@ -31,6 +31,10 @@ void KeepDesktopCompanion(QWindow& window);
 /// Gives a window of the program the keyboard because the user has asked for that outside of it: by an icon in a panel
 /// or a launcher. Without these words window managers that guard the keyboard would only let its task bar button blink.
 void BringToFront(QWindow& window);
+/// Whether the window manager puts a new window where it asks to stand. Those of some Wayland compositors for their X
+/// server do not, and one draws a shadow around every window's whole rectangle: under these a window that places itself
+/// has to bypass them, which is harmless there, because they keep such windows above all others.
+bool ManagerPlacesWindows();
 /// Sends requests to the desktop that are still queued. Qt itself does so only after it has drawn or received
 /// something.
 void Flush();

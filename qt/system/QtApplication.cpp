@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <iostream>
 #include <utility>
 
 namespace voxmate::qt
@@ -28,6 +29,17 @@ constexpr const char* PlatformVariable = "QT_QPA_PLATFORM";
 /// X11 first, Wayland if the X server does not answer.
 constexpr const char* PreferX11 = "xcb;wayland";
 
+/// In place of the toolkit's list of plug-ins, when it finds no screen: it would then end the program by a crash.
+void TellWhyNotStarted(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
+{
+    std::cerr << text.toStdString() << '\n';
+    if (type != QtFatalMsg)
+        return;
+    std::cerr << "voxmate: no screen could be opened. In a Wayland session without an X server, Qt's part for Wayland "
+                 "must be installed (Debian: qt6-wayland).\n";
+    std::_Exit(EXIT_FAILURE);
+}
+
 } // namespace
 
 PlatformChoice::PlatformChoice()
@@ -36,10 +48,12 @@ PlatformChoice::PlatformChoice()
 {
     if (made_)
         qputenv(PlatformVariable, PreferX11);
+    qInstallMessageHandler(TellWhyNotStarted);
 }
 
 PlatformChoice::~PlatformChoice()
 {
+    qInstallMessageHandler(nullptr);
     if (made_)
         qunsetenv(PlatformVariable);
 }
@@ -91,6 +105,7 @@ bool QtApplication::notify(QObject* receiver, QEvent* event)
     if (event->type() == QEvent::Hide && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow() &&
         !rest_.isActive())
         rest_.start();
+    caret_.Saw(event->type());
     try {
         if (IsForEscape(receiver, event))
             return true;

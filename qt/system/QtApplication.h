@@ -3,6 +3,7 @@
 
 #include "base/RuntimeError.h"
 #include "qt/system/AccessibleCells.h"
+#include "qt/system/CaretRest.h"
 #include "qt/widgets/DesktopFonts.h"
 #include "qt/widgets/IconSet.h"
 
@@ -70,6 +71,7 @@ private:
 
     DesktopFonts fonts_;
     AccessibleCells cells_;
+    CaretRest caret_;
     bool reporting_ = false;
     QTimer rest_;
 };

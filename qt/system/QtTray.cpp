@@ -82,6 +82,13 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
         icon_.reset();
         return was;
     }
+    if (message == NIM_MODIFY) {
+        // A panel is told only of what is new.
+        const QString tip = QString::fromUtf8(data.tip.data());
+        if (icon_ && (data.flags & NIF_TIP) != 0 && icon_->toolTip() != tip)
+            icon_->setToolTip(tip);
+        return icon_ != nullptr;
+    }
     if (message != NIM_ADD)
         return false;
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {

@@ -1,4 +1,5 @@
-"""What the character needs of every window manager. test_openbox, test_xfwm4 and test_marco run this under one each."""
+"""What the character needs of every window manager. test_openbox, test_xfwm4, test_marco,
+test_kwin and test_mutter run this under one each."""
 
 import desk as desktop
 from program import CALM, ProgramCase

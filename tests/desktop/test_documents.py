@@ -182,6 +182,23 @@ class WhileItReads(DocumentCase):
         self.hear(begin, SENTENCES[2])
         self.assertEqual(self.typed(), "typed")
 
+    def test_a_text_file_pauses_and_goes_on_where_it_was_left_too(self):
+        path = self.file("notes.txt", "\r\n\r\n".join(SENTENCES))
+        begin = self.now()
+        self.open(path)
+        self.hear(begin, SENTENCES[0])
+        self.desk.key("alt+Right")
+        self.hear(begin, *SENTENCES[1:3])
+        self.desk.key("ctrl+p")
+        self.status_is("Paused (")
+        desktop.wait_for(lambda: not self.streams(), what="silence")
+        self.press("Stop Everything !!!")
+        self.settle()
+        begin = self.now()
+        self.open(path)
+        self.hear(begin, *SENTENCES[1:4])
+        self.assertLess(sound.likeness(self.recorded(begin), self.rendered(SENTENCES[0], 60)), 0.8)
+
     def test_a_paused_document_is_ended_by_stop(self):
         begin = self.now()
         self.open(self.page())

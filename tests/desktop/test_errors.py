@@ -3,8 +3,11 @@
 import datetime
 import os
 import resource
+import shutil
+import subprocess
 import unittest
 
+import desk as desktop
 from test_reading import wait_and_type
 from test_reminders import ReminderCase, record
 
@@ -35,6 +38,45 @@ class Errors(ReminderCase):
         self.press("OK")
         self.has_ended()
         self.assertEqual(self.slots(), [record("Tea", FUTURE, "Green")])
+
+    def start_unwritable(self, **environment):
+        """Starts the program, which cannot write into the folder of its settings."""
+        folder = os.path.dirname(self.desk.settings_file)
+        steps = f'mount --bind "{folder}" "{folder}" && mount -o remount,bind,ro "{folder}" && exec "$0"'
+        self.program = self.desk.start(without=("unshare", "-m", "sh", "-c", steps), **environment)
+
+    @unittest.skipUnless(subprocess.run(["unshare", "-m", "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0,
+                         "the system lets no program have its own view of the files")
+    def test_a_home_that_cannot_be_written_is_told_of_once_when_something_is_set(self):
+        self.start_unwritable()
+        self.desk.find("Text to read")
+        self.settle()
+        self.assertEqual(self.boxes(), [])
+        whisper = self.desk.find("Whisper", role="check box")
+        self.desk.click(whisper)
+        self.assertEqual(self.answer_box("Voxmate - File Error"),
+                         f"Settings cannot be saved in the following file:\n{self.desk.settings_file}\n"
+                         "What you change holds until Voxmate ends.")
+        self.assertTrue(whisper.getState().contains(self.desk.accessible().STATE_CHECKED))
+        self.desk.click(whisper)
+        desktop.wait_for(lambda: not whisper.getState().contains(self.desk.accessible().STATE_CHECKED), what="the check going")
+        self.settle()
+        self.assertEqual(self.boxes(), [])
+
+    @unittest.skipUnless(subprocess.run(["unshare", "-m", "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0,
+                         "the system lets no program have its own view of the files")
+    def test_a_start_on_the_systems_settings_loses_nothing_and_says_nothing(self):
+        self.desk.install_defaults(ShowTipAtStartUp=1)
+        system = os.path.join(self.desk.home, "system", "voxmate")
+        os.makedirs(system)
+        shutil.move(self.desk.settings_file, os.path.join(system, "registry.reg"))
+        self.start_unwritable(XDG_CONFIG_DIRS=os.path.dirname(system))
+        self.desk.find("Tip of the Day")
+        self.settle()
+        self.assertEqual(self.boxes(), [])
+        self.desk.key("Return")
+        self.desk.gone("Tip of the Day")
+        self.assertEqual(self.boxes(), [])
 
 
 if __name__ == "__main__":

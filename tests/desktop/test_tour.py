@@ -190,6 +190,18 @@ class Menus(MainTour):
         self.use("Do you know who am I ?")
         self.wait_for_sound(begin)
         self.choose("Extras", "Stop Everything")
+        self.use("Text to read", "text")
+        self.desk.key("ctrl+Home")
+        self.says(lambda: self.choose("Extras", "Read from the Cursor"), "Spoken from the menu")
+        self.choose("Extras", "Read the Selection")
+        self.opened("Voxmate - Read")
+        self.look("Voxmate - Read", "box-selection")
+        self.close_by_escape("Voxmate - Read")
+        self.choose("Extras", "Reading Window")
+        self.opened("Voxmate - Reading")
+        self.look("Voxmate - Reading", "reading")
+        self.desk.key("alt+F4")
+        self.closed("Voxmate - Reading")
         # No document is being read, which these concern; test_documents chooses them.
         for name in ("Pause or Go On", "Back a Sentence", "Forward a Sentence", "Back a Paragraph", "Forward a Paragraph",
                      "From the Beginning"):
@@ -197,6 +209,16 @@ class Menus(MainTour):
             self.pressed.add(("Extras", name))
         self.choose("Extras", "Forget Where Documents Were Left")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
+        for name in ("Read the Selection of Any Program", "Read the Clipboard from Any Program", "Open It with Each Document"):
+            path = next(leaf for leaf in leaves if leaf[0] == "Extras" and leaf[1].startswith(name))
+            for checked in (True, False):
+                self.choose(*path)
+                item = self.menu_item(path)
+                desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what=f"the check mark of {name}")
+        for checked in (False, True):
+            self.choose("Extras", "Character Stands Aside")
+            item = self.menu_item(("Extras", "Character Stands Aside"))
+            desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what="the check mark of standing aside")  # pylint: disable=cell-var-from-loop
         for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
             self.choose("Extras", name)
             item = self.menu_item(("Extras", name))

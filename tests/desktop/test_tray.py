@@ -1,6 +1,7 @@
 """The notification-area icon, in a tray such as other desktops' panels have."""
 
 import os
+import re
 import subprocess
 import time
 import unittest
@@ -215,6 +216,24 @@ class Notifier(TrayCase):
                       Gio.DBusCallFlags.NONE, -1, None, None)
         self.bus.flush_sync()
         self.has_ended()
+
+    def test_its_tool_tip_tells_how_much_of_a_document_is_left(self):
+        self.start_and_settle()
+        item = self.put_in_tray()
+
+        def tip():
+            return self.ask(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties.Get",
+                            GLib.Variant("(ss)", (ITEM, "ToolTip")))[0][2]
+
+        self.assertEqual(tip(), "Voxmate")
+        page = os.path.join(self.desk.home, "page.html")
+        with open(page, "w", encoding="utf-8") as file:
+            file.write("<p>" + "This sentence is read aloud, and there are many more of its kind. " * 40)
+        second = self.desk.start(arguments=[page])
+        self.desk.ended(second)
+        desktop.wait_for(lambda: re.fullmatch(r"Voxmate - Reading, \d minutes? left: page\.html", tip()), what="the time that is left")
+        self.press("Stop Everything !!!")
+        desktop.wait_for(lambda: tip() == "Voxmate", what="the icon's own tip")
 
     def test_the_right_button_offers_exit(self):
         self.start_and_settle()

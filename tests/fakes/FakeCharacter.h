@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,6 +65,39 @@ public:
     }
     std::vector<std::string> AnimationNames() const override { return animations; }
     bool Visible() const override { return visible; }
+
+    CharacterPlace home{{1000, 500, 200, 200}, {1050, 520, 100, 180}};
+    std::optional<CharacterPlace> aside;
+    bool free = true; ///< whether it can walk now
+    CharacterPlace Place() override { return aside.value_or(home); }
+    CharacterPlace Home() override { return home; }
+    bool StandAside(Point window) override
+    {
+        if (!free)
+            return false;
+        aside = home;
+        aside->Window.x = window.x;
+        aside->Window.y = window.y;
+        aside->Figure.x += window.x - home.Window.x;
+        aside->Figure.y += window.y - home.Window.y;
+        log_.push_back("StandAside " + std::to_string(window.x) + "," + std::to_string(window.y));
+        return true;
+    }
+    bool StandAtHome() override
+    {
+        if (!free)
+            return false;
+        aside.reset();
+        log_.push_back("StandAtHome");
+        return true;
+    }
+    /// The user drags it, so that the window's upper left corner comes to a point.
+    void Drag(Point window)
+    {
+        StandAside(window);
+        log_.pop_back();
+        home = *std::exchange(aside, std::nullopt);
+    }
 
     std::uint32_t Style() const override { return styles.empty() ? 0 : styles.back(); }
     void SetStyle(std::uint32_t style) override { styles.push_back(style); }

@@ -19,12 +19,14 @@ namespace voxmate::fakes
 class FakeDocuments
 {
 public:
-    /// By path, what the reader tells; without a Refusal at its end it has not told all yet. Any other file is a text.
+    /// By path, what the reader tells; without a Refusal at its end it has not told all yet. Any other file is a text
+    /// of one paragraph, which `texts` holds; empty where it has none.
     std::map<std::string, std::vector<readers::Frame>> told;
     std::map<std::string, std::string> prints; ///< by path, the content's fingerprint; of any other file its path
     std::vector<std::string> begun;            ///< the files that a reader was started for
     std::map<std::string, std::size_t> taken;  ///< by path, how much of what is told was taken
-    int reading = 0;                           ///< readers that have not been ended
+    const std::map<std::string, std::string>* texts = nullptr;
+    int reading = 0; ///< readers that have not been ended
 
     std::unique_ptr<readers::Reading> Read(const std::string& path)
     {
@@ -42,6 +44,12 @@ private:
         Reader(FakeDocuments& documents, std::string path) : documents_(documents), path_(std::move(path))
         {
             ++documents_.reading;
+            const bool has =
+                documents_.texts && documents_.texts->contains(path_) && !documents_.texts->at(path_).empty();
+            if (has)
+                text_ = {readers::Kind::Text,
+                         readers::Block{readers::BlockKind::Paragraph, 0, "", documents_.texts->at(path_), ""},
+                         readers::Refusal::None};
         }
         ~Reader() override { --documents_.reading; }
         Reader(const Reader&) = delete;
@@ -49,9 +57,8 @@ private:
 
         std::size_t Read(std::span<char> buffer, std::chrono::milliseconds /*wait*/) override
         {
-            static const std::vector<readers::Frame> text{readers::Kind::Text, readers::Refusal::None};
             const auto found = documents_.told.find(path_);
-            const std::vector<readers::Frame>& frames = found == documents_.told.end() ? text : found->second;
+            const std::vector<readers::Frame>& frames = found == documents_.told.end() ? text_ : found->second;
             while (bytes_.empty() && next_ < frames.size())
                 bytes_ = EncodeFrame(frames[next_++]);
             documents_.taken[path_] = next_;
@@ -66,6 +73,7 @@ private:
     private:
         FakeDocuments& documents_;
         std::string path_;
+        std::vector<readers::Frame> text_{readers::Refusal::NoText};
         std::size_t next_ = 0;
         std::string bytes_;
     };

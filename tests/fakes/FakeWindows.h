@@ -130,8 +130,9 @@ public:
     {
         log_.push_back("Shell_NotifyIconA " + std::to_string(message));
         trayCalls.emplace_back(message, data);
-        return false;
+        return trayAnswer;
     }
+    bool trayAnswer = false; ///< whether there is an icon
     bool notificationArea = true;
     bool HasNotificationArea() override { return notificationArea; }
     std::uint32_t WindowHandle(PictureBox&) override { return 0x1234; }

@@ -4,8 +4,8 @@
 
 #include "agent/balloon/BalloonText.h"
 #include "agent/text/Markup.h"
-#include "agent/text/Words.h"
 #include "base/Text.h"
+#include "base/Words.h"
 #include "speech/engines/EspeakMarkup.h"
 #include "speech/engines/FliteText.h"
 #include "speech/text/MarkedText.h"
@@ -33,7 +33,7 @@ std::vector<std::string> WordsOf(std::string_view text)
     std::vector<std::string> words;
     bool inside = false;
     for (std::size_t at = 0; at < text.size();) {
-        if (const std::size_t blank = agent::BlankAt(text, at)) {
+        if (const std::size_t blank = BlankAt(text, at)) {
             inside = false;
             at += blank;
             continue;
@@ -41,7 +41,7 @@ std::vector<std::string> WordsOf(std::string_view text)
         if (!inside)
             words.emplace_back();
         inside = true;
-        const std::size_t length = agent::CharacterAt(text, at);
+        const std::size_t length = CharacterAt(text, at);
         words.back() += text.substr(at, length);
         at += length;
     }

@@ -202,6 +202,41 @@ void KeepDesktopCompanion(QWindow& window)
     xcb_flush(connection);
 }
 
+namespace
+{
+
+/// The name that the window manager gives itself, by the rules of EWMH; empty without one.
+std::string ManagerName(xcb_connection_t* connection)
+{
+    const auto read = [connection](xcb_window_t window, const char* name, xcb_atom_t type, std::uint32_t longest) {
+        return Reply<xcb_get_property_reply_t>(xcb_get_property_reply(
+            connection, xcb_get_property(connection, 0, window, Atom(connection, name), type, 0, longest), nullptr));
+    };
+    const auto check = read(RootWindow(connection), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
+    if (!check || xcb_get_property_value_length(check.get()) != 4)
+        return {};
+    const xcb_window_t window = *static_cast<const xcb_window_t*>(xcb_get_property_value(check.get()));
+    const auto name = read(window, "_NET_WM_NAME", XCB_GET_PROPERTY_TYPE_ANY, 16);
+    if (!name)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(name.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(name.get()))};
+}
+
+/// What sway and its relatives call their window manager for the X server.
+constexpr const char* WlrootsManager = "wlroots wm";
+
+} // namespace
+
+bool ManagerPlacesWindows()
+{
+    auto* connection = Connection();
+    if (!connection)
+        return true;
+    const std::string name = ManagerName(connection);
+    return name != WlrootsManager && name != "Weston WM";
+}
+
 // The owner of this selection is the tray.
 bool TrayIsEmbedding()
 {
@@ -235,7 +270,8 @@ Compositor::Compositor(QObject* parent) : QObject(parent)
 
     const Reply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection_), nullptr));
-    running_ = owner && owner->owner != XCB_WINDOW_NONE;
+    // wlroots blends its X server's windows without owning the selection.
+    running_ = (owner && owner->owner != XCB_WINDOW_NONE) || ManagerName(connection) == WlrootsManager;
 
     const auto* xfixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (!xfixes || !xfixes->present)

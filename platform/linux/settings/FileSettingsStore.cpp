@@ -34,7 +34,11 @@ FileSettingsStore::FileSettingsStore(std::string userFile, const std::vector<std
     : userFile_(std::move(userFile)), saver_(userFile_)
 {
     // Read by Refresh only while nothing is being saved. After a failure the file is read again as it is.
-    saver_.Saved = [this](bool good) { userStamp_ = good ? StampOf(userFile_) : Stamp{-2, 0, 0, 0}; };
+    saver_.Saved = [this](bool good) {
+        userStamp_ = good ? StampOf(userFile_) : Stamp{-2, 0, 0, 0};
+        if (!good)
+            Refuse(true);
+    };
     for (const std::string& path : systemFiles)
         system_.push_back(RegistryFile::Parse(ReadWholeFile(path).value_or("")));
 }
@@ -67,14 +71,21 @@ bool FileSettingsStore::KeyExists(const std::string& path) const
            std::any_of(system_.begin(), system_.end(), [&path](const RegistryFile& file) { return file.HasKey(path); });
 }
 
-std::int32_t FileSettingsStore::Change(RegistryFile content)
+std::int32_t FileSettingsStore::Refuse(bool lost) const
+{
+    if (lost && NotSaved)
+        NotSaved();
+    return ERROR_ACCESS_DENIED;
+}
+
+std::int32_t FileSettingsStore::Change(RegistryFile content, bool lost)
 {
     if (unreadable_ || !CanSave(userFile_))
-        return ERROR_ACCESS_DENIED;
+        return Refuse(lost);
     // After a failed save this one is done at once, so that the caller learns the result.
     if (saver_.Failed() && !saver_.Working()) {
         if (!saver_.SaveNow(content.Text()))
-            return ERROR_ACCESS_DENIED;
+            return Refuse(lost);
         user_ = std::move(content);
         userStamp_ = StampOf(userFile_);
         return ERROR_SUCCESS;
@@ -136,9 +147,7 @@ std::int32_t FileSettingsStore::RegQueryValueExA(std::uint32_t key, const std::s
         return ERROR_ACCESS_DENIED;
     Refresh();
     const std::string& path = opened->second.path;
-    std::optional<RawValue> value = user_.Value(path, name);
-    for (std::size_t i = 0; !value && i < system_.size(); ++i)
-        value = system_[i].Value(path, name);
+    std::optional<RawValue> value = FileValue(path, name);
     if (!value && Lookup)
         value = Lookup(path, name);
     if (!value)
@@ -164,9 +173,18 @@ std::int32_t FileSettingsStore::RegSetValueExA(std::uint32_t key, const std::str
     const RawValue value{type, {data.begin(), data.end()}};
     if (!saver_.Failed() && user_.Value(opened->second.path, name) == value)
         return ERROR_SUCCESS;
+    const bool holds = FileValue(opened->second.path, name) == value;
     RegistryFile changed = user_;
     changed.SetValue(opened->second.path, name, value);
-    return Change(std::move(changed));
+    return Change(std::move(changed), !holds);
+}
+
+std::optional<RawValue> FileSettingsStore::FileValue(const std::string& path, const std::string& name) const
+{
+    std::optional<RawValue> value = user_.Value(path, name);
+    for (std::size_t i = 0; !value && i < system_.size(); ++i)
+        value = system_[i].Value(path, name);
+    return value;
 }
 
 std::int32_t FileSettingsStore::RegCloseKey(std::uint32_t key)

@@ -30,6 +30,11 @@ public:
     /// never answer. False when that was not done in time. Callable from any thread, unlike all else here.
     bool Flush(std::chrono::milliseconds patience) { return saver_.Flush(patience); }
 
+    /// Called each time that a value could not be saved, unless it is the one that holds anyway: on the caller's thread
+    /// or on the one that saves.
+    std::function<void()> NotSaved;
+    const std::string& UserFile() const { return userFile_; }
+
     /// Supplies values that no file has, because the desktop itself knows them; returns nothing for others.
     std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
 
@@ -67,7 +72,11 @@ private:
 
     static Stamp StampOf(const std::string& path);
     void Refresh();
-    std::int32_t Change(RegistryFile content);
+    /// The answer to a value that cannot be saved; `lost`: it does not hold otherwise.
+    std::int32_t Refuse(bool lost) const;
+    std::int32_t Change(RegistryFile content, bool lost = true);
+    /// The user's value, or the first system file's that has it.
+    std::optional<RawValue> FileValue(const std::string& path, const std::string& name) const;
     bool KeyExists(const std::string& path) const;
     std::int32_t GiveHandle(const std::string& path, std::uint32_t access, std::uint32_t& key);
 };

@@ -216,6 +216,34 @@ TEST_F(ServerSpeechTest, ANewTextIsSpokenWithoutWaitingForTheStoppedOneToReportI
     EXPECT_EQ(voice.started[1].segments[0].text, "Second");
 }
 
+TEST_F(ServerSpeechTest, WordsAreRaisedAsTheyAreHeardWithTheirRequest)
+{
+    AgentCharacter& bo = LoadShown();
+    Lines words;
+    AgentRequestPtr one;
+    server.Word = [&](const AgentRequestPtr& request, int word) {
+        words.push_back((request == one ? "one " : "other ") + std::to_string(word));
+    };
+    one = bo.Speak("\\Pit=80\\ Hello my friend", "");
+    stage.Settle();
+    voice.Begin();
+    EXPECT_EQ(words, Lines{}) << "events come from the event loop";
+    stage.Settle();
+    voice.Word(1);
+    voice.Word(2);
+    stage.Settle();
+    EXPECT_EQ(words, (Lines{"one 0", "one 1", "one 2"}));
+    voice.End();
+    bo.Speak("\\Pau=500\\ Again", "");
+    stage.Settle();
+    voice.Begin();
+    stage.Settle();
+    EXPECT_EQ(words.size(), 3u) << "it begins with a pause";
+    voice.Word(0);
+    stage.Settle();
+    EXPECT_EQ(words.back(), "other 0");
+}
+
 TEST_F(ServerSpeechTest, BookmarksAreRaisedAsTheyAreHeard)
 {
     AgentCharacter& bo = LoadShown();

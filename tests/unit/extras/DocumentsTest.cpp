@@ -1,5 +1,5 @@
 // Documents of all kinds, opened from outside and read aloud.
-#include "ExtrasTest.h"
+#include "ReadingCase.h"
 
 namespace voxmate
 {
@@ -12,7 +12,7 @@ using readers::BlockKind;
 using readers::Kind;
 using readers::Refusal;
 
-class DocumentsTest : public ExtrasTest
+class DocumentsTest : public ReadingCase
 {
 protected:
     DocumentsTest()
@@ -20,87 +20,7 @@ protected:
         Document("C:\\a.docx", {"One.", "Two.", "Three.", "Four."});
         Document("C:\\b.odt", {"Other."});
     }
-    void Begin()
-    {
-        ExtrasTest::Begin();
-        collected_ = fake.Loaded("Alfa").requests.size();
-    }
-    static Block Paragraph(const std::string& text) { return {BlockKind::Paragraph, 0, "", text, ""}; }
-    void File(const std::string& path, std::vector<readers::Frame> frames)
-    {
-        fake.files.files.insert(path);
-        documents.told[path] = std::move(frames);
-    }
-    /// Puts a document in place with these paragraphs.
-    void Document(const std::string& path, const Lines& paragraphs)
-    {
-        std::vector<readers::Frame> frames{Kind::Docx};
-        for (const std::string& text : paragraphs)
-            frames.emplace_back(Paragraph(text));
-        frames.emplace_back(Refusal::None);
-        File(path, std::move(frames));
-    }
-    void Open(const Lines& files)
-    {
-        desktop.Called({files, ""});
-        Collect();
-    }
-    void Tick()
-    {
-        TimerOf("tmrDocument").Fire();
-        Collect();
-    }
-    /// Takes over the requests that were made.
-    void Collect()
-    {
-        for (std::size_t& at = collected_; at < fake.Loaded("Alfa").requests.size(); ++at)
-            requests_.push_back(fake.Loaded("Alfa").requests[at]);
-    }
-    /// The character begins the next request, and completes it.
-    void StartNext()
-    {
-        Collect();
-        ASSERT_FALSE(requests_.empty());
-        dynamic_cast<fakes::FakeRequest&>(*requests_.front()).status = RequestStatus::InProgress;
-        fake.agent.RequestStart(requests_.front());
-    }
-    void EndNext(RequestStatus status = RequestStatus::Complete)
-    {
-        Collect();
-        ASSERT_FALSE(requests_.empty());
-        const AgentRequestPtr request = requests_.front();
-        requests_.erase(requests_.begin());
-        dynamic_cast<fakes::FakeRequest&>(*request).status = status;
-        fake.agent.RequestComplete(request);
-        Collect();
-    }
-    /// Everything is spoken that has been asked for, and that is asked for then.
-    void SpeakAll()
-    {
-        do {
-            while (!requests_.empty()) {
-                StartNext();
-                EndNext();
-            }
-            Tick();
-        } while (!requests_.empty());
-    }
-    Lines Spoken() const
-    {
-        Lines texts;
-        const std::string prefix = "Speak \\Pit=50\\ \\Spd=156\\";
-        for (const std::string& call : fake.log) {
-            if (call.starts_with(prefix))
-                texts.push_back(call.substr(prefix.size()));
-            else if (call.starts_with("Speak "))
-                texts.push_back(call);
-        }
-        return texts;
-    }
     std::string Status() const { return form.stsBar.Panels()[0].text; }
-
-    std::vector<AgentRequestPtr> requests_;
-    std::size_t collected_ = 0;
 };
 
 TEST_F(DocumentsTest, ADocumentIsReadPartByPartByTheCharacterWhichShowsItself)
@@ -156,7 +76,7 @@ TEST_F(DocumentsTest, SeveralFilesAreReadInTurn)
     EXPECT_EQ(documents.begun, (Lines{"C:\\a.docx"}));
     SpeakAll();
     EXPECT_EQ(Spoken(), (Lines{"One.\\Pau=350\\", "Two.\\Pau=350\\", "Three.\\Pau=350\\", "Four.\\Pau=350\\",
-                               "\r\nText", "Other.\\Pau=350\\"}));
+                               "Text\\Pau=350\\", "Other.\\Pau=350\\"}));
     EXPECT_EQ(Boxes(), Lines{});
 }
 
@@ -445,10 +365,26 @@ TEST_F(DocumentsTest, TheKeysThatMoveAreFreeWhereNoDocumentIsRead)
         EXPECT_FALSE(Item(way).Enabled) << way;
 }
 
-TEST_F(DocumentsTest, ADocumentBehindATextFileWaitsUntilThatHasBeenHeard)
+TEST_F(DocumentsTest, ATextFilePausesAndHasAPlaceLikeAnyOther)
+{
+    Begin();
+    documents.told["C:\\c.txt"] = {Kind::Text, Paragraph("One. Two. Three."), Refusal::None};
+    fake.files.files.insert("C:\\c.txt");
+    Open({"C:\\c.txt"});
+    EndNext(); // Show
+    StartNext();
+    EndNext();
+    StartNext();
+    Item("mnuPause").UserClick();
+    EXPECT_EQ(Status(), "Paused (less than a minute left) c.txt . Click STOP to Cancel Reading...");
+    EXPECT_EQ(state.values.at("documents.places"), "C:\\c.txt 1");
+}
+
+TEST_F(DocumentsTest, WithoutAReaderATextFileIsReadAsByTheButtonAndADocumentBehindItWaits)
 {
     Begin();
     fake.files.texts["C:\\c.txt"] = "Text";
+    documents.told["C:\\c.txt"] = {Refusal::NoReader};
     Open({"C:\\c.txt", "C:\\a.docx"});
     EXPECT_FALSE(Item("mnuPause").Enabled) << "it would say that the document pauses while the text goes on";
     EXPECT_EQ(Spoken(), Lines{"\r\nText"});

@@ -5,7 +5,10 @@
 #include "tests/fakes/FakeActivation.h"
 #include "tests/fakes/FakeAutostart.h"
 #include "tests/fakes/FakeDocuments.h"
+#include "tests/fakes/FakeGlobalKeys.h"
+#include "tests/fakes/FakeMediaControls.h"
 #include "tests/fakes/FakeState.h"
+#include "tests/fakes/FakeWindowPlaces.h"
 #include "tests/fakes/ProgramTest.h"
 
 #include <gtest/gtest.h>
@@ -25,13 +28,16 @@ protected:
     fakes::FakeState state;
     fakes::FakeAutostart login;
     fakes::FakeActivation desktop{fake.log};
+    fakes::FakeMediaControls media;
+    fakes::FakeGlobalKeys keys;
     CharacterLook look{"Bo", "A robot", 2345678};
     std::string lookFault; ///< what is wrong with every character file; empty: nothing
     fakes::FakeDocuments documents;
+    fakes::FakeWindowPlaces places;
     frmMain form{program};
     Extras extras{program,
                   form,
-                  {state, login, desktop,
+                  {state, login, desktop, media, keys,
                    [this](const std::string& path) {
                        fake.log.push_back("Look " + path);
                        if (!lookFault.empty())
@@ -39,10 +45,11 @@ protected:
                        return look;
                    },
                    [this](const std::string& path) { return documents.Read(path); },
-                   [this](const std::string& path) { return documents.Fingerprint(path); }}};
+                   [this](const std::string& path) { return documents.Fingerprint(path); }, places}};
 
     ExtrasTest()
     {
+        documents.texts = &fake.files.texts;
         fake.StoreDefaults();
         fake.store.SetDword("GreetingEnabled", 0);
         fake.store.SetDword("ShowTipAtStartUp", 0);

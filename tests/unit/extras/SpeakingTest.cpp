@@ -18,10 +18,29 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     Lines items;
     for (const Menu* item : Item("mnuExtras").Items())
         items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
-    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "-", "&Pause or Go On Ctrl+P",
-                            "&Back a Sentence Alt+Left", "&Forward a Sentence Alt+Right", "Back a Pa&ragraph Alt+Up",
-                            "For&ward a Paragraph Alt+Down", "From the Begi&nning Alt+Home",
-                            "F&orget Where Documents Were Left", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
+    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter",
+                            "S&top Everything Esc",
+                            "R&ead the Selection Ctrl+R",
+                            "Read fro&m the Cursor Ctrl+Shift+R",
+                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
+                            "Read the Clipboard from An&y Program (Ctrl+Alt+C)",
+                            "-",
+                            "&Pause or Go On Ctrl+P",
+                            "&Back a Sentence Alt+Left",
+                            "&Forward a Sentence Alt+Right",
+                            "Back a Pa&ragraph Alt+Up",
+                            "For&ward a Paragraph Alt+Down",
+                            "From the Begi&nning Alt+Home",
+                            "F&orget Where Documents Were Left",
+                            "-",
+                            "Rea&ding Window Ctrl+D",
+                            "Open &It with Each Document",
+                            "-",
+                            "&Character Stands Aside",
+                            "-",
+                            "Start at &Log-in",
+                            "&Greet Me at Log-in",
+                            "-",
                             "&Help on Extras"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
@@ -116,7 +135,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, nullptr, nullptr, nullptr});
+    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

@@ -6,6 +6,7 @@
 #include "OwnFolder.h"
 #include "base/RuntimeError.h"
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -290,6 +291,38 @@ TEST_F(SettingsFileTest, AnUnwritablePlaceRefusesAndKeepsTheOldFile)
     Write(folder / "plain", "");
     FileSettingsStore nowhere((folder / "plain" / "registry.reg").string(), {});
     EXPECT_EQ(Set(nowhere, "A", REG_SZ, "x"), ERROR_ACCESS_DENIED);
+}
+
+TEST_F(SettingsFileTest, EachValueThatCannotBeSavedIsToldOf)
+{
+    FileSettingsStore store = Store();
+    std::atomic<int> told = 0;
+    store.NotSaved = [&told] { ++told; };
+    Set(store, "A", REG_SZ, "old");
+    EXPECT_TRUE(store.Flush(Long));
+    EXPECT_EQ(told, 0);
+    fs::create_directories(file.string() + ".new/x");
+    Set(store, "A", REG_SZ, "new"); // the save fails on its own thread
+    EXPECT_TRUE(store.Flush(Long));
+    EXPECT_EQ(told, 1);
+    Set(store, "A", REG_SZ, "new"); // and now on the caller's
+    EXPECT_EQ(told, 2);
+    fs::remove_all(file.string() + ".new");
+    Set(store, "A", REG_SZ, "new");
+    EXPECT_EQ(told, 2);
+}
+
+TEST_F(SettingsFileTest, AValueThatHoldsAnywayIsNotToldOf)
+{
+    Write(folder / "system.reg", header + "\"A\"=\"theirs\"\n");
+    Write(folder / "plain", "");
+    FileSettingsStore store((folder / "plain" / "registry.reg").string(), {(folder / "system.reg").string()});
+    int told = 0;
+    store.NotSaved = [&told] { ++told; };
+    EXPECT_EQ(Set(store, "A", REG_SZ, "theirs"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(told, 0);
+    EXPECT_EQ(Set(store, "A", REG_SZ, "mine"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(told, 1);
 }
 
 TEST_F(SettingsFileTest, ManyChangesAreSetAtOnceAndTheLastIsInTheFile)

@@ -1,7 +1,9 @@
 // The application: uncaught errors, the end that the desktop asks for, and what other threads post.
 #include "tests/unit/qt/QtTest.h"
 
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QStyleHints>
 #include <QThread>
 #include <QTimer>
 
@@ -124,6 +126,25 @@ TEST_F(ApplicationTest, RestComesAlsoWhileWindowsKeepComingAndGoing)
     timer.start(100);
     EXPECT_TRUE(QTest::qWaitFor([&rests] { return rests > 1; }, 20'000));
     app.AtRest = nullptr;
+}
+
+TEST_F(ApplicationTest, TheCaretStandsStillInSightAfterAWhileAndBlinksAgainWithTheNextKey)
+{
+    QLineEdit field;
+    field.show();
+    field.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&field));
+    const int desktops = QGuiApplication::styleHints()->cursorFlashTime();
+    ASSERT_GT(desktops, 0);
+    ASSERT_TRUE(QTest::qWaitFor([] { return QGuiApplication::styleHints()->cursorFlashTime() == 0; }, 60'000));
+    const QImage still = field.grab().toImage();
+    // Longer than the caret would be in sight, or out of it.
+    EXPECT_FALSE(QTest::qWaitFor([&] { return field.grab().toImage() != still; }, 2 * desktops));
+    field.clearFocus();
+    EXPECT_NE(field.grab().toImage(), still) << "the caret was not in sight";
+    field.setFocus();
+    QTest::keyClick(&field, Qt::Key_A);
+    EXPECT_EQ(QGuiApplication::styleHints()->cursorFlashTime(), desktops);
 }
 
 } // namespace voxmate::qt

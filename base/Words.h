@@ -1,10 +1,11 @@
-// What separates the words of a text. The balloon, the segments of a Speak and the voices all count words in this way.
+// What separates the words of a text. The balloon, the segments of a Speak, the voices and what follows them in a text
+// all count words in this way.
 #pragma once
 
 #include <cstddef>
 #include <string_view>
 
-namespace voxmate::agent
+namespace voxmate
 {
 
 /// The length in bytes of the blank at byte `at` of a UTF-8 text; 0 when no blank stands there. Blanks are spaces,
@@ -17,4 +18,4 @@ std::size_t CharacterAt(std::string_view text, std::size_t at);
 /// Whether a text holds anything but blanks.
 bool HasWord(std::string_view text);
 
-} // namespace voxmate::agent
+} // namespace voxmate

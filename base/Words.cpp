@@ -1,6 +1,6 @@
-#include "agent/text/Words.h"
+#include "base/Words.h"
 
-namespace voxmate::agent
+namespace voxmate
 {
 
 std::size_t BlankAt(std::string_view text, std::size_t at)
@@ -35,4 +35,4 @@ bool HasWord(std::string_view text)
     return at < text.size();
 }
 
-} // namespace voxmate::agent
+} // namespace voxmate

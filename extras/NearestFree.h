@@ -1,0 +1,21 @@
+// The nearest place where a character covers nothing that must stay visible.
+#pragma once
+
+#include "platform/Agent.h"
+
+#include <optional>
+#include <span>
+
+namespace voxmate
+{
+
+/// Whether two rectangles have a pixel in common.
+bool Overlap(const Rect& a, const Rect& b);
+
+/// The upper left corner that takes the window of a character from `from` the shortest way to where it is wholly within
+/// `area` and its figure keeps FreeGap pixels from all of `taken`. Nothing when there is no such place.
+std::optional<Point> NearestFree(const CharacterPlace& from, const Rect& area, std::span<const Rect> taken);
+
+inline constexpr int FreeGap = 8;
+
+} // namespace voxmate
