@@ -13,6 +13,7 @@
 #include "platform/linux/desktop/DesktopKeys.h"
 #include "platform/linux/desktop/MprisPlayer.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
+#include "platform/linux/files/FileSaver.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "platform/linux/process/EndSignals.h"
@@ -30,6 +31,7 @@
 #include "readers/Reading.h"
 #include "speech/VoiceCatalog.h"
 #include "speech/player/VoicePlayer.h"
+#include "speech/player/WordedVoice.h"
 
 #include <QLocale>
 
@@ -123,7 +125,8 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     qt::QtStage stage(sound);
     // The characters that ship are on the program's own disk, and only an installer writes there. A folder of the
     // user's may have links to them.
-    agent::Server server(stage, voice, [&files](const std::string& path) {
+    speech::WordedVoice wordedVoice(voice);
+    agent::Server server(stage, wordedVoice, [&files](const std::string& path) {
         const std::string file = files.LinkTarget(InAnyExtensionCase(path));
         const bool ships = file.starts_with(linux_platform::SharedDataFolder() + "/");
         return agent::AcsFile::Open(InAnyExtensionCase(path), ships ? agent::Keep::InFile : agent::Keep::InMemory);
@@ -140,7 +143,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     Extras extras(program, mainForm,
                   {*state, login, desktop, media, keys, LookAtCharacter,
                    [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint,
-                   places});
+                   places, wordedVoice, linux_platform::SaveFile});
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

@@ -24,9 +24,9 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       reading_(menu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
       mediaKeys_(
           main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
-      trayTip_(program, main, documents_), aside_(menu_, program, main, host.Windows, host.State),
-      login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
-      install_(program, host.LookAtCharacter),
+      trayTip_(program, main, documents_), pronunciations_(menu_, program, host.Wording, host.SaveText, host.State),
+      aside_(menu_, program, main, host.Windows, host.State), login_(menu_, program, host.Login, host.State),
+      quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }), install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
@@ -63,6 +63,7 @@ void Extras::Begin(const CommandLine& line, const Event& showSplash)
     tmrWaiting_.Enabled = true;
     host_.Desktop.Listen();
     pieces_.Begin();
+    pronunciations_.Begin();
     if (line.Quiet)
         quiet_.Begin(GreetsAtLogin(host_.State));
     else

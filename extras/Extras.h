@@ -8,6 +8,7 @@
 #include "extras/MediaKeys.h"
 #include "extras/Opening.h"
 #include "extras/Pieces.h"
+#include "extras/Pronunciations.h"
 #include "extras/ReadingWindow.h"
 #include "extras/ReminderEntry.h"
 #include "extras/Speaking.h"
@@ -39,6 +40,8 @@ struct ExtrasHost {
     Documents::Reader ReadDocument;
     Documents::Identify Fingerprint;
     WindowPlaces& Windows;
+    WordingControl& Wording;
+    Pronunciations::SaveText SaveText;
 };
 
 class Extras
@@ -58,6 +61,7 @@ public:
     /// See Speaking::Escape.
     bool Escape() { return speaking_.Escape(); }
     ReadingWindow& TextWindow() { return reading_.Window(); }
+    PronunciationWindow& WordsWindow() { return pronunciations_.Window(); }
 
 private:
     Program& program_;
@@ -71,6 +75,7 @@ private:
     ReadingWindows reading_;
     MediaKeys mediaKeys_;
     TrayTip trayTip_;
+    Pronunciations pronunciations_;
     StandAside aside_;
     StartAtLogin login_;
     QuietStart quiet_;

@@ -9,6 +9,7 @@
 #include "tests/fakes/FakeMediaControls.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/FakeWindowPlaces.h"
+#include "tests/fakes/FakeWording.h"
 #include "tests/fakes/ProgramTest.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,8 @@ protected:
     std::string lookFault; ///< what is wrong with every character file; empty: nothing
     fakes::FakeDocuments documents;
     fakes::FakeWindowPlaces places;
+    fakes::FakeWording wording;
+    bool savesText = true; ///< whether the extras can write text files
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -45,7 +48,13 @@ protected:
                        return look;
                    },
                    [this](const std::string& path) { return documents.Read(path); },
-                   [this](const std::string& path) { return documents.Fingerprint(path); }, places}};
+                   [this](const std::string& path) { return documents.Fingerprint(path); }, places, wording,
+                   [this](const std::string& path, const std::string& text) {
+                       fake.log.push_back("Save " + path);
+                       if (savesText)
+                           fake.files.texts[path] = text;
+                       return savesText;
+                   }}};
 
     ExtrasTest()
     {

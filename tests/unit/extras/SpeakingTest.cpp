@@ -36,6 +36,9 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
                             "Rea&ding Window Ctrl+D",
                             "Open &It with Each Document",
                             "-",
+                            "Pron&unciation...",
+                            "Say Lin&ks and Codes in Short",
+                            "-",
                             "&Character Stands Aside",
                             "-",
                             "Start at &Log-in",
@@ -135,7 +138,8 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places});
+    Extras more(program, next,
+                {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

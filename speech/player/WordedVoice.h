@@ -1,0 +1,37 @@
+// A voice channel that says words as the user wants them said.
+#pragma once
+
+#include "platform/WordingControl.h"
+#include "speech/VoiceOutput.h"
+#include "speech/text/Wording.h"
+
+#include <utility>
+#include <vector>
+
+namespace voxmate::speech
+{
+
+class WordedVoice final : public VoiceOutput, public WordingControl
+{
+public:
+    /// `voice` speaks; it must outlive this object.
+    explicit WordedVoice(VoiceOutput& voice) : voice_(voice) {}
+
+    void UseWording(std::vector<WordingRule> rules, bool shortens) override { wording_ = Wording(rules, shortens); }
+
+    AudioStatus Status() override { return voice_.Status(); }
+    void Start(Utterance utterance, VoiceEvents events) override
+    {
+        // Of a wave file only its length and the words that are shown count.
+        if (utterance.waveFile.empty())
+            utterance.segments = wording_.Apply(std::move(utterance.segments));
+        voice_.Start(std::move(utterance), std::move(events));
+    }
+    void Stop() override { voice_.Stop(); }
+
+private:
+    VoiceOutput& voice_;
+    Wording wording_{{}, false};
+};
+
+} // namespace voxmate::speech
