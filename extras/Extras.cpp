@@ -19,9 +19,10 @@ constexpr int WaitingInterval = 250; // milliseconds
 Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     : program_(program), main_(main), host_(host), menu_(main),
       speaking_(menu_, program, main, [this] { return documents_.Going(); }),
-      pieces_(menu_, program, main, host.Keys, host.State),
-      documents_(menu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
-      reading_(menu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
+      piecesMenu_(menu_, "mnuPieces", "&Pieces of Text"), pieces_(piecesMenu_, program, main, host.Keys, host.State),
+      documentMenu_(menu_, "mnuDocument", "&Document"),
+      documents_(documentMenu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
+      reading_(documentMenu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
       mediaKeys_(
           main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
       trayTip_(program, main, documents_), pronunciations_(menu_, program, host.Wording, host.SaveText, host.State),

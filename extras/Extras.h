@@ -70,7 +70,9 @@ private:
 
     ExtrasMenu menu_;
     Speaking speaking_;
+    ExtrasMenu piecesMenu_;
     Pieces pieces_;
+    ExtrasMenu documentMenu_;
     Documents documents_;
     ReadingWindows reading_;
     MediaKeys mediaKeys_;

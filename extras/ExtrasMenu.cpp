@@ -3,19 +3,36 @@
 namespace voxmate
 {
 
-ExtrasMenu::ExtrasMenu(Form& form) : mnuExtras_(form.AddMenu("mnuExtras", "E&xtras"))
+ExtrasMenu::ExtrasMenu(Menu& menu) : menu_(menu)
 {
-    mnuExtras_.Click = [this] {
-        for (const Event& act : opened_)
-            act();
-    };
+    menu_.Click = [this] { Opened(); };
+}
+
+ExtrasMenu::ExtrasMenu(Form& form) : ExtrasMenu(form.AddMenu("mnuExtras", "E&xtras")) {}
+
+ExtrasMenu::ExtrasMenu(ExtrasMenu& parent, const std::string& name, const std::string& caption)
+    : ExtrasMenu(parent.Load(name, caption))
+{
+    // A screen reader may read the items before the menu is opened.
+    parent.WhenOpened([this] { Opened(); });
+}
+
+void ExtrasMenu::Opened() const
+{
+    for (const Event& act : opened_)
+        act();
+}
+
+Menu& ExtrasMenu::Load(const std::string& name, const std::string& caption)
+{
+    if (std::exchange(ruled_, false) && !menu_.Items().empty())
+        menu_.Load("mnuExtrasRule", "-");
+    return menu_.Load(name, caption);
 }
 
 Menu& ExtrasMenu::Add(const std::string& name, const std::string& caption, Event click)
 {
-    if (std::exchange(ruled_, false) && !mnuExtras_.Items().empty())
-        mnuExtras_.Load("mnuExtrasRule", "-");
-    Menu& item = mnuExtras_.Load(name, caption);
+    Menu& item = Load(name, caption);
     item.Click = std::move(click);
     return item;
 }

@@ -241,12 +241,14 @@ class ProgramCase(unittest.TestCase):
         self.desk.key("ctrl+a", "Delete")
         self.desk.type(text)
 
-    def choose_by_keys(self, menu, item, key):
-        """Opens a menu of the main window by its access key, and chooses one of its items by the item's."""
+    def choose_by_keys(self, menu, *way):
+        """Opens a menu of the main window by its access key, and chooses an item: `way` has the name and the access key of
+        each item on the way to it, and of itself."""
         self.desk.click(self.desk.find("Text to read"))
         self.desk.key(menu)
-        self.desk.find(item, role="menu item")
-        self.desk.key(key)
+        for item, key in zip(way[::2], way[1::2]):
+            self.desk.find(item, role="menu item")
+            self.desk.key(key)
 
     def saved(self, name, value):
         """Waits until a setting has this value in the file."""

@@ -178,7 +178,7 @@ class WhileItReads(DocumentCase):
         self.desk.key("alt+Down", "alt+Down", "alt+Right")
         self.hear(begin, SENTENCES[3])
         begin = self.now()
-        self.choose_by_keys("alt+x", "Back a Paragraph", "r")
+        self.choose_by_keys("alt+x", "Document", "d", "Back a Paragraph", "r")
         self.hear(begin, SENTENCES[2])
         self.assertEqual(self.typed(), "typed")
 
@@ -233,7 +233,7 @@ class WhereItWasLeft(DocumentCase):
         self.hear(begin, SENTENCES[1])
         self.desk.key("Escape")
         self.silent()
-        self.choose_by_keys("alt+x", "Forget Where Documents Were Left", "o")
+        self.choose_by_keys("alt+x", "Document", "d", "Forget Where Documents Were Left", "o")
         begin = self.now()
         self.open(page)
         self.hear(begin, SENTENCES[0])

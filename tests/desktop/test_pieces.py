@@ -74,7 +74,7 @@ class Keys(ExtrasCase):
         self.listen()
 
     def switch(self, item, key):
-        self.choose_by_keys("alt+x", item, key)
+        self.choose_by_keys("alt+x", "Pieces of Text", "p", item, key)
         self.desk.gone("Speak the Text")
 
     def elsewhere(self):
@@ -133,7 +133,7 @@ class Keys(ExtrasCase):
         holder = self.desk.spawn("/usr/bin/python3", os.path.join(os.path.dirname(os.path.abspath(__file__)), "key_holder.py"),
                                  stdout=subprocess.PIPE)
         self.assertEqual(holder.stdout.readline().strip(), b"held")
-        self.choose_by_keys("alt+x", "Read the Selection of Any Program", "a")
+        self.choose_by_keys("alt+x", "Pieces of Text", "p", "Read the Selection of Any Program", "a")
         self.assertEqual(self.answer_box("Voxmate - Keys"), "Another program holds the key Ctrl+Alt+S.")
         holder.terminate()
         holder.wait()
@@ -172,12 +172,12 @@ class Portal(Keys):
         self.hear(begin, LINE)
         self.settle()
         self.desk.key("ctrl+alt+s")
-        self.choose_by_keys("alt+x", "Read the Selection of Any Program (Meta+F7)", "a")
+        self.choose_by_keys("alt+x", "Pieces of Text", "p", "Read the Selection of Any Program (Meta+F7)", "a")
         self.asked("close")
 
     def test_a_key_that_another_program_holds_is_told_of(self):
         self.portal("--refuse")
-        self.choose_by_keys("alt+x", "Read the Selection of Any Program", "a")
+        self.choose_by_keys("alt+x", "Pieces of Text", "p", "Read the Selection of Any Program", "a")
         self.assertEqual(self.answer_box("Voxmate - Keys"), "Another program holds the key Ctrl+Alt+S.")
 
     def test_the_clipboard_is_read_while_another_program_has_the_keyboard(self):

@@ -128,7 +128,7 @@ class ReadingWindow(DocumentCase):
     def test_it_opens_by_itself_only_when_that_is_switched_on_and_keeps_its_size(self):
         self.read_page()
         self.assertEqual(self.desk.windows("page.html - Voxmate"), [])
-        self.choose_by_keys("alt+x", "Open It with Each Document", "i")
+        self.choose_by_keys("alt+x", "Document", "d", "Open It with Each Document", "i")
         self.desk.key("Escape")
         self.silent()
         begin = self.now()

@@ -103,6 +103,24 @@ TEST_F(ExtrasMenuTest, UnitsAreToldThatTheMenuOpens)
     EXPECT_EQ(opened, 2);
 }
 
+TEST_F(ExtrasMenuTest, AMenuCanStandInAnotherOne)
+{
+    bool on = true;
+    menu.Add("mnuOne", "&One", {});
+    menu.BeginGroup();
+    ExtrasMenu inner(menu, "mnuInner", "&Inner");
+    menu.Add("mnuTwo", "&Two", {});
+    Menu& item = inner.AddSwitch(
+        "mnuSwitch", "&Switch", [&on] { return on; }, [](bool) {});
+    EXPECT_EQ(Captions(), (Lines{"&One", "-", "&Inner", "&Two"}));
+    EXPECT_EQ(Top().Items()[2]->Items(), std::vector<Menu*>{&item});
+    Top().UserClick();
+    EXPECT_TRUE(item.Checked);
+    on = false;
+    Top().Items()[2]->UserClick();
+    EXPECT_FALSE(item.Checked);
+}
+
 } // namespace
 
 } // namespace voxmate

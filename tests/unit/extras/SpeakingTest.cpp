@@ -15,36 +15,24 @@ protected:
 
 TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
 {
-    Lines items;
-    for (const Menu* item : Item("mnuExtras").Items())
-        items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
-    EXPECT_EQ(items, (Lines{"&Speak the Text Ctrl+Enter",
-                            "S&top Everything Esc",
-                            "R&ead the Selection Ctrl+R",
-                            "Read fro&m the Cursor Ctrl+Shift+R",
-                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
-                            "Read the Clipboard from An&y Program (Ctrl+Alt+C)",
-                            "-",
-                            "&Pause or Go On Ctrl+P",
-                            "&Back a Sentence Alt+Left",
-                            "&Forward a Sentence Alt+Right",
-                            "Back a Pa&ragraph Alt+Up",
-                            "For&ward a Paragraph Alt+Down",
-                            "From the Begi&nning Alt+Home",
-                            "F&orget Where Documents Were Left",
-                            "-",
-                            "Rea&ding Window Ctrl+D",
-                            "Open &It with Each Document",
-                            "-",
-                            "Pron&unciation...",
-                            "Say Lin&ks and Codes in Short",
-                            "-",
-                            "&Character Stands Aside",
-                            "-",
-                            "Start at &Log-in",
-                            "&Greet Me at Log-in",
-                            "-",
-                            "&Help on Extras"}));
+    const auto itemsOf = [this](const char* menu) {
+        Lines items;
+        for (const Menu* item : Item(menu).Items())
+            items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
+        return items;
+    };
+    EXPECT_EQ(itemsOf("mnuExtras"),
+              (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
+                     "Pron&unciation...", "Say Lin&ks and Codes in Short", "-", "&Character Stands Aside", "-",
+                     "Start at &Log-in", "&Greet Me at Log-in", "-", "&Help on Extras"}));
+    EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
+                                           "Read the Selection of &Any Program (Ctrl+Alt+S)",
+                                           "Read the Clipboard from An&y Program (Ctrl+Alt+C)"}));
+    EXPECT_EQ(
+        itemsOf("mnuDocument"),
+        (Lines{"&Pause or Go On Ctrl+P", "&Back a Sentence Alt+Left", "&Forward a Sentence Alt+Right",
+               "Back a Pa&ragraph Alt+Up", "For&ward a Paragraph Alt+Down", "From the Begi&nning Alt+Home",
+               "F&orget Where Documents Were Left", "-", "Rea&ding Window Ctrl+D", "Open &It with Each Document"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
     EXPECT_EQ(fake.process.commands, (Lines{"explorer.exe file:///C:/WINDOWS/web/extras.html style 3"}));
