@@ -35,6 +35,7 @@ PronunciationWindow::PronunciationWindow(Program& program, PronunciationList& li
     txtWritten.PlaceholderText = "NAS";
     txtSaid.PlaceholderText = "network storage";
     txtWritten.MaxLength = txtSaid.MaxLength = LongestText;
+    txtWritten.AccessibleName = "Written:";
     txtWritten.ToolTipText = "An asterisk stands for a part of a word: *.exe is said as * dot exe.";
     cmdSet.IsDefault = true;
     cmdClose.IsCancel = true;
@@ -54,6 +55,8 @@ PronunciationWindow::PronunciationWindow(Program& program, PronunciationList& li
     cmdHear.Click = [this] {
         const WordingRule rule = Entered();
         program_.Voice.SpeakText(rule.Said.empty() ? rule.Written : rule.Said, "");
+        // Enter adds it.
+        txtSaid.SetFocus();
     };
     cmdSet.Click = [this] { Set(); };
     cmdRemove.Click = [this] { Remove(); };

@@ -17,7 +17,7 @@ class Pronunciation(ExtrasCase):
         self.listen()
 
     def file(self):
-        path = os.path.join(self.desk.home, ".local/share/voxmate/pronunciation.txt")
+        path = os.path.join(self.desk.env["XDG_DATA_HOME"], "voxmate", "pronunciation.txt")
         return open(path).read() if os.path.exists(path) else ""
 
     def enter(self, field, text):
