@@ -3,6 +3,9 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
+#include <iterator>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -46,15 +49,11 @@ struct Side {
     }
 };
 
-// Where many lines begin, from left to right.
-std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
+// The places at which many things begin, from left to right.
+std::vector<double> CommonEdges(std::vector<double> lefts)
 {
     constexpr double same = 1.5; // points
     constexpr std::size_t many = 8;
-    std::vector<double> lefts;
-    lefts.reserve(lines.size());
-    for (const PdfLine& line : lines)
-        lefts.push_back(line.left);
     std::sort(lefts.begin(), lefts.end());
     std::vector<double> edges;
     for (std::size_t begin = 0; begin < lefts.size();) {
@@ -68,21 +67,78 @@ std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
     return edges;
 }
 
+constexpr double Margin = 1.5; ///< points: so far before its column's left edge a gutter ends
+constexpr std::size_t MostColumns = 10;
+
+// The strips that may part columns: from where words end to where many words begin, and few lines reach over them.
+std::vector<PdfStrip> Strips(const std::vector<PdfLine>& lines)
+{
+    std::vector<double> lefts;
+    for (const PdfLine& line : lines)
+        for (const PdfLine::Word& word : line.words)
+            lefts.push_back(word.left);
+    std::vector<PdfStrip> strips;
+    for (const double edge : CommonEdges(std::move(lefts))) {
+        const double gutter = edge - Margin;
+        std::size_t begin = 0;
+        std::size_t across = 0;
+        std::vector<double> ends; // of the words before
+        bool cuts = false;
+        for (const PdfLine& line : lines) {
+            const auto word = std::find_if(line.words.begin(), line.words.end(),
+                                           [&](const PdfLine::Word& one) { return one.left >= gutter; });
+            const bool begins = word != line.words.end() && word->left < gutter + 2 * Margin;
+            begin += begins ? 1 : 0;
+            across += !begins && line.left < gutter && line.right > gutter ? 1 : 0;
+            if (word == line.words.begin() || std::prev(word)->right > gutter)
+                continue;
+            cuts = cuts || word != line.words.end();
+            ends.push_back(std::prev(word)->right);
+        }
+        // The running head and the page's number have their own places.
+        constexpr std::size_t others = 2;
+        if (!cuts || ends.size() <= others || across >= begin)
+            continue;
+        std::nth_element(ends.begin(), ends.begin() + others, ends.end(), std::greater<>());
+        constexpr double exact = 0.5; // points
+        if (const double end = ends[others] + exact; end < gutter)
+            strips.push_back({end, gutter});
+    }
+    return strips;
+}
+
 } // namespace
+
+std::vector<PdfLine> ColumnLinesOf(const PdfPage& page)
+{
+    std::vector<PdfLine> lines = LinesOf(page);
+    std::vector<PdfStrip> strips = Strips(lines);
+    if (strips.empty() || lines.size() > MostLines)
+        return lines;
+    const std::vector<double> gutters = Gutters(LinesOf(page, strips));
+    // A strip in a list or a table parts no prose.
+    std::erase_if(strips, [&](const PdfStrip& strip) {
+        return std::none_of(gutters.begin(), gutters.end(),
+                            [&](double gutter) { return std::abs(gutter - strip.right) < Margin; });
+    });
+    return strips.empty() ? lines : LinesOf(page, strips);
+}
 
 std::vector<double> Gutters(const std::vector<PdfLine>& lines)
 {
-    constexpr double margin = 1.5; // points
-    constexpr std::size_t mostColumns = 10;
+    std::vector<double> lefts;
+    lefts.reserve(lines.size());
+    for (const PdfLine& line : lines)
+        lefts.push_back(line.left);
     std::vector<double> gutters;
-    for (const double edge : CommonEdges(lines)) {
-        const double gutter = edge - margin;
+    for (const double edge : CommonEdges(std::move(lefts))) {
+        const double gutter = edge - Margin;
         const double before = gutters.empty() ? -1e9 : gutters.back();
         Side left;
         Side right;
         std::size_t across = 0;
         for (const PdfLine& line : lines) {
-            if (line.left >= gutter && line.left < gutter + 2 * margin)
+            if (line.left >= gutter && line.left < gutter + 2 * Margin)
                 right.Add(line);
             else if (line.left >= before && line.right <= gutter)
                 left.Add(line);
@@ -92,7 +148,7 @@ std::vector<double> Gutters(const std::vector<PdfLine>& lines)
         const bool beside = std::min(left.bottom, right.bottom) > std::max(left.top, right.top);
         // Titles and tables may reach over several columns, but not most of the page.
         if (beside && left.IsProse() && right.IsProse() && across * 4 < left.lines.size() + right.lines.size() &&
-            gutters.size() < mostColumns)
+            gutters.size() < MostColumns)
             gutters.push_back(gutter);
     }
     return gutters;

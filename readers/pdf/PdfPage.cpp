@@ -28,8 +28,12 @@ bool IsMark(std::string_view text)
     return digits || text == "*" || text == "**" || text == "\xE2\x80\xA0" /* † */ || text == "\xE2\x80\xA1" /* ‡ */;
 }
 
-bool OnOneLine(const PdfWord& before, const PdfWord& word)
+bool OnOneLine(const PdfWord& before, const PdfWord& word, const std::vector<PdfStrip>& strips)
 {
+    if (std::any_of(strips.begin(), strips.end(), [&](const PdfStrip& strip) {
+            return before.right <= strip.left && word.left >= strip.right;
+        }))
+        return false;
     const double overlap = std::min(before.bottom, word.bottom) - std::max(before.top, word.top);
     const double height = std::min(before.bottom - before.top, word.bottom - word.top);
     const double size = std::max(before.size, word.size);
@@ -89,7 +93,7 @@ void Bound(PdfWord& word)
 
 } // namespace
 
-std::vector<PdfLine> LinesOf(const PdfPage& page)
+std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<PdfStrip>& strips)
 {
     std::vector<PdfLine> lines;
     std::vector<PdfWord> words = page.words;
@@ -97,7 +101,7 @@ std::vector<PdfLine> LinesOf(const PdfPage& page)
         Bound(word);
     for (std::size_t begin = 0; begin < words.size();) {
         std::size_t end = begin + 1;
-        while (end < words.size() && OnOneLine(words[end - 1], words[end]))
+        while (end < words.size() && OnOneLine(words[end - 1], words[end], strips))
             ++end;
         PdfLine line = LineOf(words.data() + begin, words.data() + end);
         if (!Clean(line.text).empty())

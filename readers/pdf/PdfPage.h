@@ -45,12 +45,21 @@ struct PdfLine {
     double Width() const { return right - left; }
 };
 
+/// A page with more lines than this is no page of a text; it is read without looking for columns and tables.
+inline constexpr std::size_t MostLines = 5000;
+
 /// Around a raised mark in a line's text (private characters).
 inline constexpr const char* MarkBegin = "\xEE\x80\x80";
 inline constexpr const char* MarkEnd = "\xEE\x80\x81";
 
-/// The lines of a page in the order of its words.
-std::vector<PdfLine> LinesOf(const PdfPage& page);
+/// An upright strip of a page.
+struct PdfStrip {
+    double left;
+    double right;
+};
+
+/// The lines of a page in the order of its words. A gap that spans one of `strips` ends a line however narrow it is.
+std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<PdfStrip>& strips = {});
 
 /// A text without the raised marks that are among `marks`; of others the characters stay.
 std::string WithoutMarks(const std::string& text, const std::vector<std::string>& marks);

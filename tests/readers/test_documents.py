@@ -115,5 +115,57 @@ class GroffTest(_Comparison):
                 self.compare(self.maker.groff(columns), blocks, kinds=False)
 
 
+@unittest.skipUnless(makers.has("pdflatex"), "pdflatex is not installed")
+class LatexTest(_Comparison):
+    def test_latex(self):
+        blocks = reference.western(self.blocks)
+        for columns in (1, 2):
+            with self.subTest(columns):
+                self.compare(self.maker.latex(columns), blocks, kinds=False)
+
+
+class _OfPages(_Comparison):
+    """What is made of a web page, which has no footnotes."""
+
+    def compare_printed(self, path):
+        self.compare(path, reference.without_notes(self.blocks), kinds=False)
+
+
+@unittest.skipUnless(makers.has("chromium"), "chromium is not installed")
+class BrowserTest(_OfPages):
+    def test_printed(self):
+        for columns in (1, 2):
+            for heads in (True, False):
+                with self.subTest((columns, heads)):
+                    self.compare_printed(self.maker.browser(columns, heads))
+
+
+@unittest.skipUnless(makers.has("weasyprint"), "weasyprint is not installed")
+class WeasyprintTest(_OfPages):
+    def test_printed(self):
+        for columns in (1, 2):
+            with self.subTest(columns):
+                self.compare_printed(self.maker.weasyprint(columns))
+
+
+@unittest.skipUnless(makers.has("ebook-convert"), "calibre is not installed")
+class CalibreTest(_OfPages):
+    def test_book(self):
+        self.compare(self.maker.calibre("epub"), reference.without_notes(self.blocks))
+
+    def test_document(self):
+        self.compare(self.maker.calibre("docx", "--docx-no-toc"), reference.without_notes(self.blocks))
+
+    def test_text_and_print(self):
+        for ending in ("txt", "pdf"):
+            with self.subTest(ending):
+                self.compare_printed(self.maker.calibre(ending))
+
+    def test_rich_text(self):
+        # Calibre writes a table's cells without anything between them.
+        blocks = [block for block in reference.without_notes(self.blocks) if block.kind != "row"]
+        self.compare(self.maker.calibre("rtf", blocks=blocks), blocks, kinds=False)
+
+
 if __name__ == "__main__":
     unittest.main()

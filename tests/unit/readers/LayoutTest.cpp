@@ -44,6 +44,12 @@ public:
         page.words.back().blank = false;
         return *this;
     }
+    // What comes next is taken for the same line's where there is no wide gap.
+    Sheet& Blank()
+    {
+        page.words.back().blank = true;
+        return *this;
+    }
     // Lines one below the other.
     Sheet& Lines(double left, double foot, const std::vector<std::string>& lines, const Look& look = {})
     {
@@ -144,6 +150,24 @@ TEST(LayoutTest, ColumnsAreReadOneAfterTheOtherWhateverTheirOrderInTheFile)
     EXPECT_EQ(lines[1].substr(0, 26), "paragraph: One begins with");
     EXPECT_EQ(lines[1].substr(lines[1].size() - 12), "so ends One.");
     EXPECT_EQ(lines[2].substr(0, 26), "paragraph: Two begins with");
+}
+
+TEST(LayoutTest, ColumnsWithANarrowGapBetweenThemAreReadOneAfterTheOtherToo)
+{
+    Sheet sheet("1");
+    const std::vector<std::string> left = Prose("One");
+    const std::vector<std::string> right = Prose("Two");
+    sheet.At(150, 60, "A running head that stands across the gap");
+    for (std::size_t i = 0; i < left.size(); ++i)
+        sheet.At(50, 100 + 12 * static_cast<double>(i), left[i])
+            .Blank()
+            .At(i == 0 ? 297 : 287, 100 + 12 * static_cast<double>(i), right[i]);
+    const test::Lines lines = Layouted({sheet});
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[1], "paragraph: A running head that stands across the gap");
+    EXPECT_EQ(lines[2].substr(0, 26), "paragraph: One begins with");
+    EXPECT_EQ(lines[2].substr(lines[2].size() - 12), "so ends One.");
+    EXPECT_EQ(lines[3].substr(0, 26), "paragraph: Two begins with");
 }
 
 TEST(LayoutTest, RowsOfShortCellsAreATableWithMendedWords)
