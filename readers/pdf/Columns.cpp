@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
-#include <iterator>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -70,41 +68,32 @@ std::vector<double> CommonEdges(std::vector<double> lefts)
 constexpr double Margin = 1.5; ///< points: so far before its column's left edge a gutter ends
 constexpr std::size_t MostColumns = 10;
 
-// The strips that may part columns: from where words end to where many words begin, and few lines reach over them.
-std::vector<PdfStrip> Strips(const std::vector<PdfLine>& lines)
+// Where columns may begin: where many words do so, and few lines reach over it.
+std::vector<double> PossibleGutters(const std::vector<PdfLine>& lines)
 {
     std::vector<double> lefts;
     for (const PdfLine& line : lines)
         for (const PdfLine::Word& word : line.words)
             lefts.push_back(word.left);
-    std::vector<PdfStrip> strips;
+    std::vector<double> gutters;
     for (const double edge : CommonEdges(std::move(lefts))) {
         const double gutter = edge - Margin;
         std::size_t begin = 0;
         std::size_t across = 0;
-        std::vector<double> ends; // of the words before
-        bool cuts = false;
+        bool within = false;
         for (const PdfLine& line : lines) {
             const auto word = std::find_if(line.words.begin(), line.words.end(),
                                            [&](const PdfLine::Word& one) { return one.left >= gutter; });
             const bool begins = word != line.words.end() && word->left < gutter + 2 * Margin;
+            const bool reaches = line.left < gutter && line.right > gutter;
             begin += begins ? 1 : 0;
-            across += !begins && line.left < gutter && line.right > gutter ? 1 : 0;
-            if (word == line.words.begin() || std::prev(word)->right > gutter)
-                continue;
-            cuts = cuts || word != line.words.end();
-            ends.push_back(std::prev(word)->right);
+            across += !begins && reaches ? 1 : 0;
+            within = within || reaches;
         }
-        // The running head and the page's number have their own places.
-        constexpr std::size_t others = 2;
-        if (!cuts || ends.size() <= others || across >= begin)
-            continue;
-        std::nth_element(ends.begin(), ends.begin() + others, ends.end(), std::greater<>());
-        constexpr double exact = 0.5; // points
-        if (const double end = ends[others] + exact; end < gutter)
-            strips.push_back({end, gutter});
+        if (within && across < begin)
+            gutters.push_back(gutter);
     }
-    return strips;
+    return gutters;
 }
 
 } // namespace
@@ -112,16 +101,18 @@ std::vector<PdfStrip> Strips(const std::vector<PdfLine>& lines)
 std::vector<PdfLine> ColumnLinesOf(const PdfPage& page)
 {
     std::vector<PdfLine> lines = LinesOf(page);
-    std::vector<PdfStrip> strips = Strips(lines);
-    if (strips.empty() || lines.size() > MostLines)
+    if (lines.size() > MostLines)
         return lines;
-    const std::vector<double> gutters = Gutters(LinesOf(page, strips));
-    // A strip in a list or a table parts no prose.
-    std::erase_if(strips, [&](const PdfStrip& strip) {
+    std::vector<double> possible = PossibleGutters(lines);
+    if (possible.empty())
+        return lines;
+    const std::vector<double> gutters = Gutters(LinesOf(page, possible));
+    // Within a list or a table no prose is parted.
+    std::erase_if(possible, [&](double one) {
         return std::none_of(gutters.begin(), gutters.end(),
-                            [&](double gutter) { return std::abs(gutter - strip.right) < Margin; });
+                            [&](double gutter) { return std::abs(gutter - one) < Margin; });
     });
-    return strips.empty() ? lines : LinesOf(page, strips);
+    return possible.empty() ? lines : LinesOf(page, possible);
 }
 
 std::vector<double> Gutters(const std::vector<PdfLine>& lines)

@@ -52,14 +52,8 @@ inline constexpr std::size_t MostLines = 5000;
 inline constexpr const char* MarkBegin = "\xEE\x80\x80";
 inline constexpr const char* MarkEnd = "\xEE\x80\x81";
 
-/// An upright strip of a page.
-struct PdfStrip {
-    double left;
-    double right;
-};
-
-/// The lines of a page in the order of its words. A gap that spans one of `strips` ends a line however narrow it is.
-std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<PdfStrip>& strips = {});
+/// The lines of a page in the order of its words. A gap over one of `gutters` ends a line although it is narrow.
+std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<double>& gutters = {});
 
 /// A text without the raised marks that are among `marks`; of others the characters stay.
 std::string WithoutMarks(const std::string& text, const std::vector<std::string>& marks);
