@@ -33,7 +33,7 @@ constexpr DayPart Afternoon{hours(15), hours(1)};
 constexpr DayPart Evening{hours(20), hours(4)};
 /// A number alone that is smaller is no hour of the day where something follows it: "monday 2 eggs".
 constexpr int FirstBareHour = 6;
-constexpr int FirstYear = 1000;      ///< the reminders' file keeps years of four digits
+constexpr int FirstYear = 1000; ///< the reminders' file keeps years of four digits
 constexpr int LastYear = 9999;
 
 /// A word as it was written, and as it is compared: in small letters, without the marks behind it.
@@ -198,7 +198,8 @@ private:
         return said_.part ? 3 : 0;
     }
 
-    /// "in 15 minutes", "in 1.5 hours", "in 1 hour 30 minutes", "in 2h", "in two hours", "in half an hour", "in an hour and a half".
+    /// "in 15 minutes", "in 1.5 hours", "in 1 hour 30 minutes", "in 2h", "in two hours", "in half an hour", "in an hour
+    /// and a half".
     std::size_t TakeLater(std::size_t from)
     {
         if (said_.later || At(from) != "in")
@@ -301,9 +302,9 @@ private:
             return false;
         const std::string_view next = At(at + 1);
         constexpr std::array<std::string_view, 4> noPlurals{"ss", "us", "is", "ics"};
-        const bool plural = next.size() > 3 && next.ends_with('s') &&
-                            std::none_of(noPlurals.begin(), noPlurals.end(),
-                                         [&](std::string_view end) { return next.ends_with(end); });
+        const bool plural =
+            next.size() > 3 && next.ends_with('s') &&
+            std::none_of(noPlurals.begin(), noPlurals.end(), [&](std::string_view end) { return next.ends_with(end); });
         const bool night = number < FirstBareHour && !said_.part;
         return next != "o'clock" && next != "in" && (night || plural);
     }
@@ -486,7 +487,7 @@ std::variant<NoTimeSaid, QuickReminder, QuickRefusal> ReadQuickReminder(std::str
     const std::optional<Moment> at = MomentOf(said, moment);
     if (!at)
         return QuickRefusal{said.day == today && !said.time && !said.part ? "Please say at what time today."
-                                                                             : "That time has passed already."};
+                                                                          : "That time has passed already."};
     const DateTime when = ToDateTime(*at);
     if (when.year > LastYear)
         return QuickRefusal{"That is too far away."};

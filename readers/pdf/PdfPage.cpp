@@ -35,9 +35,8 @@ bool OnOneLine(const PdfWord& before, const PdfWord& word, const std::vector<dou
     const double height = std::min(before.bottom - before.top, word.bottom - word.top);
     const double size = std::max(before.size, word.size);
     const double gap = word.left - before.right;
-    if (std::any_of(gutters.begin(), gutters.end(), [&](double gutter) {
-            return word.left >= gutter && before.right <= gutter - NarrowGutter * size;
-        }))
+    if (std::any_of(gutters.begin(), gutters.end(),
+                    [&](double gutter) { return word.left >= gutter && before.right <= gutter - NarrowGutter * size; }))
         return false;
     return overlap > height / 2 && gap > -size / 2 && gap < (before.blank ? WideBlank : ColumnGap) * size;
 }

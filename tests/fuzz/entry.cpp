@@ -39,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(ToMoment(reminder->At) > ToMoment(now), "a reminder is later than now");
         Require(IsRealDate(reminder->At.day, reminder->At.month, reminder->At.year),
                 "a reminder is on a day of the calendar");
-        Require(!reminder->Title.empty() && reminder->Title.size() <= text.size(), "a title is made of what was written");
+        Require(!reminder->Title.empty() && reminder->Title.size() <= text.size(),
+                "a title is made of what was written");
         Require(reminder->At.second == 0, "a reminder begins with its minute");
     } else if (const auto* refusal = std::get_if<QuickRefusal>(&read))
         Require(!refusal->Reason.empty(), "a refusal has its sentence");

@@ -233,16 +233,18 @@ TEST_F(ReadingTest, NothingThatADocumentRefersToIsFetched)
     const std::string secret = File("secret.txt", "A secret.");
     const std::string names = "xmlns:office='urn:oasis:names:tc:opendocument:xmlns:office:1.0' "
                               "xmlns:text='urn:oasis:names:tc:opendocument:xmlns:text:1.0'";
-    Reading odt(Zip("x.odt",
-                    {{"mimetype", "application/vnd.oasis.opendocument.text"},
-                     {"content.xml", "<!DOCTYPE x [<!ENTITY e SYSTEM 'file://" + secret + "'><!ENTITY % p SYSTEM "
-                                     "'http://127.0.0.1:9/x.dtd'>%p;]><office:document-content " + names +
-                                     "><office:body><office:text><text:p>Open &e;</text:p></office:text>"
-                                     "</office:body></office:document-content>"}}));
+    Reading odt(Zip("x.odt", {{"mimetype", "application/vnd.oasis.opendocument.text"},
+                              {"content.xml", "<!DOCTYPE x [<!ENTITY e SYSTEM 'file://" + secret +
+                                                  "'><!ENTITY % p SYSTEM "
+                                                  "'http://127.0.0.1:9/x.dtd'>%p;]><office:document-content " +
+                                                  names +
+                                                  "><office:body><office:text><text:p>Open &e;</text:p></office:text>"
+                                                  "</office:body></office:document-content>"}}));
     for (const std::string& line : All(odt))
         EXPECT_EQ(line.find("secret"), std::string::npos) << line;
-    const Lines page = Read("x.html", "<!doctype html><p>Page<script src='file://" + secret + "'></script><iframe src='" +
-                                          secret + "'></iframe><object data='" + secret + "'></object>");
+    const Lines page =
+        Read("x.html", "<!doctype html><p>Page<script src='file://" + secret + "'></script><iframe src='" + secret +
+                           "'></iframe><object data='" + secret + "'></object>");
     EXPECT_EQ(page, Lines{"paragraph: Page"});
     EXPECT_EQ(Read("x.rtf", "{\\rtf1 Rich{\\field{\\*\\fldinst INCLUDETEXT \"" + secret + "\"}{\\fldrslt }}\\par}"),
               Lines{"paragraph: Rich"});
@@ -258,9 +260,9 @@ TEST_F(ReadingTest, APrintedFileWithoutAnEndEnds)
             file += std::to_string(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
         return file + "trailer\n<< /Size 3 /Root 1 0 R >>\n%%EOF\n";
     };
-    for (const char* pages : {"<< /Type /Pages /Kids [2 0 R 2 0 R] /Count 2000000000 >>",
-                              "<< /Type /Pages /Kids [] /Count 2000000000 >>",
-                              "<< /Type /Pages /Kids [2 0 R] /Parent 2 0 R /Count -1 >>"})
+    for (const char* pages :
+         {"<< /Type /Pages /Kids [2 0 R 2 0 R] /Count 2000000000 >>", "<< /Type /Pages /Kids [] /Count 2000000000 >>",
+          "<< /Type /Pages /Kids [2 0 R] /Parent 2 0 R /Count -1 >>"})
         EXPECT_EQ(Read("x.pdf", pdf(pages)), Lines{"\"x.pdf\" cannot be read: it is damaged."}) << pages;
 }
 
