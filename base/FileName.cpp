@@ -29,6 +29,11 @@ std::string InAnyExtensionCase(const std::string& path)
     return found.empty() ? path : (wanted.parent_path() / found).string();
 }
 
+std::string_view NameOfPath(std::string_view path)
+{
+    return path.substr(path.find_last_of("/\\") + 1);
+}
+
 std::string AddressOfPath(const std::string& path)
 {
     std::string address = path.starts_with('/') ? "file://" : "file:///";

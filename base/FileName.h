@@ -11,6 +11,9 @@ namespace voxmate
 /// `path` itself if that exists, else the first such file in alphabetical order. Returns `path` when there is none.
 std::string InAnyExtensionCase(const std::string& path);
 
+/// A file's name without its folder.
+std::string_view NameOfPath(std::string_view path);
+
 /// The address of a file of this computer, given by its full path with slashes: every byte except unreserved
 /// characters,
 /// "/" and ":" is written as %XX (RFC 3986).

@@ -4,7 +4,7 @@ Usage: /usr/bin/python3 bench/readers.py [PAGES]
 
 LibreOffice, pandoc and groff make the files. Each program reads each file five times; the medians are printed: the
 milliseconds to the first block (Voxmate only) and to the end, and the most memory in megabytes. The reader's memory is
-that of its process. Programs that are not installed are left out."""
+that of its process, LibreOffice's that of the largest of its processes. Programs that are not installed are left out."""
 
 import os
 import shutil
@@ -32,21 +32,25 @@ _, status, usage = os.wait4(child, 0)
 print((time.monotonic() - start) * 1000, usage.ru_maxrss, status)
 """
 
+# Its output and its profile go to the folder of the files.
+OFFICE = ["soffice", "-env:UserInstallation=file://FOLDER/profile", "--headless", "--convert-to", "txt:Text", "--outdir",
+          "FOLDER/converted"]
 OTHERS = {
     "txt": [["cat"]],
     "md": [["pandoc", "-f", "gfm", "-t", "plain"]],
     "html": [["pandoc", "-f", "html", "-t", "plain"]],
-    "docx": [["pandoc", "-f", "docx", "-t", "plain"]],
-    "odt": [["odt2txt"], ["pandoc", "-f", "odt", "-t", "plain"]],
+    "docx": [["pandoc", "-f", "docx", "-t", "plain"], OFFICE],
+    "odt": [["odt2txt"], ["pandoc", "-f", "odt", "-t", "plain"], OFFICE],
     "epub": [["pandoc", "-f", "epub", "-t", "plain"]],
-    "rtf": [["catdoc"], ["unrtf", "--text"]],
+    "rtf": [["catdoc"], ["unrtf", "--text"], OFFICE],
     "pdf": [["pdftotext"]],
-    "doc": [["catdoc"], ["antiword"]],
+    "doc": [["catdoc"], ["antiword"], OFFICE],
 }
 
 
 def other(command, path):
-    command = [shutil.which(command[0]), *command[1:], path] + (["-"] if command[0] == "pdftotext" else [])
+    folder = os.path.dirname(path)
+    command = [shutil.which(command[0]), *(part.replace("FOLDER", folder) for part in command[1:]), path] + (["-"] if command[0] == "pdftotext" else [])
     times, memory = [], 0
     for _ in range(ROUNDS):
         out = subprocess.run([sys.executable, "-I", "-S", "-c", LAUNCHER, *command], capture_output=True, check=True)

@@ -1,5 +1,6 @@
 #include "extras/Documents.h"
 
+#include "base/FileName.h"
 #include "base/Text.h"
 #include "extras/WordText.h"
 #include "modules/Command.h"
@@ -26,18 +27,14 @@ constexpr int BlocksAtATime = 50; // some milliseconds' work
 constexpr int BlocksToSkip = 500; // on the way to where a document was left
 /// What has been read and not been heard: more than a thousand pages.
 constexpr std::size_t MostAhead = std::size_t{16} << 20;
+/// What is kept of a document that has ended, in case its text is asked for: some hundred pages.
+constexpr std::size_t LargestKept = std::size_t{1} << 20;
 /// A word as speeds are counted, with the blank behind it.
 constexpr std::uint64_t CharactersPerWord = 6;
 
 std::string Counted(std::uint64_t number, const char* what)
 {
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
-}
-
-// The file's name without its folder.
-std::string NameOf(const std::string& file)
-{
-    return file.substr(file.find_last_of("/\\") + 1);
 }
 
 } // namespace
@@ -109,18 +106,21 @@ void Documents::BySentence(int sentences)
     Tell();
 }
 
-void Documents::ByParagraph(bool forward)
+void Documents::ByParagraph(bool forward, Narrator::Pausing pausing)
 {
-    narrator_.MoveByParagraph(forward);
+    narrator_.MoveByParagraph(forward, pausing);
     Tell();
 }
 
-void Documents::ReadFrom(std::size_t part)
+void Documents::ReadFrom(std::size_t part, Narrator::Pausing pausing)
 {
     HeedStop();
     if (HasDocument()) {
-        narrator_.MoveToPart(part);
+        narrator_.MoveToPart(part, pausing);
         Tell();
+    } else if (!last_.empty() && !program_.Host.Files.FileExists(last_)) {
+        // The window's text stays.
+        TellFault(readers::Sentence(Refusal::NotFound, last_, false));
     } else if (!last_.empty()) {
         places_.Keep(fingerprint_, part);
         Put(last_);
@@ -133,7 +133,8 @@ void Documents::ReadFromTime(double seconds)
     if (!times || times->Spoken + times->Left <= 0)
         return;
     const double share = std::clamp(seconds / (times->Spoken + times->Left), 0.0, 1.0);
-    ReadFrom(narrator_.PartAtCharacter(static_cast<std::uint64_t>(share * double(narrator_.Characters()))));
+    ReadFrom(narrator_.PartAtCharacter(static_cast<std::uint64_t>(share * double(narrator_.Characters()))),
+             Narrator::Pausing::Stays);
 }
 
 void Documents::Tell() const
@@ -178,7 +179,7 @@ void Documents::SetFile(std::string file)
         way->Enabled = HasDocument();
     if (HasDocument()) {
         last_ = file_;
-        name_ = NameOf(file_);
+        name_ = NameOfPath(file_);
         ++number_;
     } else {
         Tell();
@@ -353,13 +354,24 @@ void Documents::Finish(Narrator::End end)
     SetFile("");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)
-        sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or no wave file.";
+        sentence_ = "\"" + std::string(NameOfPath(file)) + "\" cannot be played: it is damaged, or no wave file.";
     if (end == Narrator::End::Stopped) {
         waiting_.clear();
     } else if (!sentence_.empty()) {
-        program_.Messages.Announce(sentence_, vbExclamation, "Voxmate - File Error", "Decline");
+        TellFault(sentence_);
         program_.Main->SetStatus(StatusIdle);
     }
+}
+
+void Documents::TellFault(const std::string& sentence)
+{
+    program_.Messages.Announce(sentence, vbExclamation, "Voxmate - File Error", "Decline");
+}
+
+void Documents::ForgetLong()
+{
+    if (!HasDocument() && narrator_.Size() > LargestKept)
+        narrator_.Forget();
 }
 
 std::optional<Documents::Times> Documents::Estimate() const

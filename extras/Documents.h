@@ -59,13 +59,16 @@ public:
     /// Adds an act that runs whenever something of the above has changed, and with each word.
     void Watch(Event act) { watchers_.push_back(std::move(act)); }
 
+    /// Frees the text of a document that has ended, if it is so long that this is worth while.
+    void ForgetLong();
+
     // What the menu's items do. Nothing where no document is read.
     void PauseOrGoOn();
     void BySentence(int sentences);
-    void ByParagraph(bool forward);
+    void ByParagraph(bool forward, Narrator::Pausing pausing = Narrator::Pausing::Ends);
     /// Reads on from a part of the document that was begun last; opens it again if it has ended.
-    void ReadFrom(std::size_t part);
-    /// Reads on from the sentence that is heard so many seconds from the beginning, by Estimate.
+    void ReadFrom(std::size_t part, Narrator::Pausing pausing = Narrator::Pausing::Ends);
+    /// Goes to the sentence that is heard so many seconds from the beginning, by Estimate. A pause stays.
     void ReadFromTime(double seconds);
 
 private:
@@ -109,6 +112,7 @@ private:
     void ReadByButton();
     void ReadConverted();
     void Finish(Narrator::End end);
+    void TellFault(const std::string& sentence);
     bool IsOpening() const;
     std::string TimeLeft() const;
     void ShowStatus();

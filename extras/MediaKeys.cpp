@@ -78,10 +78,10 @@ void MediaKeys::Do(MediaControls::Command command)
             stop_();
         break;
     case MediaControls::Command::Next:
-        documents_.ByParagraph(true);
+        documents_.ByParagraph(true, Narrator::Pausing::Stays);
         break;
     case MediaControls::Command::Previous:
-        documents_.ByParagraph(false);
+        documents_.ByParagraph(false, Narrator::Pausing::Stays);
         break;
     case MediaControls::Command::Raise:
         raise_();

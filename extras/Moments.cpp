@@ -1,9 +1,7 @@
 #include "extras/Moments.h"
 
-#include "base/Text.h"
+#include "modules/Format.h"
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <ratio>
 
@@ -39,11 +37,6 @@ Moment NextQuarter(Moment now)
 
 std::string SpokenMoment(Moment at, Moment now)
 {
-    static constexpr std::array<const char*, 7> weekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                                         "Thursday", "Friday", "Saturday"};
-    static constexpr std::array<const char*, 12> months{"January",   "February", "March",    "April",
-                                                        "May",       "June",     "July",     "August",
-                                                        "September", "October",  "November", "December"};
     const std::chrono::local_days day = std::chrono::floor<days>(at);
     const days later = day - std::chrono::floor<days>(now);
     const DateTime when = ToDateTime(at);
@@ -53,9 +46,8 @@ std::string SpokenMoment(Moment at, Moment now)
     else if (later == days(1))
         said = "Tomorrow";
     else
-        said = std::string(weekdays.at(std::chrono::weekday(day).c_encoding())) + ", " + std::to_string(when.day) +
-               " " + months.at(static_cast<std::size_t>(when.month) - 1) + " " + std::to_string(when.year);
-    return said + " at " + Padded(when.hour, 2) + ":" + Padded(when.minute, 2);
+        said = Format(when, "dddd, d mmmm yyyy");
+    return said + " at " + Format(when, "hh:nn");
 }
 
 } // namespace voxmate

@@ -53,15 +53,20 @@ Narrator::~Narrator()
 
 void Narrator::Begin(std::size_t from)
 {
-    Halt();
-    parts_.clear();
-    first_ = at_ = next_ = 0;
-    word_ = -1;
+    Forget();
     from_ = from;
+    closed_ = false;
+    speaking_ = true;
+}
+
+void Narrator::Forget()
+{
+    Halt();
+    parts_ = {};
+    first_ = at_ = next_ = from_ = 0;
+    word_ = -1;
     characters_ = 0;
     ahead_ = behind_ = 0;
-    closed_ = paused_ = false;
-    speaking_ = true;
 }
 
 void Narrator::Append(SpokenPart part)
@@ -125,7 +130,7 @@ void Narrator::MoveBy(int parts)
         GoTo(at_ + static_cast<std::size_t>(parts));
 }
 
-void Narrator::MoveByParagraph(bool forward)
+void Narrator::MoveByParagraph(bool forward, Pausing pausing)
 {
     std::size_t part = std::min(at_, Count());
     if (forward) {
@@ -135,18 +140,21 @@ void Narrator::MoveByParagraph(bool forward)
         while (part > first_ && !Part(--part).part.begins)
             ;
     }
-    GoTo(part);
+    GoTo(part, pausing);
 }
 
 // Of what has not come yet nothing can be spoken, so a way beyond the last part leads nowhere.
-void Narrator::GoTo(std::size_t part)
+void Narrator::GoTo(std::size_t part, Pausing pausing)
 {
     if (!speaking_ || Seeking() || part >= Count())
         return;
     Drop();
     MoveTo(part);
     next_ = part;
-    GoOn();
+    if (paused_ && pausing == Pausing::Stays)
+        Raise(Moved);
+    else
+        GoOn();
 }
 
 // Takes back what has been asked for.

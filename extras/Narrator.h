@@ -30,6 +30,9 @@ public:
         Failed   ///< a part could not be heard
     };
 
+    /// Whether a way to another part ends a pause.
+    enum class Pausing { Ends, Stays };
+
     /// Forgets the text before and begins another: with the part of that number, or, if it turns out to have no such
     /// part, with its first.
     void Begin(std::size_t from);
@@ -39,6 +42,8 @@ public:
     void Close();
     /// Ends without an event.
     void Halt();
+    /// Ends so, and frees the text.
+    void Forget();
 
     /// Falls silent, and speaks on from the beginning of the part that it was in.
     void Pause();
@@ -47,15 +52,15 @@ public:
     /// Speaks on from a part that is so many parts or one paragraph away; from a paragraph's middle its own beginning
     /// counts as one back. A way beyond the first part leads to that, one beyond the last nowhere.
     void MoveBy(int parts);
-    void MoveByParagraph(bool forward);
+    void MoveByParagraph(bool forward, Pausing pausing = Pausing::Ends);
     /// Whether the first part of all is still kept.
     bool HasBeginning() const { return first_ == 0; }
     void MoveToBeginning() { GoTo(first_); }
     /// Speaks on from a part; does nothing where it is not kept.
-    void MoveToPart(std::size_t part)
+    void MoveToPart(std::size_t part, Pausing pausing = Pausing::Ends)
     {
         if (part >= first_)
-            GoTo(part);
+            GoTo(part, pausing);
     }
 
     /// Whether no part has come yet.
@@ -80,6 +85,8 @@ public:
     std::uint64_t Left() const;
     /// The bytes of memory that the parts from At on take, about.
     std::size_t Ahead() const { return ahead_; }
+    /// The same of all parts that are kept.
+    std::size_t Size() const { return behind_ + ahead_; }
 
     /// Another part is being spoken, or the status line has been changed by the end of something else that was spoken.
     Event Moved;
@@ -119,7 +126,7 @@ private:
 
     const Kept& Part(std::size_t number) const { return parts_[number - first_]; }
     void MoveTo(std::size_t part);
-    void GoTo(std::size_t part);
+    void GoTo(std::size_t part, Pausing pausing = Pausing::Ends);
     void Drop();
     void Feed();
     void Ask(std::size_t number);

@@ -110,6 +110,9 @@ void Pieces::Answered(const std::string& name, GlobalKeys::Outcome outcome, cons
             continue;
         Turn(shortcut, false);
         shortcut.item->Checked = false;
+        // Who has closed the desktop's own question knows that.
+        if (outcome == GlobalKeys::Outcome::Refused)
+            continue;
         program_.Messages.Announce(outcome == GlobalKeys::Outcome::Taken
                                        ? "Another program holds the key " + shortcut.key.Trigger + "."
                                        : "This desktop lets no program have keys in the windows of others.",

@@ -22,10 +22,18 @@ using std::chrono::hours;
 using std::chrono::minutes;
 using Day = std::chrono::local_days;
 
-constexpr hours MorningHour{9};      ///< of a day without a time
-constexpr hours EveningHour{20};     ///< of "tonight"
-constexpr hours FirstEveningHour{4}; ///< the first hour that "tonight" may mean by the clock's twelve
-constexpr int FirstYear = 1000;      ///< the reminders' file keeps years of four digits
+/// A part of the day: the hour that it means by itself, and the first hour that it may mean by the clock's twelve.
+struct DayPart {
+    hours alone;
+    hours first;
+};
+constexpr hours Noon{12};
+constexpr DayPart Morning{hours(9), hours(0)}; ///< also of a day without a time
+constexpr DayPart Afternoon{hours(15), hours(1)};
+constexpr DayPart Evening{hours(20), hours(4)};
+/// A number alone that is smaller is no hour of the day where something follows it: "monday 2 eggs".
+constexpr int FirstBareHour = 6;
+constexpr int FirstYear = 1000; ///< the reminders' file keeps years of four digits
 constexpr int LastYear = 9999;
 
 /// A word as it was written, and as it is compared: in small letters, without the marks behind it.
@@ -68,6 +76,20 @@ std::optional<int> TakeNumber(std::string_view& text)
     std::from_chars(text.data(), text.data() + digits, number);
     text.remove_prefix(digits);
     return number;
+}
+
+/// The digits behind a point that a text begins with, as a part of one; the text is left with the rest.
+double TakeFraction(std::string_view& text)
+{
+    if (text.size() < 2 || text[0] != '.' || text[1] < '0' || text[1] > '9')
+        return 0;
+    text.remove_prefix(1);
+    double fraction = 0;
+    for (double place = 0.1; !text.empty() && text[0] >= '0' && text[0] <= '9'; place /= 10) {
+        fraction += place * (text[0] - '0');
+        text.remove_prefix(1);
+    }
+    return fraction;
 }
 
 std::optional<int> WholeNumberIn(std::string_view text)
@@ -122,8 +144,8 @@ struct Said {
     std::optional<minutes> time;  ///< since midnight
     std::optional<minutes> later; ///< from now
     std::optional<unsigned> weekday;
-    bool evening = false;  ///< "tonight"
-    bool thisYear = false; ///< the day was said without its year
+    std::optional<DayPart> part; ///< "tonight", "in the evening"
+    bool thisYear = false;       ///< the day was said without its year
     std::vector<std::string> rest;
 };
 
@@ -140,6 +162,8 @@ public:
         for (std::size_t at = 0; at < words_.size();) {
             std::size_t taken = TakeDay(at);
             const bool day = taken > 0;
+            if (taken == 0)
+                taken = TakePart(at);
             if (taken == 0)
                 taken = TakeTime(at, afterDay);
             if (taken == 0)
@@ -159,7 +183,23 @@ private:
 
     std::string_view At(std::size_t at) const { return at < words_.size() ? words_[at].plain : std::string_view(); }
 
-    /// "in 15 minutes", "in 1 hour 30 minutes", "in 2h", "in two hours", "in half an hour", "in an hour and a half".
+    /// "in the morning", "in the afternoon", "in the evening".
+    std::size_t TakePart(std::size_t from)
+    {
+        if (said_.part || At(from) != "in" || At(from + 1) != "the")
+            return 0;
+        const std::string_view part = At(from + 2);
+        if (part == "morning")
+            said_.part = Morning;
+        else if (part == "afternoon")
+            said_.part = Afternoon;
+        else if (part == "evening")
+            said_.part = Evening;
+        return said_.part ? 3 : 0;
+    }
+
+    /// "in 15 minutes", "in 1.5 hours", "in 1 hour 30 minutes", "in 2h", "in two hours", "in half an hour", "in an hour
+    /// and a half".
     std::size_t TakeLater(std::size_t from)
     {
         if (said_.later || At(from) != "in")
@@ -182,6 +222,7 @@ private:
             std::optional<int> count = CountIn(At(end));
             std::string_view unitName = At(end + 1);
             std::size_t words = 2;
+            double fraction = 0;
             if (!count && half) { // "half hour"
                 count = 1;
                 unitName = At(end);
@@ -189,6 +230,7 @@ private:
             } else if (!count) {
                 std::string_view word = At(end);
                 count = TakeNumber(word);
+                fraction = TakeFraction(word);
                 if (!word.empty()) { // the unit is in the same word
                     unitName = word;
                     words = 1;
@@ -198,7 +240,7 @@ private:
             if (!count || !unit)
                 break;
             last = *unit;
-            sum += *count * *unit / (half ? 2 : 1);
+            sum += *count * *unit / (half ? 2 : 1) + std::chrono::round<minutes>(fraction * *unit);
             end += words;
         }
         if (sum == minutes(0))
@@ -247,10 +289,24 @@ private:
             ++at;
             certain = true;
         }
-        if (!certain || *hour > 23)
+        if (!certain || *hour > 23 || (!called && minute == 0 && word.empty() && IsCount(from, *hour)))
             return 0;
         said_.time = hours(*hour) + minutes(minute);
         return at - from;
+    }
+
+    /// Whether a number alone behind a day is how many there are of what follows: "tomorrow 12 eggs".
+    bool IsCount(std::size_t at, int number) const
+    {
+        if (At(at).find_first_not_of("0123456789") != std::string_view::npos || At(at + 1).empty())
+            return false;
+        const std::string_view next = At(at + 1);
+        constexpr std::array<std::string_view, 4> noPlurals{"ss", "us", "is", "ics"};
+        const bool plural =
+            next.size() > 3 && next.ends_with('s') &&
+            std::none_of(noPlurals.begin(), noPlurals.end(), [&](std::string_view end) { return next.ends_with(end); });
+        const bool night = number < FirstBareHour && !said_.part;
+        return next != "o'clock" && next != "in" && (night || plural);
     }
 
     /// Whether a name of a weekday is meant as such. The short ones are words of their own ("sun cream", "she sat"), so
@@ -286,7 +342,8 @@ private:
         const std::string_view word = At(at);
         if (word == "today" || word == "tomorrow" || word == "tonight") {
             said_.day = today_ + days(word == "tomorrow" ? 1 : 0);
-            said_.evening = word == "tonight";
+            if (word == "tonight")
+                said_.part = Evening;
             return at + 1 - from;
         }
         const std::size_t date = TakeDate(at);
@@ -390,10 +447,11 @@ std::optional<Moment> MomentOf(const Said& said, Moment now)
         return wholeDays && said.time ? future(today + std::chrono::floor<days>(*said.later) + *said.time)
                                       : future(now + *said.later);
     }
-    minutes time = said.time.value_or(said.evening ? EveningHour : MorningHour);
+    const DayPart part = said.part.value_or(Morning);
+    minutes time = said.time.value_or(part.alone);
     // "tonight at 9" is no morning.
-    if (said.evening && time >= FirstEveningHour && time < hours(12))
-        time += hours(12);
+    if (part.alone > Noon && time >= part.first && time < Noon)
+        time += Noon;
     if (said.day) {
         Moment moment = *said.day + time;
         if (moment <= now && said.thisYear) {
@@ -418,7 +476,7 @@ std::variant<NoTimeSaid, QuickReminder, QuickRefusal> ReadQuickReminder(std::str
     const Day today = std::chrono::floor<days>(moment);
     const std::vector<Word> words = WordsOf(text);
     const Said said = Reader(words, today).Read();
-    const bool timed = said.day || said.time || said.later || said.weekday;
+    const bool timed = said.day || said.time || said.later || said.weekday || said.part;
     if (Repeats(words, timed))
         return QuickRefusal{"A reminder comes once. Please give one day and one time."};
     if (!timed)
@@ -428,8 +486,8 @@ std::variant<NoTimeSaid, QuickReminder, QuickRefusal> ReadQuickReminder(std::str
         return QuickRefusal{"Please say what you want to be reminded of, too."};
     const std::optional<Moment> at = MomentOf(said, moment);
     if (!at)
-        return QuickRefusal{said.day == today && !said.time && !said.evening ? "Please say at what time today."
-                                                                             : "That time has passed already."};
+        return QuickRefusal{said.day == today && !said.time && !said.part ? "Please say at what time today."
+                                                                          : "That time has passed already."};
     const DateTime when = ToDateTime(*at);
     if (when.year > LastYear)
         return QuickRefusal{"That is too far away."};

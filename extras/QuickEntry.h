@@ -28,10 +28,10 @@ struct NoTimeSaid {
     bool operator==(const NoTimeSaid&) const = default;
 };
 
-/// Reads an English text with a moment in it: "in 15 minutes", "in 1 hour 30 minutes", "at 9", "9:30 pm", "noon",
-/// "today", "tonight", "tomorrow", "friday", "next friday", "7 march", "march 7 2027", "2027-03-07", in any order and
-/// mixed with the title's words. A day without a time means 9:00, an hour without a day the next such hour, and a
-/// weekday the next such day. Capitals do not matter.
+/// Reads an English text with a moment in it: "in 15 minutes", "in 1.5 hours", "at 9", "9:30 pm", "noon",
+/// "in the evening", "today", "tonight", "tomorrow", "friday", "next friday", "7 march", "march 7 2027", "2027-03-07",
+/// in any order and mixed with the title's words. A day without a time means 9:00, an hour without a day the next such
+/// hour, and a weekday the next such day. Capitals do not matter.
 std::variant<NoTimeSaid, QuickReminder, QuickRefusal> ReadQuickReminder(std::string_view text, const DateTime& now);
 
 } // namespace voxmate

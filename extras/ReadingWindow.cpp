@@ -66,6 +66,7 @@ void ReadingWindow::Form_Unload()
 {
     tmrText.Enabled = false;
     text_.Clear(0);
+    documents_.ForgetLong();
 }
 
 void ReadingWindow::Look()
@@ -148,6 +149,8 @@ bool ReadingWindows::Opens() const
 // The keyboard stays where it is.
 void ReadingWindows::Look()
 {
+    if (!window_.IsShown())
+        documents_.ForgetLong();
     if (std::exchange(seen_, documents_.Number()) == documents_.Number() || !Opens() || window_.IsShown())
         return;
     window_.ShowActivated = false;

@@ -20,9 +20,10 @@ public:
         bool operator==(const Key&) const = default;
     };
     enum class Outcome {
-        Held,  ///< it reaches the program from now on
-        Taken, ///< another program has it, or the user has refused
-        None   ///< the desktop offers no such keys
+        Held,    ///< it reaches the program from now on
+        Taken,   ///< another program has it
+        Refused, ///< by the user, in the desktop's dialog
+        None     ///< the desktop offers no such keys
     };
 
     /// Both run in the event loop. Answered tells what came of a key that Hold asked for; `trigger` is then the key in

@@ -1,5 +1,7 @@
 #include "readers/Refusal.h"
 
+#include "base/FileName.h"
+
 namespace voxmate::readers
 {
 
@@ -45,9 +47,7 @@ std::string Sentence(Refusal refusal, std::string_view path, bool begun)
 {
     if (refusal == Refusal::None)
         return "";
-    const std::size_t slash = path.find_last_of("/\\");
-    const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
-    return "\"" + std::string(name) + "\" cannot be read" + (begun ? " to its end" : "") + ": " +
+    return "\"" + std::string(NameOfPath(path)) + "\" cannot be read" + (begun ? " to its end" : "") + ": " +
            std::string(Reason(refusal)) + ".";
 }
 

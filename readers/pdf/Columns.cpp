@@ -3,6 +3,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -46,15 +47,11 @@ struct Side {
     }
 };
 
-// Where many lines begin, from left to right.
-std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
+// The places at which many things begin, from left to right.
+std::vector<double> CommonEdges(std::vector<double> lefts)
 {
     constexpr double same = 1.5; // points
     constexpr std::size_t many = 8;
-    std::vector<double> lefts;
-    lefts.reserve(lines.size());
-    for (const PdfLine& line : lines)
-        lefts.push_back(line.left);
     std::sort(lefts.begin(), lefts.end());
     std::vector<double> edges;
     for (std::size_t begin = 0; begin < lefts.size();) {
@@ -68,21 +65,71 @@ std::vector<double> CommonEdges(const std::vector<PdfLine>& lines)
     return edges;
 }
 
+constexpr double Margin = 1.5; ///< points: so far before its column's left edge a gutter ends
+constexpr std::size_t MostColumns = 10;
+
+// Where columns may begin: where many words do so, and few lines reach over it.
+std::vector<double> PossibleGutters(const std::vector<PdfLine>& lines)
+{
+    std::vector<double> lefts;
+    for (const PdfLine& line : lines)
+        for (const PdfLine::Word& word : line.words)
+            lefts.push_back(word.left);
+    std::vector<double> gutters;
+    for (const double edge : CommonEdges(std::move(lefts))) {
+        const double gutter = edge - Margin;
+        std::size_t begin = 0;
+        std::size_t across = 0;
+        bool within = false;
+        for (const PdfLine& line : lines) {
+            const auto word = std::find_if(line.words.begin(), line.words.end(),
+                                           [&](const PdfLine::Word& one) { return one.left >= gutter; });
+            const bool begins = word != line.words.end() && word->left < gutter + 2 * Margin;
+            const bool reaches = line.left < gutter && line.right > gutter;
+            begin += begins ? 1 : 0;
+            across += !begins && reaches ? 1 : 0;
+            within = within || reaches;
+        }
+        if (within && across < begin)
+            gutters.push_back(gutter);
+    }
+    return gutters;
+}
+
 } // namespace
+
+std::vector<PdfLine> ColumnLinesOf(const PdfPage& page)
+{
+    std::vector<PdfLine> lines = LinesOf(page);
+    if (lines.size() > MostLines)
+        return lines;
+    std::vector<double> possible = PossibleGutters(lines);
+    if (possible.empty())
+        return lines;
+    const std::vector<double> gutters = Gutters(LinesOf(page, possible));
+    // Within a list or a table no prose is parted.
+    std::erase_if(possible, [&](double one) {
+        return std::none_of(gutters.begin(), gutters.end(),
+                            [&](double gutter) { return std::abs(gutter - one) < Margin; });
+    });
+    return possible.empty() ? lines : LinesOf(page, possible);
+}
 
 std::vector<double> Gutters(const std::vector<PdfLine>& lines)
 {
-    constexpr double margin = 1.5; // points
-    constexpr std::size_t mostColumns = 10;
+    std::vector<double> lefts;
+    lefts.reserve(lines.size());
+    for (const PdfLine& line : lines)
+        lefts.push_back(line.left);
     std::vector<double> gutters;
-    for (const double edge : CommonEdges(lines)) {
-        const double gutter = edge - margin;
+    for (const double edge : CommonEdges(std::move(lefts))) {
+        const double gutter = edge - Margin;
         const double before = gutters.empty() ? -1e9 : gutters.back();
         Side left;
         Side right;
         std::size_t across = 0;
         for (const PdfLine& line : lines) {
-            if (line.left >= gutter && line.left < gutter + 2 * margin)
+            if (line.left >= gutter && line.left < gutter + 2 * Margin)
                 right.Add(line);
             else if (line.left >= before && line.right <= gutter)
                 left.Add(line);
@@ -92,7 +139,7 @@ std::vector<double> Gutters(const std::vector<PdfLine>& lines)
         const bool beside = std::min(left.bottom, right.bottom) > std::max(left.top, right.top);
         // Titles and tables may reach over several columns, but not most of the page.
         if (beside && left.IsProse() && right.IsProse() && across * 4 < left.lines.size() + right.lines.size() &&
-            gutters.size() < mostColumns)
+            gutters.size() < MostColumns)
             gutters.push_back(gutter);
     }
     return gutters;

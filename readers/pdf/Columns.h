@@ -9,6 +9,9 @@
 namespace voxmate::readers
 {
 
+/// The lines of a page, of which none reaches from one column of prose into the next.
+std::vector<PdfLine> ColumnLinesOf(const PdfPage& page);
+
 /// Where columns of prose are parted, from left to right. Empty for a page of one column.
 std::vector<double> Gutters(const std::vector<PdfLine>& lines);
 

@@ -31,8 +31,6 @@ constexpr double SmallHeading = 1.1;
 constexpr double NoteSize = 0.93;
 constexpr std::size_t LongestHeading = 300; ///< bytes
 constexpr std::size_t LongestBoldHeading = 120;
-// A page with more lines than this is no page of a text; it is read without looking for tables.
-constexpr std::size_t MostLines = 5000;
 
 bool IsSentenceEnd(std::string_view text)
 {
@@ -104,7 +102,7 @@ Layout::Layout(BlockSink sink, const std::map<std::string, int>& headings)
 
 void Layout::Add(const PdfPage& page)
 {
-    pages_.push_back({page.label, LinesOf(page)});
+    pages_.push_back({page.label, ColumnLinesOf(page)});
     for (const PdfLine& line : pages_.back().lines)
         vocabulary_.Add(line.text);
     Measure(pages_.back().lines);

@@ -18,6 +18,7 @@ namespace
 constexpr double WordGap = 0.12;     ///< the narrowest blank
 constexpr double WideBlank = 4;      ///< the widest, in a line that fills its width
 constexpr double ColumnGap = 0.35;   ///< where there is no blank: what follows is another line's
+constexpr double NarrowGutter = 0.4; ///< between columns there is more than a blank
 constexpr double LooseHyphen = 0.25; ///< before a hyphen at a line's end
 constexpr double Raised = 0.15;      ///< a mark's foot is at least so far above the line's
 constexpr double SmallMark = 0.82;   ///< and it is at most so large
@@ -28,12 +29,15 @@ bool IsMark(std::string_view text)
     return digits || text == "*" || text == "**" || text == "\xE2\x80\xA0" /* † */ || text == "\xE2\x80\xA1" /* ‡ */;
 }
 
-bool OnOneLine(const PdfWord& before, const PdfWord& word)
+bool OnOneLine(const PdfWord& before, const PdfWord& word, const std::vector<double>& gutters)
 {
     const double overlap = std::min(before.bottom, word.bottom) - std::max(before.top, word.top);
     const double height = std::min(before.bottom - before.top, word.bottom - word.top);
     const double size = std::max(before.size, word.size);
     const double gap = word.left - before.right;
+    if (std::any_of(gutters.begin(), gutters.end(),
+                    [&](double gutter) { return word.left >= gutter && before.right <= gutter - NarrowGutter * size; }))
+        return false;
     return overlap > height / 2 && gap > -size / 2 && gap < (before.blank ? WideBlank : ColumnGap) * size;
 }
 
@@ -89,7 +93,7 @@ void Bound(PdfWord& word)
 
 } // namespace
 
-std::vector<PdfLine> LinesOf(const PdfPage& page)
+std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<double>& gutters)
 {
     std::vector<PdfLine> lines;
     std::vector<PdfWord> words = page.words;
@@ -97,7 +101,7 @@ std::vector<PdfLine> LinesOf(const PdfPage& page)
         Bound(word);
     for (std::size_t begin = 0; begin < words.size();) {
         std::size_t end = begin + 1;
-        while (end < words.size() && OnOneLine(words[end - 1], words[end]))
+        while (end < words.size() && OnOneLine(words[end - 1], words[end], gutters))
             ++end;
         PdfLine line = LineOf(words.data() + begin, words.data() + end);
         if (!Clean(line.text).empty())

@@ -45,12 +45,15 @@ struct PdfLine {
     double Width() const { return right - left; }
 };
 
+/// A page with more lines than this is no page of a text; it is read without looking for columns and tables.
+inline constexpr std::size_t MostLines = 5000;
+
 /// Around a raised mark in a line's text (private characters).
 inline constexpr const char* MarkBegin = "\xEE\x80\x80";
 inline constexpr const char* MarkEnd = "\xEE\x80\x81";
 
-/// The lines of a page in the order of its words.
-std::vector<PdfLine> LinesOf(const PdfPage& page);
+/// The lines of a page in the order of its words. A gap over one of `gutters` ends a line although it is narrow.
+std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<double>& gutters = {});
 
 /// A text without the raised marks that are among `marks`; of others the characters stay.
 std::string WithoutMarks(const std::string& text, const std::vector<std::string>& marks);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace voxmate::readers
 {
@@ -22,11 +23,36 @@ constexpr double NextRow = 4;           ///< and that of rows this
 constexpr double ShortCell = 14;
 constexpr double FullColumn = 0.8;
 
-// A run of rows that may be a table.
+constexpr double SameEdge = 1; // points
+
+// The right edge of justified text; none where the lines end anywhere.
+std::optional<double> JustifiedEdge(const std::vector<PdfLine>& lines)
+{
+    constexpr std::size_t enough = 8;
+    constexpr std::size_t share = 3;
+    std::vector<double> rights;
+    rights.reserve(lines.size());
+    for (const PdfLine& line : lines)
+        rights.push_back(line.right);
+    std::sort(rights.begin(), rights.end());
+    std::size_t most = 0;
+    double edge = 0;
+    for (std::size_t begin = 0, end = 0; begin < rights.size(); ++begin) {
+        while (end < rights.size() && rights[end] - rights[begin] < SameEdge)
+            ++end;
+        if (end - begin > most) {
+            most = end - begin;
+            edge = rights[begin];
+        }
+    }
+    return most >= enough && most * share >= lines.size() ? std::optional(edge) : std::nullopt;
+}
+
+// A run of rows that may be a table. `justified` is where the lines of the text around it end, if they all do so.
 class Run
 {
 public:
-    explicit Run(const std::vector<PdfLine>& lines) : lines_(lines) {}
+    Run(const std::vector<PdfLine>& lines, std::optional<double> justified) : lines_(lines), justified_(justified) {}
 
     bool Empty() const { return rows_.empty(); }
 
@@ -48,7 +74,7 @@ public:
 
     std::vector<PdfRow> Table()
     {
-        if (rows_.size() < 2 || columns_.size() < 2 || IsProse())
+        if (rows_.size() < 2 || columns_.size() < 2 || IsProse() || IsJustified())
             return {};
         std::vector<PdfRow> table;
         for (const std::vector<std::size_t>& row : rows_) {
@@ -162,7 +188,23 @@ private:
         return true;
     }
 
+    // Whether these are lines of justified text with wide blanks. A table's last column may end where they do if it
+    // holds numbers.
+    bool IsJustified() const
+    {
+        if (!justified_)
+            return false;
+        const auto full = static_cast<std::size_t>(std::count_if(rows_.begin(), rows_.end(), [&](const auto& row) {
+            return std::any_of(row.begin(), row.end(), [&](std::size_t i) {
+                return std::abs(lines_[i].right - *justified_) < 2 * SameEdge &&
+                       std::none_of(lines_[i].text.begin(), lines_[i].text.end(), IsDigit);
+            });
+        }));
+        return full * 2 >= rows_.size();
+    }
+
     const std::vector<PdfLine>& lines_;
+    std::optional<double> justified_;
     std::vector<std::vector<std::size_t>> rows_;
     std::vector<Extent> columns_;
     double bottom_ = 0;
@@ -170,7 +212,8 @@ private:
 
 void FindIn(const std::vector<PdfLine>& lines, std::vector<std::vector<PdfRow>>& tables)
 {
-    std::optional<Run> run(lines);
+    const std::optional<double> justified = JustifiedEdge(lines);
+    std::optional<Run> run(std::in_place, lines, justified);
     const auto end = [&] {
         if (std::vector<PdfRow> table = run->Table(); !table.empty())
             tables.push_back(std::move(table));
@@ -179,7 +222,7 @@ void FindIn(const std::vector<PdfLine>& lines, std::vector<std::vector<PdfRow>>&
         if (row.lines.size() <= MostColumns && run->Take(row))
             continue;
         end();
-        run.emplace(lines);
+        run.emplace(lines, justified);
         if (row.lines.size() <= MostColumns)
             run->Take(row);
     }

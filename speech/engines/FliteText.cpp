@@ -104,13 +104,19 @@ bool EndsSentence(std::string_view text, std::size_t start, std::size_t at)
     return at - start > LongSentence && (stop == ',' || stop == ';' || stop == ':');
 }
 
+// Blank in a text of ASCII.
+bool IsBlankByte(char c)
+{
+    return IsBlank(static_cast<unsigned char>(c));
+}
+
 } // namespace
 
 std::size_t FliteSentence::SourceOfToken(int filePosition) const
 {
     // Flite's position is one character past the token, except at the end of the text.
     std::size_t at = std::min(static_cast<std::size_t>(std::max(filePosition, 1)), text.size()) - 1;
-    while (at > 0 && IsBlank(text[at]))
+    while (at > 0 && IsBlankByte(text[at]))
         --at;
     return source[at];
 }
@@ -138,10 +144,10 @@ std::vector<FliteSentence> SplitForFlite(const MarkedText& text)
     std::size_t start = 0;
     for (std::size_t i = 0; i < ascii.size(); ++i) {
         // Only the first of several blanks is tested: testing each would scan all of them again every time.
-        if (IsBlank(ascii[i]) && (i == start || !IsBlank(ascii[i - 1])) && EndsSentence(ascii, start, i)) {
+        if (IsBlankByte(ascii[i]) && (i == start || !IsBlankByte(ascii[i - 1])) && EndsSentence(ascii, start, i)) {
             cut(start, i);
             start = i;
-            while (start < ascii.size() && IsBlank(ascii[start]))
+            while (start < ascii.size() && IsBlankByte(ascii[start]))
                 ++start;
             i = start;
         }

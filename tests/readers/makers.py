@@ -62,6 +62,43 @@ class Maker:
             subprocess.run(["groff", "-k", "-ms", "-Tpdf", source], check=True, stdout=out, stderr=subprocess.DEVNULL)
         return target
 
+    def latex(self, columns=1):
+        source = self._write("latex%d.tex" % columns, reference.latex(reference.western(self.blocks), columns))
+        _run(["pdflatex", "-interaction=batchmode", "-output-directory", self.folder, source])
+        return self.path("latex%d.pdf" % columns)
+
+    def browser(self, columns=1, heads=True):
+        """What Chromium prints, with its own line above and below (title, date, address, page) or without."""
+        style = "body{text-align:justify;column-count:%d} h1,h2{text-align:left}" % columns
+        style += "table{font-size:60%}" if columns > 1 else ""
+        source = self._write("browser%d.html" % columns, reference.page(self.blocks, style))
+        target = self.path("browser%d%s.pdf" % (columns, "" if heads else "-plain"))
+        _run(["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+              "--disable-background-networking", "--disable-component-update", "--disable-sync",
+              "--user-data-dir=" + self.path("browser"), *([] if heads else ["--no-pdf-header-footer"]),
+              "--print-to-pdf=" + target, "file://" + source])
+        return target
+
+    def weasyprint(self, columns=1):
+        style = """@page{size:A4;margin:2cm;@top-center{content:"RUNNINGHEAD of the reference text"}
+            @bottom-center{content:"Page " counter(page)}}
+            body{text-align:justify;hyphens:auto;column-count:%d} h1,h2{text-align:left;hyphens:none}
+            """ % columns
+        style += "table{font-size:60%}" if columns > 1 else ""
+        source = self._write("weasyprint%d.html" % columns, reference.page(self.blocks, style))
+        target = self.path("weasyprint%d.pdf" % columns)
+        _run(["weasyprint", source, target])
+        return target
+
+    def calibre(self, ending, *options, blocks=None):
+        """What Calibre makes of a web page of the text."""
+        source = self._write("calibre.html", reference.page(blocks or self.blocks))
+        target = self.path("calibre." + ending)
+        _run(["ebook-convert", source, target, *options],
+             env={**os.environ, "CALIBRE_CONFIG_DIRECTORY": self.path("calibre"), "QT_QPA_PLATFORM": "offscreen",
+                  "QTWEBENGINE_CHROMIUM_FLAGS": "--no-sandbox --disable-gpu"})
+        return target
+
 
 def has(program):
     return shutil.which(program) is not None

@@ -267,3 +267,57 @@ def troff(all_blocks, columns=1):
                     begin = at
                 lines.append(" ".join(words[begin:]))
     return "\n".join(lines) + "\n"
+
+
+def latex(all_blocks, columns=1):
+    """The text for LaTeX: justified and hyphenated with ligatures, a running head, page numbers and footnotes."""
+    def escape(text):
+        for letter, other in (("\\", "\\textbackslash{}"), ("&", "\\&"), ("%", "\\%"), ("#", "\\#"), ("_", "\\_"),
+                              ("$", "\\$")):
+            text = text.replace(letter, other)
+        return text
+
+    lines = ["\\documentclass[11pt,a4paper%s]{article}" % (",twocolumn" if columns > 1 else ""),
+             "\\usepackage[T1]{fontenc}", "\\usepackage{lmodern}", "\\usepackage{fancyhdr}", "\\pagestyle{fancy}",
+             "\\fancyhf{}", "\\fancyhead[C]{RUNNINGHEAD of the reference text}", "\\fancyfoot[C]{Page \\thepage}",
+             # A word that finds no room in a line stays in its column.
+             "\\emergencystretch=3em", "\\begin{document}"]
+    for key, group in _groups(all_blocks):
+        texts = [with_notes(block._replace(text=escape(block.text)), lambda note: "\\footnote{%s}" % escape(note))
+                 for block in group]
+        if group[0].kind == "heading":
+            lines += ["\\%ssection*{%s}" % ("sub" * (group[0].level - 1), texts[0])]
+        elif group[0].kind == "paragraph":
+            lines += texts + [""]
+        elif group[0].kind == "item":
+            kind = "itemize" if key[1] else "enumerate"
+            lines += ["\\begin{%s}" % kind] + ["\\item " + text for text in texts] + ["\\end{%s}" % kind]
+        else:
+            # In a narrow column a row has room in small print only.
+            lines += ["", "\\medskip\\noindent{%s\\begin{tabular}{lll}" % ("\\tiny" if columns > 1 else "")]
+            lines += [" & ".join(text.split("\t")) + " \\\\" for text in texts] + ["\\end{tabular}}\\medskip", ""]
+    return "\n".join(lines + ["\\end{document}", ""])
+
+
+def page(all_blocks, style=""):
+    """The text without its footnotes, which web pages have none of, as a page with a style sheet."""
+    body = []
+    for key, group in _groups(all_blocks):
+        texts = [html.escape(block.text, quote=False) for block in group]
+        if group[0].kind == "heading":
+            body.append("<h%d>%s</h%d>" % (group[0].level, texts[0], group[0].level))
+        elif group[0].kind == "paragraph":
+            body += ["<p>%s</p>" % text for text in texts]
+        elif group[0].kind == "item":
+            kind = "ul" if key[1] else "ol"
+            body += ["<%s>" % kind] + ["<li>%s</li>" % text for text in texts] + ["</%s>" % kind]
+        else:
+            body += ["<table>"] + ["<tr>%s</tr>" % "".join("<td>%s</td>" % cell for cell in text.split("\t"))
+                                   for text in texts] + ["</table>"]
+    return ('<!DOCTYPE html>\n<html lang="en"><head><meta charset="utf-8"><title>RUNNINGHEAD of the reference text</title>'
+            "<style>%s</style></head><body>\n%s\n</body></html>\n" % (style, "\n".join(body)))
+
+
+def without_notes(all_blocks):
+    """The text for what has no footnotes."""
+    return [block._replace(notes=()) for block in all_blocks]

@@ -25,6 +25,8 @@ namespace
 constexpr const char* Service = "org.freedesktop.portal.Desktop";
 constexpr const char* Path = "/org/freedesktop/portal/desktop";
 constexpr const char* Shortcuts = "org.freedesktop.portal.GlobalShortcuts";
+/// A request's response when the user has closed the dialog.
+constexpr uint Cancelled = 1;
 /// Milliseconds that the portal may take to say that it is there; it may have to be started.
 constexpr int PortalPatience = 5000;
 
@@ -191,7 +193,9 @@ void PortalKeys::Bound(uint response, const QVariantMap& results)
     const std::vector<GlobalKeys::Key> keys = keys_; // an answer may ask for others
     for (const GlobalKeys::Key& key : keys) {
         const auto found = std::ranges::find(bound, QString::fromStdString(key.Name), &PortalShortcut::id);
-        if (response != 0 || found == bound.end())
+        if (response == Cancelled)
+            Answer(key, GlobalKeys::Outcome::Refused, {});
+        else if (response != 0 || found == bound.end())
             Answer(key, GlobalKeys::Outcome::Taken, {});
         else
             Answer(key, GlobalKeys::Outcome::Held,

@@ -8,6 +8,7 @@
 #include <array>
 #include <cctype>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace voxmate::linux_platform
@@ -68,6 +69,24 @@ std::optional<xcb_keycode_t> KeyOf(xcb_connection_t* connection, xcb_keysym_t le
     return static_cast<xcb_keycode_t>(setup->min_keycode + (found - symbols) / map->keysyms_per_keycode);
 }
 
+// Whether XKB tells of another keyboard or layout. To a program that listens to XKB, as Qt does, the server sends no
+// MappingNotify.
+bool IsXkbChange(const xcb_generic_event_t* event)
+{
+    static const std::uint8_t first = [] {
+        constexpr std::string_view name = "XKEYBOARD";
+        xcb_connection_t* connection = Connection();
+        const Reply<xcb_query_extension_reply_t> found(xcb_query_extension_reply(
+            connection, xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr));
+        return found && found->present != 0 ? found->first_event : std::uint8_t{0};
+    }();
+    // XKB's events share one number; the byte behind it tells them apart.
+    constexpr std::uint8_t newKeyboard = 0;
+    constexpr std::uint8_t newMap = 1;
+    return first != 0 && event->response_type == first && (event->pad0 == newKeyboard || event->pad0 == newMap);
+}
+
 } // namespace
 
 X11Keys::X11Keys()
@@ -120,7 +139,7 @@ void X11Keys::ReleaseAll()
     xcb_connection_t* connection = Connection();
     for (const Key& key : std::exchange(keys_, {})) {
         for (const std::uint16_t lock : Locks)
-            if (connection)
+            if (connection && key.code != 0) // 0 would mean every key
                 xcb_ungrab_key(connection, key.code, RootWindow(connection),
                                static_cast<std::uint16_t>(key.modifiers | lock));
     }
@@ -131,10 +150,12 @@ void X11Keys::ReleaseAll()
 // The keyboard has another layout: its letters may be on other keys.
 void X11Keys::GrabAgain()
 {
-    const std::vector<Key> keys = keys_;
+    std::vector<Key> keys = keys_;
     ReleaseAll();
-    for (const Key& key : keys)
-        Grab(key.name, key.trigger);
+    for (Key& key : keys)
+        if (!Grab(key.name, key.trigger))
+            // The next layout may have it; until then no key has this code.
+            keys_.push_back({std::move(key.name), std::move(key.trigger), 0, 0});
 }
 
 bool X11Keys::nativeEventFilter(const QByteArray& type, void* message, qintptr* /*result*/)
@@ -143,7 +164,7 @@ bool X11Keys::nativeEventFilter(const QByteArray& type, void* message, qintptr* 
         return false;
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
     const int kind = event->response_type & 0x7F; // the highest bit marks an event that a program has sent
-    if (kind == XCB_MAPPING_NOTIFY)
+    if (kind == XCB_MAPPING_NOTIFY || IsXkbChange(event))
         QMetaObject::invokeMethod(
             QCoreApplication::instance(), [this] { GrabAgain(); }, Qt::QueuedConnection);
     if (kind != XCB_KEY_PRESS || (event->response_type & 0x80) != 0)

@@ -99,6 +99,24 @@ TEST_F(MediaKeysTest, ItsKeysPauseGoOnMoveByParagraphsAndStop)
     EXPECT_TRUE(Logged("Window frmMain activated"));
 }
 
+TEST_F(MediaKeysTest, APauseStaysOnTheWayToAnotherPlace)
+{
+    Begin();
+    Open({"C:\\a.docx"});
+    media.Called(Command::Pause);
+    fake.log.clear();
+    media.Called(Command::Next);
+    EXPECT_EQ(media.shown, (MediaControls::State{"a.docx", 1, false, true, 30s, 60s}));
+    media.Called(Command::Previous);
+    EXPECT_EQ(media.shown, (MediaControls::State{"a.docx", 1, false, true, 0s, 60s}));
+    media.Sought(45s);
+    EXPECT_EQ(media.shown, (MediaControls::State{"a.docx", 1, false, true, 30s, 60s}));
+    EXPECT_EQ(Spoken(), Lines{});
+    media.Called(Command::Play);
+    EXPECT_EQ(Spoken().size(), 1u) << "the second paragraph";
+    EXPECT_EQ(media.shown, (MediaControls::State{"a.docx", 1, true, true, 30s, 60s}));
+}
+
 TEST_F(MediaKeysTest, WithoutADocumentTheyDoNothing)
 {
     Begin();

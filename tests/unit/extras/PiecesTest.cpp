@@ -107,6 +107,16 @@ TEST_F(PiecesTest, AKeyThatAnotherProgramHoldsIsToldOfAndSwitchedOff)
     EXPECT_EQ(Boxes().back(), "Voxmate - Keys: This desktop lets no program have keys in the windows of others.");
 }
 
+TEST_F(PiecesTest, AKeyThatTheUserHasRefusedIsSwitchedOffWithoutAWord)
+{
+    Begin();
+    Item("mnuSelectionKey").UserClick();
+    keys.Answered("read-selection", Outcome::Refused, "");
+    EXPECT_FALSE(Item("mnuSelectionKey").Checked);
+    EXPECT_EQ(keys.held, Lines{});
+    EXPECT_EQ(Boxes(), Lines{});
+}
+
 TEST_F(PiecesTest, TheItemShowsTheKeyThatTheDesktopHasChosen)
 {
     Begin();

@@ -77,6 +77,35 @@ TEST(QuickEntryTest, TonightIsInTheEvening)
     EXPECT_EQ(Read("film tonight 22:15"), "film | 2026-11-25 22:15:00");
 }
 
+TEST(QuickEntryTest, PartsOfTheDayHaveTheirHours)
+{
+    EXPECT_EQ(Read("film in the evening"), "film | 2026-11-25 20:00:00");
+    EXPECT_EQ(Read("film tomorrow in the evening"), "film | 2026-11-26 20:00:00");
+    EXPECT_EQ(Read("film on friday at 7 in the evening"), "film | 2026-11-27 19:00:00");
+    EXPECT_EQ(Read("run in the morning"), "run | 2026-11-26 09:00:00");
+    EXPECT_EQ(Read("run at 7 in the morning"), "run | 2026-11-26 07:00:00");
+    EXPECT_EQ(Read("call in the afternoon"), "call | 2026-11-25 15:00:00");
+    EXPECT_EQ(Read("call friday 2 in the afternoon"), "call | 2026-11-27 14:00:00");
+    EXPECT_EQ(Read("sit in the dark"), "no time");
+}
+
+TEST(QuickEntryTest, ANumberBehindADayMayCountWhatFollows)
+{
+    EXPECT_EQ(Read("monday 2 eggs"), "2 eggs | 2026-11-30 09:00:00");
+    EXPECT_EQ(Read("monday 12 eggs"), "12 eggs | 2026-11-30 09:00:00");
+    EXPECT_EQ(Read("monday at 2 eggs"), "eggs | 2026-11-30 02:00:00");
+    EXPECT_EQ(Read("monday 8 tennis"), "tennis | 2026-11-30 08:00:00");
+    EXPECT_EQ(Read("tonight 5 film"), "film | 2026-11-25 17:00:00");
+    EXPECT_EQ(Read("eggs monday 5"), "eggs | 2026-11-30 05:00:00");
+}
+
+TEST(QuickEntryTest, ATimeMayHaveAFraction)
+{
+    EXPECT_EQ(Read("tea in 1.5 hours"), "tea | 2026-11-25 15:50:00");
+    EXPECT_EQ(Read("tea in 0.25h"), "tea | 2026-11-25 14:35:00");
+    EXPECT_EQ(Read("tea in 1.5 colours"), "no time");
+}
+
 // The title is read after each letter.
 TEST(QuickEntryTest, TheBeginningOfAnyTextIsRead)
 {

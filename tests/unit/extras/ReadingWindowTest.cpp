@@ -144,6 +144,19 @@ TEST_F(ReadingWindowTest, AClickReadsADocumentThatHasEndedAgainFromThere)
     EXPECT_EQ(Shown().size(), 3u);
 }
 
+TEST_F(ReadingWindowTest, AClickInADocumentThatHasEndedAndIsGoneSaysSoAndTheTextStays)
+{
+    Begin();
+    Item("mnuReadingWindow").UserClick();
+    Open({"C:\\a.odt"});
+    SpeakAll();
+    fake.files.files.erase("C:\\a.odt");
+    window.vwText.UserChoose({1, 12});
+    EXPECT_EQ(Boxes(), Lines{"Voxmate - File Error: \"a.odt\" cannot be read: there is no such file."});
+    EXPECT_EQ(Shown().size(), 3u);
+    EXPECT_EQ(window.Caption, "a.odt - Voxmate");
+}
+
 TEST_F(ReadingWindowTest, UpAndDownSelectTheSentencesInTurn)
 {
     Begin();
@@ -240,6 +253,28 @@ TEST_F(ReadingWindowTest, ADocumentOfAThousandPagesComesInPieces)
     window.tmrText.Fire();
     EXPECT_EQ(Shown().size(), 9000u);
     EXPECT_FALSE(window.tmrText.Enabled);
+}
+
+TEST_F(ReadingWindowTest, TheTextOfALongDocumentThatHasEndedIsKeptAsLongAsItIsShown)
+{
+    Told("C:\\long.odt", {{BlockKind::Paragraph, 0, "", "Begin.", ""},
+                          {BlockKind::Paragraph, 0, "", std::string(std::size_t{2} << 20, 'x') + ".", ""}});
+    Begin();
+    Open({"C:\\a.odt"});
+    SpeakAll();
+    Item("mnuReadingWindow").UserClick();
+    EXPECT_EQ(Shown().size(), 3u) << "a short one is kept";
+    Open({"C:\\long.odt"});
+    SpeakAll();
+    EXPECT_GT(Shown().size(), 1u);
+    window.UserClose();
+    Item("mnuReadingWindow").UserClick();
+    EXPECT_EQ(Shown(), Lines{});
+    window.UserClose();
+    Open({"C:\\long.odt"});
+    SpeakAll();
+    Item("mnuReadingWindow").UserClick();
+    EXPECT_EQ(Shown(), Lines{});
 }
 
 TEST_F(ReadingWindowTest, ForcedLineEndsStayAndEndlessParagraphsAreBroken)

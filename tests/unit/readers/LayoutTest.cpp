@@ -44,6 +44,12 @@ public:
         page.words.back().blank = false;
         return *this;
     }
+    // What comes next is taken for the same line's where there is no wide gap.
+    Sheet& Blank()
+    {
+        page.words.back().blank = true;
+        return *this;
+    }
     // Lines one below the other.
     Sheet& Lines(double left, double foot, const std::vector<std::string>& lines, const Look& look = {})
     {
@@ -146,6 +152,34 @@ TEST(LayoutTest, ColumnsAreReadOneAfterTheOtherWhateverTheirOrderInTheFile)
     EXPECT_EQ(lines[2].substr(0, 26), "paragraph: Two begins with");
 }
 
+TEST(LayoutTest, ColumnsWithANarrowGapBetweenThemAreReadOneAfterTheOtherToo)
+{
+    Sheet sheet("1");
+    const auto prose = [](const std::string& name) {
+        std::vector<std::string> lines = Prose(name);
+        std::string turned = lines[1];
+        // Its words in another order in each line, so that they stand one below the other nowhere.
+        for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
+            turned = turned.substr(turned.find(' ') + 1) + " " + turned.substr(0, turned.find(' '));
+            lines[i] = turned;
+        }
+        return lines;
+    };
+    const std::vector<std::string> left = prose("One");
+    const std::vector<std::string> right = prose("Two");
+    sheet.At(150, 60, "A running head that stands across the gap");
+    for (std::size_t i = 0; i < left.size(); ++i)
+        sheet.At(50, 100 + 12 * static_cast<double>(i), left[i])
+            .Blank()
+            .At(i == 0 ? 297 : 287, 100 + 12 * static_cast<double>(i), right[i]);
+    const test::Lines lines = Layouted({sheet});
+    ASSERT_EQ(lines.size(), 4U) << testing::PrintToString(lines);
+    EXPECT_EQ(lines[1], "paragraph: A running head that stands across the gap");
+    EXPECT_EQ(lines[2].substr(0, 26), "paragraph: One begins with");
+    EXPECT_EQ(lines[2].substr(lines[2].size() - 12), "so ends One.");
+    EXPECT_EQ(lines[3].substr(0, 26), "paragraph: Two begins with");
+}
+
 TEST(LayoutTest, RowsOfShortCellsAreATableWithMendedWords)
 {
     EXPECT_EQ(Layouted({Sheet("1")
@@ -164,6 +198,34 @@ TEST(LayoutTest, RowsOfShortCellsAreATableWithMendedWords)
               (test::Lines{"page 1", "paragraph: Before the table there is a line of text.", "row: Tea | two | pounds",
                            "row: Coffee | thirteen | francs", "row: Milk | one | mark",
                            "paragraph: Behind the table there is a line of text."}));
+}
+
+TEST(LayoutTest, WideBlanksInJustifiedTextAreNoTable)
+{
+    Sheet sheet("1");
+    double foot = 100;
+    const auto line = [&](const std::vector<std::string>& words, double blank) {
+        double left = 50;
+        for (const std::string& word : words) {
+            sheet.At(left, foot, word);
+            left += CharacterWidth * static_cast<double>(word.size()) + blank;
+        }
+        foot += 12;
+    };
+    const std::string full = "these forty letters fill the whole width."; // 41 of them
+    for (int i = 0; i < 5; ++i)
+        line({full}, 0);
+    line({"enormous", "words", "are", "here"}, 35);
+    line({"and they", "here", "too", "in"}, 40.0 + 2.0 / 3);
+    for (int i = 0; i < 5; ++i)
+        line({full}, 0);
+    std::string text = "paragraph:";
+    for (int i = 0; i < 5; ++i)
+        text += " " + full;
+    text += " enormous words are here and they here too in";
+    for (int i = 0; i < 5; ++i)
+        text += " " + full;
+    EXPECT_EQ(Layouted({sheet}), (test::Lines{"page 1", text}));
 }
 
 TEST(LayoutTest, ListItemsKeepTheirLabelsAndBulletsStandingByThemselvesAreJoined)

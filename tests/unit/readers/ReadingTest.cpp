@@ -193,12 +193,77 @@ TEST_F(ReadingTest, WhatCannotBeReadIsNamedWithItsReason)
     EXPECT_EQ(All(pipe), (Lines{"\"pipe\" cannot be read: it is no file that may be read."}));
 }
 
-TEST_F(ReadingTest, AFileOfFourGigabytesIsRefusedAtOnce)
+TEST_F(ReadingTest, AFileOfFourGigabytesIsRefusedAtOnceWhateverItsName)
 {
-    const std::string path = File("huge.txt", "text");
-    std::filesystem::resize_file(path, std::uintmax_t{4} << 30);
-    Reading reading(path);
-    EXPECT_EQ(All(reading), (Lines{"\"huge.txt\" cannot be read: it is too large."}));
+    for (const std::string ending : {"txt", "md", "html", "pdf", "docx", "odt", "fodt", "epub", "rtf", "doc", "wav"}) {
+        const std::string name = "huge." + ending;
+        const std::string path = File(name, "text");
+        std::filesystem::resize_file(path, std::uintmax_t{4} << 30);
+        Reading reading(path);
+        EXPECT_EQ(All(reading), (Lines{"\"" + name + "\" cannot be read: it is too large."}));
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(ReadingTest, WhatIsNoFileIsNamedWithItsReason)
+{
+    Reading device("/dev/zero");
+    EXPECT_EQ(All(device), (Lines{"\"zero\" cannot be read: it is no file that may be read."}));
+    Reading terminal("/dev/tty");
+    EXPECT_EQ(All(terminal), (Lines{"\"tty\" cannot be read: it is no file that may be read."}));
+    Reading endless("/proc/self/mem");
+    EXPECT_EQ(All(endless).size(), 1u);
+}
+
+TEST_F(ReadingTest, AnArchiveInAnArchiveIsNoDocument)
+{
+    const std::string zeros(std::size_t{64} << 20, '\0');
+    std::string inner = Zip("0.zip", {{"zeros", zeros}});
+    for (int depth = 1; depth < 4; ++depth) {
+        std::ifstream file(inner, std::ios::binary);
+        const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+        inner = Zip(std::to_string(depth) + ".zip", {{"inner.zip", bytes}, {"word/document.xml", bytes}});
+    }
+    Reading reading(inner);
+    EXPECT_EQ(All(reading), (Lines{"\"3.zip\" cannot be read: it is of no kind that Voxmate knows."}));
+}
+
+TEST_F(ReadingTest, NothingThatADocumentRefersToIsFetched)
+{
+    const std::string secret = File("secret.txt", "A secret.");
+    const std::string names = "xmlns:office='urn:oasis:names:tc:opendocument:xmlns:office:1.0' "
+                              "xmlns:text='urn:oasis:names:tc:opendocument:xmlns:text:1.0'";
+    Reading odt(Zip("x.odt", {{"mimetype", "application/vnd.oasis.opendocument.text"},
+                              {"content.xml", "<!DOCTYPE x [<!ENTITY e SYSTEM 'file://" + secret +
+                                                  "'><!ENTITY % p SYSTEM "
+                                                  "'http://127.0.0.1:9/x.dtd'>%p;]><office:document-content " +
+                                                  names +
+                                                  "><office:body><office:text><text:p>Open &e;</text:p></office:text>"
+                                                  "</office:body></office:document-content>"}}));
+    for (const std::string& line : All(odt))
+        EXPECT_EQ(line.find("secret"), std::string::npos) << line;
+    const Lines page =
+        Read("x.html", "<!doctype html><p>Page<script src='file://" + secret + "'></script><iframe src='" + secret +
+                           "'></iframe><object data='" + secret + "'></object>");
+    EXPECT_EQ(page, Lines{"paragraph: Page"});
+    EXPECT_EQ(Read("x.rtf", "{\\rtf1 Rich{\\field{\\*\\fldinst INCLUDETEXT \"" + secret + "\"}{\\fldrslt }}\\par}"),
+              Lines{"paragraph: Rich"});
+}
+
+TEST_F(ReadingTest, APrintedFileWithoutAnEndEnds)
+{
+    // A tree of pages that is its own branch, and one that says that it has more pages than there are.
+    const auto pdf = [](const std::string& pages) {
+        const std::vector<std::string> objects{"<< /Type /Catalog /Pages 2 0 R >>", pages};
+        std::string file = "%PDF-1.4\n";
+        for (std::size_t i = 0; i < objects.size(); ++i)
+            file += std::to_string(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
+        return file + "trailer\n<< /Size 3 /Root 1 0 R >>\n%%EOF\n";
+    };
+    for (const char* pages :
+         {"<< /Type /Pages /Kids [2 0 R 2 0 R] /Count 2000000000 >>", "<< /Type /Pages /Kids [] /Count 2000000000 >>",
+          "<< /Type /Pages /Kids [2 0 R] /Parent 2 0 R /Count -1 >>"})
+        EXPECT_EQ(Read("x.pdf", pdf(pages)), Lines{"\"x.pdf\" cannot be read: it is damaged."}) << pages;
 }
 
 TEST_F(ReadingTest, AnArchiveThatUnpacksToMoreThanAnyDocumentIsRefused)
