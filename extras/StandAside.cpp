@@ -130,8 +130,11 @@ bool StandAside::GoAside(AgentCharacter& character, const WindowPlace& window, c
 {
     std::vector<Rect> taken;
     std::vector<Rect> columns; // other alerts come above the first one
+    std::vector<Rect> alerts;
     for (const auto& [id, seen] : seen_) {
         for (const Rect& control : seen.Place.Controls) {
+            if (seen.Place.Alert)
+                alerts.push_back(Arrived(control, area));
             taken.push_back(seen.Place.Alert ? Arrived(control, area) : control);
             columns.push_back(seen.Place.Alert ? Rect{control.x, area.y, control.width, area.height} : control);
         }
@@ -143,6 +146,8 @@ bool StandAside::GoAside(AgentCharacter& character, const WindowPlace& window, c
         there = NearestFree(character.Place(), area, columns);
     if (!there)
         there = NearestFree(character.Place(), area, taken);
+    if (!there && window.Alert)
+        there = NearestFree(character.Place(), area, alerts);
     if (!there)
         return true; // it stays: there is no better place
     cause_ = window.Id;

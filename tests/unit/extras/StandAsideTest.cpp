@@ -221,6 +221,13 @@ TEST_F(StandAsideTest, GoesAsideWhenTheWindowTurnsToAnotherTab)
     EXPECT_EQ(Asked(), (Lines{"StandAside 1018,500"}));
 }
 
+TEST_F(StandAsideTest, MakesRoomForAnAlertOverAWindowThatFillsTheScreen)
+{
+    places.Become({Window(1, {{0, 0, 1280, 720}}), Alert(7, {1120, 587, 160, 133})});
+    Settle();
+    EXPECT_EQ(Asked(), (Lines{"StandAside 962,500 at once"}));
+}
+
 TEST_F(StandAsideTest, IsSwitchedOffAndOnInTheMenu)
 {
     OpenMenu();
