@@ -20,6 +20,7 @@ Character::Character(Shared shared, std::string name, std::shared_ptr<const AcsF
         if (event.action == MouseAction::Press)
             aloneSince_ = shared_.stage.Now();
         gestures_.Handle(event);
+        body_.HoldStill(gestures_.Holds());
     };
     body_.FilesDropped = balloon_.FilesDropped = [this](const std::vector<std::string>& files) {
         shared_.Raise(&AgentControl::FilesDropped, files);
@@ -191,28 +192,33 @@ void Character::Idle()
     body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
 }
 
-bool Character::StandAside(Point window)
+bool Character::MayGo() const
 {
-    if (gestures_.Holds() || (current_ && current_->kind == RequestKind::Hide))
+    return !gestures_.Holds() && !(current_ && current_->kind == RequestKind::Hide);
+}
+
+bool Character::StandAside(Point window, Going how)
+{
+    if (!MayGo())
         return false;
-    Walk(window);
+    Walk(window, how);
     return true;
 }
 
 bool Character::StandAtHome()
 {
-    if (body_.Visible() && (gestures_.Holds() || current_ || !queue_.empty() || body_.Gliding()))
+    if (body_.Visible() && (!MayGo() || body_.Gliding()))
         return false;
-    Walk({});
+    Walk({}, Going::Walk);
     return true;
 }
 
-/// Goes to a place for its window, or home, and plays an animation of walking if it has nothing else to do.
-void Character::Walk(std::optional<Point> window)
+/// Goes to a place for its window, or home. If it walks, and has nothing else to do, it plays an animation of that.
+void Character::Walk(std::optional<Point> window, Going how)
 {
     const bool appears = current_ && current_->kind == RequestKind::Show;
     const Rect from = body_.Place().Window;
-    body_.StandAside(window, !appears, [this] { Arrived(); });
+    body_.StandAside(window, how == Going::Walk && !appears, [this] { Arrived(); });
     if (!body_.Gliding() || current_ || !queue_.empty())
         return;
     const Rect to = body_.Place().Window;

@@ -71,8 +71,9 @@ public:
     bool Visible() const override { return body_.Visible(); }
     CharacterPlace Place() override { return body_.Place(); }
     CharacterPlace Home() override { return body_.Home(); }
-    bool StandAside(Point window) override;
+    bool StandAside(Point window, Going how) override;
     bool StandAtHome() override;
+    std::optional<Rect> BalloonAt(Point window) override { return balloon_.Beside(body_.OutlineAt(window)); }
 
     /// Where the user has put the feet (the middle of the lower edge), by dragging or through the window manager;
     /// nothing while the character stands where it first appeared. StandAt puts the feet at a point as if the user had.
@@ -123,7 +124,8 @@ private:
     void Idle();
     void StopIdling();
     void ConnectGestures();
-    void Walk(std::optional<Point> window);
+    bool MayGo() const;
+    void Walk(std::optional<Point> window, Going how);
     void Arrived();
 
     Shared shared_;

@@ -12,21 +12,37 @@ bool Overlap(const Rect& a, const Rect& b)
     return a.x < b.Right() && b.x < a.Right() && a.y < b.Bottom() && b.y < a.Bottom();
 }
 
+namespace
+{
+
+bool IsFree(const Rect& part, std::span<const Rect> taken)
+{
+    const Rect room{part.x - FreeGap, part.y - FreeGap, part.width + 2 * FreeGap, part.height + 2 * FreeGap};
+    return std::ranges::none_of(taken, [&room](const Rect& rect) { return Overlap(room, rect); });
+}
+
+} // namespace
+
 // The nearest place shares each of its coordinates with the present place, or touches there one of the rectangles (with
-// the gap) or the edge of the area. So it is enough to try all pairs of such coordinates.
-std::optional<Point> NearestFree(const CharacterPlace& from, const Rect& area, std::span<const Rect> taken)
+// the gap) or the edge of the area, with the figure or with the balloon. So it is enough to try all pairs of such
+// coordinates.
+std::optional<Point> NearestFree(const CharacterPlace& from, const Rect& area, std::span<const Rect> taken,
+                                 const std::function<std::optional<Rect>(Point)>& balloonAt)
 {
     const Rect& window = from.Window;
     const Rect& figure = from.Figure;
-    const Point inset{figure.x - window.x, figure.y - window.y};
+    const auto balloon = [&balloonAt](Point corner) { return balloonAt ? balloonAt(corner) : std::nullopt; };
+    const Rect beside = balloon({window.x, window.y}).value_or(figure);
     const Point last{area.Right() - window.width, area.Bottom() - window.height};
     std::vector<int> columns{window.x, area.x, last.x};
     std::vector<int> rows{window.y, area.y, last.y};
     for (const Rect& rect : taken) {
-        columns.push_back(rect.x - FreeGap - figure.width - inset.x);
-        columns.push_back(rect.Right() + FreeGap - inset.x);
-        rows.push_back(rect.y - FreeGap - figure.height - inset.y);
-        rows.push_back(rect.Bottom() + FreeGap - inset.y);
+        for (const Rect& part : {figure, beside}) {
+            columns.push_back(window.x + rect.x - FreeGap - part.Right());
+            columns.push_back(window.x + rect.Right() + FreeGap - part.x);
+            rows.push_back(window.y + rect.y - FreeGap - part.Bottom());
+            rows.push_back(window.y + rect.Bottom() + FreeGap - part.y);
+        }
     }
     const auto keep = [](std::vector<int>& values, int least, int most) {
         std::erase_if(values, [=](int value) { return value < least || value > most; });
@@ -45,12 +61,13 @@ std::optional<Point> NearestFree(const CharacterPlace& from, const Rect& area, s
             const std::int64_t way = dx * dx + dy * dy;
             if (best && way >= shortest)
                 continue;
-            const Rect room{x + inset.x - FreeGap, y + inset.y - FreeGap, figure.width + 2 * FreeGap,
-                            figure.height + 2 * FreeGap};
-            if (std::ranges::none_of(taken, [&room](const Rect& rect) { return Overlap(room, rect); })) {
-                best = Point{x, y};
-                shortest = way;
-            }
+            if (!IsFree({figure.x + static_cast<int>(dx), figure.y + static_cast<int>(dy), figure.width, figure.height},
+                        taken))
+                continue;
+            if (const auto bubble = balloon({x, y}); bubble && !IsFree(*bubble, taken))
+                continue;
+            best = Point{x, y};
+            shortest = way;
         }
     }
     return best;

@@ -33,19 +33,25 @@ StandAside::StandAside(ExtrasMenu& menu, Program& program, Form& main, WindowPla
     : program_(program), places_(places), state_(state), tmrAside_(&main, "tmrAside", LookInterval, false)
 {
     menu.BeginGroup();
-    menu.AddSwitch(
+    Menu& item = menu.AddSwitch(
         "mnuStandAside", "&Character Stands Aside", [this] { return IsOn(); },
         [this](bool on) {
             state_.Set(StaysName, on ? "0" : "1");
             Look(false);
         });
+    menu.WhenOpened([this, &item] {
+        if (places_.Known())
+            return;
+        item.Caption = "&Character Stands Aside (not on this desktop)";
+        item.Enabled = false;
+    });
     tmrAside_.Tick = [this] { Look(true); };
     places_.Changed = [this] { Look(false); };
 }
 
 bool StandAside::IsOn() const
 {
-    return state_.Get(StaysName) != "1";
+    return places_.Known() && state_.Get(StaysName) != "1";
 }
 
 void StandAside::Look(bool tick)
@@ -84,6 +90,7 @@ bool StandAside::Note(const std::vector<WindowPlace>& windows, bool tick)
         Seen seen{window};
         const auto before = seen_.find(window.Id);
         const bool opened = before == seen_.end() || (window.Active && !before->second.Place.Active) ||
+                            window.Page != before->second.Place.Page ||
                             (window.Alert && window.Controls != before->second.Place.Controls);
         if (!opened)
             seen.Age = std::min(before->second.Age + (tick ? 1 : 0), LooksToAge);
@@ -123,19 +130,29 @@ bool StandAside::GoAside(AgentCharacter& character, const WindowPlace& window, c
 {
     std::vector<Rect> taken;
     std::vector<Rect> columns; // other alerts come above the first one
+    std::vector<Rect> alerts;
     for (const auto& [id, seen] : seen_) {
         for (const Rect& control : seen.Place.Controls) {
+            if (seen.Place.Alert)
+                alerts.push_back(Arrived(control, area));
             taken.push_back(seen.Place.Alert ? Arrived(control, area) : control);
             columns.push_back(seen.Place.Alert ? Rect{control.x, area.y, control.width, area.height} : control);
         }
     }
-    std::optional<Point> there = NearestFree(character.Place(), area, columns);
+    const auto balloonAt = [&character](Point corner) { return character.BalloonAt(corner); };
+    // The balloon goes again by itself, so it gives way first.
+    std::optional<Point> there = NearestFree(character.Place(), area, columns, balloonAt);
+    if (!there)
+        there = NearestFree(character.Place(), area, columns);
     if (!there)
         there = NearestFree(character.Place(), area, taken);
+    if (!there && window.Alert)
+        there = NearestFree(character.Place(), area, alerts);
     if (!there)
         return true; // it stays: there is no better place
     cause_ = window.Id;
-    return character.StandAside(*there);
+    // An alert is there in less time than a walk takes.
+    return character.StandAside(*there, window.Alert ? Going::AtOnce : Going::Walk);
 }
 
 // The window for which it went has been closed or left, and nothing is covered at home.

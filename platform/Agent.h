@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,9 @@ struct CharacterPlace {
     bool operator==(const CharacterPlace&) const = default;
 };
 
+/// How a character comes to another place.
+enum class Going { Walk, AtOnce };
+
 class AgentCharacter
 {
 public:
@@ -96,13 +100,16 @@ public:
     /// Where the character stands or is walking to, and where it stands when it has not been asked to stand aside.
     virtual CharacterPlace Place() = 0;
     virtual CharacterPlace Home() = 0;
-    /// Walks so that the upper left corner of its window comes to `window`. This is no request: it delays and cuts
-    /// none. A character that has nothing to do plays an animation of the states MovingLeft, MovingRight, MovingUp or
-    /// MovingDown; one that speaks or plays something goes on with that. While it is hidden or appears it is there at
-    /// once. Dragging it makes its new place the home. False: it is being hidden or held by the user; ask again later.
-    virtual bool StandAside(Point window) = 0;
-    /// Walks home. False: it is not at rest; ask again later.
+    /// Goes so that the upper left corner of its window comes to `window`. This is no request: it delays and cuts none.
+    /// A character that walks and has nothing to do plays an animation of the states MovingLeft, MovingRight, MovingUp
+    /// or MovingDown; one that speaks or plays something goes on with that. While it is hidden or appears it is there
+    /// at once. A press of the mouse stops it until the release; dragging it makes its new place the home. False: it is
+    /// being hidden or held by the user; ask again later.
+    virtual bool StandAside(Point window, Going how) = 0;
+    /// Walks home, in the same way. False: it is being hidden, held by the user or on its way; ask again later.
     virtual bool StandAtHome() = 0;
+    /// The balloon on show as it would stand with the window's upper left corner at `window`; nothing without one.
+    virtual std::optional<Rect> BalloonAt(Point window) = 0;
 };
 
 /// The answers of AudioOutput.Status.

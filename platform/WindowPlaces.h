@@ -18,6 +18,7 @@ struct WindowPlace {
     /// What must stay visible: buttons, fields, lists, texts and pictures, as far as they are on show; an alert as a
     /// whole.
     std::vector<Rect> Controls;
+    int Page = 0; ///< differs when the window shows other tabs
     bool operator==(const WindowPlace&) const = default;
 };
 
@@ -25,13 +26,15 @@ class WindowPlaces
 {
 public:
     virtual ~WindowPlaces() = default;
+    /// Whether the desktop tells where windows are.
+    virtual bool Known() const = 0;
     /// The program's visible windows, without character, balloon, menus, lists that drop down and tool tips. None
     /// where the desktop does not tell their places.
     virtual std::vector<WindowPlace> Windows() = 0;
     /// The part without panels of the screen that holds `point`, or of the nearest screen.
     virtual Rect WorkArea(Point point) = 0;
-    /// A window has come, gone, moved, changed its size, or got or lost the keyboard, or the character has appeared.
-    /// Called from the event loop, once for several changes.
+    /// A window has come, gone, moved, changed its size, turned to another tab, or got or lost the keyboard, or the
+    /// character has appeared. Called from the event loop, once for several changes; for an alert before it is seen.
     std::function<void()> Changed;
 };
 

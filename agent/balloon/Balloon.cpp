@@ -134,6 +134,13 @@ void Balloon::Follow()
         Update();
 }
 
+std::optional<Rect> Balloon::Beside(const Rect& body)
+{
+    if (!onScreen_)
+        return std::nullopt;
+    return PlaceBalloon(size_, body, stage_.WorkArea(body.Middle())).bubble;
+}
+
 /// Breaks the text into lines for the present style and font, and computes the bubble's size.
 void Balloon::LayOut()
 {

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace voxmate::agent
@@ -39,6 +40,9 @@ public:
     void Hide();
     /// The character has moved or changed its size, or the screen has changed.
     void Follow();
+
+    /// The bubble of the balloon on show as it would stand beside a character at `body`; nothing without one.
+    std::optional<Rect> Beside(const Rect& body);
 
     std::function<void(const std::vector<std::string>& files)> FilesDropped;
 

@@ -177,6 +177,14 @@ void Body::StandAside(std::optional<Point> topLeft, bool glides, std::function<v
         done();
 }
 
+void Body::HoldStill(bool held)
+{
+    if (held)
+        glide_.Pause();
+    else
+        glide_.GoOn(place_);
+}
+
 void Body::StandAsideAt(Point feet)
 {
     aside_ = feet;
@@ -259,11 +267,6 @@ void Body::TakePlace(Point place)
     feet_ = FeetAt(place);
     aside_.reset();
     glide_.Stop();
-}
-
-Rect Body::Outline() const
-{
-    return InWindow(outline_, OnScreen());
 }
 
 /// A part of the file's picture on the screen; the whole window if there is none.

@@ -51,6 +51,8 @@ public:
     /// with `glides` a visible one takes the time of a Glide.
     void StandAside(std::optional<Point> topLeft, bool glides, std::function<void()> done);
     bool Gliding() const { return glide_.Going(); }
+    /// Stays on its way aside or home where it is while the user holds it, then goes on.
+    void HoldStill(bool held);
     /// Where the user has put the feet; nothing while the body stands where it first appeared.
     std::optional<Point> Feet() const { return feet_; }
     /// Puts the feet at a point as if the user had; the body stays wholly on the work area.
@@ -66,7 +68,9 @@ public:
     void ScreensChanged();
     /// The drawn part of the character on the screen, as measured by TakeOutline: its neutral pose and the pose it
     /// stood in then, together. Without a measure it is the whole window.
-    Rect Outline() const;
+    Rect Outline() const { return OutlineAt(place_); }
+    /// The same for a window whose upper left corner is at a point.
+    Rect OutlineAt(Point window) const { return InWindow(outline_, {window.x, window.y, size_.width, size_.height}); }
     void TakeOutline();
 
     /// Plays, leaves and forgets animations as Animator does.

@@ -19,6 +19,7 @@ void Glide::Start(Point from, Point to, std::function<void()> done)
     from_ = from;
     to_ = to;
     done_ = std::move(done);
+    paused_ = false;
     begun_ = stage_.Now();
     time_ = WayTime(from, to);
     timer_ = stage_.After(StepTime, [this] { Step(); });
@@ -26,10 +27,26 @@ void Glide::Start(Point from, Point to, std::function<void()> done)
 
 void Glide::Stop()
 {
-    if (!std::exchange(timer_, nullptr))
+    if (!Going())
         return;
+    timer_.reset();
+    paused_ = false;
     if (const auto done = std::exchange(done_, nullptr))
         done();
+}
+
+void Glide::Pause()
+{
+    if (!timer_)
+        return;
+    timer_.reset();
+    paused_ = true;
+}
+
+void Glide::GoOn(Point from)
+{
+    if (paused_)
+        Start(from, to_, std::exchange(done_, nullptr));
 }
 
 void Glide::Step()

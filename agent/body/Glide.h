@@ -21,7 +21,10 @@ public:
     void Start(Point from, Point to, std::function<void()> done);
     /// Stays where it is, and calls `done` if it was going.
     void Stop();
-    bool Going() const { return timer_ != nullptr; }
+    bool Going() const { return timer_ != nullptr || paused_; }
+    /// Rests on its way until GoOn, which takes it from a point to the same end. Neither does anything elsewhere.
+    void Pause();
+    void GoOn(Point from);
     Point To() const { return to_; }
 
     static constexpr int StepTime = 16; ///< milliseconds, one picture of a screen with 60 Hz
@@ -44,6 +47,7 @@ private:
     Point to_;
     std::int64_t begun_ = 0;
     int time_ = 0;
+    bool paused_ = false;
 };
 
 } // namespace voxmate::agent

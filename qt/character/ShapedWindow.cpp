@@ -95,7 +95,10 @@ ShapedWindow::ShapedWindow(const QString& name)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::NoFocus);
     connect(&Compositor::Instance(), &Compositor::Changed, this, [this] { Refresh(); });
-    connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, this, [this] { ComeOrGo(); });
+    connect(&DesktopWatch::Instance(), &DesktopWatch::Changed, this, [this] {
+        ComeOrGo();
+        StayOnTop();
+    });
 }
 
 void ShapedWindow::LiveBeside(QWindow* modal)
@@ -166,6 +169,15 @@ void ShapedWindow::ComeOrGo()
     KeepDesktopCompanion(*windowHandle());
     // The window manager may have chosen another position.
     move(place);
+}
+
+/// A compositor that draws such windows above all others still leaves the order in its X server, which decides where
+/// clicks go, to the program. A menu or list that is open stays above.
+void ShapedWindow::StayOnTop()
+{
+    const bool bypasses = windowFlags().testFlag(Qt::BypassWindowManagerHint);
+    if (bypasses && isVisible() && !QApplication::activePopupWidget())
+        raise();
 }
 
 void ShapedWindow::ComeOrGoOnStage()

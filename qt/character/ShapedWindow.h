@@ -75,6 +75,7 @@ private:
     bool InTheWay() const;
     void ComeOrGo();
     void ComeOrGoOnStage();
+    void StayOnTop();
     void DragStage(const QMouseEvent& event);
 
     QImage image_;

@@ -48,7 +48,7 @@ bool IsControl(const QWidget& widget)
            dynamic_cast<const Picture*>(&widget);
 }
 
-void AddControls(const QWidget& parent, std::vector<Rect>& controls)
+void AddControls(const QWidget& parent, WindowPlace& place)
 {
     for (QObject* child : parent.children()) {
         const auto* widget = qobject_cast<const QWidget*>(child);
@@ -56,12 +56,14 @@ void AddControls(const QWidget& parent, std::vector<Rect>& controls)
             continue;
         if (const auto* menus = qobject_cast<const QMenuBar*>(widget)) {
             for (QAction* menu : menus->actions())
-                if (const QRect place = menus->actionGeometry(menu); !place.isEmpty())
-                    controls.push_back(OnScreen(*menus, place));
+                if (const QRect shown = menus->actionGeometry(menu); !shown.isEmpty())
+                    place.Controls.push_back(OnScreen(*menus, shown));
         } else if (!IsControl(*widget)) {
-            AddControls(*widget, controls);
+            if (const auto* pages = qobject_cast<const QStackedWidget*>(widget))
+                place.Page = place.Page * (pages->count() + 1) + pages->currentIndex();
+            AddControls(*widget, place);
         } else if (const QRect seen = widget->visibleRegion().boundingRect(); !seen.isEmpty()) {
-            controls.push_back(OnScreen(*widget, seen));
+            place.Controls.push_back(OnScreen(*widget, seen));
         }
     }
 }
@@ -71,17 +73,25 @@ void AddControls(const QWidget& parent, std::vector<Rect>& controls)
 QtWindowPlaces::QtWindowPlaces()
 {
     changes_.setSingleShot(true);
-    changes_.callOnTimeout([this] {
-        if (const auto changed = Changed)
-            changed();
-    });
+    changes_.callOnTimeout([this] { Tell(); });
     QCoreApplication::instance()->installEventFilter(this);
+}
+
+void QtWindowPlaces::Tell()
+{
+    if (const auto changed = Changed)
+        changed();
+}
+
+bool QtWindowPlaces::Known() const
+{
+    return !StageWindow::Instance();
 }
 
 std::vector<WindowPlace> QtWindowPlaces::Windows()
 {
     std::vector<WindowPlace> places;
-    if (StageWindow::Instance())
+    if (!Known())
         return places;
     for (const QWidget* window : QApplication::topLevelWidgets()) {
         if (!IsCounted(*window))
@@ -93,7 +103,7 @@ std::vector<WindowPlace> QtWindowPlaces::Windows()
         if (place.Alert)
             place.Controls.push_back(OnScreen(*window, window->rect()));
         else
-            AddControls(*window, place.Controls);
+            AddControls(*window, place);
         places.push_back(std::move(place));
     }
     return places;
@@ -119,7 +129,16 @@ bool QtWindowPlaces::eventFilter(QObject* watched, QEvent* event)
     case QEvent::WindowDeactivate:
     case QEvent::WindowStateChange: {
         const auto* window = watched->isWidgetType() ? static_cast<const QWidget*>(watched) : nullptr;
-        if (!window || !window->isWindow() || changes_.isActive())
+        if (!window)
+            break;
+        // Qt tells of it just before it shows the window.
+        if (event->type() == QEvent::Show && dynamic_cast<const PlacedWindow*>(window)) {
+            Tell();
+            break;
+        }
+        const bool turned =
+            event->type() == QEvent::Show && qobject_cast<const QStackedWidget*>(window->parentWidget());
+        if (!(window->isWindow() || turned) || changes_.isActive())
             break;
         const bool moves = event->type() == QEvent::Move || event->type() == QEvent::Resize;
         if (!moves || !dynamic_cast<const ShapedWindow*>(window))

@@ -15,6 +15,7 @@ public:
     /// Watches the application's events. The application object must exist, and outlive this object.
     QtWindowPlaces();
 
+    bool Known() const override;
     std::vector<WindowPlace> Windows() override;
     Rect WorkArea(Point point) override;
 
@@ -22,6 +23,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void Tell();
+
     QTimer changes_; ///< collects the several events of one change
 };
 

@@ -194,10 +194,13 @@ class Alerts(AsideCase, ReminderCase):
         self.write(record("Tea", self.minute(room=15) - datetime.timedelta(days=400), "now"))
         self.reload()
         alert = desktop.wait_for(self.alerts, step=0.005, what="the alert")[0]
+        # Not walking: it is gone before the alert is where it stood.
+        desktop.wait_for(lambda: self.place() != home, step=0.005, what="the character gone")
+        gone = self.place()
         x, y = home
         self.film(name, 2, (x - 300, y - 100, desktop.SCREEN[0], desktop.SCREEN[1]))
         aside = self.rests()
-        self.assertNotEqual(aside, home)
+        self.assertEqual(aside, gone, "it walks while the alert comes")
         place = self.desk.window_rect(alert)
         self.assertTrue(overlap(place, (left, top, width, height)), "the alert has come elsewhere")
         self.assertFalse(overlap(place, (left + aside[0] - x, top + aside[1] - y, width, height)))

@@ -3,6 +3,7 @@ one each."""
 
 import os
 import re
+import time
 
 import numpy
 
@@ -86,6 +87,8 @@ class Sessions(ProgramCase):
 
         for beside, far in (((x + 2, y + 1), (x + 2, y - 60)), ((x - 3, y + height - 20), (x - 60, y + height - 20))):
             self.assertLess(max(abs(a - b) for a, b in zip(pixel(*beside), pixel(*far))), 40, f"a box at {beside}")
+        self.drag_body(self.seen(BODY))
+        self.clicks_beside_the_body_go_beneath()
         self.speak()
         self.assert_balloon_over_body()
 
@@ -93,15 +96,64 @@ class Sessions(ProgramCase):
         self.start_and_settle(QT_QPA_PLATFORM="wayland")
         self.assertEqual([name for name in self.connections() if "X11-unix" in name], [])
         body = desktop.wait_for(lambda: self.seen(BODY), what="the character")
-        # weston takes no pointer from its own screen's window while that window does not have the focus.
-        if self.compositor != "weston":
-            self.drag_body(body)
+        self.drag_body(body)
         self.speak()
         self.assert_balloon_over_body()
 
+    def clicks_beside_the_body_go_beneath(self):
+        """Another program's window that comes later is beneath the character, and gets the clicks beside its drawing."""
+        log = os.path.join(self.desk.home, "clicks")
+        with open(log, "wb") as out:
+            other = self.desk.spawn("xev", "-geometry", "1100x700+50+100", "-event", "button", stdout=out,
+                                    env={**self.desk.env, **self.desk.session})
+        self.addCleanup(other.wait)
+        self.addCleanup(other.terminate)
+        white = (255, 255, 255)
+
+        def beneath():
+            # There is nothing of the main window there; sway gives each of the two a half of the screen.
+            x, y = self.beside(self.seen(BODY))
+            return self.desk.screenshot(box=(x, y, x + 1, y + 1)).convert("RGB").getpixel((0, 0)) == white
+
+        desktop.wait_for(beneath, what="the other window beneath the character")
+
+        def presses():
+            with open(log, encoding="utf-8", errors="replace") as file:
+                return file.read().count("ButtonPress")
+
+        body = self.seen(BODY)
+        self.click_slowly(*self.beside(body))
+        desktop.wait_for(lambda: presses() == 1, what="the click beside the drawing")
+        self.click_slowly(*self.middle(body))
+        self.click_slowly(*self.beside(body))
+        desktop.wait_for(lambda: presses() > 1, what="another click beside it")
+        self.assertEqual(presses(), 2, "the character lets a click on its drawing through")
+
+    @staticmethod
+    def middle(body):
+        return (body[0] + body[2]) // 2, (body[1] + body[3]) // 2
+
+    def beside(self, body):
+        """A point within the character's window, in its upper right corner, on which nothing is drawn."""
+        x, y = self.middle(body)
+        return x + 100, y - 110
+
+    def point_at(self, x, y):
+        """Moves the pointer as a hand does, not at one stroke: compositors look for the window under it between two moves."""
+        for offset in (4, 2, 0):
+            self.desk.run("xdotool", "mousemove", str(x - offset), str(y))
+            time.sleep(0.2)
+
+    def click_slowly(self, x, y):
+        self.point_at(x, y)
+        self.desk.run("xdotool", "click", "2")
+
     def drag_body(self, body):
-        x, y = (body[0] + body[2]) // 2, (body[1] + body[3]) // 2
-        self.desk.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
+        x, y = self.middle(body)
+        # An X server in the session knows of no pointer before that has been over one of its windows.
+        self.point_at(SCREEN[0] // 2 - 100, SCREEN[1] // 2)
+        self.point_at(x, y)
+        self.desk.run("xdotool", "mousedown", "1")
         self.addCleanup(self.desk.run, "xdotool", "mouseup", "1")
         step = [0]
 

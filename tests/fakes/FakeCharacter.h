@@ -71,7 +71,16 @@ public:
     bool free = true; ///< whether it can walk now
     CharacterPlace Place() override { return aside.value_or(home); }
     CharacterPlace Home() override { return home; }
-    bool StandAside(Point window) override
+    std::optional<Size> balloon; ///< stands above the figure, in its middle
+    std::optional<Rect> BalloonAt(Point window) override
+    {
+        if (!balloon)
+            return std::nullopt;
+        const int middle = window.x + home.Figure.Middle().x - home.Window.x;
+        return Rect{middle - balloon->width / 2, window.y + home.Figure.y - home.Window.y - balloon->height,
+                    balloon->width, balloon->height};
+    }
+    bool StandAside(Point window, Going how) override
     {
         if (!free)
             return false;
@@ -80,7 +89,8 @@ public:
         aside->Window.y = window.y;
         aside->Figure.x += window.x - home.Window.x;
         aside->Figure.y += window.y - home.Window.y;
-        log_.push_back("StandAside " + std::to_string(window.x) + "," + std::to_string(window.y));
+        log_.push_back("StandAside " + std::to_string(window.x) + "," + std::to_string(window.y) +
+                       (how == Going::AtOnce ? " at once" : ""));
         return true;
     }
     bool StandAtHome() override
@@ -94,7 +104,7 @@ public:
     /// The user drags it, so that the window's upper left corner comes to a point.
     void Drag(Point window)
     {
-        StandAside(window);
+        StandAside(window, Going::Walk);
         log_.pop_back();
         home = *std::exchange(aside, std::nullopt);
     }

@@ -15,6 +15,8 @@ public:
     std::vector<WindowPlace> windows;
     Rect area{0, 0, 1280, 720};
 
+    bool known = true;
+    bool Known() const override { return known; }
     std::vector<WindowPlace> Windows() override { return windows; }
     Rect WorkArea(Point) override { return area; }
     /// The windows become others, and that is told.

@@ -31,7 +31,7 @@ TEST_F(ServerAsideTest, WalksInItsAnimationAndReturnsFromIt)
 {
     AgentCharacter& bo = LoadShown();
     Pictures();
-    EXPECT_TRUE(bo.StandAside(kAside));
+    EXPECT_TRUE(bo.StandAside(kAside, Going::Walk));
     EXPECT_EQ(CornerOf(bo.Place()), kAside);
     EXPECT_EQ(CornerOf(bo.Home()), kHome);
     stage.Run(Glide::ShortestTime / 2);
@@ -45,7 +45,7 @@ TEST_F(ServerAsideTest, WalksInItsAnimationAndReturnsFromIt)
 TEST_F(ServerAsideTest, WalksHomeToWhereItStood)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     EXPECT_FALSE(bo.StandAtHome()) << "on its way";
     stage.Run(kLongest);
     EXPECT_TRUE(bo.StandAtHome());
@@ -60,7 +60,7 @@ TEST_F(ServerAsideTest, WalksHomeToWhereTheUserPutItEvenPartlyOffTheScreen)
     AgentCharacter& bo = LoadShown();
     Drag({10, 10}, {-5, 310});
     EXPECT_EQ(Place(), (Point{-15, 300}));
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(kLongest);
     bo.StandAtHome();
     stage.Run(kLongest);
@@ -74,19 +74,22 @@ TEST_F(ServerAsideTest, ASpeechIsNeitherDelayedNorCut)
     stage.Settle();
     voice.Begin();
     Pictures();
-    EXPECT_TRUE(bo.StandAside(kAside));
+    EXPECT_TRUE(bo.StandAside(kAside, Going::Walk));
     stage.Run(kLongest);
     EXPECT_EQ(Place(), kAside);
     EXPECT_EQ(Pictures(), (Numbers{})) << "it keeps the pose in which it speaks";
     EXPECT_EQ(Log(), (Lines{"start speech"}));
-    EXPECT_FALSE(bo.StandAtHome()) << "it speaks";
+    EXPECT_TRUE(bo.StandAtHome());
+    stage.Run(kLongest);
+    EXPECT_EQ(Place(), kHome);
+    EXPECT_EQ(Pictures(), (Numbers{}));
     EXPECT_EQ(speech->Status(), RequestStatus::InProgress);
 }
 
 TEST_F(ServerAsideTest, ASpeechBeginsAtOnceWhileItWalks)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(150);
     Named("speech", bo.Speak("Hello", ""));
     stage.Settle();
@@ -102,7 +105,7 @@ TEST_F(ServerAsideTest, AnAnimationGoesOnWhileThePlaceChanges)
     Named("wave", bo.Play("Wave"));
     stage.Settle();
     Pictures();
-    EXPECT_TRUE(bo.StandAside(kAside));
+    EXPECT_TRUE(bo.StandAside(kAside, Going::Walk));
     stage.Run(kLongest);
     EXPECT_EQ(Place(), kAside);
     EXPECT_EQ(Pictures(), (Numbers{7, 8}));
@@ -112,7 +115,7 @@ TEST_F(ServerAsideTest, AnAnimationGoesOnWhileThePlaceChanges)
 TEST_F(ServerAsideTest, ADragOnTheWayMakesItsPlaceTheHome)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(200);
     Drag({10, 10}, {310, 210});
     EXPECT_EQ(Place(), (Point{300, 200}));
@@ -122,14 +125,58 @@ TEST_F(ServerAsideTest, ADragOnTheWayMakesItsPlaceTheHome)
     EXPECT_EQ(CornerOf(bo.Home()), (Point{300, 200}));
 }
 
+TEST_F(ServerAsideTest, GoesAtOnceWithoutAWalk)
+{
+    AgentCharacter& bo = LoadShown();
+    Pictures();
+    EXPECT_TRUE(bo.StandAside(kAside, Going::AtOnce));
+    EXPECT_EQ(Place(), kAside);
+    stage.Run(kLongest);
+    EXPECT_EQ(Pictures(), (Numbers{}));
+    EXPECT_EQ(CornerOf(bo.Home()), kHome);
+}
+
+TEST_F(ServerAsideTest, APressOnTheWayStopsItUntilTheRelease)
+{
+    AgentCharacter& bo = LoadShown();
+    bo.StandAside(kAside, Going::Walk);
+    stage.Run(Glide::ShortestTime / 2);
+    const Point held = Place();
+    EXPECT_NE(held, kHome);
+    stage.Mouse(MouseAction::Press, 1, {10, 10});
+    stage.Run(kLongest);
+    EXPECT_EQ(Place(), held);
+    stage.Mouse(MouseAction::Release, 1, {10, 10});
+    EXPECT_EQ(Place(), held);
+    stage.Run(kLongest);
+    EXPECT_EQ(Place(), kAside);
+    EXPECT_EQ(CornerOf(bo.Home()), kHome);
+    EXPECT_TRUE(bo.StandAtHome());
+}
+
+TEST_F(ServerAsideTest, TellsWhereItsBalloonWouldStand)
+{
+    AgentCharacter& bo = LoadShown();
+    EXPECT_EQ(bo.BalloonAt(kAside), std::nullopt);
+    bo.Speak("Hello", "");
+    stage.Settle();
+    voice.Begin();
+    voice.Word(0);
+    stage.Settle();
+    const std::optional<Rect> there = bo.BalloonAt(kAside);
+    ASSERT_TRUE(there);
+    EXPECT_LT(there->Bottom(), kAside.y);
+    EXPECT_EQ(there->Middle().x, kAside.x + 20);
+}
+
 TEST_F(ServerAsideTest, DoesNotGoWhileTheUserHoldsIt)
 {
     AgentCharacter& bo = LoadShown();
     stage.Mouse(MouseAction::Press, 1, {10, 10});
-    EXPECT_FALSE(bo.StandAside(kAside));
+    EXPECT_FALSE(bo.StandAside(kAside, Going::Walk));
     EXPECT_EQ(bo.Place(), bo.Home());
     stage.Mouse(MouseAction::Release, 1, {10, 10});
-    EXPECT_TRUE(bo.StandAside(kAside));
+    EXPECT_TRUE(bo.StandAside(kAside, Going::Walk));
 }
 
 TEST_F(ServerAsideTest, DoesNotGoWhileItIsBeingHidden)
@@ -137,25 +184,25 @@ TEST_F(ServerAsideTest, DoesNotGoWhileItIsBeingHidden)
     AgentCharacter& bo = LoadShown();
     bo.Hide(false);
     stage.Settle();
-    EXPECT_FALSE(bo.StandAside(kAside));
+    EXPECT_FALSE(bo.StandAside(kAside, Going::Walk));
 }
 
 TEST_F(ServerAsideTest, AHiddenOneIsThereAtOnceAndAppearsThere)
 {
     AgentCharacter& bo = Load();
-    EXPECT_TRUE(bo.StandAside(kAside));
+    EXPECT_TRUE(bo.StandAside(kAside, Going::Walk));
     EXPECT_EQ(Place(), kAside);
     bo.Show(false);
     stage.Settle();
     EXPECT_EQ(Place(), kAside);
-    EXPECT_TRUE(bo.StandAside({900, 644})) << "while it appears";
+    EXPECT_TRUE(bo.StandAside({900, 644}, Going::Walk)) << "while it appears";
     EXPECT_EQ(Place(), (Point{900, 644}));
 }
 
 TEST_F(ServerAsideTest, OneThatIsHiddenOnItsWayAppearsAtItsEnd)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(100);
     bo.Hide(true);
     stage.Settle();
@@ -170,7 +217,7 @@ TEST_F(ServerAsideTest, TheNextCharacterStandsAsideAndHasTheSameHome)
 {
     AgentCharacter& bo = LoadShown();
     Drag({10, 10}, {310, 210});
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(kLongest);
     server.Unload("Bo");
     AgentCharacter& other = LoadShown("Other");
@@ -181,7 +228,7 @@ TEST_F(ServerAsideTest, TheNextCharacterStandsAsideAndHasTheSameHome)
 TEST_F(ServerAsideTest, OtherScreensBringItHome)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside(kAside);
+    bo.StandAside(kAside, Going::Walk);
     stage.Run(kLongest);
     stage.ChangeScreens({{0, 0, 1000, 600}});
     EXPECT_EQ(Place(), (Point{1000 - 80, 600 - 76}));
@@ -191,7 +238,7 @@ TEST_F(ServerAsideTest, OtherScreensBringItHome)
 TEST_F(ServerAsideTest, AnotherSizeKeepsTheFeetAside)
 {
     AgentCharacter& bo = LoadShown();
-    bo.StandAside({600, 300});
+    bo.StandAside({600, 300}, Going::Walk);
     stage.Run(kLongest);
     bo.SetWidth(80);
     bo.SetHeight(120);

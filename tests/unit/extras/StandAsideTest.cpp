@@ -163,7 +163,7 @@ TEST_F(StandAsideTest, WaitsUntilItCanGo)
 TEST_F(StandAsideTest, MakesRoomForAnAlertAtOnceWhileItStillSlidesUp)
 {
     places.Become({Alert(7, {1120, 715, 160, 133})});
-    EXPECT_EQ(Asked(), (Lines{"StandAside 962,500"})) << "out of the column in which alerts pile up";
+    EXPECT_EQ(Asked(), (Lines{"StandAside 962,500 at once"})) << "out of the column in which alerts pile up";
     places.Become({Alert(7, {1120, 587, 160, 133})});
     Settle();
     EXPECT_EQ(Asked(), (Lines{}));
@@ -188,7 +188,44 @@ TEST_F(StandAsideTest, MakesRoomForAnAlertEvenInItsColumnWhereThereIsNoOther)
     Character().Drag({1079, 500});
     places.Become({Window(1, {{0, 0, 1060, 720}}, false), Alert(7, {1120, 587, 160, 133})});
     Settle();
-    EXPECT_EQ(Asked(), (Lines{"StandAside 1079,379"})) << "above the alert";
+    EXPECT_EQ(Asked(), (Lines{"StandAside 1079,379 at once"})) << "above the alert";
+}
+
+TEST_F(StandAsideTest, KeepsItsBalloonOffTheControlsToo)
+{
+    // Straight to the right of the control there is another one above, which the balloon would cover.
+    const std::vector<Rect> controls{kUnder, {1150, 400, 100, 60}};
+    Character().balloon = Size{120, 80};
+    places.Become({Window(1, controls)});
+    Settle();
+    EXPECT_EQ(Asked(), (Lines{"StandAside 982,392"}));
+}
+
+TEST_F(StandAsideTest, PutsTheBalloonOverAControlWhereThereIsNoOtherPlace)
+{
+    Character().balloon = Size{1280, 80};
+    places.Become({Window(1, {kUnder, {0, 0, 1280, 400}})});
+    Settle();
+    EXPECT_EQ(Asked(), (Lines{"StandAside 1018,500"}));
+}
+
+TEST_F(StandAsideTest, GoesAsideWhenTheWindowTurnsToAnotherTab)
+{
+    WindowPlace window = Window(1, {kElsewhere});
+    places.Become({window});
+    Settle();
+    window.Controls = {kUnder};
+    window.Page = 1;
+    places.Become({window});
+    Settle();
+    EXPECT_EQ(Asked(), (Lines{"StandAside 1018,500"}));
+}
+
+TEST_F(StandAsideTest, MakesRoomForAnAlertOverAWindowThatFillsTheScreen)
+{
+    places.Become({Window(1, {{0, 0, 1280, 720}}), Alert(7, {1120, 587, 160, 133})});
+    Settle();
+    EXPECT_EQ(Asked(), (Lines{"StandAside 962,500 at once"}));
 }
 
 TEST_F(StandAsideTest, IsSwitchedOffAndOnInTheMenu)
@@ -212,6 +249,15 @@ TEST_F(StandAsideTest, IsSwitchedOffAndOnInTheMenu)
     places.Become({Window(3, {kUnder})});
     Settle();
     EXPECT_EQ(Asked(), (Lines{"StandAside 1018,500"}));
+}
+
+TEST_F(StandAsideTest, IsGreyWhereTheDesktopTellsNoPlaces)
+{
+    places.known = false;
+    OpenMenu();
+    EXPECT_FALSE(Item("mnuStandAside").Enabled);
+    EXPECT_FALSE(Item("mnuStandAside").Checked);
+    EXPECT_EQ(Item("mnuStandAside").Caption.get(), "&Character Stands Aside (not on this desktop)");
 }
 
 TEST_F(StandAsideTest, DoesWithoutACharacter)

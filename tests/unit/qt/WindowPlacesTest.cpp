@@ -5,6 +5,7 @@
 #include "tests/unit/qt/QtTest.h"
 
 #include <QMenuBar>
+#include <QTabWidget>
 
 #include <algorithm>
 #include <optional>
@@ -89,6 +90,31 @@ TEST_F(WindowPlacesTest, AnAlertCountsAsAWhole)
     EXPECT_TRUE(place->Alert);
     EXPECT_EQ(place->Controls, (std::vector<Rect>{{300, 200, 160, 133}}));
     EXPECT_FALSE(Of(*Window())->Alert);
+}
+
+TEST_F(WindowPlacesTest, TellsOfAnAlertAtOnce)
+{
+    PlacedWindow alert;
+    alert.Place({300, 200, 160, 133});
+    QTest::qWait(20);
+    happened.clear();
+    alert.Display();
+    EXPECT_EQ(happened, Happened{"changed"});
+}
+
+TEST_F(WindowPlacesTest, TellsThatAWindowTurnsToAnotherTab)
+{
+    QTabWidget tabs;
+    tabs.addTab(new QWidget, QStringLiteral("One"));
+    tabs.addTab(new QWidget, QStringLiteral("Two"));
+    tabs.show();
+    QTest::qWait(50);
+    const int before = Of(tabs)->Page;
+    happened.clear();
+    tabs.setCurrentIndex(1);
+    QTest::qWait(20);
+    EXPECT_EQ(happened, Happened{"changed"});
+    EXPECT_NE(Of(tabs)->Page, before);
 }
 
 TEST_F(WindowPlacesTest, TheCharacterMenusAndTipsDoNotCount)
