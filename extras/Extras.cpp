@@ -22,6 +22,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       pieces_(menu_, program, main, host.Keys, host.State),
       documents_(menu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
       reading_(menu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
+      sound_(menu_, program, main, documents_, host.Sounds),
       mediaKeys_(
           main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
       trayTip_(program, main, documents_), aside_(menu_, program, main, host.Windows, host.State),

@@ -10,6 +10,7 @@
 #include "extras/Pieces.h"
 #include "extras/ReadingWindow.h"
 #include "extras/ReminderEntry.h"
+#include "extras/SaveSound.h"
 #include "extras/Speaking.h"
 #include "extras/StandAside.h"
 #include "extras/StartAtLogin.h"
@@ -39,6 +40,7 @@ struct ExtrasHost {
     Documents::Reader ReadDocument;
     Documents::Identify Fingerprint;
     WindowPlaces& Windows;
+    SoundHost Sounds;
 };
 
 class Extras
@@ -58,6 +60,7 @@ public:
     /// See Speaking::Escape.
     bool Escape() { return speaking_.Escape(); }
     ReadingWindow& TextWindow() { return reading_.Window(); }
+    SaveSoundWindow& SoundWindow() { return sound_.Window(); }
 
 private:
     Program& program_;
@@ -69,6 +72,7 @@ private:
     Pieces pieces_;
     Documents documents_;
     ReadingWindows reading_;
+    SaveSound sound_;
     MediaKeys mediaKeys_;
     TrayTip trayTip_;
     StandAside aside_;

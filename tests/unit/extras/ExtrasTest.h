@@ -7,6 +7,7 @@
 #include "tests/fakes/FakeDocuments.h"
 #include "tests/fakes/FakeGlobalKeys.h"
 #include "tests/fakes/FakeMediaControls.h"
+#include "tests/fakes/FakeSounds.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/FakeWindowPlaces.h"
 #include "tests/fakes/ProgramTest.h"
@@ -34,6 +35,7 @@ protected:
     std::string lookFault; ///< what is wrong with every character file; empty: nothing
     fakes::FakeDocuments documents;
     fakes::FakeWindowPlaces places;
+    fakes::FakeSounds sounds{fake.log};
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -45,7 +47,7 @@ protected:
                        return look;
                    },
                    [this](const std::string& path) { return documents.Read(path); },
-                   [this](const std::string& path) { return documents.Fingerprint(path); }, places}};
+                   [this](const std::string& path) { return documents.Fingerprint(path); }, places, sounds.Host()}};
 
     ExtrasTest()
     {
