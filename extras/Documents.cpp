@@ -353,7 +353,7 @@ void Documents::Finish(Narrator::End end)
     SetFile("");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)
-        sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or no wave file.";
+        sentence_ = "\"" + NameOf(file) + "\" cannot be played: it is damaged, or of a kind that is not played here.";
     if (end == Narrator::End::Stopped) {
         waiting_.clear();
     } else if (!sentence_.empty()) {
@@ -405,7 +405,7 @@ void Documents::ShowStatus()
         if (IsOpening())
             return "Opening Document. Please wait...";
         if (plays_ && !narrator_.Paused())
-            return "Playing wave file...";
+            return "Playing recording...";
         const std::string left = TimeLeft();
         // The name last, because it may be long and is known.
         return (narrator_.Paused() ? "Paused " : "Reading ") + (left.empty() ? "" : "(" + left + ") ") + name_ +

@@ -227,6 +227,12 @@ private:
     }
 };
 
+/// Takes samples that nobody is to hear.
+struct Silent final : speech::SampleSink {
+    bool Samples(std::span<const std::int16_t>) override { return true; }
+    void Event(const speech::SpeechEvent&) override {}
+};
+
 class Speaker
 {
 public:
@@ -241,6 +247,10 @@ public:
         if (!entry)
             return Told(News::Kind::NoVoice);
         Files files(job_, entry->engine->SampleRate(entry->voice), tell_);
+        // What an engine says first in a process it says a little differently (eSpeak NG by 25 ms); what is heard is
+        // rarely that.
+        Silent silent;
+        speech::SpeakInTurns(voices_, *entry, agent::ParseMarkup(job_.prefix + "one").segments, silent);
         const Refusal refusal = job_.text.empty() ? Document(*entry, files) : Text(*entry, files);
         if (files.Count() == 0) {
             News news = Told(News::Kind::Refused);

@@ -141,11 +141,11 @@ class Opened(DocumentCase):
         begin = self.now()
         self.open(path)
         self.wait_for_sound(begin)
-        self.status_is("Playing wave file...")
+        self.status_is("Playing recording...")
         self.silent()
         self.assertAlmostEqual(self.sound_since(begin), 2, delta=0.09)
         self.open(self.file("song.ogg", b"OggS" + bytes(100)))
-        self.assertEqual(self.answer_box("Voxmate - File Error"), '"song.ogg" cannot be played: it is damaged, or no wave file.')
+        self.assertEqual(self.answer_box("Voxmate - File Error"), '"song.ogg" cannot be played: it is damaged, or of a kind that is not played here.')
 
     def test_nothing_is_left_of_the_reader_when_the_program_ends(self):
         begin = self.now()
