@@ -149,8 +149,14 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
     qt::QtWindowPlaces places;
     Extras extras(program, mainForm,
-                  {*state, login, desktop, media, keys, LookAtCharacter,
-                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint,
+                  {*state,
+                   login,
+                   desktop,
+                   media,
+                   keys,
+                   LookAtCharacter,
+                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); },
+                   Fingerprint,
                    places,
                    {speech::WritableSounds, StartRecorder,
                     [](const std::string& path) {

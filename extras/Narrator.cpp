@@ -202,8 +202,11 @@ void Narrator::Ask(std::size_t number)
         speaker_ = program_.Settings.LastCharacter;
         character.Show(false);
     }
-    asked_.push_back(
-        {character.Speak(part.wave.empty() ? MarkupOf(part, VoicePrefix(settings.Pitch, settings.Speed, settings.Whisper == True)) : part.text, part.wave), number});
+    asked_.push_back({character.Speak(part.wave.empty() ? MarkupOf(part, VoicePrefix(settings.Pitch, settings.Speed,
+                                                                                     settings.Whisper == True))
+                                                        : part.text,
+                                      part.wave),
+                      number});
     program_.Voice.LastSpeakRequest = asked_.back().request;
 }
 

@@ -17,9 +17,9 @@ namespace voxmate
 namespace
 {
 
+using readers::Refusal;
 using recording::Job;
 using recording::News;
-using readers::Refusal;
 
 constexpr const char* BoxTitle = "Voxmate - Save as Sound";
 
@@ -206,8 +206,11 @@ bool SaveSoundWindow::AskForFile(Job& job)
 {
     const Kind& kind = KindOf(job.kind);
     const std::string pattern = std::string("*.") + kind.extension;
-    job.path = host_.AskForFile({std::string(kind.name) + " (" + pattern + ")|" + pattern, Caption, false,
-                                 job.title + "." + job.kind, {}});
+    job.path = host_.AskForFile({std::string(kind.name) + " (" + pattern + ")|" + pattern,
+                                 "Save Sound As...",
+                                 false,
+                                 job.title + "." + job.kind,
+                                 {}});
     if (job.path.empty())
         return false;
     // The name that is typed may tell another kind.
@@ -253,8 +256,9 @@ void SaveSoundWindow::Start(Job job)
     try {
         run_ = std::make_unique<SoundRun>(host_, std::move(job));
     } catch (const RuntimeError&) {
-        program_.Messages.Announce("\"" + name + "\" cannot be saved: the program that makes sound files cannot be "
-                                                 "started.",
+        program_.Messages.Announce("\"" + name +
+                                       "\" cannot be saved: the program that makes sound files cannot be "
+                                       "started.",
                                    vbExclamation, BoxTitle, "Decline");
         return;
     }
@@ -364,9 +368,9 @@ void SaveSoundWindow::Convert()
     if (refusal != Refusal::None || blocks.empty()) {
         Tell("Nothing was saved.");
         Look();
-        program_.Messages.Announce(readers::Sentence(refusal == Refusal::None ? Refusal::NoText : refusal,
-                                                     job.document, false),
-                                   vbExclamation, BoxTitle, "Decline");
+        program_.Messages.Announce(
+            readers::Sentence(refusal == Refusal::None ? Refusal::NoText : refusal, job.document, false), vbExclamation,
+            BoxTitle, "Decline");
         return;
     }
     job.blocks = std::move(blocks);

@@ -14,9 +14,9 @@ namespace
 {
 
 // The fields that are texts, in the order in which they are written.
-constexpr std::array Fields{&Job::voice, &Job::voiceName, &Job::language, &Job::addedVoices,
-                            &Job::prefix, &Job::document, &Job::text, &Job::kind,
-                            &Job::title, &Job::path, &Job::temporary};
+constexpr std::array Fields{&Job::voice,  &Job::voiceName, &Job::language, &Job::addedVoices,
+                            &Job::prefix, &Job::document,  &Job::text,     &Job::kind,
+                            &Job::title,  &Job::path,      &Job::temporary};
 
 void Put(std::string& bytes, std::string_view text)
 {

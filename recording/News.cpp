@@ -31,8 +31,9 @@ std::optional<News> DecodeNews(std::string_view line)
     if (at != end || numbers[0] > static_cast<std::uint64_t>(News::Kind::NotWritten) || numbers[4] > INT32_MAX ||
         numbers[5] > static_cast<std::uint64_t>(readers::LastRefusal))
         return std::nullopt;
-    return News{static_cast<News::Kind>(numbers[0]), numbers[1], numbers[2], numbers[3], static_cast<int>(numbers[4]),
-                static_cast<readers::Refusal>(numbers[5])};
+    return News{
+        static_cast<News::Kind>(numbers[0]),      numbers[1], numbers[2], numbers[3], static_cast<int>(numbers[4]),
+        static_cast<readers::Refusal>(numbers[5])};
 }
 
 } // namespace voxmate::recording

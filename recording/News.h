@@ -13,11 +13,11 @@ namespace voxmate::recording
 
 struct News {
     enum class Kind {
-        Progress, ///< so much has been spoken
-        Done,     ///< all is saved
-        Refused,  ///< the document cannot be read; nothing is saved
-        NoVoice,  ///< the voice cannot speak
-        DiskFull, ///< there is no room for the file
+        Progress,   ///< so much has been spoken
+        Done,       ///< all is saved
+        Refused,    ///< the document cannot be read; nothing is saved
+        NoVoice,    ///< the voice cannot speak
+        DiskFull,   ///< there is no room for the file
         NotWritten, ///< the file or the folder cannot be written
     };
     Kind kind = Kind::Progress;

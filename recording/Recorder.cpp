@@ -73,8 +73,8 @@ public:
     {
         End();
         ++count_;
-        const std::string path = job_.chapters ? job_.temporary + "/" + ChapterName(count_, title, job_.kind)
-                                               : job_.temporary;
+        const std::string path =
+            job_.chapters ? job_.temporary + "/" + ChapterName(count_, title, job_.kind) : job_.temporary;
         speech::SoundLabels labels{title, "", 0};
         if (job_.chapters) {
             labels.album = job_.title;
@@ -247,8 +247,8 @@ public:
         if (!entry)
             return Told(News::Kind::NoVoice);
         Files files(job_, entry->engine->SampleRate(entry->voice), tell_);
-        // What an engine says first in a process it says a little differently (eSpeak NG by 25 ms); what is heard is
-        // rarely that.
+        // What an engine says first with a voice, pitch and speed it says a little differently (eSpeak NG by 25 to
+        // 40 ms); what is heard is rarely that.
         Silent silent;
         speech::SpeakInTurns(voices_, *entry, agent::ParseMarkup(job_.prefix + "one").segments, silent);
         const Refusal refusal = job_.text.empty() ? Document(*entry, files) : Text(*entry, files);
@@ -314,7 +314,8 @@ private:
             for (const SpokenPart& part : parts) {
                 if (!files.Open())
                     files.Begin(title);
-                const std::uint64_t bytes = &part == &parts.back() ? left : std::min<std::uint64_t>(left, part.text.size());
+                const std::uint64_t bytes =
+                    &part == &parts.back() ? left : std::min<std::uint64_t>(left, part.text.size());
                 left -= bytes;
                 Speak(entry, MarkupOf(part, job_.prefix), bytes, files);
             }

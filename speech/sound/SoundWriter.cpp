@@ -104,7 +104,8 @@ std::vector<std::string> WritableSounds()
 std::unique_ptr<SoundWriter> SoundWriter::Create(const std::string& path, std::string_view kind, int samplesPerSecond,
                                                  const SoundLabels& labels)
 {
-    const auto* const known = std::find_if(Kinds.begin(), Kinds.end(), [&](const Kind& k) { return kind == k.extension; });
+    const auto* const known =
+        std::find_if(Kinds.begin(), Kinds.end(), [&](const Kind& k) { return kind == k.extension; });
     if (known == Kinds.end() || !CanWrite(known->format, CommonRate))
         return nullptr;
     SF_INFO info{0, CanWrite(known->format, samplesPerSecond) ? samplesPerSecond : CommonRate, 1, known->format, 0, 0};

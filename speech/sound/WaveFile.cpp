@@ -95,7 +95,8 @@ private:
     static std::uintmax_t Most(const WaveInput& input, const SF_INFO& info)
     {
         constexpr std::uintmax_t twoDays = 172'800; // seconds
-        return input.IsWave() ? input.Size() * MostSamplesPerByte : static_cast<std::uintmax_t>(info.samplerate) * twoDays;
+        return input.IsWave() ? input.Size() * MostSamplesPerByte
+                              : static_cast<std::uintmax_t>(info.samplerate) * twoDays;
     }
 
     std::unique_ptr<WaveInput> input_;

@@ -38,7 +38,8 @@ inline constexpr std::size_t MostSamplesPerByte = 16;
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file);
 
 /// Decodes a wave file as DecodeWave does, or a recording of another kind (see WaveInput::OfFile), block by block. A
-/// wave file may be of any length; of the others, which can pack much silence into few bytes, two days are read at most.
+/// wave file may be of any length; of the others, which can pack much silence into few bytes, two days are read at
+/// most.
 class WaveReader
 {
 public:

@@ -98,8 +98,8 @@ std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput
     const std::size_t count = input->Copy(0, head);
     const std::string_view text(reinterpret_cast<const char*>(head.data()), count);
     const std::string_view form = text.size() >= HeadSize ? text.substr(8, 4) : std::string_view();
-    constexpr std::array<std::string_view, 7> beginnings{"fLaC", "OggS", "ID3", ".snd",
-                                                         "caff", "RF64", "Creative Voice File"};
+    constexpr std::array<std::string_view, 7> beginnings{
+        "fLaC", "OggS", "ID3", ".snd", "caff", "RF64", "Creative Voice File"};
     // A frame of MPEG audio: eleven bits set, and then a layer.
     const bool frame = count > 3 && head[0] == 0xFF && (head[1] & 0xE0) == 0xE0 && (head[1] & 0x06) != 0;
     input->isWave_ = text.starts_with("RIF") && form == "WAVE";
@@ -111,7 +111,8 @@ std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput
     return nullptr;
 }
 
-// Checked before libsndfile sees the file: a character's sounds are wave files and nothing else. Numbers are little-endian in RIFF files and big-endian in RIFX files.
+// Checked before libsndfile sees the file: a character's sounds are wave files and nothing else. Numbers are
+// little-endian in RIFF files and big-endian in RIFX files.
 std::unique_ptr<WaveInput> WaveInput::Checked(std::unique_ptr<WaveInput> input)
 {
     std::array<std::uint8_t, HeadSize> head{};

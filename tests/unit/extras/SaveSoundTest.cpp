@@ -94,7 +94,7 @@ TEST_F(SaveSoundTest, TheTextIsSavedWithTheTagsItIsSpokenWith)
     Window().comKind.UserSelect(2);
     sounds.chosen = {"C:\\Sounds\\a.flac"};
     Window().cmdSave.UserClick();
-    EXPECT_TRUE(Logged("ShowSave Save as Sound FLAC (*.flac)|*.flac It is C-- here, a first line of many.flac"));
+    EXPECT_TRUE(Logged("ShowSave Save Sound As... FLAC (*.flac)|*.flac It is C-- here, a first line of many.flac"));
     ASSERT_EQ(sounds.jobs.size(), 1U);
     const recording::Job& job = sounds.jobs[0];
     EXPECT_EQ(job.text, "\\Pit=50\\ \\Spd=156\\It is C:\\\\ here, a first line of many words and more.");

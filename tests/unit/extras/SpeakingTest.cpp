@@ -135,7 +135,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places});
+    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, {}});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

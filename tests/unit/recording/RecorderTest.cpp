@@ -211,10 +211,12 @@ TEST_F(RecorderTest, AFileHoldsWhatIsHeardToOneFrame)
                                     Paragraph("One more.")};
     for (const Tested& voice : TestedVoices) {
         job.voice = VoiceOf(voice.name);
-        Heard("An engine says the first thing a little differently.");
         for (const std::string& prefix : tags) {
             job.prefix = prefix;
             Document({blocks[0], blocks[1], blocks[2], Refusal::None});
+            // What comes first in a process, or after another voice, pitch or speed, differs by some 25 ms, also where
+            // it is heard.
+            Do();
             Samples heard;
             for (const Block& block : blocks)
                 for (const SpokenPart& part : PartsOf(block)) {
