@@ -380,6 +380,7 @@ void SaveSoundWindow::Convert()
 SaveSound::SaveSound(ExtrasMenu& menu, Program& program, frmMain& main, Documents& documents, SoundHost host)
     : host_(std::move(host)), window_(program, main, documents, host_)
 {
+    menu.BeginGroup();
     menu.Add("mnuSaveSound", "Sa&ve as Sound...", [this] { window_.Open(); }).Shortcut = "Ctrl+S";
 }
 

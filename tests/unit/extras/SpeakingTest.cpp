@@ -36,6 +36,8 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
                             "Rea&ding Window Ctrl+D",
                             "Open &It with Each Document",
                             "-",
+                            "Sa&ve as Sound... Ctrl+S",
+                            "-",
                             "&Character Stands Aside",
                             "-",
                             "Start at &Log-in",
