@@ -247,10 +247,10 @@ public:
         if (!entry)
             return Told(News::Kind::NoVoice);
         Files files(job_, entry->engine->SampleRate(entry->voice), tell_);
-        // What an engine says first with a voice, pitch and speed it says a little differently (eSpeak NG by 25 to
-        // 40 ms); what is heard is rarely that.
+        // What follows no other sentence of the same voice, pitch and speed is said a little differently (by eSpeak NG
+        // 25 to 40 ms longer); what is heard mostly follows one.
         Silent silent;
-        speech::SpeakInTurns(voices_, *entry, agent::ParseMarkup(job_.prefix + "one").segments, silent);
+        speech::SpeakInTurns(voices_, *entry, agent::ParseMarkup(job_.prefix + "One.").segments, silent);
         const Refusal refusal = job_.text.empty() ? Document(*entry, files) : Text(*entry, files);
         if (files.Count() == 0) {
             News news = Told(News::Kind::Refused);
