@@ -9,6 +9,7 @@
 #include "modules/Program.h"
 #include "platform/Fingerprint.h"
 #include "platform/FreeMemory.h"
+#include "platform/MemoryFile.h"
 #include "platform/linux/desktop/DBusActivation.h"
 #include "platform/linux/desktop/DesktopKeys.h"
 #include "platform/linux/desktop/MprisPlayer.h"
@@ -32,6 +33,7 @@
 #include "speech/VoiceCatalog.h"
 #include "speech/player/VoicePlayer.h"
 #include "speech/player/WordedVoice.h"
+#include "speech/sound/SoundWriter.h"
 
 #include <QLocale>
 
@@ -84,6 +86,15 @@ CommandLine Arguments(int argc, char** argv)
     std::error_code error;
     return ParseCommandLine(std::span(argv, static_cast<std::size_t>(argc)).subspan(argc > 0 ? 1 : 0),
                             std::filesystem::current_path(error).string());
+}
+
+// Starts the program that saves speech as sound. It gets the job as a file in memory, which may be as long as a book.
+std::unique_ptr<Helper> StartRecorder(recording::Job job)
+{
+    job.language = QLocale::system().name().toStdString();
+    job.addedVoices = linux_platform::ProgramFolder() + "/voices";
+    const MemoryFile input(recording::EncodeJob(job));
+    return StartHelper("voxmate-recorder", input.Path());
 }
 
 // Makes the parts of the program and runs it until it ends.
@@ -141,9 +152,23 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
     qt::QtWindowPlaces places;
     Extras extras(program, mainForm,
-                  {*state, login, desktop, media, keys, LookAtCharacter,
-                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint,
-                   places, wordedVoice, linux_platform::SaveFile});
+                  {*state,
+                   login,
+                   desktop,
+                   media,
+                   keys,
+                   LookAtCharacter,
+                   [](const std::string& file) { return std::make_unique<readers::Reading>(file); },
+                   Fingerprint,
+                   places,
+                   wordedVoice,
+                   linux_platform::SaveFile,
+                   {speech::WritableSounds, StartRecorder,
+                    [](const std::string& path) {
+                        std::error_code error;
+                        std::filesystem::remove_all(path, error);
+                    },
+                    [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }}});
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

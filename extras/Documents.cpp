@@ -354,7 +354,8 @@ void Documents::Finish(Narrator::End end)
     SetFile("");
     reading_.reset();
     if (plays_ && end == Narrator::End::Failed)
-        sentence_ = "\"" + std::string(NameOfPath(file)) + "\" cannot be played: it is damaged, or no wave file.";
+        sentence_ = "\"" + std::string(NameOfPath(file)) +
+                    "\" cannot be played: it is damaged, or of a kind that is not played here.";
     if (end == Narrator::End::Stopped) {
         waiting_.clear();
     } else if (!sentence_.empty()) {
@@ -417,7 +418,7 @@ void Documents::ShowStatus()
         if (IsOpening())
             return "Opening Document. Please wait...";
         if (plays_ && !narrator_.Paused())
-            return "Playing wave file...";
+            return "Playing recording...";
         const std::string left = TimeLeft();
         // The name last, because it may be long and is known.
         return (narrator_.Paused() ? "Paused " : "Reading ") + (left.empty() ? "" : "(" + left + ") ") + name_ +

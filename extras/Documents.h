@@ -42,6 +42,7 @@ public:
     /// The one that was begun last: its name without the folder, which number it has in this run, and its text as far
     /// as it has come. A recording has none.
     const std::string& Name() const { return name_; }
+    const std::string& Path() const { return last_; }
     unsigned Number() const { return number_; }
     const Narrator& Text() const { return narrator_; }
     bool IsRecording() const { return plays_; }

@@ -23,6 +23,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       documentMenu_(menu_, "mnuDocument", "&Document"),
       documents_(documentMenu_, program, main, host.ReadDocument, host.Fingerprint, host.State),
       reading_(documentMenu_, program.Host.Windows, documents_, host.State, [&main] { main.cmdStop.UserClick(); }),
+      sound_(menu_, program, main, documents_, host.Sounds),
       mediaKeys_(
           main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
       trayTip_(program, main, documents_), pronunciations_(menu_, program, host.Wording, host.SaveText, host.State),

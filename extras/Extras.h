@@ -11,6 +11,7 @@
 #include "extras/Pronunciations.h"
 #include "extras/ReadingWindow.h"
 #include "extras/ReminderEntry.h"
+#include "extras/SaveSound.h"
 #include "extras/Speaking.h"
 #include "extras/StandAside.h"
 #include "extras/StartAtLogin.h"
@@ -42,6 +43,7 @@ struct ExtrasHost {
     WindowPlaces& Windows;
     WordingControl& Wording;
     Pronunciations::SaveText SaveText;
+    SoundHost Sounds;
 };
 
 class Extras
@@ -62,6 +64,7 @@ public:
     bool Escape() { return speaking_.Escape(); }
     ReadingWindow& TextWindow() { return reading_.Window(); }
     PronunciationWindow& WordsWindow() { return pronunciations_.Window(); }
+    SaveSoundWindow& SoundWindow() { return sound_.Window(); }
 
 private:
     Program& program_;
@@ -75,6 +78,7 @@ private:
     ExtrasMenu documentMenu_;
     Documents documents_;
     ReadingWindows reading_;
+    SaveSound sound_;
     MediaKeys mediaKeys_;
     TrayTip trayTip_;
     Pronunciations pronunciations_;

@@ -17,17 +17,6 @@ constexpr std::size_t RequestsAhead = 2;
 /// Of what has been heard, as much is kept as some thousand pages take.
 constexpr std::size_t MostBehind = std::size_t{16} << 20;
 
-// The text with the voice settings in front and the silence behind it.
-std::string Markup(const SpokenPart& part, const SettingsRecord& settings)
-{
-    std::string markup = VoicePrefix(settings.Pitch, settings.Speed, settings.Whisper == True);
-    for (const char c : part.text)
-        markup.append(c == '\\' ? 2 : 1, c);
-    if (part.pause > 0)
-        markup += "\\Pau=" + std::to_string(part.pause) + "\\";
-    return markup;
-}
-
 } // namespace
 
 Narrator::Narrator(Program& program)
@@ -215,13 +204,17 @@ void Narrator::Feed()
 void Narrator::Ask(std::size_t number)
 {
     const SpokenPart& part = Part(number).part;
+    const SettingsRecord& settings = program_.Settings;
     AgentCharacter& character = *program_.Character;
     if (asked_.empty()) {
         speaker_ = program_.Settings.LastCharacter;
         character.Show(false);
     }
-    asked_.push_back(
-        {character.Speak(part.wave.empty() ? Markup(part, program_.Settings) : part.text, part.wave), number});
+    asked_.push_back({character.Speak(part.wave.empty() ? MarkupOf(part, VoicePrefix(settings.Pitch, settings.Speed,
+                                                                                     settings.Whisper == True))
+                                                        : part.text,
+                                      part.wave),
+                      number});
     program_.Voice.LastSpeakRequest = asked_.back().request;
 }
 

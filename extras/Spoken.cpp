@@ -121,4 +121,14 @@ std::vector<SpokenPart> PartsOf(const readers::Block& block)
     return parts;
 }
 
+std::string MarkupOf(const SpokenPart& part, std::string prefix)
+{
+    std::string markup = std::move(prefix);
+    for (const char c : part.text)
+        markup.append(c == '\\' ? 2 : 1, c);
+    if (part.pause > 0)
+        markup += "\\Pau=" + std::to_string(part.pause) + "\\";
+    return markup;
+}
+
 } // namespace voxmate

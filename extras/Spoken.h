@@ -28,4 +28,7 @@ struct SpokenPart {
 /// commas. A sentence of more than 1000 bytes is cut at a blank.
 std::vector<SpokenPart> PartsOf(const readers::Block& block);
 
+/// A part as the voice gets it: behind the tags `prefix`, with its silence.
+std::string MarkupOf(const SpokenPart& part, std::string prefix);
+
 } // namespace voxmate

@@ -50,7 +50,7 @@ class Reader final : public WaveReader
 {
 public:
     Reader(std::unique_ptr<WaveInput> input, SoundFile file, const SF_INFO& info)
-        : input_(std::move(input)), file_(std::move(file)), info_(info), left_(input_->Size() * MostSamplesPerByte),
+        : input_(std::move(input)), file_(std::move(file)), info_(info), left_(Most(*input_, info)),
           block_(static_cast<std::size_t>(info.channels) * BlockFrames), mix_(static_cast<std::size_t>(info.channels))
     {
     }
@@ -91,6 +91,14 @@ public:
     }
 
 private:
+    // The most samples that are read.
+    static std::uintmax_t Most(const WaveInput& input, const SF_INFO& info)
+    {
+        constexpr std::uintmax_t twoDays = 172'800; // seconds
+        return input.IsWave() ? input.Size() * MostSamplesPerByte
+                              : static_cast<std::uintmax_t>(info.samplerate) * twoDays;
+    }
+
     std::unique_ptr<WaveInput> input_;
     SoundFile file_;
     SF_INFO info_;

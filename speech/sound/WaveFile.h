@@ -37,13 +37,15 @@ inline constexpr std::size_t MostSamplesPerByte = 16;
 /// samples.
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file);
 
-/// Decodes a wave file as DecodeWave does, but of any length and block by block.
+/// Decodes a wave file as DecodeWave does, or a recording of another kind (see WaveInput::OfFile), block by block. A
+/// wave file may be of any length; of the others, which can pack much silence into few bytes, two days are read at
+/// most.
 class WaveReader
 {
 public:
     virtual ~WaveReader() = default;
     /// Null when the path is no regular file (reading a pipe, for example, could block for ever) or the file is not
-    /// such a wave file.
+    /// such a recording.
     static std::unique_ptr<WaveReader> Open(const std::string& path);
     virtual int SamplesPerSecond() const = 0;
     /// The next mono samples; empty at the end. Valid until the next call.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -86,11 +87,32 @@ std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
     const std::uintmax_t size = std::filesystem::file_size(path, error);
     if (!file || error)
         return nullptr;
-    return Checked(std::make_unique<FileInput>(std::move(file), size));
+    return CheckedRecording(std::make_unique<FileInput>(std::move(file), size));
 }
 
-// Checked before libsndfile sees the file, because its readers for two dozen other formats should not be exposed to
-// files from strangers. Numbers are little-endian in RIFF files and big-endian in RIFX files.
+// What the user opens may be any recording of the usual kinds. Their readers are known well; those of two dozen others
+// that libsndfile has too should not be exposed to files from strangers.
+std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput> input)
+{
+    std::array<std::uint8_t, HeadSize + 8> head{};
+    const std::size_t count = input->Copy(0, head);
+    const std::string_view text(reinterpret_cast<const char*>(head.data()), count);
+    const std::string_view form = text.size() >= HeadSize ? text.substr(8, 4) : std::string_view();
+    constexpr std::array<std::string_view, 7> beginnings{
+        "fLaC", "OggS", "ID3", ".snd", "caff", "RF64", "Creative Voice File"};
+    // A frame of MPEG audio: eleven bits set, and then a layer.
+    const bool frame = count > 3 && head[0] == 0xFF && (head[1] & 0xE0) == 0xE0 && (head[1] & 0x06) != 0;
+    input->isWave_ = text.starts_with("RIF") && form == "WAVE";
+    if (input->isWave_)
+        return Checked(std::move(input));
+    const bool known = std::ranges::any_of(beginnings, [&](auto begin) { return text.starts_with(begin); });
+    if (known || frame || (text.starts_with("FORM") && (form == "AIFF" || form == "AIFC")))
+        return input;
+    return nullptr;
+}
+
+// Checked before libsndfile sees the file: a character's sounds are wave files and nothing else. Numbers are
+// little-endian in RIFF files and big-endian in RIFX files.
 std::unique_ptr<WaveInput> WaveInput::Checked(std::unique_ptr<WaveInput> input)
 {
     std::array<std::uint8_t, HeadSize> head{};

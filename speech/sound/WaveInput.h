@@ -1,4 +1,4 @@
-// A wave file's bytes as libsndfile reads them.
+// The bytes of a wave file, or of another recording, as libsndfile reads them.
 #pragma once
 
 #include <array>
@@ -21,11 +21,13 @@ public:
     virtual ~WaveInput() = default;
     /// Null when the bytes do not begin like a wave file. They are not copied.
     static std::unique_ptr<WaveInput> OfMemory(std::span<const std::uint8_t> bytes);
-    /// Null also when the path is no regular file or cannot be read.
+    /// The same for a file, which may also be a recording of another kind: FLAC, Ogg, MPEG audio, AIFF, AU, CAF, RF64
+    /// or VOC. Null also when the path is no regular file or cannot be read.
     static std::unique_ptr<WaveInput> OfFile(const std::string& path);
 
     /// In bytes.
     std::uint64_t Size() const { return size_; }
+    bool IsWave() const { return isWave_; }
     /// Null when libsndfile cannot read it. The input must outlive the returned handle.
     SNDFILE* Open(SF_INFO& info);
 
@@ -41,6 +43,7 @@ private:
     };
 
     static std::unique_ptr<WaveInput> Checked(std::unique_ptr<WaveInput> input);
+    static std::unique_ptr<WaveInput> CheckedRecording(std::unique_ptr<WaveInput> input);
     /// The chunk whose header is at offset `at`; its name is 0 when it reaches beyond the end of the file.
     Chunk ChunkAt(std::uint64_t at);
     bool ChunksFollow(std::uint64_t at);
@@ -49,6 +52,7 @@ private:
 
     std::uint64_t size_;
     std::uint64_t at_ = 0;
+    bool isWave_ = true;
     bool highestFirst_ = false;  ///< byte order of numbers: true for big-endian
     std::uint64_t mendedAt_ = 0; ///< offset of the corrected length; 0 when none is corrected
     std::array<std::uint8_t, 4> mended_{};

@@ -141,11 +141,32 @@ class Opened(DocumentCase):
         begin = self.now()
         self.open(path)
         self.wait_for_sound(begin)
-        self.status_is("Playing wave file...")
+        self.status_is("Playing recording...")
         self.silent()
         self.assertAlmostEqual(self.sound_since(begin), 2, delta=0.09)
         self.open(self.file("song.ogg", b"OggS" + bytes(100)))
-        self.assertEqual(self.answer_box("Voxmate - File Error"), '"song.ogg" cannot be played: it is damaged, or no wave file.')
+        self.assertEqual(self.answer_box("Voxmate - File Error"), '"song.ogg" cannot be played: it is damaged, or of a kind that is not played here.')
+
+    def test_a_document_is_saved_as_the_sound_that_is_heard(self):
+        path = os.path.join(self.folder, "saved.wav")
+        begin = self.now()
+        self.open(self.page(sentences=SENTENCES[:1]))
+        self.wait_for_sound(begin)
+        self.silent()
+        heard = self.recorded(begin)
+        self.desk.key("ctrl+s")
+        self.active(self.shown("Save as Sound"))
+        self.desk.key("Return")
+        self.active(self.shown("Save Sound As..."))
+        self.desk.key("ctrl+a")
+        self.desk.type(path)
+        self.desk.key("Return")
+        desktop.wait_for(lambda: any(text.startswith("Saved saved.wav") for text in self.desk.texts()), what="the file")
+        saved = sound.resampled(*sound.read_wave(path))
+        lengths = [numpy.subtract(*reversed(sound.loud_span(samples))) / sound.RATE for samples in (heard, saved)]
+        self.assertAlmostEqual(*lengths, delta=0.03)  # a frame of 20 ms, and what a window of loudness is long
+        self.assertGreater(sound.likeness(heard, saved[slice(*sound.loud_span(saved))]), 0.9)
+        self.assertEqual([name for name in os.listdir(self.folder) if name.startswith(".")], [])
 
     def test_nothing_is_left_of_the_reader_when_the_program_ends(self):
         begin = self.now()

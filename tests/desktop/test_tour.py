@@ -213,6 +213,10 @@ class Menus(MainTour):
         self.use("Remove", window="Voxmate - Pronunciation")
         self.use("Close", window="Voxmate - Pronunciation")
         self.closed("Voxmate - Pronunciation")
+        self.choose("Extras", "Save as Sound...")
+        self.opened("Save as Sound")
+        self.look("Save as Sound", "save-sound")
+        self.close_by_escape("Save as Sound")
         # No document is being read, which these concern; test_documents chooses them.
         for name in ("Pause or Go On", "Back a Sentence", "Forward a Sentence", "Back a Paragraph", "Forward a Paragraph",
                      "From the Beginning"):

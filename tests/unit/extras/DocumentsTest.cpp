@@ -265,7 +265,7 @@ TEST_F(DocumentsTest, ARecordingIsPlayedByTheCharacter)
               (Lines{"Window frmMain shown", "Window frmMain activated", "Show", "Speak . from C:\\song.ogg"}));
     EndNext();
     StartNext();
-    EXPECT_EQ(Status(), "Playing wave file...");
+    EXPECT_EQ(Status(), "Playing recording...");
     EXPECT_TRUE(extras.Escape());
     SpeakAll();
     EXPECT_EQ(Boxes(), Lines{});
@@ -280,8 +280,8 @@ TEST_F(DocumentsTest, ARecordingThatCannotBePlayedIsToldOf)
     StartNext();
     EndNext(RequestStatus::Failed);
     Tick();
-    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"song.ogg\" cannot be played: it is damaged, or no wave "
-                              "file."}));
+    EXPECT_EQ(Boxes(), (Lines{"Voxmate - File Error: \"song.ogg\" cannot be played: it is damaged, or of a "
+                              "kind that is not played here."}));
 }
 
 TEST_F(DocumentsTest, TheWordProcessorReadsWhatOnlyItCan)

@@ -7,6 +7,7 @@
 #include "tests/fakes/FakeDocuments.h"
 #include "tests/fakes/FakeGlobalKeys.h"
 #include "tests/fakes/FakeMediaControls.h"
+#include "tests/fakes/FakeSounds.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/FakeWindowPlaces.h"
 #include "tests/fakes/FakeWording.h"
@@ -37,6 +38,7 @@ protected:
     fakes::FakeWindowPlaces places;
     fakes::FakeWording wording;
     bool savesText = true; ///< whether the extras can write text files
+    fakes::FakeSounds sounds{fake.log};
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -54,7 +56,8 @@ protected:
                        if (savesText)
                            fake.files.texts[path] = text;
                        return savesText;
-                   }}};
+                   },
+                   sounds.Host()}};
 
     ExtrasTest()
     {

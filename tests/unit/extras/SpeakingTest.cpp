@@ -23,7 +23,7 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     };
     EXPECT_EQ(itemsOf("mnuExtras"),
               (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
-                     "Pron&unciation...", "Say Lin&ks and Codes in Short", "-", "&Character Stands Aside", "-",
+                     "Sa&ve as Sound...", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-", "&Character Stands Aside", "-",
                      "Start at &Log-in", "&Greet Me at Log-in", "-", "&Help on Extras"}));
     EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
                                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
@@ -126,8 +126,9 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next,
-                {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr});
+    Extras more(
+        program, next,
+        {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host()});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 
