@@ -140,7 +140,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     Extras extras(program, mainForm,
                   {*state, login, desktop, media, keys, LookAtCharacter,
                    [](const std::string& file) { return std::make_unique<readers::Reading>(file); }, Fingerprint,
-                   places});
+                   places, [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }});
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

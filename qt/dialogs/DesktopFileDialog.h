@@ -27,6 +27,7 @@ struct FileQuestion {
     QString folder; ///< to begin in
     QList<Kind> kinds;
     bool wantsFolder; ///< a folder is chosen, not a file
+    QString saveAs{}; ///< a file is to be written, for which this name is proposed; empty: it is to be read
 };
 
 /// A dialog in a process of the desktop's. Each platform adds its implementation of `Make`.

@@ -87,6 +87,13 @@ void TellSelected(QFileDialog& dialog, const std::function<void(const std::strin
         QObject::connect(name, &QLineEdit::textChanged, rest, qOverload<>(&QTimer::start));
 }
 
+/// Begins in the documents folder where `folder` does not exist.
+void Settle(std::string& folder)
+{
+    if (folder.empty() || !QDir(ToQt(folder)).exists())
+        folder = FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+}
+
 /// Lets the user choose in the toolkit's dialog, and sets `folder` to the one it was left in. Empty: cancelled.
 QString AskToolkit(QWidget* over, const FileQuestion& question, const CommonDialog& settings, QString& folder,
                    const RecentFolders& recent)
@@ -118,8 +125,7 @@ QString AskToolkit(QWidget* over, const FileQuestion& question, const CommonDial
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder,
                                           RecentFolders& recent)
 {
-    if (folder.empty() || !QDir(ToQt(folder)).exists())
-        folder = FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    Settle(folder);
     QString left = ToQt(folder);
     const FileQuestion question{ToQt(settings.DialogTitle), left, Kinds(settings.Filter), false};
     std::optional<QString> path = AskDesktop(over, question);
@@ -132,6 +138,31 @@ std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& set
         return std::nullopt;
     if (QFileInfo(*path).isFile())
         recent.Put(folder);
+    return FromQt(QDir::toNativeSeparators(*path));
+}
+
+std::optional<std::string> ShowSaveDialog(QWidget* over, const CommonDialog& settings, std::string& folder)
+{
+    Settle(folder);
+    const FileQuestion question{ToQt(settings.DialogTitle), ToQt(folder), Kinds(settings.Filter), false,
+                                ToQt(settings.FileName)};
+    std::optional<QString> path = AskDesktop(over, question);
+    if (!path) {
+        const QPointer<QFileDialog> dialog = NewFileDialog(over, question.title, question.folder);
+        dialog->setObjectName(QStringLiteral("Save"));
+        dialog->setAcceptMode(QFileDialog::AcceptSave);
+        dialog->setFileMode(QFileDialog::AnyFile);
+        dialog->setNameFilters(NameFilters(question.kinds));
+        if (!question.kinds.isEmpty())
+            dialog->setDefaultSuffix(QFileInfo(question.kinds.front().patterns.front()).suffix());
+        dialog->selectFile(question.saveAs);
+        const bool accepted = dialog->exec() == QDialog::Accepted;
+        path = accepted && dialog && !dialog->selectedFiles().isEmpty() ? dialog->selectedFiles().front() : QString();
+        delete dialog;
+    }
+    if (path->isEmpty())
+        return std::nullopt;
+    folder = FromQt(QFileInfo(*path).absolutePath());
     return FromQt(QDir::toNativeSeparators(*path));
 }
 

@@ -1,4 +1,4 @@
-// The dialog for opening a file.
+// The dialogs for opening a file and for saving one.
 #pragma once
 
 #include "platform/WindowSystem.h"
@@ -18,5 +18,10 @@ namespace voxmate::qt
 /// when the user cancels.
 std::optional<std::string> ShowOpenDialog(QWidget* over, const CommonDialog& settings, std::string& folder,
                                           RecentFolders& recent);
+
+/// Lets the user choose where a file is to be saved; `settings.FileName` is the proposed name. Asks before a file that
+/// exists is chosen; a name without an extension gets that of the first pattern in the filter, unless the desktop's own
+/// dialog was shown. Folders as for opening. Returns the full path, nothing when the user cancels.
+std::optional<std::string> ShowSaveDialog(QWidget* over, const CommonDialog& settings, std::string& folder);
 
 } // namespace voxmate::qt

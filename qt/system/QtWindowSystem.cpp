@@ -134,6 +134,11 @@ void QtWindowSystem::ShowOpen(CommonDialog& dialog)
         throw CancelSelected();
 }
 
+std::string QtWindowSystem::ShowSave(const CommonDialog& dialog)
+{
+    return ShowSaveDialog(Owner(), dialog, saveFolder_).value_or("");
+}
+
 bool QtWindowSystem::ShowFont(FontSpec& font, int minSize, int maxSize)
 {
     const std::optional<FontSpec> chosen = ShowFontDialog(Owner(), font, minSize, maxSize);

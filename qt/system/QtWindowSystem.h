@@ -27,6 +27,10 @@ public:
     const IconSet& Icons() const { return icons_; }
     RecentFolders Recent; ///< of the dialog for opening a file
 
+    /// Shows the modal dialog for saving a file under a name of one of the filter's kinds, in the folder it was last
+    /// left in. Returns the full path, which the user has agreed to replace if it exists; empty when the user cancels.
+    std::string ShowSave(const CommonDialog& dialog);
+
     std::unique_ptr<FormPeer> CreateFormPeer(Form& form) override;
     int MsgBox(const std::string& text, int style, const std::string& title) override;
     void DoEvents() override;
@@ -54,6 +58,7 @@ private:
     std::map<ItemList, std::string> itemLists_; ///< paths of the item lists not yet freed
     ItemList lastItemList_ = 0;
     std::string openFolder_; ///< the folder in which the open dialog was last left; empty before the first use
+    std::string saveFolder_; ///< the same of the dialog for saving
     QPointer<QWidget> main_; ///< the main window: the form with a menu bar
     QPointer<FormWindow> lastForm_;
     QObject context_; ///< receives the application's signals, which are disconnected when it is destroyed

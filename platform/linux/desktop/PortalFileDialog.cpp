@@ -100,6 +100,8 @@ QVariantMap Options(const qt::FileQuestion& question, const QString& token)
         options[QStringLiteral("directory")] = true;
     if (!question.folder.isEmpty()) // a path ends in a NUL there
         options[QStringLiteral("current_folder")] = QFile::encodeName(question.folder).append('\0');
+    if (!question.saveAs.isEmpty())
+        options[QStringLiteral("current_name")] = question.saveAs;
     QList<PortalFilter> filters;
     for (const qt::FileQuestion::Kind& kind : question.kinds) {
         PortalFilter filter{kind.name, {}};
@@ -160,7 +162,7 @@ void PortalFileDialog::Ask(const qt::FileQuestion& question, QWindow* over)
                .arg(QString::fromLatin1(Object), bus.baseService().mid(1).replace(u'.', u'_'), token));
     const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
     const QString parent = over && x11 ? QStringLiteral("x11:%1").arg(over->winId(), 0, 16) : QString();
-    QDBusMessage open = Message(QString::fromLatin1(Object), Interface, "OpenFile");
+    QDBusMessage open = Message(QString::fromLatin1(Object), Interface, question.saveAs.isEmpty() ? "OpenFile" : "SaveFile");
     open << parent << question.title << Options(question, token);
     auto* reply = new QDBusPendingCallWatcher(bus.asyncCall(open, Patience), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {

@@ -34,6 +34,7 @@ protected:
     std::string lookFault; ///< what is wrong with every character file; empty: nothing
     fakes::FakeDocuments documents;
     fakes::FakeWindowPlaces places;
+    std::string whereToSave; ///< what the user chooses in the dialog for saving; empty: cancels
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -45,7 +46,12 @@ protected:
                        return look;
                    },
                    [this](const std::string& path) { return documents.Read(path); },
-                   [this](const std::string& path) { return documents.Fingerprint(path); }, places}};
+                   [this](const std::string& path) { return documents.Fingerprint(path); }, places,
+                   [this](const CommonDialog& dialog) {
+                       fake.log.push_back("ShowSave " + dialog.DialogTitle + " " + dialog.Filter + " " +
+                                          dialog.FileName);
+                       return whereToSave;
+                   }}};
 
     ExtrasTest()
     {

@@ -41,6 +41,8 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
                             "Start at &Log-in",
                             "&Greet Me at Log-in",
                             "-",
+                            "Sa&ve as Calendar File...",
+                            "-",
                             "&Help on Extras"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
@@ -135,7 +137,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places});
+    Extras more(program, next, {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, nullptr});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 
