@@ -162,7 +162,8 @@ void PortalFileDialog::Ask(const qt::FileQuestion& question, QWindow* over)
                .arg(QString::fromLatin1(Object), bus.baseService().mid(1).replace(u'.', u'_'), token));
     const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
     const QString parent = over && x11 ? QStringLiteral("x11:%1").arg(over->winId(), 0, 16) : QString();
-    QDBusMessage open = Message(QString::fromLatin1(Object), Interface, question.saveAs.isEmpty() ? "OpenFile" : "SaveFile");
+    QDBusMessage open =
+        Message(QString::fromLatin1(Object), Interface, question.saveAs.isEmpty() ? "OpenFile" : "SaveFile");
     open << parent << question.title << Options(question, token);
     auto* reply = new QDBusPendingCallWatcher(bus.asyncCall(open, Patience), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
