@@ -163,7 +163,12 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                    places,
                    wordedVoice,
                    linux_platform::SaveFile,
-                   {speech::WritableSounds, StartRecorder,
+                   {speech::WritableSounds,
+                    [&wordedVoice](recording::Job job) {
+                        job.rules = wordedVoice.Rules();
+                        job.shortens = wordedVoice.Shortens();
+                        return StartRecorder(std::move(job));
+                    },
                     [](const std::string& path) {
                         std::error_code error;
                         std::filesystem::remove_all(path, error);

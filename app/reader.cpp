@@ -1,5 +1,6 @@
 // The program that reads one document, its input, and writes what it finds to its output. It is started by Voxmate and
 // keeps itself from everything else, because documents come from anywhere.
+#include "platform/LocalTime.h"
 #include "platform/Sandbox.h"
 #include "readers/Frames.h"
 #include "readers/ReadDocument.h"
@@ -29,11 +30,12 @@ void Tell(const readers::Frame& frame)
         LeaveSandbox(0);
 }
 
-// Where libraries look while they read: tables for PDF files in East Asian writings, and the system's older encodings.
+// Where libraries look while they read: tables for PDF files in East Asian writings, time zones that calendars name,
+// and the system's older encodings.
 std::vector<std::string> LibrariesFolders()
 {
     namespace fs = std::filesystem;
-    std::vector<std::string> folders{"/usr/share/poppler", "/usr/lib/gconv", "/usr/lib64/gconv"};
+    std::vector<std::string> folders{"/usr/share/poppler", "/usr/share/zoneinfo", "/usr/lib/gconv", "/usr/lib64/gconv"};
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator("/usr/lib", error))
         if (const fs::path path = entry.path() / "gconv"; fs::is_directory(path, error))
@@ -62,6 +64,8 @@ Refusal Read(std::string_view bytes)
 
 int main()
 {
+    // The zone's own file cannot be opened later.
+    LocalTime(0);
     const InputBytes input = MapInput(readers::LargestFile);
     if (!EnterSandbox({LongestTime, MostMemory + (input.data ? input.size : 0), LibrariesFolders()}))
         Tell(Refusal::NoReader);

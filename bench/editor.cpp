@@ -44,7 +44,7 @@ void MakeReminders(Reminders& reminders)
         one.Minute = next(60);
         one.Description = "Something to be done";
         one.Done = next(2) == 0;
-        reminders.File.AppendRecord(Encoded(one));
+        reminders.File.AppendRecords({Encoded(one)});
         ++reminders.List.RemCount;
     }
 }

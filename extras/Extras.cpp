@@ -31,6 +31,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }), install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
+      calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
@@ -38,6 +39,8 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
     KeepGeometry(main_, host_.State, "main.geometry");
 
     opening_.Add("acs", [this](const std::string& file) { install_.Ask(file); });
+    for (const char* extension : {"ics", "ical"})
+        opening_.Add(extension, [this](const std::string& file) { calendars_.Put(file); });
     menu_.BeginGroup();
     menu_.Add("mnuExtrasHelp", "&Help on Extras", [&program] { program.OpenUrl(program.HelpPage("extras")); });
     // Named in the desktop entry.

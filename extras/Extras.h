@@ -1,6 +1,7 @@
 // All that the program can do beyond its original windows. The program's forms and modules do not know of it.
 #pragma once
 
+#include "extras/Calendars.h"
 #include "extras/CommandLine.h"
 #include "extras/Documents.h"
 #include "extras/ExtrasMenu.h"
@@ -88,6 +89,7 @@ private:
     InstallCharacter install_;
     Opening opening_;
     ReminderEntry entry_;
+    Calendars calendars_;
     Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
     bool startsQuietly_ = false;
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up

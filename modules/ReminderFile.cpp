@@ -307,9 +307,9 @@ bool ReminderFile::WriteReminders(std::int16_t skipIndex)
     return true;
 }
 
-bool ReminderFile::AppendRecord(const std::string& record)
+bool ReminderFile::AppendRecords(const std::vector<std::string>& records)
 {
-    if (record.size() > ReminderSlotSize)
+    if (std::ranges::any_of(records, [](const std::string& record) { return record.size() > ReminderSlotSize; }))
         throw BadRecordLength();
     const Held held = HoldReminders();
     RecoverReminders();
@@ -319,9 +319,11 @@ bool ReminderFile::AppendRecord(const std::string& record)
     else if (dataFile_ && !CatchUp(none))
         return false;
     CloseDataFile();
-    const std::int16_t slot = ToInt16(list_.RemCount + 1);
+    const std::int16_t last = ToInt16(list_.RemCount + static_cast<std::int64_t>(records.size()));
     const auto file = files_.OpenRandom(DataPath(), ReminderSlotSize);
-    file->Put(slot, record);
+    std::int32_t slot = last - static_cast<std::int32_t>(records.size());
+    for (const std::string& record : records)
+        file->Put(++slot, record);
     file->Flush();
     file->Close();
     return true;

@@ -66,8 +66,9 @@ public:
     /// slot of 128 bytes, and the file system's errors; the file is then as before, or the copy holds everything that
     /// was to be saved.
     bool WriteReminders(std::int16_t skipIndex);
-    /// Writes one encoded record behind the last one, in place. Merges changes and raises errors in the same way.
-    bool AppendRecord(const std::string& record);
+    /// Writes encoded records behind the last one, in place and in their order. Merges changes and raises errors in the
+    /// same way.
+    bool AppendRecords(const std::vector<std::string>& records);
 
 private:
     struct Change;

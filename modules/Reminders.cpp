@@ -282,18 +282,25 @@ bool Reminders::TrySaveReminders(std::int16_t skipIndex)
     return false;
 }
 
-bool Reminders::TryAppendReminder(const Reminder& reminder)
+bool Reminders::TryAppendReminders(const std::vector<Reminder>& reminders)
 {
     if (List.RemindersValid == False)
         LoadReminders(false, 0);
     if (List.RemindersValid == False)
         return false;
-    const std::string record = Encoded(reminder);
+    std::vector<std::string> records;
+    records.reserve(reminders.size());
+    for (const Reminder& reminder : reminders)
+        records.push_back(Encoded(reminder));
     try {
-        if (File.AppendRecord(record))
+        if (File.AppendRecords(records))
             return true;
     } catch (const RuntimeError& error) {
-        TellOfUnsavedList(error, IsTooLong(error) ? TooLongReason(reminder.Title, record) : Reason(error));
+        const auto tooLong = std::ranges::find_if(records, [](const auto& r) { return r.size() > ReminderSlotSize; });
+        const auto at = static_cast<std::size_t>(tooLong - records.begin());
+        TellOfUnsavedList(error, IsTooLong(error) && tooLong != records.end()
+                                     ? TooLongReason(reminders[at].Title, *tooLong)
+                                     : Reason(error));
         return false;
     }
     LoadReminders(false, 0);

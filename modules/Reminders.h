@@ -39,11 +39,12 @@ public:
     /// leaves reminders switched off and is tried again (RetryReminders); a box says so, but only after a while if
     /// another program has the file open.
     void LoadReminders(bool fillList, std::int16_t selectIndex);
-    /// Writes the list to the file without entry `skipIndex` (0: none), or one reminder behind the file's last one.
+    /// Writes the list to the file without entry `skipIndex` (0: none), or reminders behind the file's last one.
     /// Where that fails, or the list is not what the file holds because the last load found it invalid, nothing is
     /// lost: the list is read anew from the file, a box says what could not be saved and why, and the result is false.
     bool TrySaveReminders(std::int16_t skipIndex);
-    bool TryAppendReminder(const Reminder& reminder);
+    bool TryAppendReminder(const Reminder& reminder) { return TryAppendReminders({reminder}); }
+    bool TryAppendReminders(const std::vector<Reminder>& reminders);
     /// Tells the user that the last change is lost, because the file no longer held the list that it was made in.
     void TellOfListReadAnew();
     /// Puts an answer into the list and keeps it until it is saved. The list has its reminder, unless the file cannot

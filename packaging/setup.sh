@@ -7,11 +7,12 @@ build_packages=(
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
   libpoppler-cpp-dev libzip-dev libxml2-dev libicu-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
+  libical-dev
   librsvg2-bin
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
-  poppler-data
+  poppler-data tzdata
 )
 # A desktop of its own for machines without one: display, window manager, sound server, and eyes, hands and ears.
 desktop_packages=(

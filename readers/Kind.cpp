@@ -129,6 +129,8 @@ Kind FindKind(std::string_view bytes)
     const std::string_view begin = head.starts_with("\xEF\xBB\xBF") ? head.substr(3) : head;
     if (begin.starts_with("<?xml") || begin.starts_with("<office:document"))
         return KindOfXml(head);
+    if (LowerAscii(Trimmed(begin.substr(0, 64), " \t\r\n")).starts_with("begin:vcalendar"))
+        return Kind::Calendar;
     std::string own;
     return LooksLikeMarkdown(TextOf(bytes, own)) ? Kind::Markdown : Kind::Text;
 }

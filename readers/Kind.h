@@ -7,8 +7,8 @@
 namespace voxmate::readers
 {
 
-enum class Kind : std::uint8_t { Text, Markdown, Page, Docx, Odt, FlatOdt, Epub, Pdf, Rtf };
-inline constexpr Kind LastKind = Kind::Rtf;
+enum class Kind : std::uint8_t { Text, Markdown, Page, Docx, Odt, FlatOdt, Epub, Pdf, Rtf, Calendar };
+inline constexpr Kind LastKind = Kind::Calendar;
 
 /// Raises Refused for what no reader here reads: unknown, sound, protected, damaged, no text (an empty file), and needs
 /// converter for the older files of word processors and for pages stored like mail.

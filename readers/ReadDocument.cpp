@@ -1,6 +1,8 @@
 #include "readers/ReadDocument.h"
 
+#include "platform/LocalTime.h"
 #include "readers/Refusal.h"
+#include "readers/calendar/Calendar.h"
 #include "readers/markup/Page.h"
 #include "readers/office/Docx.h"
 #include "readers/office/Epub.h"
@@ -11,6 +13,7 @@
 #include "readers/text/Markdown.h"
 #include "readers/text/PlainText.h"
 
+#include <ctime>
 #include <string>
 
 namespace voxmate::readers
@@ -41,6 +44,8 @@ void Read(Kind kind, std::string_view bytes, const BlockSink& sink)
         return ReadPdf(bytes, sink);
     case Kind::Rtf:
         return ReadRtf(bytes, sink);
+    case Kind::Calendar:
+        return ReadCalendar(bytes, LocalTime(std::time(nullptr)), sink);
     }
 }
 

@@ -27,6 +27,8 @@ void Put(std::string& bytes, std::string_view text)
 std::optional<std::string_view> Take(std::string_view& bytes)
 {
     std::size_t size = 0;
+    if (bytes.empty())
+        return std::nullopt;
     const auto [end, error] = std::from_chars(bytes.data(), bytes.data() + bytes.size(), size);
     const auto digits = static_cast<std::size_t>(end - bytes.data());
     if (error != std::errc() || digits >= bytes.size() || *end != '\n' || size > bytes.size() - digits - 1)
@@ -44,6 +46,12 @@ std::string EncodeJob(const Job& job)
     for (const auto field : Fields)
         Put(bytes, job.*field);
     Put(bytes, job.chapters ? "1" : "");
+    Put(bytes, job.shortens ? "1" : "");
+    Put(bytes, std::to_string(job.rules.size()));
+    for (const WordingRule& rule : job.rules) {
+        Put(bytes, rule.Written);
+        Put(bytes, rule.Said);
+    }
     for (const readers::Block& block : job.blocks)
         bytes += readers::EncodeFrame(block);
     return bytes;
@@ -59,9 +67,21 @@ std::optional<Job> DecodeJob(std::string_view bytes)
         job.*field = *text;
     }
     const auto chapters = Take(bytes);
-    if (!chapters)
+    const auto shortens = Take(bytes);
+    const auto rules = Take(bytes);
+    if (!chapters || !shortens || !rules)
         return std::nullopt;
     job.chapters = !chapters->empty();
+    job.shortens = !shortens->empty();
+    std::size_t left = 0;
+    std::from_chars(rules->data(), rules->data() + rules->size(), left);
+    for (; left > 0; --left) {
+        const auto written = Take(bytes);
+        const auto said = Take(bytes);
+        if (!written || !said)
+            return std::nullopt;
+        job.rules.push_back({std::string(*written), std::string(*said)});
+    }
     readers::FrameDecoder frames;
     frames.Add(bytes);
     while (auto frame = frames.Next())

@@ -1,6 +1,7 @@
 // What is to be saved as sound, as the program hands it to the recorder.
 #pragma once
 
+#include "platform/WordingControl.h"
 #include "readers/Block.h"
 
 #include <optional>
@@ -13,11 +14,13 @@ namespace voxmate::recording
 
 struct Job {
     // The voice.
-    std::string voice;       ///< its mode identifier
-    std::string voiceName;   ///< its name; a variant is known only by that
-    std::string language;    ///< the desktop's locale, which chooses who reads other writings
-    std::string addedVoices; ///< the folder of the voices that the user added
-    std::string prefix;      ///< the tags of pitch, speed and whisper in front of each part
+    std::string voice;              ///< its mode identifier
+    std::string voiceName;          ///< its name; a variant is known only by that
+    std::string language;           ///< the desktop's locale, which chooses who reads other writings
+    std::string addedVoices;        ///< the folder of the voices that the user added
+    std::string prefix;             ///< the tags of pitch, speed and whisper in front of each part
+    std::vector<WordingRule> rules; ///< see WordingControl::UseWording
+    bool shortens = false;          ///< the same
 
     // What is spoken: the first of these that is not empty.
     std::string document; ///< path of a file that is read as documents are

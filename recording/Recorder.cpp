@@ -6,6 +6,7 @@
 #include "recording/Names.h"
 #include "speech/sound/SoundWriter.h"
 #include "speech/text/Relay.h"
+#include "speech/text/Wording.h"
 
 #include <algorithm>
 #include <chrono>
@@ -237,7 +238,7 @@ class Speaker
 {
 public:
     Speaker(const Job& job, speech::VoiceCatalog& voices, const Read& read, const Tell& tell)
-        : job_(job), voices_(voices), read_(read), tell_(tell)
+        : job_(job), voices_(voices), read_(read), tell_(tell), wording_(job.rules, job.shortens)
     {
     }
 
@@ -270,6 +271,7 @@ private:
     speech::VoiceCatalog& voices_;
     const Read& read_;
     const Tell& tell_;
+    const speech::Wording wording_;
 
     // The way of every utterance from its text with tags to the voice channel (agent::Character::BeginSpeak, and
     // speech::VoicePlayer::Start).
@@ -277,7 +279,7 @@ private:
     {
         const agent::ParsedText marked = agent::ParseMarkup(markup);
         files.BeginText(bytes, marked.words);
-        const bool spoken = speech::SpeakInTurns(voices_, entry, marked.segments, files);
+        const bool spoken = speech::SpeakInTurns(voices_, entry, wording_.Apply(marked.segments), files);
         files.EndText();
         if (!spoken)
             throw Ended{Told(News::Kind::NoVoice)};

@@ -17,7 +17,15 @@ public:
     /// `voice` speaks; it must outlive this object.
     explicit WordedVoice(VoiceOutput& voice) : voice_(voice) {}
 
-    void UseWording(std::vector<WordingRule> rules, bool shortens) override { wording_ = Wording(rules, shortens); }
+    void UseWording(std::vector<WordingRule> rules, bool shortens) override
+    {
+        wording_ = Wording(rules, shortens);
+        rules_ = std::move(rules);
+        shortens_ = shortens;
+    }
+    /// As they were handed over last.
+    const std::vector<WordingRule>& Rules() const { return rules_; }
+    bool Shortens() const { return shortens_; }
 
     AudioStatus Status() override { return voice_.Status(); }
     void Start(Utterance utterance, VoiceEvents events) override
@@ -32,6 +40,8 @@ public:
 private:
     VoiceOutput& voice_;
     Wording wording_{{}, false};
+    std::vector<WordingRule> rules_;
+    bool shortens_ = false;
 };
 
 } // namespace voxmate::speech

@@ -532,6 +532,51 @@ class Editor(ReminderCase):
                              .getState().contains(self.desk.accessible().STATE_FOCUSED), what=f"the cursor in {name}")
 
 
+class CalendarFiles(ReminderCase, ExtrasCase):
+    """Calendar files become reminders, and reminders a calendar file."""
+    CALENDAR = ("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nDTSTART;TZID=Asia/Tokyo:20990301T090000\r\nSUMMARY:Caf\u00e9\\, wi\r\n"
+                " th Ann\r\nDESCRIPTION:One\\nTwo\r\nEND:VEVENT\r\nBEGIN:VEVENT\r\nDTSTART;VALUE=DATE:20200105\r\n"
+                "SUMMARY:Old\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n")
+
+    def box(self, text):
+        desktop.wait_for(lambda: self.box_text("Voxmate - Reminders").replace("\r", "") == text, what=text)
+
+    def test_a_calendar_becomes_reminders_and_these_a_calendar_that_brings_them_back(self):
+        # Japan has no summer time, so this is 00:00 in UTC.
+        self.start_and_settle(TZ="UTC")
+        path = self.file("team.ics", self.CALENDAR)
+        uri = Gio.File.new_for_path(path).get_uri()
+        call(self.desk, "Open", "(asa{sv})", [uri], {})
+        self.box("1 of the 2 entries is in the past. Do you want to add it as well?\n\n"
+                 "What is in the past and not marked as done is announced at once as missed.")
+        self.desk.key("Return")  # No
+        self.box('1 reminder was added from "team.ics".\n1 entry is in the past and was left out.')
+        self.desk.key("Return")
+        self.desk.gone("Voxmate - Reminders")
+        cafe = record("Caf\u00e9, with Ann", datetime.datetime(2099, 3, 1), "One\r\nTwo")
+        self.assertEqual(self.slots(), [cafe])
+
+        target = os.path.join(self.desk.home, "mine.ics")
+        self.choose_by_keys("alt+x", "Save as Calendar File...", "e")
+        self.active(self.shown("Save as Calendar File"))
+        self.desk.key("ctrl+a")
+        self.desk.type(target)
+        self.desk.key("Return")
+        self.box(f"1 reminder was saved in the following file:\n{target}")
+        self.desk.key("Return")
+        self.desk.gone("Voxmate - Reminders")
+        with open(target, "rb") as file:
+            self.assertIn(b"\r\nDTSTART:20990301T000000\r\n", file.read())
+
+        self.desk.end(self.program)
+        os.remove(self.path)
+        self.start_and_settle(TZ="UTC")
+        call(self.desk, "Open", "(asa{sv})", [Gio.File.new_for_path(target).get_uri()], {})
+        self.box('1 reminder was added from "mine.ics".')
+        self.desk.key("Return")
+        self.assertEqual(self.slots(), [cafe])
+
+
 class Install(ExtrasCase):
     def setUp(self):
         super().setUp()

@@ -235,6 +235,10 @@ class Menus(MainTour):
             self.choose("Extras", "Character Stands Aside")
             item = self.menu_item(("Extras", "Character Stands Aside"))
             desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what="the check mark of standing aside")  # pylint: disable=cell-var-from-loop
+        self.choose("Extras", "Save as Calendar File...")
+        self.opened("Save as Calendar File")
+        self.look("Save as Calendar File", "save-calendar")
+        self.close_by_escape("Save as Calendar File")
         for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
             self.choose("Extras", name)
             item = self.menu_item(("Extras", name))

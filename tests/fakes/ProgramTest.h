@@ -167,7 +167,7 @@ public:
         program.Reminders.LoadReminders(fillList, selectIndex);
     }
     void SaveReminders(std::int16_t skipIndex) { program.Reminders.File.WriteReminders(skipIndex); }
-    void AppendReminder(const Reminder& reminder) { program.Reminders.File.AppendRecord(Encoded(reminder)); }
+    void AppendReminder(const Reminder& reminder) { program.Reminders.File.AppendRecords({Encoded(reminder)}); }
     bool TrySaveReminders(std::int16_t skipIndex) { return program.Reminders.TrySaveReminders(skipIndex); }
     bool TryAppendReminder(const Reminder& reminder) { return program.Reminders.TryAppendReminder(reminder); }
     void SaveLastAnswers() { program.Reminders.SaveLastAnswers(); }

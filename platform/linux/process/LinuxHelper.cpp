@@ -116,11 +116,12 @@ private:
     bool atEnd_ = false;
 };
 
-// What a program needs of the environment: the language, which decides on the code page of old texts.
+// What a program needs of the environment: the language, which decides on the code page of old texts, and the time
+// zone, in which dates of calendars are told.
 std::vector<std::string> Environment()
 {
     std::vector<std::string> environment;
-    for (const char* name : {"LANG", "LC_ALL", "LC_CTYPE"})
+    for (const char* name : {"LANG", "LC_ALL", "LC_CTYPE", "TZ"})
         if (const char* value = std::getenv(name)) // NOLINT(concurrency-mt-unsafe): nobody sets any
             environment.push_back(std::string(name) + "=" + value);
     return environment;

@@ -23,8 +23,9 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     };
     EXPECT_EQ(itemsOf("mnuExtras"),
               (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
-                     "Sa&ve as Sound...", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-", "&Character Stands Aside", "-",
-                     "Start at &Log-in", "&Greet Me at Log-in", "-", "&Help on Extras"}));
+                     "Sa&ve as Sound...", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-",
+                     "&Character Stands Aside", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
+                     "Save as Cal&endar File...", "-", "&Help on Extras"}));
     EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
                                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
                                            "Read the Clipboard from An&y Program (Ctrl+Alt+C)"}));

@@ -1,0 +1,145 @@
+#include "readers/calendar/Calendar.h"
+
+#include "readers/CalendarEntry.h"
+#include "readers/Kind.h"
+#include "readers/Refusal.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace voxmate::readers
+{
+namespace
+{
+
+const DateTime kNow{2026, 11, 23, 8, 0, 0};
+
+std::string Whole(const std::string& entries)
+{
+    return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + entries + "END:VCALENDAR\r\n";
+}
+
+std::string Event(const std::string& lines)
+{
+    return "BEGIN:VEVENT\r\nSUMMARY:Tea\r\n" + lines + "END:VEVENT\r\n";
+}
+
+std::vector<CalendarEntry> Entries(const std::string& text)
+{
+    std::vector<CalendarEntry> entries;
+    ReadCalendar(text, kNow, [&entries](Block&& block) { entries.push_back(ToEntry(block)); });
+    return entries;
+}
+
+// The only entry's moment and description.
+std::string Told(const std::string& lines)
+{
+    const std::vector<CalendarEntry> entries = Entries(Whole(Event(lines)));
+    if (entries.size() != 1)
+        return std::to_string(entries.size()) + " entries";
+    const Block block = ToBlock(entries.front());
+    return block.label + " " + block.text;
+}
+
+TEST(CalendarTest, ReadsAnEventWithFoldedLinesAndEscapes)
+{
+    const std::string text = Whole("BEGIN:VEVENT\nDTSTART:20261201T090530\nSUMMARY:Tea\\, with A\n nn \xC3\n"
+                                   " \xA9t\xC3\xA9\nDESCRIPTION:One\\nTwo\\; three\nEND:VEVENT\n");
+    EXPECT_EQ(FindKind("\xEF\xBB\xBF" + text), Kind::Calendar);
+    EXPECT_EQ(Entries("\xEF\xBB\xBF" + text),
+              (std::vector<CalendarEntry>{{DateTime{2026, 12, 1, 9, 5, 0}, "Tea, with Ann été", "One\nTwo; three"}}));
+}
+
+TEST(CalendarTest, ADayWithoutATimeMeansNineOClock)
+{
+    EXPECT_EQ(Told("DTSTART;VALUE=DATE:20261201\r\n"), "2026-12-01 09:00 Tea");
+}
+
+TEST(CalendarTest, TellsItsZonesTimesInLocalTime)
+{
+    const std::string zone = "BEGIN:VTIMEZONE\r\nTZID:Far\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\n"
+                             "TZOFFSETFROM:+0500\r\nTZOFFSETTO:+0500\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n";
+    const auto utc = Entries(Whole(Event("DTSTART:20261201T090000Z\r\n")));
+    const auto far = Entries(Whole(zone + Event("DTSTART;TZID=Far:20261201T140000\r\n")));
+    ASSERT_EQ(utc.size(), 1U);
+    EXPECT_EQ(utc, far) << "14:00 there is 9:00 in UTC";
+    EXPECT_FALSE(far.front().ForeignZone);
+}
+
+TEST(CalendarTest, MarksATimeOfAZoneThatNobodyKnows)
+{
+    const auto entries = Entries(Whole(Event("DTSTART;TZID=No/Where:20261201T140000\r\n")));
+    EXPECT_EQ(entries, (std::vector<CalendarEntry>{{DateTime{2026, 12, 1, 14, 0, 0}, "Tea", "", false, false, true}}));
+}
+
+TEST(CalendarTest, TheLastAlarmThatIsStillToComeDecides)
+{
+    const std::string start = "DTSTART:20261201T090000\r\nDESCRIPTION:Green\r\n";
+    const auto alarm = [](const std::string& trigger) {
+        return "BEGIN:VALARM\r\nACTION:DISPLAY\r\n" + trigger + "\r\nEND:VALARM\r\n";
+    };
+    EXPECT_EQ(Told(start + alarm("TRIGGER:-P1D") + alarm("TRIGGER:-PT15M")), "2026-12-01 08:45 Tea\nAt 09:00. Green");
+    EXPECT_EQ(Told(start + alarm("TRIGGER:-P1D")), "2026-11-30 09:00 Tea\nOn 2026-12-01 at 09:00. Green");
+    EXPECT_EQ(Told(start + alarm("TRIGGER:-P30D")), "2026-12-01 09:00 Tea\nGreen") << "that has passed";
+    EXPECT_EQ(Told(start + alarm("TRIGGER:PT0S")), "2026-12-01 09:00 Tea\nGreen");
+    EXPECT_EQ(Told("DTSTART;VALUE=DATE:20261201\r\n" + alarm("TRIGGER:-PT6H")), "2026-11-30 18:00 Tea\nOn 2026-12-01.");
+}
+
+TEST(CalendarTest, OfWhatRepeatsItIsTheNextDate)
+{
+    const auto entries = Entries(Whole(Event("UID:1\r\nDTSTART:20200105T090000\r\nRRULE:FREQ=YEARLY\r\n")));
+    EXPECT_EQ(entries, (std::vector<CalendarEntry>{{DateTime{2027, 1, 5, 9, 0, 0}, "Tea", "", true}}));
+    EXPECT_EQ(Told("DTSTART:20261101T090000\r\nRRULE:FREQ=DAILY\r\nEXDATE:20261123T090000\r\n"),
+              "2026-11-24 09:00 Tea");
+    EXPECT_EQ(Told("DTSTART:20201101T090000\r\nRRULE:FREQ=DAILY;COUNT=3\r\n"), "2020-11-01 09:00 Tea")
+        << "its last date has passed";
+    EXPECT_EQ(Told("DTSTART:20201101T090000\r\nRDATE:20261210T090000\r\n"), "2026-12-10 09:00 Tea");
+}
+
+TEST(CalendarTest, ADateThatWasMovedIsAnEntryOfItsOwn)
+{
+    const auto entries = Entries(Whole(Event("UID:1\r\nDTSTART:20261123T090000\r\nRRULE:FREQ=DAILY\r\n") +
+                                       Event("UID:1\r\nRECURRENCE-ID:20261123T090000\r\nDTSTART:20261123T110000\r\n")));
+    EXPECT_EQ(entries, (std::vector<CalendarEntry>{{DateTime{2026, 11, 24, 9, 0, 0}, "Tea", "", true},
+                                                   {DateTime{2026, 11, 23, 11, 0, 0}, "Tea", ""}}));
+}
+
+TEST(CalendarTest, ReadsToDosWithTheirMarkAndLeavesOutWhatIsCancelled)
+{
+    const std::string done = "BEGIN:VTODO\r\nSUMMARY:Tax\r\nDUE:20261201T120000\r\nSTATUS:COMPLETED\r\nEND:VTODO\r\n";
+    const std::string dateless = "BEGIN:VTODO\r\nEND:VTODO\r\n";
+    const auto entries = Entries(Whole(done + dateless + Event("DTSTART:20261201T090000\r\nSTATUS:CANCELLED\r\n")));
+    EXPECT_EQ(entries, (std::vector<CalendarEntry>{{DateTime{2026, 12, 1, 12, 0, 0}, "Tax", "", false, true},
+                                                   {std::nullopt, "Untitled", ""}}));
+}
+
+TEST(CalendarTest, ManyEntriesAndEndlessFoldingAreBounded)
+{
+    std::string many;
+    for (std::size_t i = 0; i <= MostEntries; ++i)
+        many += "BEGIN:VEVENT\nEND:VEVENT\n";
+    try {
+        Entries(Whole(many));
+        ADD_FAILURE() << "it is taken";
+    } catch (const Refused& refused) {
+        EXPECT_EQ(refused.reason, Refusal::TooLarge);
+    }
+    std::string folded = "DESCRIPTION:";
+    for (int i = 0; i < 1'000'000; ++i)
+        folded += "\r\n x";
+    const auto entries = Entries(Whole(Event("DTSTART:20261201T090000\r\n" + folded + "\r\n")));
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries.front().Description.size(), 1'000'000U);
+}
+
+TEST(CalendarTest, WhatIsNoCalendarIsRefused)
+{
+    EXPECT_THROW(Entries("Dear Ann,\r\n\r\ntea at nine?\r\n"), Refused);
+    EXPECT_THROW(Entries(std::string(LargestCalendar + 1, 'x')), Refused);
+}
+
+} // namespace
+} // namespace voxmate::readers
