@@ -228,12 +228,6 @@ private:
     }
 };
 
-/// Takes samples that nobody is to hear.
-struct Silent final : speech::SampleSink {
-    bool Samples(std::span<const std::int16_t>) override { return true; }
-    void Event(const speech::SpeechEvent&) override {}
-};
-
 class Speaker
 {
 public:
@@ -248,10 +242,6 @@ public:
         if (!entry)
             return Told(News::Kind::NoVoice);
         Files files(job_, entry->engine->SampleRate(entry->voice), tell_);
-        // What follows no other sentence of the same voice, pitch and speed is said a little differently (by eSpeak NG
-        // 25 to 40 ms longer); what is heard mostly follows one.
-        Silent silent;
-        speech::SpeakInTurns(voices_, *entry, agent::ParseMarkup(job_.prefix + "One.").segments, silent);
         const Refusal refusal = job_.text.empty() ? Document(*entry, files) : Text(*entry, files);
         if (files.Count() == 0) {
             News news = Told(News::Kind::Refused);

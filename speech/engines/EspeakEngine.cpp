@@ -305,10 +305,13 @@ public:
             }
             if (!delivery) {
                 delivery.emplace(shaper, voice.origin == Voice::Origin::Added);
-                shaper.Begin(PrepareFor(voice, part->prosody));
+                const Manner manner = MannerOf(voice, part->prosody);
+                // The library turns a rate into lengths by what the voice at hand says of its speed, so the voice first.
+                if (!SelectVoice(voice, part->prosody))
+                    return false;
+                Espeak().SetParameter(espeakRATE, manner.rate, 0);
+                shaper.Begin(manner.shape);
             }
-            if (!SelectVoice(voice, part->prosody))
-                return false;
             if (!Speak(*part, *delivery))
                 return delivery->stopped;
             if (part->end != MarkedText::End::Stretch)
@@ -400,13 +403,19 @@ private:
         return true;
     }
 
-    // Sets the library's rate and returns what the shaper has to do for the rest.
-    Shape PrepareFor(const Voice& voice, const Prosody& prosody)
-    {
+    /// The library's rate, and what the shaper has to do for the rest.
+    struct Manner {
+        int rate = NaturalRate;
         Shape shape;
+    };
+
+    // May have other voices selected.
+    Manner MannerOf(const Voice& voice, const Prosody& prosody)
+    {
+        Manner manner;
+        Shape& shape = manner.shape;
         shape.whisper = prosody.whisper;
         shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
-        int rate = NaturalRate;
         if (prosody.wordsPerMinute > 0) {
             Setting setting = SettingFor(RateHeard, prosody.wordsPerMinute);
             shape.speed = setting.remainder;
@@ -415,10 +424,9 @@ private:
                 setting = SettingFor(RateHeard, prosody.wordsPerMinute / tempo);
                 shape.speed = setting.remainder * tempo / TempoOf(voice, static_cast<int>(std::lround(setting.value)));
             }
-            rate = static_cast<int>(std::lround(setting.value));
+            manner.rate = static_cast<int>(std::lround(setting.value));
         }
-        Espeak().SetParameter(espeakRATE, rate, 0);
-        return shape;
+        return manner;
     }
 
     // How much faster an MBROLA voice is, at this library rate, than the library's own voice of its language, for which

@@ -523,6 +523,27 @@ TEST(EnginesTest, OneAfterTheOtherSpeakAsTheFirstDid)
         }
 }
 
+TEST(EspeakEngineTest, AVoiceIsAsFastBehindAnotherOneAsByItself)
+{
+    const auto engine = CreateEspeakEngine();
+    const auto length = [&engine](const char* name, const char* text) {
+        fakes::RecordingSink sink;
+        for (const Voice& voice : engine->Voices())
+            if (voice.name == name) {
+                EXPECT_TRUE(engine->Synthesize(voice, std::vector<Segment>{Text(text)}, sink));
+            }
+        return static_cast<double>(sink.samples.size());
+    };
+    const char* const english = "eSpeak English (Great Britain)";
+    const char* const text = "The quick brown fox jumps over the lazy dog, and the dog does not mind at all.";
+    length(english, text);
+    const double alone = length(english, text);
+    ASSERT_GT(alone, 0);
+    ASSERT_GT(length("eSpeak Russian", "Привет мир"), 0);
+    // The library says nothing twice with just as many samples.
+    EXPECT_NEAR(length(english, text) / alone, 1, 0.01);
+}
+
 TEST(EspeakEngineTest, AGermanVoiceIsAsHighAsIsAsked)
 {
     const auto engine = CreateEspeakEngine();
