@@ -306,7 +306,8 @@ public:
             if (!delivery) {
                 delivery.emplace(shaper, voice.origin == Voice::Origin::Added);
                 const Manner manner = MannerOf(voice, part->prosody);
-                // The library turns a rate into lengths by what the voice at hand says of its speed, so the voice first.
+                // The library turns a rate into lengths by what the voice at hand says of its speed, so the voice
+                // first.
                 if (!SelectVoice(voice, part->prosody))
                     return false;
                 Espeak().SetParameter(espeakRATE, manner.rate, 0);
