@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/DesktopKeys.h"
 
+#include "platform/linux/desktop/Portal.h"
 #include "platform/linux/desktop/PortalKeys.h"
 
 #include <QClipboard>
@@ -22,19 +23,11 @@ namespace voxmate::linux_platform
 namespace
 {
 
-constexpr const char* Service = "org.freedesktop.portal.Desktop";
-constexpr const char* Path = "/org/freedesktop/portal/desktop";
-constexpr const char* Shortcuts = "org.freedesktop.portal.GlobalShortcuts";
+constexpr QLatin1String Shortcuts("org.freedesktop.portal.GlobalShortcuts");
 /// A request's response when the user has closed the dialog.
 constexpr uint Cancelled = 1;
 /// Milliseconds that the portal may take to say that it is there; it may have to be started.
 constexpr int PortalPatience = 5000;
-
-QDBusMessage PortalCall(const char* interface, const char* method)
-{
-    return QDBusMessage::createMethodCall(QLatin1String(Service), QLatin1String(Path), QLatin1String(interface),
-                                          QLatin1String(method));
-}
 
 // "Ctrl+Alt+S" as the desktops' own notation has it: "CTRL+ALT+s".
 QString PortalTrigger(const std::string& trigger)
@@ -78,9 +71,8 @@ void PortalKeys::Hold(std::vector<GlobalKeys::Key> keys)
     }
     x11_.ReleaseAll();
     if (!session_.isEmpty() && bus_) {
-        bus_->asyncCall(QDBusMessage::createMethodCall(QLatin1String(Service), std::exchange(session_, QString()),
-                                                       QStringLiteral("org.freedesktop.portal.Session"),
-                                                       QStringLiteral("Close")));
+        bus_->asyncCall(PortalCall(std::exchange(session_, QString()), QLatin1String("org.freedesktop.portal.Session"),
+                                   QLatin1String("Close")));
     }
     if (keys_.empty())
         return;
@@ -119,10 +111,10 @@ void PortalKeys::Ask()
         known(false);
         return;
     }
-    bus_->connect(QLatin1String(Service), QLatin1String(Path), QLatin1String(Shortcuts), QStringLiteral("Activated"),
-                  this, SLOT(Activated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
-    QDBusMessage ask = PortalCall("org.freedesktop.DBus.Properties", "Get");
-    ask << QLatin1String(Shortcuts) << QStringLiteral("version");
+    bus_->connect(PortalService, PortalPath, Shortcuts, QStringLiteral("Activated"), this,
+                  SLOT(Activated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
+    QDBusMessage ask = PortalCall(PortalPath, QLatin1String("org.freedesktop.DBus.Properties"), QLatin1String("Get"));
+    ask << Shortcuts << QStringLiteral("version");
     auto* watcher = new QDBusPendingCallWatcher(bus_->asyncCall(ask, PortalPatience), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [known, watcher] {
         watcher->deleteLater();
@@ -134,10 +126,9 @@ void PortalKeys::Ask()
 void PortalKeys::Request(QDBusMessage call, QVariantMap options, const char* slot)
 {
     const QString token = QStringLiteral("voxmate%1").arg(++requests_);
-    const QString sender = bus_->baseService().mid(1).replace(u'.', u'_');
     // Listens before it calls, so that no answer is missed.
-    bus_->connect(QLatin1String(Service), QStringLiteral("%1/request/%2/%3").arg(QLatin1String(Path), sender, token),
-                  QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"), this, slot);
+    bus_->connect(PortalService, PortalRequestPath(*bus_, token), PortalRequest, QStringLiteral("Response"), this,
+                  slot);
     options[QStringLiteral("handle_token")] = token;
     call << options;
     auto* watcher = new QDBusPendingCallWatcher(bus_->asyncCall(call), this);
@@ -161,7 +152,7 @@ bool PortalKeys::EndAsking()
 void PortalKeys::CreateSession()
 {
     asking_ = true;
-    Request(PortalCall(Shortcuts, "CreateSession"),
+    Request(PortalCall(PortalPath, Shortcuts, QLatin1String("CreateSession")),
             {{QStringLiteral("session_handle_token"), QStringLiteral("voxmate%1").arg(requests_ + 1)}},
             SLOT(SessionMade(uint, QVariantMap)));
 }
@@ -179,7 +170,7 @@ void PortalKeys::SessionMade(uint response, const QVariantMap& results)
         shortcuts.append({QString::fromStdString(key.Name),
                           {{QStringLiteral("description"), QString::fromStdString(key.Description)},
                            {QStringLiteral("preferred_trigger"), PortalTrigger(key.Trigger)}}});
-    QDBusMessage bind = PortalCall(Shortcuts, "BindShortcuts");
+    QDBusMessage bind = PortalCall(PortalPath, Shortcuts, QLatin1String("BindShortcuts"));
     bind << QVariant::fromValue(QDBusObjectPath(session_)) << QVariant::fromValue(shortcuts) << QString();
     Request(bind, {}, SLOT(Bound(uint, QVariantMap)));
 }

@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/PortalFileDialog.h"
 
+#include "platform/linux/desktop/Portal.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -69,10 +71,7 @@ const QDBusArgument& operator>>(const QDBusArgument& in, PortalFilter& filter)
 namespace
 {
 
-constexpr const char* Service = "org.freedesktop.portal.Desktop";
-constexpr const char* Object = "/org/freedesktop/portal/desktop";
-constexpr const char* Interface = "org.freedesktop.portal.FileChooser";
-constexpr const char* RequestInterface = "org.freedesktop.portal.Request";
+constexpr QLatin1String Interface("org.freedesktop.portal.FileChooser");
 /// Milliseconds for the portal to take the question; it may have to be started for it. The user then takes his time.
 constexpr int Patience = 5000;
 
@@ -85,12 +84,6 @@ bool MayBeThere()
 {
     return !failed && !qEnvironmentVariableIsEmpty("XDG_CURRENT_DESKTOP") &&
            QDBusConnection::sessionBus().isConnected();
-}
-
-QDBusMessage Message(const QString& object, const char* interface, const char* method)
-{
-    return QDBusMessage::createMethodCall(QString::fromLatin1(Service), object, QString::fromLatin1(interface),
-                                          QString::fromLatin1(method));
 }
 
 QVariantMap Options(const qt::FileQuestion& question, const QString& token)
@@ -125,7 +118,7 @@ PortalFileDialog::PortalFileDialog()
     // Its dialog goes with it, and nobody would answer.
     portal_.setConnection(QDBusConnection::sessionBus());
     portal_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
-    portal_.addWatchedService(QString::fromLatin1(Service));
+    portal_.addWatchedService(PortalService);
     connect(&portal_, &QDBusServiceWatcher::serviceUnregistered, this, [this] { Finish(QString()); });
 }
 
@@ -137,18 +130,17 @@ PortalFileDialog::~PortalFileDialog()
 
 void PortalFileDialog::Close()
 {
-    QDBusConnection::sessionBus().send(Message(request_, RequestInterface, "Close"));
+    QDBusConnection::sessionBus().send(PortalCall(request_, PortalRequest, QLatin1String("Close")));
 }
 
 void PortalFileDialog::Listen(const QString& request)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    const QString interface = QString::fromLatin1(RequestInterface);
     const QString signal = QStringLiteral("Response");
     if (!request_.isEmpty())
-        bus.disconnect(QString(), request_, interface, signal, this, SLOT(Respond(uint, QVariantMap)));
+        bus.disconnect(QString(), request_, PortalRequest, signal, this, SLOT(Respond(uint, QVariantMap)));
     request_ = request;
-    bus.connect(QString(), request_, interface, signal, this, SLOT(Respond(uint, QVariantMap)));
+    bus.connect(QString(), request_, PortalRequest, signal, this, SLOT(Respond(uint, QVariantMap)));
 }
 
 void PortalFileDialog::Ask(const qt::FileQuestion& question, QWindow* over)
@@ -156,14 +148,11 @@ void PortalFileDialog::Ask(const qt::FileQuestion& question, QWindow* over)
     static int asked = 0;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     const QString token = QStringLiteral("voxmate%1").arg(++asked);
-    // The object's path follows from the caller's name and the token, so the answer cannot come before it is listened
-    // for. Portals before 2018 choose another one and tell it in their reply.
-    Listen(QStringLiteral("%1/request/%2/%3")
-               .arg(QString::fromLatin1(Object), bus.baseService().mid(1).replace(u'.', u'_'), token));
+    Listen(PortalRequestPath(bus, token));
     const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
     const QString parent = over && x11 ? QStringLiteral("x11:%1").arg(over->winId(), 0, 16) : QString();
     QDBusMessage open =
-        Message(QString::fromLatin1(Object), Interface, question.saveAs.isEmpty() ? "OpenFile" : "SaveFile");
+        PortalCall(PortalPath, Interface, QLatin1String(question.saveAs.isEmpty() ? "OpenFile" : "SaveFile"));
     open << parent << question.title << Options(question, token);
     auto* reply = new QDBusPendingCallWatcher(bus.asyncCall(open, Patience), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
