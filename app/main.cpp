@@ -14,6 +14,7 @@
 #include "platform/linux/desktop/DesktopKeys.h"
 #include "platform/linux/desktop/MprisPlayer.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
+#include "platform/linux/desktop/X11Presence.h"
 #include "platform/linux/files/FileSaver.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
@@ -151,6 +152,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     frmSplash splash(program);
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
     qt::QtWindowPlaces places;
+    linux_platform::X11Presence user;
     Extras extras(program, mainForm,
                   {*state,
                    login,
@@ -173,7 +175,8 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                         std::error_code error;
                         std::filesystem::remove_all(path, error);
                     },
-                    [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }}});
+                    [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }},
+                   user});
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

@@ -32,7 +32,7 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile),
-      tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
+      missed_(menu_, program, main, host.User, host.State), tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
     MakeSizable(main_, main_.txtText);

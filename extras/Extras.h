@@ -7,6 +7,7 @@
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
 #include "extras/MediaKeys.h"
+#include "extras/MissedReminders.h"
 #include "extras/Opening.h"
 #include "extras/Pieces.h"
 #include "extras/Pronunciations.h"
@@ -21,6 +22,7 @@
 #include "platform/Autostart.h"
 #include "platform/GlobalKeys.h"
 #include "platform/MediaControls.h"
+#include "platform/Presence.h"
 #include "platform/StateStore.h"
 #include "platform/WindowPlaces.h"
 
@@ -45,6 +47,7 @@ struct ExtrasHost {
     WordingControl& Wording;
     Pronunciations::SaveText SaveText;
     SoundHost Sounds;
+    Presence& User;
 };
 
 class Extras
@@ -66,6 +69,7 @@ public:
     ReadingWindow& TextWindow() { return reading_.Window(); }
     PronunciationWindow& WordsWindow() { return pronunciations_.Window(); }
     SaveSoundWindow& SoundWindow() { return sound_.Window(); }
+    MissedWindow& MissedList() { return missed_.Window(); }
 
 private:
     Program& program_;
@@ -90,6 +94,7 @@ private:
     Opening opening_;
     ReminderEntry entry_;
     Calendars calendars_;
+    MissedReminders missed_;
     Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
     bool startsQuietly_ = false;
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up

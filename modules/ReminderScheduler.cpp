@@ -193,6 +193,8 @@ void ReminderScheduler::ShowReminder(bool missed, std::int16_t id, const Reminde
     RemAnnounced.resize(std::max(RemAnnounced.size(), at + 1));
     if (list_.Has(id))
         RemAnnounced[at] = Pending(id);
+    if (Announced)
+        Announced(text);
     SpeakReminder(reminder, schedule);
 }
 

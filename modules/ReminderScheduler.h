@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ public:
     /// on the screen its reminder may be changed, or get another number because one before it is deleted. The answer
     /// must not go to another reminder.
     std::vector<std::optional<Reminder>> RemAnnounced;
+
+    /// Called with each announcement, when its window has been shown and before it is spoken; may be empty.
+    std::function<void(const NoticeText& text)> Announced;
 
     /// One tick of the reminder timer: announces, in the order of the list, every pending reminder whose minute has
     /// come.

@@ -4,7 +4,8 @@
 # Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
 build_packages=(
   g++ cmake ninja-build pkg-config
-  qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-xfixes0-dev
+  qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-screensaver0-dev libxcb-shape0-dev
+  libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
   libpoppler-cpp-dev libzip-dev libxml2-dev libicu-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
   libical-dev

@@ -532,6 +532,31 @@ class Editor(ReminderCase):
                              .getState().contains(self.desk.accessible().STATE_FOCUSED), what=f"the cursor in {name}")
 
 
+class Missed(ExtrasCase):
+    """The list of what was announced while nobody was there, as the run before has left it."""
+
+    def kept(self):
+        with open(self.desk.state_file, encoding="utf-8") as file:
+            return [line for line in file.read().split("\n") if line.startswith("reminders.missed=")]
+
+    def test_the_list_comes_with_the_first_input_leaves_the_keyboard_and_is_empty_once_closed(self):
+        os.makedirs(os.path.dirname(self.desk.state_file), exist_ok=True)
+        with open(self.desk.state_file, "w", encoding="utf-8") as file:
+            file.write("reminders.missed=11/23/2026\t09:05\tWater the plants\\n11/23/2026\t09:30\tCall Ann\\n\n")
+        self.start_and_settle()
+        self.type_text("Here")
+        self.shown("Voxmate - Missed Reminders")
+        for text in ("11/23/2026", "09:05", "Water the plants", "09:30", "Call Ann"):
+            self.desk.find(text, role="table cell")
+        self.desk.key("exclam")
+        desktop.wait_for(lambda: self.typed() == "Here!", what="the text of who goes on typing")
+        self.choose_by_keys("alt+x", "Missed Reminders...", "m")
+        self.active(self.shown("Voxmate - Missed Reminders"))
+        self.desk.key("Escape")
+        self.gone("Voxmate - Missed Reminders")
+        desktop.wait_for(lambda: self.kept() == ["reminders.missed="], what="an empty list in the file")
+
+
 class CalendarFiles(ReminderCase, ExtrasCase):
     """Calendar files become reminders, and reminders a calendar file."""
     CALENDAR = ("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nDTSTART;TZID=Asia/Tokyo:20990301T090000\r\nSUMMARY:Caf\u00e9\\, wi\r\n"

@@ -239,6 +239,9 @@ class Menus(MainTour):
         self.opened("Save as Calendar File")
         self.look("Save as Calendar File", "save-calendar")
         self.close_by_escape("Save as Calendar File")
+        # Nothing was announced while nobody was there; test_reminders chooses it.
+        self.assertFalse(self.has(self.menu_item(("Extras", "Missed Reminders...")), "ENABLED"))
+        self.pressed.add(("Extras", "Missed Reminders..."))
         for number, name in enumerate(("Start at Log-in", "Greet Me at Log-in", "Greet Me at Log-in", "Start at Log-in")):
             self.choose("Extras", name)
             item = self.menu_item(("Extras", name))

@@ -7,6 +7,7 @@
 #include "tests/fakes/FakeDocuments.h"
 #include "tests/fakes/FakeGlobalKeys.h"
 #include "tests/fakes/FakeMediaControls.h"
+#include "tests/fakes/FakePresence.h"
 #include "tests/fakes/FakeSounds.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/FakeWindowPlaces.h"
@@ -39,6 +40,7 @@ protected:
     fakes::FakeWording wording;
     bool savesText = true; ///< whether the extras can write text files
     fakes::FakeSounds sounds{fake.log};
+    fakes::FakePresence presence;
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -57,7 +59,7 @@ protected:
                            fake.files.texts[path] = text;
                        return savesText;
                    },
-                   sounds.Host()}};
+                   sounds.Host(), presence}};
 
     ExtrasTest()
     {

@@ -25,7 +25,7 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
               (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
                      "Sa&ve as Sound...", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-",
                      "&Character Stands Aside", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
-                     "Save as Cal&endar File...", "-", "&Help on Extras"}));
+                     "Save as Cal&endar File...", "Missed Re&minders...", "-", "&Help on Extras"}));
     EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
                                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
                                            "Read the Clipboard from An&y Program (Ctrl+Alt+C)"}));
@@ -127,9 +127,9 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     form.UserGeometry("elsewhere");
     EXPECT_EQ(state.values, (std::map<std::string, std::string>{{"main.geometry", "elsewhere"}}));
     frmMain next(program);
-    Extras more(
-        program, next,
-        {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host()});
+    Extras more(program, next,
+                {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host(),
+                 presence});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 
