@@ -1,5 +1,6 @@
 #include "extras/Calendars.h"
 
+#include "base/FileName.h"
 #include "base/Text.h"
 #include "extras/CalendarText.h"
 #include "modules/Command.h"
@@ -79,11 +80,6 @@ std::string WithLineEnds(const std::string& text)
     return lines;
 }
 
-std::string NameOf(const std::string& file)
-{
-    return file.substr(file.find_last_of("/\\") + 1);
-}
-
 std::string StampNow()
 {
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
@@ -96,31 +92,11 @@ std::string StampNow()
            Padded(static_cast<int>(time.seconds().count()), 2) + "Z";
 }
 
-/// Puts a text into a file. What the file held is replaced in one step when all is written. Raises the errors of
-/// FileSystem.
-void Replace(FileSystem& files, const std::string& file, const std::string& text)
-{
-    const std::string fresh = file + ".new";
-    if (files.FileExists(fresh))
-        files.DeleteFile(fresh);
-    try {
-        const auto written = files.OpenRandom(fresh, text.size());
-        written->Put(1, text);
-        written->Flush();
-        written->Close();
-        files.CopyFile(fresh, file);
-    } catch (const RuntimeError&) {
-        if (files.FileExists(fresh))
-            files.DeleteFile(fresh);
-        throw;
-    }
-    files.DeleteFile(fresh);
-}
-
 } // namespace
 
-Calendars::Calendars(ExtrasMenu& menu, Program& program, frmMain& main, Documents::Reader read, AskWhere askWhere)
-    : program_(program), main_(main), read_(std::move(read)), askWhere_(std::move(askWhere)),
+Calendars::Calendars(ExtrasMenu& menu, Program& program, frmMain& main, Documents::Reader read, AskWhere askWhere,
+                     SaveText save)
+    : program_(program), main_(main), read_(std::move(read)), askWhere_(std::move(askWhere)), save_(std::move(save)),
       tmrCalendars_(&main, "tmrCalendars", SoonInterval, false)
 {
     menu.BeginGroup();
@@ -164,8 +140,8 @@ void Calendars::Take()
             return;
         Add(added);
     }
-    const std::string from =
-        files.size() == 1 ? "\"" + NameOf(files.front()) + "\"" : Counted(files.size(), "file", "files");
+    const std::string from = files.size() == 1 ? "\"" + std::string(NameOfPath(files.front())) + "\""
+                                               : Counted(files.size(), "file", "files");
     Tell(from, added.size(), past ? 0 : outcome.Past.size(), noRoom, outcome);
 }
 
@@ -199,7 +175,7 @@ bool Calendars::Read(const std::string& file, Outcome& outcome)
         if (reading->Outcome() != readers::Refusal::NoText && !reading->Sentence().empty())
             outcome.Refusals.push_back(reading->Sentence());
     } else {
-        outcome.Refusals.push_back("\"" + NameOf(file) + "\" is no calendar.");
+        outcome.Refusals.push_back("\"" + std::string(NameOfPath(file)) + "\" is no calendar.");
     }
     return true;
 }
@@ -240,13 +216,14 @@ bool Calendars::PastAreWanted(const Outcome& outcome)
 {
     const std::size_t past = outcome.Past.size();
     const std::size_t all = past + outcome.Future.size();
+    const std::string kind = outcome.Known > 0 ? "new " : "";
     std::string question;
     if (past == all)
-        question =
-            past == 1 ? "The entry is in the past." : "All " + std::to_string(past) + " entries are in the past.";
+        question = past == 1 ? "The " + kind + "entry is in the past."
+                             : "All " + std::to_string(past) + " " + kind + "entries are in the past.";
     else
-        question = std::to_string(past) + " of the " + std::to_string(all) + " entries " + (past == 1 ? "is" : "are") +
-                   " in the past.";
+        question = std::to_string(past) + " of the " + std::to_string(all) + " " + kind + "entries " +
+                   (past == 1 ? "is" : "are") + " in the past.";
     question += past == 1 ? " Do you want to add it as well?" : " Do you want to add them as well?";
     question += std::string(CrLf) + CrLf + "What is in the past and not marked as done is announced at once as missed.";
     return program_.Reminders.ReminderMessage(question, vbYesNo + vbQuestion + vbDefaultButton2, "Suggest") == vbYes;
@@ -317,11 +294,9 @@ void Calendars::Save()
     for (std::int32_t id = 1; id <= list.RemCount; ++id)
         reminders.push_back(list.At(id));
     const std::string text = CalendarText(reminders, StampNow());
-    try {
-        Replace(program_.Host.Files, file, text);
-    } catch (const RuntimeError& error) {
-        program_.Reminders.ReminderMessage("The calendar file could not be saved: " + Reason(error) + CrLf + CrLf +
-                                               file + CrLf + CrLf + NumberAndDescription(error),
+    if (!save_(file, text)) {
+        program_.Reminders.ReminderMessage("The calendar cannot be saved in the following file:" + std::string(CrLf) +
+                                               file,
                                            vbOKOnly + vbExclamation, "Decline");
         return;
     }

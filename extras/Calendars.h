@@ -26,7 +26,11 @@ public:
     /// Shows the dialog for saving and returns the full path; empty when the user cancels.
     using AskWhere = std::function<std::string(const CommonDialog& dialog)>;
 
-    Calendars(ExtrasMenu& menu, Program& program, frmMain& main, Documents::Reader read, AskWhere askWhere);
+    /// Puts a text into a file in one step; false when that fails.
+    using SaveText = std::function<bool(const std::string& path, const std::string& text)>;
+
+    Calendars(ExtrasMenu& menu, Program& program, frmMain& main, Documents::Reader read, AskWhere askWhere,
+              SaveText save);
 
     /// Takes a file as soon as events are handled; those that come together are one matter to the user.
     void Put(const std::string& file);
@@ -49,6 +53,7 @@ private:
     frmMain& main_;
     Documents::Reader read_;
     AskWhere askWhere_;
+    SaveText save_;
     Timer tmrCalendars_;
     std::vector<std::string> files_;
     bool working_ = false;

@@ -88,7 +88,6 @@ Documents::Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read
     add("mnuParagraphBack", "Back a Pa&ragraph", "Alt+Up", [this] { ByParagraph(false); });
     add("mnuParagraphForward", "For&ward a Paragraph", "Alt+Down", [this] { ByParagraph(true); });
     add("mnuBeginning", "From the Begi&nning", "Alt+Home", [this] { FromBeginning(); });
-    menu.Add("mnuForgetPlaces", "F&orget Where Documents Were Left", [this] { places_.Clear(); });
 }
 
 void Documents::PauseOrGoOn()

@@ -30,6 +30,13 @@ public:
     /// `form` owns the timer.
     Documents(ExtrasMenu& menu, Program& program, Form& form, Reader read, Identify identify, StateStore& state);
 
+    /// Adds the item that forgets where documents were left.
+    void AddForgetItem(ExtrasMenu& menu)
+    {
+        menu.BeginGroup();
+        menu.Add("mnuForgetPlaces", "F&orget Where Documents Were Left", [this] { places_.Clear(); });
+    }
+
     /// Puts a file behind those that are being read or wait for it; one that pauses is left for it. What it is, is told
     /// by its content. A recording is played. A document that was left before its end goes on there. A file called .txt
     /// that is empty, or for which no reader can be started, is left to what the button for text files does.

@@ -31,13 +31,15 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }), install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
-      calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile),
+      calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile, host.SaveText),
       missed_(menu_, program, main, host.User, host.State), tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
     MakeSizable(main_, main_.txtText);
     KeepGeometry(main_, host_.State, "main.geometry");
 
+    // Not before those that do no harm: what is chosen when the menu opens is the first item that is not grey.
+    documents_.AddForgetItem(documentMenu_);
     opening_.Add("acs", [this](const std::string& file) { install_.Ask(file); });
     for (const char* extension : {"ics", "ical"})
         opening_.Add(extension, [this](const std::string& file) { calendars_.Put(file); });

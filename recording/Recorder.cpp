@@ -162,7 +162,8 @@ private:
     {
         std::error_code error;
         const fs::space_info room = fs::space(fs::path(job_.path).parent_path(), error);
-        throw Ended{Told(!error && room.available < NearlyNothing ? News::Kind::DiskFull : News::Kind::NotWritten)};
+        throw Ended{Told(!error && room.capacity > 0 && room.available < NearlyNothing ? News::Kind::DiskFull
+                                                                                       : News::Kind::NotWritten)};
     }
 
     void TellNow(bool always)

@@ -312,6 +312,8 @@ public:
                     return false;
                 Espeak().SetParameter(espeakRATE, manner.rate, 0);
                 shaper.Begin(manner.shape);
+            } else if (!SelectVoice(voice, part->prosody)) {
+                return false;
             }
             if (!Speak(*part, *delivery))
                 return delivery->stopped;

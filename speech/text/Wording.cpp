@@ -88,6 +88,19 @@ std::u32string WithSingleBlanks(std::string_view text)
     return out;
 }
 
+/// The longest part without asterisks and blanks.
+std::u32string LongestPart(std::u32string_view written)
+{
+    std::u32string_view longest;
+    for (std::size_t at = 0; at < written.size();) {
+        const std::size_t end = std::min(written.find_first_of(U"* ", at), written.size());
+        if (end - at > longest.size())
+            longest = written.substr(at, end - at);
+        at = end + 1;
+    }
+    return std::u32string(longest);
+}
+
 bool IsAnyOf(char32_t c, std::u32string_view these)
 {
     return these.find(c) != std::u32string_view::npos;
@@ -349,7 +362,7 @@ private:
 Wording::Wording(const std::vector<WordingRule>& rules, bool shortens) : shortens_(shortens)
 {
     for (const WordingRule& rule : rules) {
-        Compiled compiled{WithSingleBlanks(rule.Written), DecodeUtf8(rule.Said)};
+        Compiled compiled{WithSingleBlanks(rule.Written), {}, DecodeUtf8(rule.Said)};
         if (std::all_of(compiled.written.begin(), compiled.written.end(),
                         [](char32_t c) { return c == Asterisk || IsBlank(c); }) ||
             static_cast<std::size_t>(std::count(compiled.written.begin(), compiled.written.end(), Asterisk)) >
@@ -359,6 +372,7 @@ Wording::Wording(const std::vector<WordingRule>& rules, bool shortens) : shorten
         const std::u32string capitals = Capitals(compiled.written);
         if (compiled.anyCase)
             compiled.written = capitals;
+        compiled.part = LongestPart(compiled.written);
         byFirst_[capitals.front()].push_back(std::move(compiled));
     }
     for (auto& [first, compiled] : byFirst_)
@@ -381,6 +395,16 @@ std::vector<Segment> Wording::Apply(std::vector<Segment> segments) const
     return said;
 }
 
+Wording::Line Wording::LineOf(std::u32string_view text, std::u32string_view capitals) const
+{
+    Line line{text, capitals, {}};
+    if (const auto rules = byFirst_.find(Asterisk); rules != byFirst_.end())
+        for (const Compiled& rule : rules->second)
+            if ((rule.anyCase ? capitals : text).find(rule.part) != std::u32string_view::npos)
+                line.anyBeginning.push_back(&rule);
+    return line;
+}
+
 std::optional<Wording::Replacement> Wording::FindAt(const Line& line, std::size_t at) const
 {
     const bool inside = at > 0 && JoinsWords(line.text[at - 1]) && JoinsWords(line.text[at]);
@@ -388,23 +412,21 @@ std::optional<Wording::Replacement> Wording::FindAt(const Line& line, std::size_
         return std::nullopt;
     std::optional<Replacement> found;
     std::size_t longest = 0;
-    for (const char32_t first : {line.capitals[at], Asterisk}) {
-        const auto rules = byFirst_.find(first);
-        if (rules == byFirst_.end())
-            continue;
-        for (const Compiled& rule : rules->second) {
-            if (rule.written.size() <= longest)
-                break;
-            Fit fit(rule.written, rule.anyCase ? line.capitals : line.text);
-            if (const std::optional<std::size_t> end = fit.From(at)) {
-                found = Replacement{*end, fit.Fill(rule.said, line.text)};
-                longest = rule.written.size();
-                break;
-            }
-        }
-        if (first == Asterisk)
-            break;
-    }
+    // False when no rule behind this one can be longer than what was found.
+    const auto takes = [&](const Compiled& rule) {
+        if (rule.written.size() <= longest)
+            return false;
+        Fit fit(rule.written, rule.anyCase ? line.capitals : line.text);
+        const std::optional<std::size_t> end = fit.From(at);
+        if (!end)
+            return true;
+        found = Replacement{*end, fit.Fill(rule.said, line.text)};
+        longest = rule.written.size();
+        return false;
+    };
+    if (const auto rules = byFirst_.find(line.capitals[at]); rules != byFirst_.end() && line.capitals[at] != Asterisk)
+        std::all_of(rules->second.begin(), rules->second.end(), takes);
+    std::all_of(line.anyBeginning.begin(), line.anyBeginning.end(), [&](const Compiled* rule) { return takes(*rule); });
     if (!found && shortens_)
         return ShortAt(line.text, at);
     return found;
@@ -416,7 +438,7 @@ void Wording::Say(Segment& segment, std::vector<Segment>& out) const
     std::u32string text;
     const auto say = [&] {
         const std::u32string capitals = Capitals(text);
-        const Line line{text, capitals};
+        const Line line = LineOf(text, capitals);
         for (std::size_t at = 0; at < text.size();) {
             const std::optional<Replacement> found = FindAt(line, at);
             if (found)

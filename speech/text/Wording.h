@@ -34,6 +34,7 @@ public:
 private:
     struct Compiled {
         std::u32string written;
+        std::u32string part; ///< the longest part of it without asterisks and blanks
         std::u32string said;
         bool anyCase = false;
     };
@@ -41,11 +42,13 @@ private:
     struct Line {
         std::u32string_view text;
         std::u32string_view capitals;
+        std::vector<const Compiled*> anyBeginning; ///< the rules that begin with an asterisk and may fit in it
     };
 
     bool shortens_;
     std::unordered_map<char32_t, std::vector<Compiled>> byFirst_; ///< by the first character's capital; longest first
 
+    Line LineOf(std::u32string_view text, std::u32string_view capitals) const;
     std::optional<Replacement> FindAt(const Line& line, std::size_t at) const;
     void Say(Segment& segment, std::vector<Segment>& out) const;
 };

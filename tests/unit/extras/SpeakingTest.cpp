@@ -23,7 +23,7 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     };
     EXPECT_EQ(itemsOf("mnuExtras"),
               (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
-                     "Sa&ve as Sound...", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-",
+                     "Sa&ve as Sound... Ctrl+S", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-",
                      "&Character Stands Aside", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
                      "Save as Cal&endar File...", "Missed Re&minders...", "-", "&Help on Extras"}));
     EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
@@ -32,8 +32,8 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
     EXPECT_EQ(
         itemsOf("mnuDocument"),
         (Lines{"&Pause or Go On Ctrl+P", "&Back a Sentence Alt+Left", "&Forward a Sentence Alt+Right",
-               "Back a Pa&ragraph Alt+Up", "For&ward a Paragraph Alt+Down", "From the Begi&nning Alt+Home",
-               "F&orget Where Documents Were Left", "-", "Rea&ding Window Ctrl+D", "Open &It with Each Document"}));
+               "Back a Pa&ragraph Alt+Up", "For&ward a Paragraph Alt+Down", "From the Begi&nning Alt+Home", "-",
+               "Rea&ding Window Ctrl+D", "Open &It with Each Document", "-", "F&orget Where Documents Were Left"}));
     Begin();
     Item("mnuExtrasHelp").UserClick();
     EXPECT_EQ(fake.process.commands, (Lines{"explorer.exe file:///C:/WINDOWS/web/extras.html style 3"}));

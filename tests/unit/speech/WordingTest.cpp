@@ -77,6 +77,17 @@ TEST(WordingTest, AnAsteriskStandsForPartOfAWordAndIsSaidInItsTurn)
     EXPECT_EQ(Said(Rules{{"*kg", "* kilos *"}}, "5kg kg"), "5 kilos  kg");
 }
 
+TEST(WordingTest, ManyRulesThatBeginWithAnAsteriskAreLookedAtOnlyWhereTheyMayFit)
+{
+    Rules rules;
+    for (int i = 0; i < 20000; ++i)
+        rules.push_back({"*a*" + std::to_string(i) + "x", "rule " + std::to_string(i)});
+    std::string text;
+    while (text.size() < 2000)
+        text += "banana a17 ";
+    EXPECT_EQ(Said(rules, text + "hat417x."), text + "rule 417.");
+}
+
 TEST(WordingTest, LeavesOutRulesThatFitEverythingOrHaveTooManyAsterisks)
 {
     EXPECT_EQ(Said(Rules{{"", "a"}, {" ", "b"}, {"*", "c"}, {"* *", "d"}, {"*a*b*", "e"}}, "x xaxbx y"), "x xaxbx y");
