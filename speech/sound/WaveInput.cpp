@@ -90,16 +90,15 @@ std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
     return CheckedRecording(std::make_unique<FileInput>(std::move(file), size));
 }
 
-// What the user opens may be any recording of the usual kinds. Their readers are known well; those of two dozen others
-// that libsndfile has too should not be exposed to files from strangers.
+// What the user opens may be a recording of the usual kinds. The readers of two dozen others that libsndfile has too,
+// which few files need, should not be exposed to files from strangers.
 std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput> input)
 {
     std::array<std::uint8_t, HeadSize + 8> head{};
     const std::size_t count = input->Copy(0, head);
     const std::string_view text(reinterpret_cast<const char*>(head.data()), count);
     const std::string_view form = text.size() >= HeadSize ? text.substr(8, 4) : std::string_view();
-    constexpr std::array<std::string_view, 7> beginnings{
-        "fLaC", "OggS", "ID3", ".snd", "caff", "RF64", "Creative Voice File"};
+    constexpr std::array<std::string_view, 4> beginnings{"fLaC", "OggS", "ID3", ".snd"};
     // A frame of MPEG audio: eleven bits set, and then a layer.
     const bool frame = count > 3 && head[0] == 0xFF && (head[1] & 0xE0) == 0xE0 && (head[1] & 0x06) != 0;
     input->isWave_ = text.starts_with("RIF") && form == "WAVE";

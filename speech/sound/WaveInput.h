@@ -21,8 +21,8 @@ public:
     virtual ~WaveInput() = default;
     /// Null when the bytes do not begin like a wave file. They are not copied.
     static std::unique_ptr<WaveInput> OfMemory(std::span<const std::uint8_t> bytes);
-    /// The same for a file, which may also be a recording of another kind: FLAC, Ogg, MPEG audio, AIFF, AU, CAF, RF64
-    /// or VOC. Null also when the path is no regular file or cannot be read.
+    /// The same for a file, which may also be a recording of another kind: FLAC, Ogg, MPEG audio, AIFF or AU.
+    /// Null also when the path is no regular file or cannot be read.
     static std::unique_ptr<WaveInput> OfFile(const std::string& path);
 
     /// In bytes.

@@ -304,15 +304,10 @@ struct Recording {
     int format;
     double difference; ///< the most that a sample of the tone may be off, of 32768
 };
-constexpr Recording Recordings[] = {{"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 0},
-                                    {"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 0},
-                                    {"au", SF_FORMAT_AU | SF_FORMAT_PCM_16, 0},
-                                    {"caf", SF_FORMAT_CAF | SF_FORMAT_PCM_16, 0},
-                                    {"rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_16, 0},
-                                    {"voc", SF_FORMAT_VOC | SF_FORMAT_PCM_16, 0},
-                                    {"ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 800},
-                                    {"opus", SF_FORMAT_OGG | SF_FORMAT_OPUS, 1600},
-                                    {"mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 800}};
+constexpr Recording Recordings[] = {
+    {"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 0}, {"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 0},
+    {"au", SF_FORMAT_AU | SF_FORMAT_PCM_16, 0},     {"ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 800},
+    {"opus", SF_FORMAT_OGG | SF_FORMAT_OPUS, 1600}, {"mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 800}};
 
 /// The bytes of a recording of a tone of a second, written by the library itself; empty where it cannot.
 std::vector<std::uint8_t> Recorded(const Recording& kind, const Samples& samples)
@@ -364,6 +359,12 @@ TEST(WaveFileTest, ACharactersSoundsAreWaveFilesAndNothingElse)
     }
 }
 
+TEST(WaveFileTest, RecordingsOfRareKindsAreNotLookedAt)
+{
+    for (const int format : {SF_FORMAT_CAF, SF_FORMAT_VOC, SF_FORMAT_W64})
+        EXPECT_FALSE(ReadBytes(Recorded({"", format | SF_FORMAT_PCM_16, 0}, Tone(4800, {8000})))) << format;
+}
+
 TEST(WaveFileTest, DamagedRecordingsNeitherCrashNorNeverEnd)
 {
     for (const Recording& kind : Recordings) {
@@ -372,7 +373,9 @@ TEST(WaveFileTest, DamagedRecordingsNeitherCrashNorNeverEnd)
             const auto cut = ReadBytes(std::span(good).first(good.size() * part / 32));
             EXPECT_LE(cut ? cut->size() : 0, 20000U) << kind.name << part;
         }
-        for (std::size_t at = 0; at < std::min<std::size_t>(good.size(), 160); ++at) {
+        // Every byte of the head, and then some of each part.
+        const std::size_t step = std::max<std::size_t>(good.size() / 200, 1);
+        for (std::size_t at = 0; at < good.size(); at += at < 160 ? 1 : step) {
             std::vector<std::uint8_t> bad = good;
             bad[at] ^= 0xFF;
             const auto read = ReadBytes(bad);
