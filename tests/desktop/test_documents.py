@@ -198,6 +198,9 @@ class WhileItReads(DocumentCase):
         begin = self.now()
         self.desk.key("alt+Down", "alt+Down", "alt+Right")
         self.hear(begin, SENTENCES[3])
+        # It would go on while the menus are opened.
+        self.desk.key("ctrl+p")
+        self.status_is("Paused (")
         begin = self.now()
         self.choose_by_keys("alt+x", "Document", "d", "Back a Paragraph", "r")
         self.hear(begin, SENTENCES[2])

@@ -87,7 +87,7 @@ class Sessions(ProgramCase):
 
         for beside, far in (((x + 2, y + 1), (x + 2, y - 60)), ((x - 3, y + height - 20), (x - 60, y + height - 20))):
             self.assertLess(max(abs(a - b) for a, b in zip(pixel(*beside), pixel(*far))), 40, f"a box at {beside}")
-        self.drag_body(self.seen(BODY))
+        self.drag_body(desktop.wait_for(lambda: self.seen(BODY), what="the character"))
         self.clicks_beside_the_body_go_beneath()
         self.speak()
         self.assert_balloon_over_body()
@@ -121,7 +121,7 @@ class Sessions(ProgramCase):
             with open(log, encoding="utf-8", errors="replace") as file:
                 return file.read().count("ButtonPress")
 
-        body = self.seen(BODY)
+        body = desktop.wait_for(lambda: self.seen(BODY), what="the character")
         self.click_slowly(*self.beside(body))
         desktop.wait_for(lambda: presses() == 1, what="the click beside the drawing")
         self.click_slowly(*self.middle(body))
