@@ -5,6 +5,8 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <map>
+#include <optional>
 
 namespace voxmate::characters
 {
@@ -306,16 +308,22 @@ void Images(Json& json, const agent::AcsFile& file)
 
 void Sounds(Json& json, const agent::AcsFile& file)
 {
+    // A file may name the same large sound ten thousand times.
+    std::map<agent::StoredSound, std::optional<speech::WaveFormat>> described;
     json.Open("sounds", '[');
     for (std::size_t i = 0; i < file.SoundCount(); ++i) {
         json.Open('{');
-        json.Number("size", static_cast<std::int64_t>(file.Sound(i).size()));
-        if (const auto wave = speech::DescribeWave(file.Sound(i))) {
-            json.Number("channels", wave->channels);
-            json.Number("sampleRate", wave->samplesPerSecond);
-            if (wave->bits != 0)
-                json.Number("bits", wave->bits);
-            json.Number("frames", wave->frames);
+        const agent::StoredSound& place = file.PlaceOfSound(i);
+        json.Number("size", place.size);
+        const auto [wave, isNew] = described.try_emplace(place);
+        if (isNew)
+            wave->second = speech::DescribeWave(file.Sound(i));
+        if (const auto& format = wave->second) {
+            json.Number("channels", format->channels);
+            json.Number("sampleRate", format->samplesPerSecond);
+            if (format->bits != 0)
+                json.Number("bits", format->bits);
+            json.Number("frames", format->frames);
         }
         json.Close('}');
     }

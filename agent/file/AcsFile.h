@@ -4,6 +4,7 @@
 #include "base/Geometry.h"
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -186,6 +187,13 @@ public:
     virtual std::vector<std::uint8_t> Read(std::uint32_t offset, std::uint32_t size) const = 0;
 };
 
+/// Where a sound lies in the file, in bytes. Several entries of the sound list may name the same place.
+struct StoredSound {
+    std::uint32_t offset = 0;
+    std::uint32_t size = 0;
+    auto operator<=>(const StoredSound&) const = default;
+};
+
 /// Where the images and sounds of a character are until they are needed. It has megabytes of them and shows a few at a
 /// time.
 enum class Keep {
@@ -210,6 +218,8 @@ public:
     std::size_t SoundCount() const { return sounds_.size(); }
     /// How image `index` is stored in the file. The index must exist.
     const StoredImage& Stored(std::size_t index) const { return images_.at(index); }
+    /// Where sound `index` is stored. The index must exist.
+    const StoredSound& PlaceOfSound(std::size_t index) const { return sounds_.at(index); }
     /// Decodes one image; raises AcsError when its data does not decode to exactly its size or cannot be read.
     IndexedImage DecodeImage(std::size_t index) const;
     /// The bytes of one sound, a whole RIFF wave file; raises AcsError when there is no such sound or it cannot be
@@ -225,10 +235,6 @@ private:
     /// Reads the character from `bytes`, which are all of `source`'s and are needed only during the call.
     static std::shared_ptr<const AcsFile> Parse(std::span<const std::uint8_t> bytes, const std::string& name,
                                                 std::unique_ptr<const AcsSource> source);
-    struct StoredSound {
-        std::uint32_t offset = 0;
-        std::uint32_t size = 0;
-    };
     /// Raises AcsError when they cannot be read.
     std::vector<std::uint8_t> Bytes(std::uint32_t offset, std::uint32_t size) const;
 

@@ -40,6 +40,10 @@ class Session(desktop.Desk):
             self.session.update(zip(("DISPLAY", "XAUTHORITY"), server))
         desktop.wait_for(lambda: re.search(rb"[1-9]\d* child", self.run("xwininfo", "-root", "-children")),
                          what="the compositor's screen")
+        # weston adds up the pointer's moves, from its own corner if it missed where the pointer was at the start. This
+        # move, longer than its screen, ends in that corner wherever it began.
+        for x, y in (tuple(size - 1 for size in self.screen), (0, 0)):
+            self.run("xdotool", "mousemove", str(x), str(y))
 
     def _start_weston(self, _tell):
         width, height = self.screen
