@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace voxmate::characters
 {
@@ -309,13 +310,13 @@ void Images(Json& json, const agent::AcsFile& file)
 void Sounds(Json& json, const agent::AcsFile& file)
 {
     // A file may name the same large sound ten thousand times.
-    std::map<agent::StoredSound, std::optional<speech::WaveFormat>> described;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::optional<speech::WaveFormat>> described;
     json.Open("sounds", '[');
     for (std::size_t i = 0; i < file.SoundCount(); ++i) {
         json.Open('{');
         const agent::StoredSound& place = file.PlaceOfSound(i);
         json.Number("size", place.size);
-        const auto [wave, isNew] = described.try_emplace(place);
+        const auto [wave, isNew] = described.try_emplace({place.offset, place.size});
         if (isNew)
             wave->second = speech::DescribeWave(file.Sound(i));
         if (const auto& format = wave->second) {

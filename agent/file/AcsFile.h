@@ -4,7 +4,6 @@
 #include "base/Geometry.h"
 
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -191,7 +190,6 @@ public:
 struct StoredSound {
     std::uint32_t offset = 0;
     std::uint32_t size = 0;
-    auto operator<=>(const StoredSound&) const = default;
 };
 
 /// Where the images and sounds of a character are until they are needed. It has megabytes of them and shows a few at a
