@@ -201,7 +201,8 @@ public:
     enum class Role { Other, Act, Halt };
 
     using Clickable::Clickable;
-    std::string Picture; ///< name of the icon, without folder and extension
+    std::string Picture;  ///< name of the icon, without folder and extension
+    std::string Shortcut; ///< keys that press it besides its access key, as "Ctrl+P"; empty: none
     Role Stands = Role::Other;
     bool IsDefault = false; ///< pressed by Enter
     bool IsCancel = false;  ///< pressed by Escape

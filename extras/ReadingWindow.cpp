@@ -42,6 +42,12 @@ ReadingWindow::ReadingWindow(FormHost& host, Documents& documents, StateStore& s
     };
     vwText.Stepped = [this](const TextPlace& place, int by) { Step(place, by); };
     vwText.Paused = cmdPause.Click = [this] { documents_.PauseOrGoOn(); };
+    // As in the menu.
+    cmdPause.Shortcut = "Ctrl+P";
+    cmdSentenceBack.Shortcut = "Alt+Left";
+    cmdSentenceForward.Shortcut = "Alt+Right";
+    cmdParagraphBack.Shortcut = "Alt+Up";
+    cmdParagraphForward.Shortcut = "Alt+Down";
     cmdSentenceBack.Click = [this] { documents_.BySentence(-1); };
     cmdSentenceForward.Click = [this] { documents_.BySentence(1); };
     cmdParagraphBack.Click = [this] { documents_.ByParagraph(false); };

@@ -17,6 +17,7 @@
 #include <QFontDatabase>
 #include <QListView>
 #include <QPointer>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTimer>
@@ -99,6 +100,9 @@ public:
         Update(Property::Caption);
         QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });
         widget_->OnMouseUp = [this](int button) { control_.UserMouseUp(button); };
+        if (!button.Shortcut.empty())
+            QObject::connect(new QShortcut(QKeySequence(ToQt(button.Shortcut)), widget_), &QShortcut::activated, widget_,
+                             &Button::click);
     }
     ~ButtonPeer() override { widget_->OnMouseUp = nullptr; }
 

@@ -35,7 +35,8 @@ constexpr qint64 ScrollPatience = 8000;
 constexpr qreal RoomAbove = 0.25;
 constexpr int BarWidth = 3; // device-independent pixels
 
-/// Lays out only the paragraphs on show, and leaves half a line's room between two of them.
+/// Lays out only the paragraphs on show, leaves half a line's room between two of them, and begins a paragraph that is
+/// read from right to left at the right.
 class SpacedLayout : public QPlainTextDocumentLayout
 {
 public:
@@ -44,6 +45,12 @@ public:
     QRectF blockBoundingRect(const QTextBlock& block) const override
     {
         QRectF rect = QPlainTextDocumentLayout::blockBoundingRect(block);
+        // The toolkit begins every line at the left.
+        if (QTextOption option = block.layout()->textOption();
+            block.textDirection() == Qt::RightToLeft && option.alignment() != Qt::AlignRight) {
+            option.setAlignment(Qt::AlignRight);
+            block.layout()->setTextOption(option);
+        }
         const QFontMetricsF metrics(document()->defaultFont());
         if (!rect.isEmpty())
             rect.setHeight(rect.height() + metrics.lineSpacing() / 2);

@@ -104,7 +104,7 @@ class ReadingWindow(DocumentCase):
         self.desk.find("Pause", role="push button")
         self.hear(begin, SENTENCES[2], SENTENCES[3])
         begin = self.now()
-        self.desk.key("alt+b", "alt+b")
+        self.desk.key("alt+b", "alt+Left")
         self.hear(begin, *SENTENCES[:3])
         self.desk.key("alt+s")
         self.silent()

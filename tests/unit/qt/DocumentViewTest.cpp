@@ -86,6 +86,23 @@ TEST_F(DocumentViewTest, TextComesPieceByPieceAndStaysAsItIs)
     EXPECT_EQ(Edit()->toPlainText(), QString());
 }
 
+TEST_F(DocumentViewTest, AParagraphBeginsAtTheSideWhereItsWritingDoes)
+{
+    form.vwText.Append({"Left to right.", 0});
+    form.vwText.Append({"שלום עולם.", 0});
+    form.vwText.Flush();
+    const auto begin = [this](int block) {
+        return Edit()->cursorRect(QTextCursor(Edit()->document()->findBlockByNumber(block))).x();
+    };
+    const int width = Edit()->viewport()->width();
+    EXPECT_LT(begin(0), width / 10);
+    EXPECT_GT(begin(1), width * 9 / 10);
+    // A click there finds the paragraph's beginning.
+    QTextCursor last(Edit()->document());
+    last.movePosition(QTextCursor::End);
+    EXPECT_EQ(Edit()->cursorForPosition({begin(1), Edit()->cursorRect(last).center().y()}).positionInBlock(), 0);
+}
+
 TEST_F(DocumentViewTest, SentenceAndWordAreMarkedWhateverTheirLetters)
 {
     form.vwText.Append({"Vorher. Ein \U0001F600 Mädchen\nläuft.", 0});

@@ -129,6 +129,18 @@ TEST_F(FormTest, SpaceAndEnterPressAButtonAndShiftF10IsItsRightButton)
     EXPECT_EQ(happened, (Happened{"click", "click", "up 2"}));
 }
 
+TEST_F(FormTest, AButtonsOwnKeysPressItWhateverHasTheFocusUnlessItIsDisabled)
+{
+    form.cmdOk.Click = Note("click");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
+    Find("txtName")->setFocus();
+    QTest::keyClick(Window()->windowHandle(), Qt::Key_P, Qt::ControlModifier);
+    EXPECT_EQ(happened, Happened{"click"});
+    form.cmdOk.Enabled = false;
+    QTest::keyClick(Window()->windowHandle(), Qt::Key_P, Qt::ControlModifier);
+    EXPECT_EQ(happened, Happened{"click"});
+}
+
 TEST_F(FormTest, AScrollBarMovesByArrowPageHomeAndEndKeys)
 {
     std::vector<int> values;

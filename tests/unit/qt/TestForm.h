@@ -18,6 +18,7 @@ public:
         txtText.AccessibleName = "Text to read";
         cmdSpeak.Picture = "speak";
         cmdSpeak.ToolTipText = "Speak it";
+        cmdOk.Shortcut = "Ctrl+P";
         lblPitch.Buddy = &scrPitch;
         scrPitch.LargeChange = 20;
         Arrangement =
