@@ -101,8 +101,8 @@ public:
         QObject::connect(widget_, &Button::clicked, &context_, [this] { control_.UserClick(); });
         widget_->OnMouseUp = [this](int button) { control_.UserMouseUp(button); };
         if (!button.Shortcut.empty())
-            QObject::connect(new QShortcut(QKeySequence(ToQt(button.Shortcut)), widget_), &QShortcut::activated, widget_,
-                             &Button::click);
+            QObject::connect(new QShortcut(QKeySequence(ToQt(button.Shortcut)), widget_), &QShortcut::activated,
+                             widget_, &Button::click);
     }
     ~ButtonPeer() override { widget_->OnMouseUp = nullptr; }
 

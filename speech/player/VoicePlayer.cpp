@@ -81,15 +81,13 @@ void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
                 End(known, false);
         };
         Enqueue(speaking->job, [this, utterance = std::move(utterance), begin](SpeechJob& job) {
-            const std::optional<WaveScore> score = ScoreWave(utterance, [&job] { return job.Cancelled(); });
-            const int rate = score ? score->samplesPerSecond : 0;
-            if (score) {
+            WaveSpeech wave(utterance);
+            const int rate = wave.SamplesPerSecond();
+            if (rate > 0)
                 job.SetRate(rate);
-                for (const SpeechEvent& event : score->events)
-                    job.Event(event);
-            }
             PostToSelf([begin, rate] { begin(rate); });
-            return score && StreamWave(utterance.waveFile, job);
+            wave.Deliver(job);
+            return rate > 0;
         });
         return;
     }

@@ -68,6 +68,7 @@ public:
 
     const SF_INFO& Info() const { return info_; }
     int SamplesPerSecond() const override { return info_.samplerate; }
+    std::int64_t Length() const override { return info_.frames; }
 
     std::span<const std::int16_t> Next() override
     {
