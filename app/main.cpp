@@ -115,10 +115,10 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     linux_platform::LinuxFileSystem files;
     linux_platform::LinuxClock clock;
     process.BeforeEnd = [&settings, &state, &notifications](std::chrono::milliseconds patience) {
-        notifications.CloseAll();
         const auto last = std::chrono::steady_clock::now() + patience;
         settings->Flush(patience);
         state->Flush(std::chrono::duration_cast<std::chrono::milliseconds>(last - std::chrono::steady_clock::now()));
+        notifications.CloseAll();
     };
     application.EndProgram = [&process] { process.EndProgram(); };
 

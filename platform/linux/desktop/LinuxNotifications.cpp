@@ -26,6 +26,7 @@ namespace
 /// that. What it is then asked to show, it shows at once.
 constexpr int StartPatience = 25000;
 constexpr int ShowPatience = 5000;
+constexpr int LastPatience = 500;
 /// NotificationClosed's reason when the user has closed it.
 constexpr uint ClosedByUser = 2;
 /// Ordinary importance: neither kept out of the way nor shown over everything.
@@ -168,12 +169,19 @@ void NotificationServer::Close(int number)
     shown_.erase(found);
 }
 
+// Calls are sent by another thread. The bus's answer to a last one means that those before it have been sent.
 void NotificationServer::CloseAll()
 {
+    if (shown_.empty())
+        return;
     for (const auto& [number, shown] : std::exchange(shown_, {})) {
         if (shown.id != 0)
             CloseById(shown.id);
     }
+    bus_->call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                              QStringLiteral("/org/freedesktop/DBus"),
+                                              QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")),
+               QDBus::Block, LastPatience);
 }
 
 void NotificationServer::CloseById(uint id)

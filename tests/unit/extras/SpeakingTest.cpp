@@ -131,7 +131,9 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     frmMain next(program);
     Extras more(program, next,
                 {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host(),
-                 presence});
+                 presence,
+                 notifications,
+                 quiet});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 
