@@ -60,6 +60,7 @@ public:
     }
 
     bool IsActive() const { return active_; }
+    bool Counts() const { return active_ && seconds_ > 0; }
     /// Closed by the user, or by its time: an alert's reminder is then done.
     void Finish()
     {
@@ -71,15 +72,11 @@ public:
         active_ = false;
         show_();
     }
-    /// A second has passed. True while more are to be counted.
-    bool Count()
+    /// A second has passed.
+    void Count()
     {
-        if (!active_ || seconds_ <= 0)
-            return false;
-        if (--seconds_ > 0)
-            return true;
-        Finish();
-        return false;
+        if (Counts() && --seconds_ == 0)
+            Finish();
     }
 
 private:
@@ -163,7 +160,8 @@ void AlertNotifications::Note(const NoticeText& text)
 {
     waiting_[text.Id] = text;
     Show(text);
-    if (const StandIn* alert = StandInOf(text.Id); alert && alert->IsActive())
+    // Not set again: that would begin its interval anew.
+    if (const StandIn* alert = StandInOf(text.Id); alert && alert->Counts() && !tmrStandIns_.Enabled)
         tmrStandIns_.Enabled = true;
 }
 
@@ -221,13 +219,17 @@ void AlertNotifications::ServerChanged()
 
 void AlertNotifications::Count()
 {
-    bool goesOn = false;
-    // Each that closes lets events run.
-    for (std::size_t at = 0; at < program_.Scheduler.RemAlertWindows.size(); ++at) {
-        StandIn* alert = StandInOf(static_cast<std::int16_t>(at));
-        goesOn = (alert && alert->Count()) || goesOn;
+    const auto count = [this] { return static_cast<std::int16_t>(program_.Scheduler.RemAlertWindows.size()); };
+    // Each that closes lets events run, in which others come.
+    for (std::int16_t id = 0; id < count(); ++id) {
+        if (StandIn* alert = StandInOf(id))
+            alert->Count();
     }
-    tmrStandIns_.Enabled = goesOn;
+    for (std::int16_t id = 0; id < count(); ++id) {
+        if (const StandIn* alert = StandInOf(id); alert && alert->Counts())
+            return;
+    }
+    tmrStandIns_.Enabled = false;
 }
 
 AlertNotifications::StandIn* AlertNotifications::StandInOf(std::int16_t id) const

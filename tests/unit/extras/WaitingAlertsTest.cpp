@@ -92,6 +92,7 @@ TEST_F(WaitingAlertsTest, NoticeWindowsWaitAsWell)
     Answer(true);
     Tick();
     EXPECT_TRUE(RemNoticeWindows.empty());
+    OpenMenu();
     Item("mnuAlertsWait").UserClick();
     EXPECT_EQ(state.values["alerts.wait"], "");
     Tick();
