@@ -119,7 +119,7 @@ class Sessions(AlertCase):
 
     def alert_windows(self):
         """What the program's alert windows say."""
-        return [text for text in self.desk.texts() if text.startswith("(CLICK TO CLOSE)")]
+        return sorted({text for text in self.desk.texts() if text.startswith("(CLICK TO CLOSE)")})
 
     def clicks_beside_the_body_go_beneath(self):
         """Another program's window that comes later is beneath the character, and gets the clicks beside its drawing."""
