@@ -25,8 +25,8 @@ Window* VisibleWindow(const std::vector<std::unique_ptr<Window>>& windows, std::
 
 } // namespace
 
-/// An alert whose window cannot be placed: the notification is the alert. A window comes where there is none, or where it
-/// is lost.
+/// An alert whose window cannot be placed: the notification is the alert. A window comes where there is none, or where
+/// it is lost.
 class AlertNotifications::StandIn : public AlertWindow
 {
 public:
@@ -93,8 +93,8 @@ AlertNotifications::AlertNotifications(ExtrasMenu& menu, Program& program, frmMa
     : program_(program), main_(main), desktop_(desktop), places_(places), state_(state),
       others_(program.Scheduler.Announced), tmrStandIns_(&main, "tmrStandIns", CountInterval, false)
 {
-    Menu& item = menu.AddSwitch("mnuAlertNotifications", Caption, [this] { return IsOn(); },
-                                [this](bool on) { Turn(on); });
+    Menu& item = menu.AddSwitch(
+        "mnuAlertNotifications", Caption, [this] { return IsOn(); }, [this](bool on) { Turn(on); });
     menu.WhenOpened([this, &item] {
         item.Caption = std::string(Caption) + (IsOn() && !Serves() ? " (none on this desktop)" : "");
     });

@@ -1,5 +1,5 @@
-// Beside an alert or a notice window a notification of the desktop, with Done and Snooze. Where windows cannot be placed
-// it stands in for the alert.
+// Beside an alert or a notice window a notification of the desktop, with Done and Snooze. Where windows cannot be
+// placed it stands in for the alert.
 #pragma once
 
 #include "extras/ExtrasMenu.h"
@@ -44,7 +44,7 @@ private:
     StateStore& state_;
     std::function<void(const NoticeText& text)> others_; ///< that listened to announcements before
     std::map<std::int16_t, NoticeText> waiting_;         ///< what was announced and not answered yet
-    Timer tmrStandIns_; ///< counts the seconds of stand-ins that close by themselves
+    Timer tmrStandIns_;                                  ///< counts the seconds of stand-ins that close by themselves
 
     bool IsOn() const;
     bool Serves() const { return desktop_.Serves(); }

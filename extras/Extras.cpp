@@ -34,7 +34,8 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile, host.SaveText),
       missed_(menu_, program, main, host.User, host.State), alertsMenu_(menu_, "mnuAlerts", "&Alerts"),
       notifications_(alertsMenu_, program, main, host.Notifications, host.Windows, host.State),
-      waitingAlerts_(alertsMenu_, program, main, host.LeftAlone, host.State), tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
+      waitingAlerts_(alertsMenu_, program, main, host.LeftAlone, host.State),
+      tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
     MakeSizable(main_, main_.txtText);

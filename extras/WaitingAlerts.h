@@ -11,8 +11,8 @@ namespace voxmate
 {
 
 /// Puts a step before the main window's two timers: before reminders are announced, and before the time is. Both are
-/// held while the desktop says so. A reminder that waits is still pending in the list and its file, so that nothing of it
-/// is lost when the program ends. The time is not told later, because it would be another one.
+/// held while the desktop says so. A reminder that waits is still pending in the list and its file, so that nothing of
+/// it is lost when the program ends. The time is not told later, because it would be another one.
 class WaitingAlerts
 {
 public:

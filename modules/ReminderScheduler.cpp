@@ -59,7 +59,8 @@ std::string ReminderScheduler::SpokenTime(const DateTime& time) const
 // Shows an alert window; false when that reminder's is on the screen already.
 bool ReminderScheduler::ShowAlert(const NoticeText& text)
 {
-    AlertWindow& window = WindowOf(RemAlertWindows, text.Id, [this] { return MakeAlert ? MakeAlert() : program_.Main->NewAlertWindow(); });
+    AlertWindow& window = WindowOf(RemAlertWindows, text.Id,
+                                   [this] { return MakeAlert ? MakeAlert() : program_.Main->NewAlertWindow(); });
     if (window.Visible())
         return false;
     const std::string lines[] = {text.Heading,           "Rem. Id: " + std::to_string(text.Id),

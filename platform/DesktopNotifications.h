@@ -1,4 +1,5 @@
-// The desktop's notifications: small messages that it shows, keeps and stacks by itself, with buttons where it has them.
+// The desktop's notifications: small messages that it shows, keeps and stacks by itself, with buttons where it has
+// them.
 #pragma once
 
 #include <functional>
@@ -29,8 +30,8 @@ public:
         Lost       ///< the desktop has removed it by itself, could not show it, or did not answer
     };
 
-    /// All run in the event loop. ServerChanged: Serves() has changed. A notification ends with one of the other two; one
-    /// that Close was called for is not told of.
+    /// All run in the event loop. ServerChanged: Serves() has changed. A notification ends with one of the other two;
+    /// one that Close was called for is not told of.
     std::function<void()> ServerChanged;
     std::function<void(int number, const std::string& button)> Pressed;
     std::function<void(int number, End why)> Ended;

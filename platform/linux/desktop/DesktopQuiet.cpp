@@ -66,9 +66,9 @@ void QuietQuestions::Ask()
 // Plasma's notification server tells it itself; others do not have this property.
 void QuietQuestions::AskServer()
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QLatin1String(NotificationService), QLatin1String(NotificationPath),
-        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(QLatin1String(NotificationService), QLatin1String(NotificationPath),
+                                       QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     question << QLatin1String(NotificationService) << QStringLiteral("Inhibited");
     AskBus(question, [this] { AskDesktop(); });
 }
@@ -85,9 +85,9 @@ void QuietQuestions::AskDesktop()
 
 void QuietQuestions::AskXfce()
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.xfce.Xfconf"), QStringLiteral("/org/xfce/Xfconf"), QStringLiteral("org.xfce.Xfconf"),
-        QStringLiteral("GetProperty"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(QStringLiteral("org.xfce.Xfconf"), QStringLiteral("/org/xfce/Xfconf"),
+                                       QStringLiteral("org.xfce.Xfconf"), QStringLiteral("GetProperty"));
     question << QStringLiteral("xfce4-notifyd") << QStringLiteral("/do-not-disturb");
     AskBus(question, [this] { Answer(false); });
 }
@@ -122,8 +122,9 @@ void QuietQuestions::AskGnome()
             [answer, settings] { answer(settings->readAllStandardOutput().trimmed() == "false"); });
     connect(settings, &QProcess::errorOccurred, this, [answer] { answer(false); });
     QTimer::singleShot(Patience, settings, &QProcess::kill);
-    settings->start(QStringLiteral("gsettings"), {QStringLiteral("get"), QStringLiteral("org.gnome.desktop.notifications"),
-                                                  QStringLiteral("show-banners")});
+    settings->start(
+        QStringLiteral("gsettings"),
+        {QStringLiteral("get"), QStringLiteral("org.gnome.desktop.notifications"), QStringLiteral("show-banners")});
 }
 
 void QuietQuestions::Answer(bool quiet)

@@ -13,8 +13,8 @@
 namespace voxmate::linux_platform
 {
 
-/// Lives in the thread of the application object. Connecting is the only step that waits for the bus, so it is done on a
-/// thread of its own.
+/// Lives in the thread of the application object. Connecting is the only step that waits for the bus, so it is done on
+/// a thread of its own.
 class NotificationServer : public QObject
 {
     Q_OBJECT
@@ -39,10 +39,10 @@ private Q_SLOTS:
 
 private:
     struct Shown {
-        uint id = 0;                                                ///< the server's number; 0 until it has told it
+        uint id = 0;                                                 ///< the server's number; 0 until it has told it
         std::optional<DesktopNotifications::Notification> next = {}; ///< to be shown as soon as it has
-        bool asked = false;                                         ///< it has not answered yet
-        bool unwanted = false;                                      ///< to be closed as soon as it has
+        bool asked = false;                                          ///< it has not answered yet
+        bool unwanted = false;                                       ///< to be closed as soon as it has
     };
 
     using Entry = std::map<int, Shown>::iterator;

@@ -28,9 +28,9 @@ protected:
         program.StartedUp = true;
         Settings.ReminderType = type;
         form.CheckReminderMenus(true, false);
-        for (const Reminder& reminder : {Reminder{"Tea", 17, 3, 1975, 14, 4, "Green & hot", false},
-                                         Reminder{"Bank", 17, 3, 1975, 14, 5, "", false},
-                                         Reminder{"Swim", 17, 3, 1975, 14, 6, "Pool", false}}) {
+        for (const Reminder& reminder :
+             {Reminder{"Tea", 17, 3, 1975, 14, 4, "Green & hot", false},
+              Reminder{"Bank", 17, 3, 1975, 14, 5, "", false}, Reminder{"Swim", 17, 3, 1975, 14, 6, "Pool", false}}) {
             AppendReminder(reminder);
             ++RemCount;
         }
