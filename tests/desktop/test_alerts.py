@@ -158,6 +158,28 @@ class Waiting(AlertCase):
         self.asked(now=False)
         desktop.wait_for(lambda: len(self.alerts()) == 2, what="the alerts")
 
+    def test_xfce_has_a_switch_of_its_own_for_it(self):
+        self.waits_while("XFCE", "gdbus", "call", "--session", "--dest", "org.xfce.Xfconf", "--object-path", "/org/xfce/Xfconf", "--method",
+                         "org.xfce.Xfconf.SetProperty", "xfce4-notifyd", "/do-not-disturb", values=("<true>", "<false>"))
+
+    def test_gnome_shows_no_banners_then(self):
+        self.waits_while("GNOME", "gsettings", "set", "org.gnome.desktop.notifications", "show-banners", values=("false", "true"))
+
+    def waits_while(self, name, *switch, values):
+        """Alerts wait in the desktop of that name from the first of these values to the second."""
+        on, off = values
+        self.desk.run(*switch, on)
+        self.addCleanup(self.desk.run, *switch, off)
+        self.serve()
+        self.switched_on("wait")
+        self.due("Tea")
+        self.start(XDG_CURRENT_DESKTOP=name)
+        for _ in range(2):
+            self.asked(now=False)
+        self.assertEqual(self.alerts(), [])
+        self.desk.run(*switch, off)
+        desktop.wait_for(self.alerts, what="the alert")
+
     def test_while_a_full_screen_window_has_the_keyboard_they_wait(self):
         self.serve()
         self.do("inhibit")
