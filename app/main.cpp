@@ -12,6 +12,8 @@
 #include "platform/MemoryFile.h"
 #include "platform/linux/desktop/DBusActivation.h"
 #include "platform/linux/desktop/DesktopKeys.h"
+#include "platform/linux/desktop/DesktopQuiet.h"
+#include "platform/linux/desktop/LinuxNotifications.h"
 #include "platform/linux/desktop/MprisPlayer.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/desktop/X11Presence.h"
@@ -105,16 +107,18 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     linux_platform::DBusActivation desktop;
     linux_platform::MprisPlayer media;
     linux_platform::DesktopKeys keys;
+    linux_platform::LinuxNotifications notifications;
     if (HandedOver(line, process, desktop))
         process.EndProgram();
     const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
     const std::unique_ptr<linux_platform::FileStateStore> state = linux_platform::MakeStateStore();
     linux_platform::LinuxFileSystem files;
     linux_platform::LinuxClock clock;
-    process.BeforeEnd = [&settings, &state](std::chrono::milliseconds patience) {
+    process.BeforeEnd = [&settings, &state, &notifications](std::chrono::milliseconds patience) {
         const auto last = std::chrono::steady_clock::now() + patience;
         settings->Flush(patience);
         state->Flush(std::chrono::duration_cast<std::chrono::milliseconds>(last - std::chrono::steady_clock::now()));
+        notifications.CloseAll();
     };
     application.EndProgram = [&process] { process.EndProgram(); };
 
@@ -153,6 +157,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
     qt::QtWindowPlaces places;
     linux_platform::X11Presence user;
+    linux_platform::DesktopQuiet quiet;
     Extras extras(program, mainForm,
                   {*state,
                    login,
@@ -176,7 +181,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                         std::filesystem::remove_all(path, error);
                     },
                     [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }},
-                   user});
+                   user,
+                   notifications,
+                   quiet});
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

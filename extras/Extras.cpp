@@ -32,7 +32,10 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile, host.SaveText),
-      missed_(menu_, program, main, host.User, host.State), tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
+      missed_(menu_, program, main, host.User, host.State), alertsMenu_(menu_, "mnuAlerts", "&Alerts"),
+      notifications_(alertsMenu_, program, main, host.Notifications, host.Windows, host.State),
+      waitingAlerts_(alertsMenu_, program, main, host.LeftAlone, host.State),
+      tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
     MakeSizable(main_, main_.txtText);
@@ -71,6 +74,7 @@ void Extras::Begin(const CommandLine& line, const Event& showSplash)
     host_.Desktop.Listen();
     pieces_.Begin();
     pronunciations_.Begin();
+    notifications_.Begin();
     if (line.Quiet)
         quiet_.Begin(GreetsAtLogin(host_.State));
     else

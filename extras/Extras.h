@@ -1,6 +1,7 @@
 // All that the program can do beyond its original windows. The program's forms and modules do not know of it.
 #pragma once
 
+#include "extras/AlertNotifications.h"
 #include "extras/Calendars.h"
 #include "extras/CommandLine.h"
 #include "extras/Documents.h"
@@ -18,11 +19,14 @@
 #include "extras/StandAside.h"
 #include "extras/StartAtLogin.h"
 #include "extras/TrayTip.h"
+#include "extras/WaitingAlerts.h"
 #include "platform/Activation.h"
 #include "platform/Autostart.h"
+#include "platform/DesktopNotifications.h"
 #include "platform/GlobalKeys.h"
 #include "platform/MediaControls.h"
 #include "platform/Presence.h"
+#include "platform/Quiet.h"
 #include "platform/StateStore.h"
 #include "platform/WindowPlaces.h"
 
@@ -48,6 +52,8 @@ struct ExtrasHost {
     Pronunciations::SaveText SaveText;
     SoundHost Sounds;
     Presence& User;
+    DesktopNotifications& Notifications;
+    Quiet& LeftAlone;
 };
 
 class Extras
@@ -95,6 +101,9 @@ private:
     ReminderEntry entry_;
     Calendars calendars_;
     MissedReminders missed_;
+    ExtrasMenu alertsMenu_;
+    AlertNotifications notifications_;
+    WaitingAlerts waitingAlerts_;
     Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
     bool startsQuietly_ = false;
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up

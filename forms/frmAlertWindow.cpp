@@ -136,7 +136,7 @@ void frmAlertWindow::DisplayMessage(const std::string& SMessage, std::int16_t bF
 {
     Load();
     my_.FormId = bFormId;
-    my_.IsPreview = bPreview;
+    my_.NoAnswer = bPreview;
 
     std::string text = SMessage;
     my_.NoAutoClose = DisplaySeconds < 1;
@@ -299,10 +299,16 @@ void frmAlertWindow::SetCloseActivate(bool vNewValue)
         Leave();
 }
 
+void frmAlertWindow::Withdraw()
+{
+    my_.NoAnswer = true;
+    Leave();
+}
+
 void frmAlertWindow::Form_Unload()
 {
     TakeSlot(false);
-    if (!my_.IsPreview)
+    if (!my_.NoAnswer)
         program_.Scheduler.FinishReminder(my_.FormId, false, 0);
 }
 

@@ -33,6 +33,7 @@ public:
                         bool bFade, bool bAutoFit, bool bSquare, std::int32_t iBackColor, bool bTubeFill) override;
     void SetCloseActivate(bool vNewValue) override;
     bool CloseActivate() const override { return false; }
+    void Withdraw() override;
 
 protected:
     void Form_Load() override;
@@ -49,7 +50,7 @@ private:
     /// The state of one announcement; loading the window resets it.
     struct State {
         std::int16_t FormId = 0;
-        bool IsPreview = false;
+        bool NoAnswer = false;           ///< closing it does not mark its reminder: a preview, or answered already
         std::int32_t StepValue = 0;      ///< sliding: twips a tick; fading: transparency in percent
         std::int32_t CloseTicks = 0;     ///< ticks left before the window starts to leave
         std::int32_t WorkAreaBottom = 0; ///< twips

@@ -59,7 +59,8 @@ std::string ReminderScheduler::SpokenTime(const DateTime& time) const
 // Shows an alert window; false when that reminder's is on the screen already.
 bool ReminderScheduler::ShowAlert(const NoticeText& text)
 {
-    AlertWindow& window = WindowOf(RemAlertWindows, text.Id, [this] { return program_.Main->NewAlertWindow(); });
+    AlertWindow& window = WindowOf(RemAlertWindows, text.Id,
+                                   [this] { return MakeAlert ? MakeAlert() : program_.Main->NewAlertWindow(); });
     if (window.Visible())
         return false;
     const std::string lines[] = {text.Heading,           "Rem. Id: " + std::to_string(text.Id),
@@ -149,6 +150,42 @@ void ReminderScheduler::SpeakSnooze(const DateTime& next, std::int16_t minutes)
                              "Announce");
 }
 
+// What a pending reminder's minute is by `now`; a done one is never due.
+ReminderScheduler::Due ReminderScheduler::DueAt(std::int32_t number, const DateTime& now) const
+{
+    const auto at = static_cast<std::size_t>(number);
+    if (list_.RemDone[at] != "N")
+        return Due::Later;
+    const std::tuple<int, int, int, int, int> schedule{list_.RemYears[at], list_.RemMonths[at], list_.RemDays[at],
+                                                       list_.RemHours[at], list_.RemMinutes[at]};
+    const std::tuple<int, int, int, int, int> minute{now.year, now.month, now.day, now.hour, now.minute};
+    if (schedule > minute)
+        return Due::Later;
+    return schedule < minute ? Due::Missed : Due::Now;
+}
+
+// Whether the window is up that would announce a reminder.
+bool ReminderScheduler::IsShown(std::int32_t number) const
+{
+    const auto at = static_cast<std::size_t>(number);
+    const auto isUp = [at](const auto& windows) {
+        return at < windows.size() && windows[at] && windows[at]->Visible();
+    };
+    return program_.Settings.ReminderType == RemindInNotice ? isUp(RemNoticeWindows) : isUp(RemAlertWindows);
+}
+
+bool ReminderScheduler::AnyToAnnounce() const
+{
+    if (program_.Messages.IsBusy != False)
+        return false;
+    const DateTime now = program_.Host.Time.Now();
+    for (std::int32_t number = 1; number <= list_.RemCount; ++number) {
+        if (DueAt(number, now) != Due::Later && !IsShown(number))
+            return true;
+    }
+    return false;
+}
+
 void ReminderScheduler::RemTimer_Timer()
 {
     if (list_.RemCount == 0 || program_.Messages.IsBusy != False)
@@ -156,15 +193,10 @@ void ReminderScheduler::RemTimer_Timer()
     DateTime now = program_.Host.Time.Now();
     // Events run while the character is made to speak, and may change the list.
     for (std::int32_t number = 1; number <= list_.RemCount; ++number) {
-        const auto at = static_cast<std::size_t>(number);
-        if (list_.RemDone[at] != "N")
+        const Due due = DueAt(number, now);
+        if (due == Due::Later)
             continue;
-        const std::tuple<int, int, int, int, int> schedule{list_.RemYears[at], list_.RemMonths[at], list_.RemDays[at],
-                                                           list_.RemHours[at], list_.RemMinutes[at]};
-        const std::tuple<int, int, int, int, int> minute{now.year, now.month, now.day, now.hour, now.minute};
-        if (schedule > minute)
-            continue;
-        ShowReminder(schedule < minute, static_cast<std::int16_t>(number), list_.At(number));
+        ShowReminder(due == Due::Missed, static_cast<std::int16_t>(number), list_.At(number));
         // The user may have switched them off meanwhile.
         if (!program_.Main->ReminderTimerEnabled())
             return;
@@ -226,6 +258,8 @@ DateTime SnoozedTime(const DateTime& now, std::int16_t minutes)
 
 void ReminderScheduler::FinishReminder(std::int16_t id, bool snooze, std::int16_t minutes)
 {
+    if (Answered)
+        Answered(id);
     const std::optional<Reminder> before = ToBeAnswered(id);
     if (!before)
         return;

@@ -32,10 +32,17 @@ public:
 
     /// Called with each announcement, when its window has been shown and before it is spoken; may be empty.
     std::function<void(const NoticeText& text)> Announced;
+    /// Called with the number under which a reminder was announced when it is answered, before the answer is saved; may
+    /// be empty.
+    std::function<void(std::int16_t id)> Answered;
+    /// Makes the alert windows; where it is empty, the main window does.
+    std::function<std::unique_ptr<AlertWindow>()> MakeAlert;
 
     /// One tick of the reminder timer: announces, in the order of the list, every pending reminder whose minute has
     /// come.
     void RemTimer_Timer();
+    /// Whether the next tick would announce something: a reminder is due that is not on the screen already.
+    bool AnyToAnnounce() const;
     /// Opens and speaks one announcement.
     void ShowReminder(bool missed, std::int16_t id, const Reminder& reminder);
     /// Writes an announcement's outcome back: done, or snoozed by `minutes` (1 to 999) from now, and reloads the file.
@@ -47,6 +54,9 @@ private:
     Program& program_;
     const ReminderList& list_;
 
+    enum class Due : std::uint8_t { Later, Now, Missed };
+    Due DueAt(std::int32_t number, const DateTime& now) const;
+    bool IsShown(std::int32_t number) const;
     bool ShowAlert(const NoticeText& text);
     bool ShowNotice(const NoticeText& text);
     std::string SpokenDate(const DateTime& date) const;

@@ -27,6 +27,8 @@ public:
     virtual void SetCloseActivate(bool vNewValue) = 0;
     /// Always false.
     virtual bool CloseActivate() const = 0;
+    /// Lets the window leave from its next tick on, without an answer to its reminder, which has got one elsewhere.
+    virtual void Withdraw() = 0;
 };
 
 /// What a notice window shows.

@@ -20,13 +20,14 @@ desktop_packages=(
   xvfb openbox x11-utils x11-xserver-utils xdotool pulseaudio pulseaudio-utils procps
   dbus-x11 at-spi2-core python3 python3-numpy python3-pil python3-pyatspi gir1.2-atspi-2.0 python3-gi trayer picom
 )
-# Only the tests need other window managers and Wayland compositors, another program's clipboard, keys of a media player and
-# documents made by other programs (with the division of English words), and look at how the code is written and at what
-# is installed.
+# Only the tests need other window managers and Wayland compositors, another program's clipboard, keys of a media player,
+# the settings of two desktops, documents made by other programs (with the division of English words), and look at how
+# the code is written and at what is installed.
 test_packages=(
   libgtest-dev libgmock-dev clang-format clang-tidy xclip xterm playerctl xfwm4 marco mate-settings-daemon-common
   kwin-x11 mutter weston sway swaybg xwayland qt6-wayland util-linux iproute2
   pandoc groff hyphen-en-us desktop-file-utils appstream shared-mime-info libglib2.0-bin
+  xfconf gsettings-desktop-schemas dconf-gsettings-backend
 )
 # What ./package needs besides: the tools that make a Debian package and look at it.
 package_packages=(

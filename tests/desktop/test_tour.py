@@ -225,12 +225,17 @@ class Menus(MainTour):
         self.choose("Extras", "Document", "Forget Where Documents Were Left")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
         for name in ("Read the Selection of Any Program", "Read the Clipboard from Any Program", "Open It with Each Document",
-                     "Say Links and Codes in Short"):
+                     "Say Links and Codes in Short", "Wait during Full Screen and Do Not Disturb"):
             path = next(leaf for leaf in leaves if leaf[0] == "Extras" and leaf[-1].startswith(name))
             for checked in (True, False):
                 self.choose(*path)
                 item = self.menu_item(path)
                 desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what=f"the check mark of {name}")
+        # There is no notification server, which the item tells while it is on.
+        for checked, name in ((True, "Desktop Notification with Each"), (False, "Desktop Notification with Each (none on this desktop)")):
+            self.choose("Extras", "Alerts", name)
+            item = self.menu_item(("Extras", "Alerts", name))
+            desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what="the check mark of notifications")  # pylint: disable=cell-var-from-loop
         for checked in (False, True):
             self.choose("Extras", "Character Stands Aside")
             item = self.menu_item(("Extras", "Character Stands Aside"))

@@ -10,7 +10,9 @@ import numpy
 import desk as desktop
 import program
 from compositors import Session, installed
-from program import BUILD, CALM, ProgramCase
+from program import BUILD, CALM
+from test_alerts import AlertCase
+from test_reminders import QUIET
 
 SCREEN = (1200, 900)
 BALLOON = (255, 248, 236)  # Nalu's balloon and body, in the colours of its file
@@ -27,7 +29,7 @@ def the_session(compositor):
     return program._desk  # pylint: disable=protected-access
 
 
-class Sessions(ProgramCase):
+class Sessions(AlertCase):
     defaults = {**CALM, "LastCharacter": "Nalu", "EnableSoundEffects": 0}
     compositor = ""
 
@@ -99,6 +101,25 @@ class Sessions(ProgramCase):
         self.drag_body(body)
         self.speak()
         self.assert_balloon_over_body()
+
+    def test_natively_an_alert_is_a_notification_and_where_there_is_none_a_window(self):
+        self.desk.install_defaults(**{**self.defaults, **QUIET})
+        self.serve()
+        self.due("Tea", "Bank")
+        self.start_and_settle(QT_QPA_PLATFORM="wayland")
+        tea, bank = (self.told() for _ in range(2))
+        self.assertEqual([tea["title"], bank["title"], tea["time"]], ["Tea", "Bank", 0])
+        self.do("press", tea["notify"], "done")
+        desktop.wait_for(lambda: self.done() == ["Y", "N"], what="the mark in the file")
+        self.assertEqual(self.alert_windows(), [])
+        self.server.terminate()
+        desktop.wait_for(lambda: len(self.alert_windows()) == 1, what="the other alert's window")
+        self.assertIn("Title: Bank", self.alert_windows()[0])
+        self.assertEqual(self.done(), ["Y", "N"])
+
+    def alert_windows(self):
+        """What the program's alert windows say."""
+        return sorted({text for text in self.desk.texts() if text.startswith("(CLICK TO CLOSE)")})
 
     def clicks_beside_the_body_go_beneath(self):
         """Another program's window that comes later is beneath the character, and gets the clicks beside its drawing."""

@@ -32,6 +32,7 @@ public:
         log_.push_back(std::string("CloseActivate ") + (vNewValue ? "True" : "False"));
     }
     bool CloseActivate() const override { return false; }
+    void Withdraw() override { log_.push_back("Withdraw"); }
 
 private:
     Log& log_;

@@ -7,7 +7,9 @@
 #include "tests/fakes/FakeDocuments.h"
 #include "tests/fakes/FakeGlobalKeys.h"
 #include "tests/fakes/FakeMediaControls.h"
+#include "tests/fakes/FakeNotifications.h"
 #include "tests/fakes/FakePresence.h"
+#include "tests/fakes/FakeQuiet.h"
 #include "tests/fakes/FakeSounds.h"
 #include "tests/fakes/FakeState.h"
 #include "tests/fakes/FakeWindowPlaces.h"
@@ -41,6 +43,8 @@ protected:
     bool savesText = true; ///< whether the extras can write text files
     fakes::FakeSounds sounds{fake.log};
     fakes::FakePresence presence;
+    fakes::FakeNotifications notifications{fake.log};
+    fakes::FakeQuiet quiet;
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -59,7 +63,7 @@ protected:
                            fake.files.texts[path] = text;
                        return savesText;
                    },
-                   sounds.Host(), presence}};
+                   sounds.Host(), presence, notifications, quiet}};
 
     ExtrasTest()
     {

@@ -21,11 +21,28 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
             items.push_back(item->Caption.get() + (item->Shortcut.empty() ? "" : " " + item->Shortcut));
         return items;
     };
-    EXPECT_EQ(itemsOf("mnuExtras"),
-              (Lines{"&Speak the Text Ctrl+Enter", "S&top Everything Esc", "&Pieces of Text", "&Document", "-",
-                     "Sa&ve as Sound... Ctrl+S", "-", "Pron&unciation...", "Say Lin&ks and Codes in Short", "-",
-                     "&Character Stands Aside", "-", "Start at &Log-in", "&Greet Me at Log-in", "-",
-                     "Save as Cal&endar File...", "Missed Re&minders...", "-", "&Help on Extras"}));
+    EXPECT_EQ(itemsOf("mnuExtras"), (Lines{"&Speak the Text Ctrl+Enter",
+                                           "S&top Everything Esc",
+                                           "&Pieces of Text",
+                                           "&Document",
+                                           "-",
+                                           "Sa&ve as Sound... Ctrl+S",
+                                           "-",
+                                           "Pron&unciation...",
+                                           "Say Lin&ks and Codes in Short",
+                                           "-",
+                                           "&Character Stands Aside",
+                                           "-",
+                                           "Start at &Log-in",
+                                           "&Greet Me at Log-in",
+                                           "-",
+                                           "Save as Cal&endar File...",
+                                           "Missed Re&minders...",
+                                           "&Alerts",
+                                           "-",
+                                           "&Help on Extras"}));
+    EXPECT_EQ(itemsOf("mnuAlerts"),
+              (Lines{"Desktop &Notification with Each", "&Wait during Full Screen and Do Not Disturb"}));
     EXPECT_EQ(itemsOf("mnuPieces"), (Lines{"R&ead the Selection Ctrl+R", "Read fro&m the Cursor Ctrl+Shift+R",
                                            "Read the Selection of &Any Program (Ctrl+Alt+S)",
                                            "Read the Clipboard from An&y Program (Ctrl+Alt+C)"}));
@@ -129,7 +146,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     frmMain next(program);
     Extras more(program, next,
                 {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host(),
-                 presence});
+                 presence, notifications, quiet});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

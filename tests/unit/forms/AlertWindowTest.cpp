@@ -568,6 +568,23 @@ TEST_F(AlertWindowTest, TheReminderItHasShownIsMarkedWhenItGoes)
     EXPECT_EQ(RemTitles[2], "Bank");
 }
 
+TEST_F(AlertWindowTest, WithdrawnItGoesWithoutMarkingItsReminder)
+{
+    Remind({"Call", "Bank"});
+    form.DisplayMessage("Bank", 2, false, 0, true, true, true, Yellow, false);
+    Tick(50 + 10);
+    EXPECT_FALSE(form.Timer1.Enabled);
+    form.Withdraw();
+    EXPECT_TRUE(form.Timer1.Enabled);
+    EXPECT_EQ(TicksUntilGone(form), 52);
+    EXPECT_EQ(Marks(), "NN");
+    EXPECT_EQ(AlertSlotMask, 0);
+    // The next announcement is marked as ever.
+    form.DisplayMessage("Call", 1, false, 1, true, true, true, Yellow, false);
+    TicksUntilGone(form);
+    EXPECT_EQ(Marks(), "YN");
+}
+
 TEST_F(AlertWindowTest, AReminderThatIsNoLongerThereIsNotMarked)
 {
     Remind({"Call"});

@@ -105,6 +105,35 @@ TEST_F(SchedulerTest, SeveralThatAreDueAreAnnouncedInTheirOrderInOneTick)
     EXPECT_EQ(window.alerts.size(), 3u);
 }
 
+TEST_F(SchedulerTest, WhatIsOnTheScreenNeedsNoAnnouncement)
+{
+    Load({Due("A", "14", "05"), Due("later", "14", "06"), Due("B", "14", "04")});
+    EXPECT_TRUE(program.Scheduler.AnyToAnnounce());
+    IsBusy = True;
+    EXPECT_FALSE(program.Scheduler.AnyToAnnounce());
+    IsBusy = False;
+    Tick();
+    EXPECT_FALSE(program.Scheduler.AnyToAnnounce());
+    window.alerts.at(1)->visible = false;
+    EXPECT_TRUE(program.Scheduler.AnyToAnnounce());
+    window.alerts.at(1)->visible = true;
+    At(14, 6);
+    EXPECT_TRUE(program.Scheduler.AnyToAnnounce());
+    Tick();
+    EXPECT_FALSE(program.Scheduler.AnyToAnnounce());
+}
+
+TEST_F(SchedulerTest, AnAnswerIsToldOfByTheNumberThatWasAnnounced)
+{
+    std::vector<std::int16_t> answered;
+    program.Scheduler.Answered = [&](std::int16_t id) { answered.push_back(id); };
+    Load({Due("A", "14", "05"), Due("B", "14", "05")});
+    Tick();
+    FinishReminder(2, false, 0);
+    FinishReminder(1, true, 10);
+    EXPECT_EQ(answered, (std::vector<std::int16_t>{2, 1}));
+}
+
 TEST_F(SchedulerTest, OnlyAFlagOfExactlyNIsPending)
 {
     ReminderFields done = Due("Done", "14", "05");
