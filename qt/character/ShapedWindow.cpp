@@ -121,10 +121,17 @@ void ShapedWindow::Display(bool visible)
 
 void ShapedWindow::Place(QPoint topLeft)
 {
-    move(topLeft);
+    auto* stage = StageWindow::Instance();
+    move(stage ? topLeft - stage->Origin() : topLeft);
     ComeOrGo();
-    if (auto* stage = StageWindow::Instance())
+    if (stage)
         stage->Settle();
+}
+
+QPoint ShapedWindow::Standing() const
+{
+    const auto* stage = StageWindow::Instance();
+    return stage ? pos() + stage->Origin() : pos();
 }
 
 bool ShapedWindow::InTheWay() const
@@ -285,7 +292,8 @@ void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
     told.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
                  (modifiers & Qt::AltModifier ? 4 : 0);
     const QPoint at = event.position().toPoint();
-    const QPoint screen = isWindow() ? event.globalPosition().toPoint() : pos() + at;
+    const auto* stage = StageWindow::Instance();
+    const QPoint screen = stage ? stage->PointedAt(pos() + at) : event.globalPosition().toPoint();
     told.at = {at.x(), at.y()};
     told.screen = {screen.x(), screen.y()};
     // Copied, because the owner may release the window inside the call.
@@ -301,7 +309,8 @@ void ShapedWindow::mousePressEvent(QMouseEvent* event)
 }
 void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!isWindow()) {
+    const auto* stage = StageWindow::Instance();
+    if (stage && !stage->Placed()) {
         DragStage(*event);
         return;
     }
