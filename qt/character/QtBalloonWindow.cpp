@@ -110,7 +110,7 @@ void QtBalloonWindow::Show(const agent::BalloonView& view)
     const QRect all = Extent(view);
     if (all.size() != window_->size())
         window_->setFixedSize(all.size());
-    if (all.topLeft() != window_->Standing())
+    if (all.topLeft() != window_->pos())
         window_->Place(all.topLeft());
     window_->Refresh();
     window_->Display(true);

@@ -55,8 +55,6 @@ void QtCharacterWindow::MoveTo(Point topLeft)
 {
     place_ = topLeft;
     Await(EchoTime);
-    if (auto* stage = StageWindow::Instance())
-        stage->StandAround({topLeft.x, topLeft.y});
     window_->Place({topLeft.x, topLeft.y});
 }
 
@@ -70,7 +68,7 @@ void QtCharacterWindow::ComparePlace()
     const bool forTheScreens = std::exchange(screensChanged_, false);
     if (!window_->isVisible())
         return;
-    const Point place{window_->Standing().x(), window_->Standing().y()};
+    const Point place{window_->x(), window_->y()};
     // Where a device-independent pixel is not a whole number of the screen's, the reported position is rounded.
     if (std::abs(place.x - place_.x) <= 1 && std::abs(place.y - place_.y) <= 1)
         return;

@@ -204,7 +204,7 @@ void QtStage::PopupMenu(const std::vector<agent::MenuEntry>& entries, Point at,
     if (auto* stage = StageWindow::Instance()) {
         menu->winId();
         menu->windowHandle()->setTransientParent(stage->windowHandle());
-        menu->popup(stage->mapToGlobal(QPoint(at.x, at.y) - stage->Origin()));
+        menu->popup(stage->mapToGlobal(QPoint(at.x, at.y)));
         return;
     }
     menu->popup(QPoint(at.x, at.y));

@@ -121,17 +121,10 @@ void ShapedWindow::Display(bool visible)
 
 void ShapedWindow::Place(QPoint topLeft)
 {
-    auto* stage = StageWindow::Instance();
-    move(stage ? topLeft - stage->Origin() : topLeft);
+    move(topLeft);
     ComeOrGo();
-    if (stage)
+    if (auto* stage = StageWindow::Instance())
         stage->Settle();
-}
-
-QPoint ShapedWindow::Standing() const
-{
-    const auto* stage = StageWindow::Instance();
-    return stage ? pos() + stage->Origin() : pos();
 }
 
 bool ShapedWindow::InTheWay() const
@@ -292,8 +285,7 @@ void ShapedWindow::Tell(agent::MouseAction action, const QMouseEvent& event)
     told.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
                  (modifiers & Qt::AltModifier ? 4 : 0);
     const QPoint at = event.position().toPoint();
-    const auto* stage = StageWindow::Instance();
-    const QPoint screen = stage ? stage->PointedAt(pos() + at) : event.globalPosition().toPoint();
+    const QPoint screen = isWindow() ? event.globalPosition().toPoint() : pos() + at;
     told.at = {at.x(), at.y()};
     told.screen = {screen.x(), screen.y()};
     // Copied, because the owner may release the window inside the call.
@@ -310,7 +302,7 @@ void ShapedWindow::mousePressEvent(QMouseEvent* event)
 void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
 {
     const auto* stage = StageWindow::Instance();
-    if (stage && !stage->Placed()) {
+    if (stage && !stage->CoversScreen()) {
         DragStage(*event);
         return;
     }

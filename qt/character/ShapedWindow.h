@@ -54,10 +54,8 @@ public:
     /// Shows or hides the window without activating it. While another program's full-screen window fills the screen it
     /// stays hidden, and it appears when that window has gone.
     void Display(bool visible);
-    /// Moves the upper left corner to a point of the screen, or of a StageWindow's Area.
+    /// Moves the upper left corner to a point of the screen.
     void Place(QPoint topLeft);
-    /// Where the upper left corner is.
-    QPoint Standing() const;
     /// Draws the content again and updates the window's shape. Does nothing before the window is first shown.
     void Refresh();
     /// The part of the window that takes the mouse, in device-independent pixels, where it stands in a StageWindow.

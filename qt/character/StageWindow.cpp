@@ -1,7 +1,7 @@
 #include "qt/character/StageWindow.h"
 
 #include "qt/character/ShapedWindow.h"
-#include "qt/system/DesktopWatch.h"
+#include "qt/system/LayerSurface.h"
 #include "qt/widgets/FontScale.h"
 
 #include <QCloseEvent>
@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 namespace voxmate::qt
 {
@@ -26,11 +25,6 @@ constexpr QSize BalloonRoom(420, 150);
 constexpr QSize Margins(80, 16);
 /// After a compositor has dismissed the window, because its screen has gone, it is shown again so much later.
 constexpr std::chrono::seconds Absence(1);
-
-QSize RoomForBalloon()
-{
-    return BalloonRoom * std::max(1.0, FontScale());
-}
 
 } // namespace
 
@@ -51,83 +45,30 @@ StageWindow::StageWindow()
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::NoFocus);
     winId();
-    layer_ = PutInLayer(*windowHandle());
-    if (layer_)
-        connect(&DesktopWatch::Instance(), &DesktopWatch::ScreensChanged, this, [this] { MoveSoon(); });
+    inLayer_ = PutInLayer(*windowHandle());
+    if (inLayer_ && screen())
+        resize(screen()->size()); // until the compositor tells how much the panels leave
     MakeRoom({});
-}
-
-QRect StageWindow::Area() const
-{
-    return layer_ && screen() ? QRect(QPoint(), screen()->size()) : rect();
 }
 
 void StageWindow::MakeRoom(QSize character)
 {
-    const QSize room = RoomForBalloon();
-    const QSize wanted = layer_ ? character + 2 * room
-                                : QSize(std::max(room.width(), character.width() + Margins.width()),
-                                        room.height() + character.height() + Margins.height());
+    if (inLayer_)
+        return;
+    const QSize room = BalloonRoom * std::max(1.0, FontScale());
+    const QSize wanted(std::max(room.width(), character.width() + Margins.width()),
+                       room.height() + character.height() + Margins.height());
     if (wanted == size())
         return;
     // A window of a fixed size is not tiled by the compositors that tile.
     setFixedSize(wanted);
-    if (layer_) {
-        MoveSoon();
-        return;
-    }
+}
+
+void StageWindow::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
     QMetaObject::invokeMethod(
         this, [this] { Q_EMIT Resized(); }, Qt::QueuedConnection);
-}
-
-void StageWindow::StandAround(QPoint character)
-{
-    if (!layer_)
-        return;
-    const QSize room = RoomForBalloon();
-    wanted_ = character - QPoint(room.width(), room.height());
-    if (!isVisible()) {
-        GoTo(wanted_);
-        answered_ = origin_;
-    } else if (wanted_ != origin_) {
-        MoveSoon();
-    }
-}
-
-/// The balloon, which follows the character, is drawn at its new place in the same instant.
-void StageWindow::MoveSoon()
-{
-    if (moving_)
-        return;
-    moving_ = true;
-    QMetaObject::invokeMethod(
-        this, [this] { Move(); }, Qt::QueuedConnection);
-}
-
-/// One move at a time: what is wanted meanwhile is drawn in the window's present place, where there is room for it.
-void StageWindow::Move()
-{
-    GoTo(wanted_);
-    repaint(0, 0, 1, 1);
-    layer_->WhenPlaced([this] {
-        moving_ = false;
-        answered_ = origin_;
-        if (wanted_ != origin_)
-            MoveSoon();
-    });
-}
-
-/// What stands in the window stays where it is on the screen.
-void StageWindow::GoTo(QPoint origin)
-{
-    const QPoint before = std::exchange(origin_, origin);
-    for (QObject* child : children()) {
-        if (auto* shown = dynamic_cast<ShapedWindow*>(child))
-            shown->move(shown->pos() + before - origin);
-    }
-    const QRect area = Area();
-    layer_->Place(area.width() - origin.x() - width(), area.height() - origin.y() - height());
-    Settle();
 }
 
 void StageWindow::Settle()
@@ -158,7 +99,7 @@ void StageWindow::Drag()
 void StageWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();
-    if (!layer_ || !event->spontaneous())
+    if (!inLayer_ || !event->spontaneous())
         return;
     dismissed_ = true;
     hide();

@@ -4,12 +4,11 @@
 #include <LayerShellQt/Window>
 
 #include <QGuiApplication>
-#include <QMargins>
 
 #include <wayland-client.h>
 
+#include <cstdint>
 #include <cstring>
-#include <utility>
 
 namespace voxmate::qt
 {
@@ -50,65 +49,20 @@ bool HasLayers(wl_display* display)
     return found;
 }
 
-class LayerShellSurface : public LayerSurface
-{
-public:
-    LayerShellSurface(QWindow& window, wl_display* display)
-        : layer_(LayerShellQt::Window::get(&window)), display_(display)
-    {
-        using Shell = LayerShellQt::Window;
-        layer_->setLayer(Shell::LayerTop);
-        layer_->setAnchors(Shell::Anchors(Shell::AnchorRight) | Shell::AnchorBottom);
-        layer_->setKeyboardInteractivity(Shell::KeyboardInteractivityNone);
-        layer_->setScope(QStringLiteral("voxmate-character"));
-    }
-    LayerShellSurface(const LayerShellSurface&) = delete;
-    LayerShellSurface& operator=(const LayerShellSurface&) = delete;
-    ~LayerShellSurface() override { Forget(); }
-
-    void Place(int fromRight, int fromBottom) override { layer_->setMargins({0, 0, fromRight, fromBottom}); }
-
-    void WhenPlaced(std::function<void()> done) override
-    {
-        static constexpr wl_callback_listener Listener{OnDone};
-        Forget();
-        done_ = std::move(done);
-        // Requests are carried out in their order.
-        asked_ = wl_display_sync(display_);
-        wl_callback_add_listener(asked_, &Listener, this);
-        wl_display_flush(display_);
-    }
-
-private:
-    static void OnDone(void* self, wl_callback* /*asked*/, std::uint32_t /*serial*/)
-    {
-        auto* surface = static_cast<LayerShellSurface*>(self);
-        surface->Forget();
-        if (const auto done = std::exchange(surface->done_, nullptr))
-            done();
-    }
-
-    void Forget()
-    {
-        if (asked_)
-            wl_callback_destroy(asked_);
-        asked_ = nullptr;
-    }
-
-    LayerShellQt::Window* layer_; ///< belongs to the window
-    wl_display* display_;
-    wl_callback* asked_ = nullptr;
-    std::function<void()> done_;
-};
-
 } // namespace
 
-std::unique_ptr<LayerSurface> PutInLayer(QWindow& window)
+bool PutInLayer(QWindow& window)
 {
     wl_display* display = Display();
     if (!display || !HasLayers(display))
-        return nullptr;
-    return std::make_unique<LayerShellSurface>(window, display);
+        return false;
+    using Shell = LayerShellQt::Window;
+    Shell* layer = Shell::get(&window); // belongs to the window
+    layer->setLayer(Shell::LayerTop);
+    layer->setAnchors(Shell::Anchors(Shell::AnchorTop) | Shell::AnchorBottom | Shell::AnchorLeft | Shell::AnchorRight);
+    layer->setKeyboardInteractivity(Shell::KeyboardInteractivityNone);
+    layer->setScope(QStringLiteral("voxmate-character"));
+    return true;
 }
 
 } // namespace voxmate::qt

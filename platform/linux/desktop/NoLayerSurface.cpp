@@ -4,9 +4,9 @@
 namespace voxmate::qt
 {
 
-std::unique_ptr<LayerSurface> PutInLayer(QWindow& /*window*/)
+bool PutInLayer(QWindow& /*window*/)
 {
-    return nullptr;
+    return false;
 }
 
 } // namespace voxmate::qt
