@@ -1,7 +1,9 @@
 # Sourced by ./run, ./test and ./package: installs the Debian packages that are missing, and builds a preset.
 # shellcheck shell=bash
 
-# Compiler and build tools, the libraries the program is built on, and what it needs when it runs.
+# Compiler and build tools, the libraries the program is built on, and what it needs when it runs. Those with "?" are
+# optional, and are taken where apt knows all of them: layers of the screen in Wayland sessions, from Debian 13 on (what
+# Debian 12 has by the second name is for Qt 5).
 build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-screensaver0-dev libxcb-shape0-dev
@@ -10,6 +12,7 @@ build_packages=(
   libpoppler-cpp-dev libzip-dev libxml2-dev libicu-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
   libical-dev
   librsvg2-bin
+  liblayershellqtinterface6? liblayershellqtinterface-dev? libwayland-dev?
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui
@@ -36,11 +39,28 @@ package_packages=(
 
 say() { printf '== %s\n' "$*"; }
 
-install_packages() {
-  local missing=() name
+# The names of packages without their "?"; the optional ones only if apt knows all of them.
+known_packages() {
+  local optional=() name
   for name in "$@"; do
-    [ "$(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null)" = installed ] || missing+=("$name")
+    if [[ $name == *\? ]]; then optional+=("${name%\?}"); else echo "$name"; fi
   done
+  for name in "${optional[@]}"; do
+    apt-cache show --no-all-versions "$name" >/dev/null 2>&1 || return 0
+  done
+  ((!${#optional[@]})) || printf '%s\n' "${optional[@]}"
+}
+
+missing_packages() {
+  local name
+  known_packages "$@" | while read -r name; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null)" = installed ] || echo "$name"
+  done
+}
+
+install_packages() {
+  local missing known
+  mapfile -t missing < <(missing_packages "$@")
   if [ ${#missing[@]} -eq 0 ]; then
     say "All packages are installed"
     return
@@ -55,6 +75,10 @@ install_packages() {
     as_root=(sudo)
   fi
   "${as_root[@]}" apt-get update -q
+  # Before its first update apt knows no package.
+  known=${#missing[@]}
+  mapfile -t missing < <(missing_packages "$@")
+  [ ${#missing[@]} -eq "$known" ] || say "Of these packages apt now knows ${missing[*]}"
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 

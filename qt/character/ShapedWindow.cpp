@@ -301,7 +301,8 @@ void ShapedWindow::mousePressEvent(QMouseEvent* event)
 }
 void ShapedWindow::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!isWindow()) {
+    const auto* stage = StageWindow::Instance();
+    if (stage && !stage->CoversScreen()) {
         DragStage(*event);
         return;
     }

@@ -1,13 +1,17 @@
 #include "qt/character/StageWindow.h"
 
 #include "qt/character/ShapedWindow.h"
+#include "qt/system/LayerSurface.h"
 #include "qt/widgets/FontScale.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QScreen>
+#include <QTimer>
 #include <QWindow>
 
 #include <algorithm>
+#include <chrono>
 
 namespace voxmate::qt
 {
@@ -19,6 +23,8 @@ namespace
 constexpr QSize BalloonRoom(420, 150);
 /// The room beside and below the character in which the server places it.
 constexpr QSize Margins(80, 16);
+/// After a compositor has dismissed the window, because its screen has gone, it is shown again so much later.
+constexpr std::chrono::seconds Absence(1);
 
 } // namespace
 
@@ -38,11 +44,17 @@ StageWindow::StageWindow()
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::NoFocus);
+    winId();
+    inLayer_ = PutInLayer(*windowHandle());
+    if (inLayer_ && screen())
+        resize(screen()->size()); // until the compositor tells how much the panels leave
     MakeRoom({});
 }
 
 void StageWindow::MakeRoom(QSize character)
 {
+    if (inLayer_)
+        return;
     const QSize room = BalloonRoom * std::max(1.0, FontScale());
     const QSize wanted(std::max(room.width(), character.width() + Margins.width()),
                        room.height() + character.height() + Margins.height());
@@ -50,6 +62,11 @@ void StageWindow::MakeRoom(QSize character)
         return;
     // A window of a fixed size is not tiled by the compositors that tile.
     setFixedSize(wanted);
+}
+
+void StageWindow::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
     QMetaObject::invokeMethod(
         this, [this] { Q_EMIT Resized(); }, Qt::QueuedConnection);
 }
@@ -65,13 +82,11 @@ void StageWindow::Settle()
         any = true;
         taking += shown->TakesMouse().translated(shown->pos());
     }
-    if (any && windowHandle() == nullptr)
-        winId();
     // A mask would also cut off the drawing's soft edges if it were the widget's. An empty one means the whole window.
-    if (windowHandle())
-        windowHandle()->setMask(taking.isEmpty() ? QRegion(-1, -1, 1, 1) : taking);
-    if (any != isVisible())
-        setVisible(any);
+    windowHandle()->setMask(taking.isEmpty() ? QRegion(-1, -1, 1, 1) : taking);
+    const bool visible = any && !dismissed_;
+    if (visible != isVisible())
+        setVisible(visible);
 }
 
 void StageWindow::Drag()
@@ -80,10 +95,18 @@ void StageWindow::Drag()
         windowHandle()->startSystemMove();
 }
 
-// Only the program hides the character.
+// Only the program hides the character. A compositor closes what stands in a layer of a screen that goes.
 void StageWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();
+    if (!inLayer_ || !event->spontaneous())
+        return;
+    dismissed_ = true;
+    hide();
+    QTimer::singleShot(Absence, this, [this] {
+        dismissed_ = false;
+        Settle();
+    });
 }
 
 } // namespace voxmate::qt

@@ -424,9 +424,16 @@ std::optional<Wording::Replacement> Wording::FindAt(const Line& line, std::size_
         longest = rule.written.size();
         return false;
     };
-    if (const auto rules = byFirst_.find(line.capitals[at]); rules != byFirst_.end() && line.capitals[at] != Asterisk)
-        std::all_of(rules->second.begin(), rules->second.end(), takes);
-    std::all_of(line.anyBeginning.begin(), line.anyBeginning.end(), [&](const Compiled* rule) { return takes(*rule); });
+    if (const auto rules = byFirst_.find(line.capitals[at]); rules != byFirst_.end() && line.capitals[at] != Asterisk) {
+        for (const Compiled& rule : rules->second) {
+            if (!takes(rule))
+                break;
+        }
+    }
+    for (const Compiled* rule : line.anyBeginning) {
+        if (!takes(*rule))
+            break;
+    }
     if (!found && shortens_)
         return ShortAt(line.text, at);
     return found;

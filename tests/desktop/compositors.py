@@ -57,7 +57,8 @@ class Session(desktop.Desk):
         config = os.path.join(self.runtime, "config")
         with open(config, "w", encoding="utf-8") as file:
             file.write(f"output * bg #3b6e8f solid_color\noutput * resolution {self.screen[0]}x{self.screen[1]}\n"
-                       f"xwayland {'enable' if self.xwayland else 'disable'}\n"
+                       # Not "enable": that X server would end with its last program, and the next one keep root out.
+                       f"xwayland {'force' if self.xwayland else 'disable'}\n"
                        # Its X server would let in only the user it runs as.
                        f"exec {'xhost +si:localuser:root && ' if self.xwayland else ''}{tell}\n")
         user = []

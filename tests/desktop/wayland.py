@@ -94,7 +94,7 @@ class Sessions(AlertCase):
         self.speak()
         self.assert_balloon_over_body()
 
-    def test_natively_the_balloon_points_at_the_character_and_the_compositor_moves_both(self):
+    def test_natively_the_balloon_points_at_the_character_and_both_are_dragged(self):
         self.start_and_settle(QT_QPA_PLATFORM="wayland")
         self.assertEqual([name for name in self.connections() if "X11-unix" in name], [])
         body = desktop.wait_for(lambda: self.seen(BODY), what="the character")
