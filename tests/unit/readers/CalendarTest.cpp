@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -139,6 +141,32 @@ TEST(CalendarTest, WhatIsNoCalendarIsRefused)
 {
     EXPECT_THROW(Entries("Dear Ann,\r\n\r\ntea at nine?\r\n"), Refused);
     EXPECT_THROW(Entries(std::string(LargestCalendar + 1, 'x')), Refused);
+}
+
+TEST(CalendarTest, ARuleByTheHourGoesOnInItsOwnSteps)
+{
+    const auto next = [](const std::string& rule) {
+        const std::string told = Told("DTSTART:20200229T090700\r\nRRULE:" + rule + "\r\n");
+        return told.substr(0, std::min<std::size_t>(told.size(), 16));
+    };
+    EXPECT_EQ(next("FREQ=HOURLY;INTERVAL=5"), "2026-11-23 08:07");
+    EXPECT_EQ(next("FREQ=HOURLY;BYHOUR=9,17"), "2026-11-23 09:07");
+    EXPECT_EQ(next("FREQ=MINUTELY;INTERVAL=7"), "2026-11-23 08:01");
+    EXPECT_EQ(next("FREQ=SECONDLY;INTERVAL=90"), "2026-11-23 08:01");
+    EXPECT_EQ(next("FREQ=HOURLY;INTERVAL=5;UNTIL=20200301T090700"), "2020-02-29 09:07");
+    EXPECT_EQ(next("FREQ=YEARLY"), "2028-02-29 09:07");
+}
+
+TEST(CalendarTest, ADateThatNeverComesIsNotLookedForForEver)
+{
+    for (const char* const frequency : {"SECONDLY", "MINUTELY", "HOURLY", "DAILY"})
+        for (const char* const start : {"00010101T090000", "20200101T090000"})
+            for (const char* const count : {"", ";COUNT=3"}) {
+                const std::clock_t begin = std::clock();
+                Told("DTSTART:" + std::string(start) + "\r\nRRULE:FREQ=" + frequency + ";BYMONTH=2;BYMONTHDAY=30" +
+                     count + "\r\n");
+                EXPECT_LT(std::clock() - begin, 2 * CLOCKS_PER_SEC) << frequency << start << count;
+            }
 }
 
 } // namespace
