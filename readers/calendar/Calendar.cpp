@@ -87,9 +87,26 @@ DateTime Local(const icaltimetype& time)
     return {time.year, time.month, time.day, time.hour, time.minute, 0};
 }
 
+// Whether there is such a day, in a year of four digits. Not all that libical takes for a date is one.
+bool IsReal(int year, int month, int day)
+{
+    constexpr int firstYear = 100; // of the date type
+    constexpr int lastYear = 9999;
+    return year >= firstYear && year <= lastYear && month >= 1 && month <= 12 && day >= 1 &&
+           std::chrono::year_month_day(std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+                                       std::chrono::day(static_cast<unsigned>(day)))
+               .ok();
+}
+
+bool IsReal(const DateTime& at)
+{
+    return IsReal(at.year, at.month, at.day);
+}
+
 bool IsGiven(const icaltimetype& time)
 {
-    return icaltime_is_null_time(time) == 0 && icaltime_is_valid_time(time) != 0;
+    return icaltime_is_null_time(time) == 0 && icaltime_is_valid_time(time) != 0 &&
+           IsReal(time.year, time.month, time.day);
 }
 
 bool SameMoment(const icaltimetype& one, const icaltimetype& other)
@@ -287,7 +304,7 @@ private:
             const bool passed =
                 date.is_date != 0 ? std::tuple(at.year, at.month, at.day) < std::tuple(now_.year, now_.month, now_.day)
                                   : Fields(at) < Fields(now_);
-            if (passed || !IsTaken(component, times.start, date))
+            if (passed || !IsReal(at) || !IsTaken(component, times.start, date))
                 return false;
             if (!next || Fields(at) < Fields(Local(*next)))
                 next = date;
@@ -320,11 +337,13 @@ private:
         const icaltimetype& own = isTask && IsGiven(times.end) ? times.end : times.start;
         DateTime at = Local(own);
         at.second = 0;
+        if (!IsReal(at))
+            return;
         std::optional<DateTime> alarm;
         for (icalcomponent* one = icalcomponent_get_first_component(component, ICAL_VALARM_COMPONENT); one;
              one = icalcomponent_get_next_component(component, ICAL_VALARM_COMPONENT))
             if (const std::optional<DateTime> when = AlarmOf(one, times, own);
-                when && (!alarm || Fields(*alarm) < Fields(*when)))
+                when && IsReal(*when) && (!alarm || Fields(*alarm) < Fields(*when)))
                 alarm = when;
         const bool wholeDay = own.is_date != 0;
         if (wholeDay)
