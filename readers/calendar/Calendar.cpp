@@ -59,10 +59,17 @@ bool IsWide(std::string_view bytes)
     return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
 }
 
+// libical takes a byte from behind a backslash, which may be the first of a letter's.
+std::string Whole(const char* text)
+{
+    std::string whole = text ? text : "";
+    return IsValidUtf8(whole) ? whole : EncodeUtf8(DecodeUtf8(whole));
+}
+
 // What a text says without what no line has.
 std::string OneLine(const char* text)
 {
-    std::string line = text ? text : "";
+    std::string line = Whole(text);
     std::ranges::replace_if(
         line, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
     return line;
@@ -70,7 +77,7 @@ std::string OneLine(const char* text)
 
 std::string Lines(const char* text)
 {
-    std::string lines = text ? text : "";
+    std::string lines = Whole(text);
     std::erase_if(lines, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t'; });
     return lines;
 }

@@ -1,5 +1,6 @@
 #include "readers/calendar/Calendar.h"
 
+#include "base/Text.h"
 #include "readers/CalendarEntry.h"
 #include "readers/Kind.h"
 #include "readers/Refusal.h"
@@ -155,6 +156,15 @@ TEST(CalendarTest, ARuleByTheHourGoesOnInItsOwnSteps)
     EXPECT_EQ(next("FREQ=SECONDLY;INTERVAL=90"), "2026-11-23 08:01");
     EXPECT_EQ(next("FREQ=HOURLY;INTERVAL=5;UNTIL=20200301T090700"), "2020-02-29 09:07");
     EXPECT_EQ(next("FREQ=YEARLY"), "2028-02-29 09:07");
+}
+
+TEST(CalendarTest, ABackslashBeforeALetterOfSeveralBytesLeavesText)
+{
+    for (const std::string field : {"SUMMARY", "DESCRIPTION"}) {
+        const Block block = ToBlock(Entries(Whole("BEGIN:VEVENT\r\n" + field + ":Gr\\\xC3\xBCn\r\nEND:VEVENT\r\n")).at(0));
+        EXPECT_TRUE(IsValidUtf8(block.text)) << block.text;
+        EXPECT_NE(block.text.find("Gr"), std::string::npos);
+    }
 }
 
 TEST(CalendarTest, WhatIsNoDateIsLeftOut)
