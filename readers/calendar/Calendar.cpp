@@ -149,7 +149,9 @@ icaltimetype SearchFrom(const icalrecurrencetype& rule, const icaltimetype& star
     const auto seconds = [](int year, int month, int date, int hour, int minute) {
         const std::chrono::year_month_day day{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
                                               std::chrono::day(static_cast<unsigned>(date))};
-        return std::int64_t{std::chrono::sys_days(day).time_since_epoch().count()} * 86'400 + hour * 3600 + minute * 60;
+        return std::int64_t{std::chrono::seconds(std::chrono::sys_days(day).time_since_epoch() +
+                                                 std::chrono::hours(hour) + std::chrono::minutes(minute))
+                                .count()};
     };
     const std::int64_t passed = seconds(now.year, now.month, now.day, now.hour, now.minute) - aDayAndMore -
                                 seconds(start.year, start.month, start.day, start.hour, start.minute);
@@ -162,7 +164,7 @@ icaltimetype SearchFrom(const icalrecurrencetype& rule, const icaltimetype& star
 Iterator DatesOf(icalrecurrencetype rule, const icaltimetype& start, const DateTime& now)
 {
     const icaltimetype from = SearchFrom(rule, start, now);
-    constexpr std::int64_t longest = 400 * 365 * std::int64_t{86'400};
+    constexpr std::int64_t longest = std::int64_t{400} * 365 * 86'400;
     if (const std::int64_t search = LongestSearch(rule); search < longest) {
         icaltimetype end = Later(from, search);
         end.is_date = 0;

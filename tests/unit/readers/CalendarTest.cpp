@@ -161,7 +161,8 @@ TEST(CalendarTest, ARuleByTheHourGoesOnInItsOwnSteps)
 TEST(CalendarTest, ABackslashBeforeALetterOfSeveralBytesLeavesText)
 {
     for (const std::string field : {"SUMMARY", "DESCRIPTION"}) {
-        const Block block = ToBlock(Entries(Whole("BEGIN:VEVENT\r\n" + field + ":Gr\\\xC3\xBCn\r\nEND:VEVENT\r\n")).at(0));
+        const Block block =
+            ToBlock(Entries(Whole("BEGIN:VEVENT\r\n" + field + ":Gr\\\xC3\xBCn\r\nEND:VEVENT\r\n")).at(0));
         EXPECT_TRUE(IsValidUtf8(block.text)) << block.text;
         EXPECT_NE(block.text.find("Gr"), std::string::npos);
     }
