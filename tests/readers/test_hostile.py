@@ -6,7 +6,6 @@ nothing is left behind, memory and time are limited, and one sentence names the 
 import http.server
 import os
 import re
-import resource
 import shutil
 import stat
 import subprocess
@@ -92,17 +91,25 @@ class HostileCase(unittest.TestCase):
         return path
 
     def run_reader(self, path, before=(), where=None):
-        """What was read, the sentence about what is wrong, and what it took. Nothing may be left behind."""
-        usage = resource.getrusage(resource.RUSAGE_CHILDREN)
-        done = subprocess.run([*before, compare.READ, path], capture_output=True, timeout=150, check=False,
-                              env={**os.environ, **self.places}, cwd=where or self.folder)
-        after = resource.getrusage(resource.RUSAGE_CHILDREN)
-        self.seconds = after.ru_utime + after.ru_stime - usage.ru_utime - usage.ru_stime
+        """What was read, and the sentence about what is wrong; `seconds` and `memory` tell what it took. Nothing may be
+        left behind."""
+        with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as trouble:
+            # pylint: disable-next=consider-using-with
+            reader = subprocess.Popen(["timeout", "150", *before, compare.READ, path], stdout=out, stderr=trouble,
+                                      env={**os.environ, **self.places}, cwd=where or self.folder)
+            # Of all the processes there were.
+            _, status, usage = os.wait4(reader.pid, 0)
+            reader.returncode = os.waitstatus_to_exitcode(status)
+            out.seek(0)
+            trouble.seek(0)
+            text, sentence = out.read().decode(), trouble.read().decode()
+        self.seconds = usage.ru_utime + usage.ru_stime
+        self.memory = usage.ru_maxrss * 1024
         left = [os.path.join(root, name) for place in self.places.values()
                 for root, folders, files in os.walk(place) for name in folders + files]
         self.assertEqual(left, [])
-        self.assertIn(done.returncode, (0, 1), done.stderr)
-        return done.stdout.decode(), done.stderr.decode()
+        self.assertIn(reader.returncode, (0, 1), sentence)
+        return text, sentence
 
 
 class _Watched(http.server.BaseHTTPRequestHandler):
@@ -280,17 +287,15 @@ class EndlessPrintTest(HostileCase):
             with self.subTest(name):
                 path = self.write(name, content)
                 text, trouble = self.run_reader(path)
-                # The largest of all readers until now.
-                memory = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024
                 print("%s: %d kB, %d lines, %.1f s, %d MB, %s" % (
-                    name, len(content) // 1024, text.count("\n"), self.seconds, memory // MEGABYTE, trouble.strip()),
+                    name, len(content) // 1024, text.count("\n"), self.seconds, self.memory // MEGABYTE, trouble.strip()),
                     flush=True)
                 if trouble:
                     self.assertRegex(trouble, '^"%s" cannot be read( to its end)?: [a-z ]+\\.\n$' % re.escape(name))
                 else:
                     self.assertIn("Words", text)
                 self.assertLess(self.seconds, MOST_SECONDS / 2)
-                self.assertLess(memory, MOST_MEMORY + len(content))
+                self.assertLess(self.memory, MOST_MEMORY + len(content))
 
 
 if __name__ == "__main__":
