@@ -8,7 +8,6 @@
 #include "readers/calendar/Calendar.h"
 
 #include <string>
-#include <string_view>
 
 using namespace voxmate;
 using voxmate::fuzz::Require;
@@ -16,12 +15,6 @@ using voxmate::fuzz::Require;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    // Dates that never come are looked for 100,000 steps long, which takes a quarter of a second for each rule.
-    std::size_t rules = 0;
-    for (std::size_t at = bytes.find(':'); at != std::string::npos; at = bytes.find(':', at + 1))
-        rules += EqualNoCase(std::string_view(bytes).substr(at + 1, 5), "FREQ=") ? 1 : 0;
-    if (rules > 2)
-        return 0;
     const DateTime now{2026, 11, 23, 8, 0, 0};
     std::size_t entries = 0;
     const auto check = [&](readers::Block&& block) {
@@ -35,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(block.label.empty() == !entry.At, "an entry's moment is a real one");
         Require(ToBlock(entry) == block, "an entry is what its block tells");
     };
-    const fuzz::InTime inTime("a calendar is read");
+    // Not in a time of its own: libical looks for a date that never comes for up to a second for each rule. The unit
+    // tests and the fuzzer's own limit watch that it ends.
     try {
         readers::ReadCalendar(bytes, now, check);
     } catch (const readers::Refused& refused) {
