@@ -28,7 +28,7 @@ desktop_packages=(
 # the code is written and at what is installed.
 test_packages=(
   libgtest-dev libgmock-dev clang-format clang-tidy xclip xterm playerctl xfwm4 marco mate-settings-daemon-common
-  kwin-x11 mutter weston sway swaybg xwayland qt6-wayland util-linux iproute2
+  kwin-x11 mutter weston sway swaybg xwayland qt6-wayland util-linux iproute2 strace
   pandoc groff hyphen-en-us desktop-file-utils appstream shared-mime-info libglib2.0-bin
   xfconf gsettings-desktop-schemas dconf-gsettings-backend
 )

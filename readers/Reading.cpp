@@ -71,8 +71,9 @@ std::optional<Block> Reading::Take()
             End(*refusal);
             return std::nullopt;
         } else {
-            begun_ = true;
-            return std::get<Block>(std::move(*frame));
+            Block block = std::get<Block>(std::move(*frame));
+            begun_ = begun_ || !block.text.empty(); // a page's number is none of the text
+            return block;
         }
     }
     if (frames_.Wrong())

@@ -9,6 +9,9 @@
 #include <libical/ical.h>
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -23,7 +26,7 @@ namespace
 {
 
 constexpr int HourOfADay = 9;
-// A date a day for 270 years.
+// The dates, or steps to the next, that are looked at: of a rule by the day 270 years, of one by the second a day.
 constexpr int MostRepeats = 100'000;
 
 using Calendar = std::unique_ptr<icalcomponent, decltype(&icalcomponent_free)>;
@@ -56,10 +59,17 @@ bool IsWide(std::string_view bytes)
     return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
 }
 
+// libical takes a byte from behind a backslash, which may be the first of a letter's.
+std::string Whole(const char* text)
+{
+    std::string whole = text ? text : "";
+    return IsValidUtf8(whole) ? whole : EncodeUtf8(DecodeUtf8(whole));
+}
+
 // What a text says without what no line has.
 std::string OneLine(const char* text)
 {
-    std::string line = text ? text : "";
+    std::string line = Whole(text);
     std::ranges::replace_if(
         line, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
     return line;
@@ -67,7 +77,7 @@ std::string OneLine(const char* text)
 
 std::string Lines(const char* text)
 {
-    std::string lines = text ? text : "";
+    std::string lines = Whole(text);
     std::erase_if(lines, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t'; });
     return lines;
 }
@@ -84,15 +94,84 @@ DateTime Local(const icaltimetype& time)
     return {time.year, time.month, time.day, time.hour, time.minute, 0};
 }
 
+// Whether there is such a day, in a year of four digits. Not all that libical takes for a date is one.
+bool IsReal(int year, int month, int day)
+{
+    constexpr int firstYear = 100; // of the date type
+    constexpr int lastYear = 9999;
+    return year >= firstYear && year <= lastYear && month >= 1 && month <= 12 && day >= 1 &&
+           std::chrono::year_month_day(std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+                                       std::chrono::day(static_cast<unsigned>(day)))
+               .ok();
+}
+
+bool IsReal(const DateTime& at)
+{
+    return IsReal(at.year, at.month, at.day);
+}
+
 bool IsGiven(const icaltimetype& time)
 {
-    return icaltime_is_null_time(time) == 0 && icaltime_is_valid_time(time) != 0;
+    return icaltime_is_null_time(time) == 0 && icaltime_is_valid_time(time) != 0 &&
+           IsReal(time.year, time.month, time.day);
 }
 
 bool SameMoment(const icaltimetype& one, const icaltimetype& other)
 {
     return IsFloating(one) == IsFloating(other) ? Fields(Local(one)) == Fields(Local(other))
                                                 : icaltime_compare(one, other) == 0;
+}
+
+// The most seconds that a rule's dates may be looked for in. libical itself would look for a date that never comes
+// until the year 2582, which takes hours where a rule goes by the second.
+std::int64_t LongestSearch(const icalrecurrencetype& rule)
+{
+    constexpr std::int64_t day = 86'400;
+    constexpr std::array<std::int64_t, 7> steps{1, 60, 3600, day, 7 * day, 28 * day, 365 * day};
+    return rule.freq < ICAL_NO_RECURRENCE ? steps.at(rule.freq) * std::max<std::int64_t>(rule.interval, 1) * MostRepeats
+                                          : 0;
+}
+
+icaltimetype Later(icaltimetype time, std::int64_t seconds)
+{
+    constexpr std::int64_t day = 86'400;
+    icaltime_adjust(&time, static_cast<int>(seconds / day), 0, 0, static_cast<int>(seconds % day));
+    return time;
+}
+
+// Where the dates of a rule from `now` on are looked for: at its start, unless that would be many steps before.
+icaltimetype SearchFrom(const icalrecurrencetype& rule, const icaltimetype& start, const DateTime& now)
+{
+    if (rule.freq >= ICAL_DAILY_RECURRENCE || rule.count > 0 || start.is_date != 0)
+        return start;
+    // No zone is farther from another.
+    constexpr std::int64_t aDayAndMore = 26 * std::int64_t{3600};
+    const auto seconds = [](int year, int month, int date, int hour, int minute) {
+        const std::chrono::year_month_day day{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+                                              std::chrono::day(static_cast<unsigned>(date))};
+        return std::int64_t{std::chrono::seconds(std::chrono::sys_days(day).time_since_epoch() +
+                                                 std::chrono::hours(hour) + std::chrono::minutes(minute))
+                                .count()};
+    };
+    const std::int64_t passed = seconds(now.year, now.month, now.day, now.hour, now.minute) - aDayAndMore -
+                                seconds(start.year, start.month, start.day, start.hour, start.minute);
+    // Only whole steps: the rule goes on from the same minute or second.
+    const std::int64_t step = LongestSearch(rule) / MostRepeats;
+    return passed > step ? Later(start, passed / step * step) : start;
+}
+
+// The dates of a rule; null when it is none.
+Iterator DatesOf(icalrecurrencetype rule, const icaltimetype& start, const DateTime& now)
+{
+    const icaltimetype from = SearchFrom(rule, start, now);
+    constexpr std::int64_t longest = std::int64_t{400} * 365 * 86'400;
+    if (const std::int64_t search = LongestSearch(rule); search < longest) {
+        icaltimetype end = Later(from, search);
+        end.is_date = 0;
+        if (icaltime_is_null_time(rule.until) != 0 || icaltime_compare(end, rule.until) < 0)
+            rule.until = end;
+    }
+    return {icalrecur_iterator_new(rule, from), icalrecur_iterator_free};
 }
 
 // A component's beginning and end, and when it is due.
@@ -234,7 +313,7 @@ private:
             const bool passed =
                 date.is_date != 0 ? std::tuple(at.year, at.month, at.day) < std::tuple(now_.year, now_.month, now_.day)
                                   : Fields(at) < Fields(now_);
-            if (passed || !IsTaken(component, times.start, date))
+            if (passed || !IsReal(at) || !IsTaken(component, times.start, date))
                 return false;
             if (!next || Fields(at) < Fields(Local(*next)))
                 next = date;
@@ -242,8 +321,7 @@ private:
         };
         for (icalproperty* const one : Properties(component, ICAL_RRULE_PROPERTY)) {
             times.repeats = true;
-            const Iterator dates(icalrecur_iterator_new(icalproperty_get_rrule(one), times.start),
-                                 icalrecur_iterator_free);
+            const Iterator dates = DatesOf(icalproperty_get_rrule(one), times.start, now_);
             for (int i = 0; dates && i < MostRepeats; ++i) {
                 const icaltimetype date = icalrecur_iterator_next(dates.get());
                 if (icaltime_is_null_time(date) != 0 || consider(date))
@@ -268,11 +346,13 @@ private:
         const icaltimetype& own = isTask && IsGiven(times.end) ? times.end : times.start;
         DateTime at = Local(own);
         at.second = 0;
+        if (!IsReal(at))
+            return;
         std::optional<DateTime> alarm;
         for (icalcomponent* one = icalcomponent_get_first_component(component, ICAL_VALARM_COMPONENT); one;
              one = icalcomponent_get_next_component(component, ICAL_VALARM_COMPONENT))
             if (const std::optional<DateTime> when = AlarmOf(one, times, own);
-                when && (!alarm || Fields(*alarm) < Fields(*when)))
+                when && IsReal(*when) && (!alarm || Fields(*alarm) < Fields(*when)))
                 alarm = when;
         const bool wholeDay = own.is_date != 0;
         if (wholeDay)

@@ -96,26 +96,8 @@ std::vector<double> PossibleGutters(const std::vector<PdfLine>& lines)
     return gutters;
 }
 
-} // namespace
-
-std::vector<PdfLine> ColumnLinesOf(const PdfPage& page)
-{
-    std::vector<PdfLine> lines = LinesOf(page);
-    if (lines.size() > MostLines)
-        return lines;
-    std::vector<double> possible = PossibleGutters(lines);
-    if (possible.empty())
-        return lines;
-    const std::vector<double> gutters = Gutters(LinesOf(page, possible));
-    // Within a list or a table no prose is parted.
-    std::erase_if(possible, [&](double one) {
-        return std::none_of(gutters.begin(), gutters.end(),
-                            [&](double gutter) { return std::abs(gutter - one) < Margin; });
-    });
-    return possible.empty() ? lines : LinesOf(page, possible);
-}
-
-std::vector<double> Gutters(const std::vector<PdfLine>& lines)
+// Columns that a page's own lines show.
+std::vector<double> OwnGutters(const std::vector<PdfLine>& lines)
 {
     std::vector<double> lefts;
     lefts.reserve(lines.size());
@@ -145,6 +127,84 @@ std::vector<double> Gutters(const std::vector<PdfLine>& lines)
     return gutters;
 }
 
+// Whether lines from `left` on fill a column up to a gutter and others begin behind it, as prose does that goes on from
+// the page before.
+bool FillColumn(const std::vector<PdfLine>& lines, double left, double gutter)
+{
+    constexpr double filled = 0.8;
+    Side column;
+    Side next;
+    std::size_t full = 0;
+    std::size_t across = 0;
+    for (const PdfLine& line : lines) {
+        if (line.left >= gutter && line.left < gutter + 2 * Margin) {
+            next.Add(line);
+        } else if (std::abs(line.left - left) < Margin && line.right <= gutter) {
+            column.Add(line);
+            full += line.Width() >= filled * (gutter - left) ? 1 : 0;
+        } else if (line.left < gutter && line.right > gutter) {
+            ++across;
+        }
+    }
+    const bool beside = std::min(column.bottom, next.bottom) > std::max(column.top, next.top);
+    return beside && full * 3 >= column.lines.size() * 2 && across * 4 < column.lines.size() + next.lines.size();
+}
+
+} // namespace
+
+std::vector<PdfLine> ColumnLinesOf(const PdfPage& page)
+{
+    std::vector<PdfLine> lines = LinesOf(page);
+    if (lines.size() > MostLines)
+        return lines;
+    std::vector<double> possible = PossibleGutters(lines);
+    if (possible.empty())
+        return lines;
+    const std::vector<double> gutters = Gutters(LinesOf(page, possible), {});
+    // Within a list or a table no prose is parted.
+    std::erase_if(possible, [&](double one) {
+        return std::none_of(gutters.begin(), gutters.end(),
+                            [&](double gutter) { return std::abs(gutter - one) < Margin; });
+    });
+    return possible.empty() ? lines : LinesOf(page, possible);
+}
+
+std::vector<double> Gutters(const std::vector<PdfLine>& lines, const PdfColumns& before)
+{
+    std::vector<double> own = OwnGutters(lines);
+    if (!own.empty())
+        return own;
+    double left = before.left;
+    for (const double gutter : before.gutters) {
+        if (!FillColumn(lines, left, gutter))
+            return {};
+        left = gutter + Margin;
+    }
+    return before.gutters;
+}
+
+PdfColumns ColumnsOf(const std::vector<PdfLine>& lines, const PdfColumns& before)
+{
+    PdfColumns columns{before.left, Gutters(lines, before)};
+    if (columns.gutters.empty() || columns.gutters == before.gutters)
+        return columns;
+    std::vector<double> lefts;
+    for (const PdfLine& line : lines)
+        if (line.left < columns.gutters.front())
+            lefts.push_back(line.left);
+    std::sort(lefts.begin(), lefts.end());
+    std::size_t most = 0;
+    for (std::size_t begin = 0, end = 0; begin < lefts.size(); ++begin) {
+        while (end < lefts.size() && lefts[end] - lefts[begin] < Margin)
+            ++end;
+        if (end - begin > most) {
+            most = end - begin;
+            columns.left = lefts[begin];
+        }
+    }
+    return columns;
+}
+
 std::size_t ColumnOf(const PdfLine& line, const std::vector<double>& gutters)
 {
     const auto first = std::lower_bound(gutters.begin(), gutters.end(), line.left) - gutters.begin();
@@ -171,9 +231,9 @@ std::vector<PdfLevel> LevelsOf(const std::vector<PdfLine>& lines)
     return levels;
 }
 
-std::vector<PdfLine> InReadingOrder(std::vector<PdfLine> lines)
+std::vector<PdfLine> InReadingOrder(std::vector<PdfLine> lines, const PdfColumns& before)
 {
-    const std::vector<double> gutters = Gutters(lines);
+    const std::vector<double> gutters = Gutters(lines, before);
     if (gutters.empty())
         return lines;
     // Each line's band, which ends at a line that reaches over several columns; its column; its place there.

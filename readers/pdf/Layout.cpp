@@ -146,8 +146,10 @@ void Layout::Compose(std::size_t at)
         Pending();
     marks_.clear();
     if (lines.size() <= MostLines)
-        lines = InReadingOrder(CutAtColumns(std::move(lines)));
+        lines = InReadingOrder(CutAtColumns(std::move(lines), columns_), columns_);
+    PdfColumns own = ColumnsOf(lines, columns_);
     Lines(TakeNotes(std::move(lines)));
+    columns_ = std::move(own);
     ++page_;
     ++next_;
     while (next_ > Ahead) {
@@ -160,7 +162,7 @@ void Layout::Compose(std::size_t at)
 std::vector<PdfLine> Layout::TakeNotes(std::vector<PdfLine> lines)
 {
     const auto isSmall = [&](const PdfLine& line) { return line.size <= body_ * NoteSize; };
-    const std::vector<double> gutters = Gutters(lines);
+    const std::vector<double> gutters = Gutters(lines, columns_);
     // The foot of the text in each column, and across all.
     std::vector<double> feet(gutters.size() + 2, 0);
     for (const PdfLine& line : lines)
@@ -220,7 +222,7 @@ void Layout::Lines(std::vector<PdfLine> lines)
     std::vector<bool> inTable(lines.size(), false);
     std::vector<std::vector<PdfRow>> tables;
     if (lines.size() <= MostLines)
-        tables = FindTables(lines);
+        tables = FindTables(lines, columns_);
     for (std::size_t t = 0; t < tables.size(); ++t) {
         std::size_t first = lines.size();
         for (const PdfRow& row : tables[t])

@@ -3,6 +3,7 @@
 
 #include "readers/Block.h"
 #include "readers/BlockWriter.h"
+#include "readers/pdf/Columns.h"
 #include "readers/pdf/PdfPage.h"
 #include "readers/pdf/RunningHeads.h"
 #include "readers/pdf/Tables.h"
@@ -57,6 +58,7 @@ private:
     const std::map<std::string, int>& headings_;
     std::deque<Page> pages_;
     std::size_t next_ = 0; ///< the page in `pages_` that is to be composed next
+    PdfColumns columns_;   ///< of the page before the one that is composed
     RunningHeads heads_;
     Vocabulary vocabulary_;
     std::map<int, std::size_t> sizes_; ///< characters by tenths of a point

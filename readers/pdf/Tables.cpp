@@ -1,7 +1,6 @@
 #include "readers/pdf/Tables.h"
 
 #include "base/Text.h"
-#include "readers/pdf/Columns.h"
 
 #include <algorithm>
 #include <cmath>
@@ -230,9 +229,9 @@ void FindIn(const std::vector<PdfLine>& lines, std::vector<std::vector<PdfRow>>&
 }
 
 // The lines of each of the page's columns, and those that reach over several.
-std::vector<std::vector<std::size_t>> PartsOf(const std::vector<PdfLine>& lines)
+std::vector<std::vector<std::size_t>> PartsOf(const std::vector<PdfLine>& lines, const PdfColumns& before)
 {
-    const std::vector<double> gutters = Gutters(lines);
+    const std::vector<double> gutters = Gutters(lines, before);
     std::vector<std::vector<std::size_t>> parts(gutters.size() + 2);
     for (std::size_t i = 0; i < lines.size(); ++i)
         parts[ColumnOf(lines[i], gutters)].push_back(i);
@@ -281,14 +280,14 @@ void Cut(std::vector<PdfLine>& level, const std::vector<double>& begins)
 
 } // namespace
 
-std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
+std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines, const PdfColumns& before)
 {
     // Each line with what it was cut into, so that the order stays.
     std::vector<std::vector<PdfLine>> cut;
     cut.reserve(lines.size());
     for (const PdfLine& line : lines)
         cut.push_back({line});
-    for (const std::vector<std::size_t>& part : PartsOf(lines)) {
+    for (const std::vector<std::size_t>& part : PartsOf(lines, before)) {
         std::vector<PdfLine> own;
         own.reserve(part.size());
         for (const std::size_t i : part)
@@ -320,17 +319,17 @@ std::vector<PdfLine> CutAtColumns(std::vector<PdfLine> lines)
     return all;
 }
 
-std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines)
+std::vector<std::vector<PdfRow>> FindTables(const std::vector<PdfLine>& lines, const PdfColumns& before)
 {
     std::vector<std::vector<PdfRow>> tables;
-    for (const std::vector<std::size_t>& part : PartsOf(lines)) {
+    for (const std::vector<std::size_t>& part : PartsOf(lines, before)) {
         std::vector<PdfLine> own;
         own.reserve(part.size());
         for (const std::size_t i : part)
             own.push_back(lines[i]);
-        const std::size_t before = tables.size();
+        const std::size_t first = tables.size();
         FindIn(own, tables);
-        for (std::size_t t = before; t < tables.size(); ++t)
+        for (std::size_t t = first; t < tables.size(); ++t)
             for (PdfRow& row : tables[t])
                 for (std::size_t& i : row.lines)
                     i = part[i];

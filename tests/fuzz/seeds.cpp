@@ -252,6 +252,67 @@ void WriteSounds(const Folder& folder)
     add("w64", Sound(SF_FORMAT_W64 | SF_FORMAT_PCM_16, 1, 8000));
 }
 
+void WriteRecordings(const Folder& folder)
+{
+    constexpr std::array<std::pair<const char*, int>, 12> kinds{{{"flac-16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+                                                                 {"flac-24", SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+                                                                 {"vorbis", SF_FORMAT_OGG | SF_FORMAT_VORBIS},
+                                                                 {"opus", SF_FORMAT_OGG | SF_FORMAT_OPUS},
+                                                                 {"mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III},
+                                                                 {"aiff-16", SF_FORMAT_AIFF | SF_FORMAT_PCM_16},
+                                                                 {"aiff-float", SF_FORMAT_AIFF | SF_FORMAT_FLOAT},
+                                                                 {"aiff-ima", SF_FORMAT_AIFF | SF_FORMAT_IMA_ADPCM},
+                                                                 {"aiff-gsm", SF_FORMAT_AIFF | SF_FORMAT_GSM610},
+                                                                 {"au-16", SF_FORMAT_AU | SF_FORMAT_PCM_16},
+                                                                 {"au-ulaw", SF_FORMAT_AU | SF_FORMAT_ULAW},
+                                                                 {"au-g721", SF_FORMAT_AU | SF_FORMAT_G721_32}}};
+    for (const auto& [name, format] : kinds)
+        for (const int channels : {1, 2})
+            if (const Bytes bytes = Sound(format, channels, 8000); !bytes.empty())
+                folder.Add(std::string(name) + "-" + std::to_string(channels), bytes);
+}
+
+void WriteCalendars(const Folder& folder)
+{
+    const auto whole = [](const std::string& entries) {
+        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + entries + "END:VCALENDAR\r\n";
+    };
+    const auto event = [&](const std::string& lines) {
+        return whole("BEGIN:VEVENT\r\nUID:a\r\nSUMMARY:Tea\r\n" + lines + "END:VEVENT\r\n");
+    };
+    const std::string start = "DTSTART:20261201T090000Z\r\n";
+    folder.Add("event", event(start + "DTEND:20261201T100000Z\r\nDESCRIPTION:Green\\, or\\nblack\r\n"));
+    folder.Add("day", event("DTSTART;VALUE=DATE:20261201\r\nSTATUS:CANCELLED\r\n"));
+    folder.Add("folded", event(start + "DESCRIPTION:One\r\n  and two\r\n\tthree\r\n"));
+    folder.Add("zone", whole("BEGIN:VTIMEZONE\r\nTZID:Far\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\n"
+                             "RRULE:FREQ=YEARLY;BYMONTH=10;BYDAY=-1SU\r\nTZOFFSETFROM:+0500\r\nTZOFFSETTO:+0400\r\n"
+                             "END:STANDARD\r\nEND:VTIMEZONE\r\nBEGIN:VEVENT\r\nDTSTART;TZID=Far:20261201T140000\r\n"
+                             "END:VEVENT\r\n"));
+    folder.Add("city", event("DTSTART;TZID=Europe/Berlin:20261201T140000\r\nRRULE:FREQ=WEEKLY;COUNT=4\r\n"));
+    constexpr std::array<const char*, 8> rules{"FREQ=DAILY;INTERVAL=2",
+                                               "FREQ=MONTHLY;BYDAY=2TU,-1FR;BYSETPOS=1",
+                                               "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=29",
+                                               "FREQ=YEARLY;BYWEEKNO=20;BYDAY=MO;WKST=SU",
+                                               "FREQ=HOURLY;BYHOUR=9,17;UNTIL=20271231T000000Z",
+                                               "FREQ=MINUTELY;BYMINUTE=7",
+                                               "FREQ=SECONDLY;BYSECOND=30",
+                                               "FREQ=YEARLY;BYYEARDAY=366,-1"};
+    for (std::size_t i = 0; i < rules.size(); ++i)
+        folder.Add("rule-" + std::to_string(i),
+                   event("DTSTART:20200229T090000Z\r\nRRULE:" + std::string(rules.at(i)) + "\r\n"));
+    folder.Add("dates", event(start + "RDATE:20261224T090000Z,20261231T090000Z\r\nEXDATE:20261201T090000Z\r\n"
+                                      "RDATE;VALUE=PERIOD:20270101T090000Z/PT1H\r\n"));
+    folder.Add("moved", whole("BEGIN:VEVENT\r\nUID:a\r\n" + start +
+                              "RRULE:FREQ=DAILY\r\nEND:VEVENT\r\nBEGIN:VEVENT\r\nUID:a\r\n"
+                              "RECURRENCE-ID:20261202T090000Z\r\nDTSTART:20261202T110000Z\r\nEND:VEVENT\r\n"));
+    folder.Add("alarms", event(start + "BEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
+                                       "BEGIN:VALARM\r\nTRIGGER;RELATED=END:P1D\r\nEND:VALARM\r\nBEGIN:VALARM\r\n"
+                                       "TRIGGER;VALUE=DATE-TIME:20261130T080000Z\r\nEND:VALARM\r\n"));
+    folder.Add("task", whole("BEGIN:VTODO\r\nSUMMARY:Pay\r\nDUE:20261205T120000\r\nSTATUS:COMPLETED\r\n"
+                             "X-VOXMATE-DONE:1\r\nEND:VTODO\r\n"));
+    folder.Add("two", event(start) + event(start));
+}
+
 void WriteReminders(const Folder& folder)
 {
     const std::string call = voxmate::Slot({"Call", "07", "03", "2004", "09", "05", "Bank", "N"});
@@ -324,5 +385,7 @@ int main(int argc, char** argv)
     WriteTexts(Folder(root / "markup"));
     WriteReminders(Folder(root / "reminders"));
     WriteSounds(Folder(root / "wave"));
+    WriteRecordings(Folder(root / "recording"));
+    WriteCalendars(Folder(root / "calendar"));
     return 0;
 }

@@ -29,9 +29,8 @@ class _Comparison(unittest.TestCase):
     def tearDownClass(cls):
         shutil.rmtree(cls.folder)
 
-    def compare(self, path, blocks=None, kinds=True, share=SHARE):
-        """Compares a file with the text. With `kinds` the kinds, levels and labels of the blocks, too. At most one word
-        in `share` may be lost, and as many invented."""
+    def compare(self, path, blocks=None, kinds=True):
+        """Compares a file with the text. With `kinds` the kinds, levels and labels of the blocks, too."""
         blocks = blocks or self.blocks
         found, trouble = compare.read(path)
         self.assertEqual(trouble, "")
@@ -46,8 +45,8 @@ class _Comparison(unittest.TestCase):
             examples += difference.examples
         print("%s: %d words, %d lost, %d invented" % (os.path.basename(path), words, lost, invented), flush=True)
         self.assertGreater(words, 300 * PAGES)
-        self.assertLessEqual(lost * share, words, examples)
-        self.assertLessEqual(invented * share, words, examples)
+        self.assertLessEqual(lost * SHARE, words, examples)
+        self.assertLessEqual(invented * SHARE, words, examples)
         if kinds:
             expected = [(block.kind, block.level, block.label) for block in blocks]
             given = [(block.kind, block.level, block.label) for block in found
@@ -128,8 +127,8 @@ class LatexTest(_Comparison):
 class _OfPages(_Comparison):
     """What is made of a web page, which has no footnotes."""
 
-    def compare_printed(self, path, share=SHARE):
-        self.compare(path, reference.without_notes(self.blocks), kinds=False, share=share)
+    def compare_printed(self, path):
+        self.compare(path, reference.without_notes(self.blocks), kinds=False)
 
 
 @unittest.skipUnless(makers.has("chromium"), "chromium is not installed")
@@ -138,8 +137,7 @@ class BrowserTest(_OfPages):
         for columns in (1, 2):
             for heads in (True, False):
                 with self.subTest((columns, heads)):
-                    # Columns with a few lines only, as at the end, are taken for a table.
-                    self.compare_printed(self.maker.browser(columns, heads), SHARE if columns == 1 else 300)
+                    self.compare_printed(self.maker.browser(columns, heads))
 
 
 @unittest.skipUnless(makers.has("weasyprint"), "weasyprint is not installed")

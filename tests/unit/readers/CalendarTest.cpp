@@ -1,12 +1,15 @@
 #include "readers/calendar/Calendar.h"
 
+#include "base/Text.h"
 #include "readers/CalendarEntry.h"
 #include "readers/Kind.h"
 #include "readers/Refusal.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -139,6 +142,49 @@ TEST(CalendarTest, WhatIsNoCalendarIsRefused)
 {
     EXPECT_THROW(Entries("Dear Ann,\r\n\r\ntea at nine?\r\n"), Refused);
     EXPECT_THROW(Entries(std::string(LargestCalendar + 1, 'x')), Refused);
+}
+
+TEST(CalendarTest, ARuleByTheHourGoesOnInItsOwnSteps)
+{
+    const auto next = [](const std::string& rule) {
+        const std::string told = Told("DTSTART:20200229T090700\r\nRRULE:" + rule + "\r\n");
+        return told.substr(0, std::min<std::size_t>(told.size(), 16));
+    };
+    EXPECT_EQ(next("FREQ=HOURLY;INTERVAL=5"), "2026-11-23 08:07");
+    EXPECT_EQ(next("FREQ=HOURLY;BYHOUR=9,17"), "2026-11-23 09:07");
+    EXPECT_EQ(next("FREQ=MINUTELY;INTERVAL=7"), "2026-11-23 08:01");
+    EXPECT_EQ(next("FREQ=SECONDLY;INTERVAL=90"), "2026-11-23 08:01");
+    EXPECT_EQ(next("FREQ=HOURLY;INTERVAL=5;UNTIL=20200301T090700"), "2020-02-29 09:07");
+    EXPECT_EQ(next("FREQ=YEARLY"), "2028-02-29 09:07");
+}
+
+TEST(CalendarTest, ABackslashBeforeALetterOfSeveralBytesLeavesText)
+{
+    for (const std::string field : {"SUMMARY", "DESCRIPTION"}) {
+        const Block block =
+            ToBlock(Entries(Whole("BEGIN:VEVENT\r\n" + field + ":Gr\\\xC3\xBCn\r\nEND:VEVENT\r\n")).at(0));
+        EXPECT_TRUE(IsValidUtf8(block.text)) << block.text;
+        EXPECT_NE(block.text.find("Gr"), std::string::npos);
+    }
+}
+
+TEST(CalendarTest, WhatIsNoDateIsLeftOut)
+{
+    EXPECT_EQ(Told("DTSTART:10125114T090000Z\r\nRRULE:FREQ=DAILY;INTERVAL=2\r\n"), " Tea");
+    EXPECT_EQ(Told("DTSTART:20261301T090000\r\n"), " Tea");
+    EXPECT_EQ(Told("DTSTART:00000101T090000\r\n"), " Tea");
+}
+
+TEST(CalendarTest, ADateThatNeverComesIsNotLookedForForEver)
+{
+    for (const char* const rule :
+         {"20200101T090000\r\nRRULE:FREQ=SECONDLY", "20200101T090000\r\nRRULE:FREQ=MINUTELY",
+          "01000101T090000\r\nRRULE:FREQ=HOURLY", "01000101T090000\r\nRRULE:COUNT=3;FREQ=HOURLY",
+          "20200101T090000\r\nRRULE:FREQ=DAILY"}) {
+        const std::clock_t begin = std::clock();
+        EXPECT_EQ(Told("DTSTART:" + std::string(rule) + ";BYMONTH=2;BYMONTHDAY=30\r\n").substr(17), "Tea");
+        EXPECT_LT(std::clock() - begin, 2 * CLOCKS_PER_SEC) << rule;
+    }
 }
 
 } // namespace

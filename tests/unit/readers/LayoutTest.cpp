@@ -180,6 +180,30 @@ TEST(LayoutTest, ColumnsWithANarrowGapBetweenThemAreReadOneAfterTheOtherToo)
     EXPECT_EQ(lines[3].substr(0, 26), "paragraph: Two begins with");
 }
 
+TEST(LayoutTest, AFewLinesBehindColumnsAreColumnsTooUnlessTheirCellsAreShort)
+{
+    const auto sheet = [](const std::string& label, const std::vector<std::string>& left,
+                          const std::vector<std::string>& right) {
+        Sheet one(label);
+        for (std::size_t i = 0; i < left.size(); ++i) {
+            one.At(50, 100 + 12 * static_cast<double>(i), left[i]);
+            if (i < right.size())
+                one.At(300, 100 + 12 * static_cast<double>(i), right[i]);
+        }
+        return one;
+    };
+    const Sheet columns = sheet("1", Prose("One"), Prose("Two"));
+    const std::vector<std::string> left{"Three begins with a line of forty letters",
+                                        "and this line has forty letters in it too"};
+    const std::vector<std::string> right{"in it and this line has forty letters too", "and ends."};
+    const test::Lines prose = Layouted({columns, sheet("2", left, right)});
+    EXPECT_EQ(prose.back(), "paragraph: " + left[0] + " " + left[1] + " " + right[0] + " " + right[1]);
+    // Nothing tells that these are columns where no page before has any.
+    EXPECT_EQ(Layouted({sheet("2", left, right)}).back(), "row: " + left[1] + " | " + right[1]);
+    const test::Lines table = Layouted({columns, sheet("2", {"Name", "Kettle"}, {"Price", "12"})});
+    EXPECT_EQ(table.back(), "row: Kettle | 12");
+}
+
 TEST(LayoutTest, RowsOfShortCellsAreATableWithMendedWords)
 {
     EXPECT_EQ(Layouted({Sheet("1")

@@ -139,6 +139,9 @@ TEST_F(ReadingTest, AReaderThatCrashesRunsOutOfTimeOrLiesLeavesASentence)
               (Lines{"paragraph: One.", "\"File.pdf\" cannot be read to its end: it is damaged."}));
     EXPECT_EQ(outcome({block}, Helper::End::OutOfTime),
               (Lines{"paragraph: One.", "\"File.pdf\" cannot be read to its end: it takes too long."}));
+    const std::string page = EncodeFrame(Block{BlockKind::Page, 0, "1", "", ""});
+    EXPECT_EQ(outcome({page, EncodeFrame(Refusal::NoText)}, Helper::End::Well),
+              (Lines{"page 1", "\"File.pdf\" cannot be read: there is no text in it."}));
     EXPECT_EQ(outcome({"nonsense that is no frame"}, Helper::End::Well),
               (Lines{"\"File.pdf\" cannot be read: it is damaged."}));
 }
