@@ -100,7 +100,9 @@ AlertNotifications::AlertNotifications(ExtrasMenu& menu, Program& program, frmMa
     });
     tmrStandIns_.Tick = [this] { Count(); };
     desktop_.Pressed = [this](int number, const std::string& button) {
-        Answer(static_cast<std::int16_t>(number), button == SnoozeButton);
+        // Some desktops tell a press beside the buttons, too, unasked.
+        if (button == DoneButton || button == SnoozeButton)
+            Answer(static_cast<std::int16_t>(number), button == SnoozeButton);
     };
     desktop_.Ended = [this](int number, DesktopNotifications::End why) {
         Ended(static_cast<std::int16_t>(number), why);
@@ -208,13 +210,16 @@ void AlertNotifications::Ended(std::int16_t id, DesktopNotifications::End why)
         alert->ShowWindow();
 }
 
-// A server that comes, or has been started anew, is told of what has come before it.
+// A server that comes, or has been started anew, is told of what has come before it. One that goes may never have shown
+// an alert that it was to stand in for.
 void AlertNotifications::ServerChanged()
 {
-    if (!Serves())
-        return;
-    for (const auto& [id, text] : waiting_)
-        Show(text);
+    for (const auto& [id, text] : waiting_) {
+        if (Serves())
+            Show(text);
+        else if (StandIn* alert = StandInOf(id); alert && alert->IsActive())
+            alert->ShowWindow();
+    }
 }
 
 void AlertNotifications::Count()

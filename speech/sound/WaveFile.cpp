@@ -15,6 +15,7 @@ namespace
 {
 
 constexpr int LongestSeconds = 600;
+constexpr std::int64_t LongestRecording = 172'800; // seconds: two days
 constexpr int MostChannels = 32;
 constexpr int BlockFrames = 4096;
 
@@ -68,7 +69,10 @@ public:
 
     const SF_INFO& Info() const { return info_; }
     int SamplesPerSecond() const override { return info_.samplerate; }
-    std::int64_t Length() const override { return info_.frames; }
+    std::int64_t Length() const override
+    {
+        return std::clamp<std::int64_t>(info_.frames, 0, info_.samplerate * LongestRecording);
+    }
 
     std::span<const std::int16_t> Next() override
     {
@@ -95,9 +99,8 @@ private:
     // The most samples that are read.
     static std::uintmax_t Most(const WaveInput& input, const SF_INFO& info)
     {
-        constexpr std::uintmax_t twoDays = 172'800; // seconds
         return input.IsWave() ? input.Size() * MostSamplesPerByte
-                              : static_cast<std::uintmax_t>(info.samplerate) * twoDays;
+                              : static_cast<std::uintmax_t>(info.samplerate * LongestRecording);
     }
 
     std::unique_ptr<WaveInput> input_;

@@ -48,7 +48,7 @@ public:
     /// such a recording.
     static std::unique_ptr<WaveReader> Open(const std::string& path);
     virtual int SamplesPerSecond() const = 0;
-    /// How many samples there are by the header, which may be wrong.
+    /// How many samples there are by the header, which may be wrong; two days' at most.
     virtual std::int64_t Length() const = 0;
     /// The next mono samples; empty at the end. Valid until the next call.
     virtual std::span<const std::int16_t> Next() = 0;

@@ -33,7 +33,7 @@ class Sway(Cases):
             self.skipTest("built without LayerShellQt for Qt 6")
         self.start_and_settle()
         corner = desktop.wait_for(lambda: self.place("Voxmate character"), what="the character's window")
-        at_x = desktop.wait_for(lambda: self.seen(BODY), what="the character with an X server")
+        at_x = self.resting_place()
         self.tearDown()
         self.start_and_settle(QT_QPA_PLATFORM="wayland")
         desktop.wait_for(lambda: self.seen(BODY) == at_x, what=f"the same place, {at_x} in {corner}, natively")
@@ -51,6 +51,17 @@ class Sway(Cases):
         self.drag_to(at_x, 300, 250)
         self.speak()
         self.assert_balloon_over_body()
+
+    def resting_place(self):
+        """Where the character is when its entrance is over: twice the same."""
+        last = [None]
+
+        def same():
+            before, last[0] = last[0], self.seen(BODY)
+            return before and before == last[0]
+
+        desktop.wait_for(same, step=0.5, what="the character standing still")
+        return last[0]
 
     def drag_to(self, body, x, y):
         """Drags the character until its middle is there: it follows the pointer exactly, however far."""

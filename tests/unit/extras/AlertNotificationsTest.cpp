@@ -127,6 +127,16 @@ TEST_F(AlertNotificationsTest, ClosingANotificationBesideAnAlertAnswersNothing)
     EXPECT_EQ(Stored(), (Lines{"14:04 N", "14:05 N", "14:06 N"}));
 }
 
+TEST_F(AlertNotificationsTest, APressThatIsNeitherDoneNorSnoozeAnswersNothing)
+{
+    SwitchOn();
+    BeginWithReminders();
+    Tick();
+    notifications.Press(1, "default");
+    EXPECT_TRUE(AlertIsUp(1));
+    EXPECT_EQ(Stored(), (Lines{"14:04 N", "14:05 N", "14:06 N"}));
+}
+
 TEST_F(AlertNotificationsTest, AServerThatComesLaterShowsWhatWaits)
 {
     SwitchOn();
@@ -192,6 +202,17 @@ TEST_F(StandInTest, WhereWindowsCannotBePlacedTheNotificationIsTheAlert)
     EXPECT_EQ(Stored(), (Lines{"14:04 Y", "14:15 N", "14:06 N"}));
     EXPECT_FALSE(AlertIsUp(1));
     EXPECT_FALSE(AlertIsUp(2));
+}
+
+TEST_F(StandInTest, AServerThatGoesBeforeItHasShownAnAlertLeavesItToAWindow)
+{
+    BeginWithReminders();
+    Tick();
+    notifications.shown.clear();
+    notifications.Become(false);
+    EXPECT_EQ(AlertWindows(), 2);
+    EXPECT_TRUE(AlertIsUp(1));
+    EXPECT_EQ(Stored(), (Lines{"14:04 N", "14:05 N", "14:06 N"}));
 }
 
 TEST_F(StandInTest, ClosingItIsTheClickThatClosesAnAlert)
