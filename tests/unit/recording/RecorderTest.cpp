@@ -107,11 +107,12 @@ protected:
             });
         return told.empty() ? News{} : told.back();
     }
-    void Document(std::vector<readers::Frame> frames)
+    void Document(const std::vector<readers::Frame>& frames)
     {
         job.document = "Book.odt";
-        frames.insert(frames.begin(), readers::Kind::Odt);
-        documents.told[job.document] = std::move(frames);
+        std::vector<readers::Frame>& told = documents.told[job.document];
+        told = {readers::Kind::Odt};
+        told.insert(told.end(), frames.begin(), frames.end());
     }
     static Block Paragraph(const std::string& text) { return {BlockKind::Paragraph, 0, "", text, ""}; }
     static Block Heading(const std::string& text, int level = 1) { return {BlockKind::Heading, level, "", text, ""}; }
