@@ -81,7 +81,7 @@ void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
                 End(known, false);
         };
         Enqueue(speaking->job, [this, utterance = std::move(utterance), begin](SpeechJob& job) {
-            WaveSpeech wave(utterance);
+            WaveSpeech wave(utterance, [&job] { return !job.Cancelled(); });
             const int rate = wave.SamplesPerSecond();
             if (rate > 0)
                 job.SetRate(rate);

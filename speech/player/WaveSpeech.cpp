@@ -1,10 +1,10 @@
 #include "speech/player/WaveSpeech.h"
 
 #include "speech/sound/Mouths.h"
-#include "speech/sound/WaveFile.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace voxmate::speech
 {
@@ -43,8 +43,8 @@ double LoudestOf(std::vector<double> levels)
 
 } // namespace
 
-WaveSpeech::WaveSpeech(const Utterance& utterance)
-    : reader_(WaveReader::Open(utterance.waveFile)), words_(utterance.shownWords)
+WaveSpeech::WaveSpeech(const Utterance& utterance, Wanted wanted)
+    : reader_(OpenRecording(utterance.waveFile, std::move(wanted))), words_(utterance.shownWords)
 {
     if (!reader_)
         return;

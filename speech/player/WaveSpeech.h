@@ -2,7 +2,7 @@
 #pragma once
 
 #include "speech/Engine.h"
-#include "speech/sound/WaveFile.h"
+#include "speech/sound/Recording.h"
 
 #include <cstdint>
 #include <memory>
@@ -21,8 +21,9 @@ public:
     /// read so far.
     static constexpr int SecondsAhead = 20;
 
-    /// Reads the first stretch.
-    explicit WaveSpeech(const Utterance& utterance);
+    /// Reads the first stretch. `wanted` is asked while the recording makes it wait.
+    explicit WaveSpeech(
+        const Utterance& utterance, Wanted wanted = [] { return true; });
 
     /// The samples' rate; 0 when the recording cannot be read or holds no samples.
     int SamplesPerSecond() const { return stretch_.empty() ? 0 : rate_; }

@@ -15,7 +15,6 @@ namespace
 {
 
 constexpr int LongestSeconds = 600;
-constexpr std::int64_t LongestRecording = 172'800; // seconds: two days
 constexpr int MostChannels = 32;
 constexpr int BlockFrames = 4096;
 
@@ -61,8 +60,8 @@ public:
     {
         SF_INFO info{};
         SoundFile file(input ? input->Open(info) : nullptr);
-        if (!file || info.channels < 1 || info.channels > MostChannels || info.samplerate < 1000 ||
-            info.samplerate > 384000)
+        if (!file || info.channels < 1 || info.channels > MostChannels || info.samplerate < LowestRate ||
+            info.samplerate > HighestRate)
             return nullptr;
         return std::make_unique<Reader>(std::move(input), std::move(file), info);
     }
@@ -139,9 +138,9 @@ std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file)
     return data;
 }
 
-std::unique_ptr<WaveReader> WaveReader::Open(const std::string& path)
+std::unique_ptr<WaveReader> WaveReader::Of(std::span<const std::uint8_t> bytes)
 {
-    return Reader::Over(WaveInput::OfFile(path));
+    return Reader::Over(WaveInput::OfRecording(bytes));
 }
 
 } // namespace voxmate::speech

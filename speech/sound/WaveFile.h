@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace voxmate::speech
@@ -32,21 +31,26 @@ std::optional<WaveFormat> DescribeWave(std::span<const std::uint8_t> file);
 /// sample, the densest music coding about half a bit.
 inline constexpr std::size_t MostSamplesPerByte = 16;
 
+/// The rates of recordings that are decoded, in samples per second.
+inline constexpr int LowestRate = 1000;
+inline constexpr int HighestRate = 384000;
+/// Two days: the most seconds of a recording that are decoded or believed.
+inline constexpr std::int64_t LongestRecording = 172'800;
+
 /// Decodes a wave file held in memory: PCM of any width, floating point or another coding libsndfile knows, with up to
 /// 32 channels, 1000 to 384000 samples per second, at most ten minutes. Nothing when it is no such file or holds no
 /// samples.
 std::optional<WaveData> DecodeWave(std::span<const std::uint8_t> file);
 
-/// Decodes a wave file as DecodeWave does, or a recording of another kind (see WaveInput::OfFile), block by block. A
-/// wave file may be of any length; of the others, which can pack much silence into few bytes, two days are read at
+/// Decodes a wave file as DecodeWave does, or a recording of another kind (see WaveInput::OfRecording), block by block.
+/// A wave file may be of any length; of the others, which can pack much silence into few bytes, two days are read at
 /// most.
 class WaveReader
 {
 public:
     virtual ~WaveReader() = default;
-    /// Null when the path is no regular file (reading a pipe, for example, could block for ever) or the file is not
-    /// such a recording.
-    static std::unique_ptr<WaveReader> Open(const std::string& path);
+    /// Null when the bytes, which must outlive the reader, are not such a recording.
+    static std::unique_ptr<WaveReader> Of(std::span<const std::uint8_t> bytes);
     virtual int SamplesPerSecond() const = 0;
     /// How many samples there are by the header, which may be wrong; two days' at most.
     virtual std::int64_t Length() const = 0;

@@ -3,10 +3,7 @@
 #include "speech/sound/SoundFileLibrary.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace voxmate::speech
@@ -35,65 +32,18 @@ std::uint32_t Number(std::span<const std::uint8_t, 4> bytes, bool highestFirst)
     return number;
 }
 
-class MemoryInput final : public WaveInput
-{
-public:
-    explicit MemoryInput(std::span<const std::uint8_t> bytes) : WaveInput(bytes.size()), bytes_(bytes) {}
-
-private:
-    std::size_t Copy(std::uint64_t at, std::span<std::uint8_t> target) override
-    {
-        const auto from = static_cast<std::size_t>(std::min<std::uint64_t>(at, bytes_.size()));
-        const std::size_t count = std::min(target.size(), bytes_.size() - from);
-        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(from), count, target.begin());
-        return count;
-    }
-
-    std::span<const std::uint8_t> bytes_;
-};
-
-class FileInput final : public WaveInput
-{
-public:
-    FileInput(std::ifstream file, std::uint64_t size) : WaveInput(size), file_(std::move(file)) {}
-
-private:
-    std::size_t Copy(std::uint64_t at, std::span<std::uint8_t> target) override
-    {
-        // Always seek: the previous read may have ended at the end of the file.
-        file_.clear();
-        file_.seekg(static_cast<std::streamoff>(at));
-        file_.read(reinterpret_cast<char*>(target.data()), static_cast<std::streamsize>(target.size()));
-        return static_cast<std::size_t>(file_.gcount());
-    }
-
-    std::ifstream file_;
-};
-
 } // namespace
 
 std::unique_ptr<WaveInput> WaveInput::OfMemory(std::span<const std::uint8_t> bytes)
 {
-    return Checked(std::make_unique<MemoryInput>(bytes));
-}
-
-std::unique_ptr<WaveInput> WaveInput::OfFile(const std::string& path)
-{
-    // Reading a pipe could block.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
-        return nullptr;
-    std::ifstream file(path, std::ios::binary);
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (!file || error)
-        return nullptr;
-    return CheckedRecording(std::make_unique<FileInput>(std::move(file), size));
+    return Checked(std::make_unique<WaveInput>(bytes));
 }
 
 // What the user opens may be a recording of the usual kinds. The readers of two dozen others that libsndfile has too,
 // which few files need, should not be exposed to files from strangers.
-std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput> input)
+std::unique_ptr<WaveInput> WaveInput::OfRecording(std::span<const std::uint8_t> bytes)
 {
+    auto input = std::make_unique<WaveInput>(bytes);
     std::array<std::uint8_t, HeadSize + 8> head{};
     const std::size_t count = input->Copy(0, head);
     const std::string_view text(reinterpret_cast<const char*>(head.data()), count);
@@ -108,6 +58,14 @@ std::unique_ptr<WaveInput> WaveInput::CheckedRecording(std::unique_ptr<WaveInput
     if (known || frame || (text.starts_with("FORM") && (form == "AIFF" || form == "AIFC")))
         return input;
     return nullptr;
+}
+
+std::size_t WaveInput::Copy(std::uint64_t at, std::span<std::uint8_t> target) const
+{
+    const auto from = static_cast<std::size_t>(std::min<std::uint64_t>(at, bytes_.size()));
+    const std::size_t count = std::min(target.size(), bytes_.size() - from);
+    std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(from), count, target.begin());
+    return count;
 }
 
 // Checked before libsndfile sees the file: a character's sounds are wave files and nothing else. Numbers are
@@ -131,14 +89,14 @@ WaveInput::Chunk WaveInput::ChunkAt(std::uint64_t at)
     if (Copy(at, head) < head.size())
         return {};
     const Chunk chunk{Number(std::span(head).first<4>(), true), Number(std::span(head).last<4>(), highestFirst_)};
-    return chunk.length <= size_ - at - ChunkHeadSize ? chunk : Chunk{};
+    return chunk.length <= Size() - at - ChunkHeadSize ? chunk : Chunk{};
 }
 
 // Whether chunks with printable names fill the file from here to its end: then these bytes are not samples.
 bool WaveInput::ChunksFollow(std::uint64_t at)
 {
     int count = 0;
-    for (; at < size_ && count < MostChunks; ++count) {
+    for (; at < Size() && count < MostChunks; ++count) {
         const Chunk chunk = ChunkAt(at);
         for (int shift = 0; shift < 32; shift += 8)
             if ((chunk.name >> shift & 0xFF) < 0x20 || (chunk.name >> shift & 0xFF) > 0x7E)
@@ -157,9 +115,9 @@ void WaveInput::MendLength()
             return;
         const std::uint64_t behind = at + ChunkHeadSize;
         if (chunk.name == Name("data")) {
-            if (chunk.length > 0 || behind == size_ || ChunksFollow(behind))
+            if (chunk.length > 0 || behind == Size() || ChunksFollow(behind))
                 return;
-            const auto length = static_cast<std::uint32_t>(std::min<std::uint64_t>(size_ - behind, 0xFFFFFFFF));
+            const auto length = static_cast<std::uint32_t>(std::min<std::uint64_t>(Size() - behind, 0xFFFFFFFF));
             for (std::size_t i = 0; i < mended_.size(); ++i)
                 mended_.at(highestFirst_ ? 3 - i : i) = static_cast<std::uint8_t>(length >> (8 * i));
             mendedAt_ = at + 4;
@@ -187,10 +145,10 @@ const SoundFileLibrary& SoundFiles()
 
 SNDFILE* WaveInput::Open(SF_INFO& info)
 {
-    SF_VIRTUAL_IO access{[](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->size_); },
+    SF_VIRTUAL_IO access{[](void* self) { return static_cast<sf_count_t>(static_cast<WaveInput*>(self)->Size()); },
                          [](sf_count_t offset, int whence, void* self) {
                              WaveInput& input = *static_cast<WaveInput*>(self);
-                             const auto size = static_cast<sf_count_t>(input.size_);
+                             const auto size = static_cast<sf_count_t>(input.Size());
                              const sf_count_t base = whence == SEEK_SET   ? 0
                                                      : whence == SEEK_CUR ? static_cast<sf_count_t>(input.at_)
                                                                           : size;

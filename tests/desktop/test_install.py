@@ -54,7 +54,7 @@ class Install(unittest.TestCase):
                     head = file.read(24)
                 self.assertEqual(head[:8], b"\x89PNG\r\n\x1a\n")
                 self.assertEqual([int.from_bytes(head[at:at + 4], "big") for at in (16, 20)], [size, size])
-        for name in ("voxmate-reader", "voxmate-recorder"):
+        for name in ("voxmate-reader", "voxmate-decoder", "voxmate-recorder"):
             self.assertTrue(os.access(self.path("libexec", "voxmate", name), os.X_OK), name)
         for program in ("voxmate", "acsbuild", "acsinfo"):
             self.assertTrue(os.access(self.path("bin", program), os.X_OK))

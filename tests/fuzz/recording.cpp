@@ -3,11 +3,9 @@
 #include "fuzz.h"
 #include "sounds.h"
 
-#include "platform/MemoryFile.h"
 #include "speech/sound/WaveFile.h"
 
 #include <span>
-#include <string_view>
 
 using namespace voxmate;
 using voxmate::fuzz::Require;
@@ -40,16 +38,14 @@ Heard Listen(speech::WaveReader& reader)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const MemoryFile file({reinterpret_cast<const char*>(data), size});
-    Require(!file.Path().empty(), "there is memory for a file");
     const fuzz::InTime inTime("a recording's beginning is decoded twice");
-    const auto reader = speech::WaveReader::Open(file.Path());
+    const auto reader = speech::WaveReader::Of({data, size});
     if (!reader)
         return 0;
     Require(reader->SamplesPerSecond() >= 1000 && reader->SamplesPerSecond() <= 384000,
             "a rate is one of 1 to 384 kHz");
     const Heard heard = Listen(*reader);
-    const auto again = speech::WaveReader::Open(file.Path());
+    const auto again = speech::WaveReader::Of({data, size});
     Require(again && Listen(*again) == heard, "a file is the same sound every time");
     fuzz::Count(heard.samples / 256);
     fuzz::CountWhatIsLogged(std::span(data, size));

@@ -3,11 +3,15 @@ nothing is left behind, memory and time are limited, and one sentence names the 
 
     /usr/bin/python3 -W ignore -m unittest discover -s tests/readers -p 'test_hostile.py'"""
 
+import array
+import ctypes
 import http.server
+import math
 import os
 import re
 import shutil
 import stat
+import struct
 import subprocess
 import tempfile
 import threading
@@ -30,6 +34,30 @@ TEXT_NAMES = ("xmlns:office='urn:oasis:names:tc:opendocument:xmlns:office:1.0' "
 WORD_NAMES = ("xmlns:w='http://schemas.openxmlformats.org/wordprocessingml/2006/main' "
               "xmlns:r='http://schemas.openxmlformats.org/officeDocument/2006/relationships'")
 RELATION = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/"
+
+
+# libsndfile's numbers for kinds of files, and for the coding in them.
+SOUND_KINDS = {"wav": 0x010002, "flac": 0x170002, "ogg": 0x200060, "mp3": 0x230082, "aiff": 0x020002, "au": 0x030002}
+RATE = 22050
+LOUDEST = 12000
+
+
+class SoundInfo(ctypes.Structure):
+    _fields_ = [("frames", ctypes.c_int64), ("rate", ctypes.c_int), ("channels", ctypes.c_int), ("kind", ctypes.c_int),
+                ("sections", ctypes.c_int), ("seekable", ctypes.c_int)]
+
+
+def write_tone(path, kind):
+    """A file with two seconds of a tone."""
+    library = ctypes.CDLL("libsndfile.so.1")
+    library.sf_open.restype = ctypes.c_void_p
+    library.sf_writef_short.restype = ctypes.c_int64
+    samples = [round(LOUDEST * math.sin(2 * math.pi * 440 * i / RATE)) for i in range(2 * RATE)]
+    info = SoundInfo(rate=RATE, channels=1, kind=kind)
+    file = ctypes.c_void_p(library.sf_open(path.encode(), 0x20, ctypes.byref(info)))
+    data = (ctypes.c_short * len(samples))(*samples)
+    assert file and library.sf_writef_short(file, data, ctypes.c_int64(len(samples))) == len(samples), path
+    library.sf_close(file)
 
 
 def pdf(objects, header=b"%PDF-1.5\n"):
@@ -217,6 +245,29 @@ class NothingIsFetchedTest(HostileCase):
                 for opened in re.findall(r'open(?:at)?\((?:AT_FDCWD, )?"([^"]*)".*= \d', kept):
                     self.assertRegex(opened, r"^/usr/(share/(poppler|zoneinfo)|lib(64)?/(\S+/)?gconv)/")
         self.assertEqual(self.server.asked, [])
+
+    def test_recordings_are_decoded_without_the_network_and_other_files(self):
+        trace = os.path.join(self.folder, "trace")
+        decoder = os.path.join(os.path.dirname(compare.READ), "voxmate-decoder")
+        for ending, kind in SOUND_KINDS.items():
+            with self.subTest(ending):
+                path = os.path.join(self.folder, "sound." + ending)
+                write_tone(path, kind)
+                with open(path, "rb") as file:
+                    decoded = subprocess.run(("strace", "-f", "-qq", "-o", trace, decoder), stdin=file,
+                                             stdout=subprocess.PIPE, check=True).stdout
+                rate, length = struct.unpack_from("=qq", decoded)
+                self.assertEqual((rate, length), (RATE, 2 * RATE))
+                samples = array.array("h", decoded[16:])
+                self.assertEqual(len(samples), length)
+                self.assertAlmostEqual(max(samples), LOUDEST, delta=LOUDEST / 10)
+                with open(trace, encoding="utf-8", errors="replace") as file:
+                    calls = file.read()
+                self.assertNotRegex(calls, r"\d+ +(socket|connect|sendto|sendmsg|bind|accept4?)\(")
+                before, begun, kept = calls.partition("seccomp(SECCOMP_SET_MODE_FILTER")
+                self.assertTrue(begun)
+                self.assertRegex(before, r"openat\(")
+                self.assertNotRegex(kept, r"open(at)?\(.* = \d")
 
 
 class RefusalTest(HostileCase):

@@ -1,10 +1,10 @@
 #include "readers/Reading.h"
 #include "Blocks.h"
+#include "tests/fakes/FakeHelper.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -19,26 +19,6 @@ using namespace std::chrono_literals;
 
 namespace
 {
-
-// A helper that writes what it was told to.
-class FakeHelper : public Helper
-{
-public:
-    std::deque<std::string> pieces; ///< an empty one: nothing for a while
-    End end = End::Well;
-
-    std::size_t Read(std::span<char> buffer, std::chrono::milliseconds /*wait*/) override
-    {
-        if (pieces.empty())
-            return 0;
-        const std::string piece = pieces.front();
-        pieces.pop_front();
-        std::copy(piece.begin(), piece.end(), buffer.begin());
-        return piece.size();
-    }
-    bool AtEnd() const override { return pieces.empty(); }
-    End Ending() override { return end; }
-};
 
 Lines All(Reading& reading)
 {
@@ -112,7 +92,7 @@ std::string PdfFile(const std::string& text)
 
 TEST_F(ReadingTest, BlocksComeAsTheyArriveAndTheKindBefore)
 {
-    auto helper = std::make_unique<FakeHelper>();
+    auto helper = std::make_unique<fakes::FakeHelper>();
     const std::string block = EncodeFrame(Block{BlockKind::Paragraph, 0, "", "One.", ""});
     helper->pieces = {EncodeFrame(Kind::Docx) + block.substr(0, 5), "", block.substr(5), EncodeFrame(Refusal::None)};
     Reading reading("x", std::move(helper));
@@ -127,7 +107,7 @@ TEST_F(ReadingTest, BlocksComeAsTheyArriveAndTheKindBefore)
 TEST_F(ReadingTest, AReaderThatCrashesRunsOutOfTimeOrLiesLeavesASentence)
 {
     const auto outcome = [](std::deque<std::string> pieces, Helper::End end) {
-        auto helper = std::make_unique<FakeHelper>();
+        auto helper = std::make_unique<fakes::FakeHelper>();
         helper->pieces = std::move(pieces);
         helper->end = end;
         Reading reading("/a/b/File.pdf", std::move(helper));

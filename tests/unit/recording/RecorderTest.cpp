@@ -6,7 +6,7 @@
 #include "recording/Names.h"
 #include "speech/player/VoicePlayer.h"
 #include "speech/sound/SoundWriter.h"
-#include "speech/sound/WaveFile.h"
+#include "speech/sound/Recording.h"
 #include "tests/fakes/FakeAudioOutput.h"
 #include "tests/fakes/FakeDocuments.h"
 
@@ -62,7 +62,7 @@ std::string VoiceOf(const std::string& name)
 Samples ReadSound(const std::string& path)
 {
     Samples all;
-    if (const auto reader = speech::WaveReader::Open(path))
+    if (const auto reader = speech::OpenRecording(path))
         for (auto samples = reader->Next(); !samples.empty(); samples = reader->Next())
             all.insert(all.end(), samples.begin(), samples.end());
     return all;
