@@ -5,8 +5,8 @@
 #include "extras/Spoken.h"
 #include "recording/Names.h"
 #include "speech/player/VoicePlayer.h"
-#include "speech/sound/SoundWriter.h"
 #include "speech/sound/Recording.h"
+#include "speech/sound/SoundWriter.h"
 #include "tests/fakes/FakeAudioOutput.h"
 #include "tests/fakes/FakeDocuments.h"
 

@@ -38,7 +38,8 @@ Samples Rest(WaveReader& reader)
     return all;
 }
 
-std::unique_ptr<WaveReader> Decoded(std::deque<std::string> pieces, Wanted wanted = [] { return true; })
+std::unique_ptr<WaveReader> Decoded(
+    std::deque<std::string> pieces, Wanted wanted = [] { return true; })
 {
     auto helper = std::make_unique<fakes::FakeHelper>();
     helper->pieces = std::move(pieces);
