@@ -15,7 +15,7 @@
 #include <numeric>
 
 #include <sndfile.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace voxmate::speech
 {
@@ -572,24 +572,6 @@ TEST_F(VoicePlayerTest, WhatAnEngineThrowsIsThrownInTheEventLoopAndEndsTheUttera
     }));
     EXPECT_EQ(thrown, 1);
     EXPECT_EQ(log, Lines{"ended badly"});
-}
-
-TEST_F(WavePlayerTest, APipeIsNoWaveFileAndHoldsNobodyUp)
-{
-    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    Utterance utterance;
-    utterance.waveFile = path;
-    player->Start(utterance, Log());
-    EXPECT_TRUE(fakes::Eventually([this] {
-        output.RunEvents();
-        return !log.empty();
-    }));
-    EXPECT_EQ(log, Lines{"ended badly"});
-    EXPECT_EQ(output.opens, 0);
-    log.clear();
-    player->Start(Say("hello"), Log());
-    EXPECT_TRUE(output.PlayAll());
-    EXPECT_EQ(log, Lines{"ended well"});
 }
 
 TEST_F(WavePlayerTest, AWaveFileThatCannotBeReadIsABadEnd)

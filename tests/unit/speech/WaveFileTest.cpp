@@ -9,7 +9,6 @@
 #include <iterator>
 
 #include <sndfile.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 // libsndfile forgets to free libvorbis' memory of a damaged file, some six kilobytes each.
@@ -258,7 +257,7 @@ TEST(WaveFileTest, AWaveFileMayHaveNoMoreSamplesThanItsBytesCanHoldButARecording
     info.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
     info.channels = 1;
     info.samplerate = 8000;
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    SNDFILE* file = sf_open(path.string().c_str(), SFM_WRITE, &info);
     ASSERT_NE(file, nullptr);
     const Samples silence(1000000);
     EXPECT_EQ(sf_write_short(file, silence.data(), std::ssize(silence)), std::ssize(silence));
@@ -267,18 +266,14 @@ TEST(WaveFileTest, AWaveFileMayHaveNoMoreSamplesThanItsBytesCanHoldButARecording
     EXPECT_EQ(ReadWaveFile(path.string()), silence);
     std::ifstream in(path, std::ios::binary);
     EXPECT_FALSE(DecodeWave(std::vector<std::uint8_t>{std::istreambuf_iterator<char>(in), {}}));
+    in.close();
     std::filesystem::remove(path);
 }
 
 TEST(WaveFileTest, RefusesWhatIsNoFile)
 {
     EXPECT_FALSE(ReadWaveFile("/"));
-    const std::filesystem::path path = TemporaryPath();
-    EXPECT_FALSE(ReadWaveFile(path.string()));
-    // A pipe nobody writes to: opening it would block for ever.
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_FALSE(ReadWaveFile(path.string()));
-    std::filesystem::remove(path);
+    EXPECT_FALSE(ReadWaveFile(TemporaryPath().string()));
 }
 
 TEST(WaveFileTest, TakesWhatIsThereOfACutOffFile)
@@ -321,13 +316,14 @@ std::vector<std::uint8_t> Recorded(const Recording& kind, const Samples& samples
 {
     const std::filesystem::path path = TemporaryPath();
     SF_INFO info{0, 48000, 1, kind.format, 0, 0};
-    SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
+    SNDFILE* const file = sf_open(path.string().c_str(), SFM_WRITE, &info);
     if (!file)
         return {};
     sf_writef_short(file, samples.data(), std::ssize(samples));
     sf_close(file);
     std::ifstream in(path, std::ios::binary);
     std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    in.close();
     std::filesystem::remove(path);
     return bytes;
 }
