@@ -29,6 +29,22 @@ std::string InAnyExtensionCase(const std::string& path)
     return found.empty() ? path : (wanted.parent_path() / found).string();
 }
 
+bool MatchesPattern(std::string_view name, std::string_view pattern)
+{
+    if (pattern.empty())
+        return name.empty();
+    if (pattern.front() == '*')
+        return MatchesPattern(name, pattern.substr(1)) || (!name.empty() && MatchesPattern(name.substr(1), pattern));
+    if (name.empty())
+        return false;
+    constexpr std::size_t range = 5; // "[0-9]"
+    if (pattern.size() >= range && pattern[0] == '[' && pattern[2] == '-' && pattern[4] == ']')
+        return name.front() >= pattern[1] && name.front() <= pattern[3] &&
+               MatchesPattern(name.substr(1), pattern.substr(range));
+    return (pattern.front() == '?' || LowerAscii(name.substr(0, 1)) == LowerAscii(pattern.substr(0, 1))) &&
+           MatchesPattern(name.substr(1), pattern.substr(1));
+}
+
 std::string_view NameOfPath(std::string_view path)
 {
     return path.substr(path.find_last_of("/\\") + 1);

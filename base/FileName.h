@@ -11,6 +11,10 @@ namespace voxmate
 /// `path` itself if that exists, else the first such file in alphabetical order. Returns `path` when there is none.
 std::string InAnyExtensionCase(const std::string& path);
 
+/// Whether a file's name matches a pattern as shells have them: "*" stands for any number of characters, "?" for one,
+/// "[0-9]" for one from the first to the last. Capital and small letters of ASCII are the same.
+bool MatchesPattern(std::string_view name, std::string_view pattern);
+
 /// A file's name without its folder.
 std::string_view NameOfPath(std::string_view path);
 

@@ -81,6 +81,20 @@ std::optional<TextEncoding> GuessUtf16(std::string_view beginning)
     return isLittle ? TextEncoding::Utf16LittleEndian : TextEncoding::Utf16BigEndian;
 }
 
+std::string DecodeUtf16(std::string_view bytes, bool littleEndian)
+{
+    const std::size_t low = littleEndian ? 0 : 1;
+    std::u16string units(bytes.size() / 2, u'\0');
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[2 * i + at]); };
+        units[i] = static_cast<char16_t>(byte(1 - low) << 8 | byte(low));
+    }
+    std::string text = Utf16ToUtf8(units);
+    if (bytes.size() % 2 == 1)
+        AppendUtf8(text, 0xFFFD);
+    return text;
+}
+
 void Utf8Census::Count(std::string_view text)
 {
     while (!text.empty()) {

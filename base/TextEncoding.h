@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace voxmate
@@ -22,6 +23,9 @@ std::optional<ByteOrderMark> FindByteOrderMark(std::string_view text);
 /// even number of bytes; some hundred are enough. A text counts as UTF-16 when it makes no sense as single bytes, has
 /// only valid characters in that byte order, and has its blanks and line ends where that byte order puts them.
 std::optional<TextEncoding> GuessUtf16(std::string_view beginning);
+
+/// Decodes UTF-16 without its mark to UTF-8. Half a character becomes U+FFFD.
+std::string DecodeUtf16(std::string_view bytes, bool littleEndian);
 
 /// Tells whether a text is UTF-8. Multi-byte characters hardly ever come about by chance. So a text with at least as
 /// many of them as stray bytes (bytes that are part of no character) counts as damaged UTF-8, as when two texts were

@@ -36,6 +36,10 @@ test_packages=(
 package_packages=(
   build-essential debhelper lintian
 )
+# What ./windows needs: the compiler for Windows, the sources of GoogleTest, and Wine, which runs what it makes.
+windows_packages=(
+  cmake ninja-build pkg-config g++-mingw-w64-x86-64-posix googletest wine wine64
+)
 
 say() { printf '== %s\n' "$*"; }
 

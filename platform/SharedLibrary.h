@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace voxmate
 {
@@ -14,6 +16,8 @@ public:
     /// Loads a library by its path, or by its file name from where the system keeps libraries. Nothing when that fails.
     /// Its symbols are not visible to other libraries.
     static std::optional<SharedLibrary> Load(const std::filesystem::path& name);
+    /// The file name of a library on this system; `version` is that of its interface, where file names tell it.
+    static std::string FileName(std::string_view name, int version);
 
     /// The address of a function; nullptr when there is none of that name.
     template <class Function>
@@ -41,7 +45,10 @@ public:
 
 protected:
     /// Loads the library of this file name from where the system keeps libraries.
-    explicit LibraryFunctions(const char* library) : library_(SharedLibrary::Load(library)), complete_(library_) {}
+    explicit LibraryFunctions(const std::filesystem::path& library)
+        : library_(SharedLibrary::Load(library)), complete_(library_)
+    {
+    }
 
     /// A function's address; nullptr when there is none of that name.
     template <class Function>

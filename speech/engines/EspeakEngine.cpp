@@ -346,6 +346,8 @@ private:
             while (voice.name.ends_with(' '))
                 voice.name.pop_back();
             voice.key = entry.identifier;
+            // On Windows the library separates folders as that does; a voice has the same identifier everywhere.
+            std::replace(voice.key.begin(), voice.key.end(), '\\', '/');
             voice.modeId = ModeIdOf("espeak", voice.key);
             const std::string firstTag = entry.languages + 1; // behind the priority byte
             if (++seen[voice.name] > 1)

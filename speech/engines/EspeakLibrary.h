@@ -10,7 +10,7 @@ namespace voxmate::speech
 {
 
 struct EspeakLibrary : LibraryFunctions {
-    EspeakLibrary() : LibraryFunctions("libespeak-ng.so.1") {}
+    EspeakLibrary() : LibraryFunctions(SharedLibrary::FileName("espeak-ng", 1)) {}
 
     decltype(&::espeak_Info) Info = Need<decltype(&::espeak_Info)>("espeak_Info");
     decltype(&::espeak_Initialize) Initialize = Need<decltype(&::espeak_Initialize)>("espeak_Initialize");

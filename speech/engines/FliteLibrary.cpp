@@ -16,16 +16,15 @@ namespace voxmate::speech
 namespace
 {
 
-constexpr const char* Core = "libflite.so.1";
-
-std::string VoiceLibrary(const std::string& key)
+// The library is in several files, all of one version.
+std::string PartOfLibrary(const std::string& name)
 {
-    return "libflite_cmu_us_" + key + ".so.1";
+    return SharedLibrary::FileName(name, 1);
 }
 
 const std::optional<SharedLibrary>& CoreLibrary()
 {
-    static const std::optional<SharedLibrary> library = SharedLibrary::Load(Core);
+    static const std::optional<SharedLibrary> library = SharedLibrary::Load(PartOfLibrary("flite"));
     return library;
 }
 
@@ -116,7 +115,7 @@ bool FliteLibrary::HasVoice(const std::string& key)
 {
     const std::filesystem::path folder = Folder();
     std::error_code error;
-    return !folder.empty() && std::filesystem::exists(folder / VoiceLibrary(key), error);
+    return !folder.empty() && std::filesystem::exists(folder / PartOfLibrary("flite_cmu_us_" + key), error);
 }
 
 bool FliteLibrary::Load()
@@ -157,8 +156,8 @@ bool FliteLibrary::LoadEnglish()
 {
     if (english_)
         return true;
-    const auto rulesLibrary = SharedLibrary::Load(Folder() / "libflite_usenglish.so.1");
-    const auto lexiconLibrary = SharedLibrary::Load(Folder() / "libflite_cmulex.so.1");
+    const auto rulesLibrary = SharedLibrary::Load(Folder() / PartOfLibrary("flite_usenglish"));
+    const auto lexiconLibrary = SharedLibrary::Load(Folder() / PartOfLibrary("flite_cmulex"));
     if (!rulesLibrary || !lexiconLibrary)
         return false;
     const auto rules = rulesLibrary->Find<void (*)(cst_voice*)>("usenglish_init");
@@ -173,7 +172,7 @@ std::optional<bool> FliteLibrary::SpeaksWell(const std::filesystem::path& file,
     constexpr TrialLimits limits{std::chrono::seconds(20), std::uint64_t{1} << 32};
     return TryInProcess(
         [&] {
-            cst_voice* const voice = voiceLoad(file.c_str());
+            cst_voice* const voice = voiceLoad(file.string().c_str());
             return voice && synthText("The old clock has stopped, has it?", voice) != nullptr;
         },
         limits, wanted);
@@ -186,7 +185,7 @@ cst_voice* FliteLibrary::LoadFile(const std::filesystem::path& file, const std::
     const std::optional<bool> speaks = SpeaksWell(file, wanted);
     if (!speaks)
         return nullptr;
-    cst_voice* const voice = *speaks ? voiceLoad(file.c_str()) : nullptr;
+    cst_voice* const voice = *speaks ? voiceLoad(file.string().c_str()) : nullptr;
     if (!voice)
         damaged_.insert(file);
     return voice;
@@ -194,7 +193,7 @@ cst_voice* FliteLibrary::LoadFile(const std::filesystem::path& file, const std::
 
 cst_voice* FliteLibrary::LoadVoice(const std::string& key) const
 {
-    const std::optional<SharedLibrary> library = SharedLibrary::Load(Folder() / VoiceLibrary(key));
+    const std::optional<SharedLibrary> library = SharedLibrary::Load(Folder() / PartOfLibrary("flite_cmu_us_" + key));
     if (!library)
         return nullptr;
     using Register = cst_voice* (*)(const char* folder);

@@ -9,7 +9,7 @@ namespace voxmate::speech
 {
 
 struct SoundFileLibrary : LibraryFunctions {
-    SoundFileLibrary() : LibraryFunctions("libsndfile.so.1") {}
+    SoundFileLibrary() : LibraryFunctions(SharedLibrary::FileName("sndfile", 1)) {}
 
     decltype(&::sf_open_virtual) Open = Need<decltype(&::sf_open_virtual)>("sf_open_virtual");
     decltype(&::sf_readf_float) Read = Need<decltype(&::sf_readf_float)>("sf_readf_float");

@@ -1,6 +1,7 @@
 // The file system's fake: files in memory.
 #pragma once
 
+#include "base/FileName.h"
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/FileSystem.h"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fnmatch.h>
 #include <functional>
 #include <map>
 #include <memory>
@@ -140,7 +140,7 @@ public:
             all.insert(text.first);
         for (const std::string& file : all) {
             const std::string name = file.substr(file.rfind('\\') + 1);
-            if (file == folder + name && ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
+            if (file == folder + name && MatchesPattern(name, pattern))
                 names.push_back(name);
         }
         return names;

@@ -41,7 +41,5 @@ private:
 /// Decodes a whole text as LinuxTextStream does for files: by its byte-order mark, without one as UTF-16 or UTF-8 where
 /// it looks like that, or otherwise with the code page. Returns UTF-8 without the mark.
 std::string DecodeText(std::string_view bytes, const CodePage& codePage = CodePage::OfUser());
-/// Decodes UTF-16 without its mark. Half a character becomes U+FFFD.
-std::string DecodeUtf16(std::string_view bytes, bool littleEndian);
 
 } // namespace voxmate::linux_platform

@@ -1,6 +1,7 @@
 #include "platform/linux/settings/RegistryFile.h"
 
 #include "base/Text.h"
+#include "base/TextEncoding.h"
 #include "platform/SettingsStore.h"
 #include "platform/linux/files/CodePage.h"
 

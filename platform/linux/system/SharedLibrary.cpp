@@ -6,6 +6,11 @@
 namespace voxmate
 {
 
+std::string SharedLibrary::FileName(std::string_view name, int version)
+{
+    return "lib" + std::string(name) + ".so." + std::to_string(version);
+}
+
 std::optional<SharedLibrary> SharedLibrary::Load(const std::filesystem::path& name)
 {
     void* const handle = dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL);

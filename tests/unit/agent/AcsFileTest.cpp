@@ -202,8 +202,9 @@ TEST(AcsFileReadingTest, ReadsImagesAndSoundsFromTheFileThatItOpenedAlsoWhenAnot
     const auto expected = ReadBack(SmallCharacter());
     const std::string path = WrittenFile("voxmate-replaced-");
     const auto file = AcsFile::Open(path, Keep::InFile);
-    std::remove(path.c_str());
-    std::ofstream(path) << "something else";
+    // Where an open file cannot be removed, none can take its place.
+    if (std::remove(path.c_str()) == 0)
+        std::ofstream(path) << "something else";
     ASSERT_GT(file->ImageCount(), 0u);
     for (std::size_t i = 0; i < file->ImageCount(); ++i)
         EXPECT_EQ(file->DecodeImage(i).pixels, expected->DecodeImage(i).pixels) << i;

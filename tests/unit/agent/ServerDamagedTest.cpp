@@ -71,6 +71,7 @@ TEST_F(DamagedPicturesTest, AFileThatIsCutShortLeavesTheCharacterInItsPictureAnd
     EXPECT_EQ(silent->Status(), RequestStatus::Complete);
     EXPECT_EQ(stage.sounds.size(), 1u);
     EXPECT_TRUE(stage.Window().visible);
+    reading.Unload("Bo");
     std::filesystem::remove(path);
 }
 

@@ -4,12 +4,12 @@
 #include "speech/player/Shaper.h"
 #include "speech/text/MarkedText.h"
 #include "tests/fakes/RecordingSink.h"
+#include "tests/unit/speech/HeapInUse.h"
 #include "tests/unit/speech/Segments.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <malloc.h>
 #include <new>
 #include <set>
 #include <stdexcept>
@@ -493,10 +493,10 @@ TEST(FliteEngineTest, WhatTheSinkThrowsLeavesNothingBehind)
         EXPECT_THROW(engine->Synthesize(engine->Voices().front(), segments, sink), std::bad_alloc);
     };
     speakAndThrow(); // loads the voice, which stays loaded
-    const std::size_t before = mallinfo2().uordblks;
+    const std::size_t before = HeapInUse();
     for (int i = 0; i < 10; ++i)
         speakAndThrow();
-    EXPECT_LT(mallinfo2().uordblks, before + 100'000);
+    EXPECT_LT(HeapInUse(), before + 100'000);
 }
 
 TEST(FliteEngineTest, HasItsFourEnglishVoices)

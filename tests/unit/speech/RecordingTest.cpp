@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <unistd.h>
 
 namespace voxmate::speech
 {
@@ -93,46 +89,6 @@ TEST(RecordingTest, OneThatIsNotWantedAnyMoreIsNotWaitedFor)
     const std::deque<std::string> never(1000);
     EXPECT_FALSE(Decoded(never, [&asked] { return ++asked < 3; }));
     EXPECT_EQ(asked, 3);
-}
-
-// A process that was ended by the system counts as the end of what it has read.
-TEST(RecordingTest, IsDecodedInAProcessOfItsOwnWithoutWhichItEnds)
-{
-    const std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("voxmate-recording-" + std::to_string(getpid()) + ".wav");
-    const std::uint32_t bytes = 4U << 20;
-    std::string file = "RIFF....WAVEfmt ";
-    const auto put = [&file](std::uint32_t value, int count) {
-        for (int i = 0; i < count; ++i)
-            file += static_cast<char>(value >> (8 * i));
-    };
-    for (const auto& [value, count] : std::initializer_list<std::pair<std::uint32_t, int>>{
-             {16, 4}, {1, 2}, {1, 2}, {22050, 4}, {44100, 4}, {2, 2}, {16, 2}})
-        put(value, count);
-    file += "data";
-    put(bytes, 4);
-    file.append(bytes, '\1');
-    std::ofstream(path, std::ios::binary) << file;
-
-    const auto reader = OpenRecording(path.string());
-    ASSERT_TRUE(reader);
-    EXPECT_EQ(reader->Length(), bytes / 2);
-    std::size_t processes = 0;
-    const std::string own = std::to_string(getpid());
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream status(entry.path() / "stat");
-        std::string line;
-        std::getline(status, line);
-        const std::size_t name = line.find("(" + std::string(DecoderProgram) + ") ");
-        // Behind the name stand the process's state and the number of the one that started it.
-        if (name == std::string::npos || line.substr(line.find(") ", name) + 4).find(own + " ") != 0)
-            continue;
-        ++processes;
-        kill(std::stoi(entry.path().filename().string()), SIGKILL);
-    }
-    EXPECT_EQ(processes, 1U);
-    EXPECT_LT(Rest(*reader).size(), std::size_t{bytes} / 2);
-    std::filesystem::remove(path);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "speech/sound/WaveFile.h"
 
-#include "speech/sound/Recording.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,7 +9,6 @@
 #include <iterator>
 
 #include <sndfile.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 // libsndfile forgets to free libvorbis' memory of a damaged file, some six kilobytes each.
@@ -55,20 +52,16 @@ std::vector<std::uint8_t> Wave(int format, int channels, int rate, int bits, con
 
 using Samples = std::vector<std::int16_t>;
 
-/// All samples; nothing when there is no reader or it has none.
-std::optional<Samples> All(const std::unique_ptr<WaveReader>& reader)
+/// All samples of a recording; nothing when it is none or has none.
+std::optional<Samples> ReadBytes(std::span<const std::uint8_t> bytes)
 {
+    const auto reader = WaveReader::Of(bytes);
     if (!reader)
         return std::nullopt;
     Samples all;
     for (auto samples = reader->Next(); !samples.empty(); samples = reader->Next())
         all.insert(all.end(), samples.begin(), samples.end());
     return all.empty() ? std::nullopt : std::optional(all);
-}
-
-std::optional<Samples> ReadWaveFile(const std::string& path)
-{
-    return All(OpenRecording(path));
 }
 
 std::filesystem::path TemporaryPath()
@@ -208,10 +201,7 @@ TEST(WaveFileTest, TakesTheSamplesBehindALengthThatWasNeverFilledIn)
             const auto wave = DecodeWave(file);
             ASSERT_TRUE(wave) << riff << " " << length;
             EXPECT_EQ(wave->samples, samples) << riff << " " << length;
-            const std::filesystem::path path = TemporaryPath();
-            std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(file.data()), std::ssize(file));
-            const auto read = ReadWaveFile(path.string());
-            std::filesystem::remove(path);
+            const auto read = ReadBytes(file);
             ASSERT_TRUE(read) << riff << " " << length;
             EXPECT_EQ(*read, samples) << riff << " " << length;
         }
@@ -250,10 +240,7 @@ TEST(WaveFileTest, RefusesOtherKindsOfSoundFiles)
                                        3,   0,   0,   0,   0, 0x1F, 0x40, 0,  0, 0, 1, 1, 2, 3, 4};
     EXPECT_FALSE(DecodeWave(au));
     EXPECT_FALSE(DescribeWave(au));
-    const std::filesystem::path path = TemporaryPath();
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(au.data()), std::ssize(au));
-    EXPECT_FALSE(ReadWaveFile(path.string()));
-    std::filesystem::remove(path);
+    EXPECT_FALSE(ReadBytes(au));
 }
 
 TEST(WaveFileTest, AWaveFileMayHaveNoMoreSamplesThanItsBytesCanHoldButARecordingMayPackSilence)
@@ -264,26 +251,17 @@ TEST(WaveFileTest, AWaveFileMayHaveNoMoreSamplesThanItsBytesCanHoldButARecording
     info.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
     info.channels = 1;
     info.samplerate = 8000;
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    SNDFILE* file = sf_open(path.string().c_str(), SFM_WRITE, &info);
     ASSERT_NE(file, nullptr);
     const Samples silence(1000000);
     EXPECT_EQ(sf_write_short(file, silence.data(), std::ssize(silence)), std::ssize(silence));
     sf_close(file);
     ASSERT_LT(std::filesystem::file_size(path) * MostSamplesPerByte, silence.size());
-    EXPECT_EQ(ReadWaveFile(path.string()), silence);
     std::ifstream in(path, std::ios::binary);
-    EXPECT_FALSE(DecodeWave(std::vector<std::uint8_t>{std::istreambuf_iterator<char>(in), {}}));
-    std::filesystem::remove(path);
-}
-
-TEST(WaveFileTest, RefusesWhatIsNoFile)
-{
-    EXPECT_FALSE(ReadWaveFile("/"));
-    const std::filesystem::path path = TemporaryPath();
-    EXPECT_FALSE(ReadWaveFile(path.string()));
-    // A pipe nobody writes to: opening it would block for ever.
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_FALSE(ReadWaveFile(path.string()));
+    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_EQ(ReadBytes(bytes), silence);
+    EXPECT_FALSE(DecodeWave(bytes));
+    in.close();
     std::filesystem::remove(path);
 }
 
@@ -327,27 +305,19 @@ std::vector<std::uint8_t> Recorded(const Recording& kind, const Samples& samples
 {
     const std::filesystem::path path = TemporaryPath();
     SF_INFO info{0, 48000, 1, kind.format, 0, 0};
-    SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
+    SNDFILE* const file = sf_open(path.string().c_str(), SFM_WRITE, &info);
     if (!file)
         return {};
     sf_writef_short(file, samples.data(), std::ssize(samples));
     sf_close(file);
     std::ifstream in(path, std::ios::binary);
     std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    in.close();
     std::filesystem::remove(path);
     return bytes;
 }
 
-std::optional<Samples> ReadBytes(std::span<const std::uint8_t> bytes)
-{
-    const std::filesystem::path path = TemporaryPath();
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
-    const auto read = ReadWaveFile(path.string());
-    std::filesystem::remove(path);
-    return read;
-}
-
-TEST(WaveFileTest, RecordingsOfOtherKindsAreReadFromFilesWhateverTheirNames)
+TEST(WaveFileTest, RecordingsOfOtherKindsAreReadByTheirContent)
 {
     const Samples tone = Tone(48000, {8000});
     for (const Recording& kind : Recordings) {
@@ -383,7 +353,7 @@ TEST(WaveFileTest, DamagedRecordingsNeitherCrashNorNeverEnd)
     for (const Recording& kind : Recordings) {
         const std::vector<std::uint8_t> good = Recorded(kind, Tone(9600, {8000}));
         for (std::size_t part = 0; part < 32 && !good.empty(); ++part) {
-            const auto cut = All(WaveReader::Of(std::span(good).first(good.size() * part / 32)));
+            const auto cut = ReadBytes(std::span(good).first(good.size() * part / 32));
             EXPECT_LE(cut ? cut->size() : 0, 20000U) << kind.name << part;
         }
         // Every byte of the head, and then some of each part.
@@ -391,7 +361,7 @@ TEST(WaveFileTest, DamagedRecordingsNeitherCrashNorNeverEnd)
         for (std::size_t at = 0; at < good.size(); at += at < 160 ? 1 : step) {
             std::vector<std::uint8_t> bad = good;
             bad[at] ^= 0xFF;
-            const auto read = All(WaveReader::Of(bad));
+            const auto read = ReadBytes(bad);
             EXPECT_LE(read ? read->size() : 0, std::size_t{48000} * 172'800) << kind.name << at;
         }
     }
