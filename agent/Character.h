@@ -106,6 +106,7 @@ private:
     void BeginWord(int word);
     void SpeechEnded(bool ok);
     void TakeSpeakingPose();
+    void GoOnTalking();
     std::vector<const Animation*> SpeakingAnimations() const;
     void EndSpeech();
 
@@ -143,6 +144,7 @@ private:
     std::string lastText_; ///< the text that \Lst\ says again
     std::string lastUrl_;
     std::shared_ptr<Speech> speech_;
+    const Animation* talk_ = nullptr; ///< the last animation in which it spoke, if its mouth moved throughout
     bool running_ = false;   ///< RunQueue is running
     bool playsIdle_ = false; ///< plays an idle animation, or is on the way to one
     bool walks_ = false;     ///< the animation that it plays is one of walking
