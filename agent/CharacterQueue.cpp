@@ -298,8 +298,7 @@ void Character::GoOnTalking()
     std::vector<const Animation*> ways = StateAnimations(*file_, "Speaking");
     const std::vector<const Animation*> inPose = StateAnimations(*file_, "SpeakingInPose");
     ways.insert(ways.end(), inPose.begin(), inPose.end());
-    std::erase_if(ways,
-                  [this](const Animation* way) { return !SpeaksThroughout(*way) || !body_.GoesOnWith(*way); });
+    std::erase_if(ways, [this](const Animation* way) { return !SpeaksThroughout(*way) || !body_.GoesOnWith(*way); });
     if (!speech_ || ways.empty())
         return;
     if (ways.size() > 1)

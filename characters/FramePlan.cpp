@@ -131,8 +131,8 @@ std::vector<PlannedFrame> PlanFrames(const SourceAnimation& animation, const Pai
     Merge(frames, hold);
     FindExits(frames, painter);
     for (std::size_t i = 0; i < frames.size(); ++i)
-        frames[i].speaks = animation.speaks == Speaks::Throughout ||
-                           (animation.speaks == Speaks::AtTheEnd && i == Index(hold));
+        frames[i].speaks =
+            animation.speaks == Speaks::Throughout || (animation.speaks == Speaks::AtTheEnd && i == Index(hold));
     MoveHoldLast(frames, hold, animation);
     return frames;
 }

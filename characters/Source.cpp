@@ -454,8 +454,8 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
 
 SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
 {
-    at.OnlyKeys({"start", "keys", "length", "step", "hold", "speaks", "return", "branches", "closedMouth", "sway",
-                 "blinks"});
+    at.OnlyKeys(
+        {"start", "keys", "length", "step", "hold", "speaks", "return", "branches", "closedMouth", "sway", "blinks"});
     SourceAnimation animation;
     animation.name = name;
     animation.step = at["step"].Whole(2, 100, json_["step"].Whole(2, 100, 6));

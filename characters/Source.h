@@ -108,9 +108,9 @@ struct SourceAnimation {
     QString returnAnimation;
     Pose start;
     std::vector<Key> keys;
-    int step = 6;        ///< 1/100 s a frame
-    int length = 0;      ///< 1/100 s
-    int hold = -1;       ///< 1/100 s where it ends; the rest is only the way back to the rest pose; -1: at its length
+    int step = 6;   ///< 1/100 s a frame
+    int length = 0; ///< 1/100 s
+    int hold = -1;  ///< 1/100 s where it ends; the rest is only the way back to the rest pose; -1: at its length
     Speaks speaks = Speaks::Nowhere; ///< which frames have the mouths' overlays
     int closedMouth = -1;            ///< the variant shown as the closed mouth; -1: the character's
     std::vector<Sway> sways;         ///< from one step after its start until it ends

@@ -271,7 +271,8 @@ const SourceAnimation& TalkOf(const Source& source)
 TEST(CharacterBuildTest, GivesEveryFrameItsMouthsWhereItSpeaksThroughout)
 {
     SourceFolder folder;
-    folder.Replace("{\"at\": 24, \"pose\": \"rest\"}]", "{\"at\": 24, \"pose\": \"rest\"}], \"speaks\": \"throughout\"");
+    folder.Replace("{\"at\": 24, \"pose\": \"rest\"}]",
+                   "{\"at\": 24, \"pose\": \"rest\"}], \"speaks\": \"throughout\"");
     const auto file = Built(folder);
     const auto& frames = file->FindAnimation("Hop")->frames;
     ASSERT_EQ(frames.size(), 4u);
@@ -336,7 +337,8 @@ TEST(CharacterMotionTest, BlinksAsOftenAsItIsToldButNotRegularly)
 TEST(CharacterMotionTest, DoesNotBlinkWithLidsThatAKeyHasSet)
 {
     SourceFolder folder;
-    folder.Replace("\"drawing\": \"arm\"}", "\"variants\": {\"arm\": \"arm\", \"mouth\": \"mouth\"}, \"show\": \"arm\"}");
+    folder.Replace("\"drawing\": \"arm\"}",
+                   "\"variants\": {\"arm\": \"arm\", \"mouth\": \"mouth\"}, \"show\": \"arm\"}");
     Enlivened(folder, "\"length\": 30000, \"step\": 10, \"blinks\": 26,"
                       "\"keys\": [{\"at\": 0, \"left\": {\"show\": \"mouth\"}}]");
     const Source source = folder.Read();
