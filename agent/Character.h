@@ -106,6 +106,7 @@ private:
     void BeginWord(int word);
     void SpeechEnded(bool ok);
     void TakeSpeakingPose();
+    void GoOnTalking();
     std::vector<const Animation*> SpeakingAnimations() const;
     void EndSpeech();
 
@@ -143,10 +144,11 @@ private:
     std::string lastText_; ///< the text that \Lst\ says again
     std::string lastUrl_;
     std::shared_ptr<Speech> speech_;
-    bool running_ = false;   ///< RunQueue is running
-    bool playsIdle_ = false; ///< plays an idle animation, or is on the way to one
-    bool walks_ = false;     ///< the animation that it plays is one of walking
-    bool unsettled_ = false; ///< stands in a pose that nobody asked it to hold
+    const Animation* talk_ = nullptr; ///< the last animation in which it spoke, if its mouth moved throughout
+    bool running_ = false;            ///< RunQueue is running
+    bool playsIdle_ = false;          ///< plays an idle animation, or is on the way to one
+    bool walks_ = false;              ///< the animation that it plays is one of walking
+    bool unsettled_ = false;          ///< stands in a pose that nobody asked it to hold
     std::int64_t aloneSince_ = 0;
     std::unique_ptr<StageWork> check_; ///< looks through the file's pictures
     std::unique_ptr<StageTimer> wakeTimer_;

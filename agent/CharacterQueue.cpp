@@ -8,6 +8,25 @@
 namespace voxmate::agent
 {
 
+namespace
+{
+
+/// Whether an animation moves, with a mouth in every picture.
+bool SpeaksThroughout(const Animation& animation)
+{
+    int seen = 0;
+    for (const Frame& frame : animation.frames) {
+        if (frame.duration == 0)
+            continue;
+        if (!frame.HasMouths())
+            return false;
+        ++seen;
+    }
+    return seen > 1;
+}
+
+} // namespace
+
 RequestPtr Character::Enqueue(RequestPtr request)
 {
     request->number = shared_.order.Next();
@@ -239,13 +258,17 @@ void Character::EndSpeech()
     shared_.turn.GiveBack(this);
 }
 
-/// Takes a pose to speak in. A frame on show that has mouths will do. Otherwise the character goes, by way of its
-/// neutral pose, to an animation of the state Speaking; without one it stays in the neutral pose. The voice may already
-/// be heard meanwhile.
+/// Takes a pose to speak in. A frame on show that has mouths will do. A body that talks already,
+/// because another text has just been spoken, goes on. Otherwise the character goes, by way of its neutral pose, to an
+/// animation of the state Speaking; without one it stays in the neutral pose. The voice may already be heard meanwhile.
 void Character::TakeSpeakingPose()
 {
-    if (!body_.Moving() && body_.HasMouths())
+    if (talk_ && body_.Plays(*talk_))
         return;
+    if (!body_.Moving() && body_.HasMouths()) {
+        GoOnTalking();
+        return;
+    }
     unsettled_ = false;
     body_.Leave(nullptr, [this] {
         body_.StandNeutral();
@@ -257,6 +280,7 @@ void Character::TakeSpeakingPose()
         if (!speaking)
             return;
         unsettled_ = true;
+        talk_ = SpeaksThroughout(*speaking) ? speaking : nullptr;
         body_.Play(*speaking, [this, begun = shared_.stage.Now()] {
             // Plays one more, unless this one ended in a frame with mouths. An animation that took no time has nothing
             // to show; repeating it would never end.
@@ -264,6 +288,24 @@ void Character::TakeSpeakingPose()
                 TakeSpeakingPose();
         });
     });
+}
+
+/// Moves the body in the pose in which it stands and speaks, if the character has an animation for that: one of the
+/// state Speaking, or SpeakingInPose, that begins with the picture on show and moves the mouth throughout. Without one
+/// the pose is held. No animation follows itself if there is another.
+void Character::GoOnTalking()
+{
+    std::vector<const Animation*> ways = StateAnimations(*file_, "Speaking");
+    const std::vector<const Animation*> inPose = StateAnimations(*file_, "SpeakingInPose");
+    ways.insert(ways.end(), inPose.begin(), inPose.end());
+    std::erase_if(ways, [this](const Animation* way) { return !SpeaksThroughout(*way) || !body_.GoesOnWith(*way); });
+    if (!speech_ || ways.empty())
+        return;
+    if (ways.size() > 1)
+        std::erase(ways, talk_);
+    talk_ = PickAnimation(shared_.stage, ways);
+    unsettled_ = true;
+    body_.Play(*talk_, [this] { TakeSpeakingPose(); });
 }
 
 /// The animations in which a character standing in its neutral pose may speak. If that pose has mouths, animations

@@ -185,7 +185,7 @@ public:
             for (const PlannedFrame& frame : plans.back())
                 if (frame.speaks)
                     for (int mouth = 0; mouth < agent::MouthCount; ++mouth)
-                        pictures_.Of(Speaking(frame.pose, mouth));
+                        pictures_.Of(Speaking(animation, frame.pose, mouth));
         }
         for (const QImage& picture : pictures_.All())
             palette_.Count(picture);
@@ -220,9 +220,11 @@ public:
     }
 
 private:
-    Pose Speaking(Pose pose, int mouth) const
+    Pose Speaking(const SourceAnimation& animation, Pose pose, int mouth) const
     {
-        pose[static_cast<std::size_t>(source_.mouthPart)].variant = source_.mouths[static_cast<std::size_t>(mouth)];
+        const bool own = mouth == agent::MouthClosed && animation.closedMouth >= 0;
+        pose[static_cast<std::size_t>(source_.mouthPart)].variant =
+            own ? animation.closedMouth : source_.mouths[static_cast<std::size_t>(mouth)];
         return pose;
     }
 
@@ -238,7 +240,7 @@ private:
         frame.exitFrame = static_cast<std::int16_t>(planned.exit);
         frame.branches = planned.branches;
         for (int mouth = 0; planned.speaks && mouth < agent::MouthCount; ++mouth) {
-            const Indices spoken = palette_.Indices(pictures_.Of(Speaking(planned.pose, mouth)));
+            const Indices spoken = palette_.Indices(pictures_.Of(Speaking(animation, planned.pose, mouth)));
             agent::FrameImage image;
             Box box;
             if (!images_.Patch(spoken, picture, image, box) || image.image > 0xFFFF)

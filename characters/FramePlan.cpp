@@ -130,7 +130,9 @@ std::vector<PlannedFrame> PlanFrames(const SourceAnimation& animation, const Pai
     int hold = animation.hold < 0 ? static_cast<int>(frames.size()) - 1 : (animation.hold - 1) / animation.step;
     Merge(frames, hold);
     FindExits(frames, painter);
-    frames[Index(hold)].speaks = animation.speaks;
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        frames[i].speaks =
+            animation.speaks == Speaks::Throughout || (animation.speaks == Speaks::AtTheEnd && i == Index(hold));
     MoveHoldLast(frames, hold, animation);
     return frames;
 }

@@ -1,5 +1,7 @@
 #include "Motion.h"
 
+#include "Liveliness.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -130,6 +132,7 @@ Pose PoseAt(const SourceAnimation& animation, double time)
         for (std::size_t k = 0; k < PropertyCount; ++k)
             pose[i].values[k] = tracks[k].Value();
     }
+    Enliven(animation, time, pose);
     return pose;
 }
 

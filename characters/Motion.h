@@ -10,7 +10,8 @@ namespace voxmate::characters
 /// these limits in between.
 double Eased(Ease ease, double part);
 
-/// The pose at `time` (1/100 s). Each property of each part moves on its own, from one key that sets it to the next.
+/// The pose at `time` (1/100 s). Each property of each part moves on its own, from one key that sets it to the next;
+/// the animation's sways and blinks are added.
 Pose PoseAt(const SourceAnimation& animation, double time);
 
 } // namespace voxmate::characters

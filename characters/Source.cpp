@@ -1,6 +1,7 @@
 #include "Source.h"
 
 #include "JsonPlace.h"
+#include "Liveliness.h"
 
 #include <QColor>
 #include <QDir>
@@ -110,10 +111,13 @@ private:
     void LinkParents();
     void ReadMouths();
     void ReadPoses();
+    void ReadSways();
+    void ReadBlink();
     void ReadAnimations();
     SourceAnimation ReadAnimation(const JsonPlace& at, const QString& name);
     Key ReadKey(const JsonPlace& at, SourceAnimation& animation);
     void AddPose(const JsonPlace& at, Ease ease, std::vector<Setting>& settings);
+    void ReadLiveliness(const JsonPlace& at, SourceAnimation& animation) const;
     Setting ReadSetting(const JsonPlace& at, int part, Ease ease) const;
     void ReadStates();
     void CheckReturns();
@@ -124,12 +128,14 @@ private:
     JsonPlace json_;
     Source source_;
     QMap<QString, std::vector<Setting>> poses_;
+    QMap<QString, Sway> sways_;
+    std::vector<Lid> lids_;
 };
 
 Source Reader::Read()
 {
     json_.OnlyKeys({"names", "guid", "drawing", "standardSet", "step", "voice", "balloon", "parts", "mouths", "poses",
-                    "animations", "states"});
+                    "sways", "blink", "animations", "states"});
     ReadIdentity();
     ReadNames();
     ReadVoice();
@@ -137,6 +143,8 @@ Source Reader::Read()
     ReadParts();
     ReadMouths();
     ReadPoses();
+    ReadSways();
+    ReadBlink();
     ReadAnimations();
     ReadStates();
     return std::move(source_);
@@ -351,6 +359,63 @@ void Reader::ReadPoses()
     poses_["rest"] = std::move(rest);
 }
 
+void Reader::ReadSways()
+{
+    const JsonPlace sways = json_["sways"];
+    if (!sways.Exists())
+        return;
+    for (const QString& name : sways.Keys()) {
+        if (name == "comment")
+            continue;
+        const JsonPlace at = sways[name];
+        Sway& sway = sways_[name];
+        sway.period = at["period"].Whole(10, 30000);
+        for (const QString& part : at.Keys()) {
+            if (part == "comment" || part == "period")
+                continue;
+            at[part].OnlyKeys({"move", "rotate", "scale", "late"});
+            SwayingPart& swaying = sway.parts.emplace_back();
+            swaying.part = PartNamed(at, part);
+            swaying.late = at[part]["late"].Whole(0, sway.period, 0);
+            if (at[part]["move"].Exists()) {
+                swaying.amounts[MoveX] = at[part]["move"].Pair().x();
+                swaying.amounts[MoveY] = at[part]["move"].Pair().y();
+            }
+            if (at[part]["rotate"].Exists())
+                swaying.amounts[Rotate] = at[part]["rotate"].Number();
+            if (at[part]["scale"].Exists()) {
+                swaying.amounts[ScaleX] = at[part]["scale"].Pair().x();
+                swaying.amounts[ScaleY] = at[part]["scale"].Pair().y();
+            }
+        }
+    }
+}
+
+void Reader::ReadBlink()
+{
+    const JsonPlace at = json_["blink"];
+    if (!at.Exists())
+        return;
+    at.OnlyKeys({"half", "shut"});
+    const auto shown = [this](const JsonPlace& pose) {
+        std::vector<Setting> settings;
+        AddPose(pose, Ease::Hold, settings);
+        return settings;
+    };
+    for (const Setting& setting : shown(at["shut"]))
+        if (setting.variant) {
+            const int open = source_.parts[static_cast<std::size_t>(setting.part)].rest.variant;
+            lids_.push_back({setting.part, open, *setting.variant, *setting.variant});
+        }
+    if (lids_.empty())
+        at["shut"].Fail("this pose shows no variant of any part");
+    if (at["half"].Exists())
+        for (const Setting& setting : shown(at["half"]))
+            for (Lid& lid : lids_)
+                if (lid.part == setting.part && setting.variant)
+                    lid.half = *setting.variant;
+}
+
 void Reader::AddPose(const JsonPlace& at, Ease ease, std::vector<Setting>& settings)
 {
     const auto found = poses_.find(at.Text());
@@ -389,13 +454,26 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
 
 SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
 {
-    at.OnlyKeys({"start", "keys", "length", "step", "hold", "speaks", "return", "branches"});
+    at.OnlyKeys(
+        {"start", "keys", "length", "step", "hold", "speaks", "return", "branches", "closedMouth", "sway", "blinks"});
     SourceAnimation animation;
     animation.name = name;
     animation.step = at["step"].Whole(2, 100, json_["step"].Whole(2, 100, 6));
-    animation.speaks = at["speaks"].YesNo(false);
-    if (animation.speaks && source_.mouthPart < 0)
+    if (at["speaks"].IsString()) {
+        if (at["speaks"].Text() != "throughout")
+            at["speaks"].Fail("true, false or \"throughout\" is needed");
+        animation.speaks = Speaks::Throughout;
+    } else if (at["speaks"].YesNo(false)) {
+        animation.speaks = Speaks::AtTheEnd;
+    }
+    if (animation.speaks != Speaks::Nowhere && source_.mouthPart < 0)
         at["speaks"].Fail("this character has no mouths");
+    if (const JsonPlace closed = at["closedMouth"]; closed.Exists()) {
+        if (animation.speaks == Speaks::Nowhere)
+            closed.Fail("is for an animation that \"speaks\"");
+        animation.closedMouth =
+            VariantNamed(closed, source_.parts[static_cast<std::size_t>(source_.mouthPart)], closed.Text());
+    }
     animation.start = source_.RestPose();
     if (const JsonPlace start = at["start"]; start.Exists()) {
         std::vector<Setting> settings;
@@ -423,6 +501,7 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
     };
     if (at["hold"].Exists())
         animation.hold = onFrame(at["hold"], at["hold"].Whole(2 * animation.step, animation.length));
+    ReadLiveliness(at, animation);
     if (at["return"].Exists()) {
         animation.transition = agent::Transition::ReturnAnimation;
         animation.returnAnimation = at["return"].Text();
@@ -435,6 +514,24 @@ SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
                                           branch["percent"].Whole(1, 100, 100)});
         }
     return animation;
+}
+
+void Reader::ReadLiveliness(const JsonPlace& at, SourceAnimation& animation) const
+{
+    if (const JsonPlace sway = at["sway"]; sway.Exists()) {
+        for (const JsonPlace& name : sway.IsString() ? std::vector<JsonPlace>{sway} : sway.Items()) {
+            const auto found = sways_.find(name.Text());
+            if (found == sways_.end())
+                name.Fail("there is no sway \"" + name.Text() + "\"");
+            animation.sways.push_back(*found);
+        }
+    }
+    if (const JsonPlace blinks = at["blinks"]; blinks.Exists()) {
+        if (lids_.empty())
+            blinks.Fail("\"blink\", beside \"poses\", must say what a blink looks like");
+        animation.lids = lids_;
+        animation.blinks = BlinkTimes(animation, blinks.Whole(1, 60));
+    }
 }
 
 void Reader::ReadAnimations()

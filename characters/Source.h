@@ -78,16 +78,44 @@ struct SourceSound {
     int sound = 0; ///< index into Source::sounds
 };
 
+/// In which frames of an animation the character can speak: in none, in the one it ends in, or in all.
+enum class Speaks { Nowhere, AtTheEnd, Throughout };
+
+/// How far a sway takes a part from where its keys have it, and how much later than the others (1/100 s).
+struct SwayingPart {
+    int part = 0;
+    std::array<double, PropertyCount> amounts{};
+    int late = 0;
+};
+
+/// A movement to and fro, such as breathing.
+struct Sway {
+    int period = 0; ///< 1/100 s
+    std::vector<SwayingPart> parts;
+};
+
+/// A part that a blink changes, with its variants. It blinks only where the animation has it open.
+struct Lid {
+    int part = 0;
+    int open = -1;
+    int half = -1;
+    int shut = -1;
+};
+
 struct SourceAnimation {
     QString name;
     agent::Transition transition = agent::Transition::ExitBranches;
     QString returnAnimation;
     Pose start;
     std::vector<Key> keys;
-    int step = 6;        ///< 1/100 s a frame
-    int length = 0;      ///< 1/100 s
-    int hold = -1;       ///< 1/100 s where it ends; the rest is only the way back to the rest pose; -1: at its length
-    bool speaks = false; ///< the frame it ends in has the mouths' overlays
+    int step = 6;   ///< 1/100 s a frame
+    int length = 0; ///< 1/100 s
+    int hold = -1;  ///< 1/100 s where it ends; the rest is only the way back to the rest pose; -1: at its length
+    Speaks speaks = Speaks::Nowhere; ///< which frames have the mouths' overlays
+    int closedMouth = -1;            ///< the variant shown as the closed mouth; -1: the character's
+    std::vector<Sway> sways;         ///< from one step after its start until it ends
+    std::vector<Lid> lids;
+    std::vector<int> blinks; ///< 1/100 s at which lids begin to close; multiples of the step
     std::vector<SourceBranch> branches;
     std::vector<SourceSound> sounds;
 };

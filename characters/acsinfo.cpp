@@ -1,10 +1,12 @@
 // acsinfo: describes a character file, exports its pictures and sounds, or checks it completely. See README.md.
 #include "Describe.h"
 #include "Export.h"
+#include "Film.h"
 
 #include "agent/file/PictureCheck.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -22,6 +24,7 @@ namespace
 constexpr const char* Usage =
     "Usage: acsinfo FILE.acs                 says what is in it, as JSON\n"
     "       acsinfo --export FOLDER FILE.acs  writes its frames and sounds as files\n"
+    "       acsinfo --film OUT.gif ANIMATION FILE.acs  shows one animation as an animated picture\n"
     "       acsinfo --check FILE.acs...       says of each file whether it is sound, or what is wrong\n";
 
 void Print(FILE* to, const std::string& text)
@@ -36,6 +39,18 @@ std::shared_ptr<const agent::AcsFile> OpenSound(const QString& path)
     if (const std::string fault = agent::CheckPictures(*file).first; !fault.empty())
         throw std::runtime_error(fault);
     return file;
+}
+
+void WriteFilm(const QString& out, const QString& name, const QString& path)
+{
+    const auto file = OpenSound(path);
+    const agent::Animation* animation = file->FindAnimation(name.toStdString());
+    if (animation == nullptr)
+        throw std::runtime_error(path.toStdString() + ": there is no animation \"" + name.toStdString() + "\"");
+    const QByteArray film = Film(*file, *animation);
+    QFile picture(out);
+    if (!picture.open(QIODevice::WriteOnly) || picture.write(film) != film.size() || !picture.flush())
+        throw std::runtime_error(out.toStdString() + ": cannot be written: " + picture.errorString().toStdString());
 }
 
 int Check(const QStringList& paths)
@@ -65,6 +80,10 @@ int main(int argc, char** argv)
             return Check(arguments.mid(1));
         if (arguments.size() == 3 && arguments[0] == "--export") {
             Export(*OpenSound(arguments[2]), arguments[1]);
+            return 0;
+        }
+        if (arguments.size() == 4 && arguments[0] == "--film") {
+            WriteFilm(arguments[1], arguments[2], arguments[3]);
             return 0;
         }
         if (arguments.size() == 1 && !arguments[0].startsWith("--")) {

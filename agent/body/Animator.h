@@ -55,6 +55,8 @@ public:
     /// Ends all motion. No frame is on show any more.
     void Clear();
 
+    /// Whether this animation is playing along, not on its way out.
+    bool Plays(const Animation& animation) const { return moving_ && way_ == Way::Along && animation_ == &animation; }
     /// Whether frames are to come, or the animation stands in a frame that branches to itself forever.
     bool Moving() const { return moving_; }
     /// The frame on show; null when there is none.

@@ -322,6 +322,12 @@ void Body::ShowSomething()
         painter_.Show(*neutral_, mouth_, size_);
 }
 
+bool Body::GoesOnWith(const Animation& animation) const
+{
+    const Frame* const first = animation.FirstDrawn();
+    return first && animator_.Shown() && first->images == animator_.Shown()->images;
+}
+
 void Body::SetMouth(int mouth)
 {
     if (mouth == mouth_)

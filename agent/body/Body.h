@@ -86,6 +86,9 @@ public:
     /// character stays as it is.
     void StandNeutral();
     bool Moving() const { return animator_.Moving(); }
+    bool Plays(const Animation& animation) const { return animator_.Plays(animation); }
+    /// Whether the animation begins with the very picture on show, so that it can follow without a jump.
+    bool GoesOnWith(const Animation& animation) const;
     /// Whether the frame on show has mouths.
     bool HasMouths() const { return animator_.Shown() && animator_.Shown()->HasMouths(); }
 

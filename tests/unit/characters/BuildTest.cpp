@@ -2,8 +2,15 @@
 #include "SourceFolder.h"
 
 #include "characters/Assemble.h"
+#include "characters/Film.h"
 #include "characters/FramePlan.h"
 #include "characters/Motion.h"
+
+#include <QBuffer>
+#include <QImageReader>
+
+#include <algorithm>
+#include <set>
 
 using namespace voxmate;
 using namespace voxmate::characters;
@@ -238,4 +245,125 @@ TEST(CharacterBuildTest, LoopsThroughABranch)
     ASSERT_EQ(frames[2].branches.size(), 1u);
     EXPECT_EQ(frames[2].branches[0].frame, 1);
     EXPECT_EQ(frames[2].branches[0].percent, 70);
+}
+
+namespace
+{
+
+// Adds a blink, a breath and an animation to the small character's source.
+void Enlivened(SourceFolder& folder, const QString& animation)
+{
+    folder.Replace("\"poses\": {\"up\": {\"left\": {\"rotate\": 40}}},",
+                   "\"poses\": {\"shut\": {\"left\": {\"show\": \"none\"}}}, \"blink\": {\"shut\": \"shut\"},"
+                   "\"sways\": {\"breath\": {\"period\": 100, \"body\": {\"move\": [0, 4]},"
+                   "\"mouth\": {\"rotate\": 90, \"late\": 25}}},");
+    folder.Replace("\"animations\": {", "\"animations\": {\"Talk\": {" + animation + "},");
+}
+
+const SourceAnimation& TalkOf(const Source& source)
+{
+    return *std::find_if(source.animations.begin(), source.animations.end(),
+                         [](const SourceAnimation& animation) { return animation.name == "Talk"; });
+}
+
+} // namespace
+
+TEST(CharacterBuildTest, GivesEveryFrameItsMouthsWhereItSpeaksThroughout)
+{
+    SourceFolder folder;
+    folder.Replace("{\"at\": 24, \"pose\": \"rest\"}]",
+                   "{\"at\": 24, \"pose\": \"rest\"}], \"speaks\": \"throughout\"");
+    const auto file = Built(folder);
+    const auto& frames = file->FindAnimation("Hop")->frames;
+    ASSERT_EQ(frames.size(), 4u);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        EXPECT_EQ(frames[i].overlays.size(), 7u) << i;
+        EXPECT_FALSE(ComposeFrame(*file, frames[i], agent::MouthWide1) == ComposeFrame(*file, frames[i], -1)) << i;
+    }
+    // The figure is four pixels higher here, and so is its mouth.
+    EXPECT_EQ(PixelAt(ComposeFrame(*file, frames[1], agent::MouthWide1), 20, 14), 0xFFFFFFFFu);
+}
+
+TEST(CharacterBuildTest, ClosesTheMouthOfAMoodAsTheMoodWantsIt)
+{
+    SourceFolder folder;
+    folder.Replace("\"speaks\": true}", "\"speaks\": true, \"closedMouth\": \"open\"}");
+    const auto file = Built(folder);
+    const agent::Frame& rest = file->FindAnimation("RestPose")->frames.at(0);
+    EXPECT_EQ(PixelAt(ComposeFrame(*file, rest, -1), 20, 18), 0xFF000000u);
+    EXPECT_EQ(PixelAt(ComposeFrame(*file, rest, agent::MouthClosed), 20, 18), 0xFFFFFFFFu);
+}
+
+TEST(CharacterMotionTest, ASwayBeginsAndEndsWithNothing)
+{
+    SourceFolder folder;
+    Enlivened(folder, "\"length\": 400, \"step\": 10, \"sway\": \"breath\"");
+    const Source source = folder.Read();
+    const SourceAnimation& talk = TalkOf(source);
+    for (const int still : {0, 10, 400})
+        EXPECT_EQ(PoseAt(talk, still), source.RestPose()) << still;
+    // A step and a quarter of its period after the start it is at its height, which it does not have at once.
+    EXPECT_GT(PoseAt(talk, 35)[1].values[MoveY], 1.0);
+    EXPECT_LT(PoseAt(talk, 35)[1].values[MoveY], 4.0);
+    EXPECT_NEAR(PoseAt(talk, 135)[1].values[MoveY], 4, 1e-9);
+    EXPECT_NEAR(PoseAt(talk, 185)[1].values[MoveY], -4, 1e-9);
+    EXPECT_NEAR(PoseAt(talk, 135)[2].values[Rotate], 0, 1e-9); // a quarter later
+    EXPECT_NEAR(PoseAt(talk, 160)[2].values[Rotate], 90, 1e-9);
+}
+
+TEST(CharacterMotionTest, BlinksAsOftenAsItIsToldButNotRegularly)
+{
+    SourceFolder folder;
+    Enlivened(folder, "\"length\": 30000, \"step\": 10, \"blinks\": 26");
+    const Source source = folder.Read();
+    const SourceAnimation& talk = TalkOf(source);
+    EXPECT_NEAR(static_cast<double>(talk.blinks.size()), 5 * 26, 20);
+    std::set<int> intervals;
+    for (std::size_t i = 1; i < talk.blinks.size(); ++i) {
+        EXPECT_GE(talk.blinks[i] - talk.blinks[i - 1], 50);
+        intervals.insert(talk.blinks[i] - talk.blinks[i - 1]);
+    }
+    EXPECT_GT(intervals.size(), 20u);
+    // The lids go and come back: half for 10, shut for 10 (a frame), half for 20, of which this source has only shut.
+    const int first = talk.blinks.front();
+    const auto shut = [&](int at) { return PoseAt(talk, at)[3].variant < 0; };
+    EXPECT_FALSE(shut(first));
+    EXPECT_TRUE(shut(first + 10));
+    EXPECT_TRUE(shut(first + 20));
+    EXPECT_FALSE(shut(first + 60));
+    EXPECT_EQ(PoseAt(talk, 30000), source.RestPose());
+}
+
+TEST(CharacterMotionTest, DoesNotBlinkWithLidsThatAKeyHasSet)
+{
+    SourceFolder folder;
+    folder.Replace("\"drawing\": \"arm\"}",
+                   "\"variants\": {\"arm\": \"arm\", \"mouth\": \"mouth\"}, \"show\": \"arm\"}");
+    Enlivened(folder, "\"length\": 30000, \"step\": 10, \"blinks\": 26,"
+                      "\"keys\": [{\"at\": 0, \"left\": {\"show\": \"mouth\"}}]");
+    const Source source = folder.Read();
+    const SourceAnimation& talk = TalkOf(source);
+    ASSERT_FALSE(talk.blinks.empty());
+    for (const int blink : talk.blinks)
+        EXPECT_EQ(PoseAt(talk, blink + 20)[3].variant, 1) << blink;
+}
+
+TEST(CharacterFilmTest, IsAnAnimatedPictureOfTheAnimationsTimes)
+{
+    const auto file = Built(SourceFolder());
+    QByteArray film = Film(*file, *file->FindAnimation("Hop"));
+    QBuffer buffer(&film);
+    QImageReader reader(&buffer, "gif");
+    std::vector<int> times;
+    std::vector<QRgb> middles;
+    for (QImage picture = reader.read(); !picture.isNull(); picture = reader.read()) {
+        EXPECT_EQ(picture.size(), QSize(40, 30));
+        EXPECT_EQ(picture.pixel(1, 1), 0xFFF4F7F9u);
+        EXPECT_EQ(picture.pixel(20, 20), 0xFFFF0000u);
+        times.push_back(reader.nextImageDelay());
+        middles.push_back(picture.pixel(20, 14));
+    }
+    EXPECT_EQ(times, (std::vector<int>{60, 60, 60, 60}));
+    EXPECT_EQ(middles[1], 0xFF000000u); // its mouth at the top of the hop
+    EXPECT_EQ(middles[3], 0xFFFF0000u);
 }

@@ -235,6 +235,29 @@ TEST_P(ShippedCharacterTest, SpeaksWithSevenMouthsThatAllLookDifferent)
     }
 }
 
+TEST_P(ShippedCharacterTest, TalksFromItsRestPoseOnWithAMouthInEveryFrame)
+{
+    const auto& talks = *file->FindState("Speaking");
+    EXPECT_GE(talks.size(), 2u);
+    for (const std::string& name : talks) {
+        const Animation& talk = Named(name);
+        EXPECT_GT(talk.frames.size(), 30u) << name;
+        EXPECT_TRUE(talk.frames.front().images == Named("RestPose").frames.front().images) << name;
+        EXPECT_TRUE(Last(talk).images == talk.frames.front().images) << name;
+        for (std::size_t i = 0; i < talk.frames.size(); ++i)
+            EXPECT_EQ(talk.frames[i].overlays.size(), 7u) << name << " " << i;
+    }
+}
+
+TEST_P(ShippedCharacterTest, SpeaksInThePoseOfItsMood)
+{
+    for (const char* name : {"Sad", "Surprised", "Pleased", "Alert", "Wave", "Explain", "Think", "Confused"}) {
+        const Frame& last = Last(Named(name));
+        EXPECT_EQ(last.overlays.size(), 7u) << name;
+        EXPECT_FALSE(ComposeFrame(*file, last, -1) == rest) << name;
+    }
+}
+
 TEST_P(ShippedCharacterTest, AppearsFromNothingAndGoesToNothing)
 {
     EXPECT_LT(Drawn(ComposeFrame(*file, Named("Show").frames.front(), -1)), Drawn(rest) / 5);

@@ -131,3 +131,27 @@ TEST(CharacterSourceTest, RefusesADrawingThatIsNotSound)
         "dot.svg: viewBox=\"\": a frame is given by four whole numbers, left, top, width and height, the last two "
         "from 16 to 1024");
 }
+
+TEST(CharacterSourceTest, SaysWhatIsWrongWithSwaysBlinksAndMouths)
+{
+    const QString poses = "\"poses\": {";
+    EXPECT_EQ(ErrorAfter("\"speaks\": true", "\"speaks\": \"always\""),
+              "character.json: animations.RestPose.speaks: true, false or \"throughout\" is needed");
+    EXPECT_EQ(ErrorAfter("\"speaks\": true", "\"sway\": [\"breath\"]"),
+              "character.json: animations.RestPose.sway[0]: there is no sway \"breath\"");
+    EXPECT_EQ(
+        ErrorAfter("\"speaks\": true", "\"blinks\": 20"),
+        "character.json: animations.RestPose.blinks: \"blink\", beside \"poses\", must say what a blink looks like");
+    EXPECT_EQ(ErrorAfter("\"keys\": [{\"at\": 12", "\"closedMouth\": \"open\", \"keys\": [{\"at\": 12"),
+              "character.json: animations.Hop.closedMouth: is for an animation that \"speaks\"");
+    EXPECT_EQ(
+        ErrorAfter("\"speaks\": true", "\"speaks\": true, \"closedMouth\": \"wide\""),
+        "character.json: animations.RestPose.closedMouth: the part \"mouth\" has no variant \"wide\", only none, open, "
+        "shut");
+    EXPECT_EQ(ErrorAfter(poses, "\"sways\": {\"breath\": {\"body\": {\"move\": [0, 1]}}}," + poses),
+              "character.json: sways.breath.period: is missing");
+    EXPECT_EQ(ErrorAfter(poses, "\"sways\": {\"breath\": {\"period\": 300, \"bdy\": {\"move\": [0, 1]}}}," + poses),
+              "character.json: sways.breath: there is no part \"bdy\"");
+    EXPECT_EQ(ErrorAfter(poses, "\"blink\": {\"shut\": \"up\"}," + poses),
+              "character.json: blink.shut: this pose shows no variant of any part");
+}
