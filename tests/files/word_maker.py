@@ -3,6 +3,7 @@ formats, and XML documents written part by part."""
 
 import os
 import quopri
+import re
 import shutil
 import subprocess
 import zipfile
@@ -139,6 +140,12 @@ class Office:
     def run(self, *arguments):
         subprocess.run(["soffice", "-env:UserInstallation=file://" + self.profile, "--headless", "--norestore", *arguments],
                        check=True, timeout=120, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    @staticmethod
+    def version():
+        """Its version, as (25, 2)."""
+        told = subprocess.run(["soffice", "--version"], check=True, timeout=120, capture_output=True).stdout.decode()
+        return tuple(int(number) for number in re.search(r"(\d+)\.(\d+)", told).groups())
 
     def save(self, name, document, kind="doc"):
         """Saves a flat document in one of the formats, always as name.doc, and returns its path."""
