@@ -88,7 +88,7 @@ class Install(unittest.TestCase):
     def test_with_web_addresses_the_metainfo_names_a_page_and_shows_pictures_that_exist(self):
         build = os.path.join(self.folder, "build")
         web = "https://voxmate.example/pictures"
-        self.said("cmake", "-S", ROOT, "-B", build, "-DVOXMATE_TESTS=OFF", "-DVOXMATE_BENCH=OFF",
+        self.said("cmake", "-G", "Ninja", "-S", ROOT, "-B", build, "-DVOXMATE_TESTS=OFF", "-DVOXMATE_BENCH=OFF",
                   f"-DVOXMATE_PICTURES_URL={web}", "-DVOXMATE_HOMEPAGE_URL=https://voxmate.example/")
         path = os.path.join(build, "packaging", ID + ".metainfo.xml")
         self.said("appstreamcli", "validate", "--pedantic", "--no-net", path)

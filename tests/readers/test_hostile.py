@@ -118,12 +118,12 @@ class HostileCase(unittest.TestCase):
             file.write(content.encode() if isinstance(content, str) else content)
         return path
 
-    def run_reader(self, path, before=(), where=None):
+    def run_reader(self, path, before=(), where=None, read=compare.READ):
         """What was read, and the sentence about what is wrong; `seconds` and `memory` tell what it took. Nothing may be
         left behind."""
         with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as trouble:
             # pylint: disable-next=consider-using-with
-            reader = subprocess.Popen(["timeout", "150", *before, compare.READ, path], stdout=out, stderr=trouble,
+            reader = subprocess.Popen(["timeout", "150", *before, read, path], stdout=out, stderr=trouble,
                                       env={**os.environ, **self.places}, cwd=where or self.folder)
             # Of all the processes there were.
             _, status, usage = os.wait4(reader.pid, 0)
@@ -275,14 +275,17 @@ class RefusalTest(HostileCase):
         path = self.write("locked.txt", "Not for everybody.")
         os.chmod(path, 0)
         os.chmod(self.folder, 0o755)
-        before = ()
+        before, read = (), compare.READ
         if os.geteuid() == 0:
-            # Who may do everything may read it, too.
+            # Who may do everything may read it, too. Another user may not come to where the programs are.
+            for program in (read, os.path.join(os.path.dirname(read), "voxmate-reader")):
+                shutil.copy(program, self.folder)
+            read = os.path.join(self.folder, os.path.basename(read))
             before = ("setpriv", "--reuid=%d" % NOBODY, "--regid=%d" % NOBODY, "--clear-groups")
         sentence = '"locked.txt" cannot be read: it is no file that may be read.\n'
-        self.assertEqual(self.run_reader(path, before, "/"), ("", sentence))
+        self.assertEqual(self.run_reader(path, before, "/", read), ("", sentence))
         os.chmod(path, stat.S_IRUSR | stat.S_IRGRP | stat.S_IROTH)
-        self.assertEqual(self.run_reader(path, before, "/"), ("paragraph|0|||Not for everybody.\n", ""))
+        self.assertEqual(self.run_reader(path, before, "/", read), ("paragraph|0|||Not for everybody.\n", ""))
 
     def test_four_gigabytes_of_each_kind(self):
         beginnings = {"txt": b"Text", "md": b"# Title\n", "html": b"<!doctype html>", "pdf": one_page(stream(line(b"x"))),
