@@ -128,7 +128,8 @@ public:
         element.verbatim = !elements_.empty() && elements_.back().verbatim;
         element.inNote = !elements_.empty() && elements_.back().inNote;
         element.notes = (!elements_.empty() && elements_.back().notes) || HoldsNotes(attributes);
-        const bool left = leftOut_ > 0 || IsLeftOut(name) || IsHidden(attributes) || IsNoteMark(name, attributes);
+        const bool left = leftOut_ > 0 || IsLeftOut(name) || IsHidden(attributes) ||
+                          (IsNoteMark(name, attributes) && !IsSign(element, attributes));
         if (const std::string_view language = LanguageOf(attributes); !language.empty())
             element.language = language;
         if (left) {
@@ -162,6 +163,11 @@ public:
             return;
         if (elements_.back().noteSign)
             return sign_.append(text.substr(0, LongestLabel)), void();
+        if (behindSign_) {
+            // "1. Text", of which only the number is a link.
+            text.remove_prefix(std::min(text.find_first_not_of(".): \t\r\n"), text.size()));
+            behindSign_ = text.empty();
+        }
         if (!elements_.back().verbatim)
             return writer_.Text(text);
         while (true) {
@@ -197,15 +203,20 @@ private:
         return language.empty() ? attributes.Get("lang") : language;
     }
 
+    // A link at a footnote's beginning leads back and is its mark.
+    bool IsSign(const Element& element, const XmlAttributes& attributes) const
+    {
+        return element.name == "a" && element.inNote && !writer_.HasText() &&
+               attributes.Get("href").find('#') != std::string_view::npos;
+    }
+
     void Begin(Element& element, const XmlAttributes& attributes)
     {
         const std::string_view name = element.name;
         const int depth = static_cast<int>(lists_.size());
         if (name == "br")
             return writer_.Break();
-        // A link at a footnote's beginning leads back and is its mark.
-        if (name == "a" && element.inNote && !writer_.HasText() &&
-            attributes.Get("href").find('#') != std::string_view::npos) {
+        if (IsSign(element, attributes)) {
             element.noteSign = true;
             sign_.clear();
             return;
@@ -243,8 +254,15 @@ private:
     void Finish(const Element& element)
     {
         const std::string_view name = element.name;
-        if (element.noteSign)
-            return writer_.Become(BlockKind::Footnote, 0, sign_);
+        if (element.noteSign) {
+            behindSign_ = true;
+            // An arrow is none.
+            const auto marks = [](char c) { return IsDigit(c) || (c >= 'a' && c <= 'z') || c == '*'; };
+            if (std::ranges::any_of(LowerAscii(sign_), marks))
+                writer_.Become(BlockKind::Footnote, 0, sign_);
+            return;
+        }
+        behindSign_ = behindSign_ && !element.note;
         if (element.note) {
             writer_.EndNote();
             writer_.End();
@@ -289,6 +307,7 @@ private:
     std::vector<Element> elements_;
     std::vector<List> lists_;
     std::string sign_;
+    bool behindSign_ = false; ///< the mark is read, and nothing of the footnote's own text
     int leftOut_ = 0;
     bool item_ = false; ///< a list item has begun and has no other block yet
 };

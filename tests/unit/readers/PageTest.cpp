@@ -66,6 +66,15 @@ TEST(PageTest, FootnotesAreNotesAndTheirMarksAreNotRead)
     EXPECT_EQ(Page("<p>Word<a class='sdfootnoteanc' href='#s'>2</a></p><div><p class='sdfootnote'>"
                    "<a class='sdfootnotesym' href='#a'>2</a>Text.</p></div>"),
               (Lines{"paragraph: Word", "note 2: Text."}));
+    // Of these only the number is a link.
+    EXPECT_EQ(
+        Page("<p>Word</p><aside role='doc-footnote'><p><a href='#r3' class='footnote-back' role='doc-backlink'>3</a>"
+             ". Text (a).</p><p>More.</p></aside>"),
+        (Lines{"paragraph: Word", "note 3: Text (a).", "note: More."}));
+    EXPECT_EQ(
+        Page("<p>Word</p><aside role='doc-footnote'><p><a href='#r3' role='doc-backlink'>\u21A9</a> Text.</p></aside>"
+             "<p>.5</p>"),
+        (Lines{"paragraph: Word", "note: Text.", "paragraph: .5"}));
 }
 
 TEST(PageTest, TheNearestLanguageCounts)
