@@ -41,6 +41,34 @@ bool OnOneLine(const PdfWord& before, const PdfWord& word, const std::vector<dou
     return overlap > height / 2 && gap > -size / 2 && gap < (before.blank ? WideBlank : ColumnGap) * size;
 }
 
+// Whether a small raised mark stands right behind a word.
+bool IsRaisedBehind(const PdfWord& word, const PdfWord& mark)
+{
+    const double overlap = std::min(word.bottom, mark.bottom) - std::max(word.top, mark.top);
+    return mark.size < word.size * SmallMark && std::abs(mark.left - word.right) < ColumnGap * word.size &&
+           overlap > (mark.bottom - mark.top) / 2 && mark.bottom < word.bottom - Raised * word.size;
+}
+
+// A raised mark may come with the line above it, or that of the next column, where its foot is nearer to that one's.
+void MoveMarksBehindTheirWords(std::vector<PdfWord>& words, const std::vector<double>& gutters)
+{
+    constexpr std::size_t farthest = 50; // some four lines
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (!IsMark(Trimmed(words[i].text)) || (i > 0 && OnOneLine(words[i - 1], words[i], gutters)))
+            continue;
+        const auto at = words.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto begin = words.begin() + static_cast<std::ptrdiff_t>(i - std::min(i, farthest));
+        const auto end = words.begin() + static_cast<std::ptrdiff_t>(std::min(i + farthest, words.size()));
+        const auto word = std::find_if(begin, end, [&](const PdfWord& each) { return IsRaisedBehind(each, *at); });
+        if (word == end)
+            continue;
+        if (word < at)
+            std::rotate(word + 1, at, at + 1);
+        else
+            std::rotate(at, at + 1, word + 1);
+    }
+}
+
 PdfLine LineOf(const PdfWord* first, const PdfWord* last)
 {
     PdfLine line;
@@ -99,6 +127,7 @@ std::vector<PdfLine> LinesOf(const PdfPage& page, const std::vector<double>& gut
     std::vector<PdfWord> words = page.words;
     for (PdfWord& word : words)
         Bound(word);
+    MoveMarksBehindTheirWords(words, gutters);
     for (std::size_t begin = 0; begin < words.size();) {
         std::size_t end = begin + 1;
         while (end < words.size() && OnOneLine(words[end - 1], words[end], gutters))

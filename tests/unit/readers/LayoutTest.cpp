@@ -289,6 +289,29 @@ TEST(LayoutTest, AFootnoteFollowsTheParagraphAndItsMarkIsNotRead)
                            "paragraph: Another paragraph, to which no note belongs."}));
 }
 
+// groff's pages have it so where the lines of the next column are a little higher.
+TEST(LayoutTest, ARaisedMarkThatComesBeforeItsLineBelongsToItAllTheSame)
+{
+    Sheet sheet("1");
+    sheet.Lines(50, 100, {"A text with a word", "and more of it, which is longer than that."})
+        .Lines(50, 140, {"Another paragraph, to which no note belongs."});
+    // Behind "more" in the second line.
+    PdfWord mark;
+    mark.text = "1";
+    mark.left = sheet.page.words[6].right;
+    mark.right = mark.left + 3;
+    mark.top = 101;
+    mark.bottom = 108;
+    mark.size = 6;
+    mark.blank = false;
+    sheet.page.words.insert(sheet.page.words.begin() + 5, mark);
+    sheet.At(50, 700, "1 The note is small", {8, false}).At(50, 710, "and goes on.", {8, false});
+    EXPECT_EQ(Layouted({sheet}),
+              (test::Lines{"page 1", "paragraph: A text with a word and more of it, which is longer than that.",
+                           "note 1: The note is small and goes on.",
+                           "paragraph: Another paragraph, to which no note belongs."}));
+}
+
 TEST(LayoutTest, ATitleInTheOutlineIsAHeadingWhateverItsSize)
 {
     EXPECT_EQ(Layouted({Sheet("1").At(50, 100, "Introduction").Lines(50, 130, Prose("One"))}, {{"introduction", 2}})[1],
