@@ -56,6 +56,9 @@ protected:
         for (const auto& entry : fs::directory_iterator(data))
             if (entry.path().filename() != "mbrola")
                 fs::create_symlink(entry.path(), folder / "espeak-ng-data" / entry.path().filename());
+        // eSpeak NG 1.52 copies a short text whenever an MBROLA voice speaks and never frees the copy. That leak is the
+        // library's own, so the leak check of these processes passes over it, and of no others.
+        std::ofstream(folder / "suppressions") << "leak:libespeak-ng.so\n";
         for (const char* database : {"de2", "us1", "ca1", "ic1"})
             std::ofstream(folder / "espeak-ng-data/mbrola" / database) << "MBROLA";
         fs::create_directory(folder / "espeak-ng-data/mbrola/fr4"); // a folder does not count as a database
@@ -69,7 +72,8 @@ protected:
     /// Runs the disabled test of this name in a process that finds its data in the folder.
     void Run(const std::string& test) const
     {
-        const std::string command = "ESPEAK_DATA_PATH='" + folder.string() + "' PATH='" + folder.string() + "/bin' '" +
+        const std::string command = "ESPEAK_DATA_PATH='" + folder.string() + "' PATH='" + folder.string() +
+                                    "/bin' LSAN_OPTIONS=suppressions='" + folder.string() + "/suppressions' '" +
                                     fs::canonical("/proc/self/exe").string() +
                                     "' --gtest_also_run_disabled_tests --gtest_filter=MbrolaChildTest.DISABLED_" +
                                     test + " >'" + folder.string() + "/log' 2>&1";
