@@ -42,6 +42,8 @@ class LibraryFunctions
 public:
     /// Whether the library and all of its functions were found. Otherwise none may be called.
     explicit operator bool() const { return complete_; }
+    /// The folder the library was loaded from; empty when there is none.
+    std::filesystem::path Folder() const { return library_ ? library_->Folder() : std::filesystem::path(); }
 
 protected:
     /// Loads the library of this file name from where the system keeps libraries.
@@ -57,6 +59,13 @@ protected:
         const auto function = library_ ? library_->Find<Function>(name) : nullptr;
         complete_ = complete_ && function;
         return function;
+    }
+
+    /// The same for a function that only some versions have; without it the others may be called all the same.
+    template <class Function>
+    Function Find(const char* name) const
+    {
+        return library_ ? library_->Find<Function>(name) : nullptr;
     }
 
 private:

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -56,11 +57,17 @@ public:
     /// Speaks the segments into `sink`. Returns true when everything is delivered or the sink said stop, false when
     /// synthesis failed. Called on one worker thread only.
     virtual bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) = 0;
+    /// Gives back the memory that can be had again, when nothing was spoken for a while. On the worker thread, too.
+    virtual void Rest() {}
 };
 
 std::unique_ptr<Engine> CreateEspeakEngine();
 std::unique_ptr<Engine> CreateFliteEngine();
 /// The English voices in a folder's .flitevox files. The folder need not exist.
 std::unique_ptr<Engine> CreateFlitevoxEngine(std::filesystem::path folder);
+/// Piper's neural voices in `own` and where others put them, if ONNX Runtime is in own/runtime or installed. `report` is
+/// called, on the thread that asks the engine, with one sentence about each voice that cannot be used.
+std::unique_ptr<Engine> CreatePiperEngine(const std::filesystem::path& own,
+                                          std::function<void(const std::string&)> report);
 
 } // namespace voxmate::speech

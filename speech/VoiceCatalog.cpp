@@ -169,6 +169,12 @@ const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
     return entries_;
 }
 
+void VoiceCatalog::Rest() const
+{
+    for (const auto& engine : engines_)
+        engine->Rest();
+}
+
 int VoiceCatalog::CountEngines()
 {
     return static_cast<int>(Entries().size());

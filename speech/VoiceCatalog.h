@@ -44,6 +44,9 @@ public:
     /// but only after Find has been called once.
     const Entry* ReaderOf(Script script) const;
 
+    /// Has the engines give back the memory that they can have again. On the thread that speaks.
+    void Rest() const;
+
 private:
     const std::vector<Entry>& Entries();
     std::vector<Entry> Installed();

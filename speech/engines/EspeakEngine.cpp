@@ -218,21 +218,6 @@ espeak_ERROR SpeakTo(Delivery& delivery, const std::string& ssml)
     return result;
 }
 
-// Done once per run and never undone: the library's shutdown (espeak_Terminate) can wait for its threads for ever.
-bool InitialiseLibrary()
-{
-    static const bool initialised = [] {
-        if (!Espeak())
-            return false;
-        const int rate = Espeak().Initialize(AUDIO_OUTPUT_SYNCHRONOUS, BlockMilliseconds, nullptr,
-                                             espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_PHONEME_IPA |
-                                                 espeakINITIALIZE_DONT_EXIT);
-        Espeak().SetSynthCallback(Deliver);
-        return rate == EspeakRate;
-    }();
-    return initialised;
-}
-
 // The tag is taken from the name of the voice's file: "roa/fr-BE" is "fr-be", and "roa/fr" stands for all of French,
 // whichever tag comes first in the file.
 std::string TagOfFile(std::string_view key)
@@ -292,8 +277,9 @@ public:
 
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
     {
-        if (!InitialiseLibrary())
+        if (!InitialiseEspeak())
             return false;
+        loaded = {}; // another engine may have set a voice in the meantime
         Shaper shaper(EspeakRate, sink);
         Arranger arranger(segments);
         std::optional<Delivery> delivery; // of the current stretch
@@ -493,6 +479,21 @@ private:
 };
 
 } // namespace
+
+// Done once per run and never undone: the library's shutdown (espeak_Terminate) can wait for its threads for ever.
+bool InitialiseEspeak()
+{
+    static const bool initialised = [] {
+        if (!Espeak())
+            return false;
+        const int rate = Espeak().Initialize(AUDIO_OUTPUT_SYNCHRONOUS, BlockMilliseconds, nullptr,
+                                             espeakINITIALIZE_PHONEME_EVENTS | espeakINITIALIZE_PHONEME_IPA |
+                                                 espeakINITIALIZE_DONT_EXIT);
+        Espeak().SetSynthCallback(Deliver);
+        return rate == EspeakRate;
+    }();
+    return initialised;
+}
 
 std::unique_ptr<Engine> CreateEspeakEngine()
 {

@@ -21,6 +21,11 @@ struct EspeakLibrary : LibraryFunctions {
     decltype(&::espeak_SetVoiceByName) SetVoiceByName =
         Need<decltype(&::espeak_SetVoiceByName)>("espeak_SetVoiceByName");
     decltype(&::espeak_Synth) Synth = Need<decltype(&::espeak_Synth)>("espeak_Synth");
+    decltype(&::espeak_TextToPhonemes) TextToPhonemes =
+        Need<decltype(&::espeak_TextToPhonemes)>("espeak_TextToPhonemes");
+    /// From 1.52 on; null before. `terminator` receives what ended the clause.
+    using WithTerminator = const char* (*)(const void** text, int encoding, int phonemes, int* terminator);
+    WithTerminator TextToPhonemesWithTerminator = Find<WithTerminator>("espeak_TextToPhonemesWithTerminator");
     decltype(&::espeak_ng_InitializePath) InitializePath =
         Need<decltype(&::espeak_ng_InitializePath)>("espeak_ng_InitializePath");
     decltype(&::espeak_ng_SetVoiceByFile) SetVoiceByFile =
@@ -29,5 +34,8 @@ struct EspeakLibrary : LibraryFunctions {
 
 /// Loads the library at the first call.
 const EspeakLibrary& Espeak();
+
+/// Makes the library ready to speak, once in a run; false when that fails. The voice that is set is any afterwards.
+bool InitialiseEspeak();
 
 } // namespace voxmate::speech

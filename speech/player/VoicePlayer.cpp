@@ -24,7 +24,10 @@ constexpr std::int64_t ScreenDelay = 15;
 
 } // namespace
 
-VoicePlayer::VoicePlayer(VoiceCatalog& catalog, AudioOutput& output) : catalog_(catalog), output_(output) {}
+VoicePlayer::VoicePlayer(VoiceCatalog& catalog, AudioOutput& output, std::chrono::milliseconds restAfter)
+    : catalog_(catalog), output_(output), restAfter_(restAfter)
+{
+}
 
 VoicePlayer::~VoicePlayer()
 {
@@ -143,7 +146,13 @@ void VoicePlayer::RunWorker()
 {
     while (true) {
         std::unique_lock lock(mutex_);
-        wake_.wait(lock, [this] { return quit_ || nextJob_; });
+        const auto called = [this] { return quit_ || nextJob_; };
+        if (!wake_.wait_for(lock, restAfter_, called)) {
+            lock.unlock();
+            catalog_.Rest();
+            lock.lock();
+            wake_.wait(lock, called);
+        }
         if (quit_)
             return;
         const std::shared_ptr<SpeechJob> job = std::exchange(nextJob_, nullptr);

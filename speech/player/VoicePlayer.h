@@ -6,6 +6,7 @@
 #include "speech/VoiceOutput.h"
 #include "speech/player/SpeechJob.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -19,7 +20,9 @@ class VoicePlayer final : public VoiceOutput
 {
 public:
     /// Both must outlive the player. Everything except synthesis runs on the thread that constructs the player.
-    VoicePlayer(VoiceCatalog& catalog, AudioOutput& output);
+    /// When nothing was spoken for `restAfter`, the engines give back what memory they can.
+    VoicePlayer(VoiceCatalog& catalog, AudioOutput& output,
+                std::chrono::milliseconds restAfter = std::chrono::minutes(10));
     /// Stops at once and waits for the engine to return; no callback is made any more.
     ~VoicePlayer() override;
 
@@ -56,6 +59,7 @@ private:
 
     VoiceCatalog& catalog_;
     AudioOutput& output_;
+    const std::chrono::milliseconds restAfter_;
     SpeakingPtr current_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0); // posted actions check that it still exists
     const std::weak_ptr<int> self_ = alive_; // the worker copies this; it never changes, so it needs no lock

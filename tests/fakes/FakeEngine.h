@@ -31,10 +31,13 @@ public:
         return ok;
     }
 
+    void Rest() override { ++rests; }
+
     static constexpr int Rate = 1000; // one sample is one millisecond
     std::function<bool(speech::SampleSink&)> synthesize;
     std::atomic<int> calls = 0;
     std::atomic<int> returns = 0;
+    std::atomic<int> rests = 0;
     std::string lastKey;
     std::string lastText;
 

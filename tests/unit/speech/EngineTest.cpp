@@ -1,5 +1,5 @@
 // The real engines: what they deliver, and how it sounds.
-#include "bench/speech_measure.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/player/Shaper.h"
 #include "speech/text/MarkedText.h"

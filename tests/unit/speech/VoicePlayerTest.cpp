@@ -264,6 +264,18 @@ TEST_F(VoicePlayerTest, NothingIsReportedAfterThePlayerIsGone)
     EXPECT_EQ(log, Lines{});
 }
 
+TEST_F(VoicePlayerTest, EnginesRestOnceWhenNothingWasSpokenForAWhile)
+{
+    player = std::make_unique<VoicePlayer>(*catalog, output, std::chrono::milliseconds(1));
+    EXPECT_EQ(engine->rests, 0);
+    player->Start(Say("hello"), Log());
+    EXPECT_TRUE(fakes::Eventually([this] { return engine->rests == 1; }));
+    EXPECT_EQ(engine->returns, 1);
+    player->Start(Say("again"), Log());
+    EXPECT_TRUE(fakes::Eventually([this] { return engine->rests == 2; }));
+    EXPECT_EQ(engine->returns, 2);
+}
+
 TEST_F(VoicePlayerTest, WhatAnEngineThrowsIsThrownInTheEventLoopAndEndsTheUtterance)
 {
     engine->synthesize = [](SampleSink&) -> bool { throw std::bad_alloc(); };

@@ -1,5 +1,5 @@
 // Voices in the user's own files. The test files are made from the installed voices.
-#include "bench/speech_measure.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/engines/FliteLibrary.h"
 #include "speech/player/SpeechJob.h"

@@ -1,5 +1,5 @@
 // Measures what is heard in a piece of speech: its fundamental frequency, its voiced share, its length and its
-// loudness. Used to calibrate the speech engines and to test them.
+// loudness. Used to calibrate speech engines and to test them, and where a voice is measured when it is loaded.
 #pragma once
 
 #include <algorithm>

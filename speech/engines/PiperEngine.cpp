@@ -1,0 +1,436 @@
+// Neural voices in Piper's form: eSpeak NG's phonemes, as the numbers of the voice's own table, through its network.
+#include "base/Text.h"
+#include "speech/Engine.h"
+#include "speech/engines/EspeakPhonemes.h"
+#include "speech/engines/PiperModel.h"
+#include "speech/engines/PiperVoiceFile.h"
+#include "speech/player/Shaper.h"
+#include "speech/sound/Mouths.h"
+#include "speech/sound/SpeechMeasure.h"
+#include "speech/text/MarkedText.h"
+#include "speech/text/ModeId.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace voxmate::speech
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+// The text by which a voice's own speed and pitch are measured when it is loaded, and how many words it has. A voice
+// says it faster than the calibration's longer prose by MeasuredShare (en_US-joe-medium, which says that at 216 words a
+// minute).
+constexpr std::u32string_view MeasuredProse =
+    U"When the rain had stopped at last, the old man took his stick from behind the door and went out to look at the "
+    U"garden. Every leaf was shining. Members said that more than four hundred people had signed the petition, and the "
+    U"additional cost will be paid from the budget for public buildings.";
+constexpr int MeasuredWords = 54;
+constexpr double MeasuredShare = 1.109;
+// The range of lengths within which a voice still sounds like itself; beyond it sonic does the rest.
+constexpr double ShortestLength = 0.6;
+constexpr double LongestLength = 1.8;
+// The most numbers that go through the network at once: about ten seconds of speech. A longer sentence is divided
+// between clauses.
+constexpr std::size_t MostNumbers = 400;
+// Seconds of silence kept before the first word of a text.
+constexpr double KeptSilence = 0.03;
+// A stressed word is amplified by this factor (5 dB).
+constexpr double StressGain = 1.78;
+// The voices are trained at a peak of full scale; this brings their loudness near that of the other engines' voices.
+constexpr double Level = 0.7;
+
+constexpr std::u32string_view Modifiers = U"ːˑʲʰʷˤ˞";
+
+bool IsMark(char32_t c)
+{
+    return (c >= 0x300 && c <= 0x36F) || Modifiers.find(c) != std::u32string_view::npos;
+}
+bool IsPause(char32_t c)
+{
+    return std::u32string_view(U".?!,:;").find(c) != std::u32string_view::npos;
+}
+
+/// What goes through the network at once: phonemes, where they come from, and the numbers for them.
+struct Chunk {
+    std::u32string phonemes;
+    std::vector<std::size_t> source;
+    std::vector<std::int64_t> numbers;
+    std::vector<std::size_t> place; ///< of each phoneme, its first number
+};
+
+void AppendClause(Chunk& chunk, const Clause& clause)
+{
+    chunk.phonemes += clause.phonemes;
+    chunk.source.insert(chunk.source.end(), clause.source.begin(), clause.source.end());
+}
+
+// The clauses as chunks: one for each sentence, but one for the first clause of a text, so that it is heard soon.
+std::vector<Chunk> ChunksOf(const std::vector<Clause>& clauses, const PiperVoiceFile& voice, bool first)
+{
+    std::vector<Chunk> chunks;
+    bool open = false;
+    for (const Clause& clause : clauses) {
+        if (!open || chunks.back().phonemes.size() + clause.phonemes.size() > MostNumbers / 2)
+            chunks.emplace_back();
+        AppendClause(chunks.back(), clause);
+        open = !clause.endsSentence && !std::exchange(first, false);
+    }
+    std::erase_if(chunks, [](const Chunk& chunk) {
+        return chunk.phonemes.find_first_not_of(U" .?!,:;") == std::u32string::npos;
+    });
+    for (Chunk& chunk : chunks)
+        chunk.numbers = NumbersOf(voice, chunk.phonemes, chunk.place);
+    return chunks;
+}
+
+struct LoadedVoice {
+    PiperVoiceFile file;
+    std::unique_ptr<PiperModel> model;
+    double wordsPerMinute = 0; ///< at its own speed
+    double hertz = 0;          ///< the median of its pitch; 0 when none was found
+    std::vector<float> steps;  ///< of the measured prose, at its own speed; empty when the network does not tell
+
+    /// How much longer the prose is at `length` than at 1. Because each number is heard for whole steps, that is not in
+    /// proportion.
+    double Longer(double length) const
+    {
+        double own = 0;
+        double wanted = 0;
+        for (const float step : steps) {
+            own += std::ceil(static_cast<double>(step));
+            wanted += std::ceil(static_cast<double>(step) * length);
+        }
+        return own > 0 ? wanted / own : length;
+    }
+
+    /// The length at which the prose is `longer` times as long as at 1.
+    double LengthFor(double longer) const
+    {
+        double below = ShortestLength;
+        double above = LongestLength;
+        for (int i = 0; i < 20; ++i) {
+            const double middle = (below + above) / 2;
+            (Longer(middle) < longer ? below : above) = middle;
+        }
+        return (below + above) / 2;
+    }
+};
+
+/// A stretch on its way to the shaper.
+struct Stretch {
+    WordFollower words;
+    std::int64_t length = 0; ///< samples so far
+};
+
+class PiperEngine final : public Engine
+{
+public:
+    PiperEngine(std::vector<fs::path> folders, fs::path runtime, std::function<void(const std::string&)> report)
+        : folders_(std::move(folders)), runtime_(std::move(runtime)), report_(std::move(report))
+    {
+    }
+
+    const std::vector<Voice>& Voices() override
+    {
+        if (!std::exchange(listed_, true))
+            List();
+        return voices_;
+    }
+
+    int SampleRate(const Voice& voice) override
+    {
+        const auto found = files_.find(voice.key);
+        return found == files_.end() ? 22050 : found->second.file.sampleRate;
+    }
+
+    bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
+    {
+        const auto found = files_.find(voice.key);
+        if (found == files_.end() || !Load(found->second, sink))
+            return !sink.Wanted();
+        Shaper shaper(loaded_->file.sampleRate, sink);
+        Arranger arranger(segments);
+        std::optional<Stretch> stretch;
+        bool first = true;
+        while (const auto part = arranger.Next()) {
+            if (part->pauseMilliseconds > 0) {
+                if (!shaper.Silence(part->pauseMilliseconds))
+                    return true;
+                continue;
+            }
+            if (!stretch) {
+                stretch.emplace();
+                shaper.Begin(PrepareFor(part->prosody));
+            }
+            bool failed = false;
+            if (!Speak(*part, *stretch, first, shaper, sink, failed))
+                return !failed;
+            if (part->end == MarkedText::End::Stretch)
+                stretch.reset();
+        }
+        shaper.EventHere(SpeechEvent::Kind::Mouth, 0);
+        return true;
+    }
+
+    void Rest() override { loaded_.reset(); }
+
+private:
+    struct File {
+        PiperVoiceFile file;
+        std::int64_t speaker = 0;
+    };
+
+    void List()
+    {
+        const std::vector<fs::path> models = FindPiperModels(folders_);
+        if (models.empty() || !PiperModel::Available(runtime_))
+            return;
+        for (const fs::path& model : models) {
+            std::string why;
+            const std::optional<PiperVoiceFile> file = ReadPiperVoice(model, why);
+            if (!file) {
+                Tell(why);
+                continue;
+            }
+            const std::size_t speakers = std::max<std::size_t>(1, file->speakers.size());
+            for (std::size_t speaker = 0; speaker < speakers; ++speaker)
+                Add(*file, speaker);
+        }
+    }
+
+    void Add(const PiperVoiceFile& file, std::size_t speaker)
+    {
+        Voice voice;
+        voice.name = "Piper " + file.name;
+        if (!file.speakers.empty())
+            voice.name += " " + file.speakers[speaker];
+        std::string about = file.place.empty() ? file.language : file.place;
+        if (!file.quality.empty())
+            about += ", " + file.quality;
+        voice.name += " (" + about + ")";
+        voice.key = file.model.string() + "#" + std::to_string(speaker);
+        voice.modeId = ModeIdOf("piper", file.model.filename().string() + "#" + std::to_string(speaker));
+        voice.language = file.language;
+        voice.origin = Voice::Origin::Added;
+        files_[voice.key] = {file, static_cast<std::int64_t>(speaker)};
+        voices_.push_back(std::move(voice));
+    }
+
+    void Tell(const std::string& what) const
+    {
+        if (report_)
+            report_(what);
+    }
+
+    // Makes the voice the loaded one; only one is kept, because each takes as much memory as the whole program.
+    bool Load(const File& file, const SampleSink& sink)
+    {
+        const bool sameModel = loaded_ && loaded_->file.model == file.file.model;
+        if (sameModel && std::exchange(speaker_, file.speaker) == file.speaker)
+            return true;
+        if (!sameModel) {
+            loaded_.reset();
+            std::string why;
+            LoadedVoice loaded;
+            loaded.file = file.file;
+            loaded.model = PiperModel::Load(file.file.model, runtime_, why);
+            if (!loaded.model) {
+                Tell(why);
+                return false;
+            }
+            loaded_ = std::move(loaded);
+            speaker_ = file.speaker;
+        }
+        if (Measure(sink))
+            return true;
+        if (sink.Wanted())
+            Tell(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
+        loaded_.reset();
+        return false;
+    }
+
+    // Listens to the voice once, for its own speed and pitch.
+    bool Measure(const SampleSink& sink)
+    {
+        std::vector<std::int16_t> samples;
+        loaded_->steps.clear();
+        const std::vector<Chunk> chunks = ChunksOf(ClausesOf(loaded_->file.espeakVoice, MeasuredProse), loaded_->file, false);
+        for (const Chunk& chunk : chunks) {
+            const auto sound = loaded_->model->Speak(
+                chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_, [&sink] { return sink.Wanted(); });
+            if (!sound)
+                return false;
+            const std::vector<std::int16_t> piece = Levelled(sound->samples);
+            samples.insert(samples.end(), piece.begin(), piece.end());
+            loaded_->steps.insert(loaded_->steps.end(), sound->steps.begin(), sound->steps.end());
+        }
+        const double seconds = measure::SpeakingSeconds(samples, loaded_->file.sampleRate);
+        if (seconds <= 0)
+            return false;
+        loaded_->wordsPerMinute = MeasuredWords * 60 / seconds / MeasuredShare;
+        loaded_->hertz = measure::TrackPitch(samples, loaded_->file.sampleRate).Median();
+        return true;
+    }
+
+    static std::vector<std::int16_t> Levelled(std::span<const float> sound)
+    {
+        float loudest = 0;
+        for (const float sample : sound)
+            if (std::isfinite(sample))
+                loudest = std::max(loudest, std::abs(sample));
+        std::vector<std::int16_t> samples(sound.size());
+        // Below that there is nothing but noise to be made louder.
+        if (loudest < 1e-8F)
+            return samples;
+        const double gain = Level * 32767 / static_cast<double>(loudest);
+        for (std::size_t i = 0; i < sound.size(); ++i)
+            if (std::isfinite(sound[i]))
+                samples[i] = static_cast<std::int16_t>(std::lround(static_cast<double>(sound[i]) * gain));
+        return samples;
+    }
+
+    // Sets how long the voice is, and returns what the shaper has to do for pitch, speed and loudness.
+    Shape PrepareFor(const Prosody& prosody)
+    {
+        Shape shape;
+        shape.whisper = prosody.whisper;
+        shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
+        if (prosody.pitchHz > 0 && !prosody.whisper && loaded_->hertz > 0)
+            shape.rate = std::clamp(prosody.pitchHz / loaded_->hertz, 0.25, 4.0);
+        double wanted = 1;
+        if (prosody.wordsPerMinute > 0)
+            wanted = loaded_->wordsPerMinute / prosody.wordsPerMinute;
+        // What is played faster for a higher pitch would be too quick.
+        wanted *= shape.rate;
+        length_ = loaded_->LengthFor(wanted);
+        shape.speed = loaded_->Longer(length_) / wanted;
+        return shape;
+    }
+
+    // Speaks a piece of a stretch; false when it was stopped or the network failed (then `failed` is set).
+    bool Speak(const MarkedText& part, Stretch& stretch, bool& first, Shaper& shaper, const SampleSink& sink,
+               bool& failed)
+    {
+        std::size_t nextMark = 0;
+        const bool hasText = part.text.find_first_not_of(U" \n") != std::u32string::npos;
+        const std::vector<Chunk> chunks =
+            hasText ? ChunksOf(ClausesOf(loaded_->file.espeakVoice, part.text), loaded_->file, first)
+                    : std::vector<Chunk>();
+        for (const Chunk& chunk : chunks) {
+            if (!sink.Wanted())
+                return false;
+            const PiperVoiceFile& file = loaded_->file;
+            const PiperModel::Scales scales{file.noiseScale, static_cast<float>(file.lengthScale * length_),
+                                            file.noiseWidth};
+            const auto sound =
+                loaded_->model->Speak(chunk.numbers, scales, speaker_, [&sink] { return sink.Wanted(); });
+            if (!sound) {
+                failed = sink.Wanted();
+                if (failed)
+                    Tell(file.model.string() + ": it failed in the middle of a text.");
+                return false;
+            }
+            if (!Deliver(part, chunk, *sound, stretch, nextMark, std::exchange(first, false), shaper))
+                return false;
+        }
+        const bool isLast = part.end == MarkedText::End::Stretch;
+        const bool listening = !isLast || shaper.End();
+        for (; nextMark < part.marks.size(); ++nextMark) {
+            const int number = part.marks[nextMark].number;
+            if (isLast)
+                shaper.EventHere(SpeechEvent::Kind::Bookmark, number);
+            else
+                shaper.Event(SpeechEvent::Kind::Bookmark, stretch.length, number);
+        }
+        return listening;
+    }
+
+    // The first sample of each phoneme, and the number of all samples behind the last.
+    static std::vector<std::int64_t> Places(const Chunk& chunk, const PiperModel::Sound& sound)
+    {
+        std::vector<double> starts(chunk.numbers.size() + 1);
+        for (std::size_t i = 0; i < chunk.numbers.size(); ++i)
+            starts[i + 1] = starts[i] + (sound.steps.empty() ? 1 : std::ceil(static_cast<double>(sound.steps[i])));
+        const double samplesPerStep = static_cast<double>(sound.samples.size()) / starts.back();
+        std::vector<std::int64_t> places;
+        for (const std::size_t place : chunk.place)
+            places.push_back(std::lround(starts[std::min(place, starts.size() - 1)] * samplesPerStep));
+        places.push_back(static_cast<std::int64_t>(sound.samples.size()));
+        return places;
+    }
+
+    bool Deliver(const MarkedText& part, const Chunk& chunk, const PiperModel::Sound& sound, Stretch& stretch,
+                 std::size_t& nextMark, bool first, Shaper& shaper)
+    {
+        std::vector<std::int16_t> samples = Levelled(sound.samples);
+        const std::vector<std::int64_t> places = Places(chunk, sound);
+        // What the network makes before the first phoneme of a text is silence that would be waited for.
+        std::int64_t from = 0;
+        if (first && !chunk.place.empty())
+            from = std::max<std::int64_t>(0, places.front() - std::lround(KeptSilence * loaded_->file.sampleRate));
+        int mouth = -1;
+        for (std::size_t i = 0; i < chunk.phonemes.size(); ++i) {
+            const std::int64_t at = stretch.length + std::max<std::int64_t>(0, places[i] - from);
+            const std::size_t source = chunk.source[i];
+            for (; nextMark < part.marks.size() && part.marks[nextMark].at <= source; ++nextMark)
+                shaper.Event(SpeechEvent::Kind::Bookmark, at, part.marks[nextMark].number);
+            if (source < part.shownWord.size()) {
+                if (const int shown = part.shownWord[source]; shown >= 0 && stretch.words.Advances(shown))
+                    shaper.Event(SpeechEvent::Kind::Word, at, shown);
+                if (part.emphasised[source])
+                    for (auto s = places[i]; s < std::min<std::int64_t>(places[i + 1], std::ssize(samples)); ++s) {
+                        std::int16_t& sample = samples[static_cast<std::size_t>(s)];
+                        sample = static_cast<std::int16_t>(std::clamp(sample * StressGain, -32767.0, 32767.0));
+                    }
+            }
+            if (const int next = MouthAt(chunk.phonemes, i); next >= 0 && next != mouth) {
+                shaper.Event(SpeechEvent::Kind::Mouth, at, next);
+                mouth = next;
+            }
+        }
+        const auto begin = std::min<std::int64_t>(from, std::ssize(samples));
+        stretch.length += std::ssize(samples) - begin;
+        return shaper.Samples(std::span(samples).subspan(static_cast<std::size_t>(begin)));
+    }
+
+    // The mouth that begins with this character; -1 when it goes on as before.
+    static int MouthAt(std::u32string_view phonemes, std::size_t at)
+    {
+        const char32_t c = phonemes[at];
+        if (IsPause(c))
+            return 0;
+        if (c == U' ' || c == U'ˈ' || c == U'ˌ' || c == U'-' || IsMark(c))
+            return -1;
+        std::string name;
+        AppendUtf8(name, c);
+        for (std::size_t next = at + 1; next < phonemes.size() && IsMark(phonemes[next]); ++next)
+            AppendUtf8(name, phonemes[next]);
+        return MouthOfIpa(name);
+    }
+
+    const std::vector<fs::path> folders_;
+    const fs::path runtime_;
+    const std::function<void(const std::string&)> report_;
+    bool listed_ = false;
+    std::vector<Voice> voices_;
+    std::map<std::string, File> files_;
+    std::optional<LoadedVoice> loaded_;
+    std::int64_t speaker_ = 0;
+    double length_ = 1; ///< how long the current stretch is spoken, beside the voice's own length
+};
+
+} // namespace
+
+std::unique_ptr<Engine> CreatePiperEngine(const fs::path& own, std::function<void(const std::string&)> report)
+{
+    return std::make_unique<PiperEngine>(PiperFolders(own), own / "runtime", std::move(report));
+}
+
+} // namespace voxmate::speech
