@@ -2,17 +2,17 @@
 # shellcheck shell=bash
 
 # Compiler and build tools, the libraries the program is built on, and what it needs when it runs. Those with "?" are
-# optional, and are taken where apt knows all of them: layers of the screen in Wayland sessions, from Debian 13 on (what
-# Debian 12 has by the second name is for Qt 5).
+# optional, and are taken where apt knows all of them: layers of the screen in Wayland sessions (what Debian 12 has by the
+# second name is for Qt 5) and neural voices, both from Debian 13 on.
 build_packages=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libxcb-screensaver0-dev libxcb-shape0-dev
   libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
   libpoppler-cpp-dev libzip-dev libxml2-dev libicu-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
-  libical-dev
+  libical-dev nlohmann-json3-dev
   librsvg2-bin
-  liblayershellqtinterface6? liblayershellqtinterface-dev? libwayland-dev?
+  liblayershellqtinterface6? liblayershellqtinterface-dev? libwayland-dev? libonnxruntime-dev?
 )
 run_packages=(
   espeak-ng-data libflite1 libpulse0 libexpat1 libmd0 fonts-dejavu-core xdg-utils libreoffice-writer-nogui

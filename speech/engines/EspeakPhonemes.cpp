@@ -218,8 +218,11 @@ std::vector<Clause> ClausesOf(const std::string& voice, std::u32string_view text
             mark = found == Terminators.end() ? U'\0' : found->second;
             clause.endsSentence = (terminator & SentenceBit) != 0;
         } else {
-            mark = LastMark(text.substr(begin, end - begin));
-            clause.endsSentence = mark == U'.' || mark == U'?' || mark == U'!' || !rest;
+            const std::u32string_view own = text.substr(begin, end - begin);
+            mark = LastMark(own);
+            // A paragraph ends a sentence, too.
+            clause.endsSentence = mark == U'.' || mark == U'?' || mark == U'!' || !rest ||
+                                  own.find(U"\n\n") != std::u32string_view::npos;
         }
         if (mark)
             clause.phonemes += mark;
