@@ -141,6 +141,11 @@ class ListTest(VoicesTest):
             f"{self.data}/piper-voices:\n  de_DE-kai-high: German, high, 22050 Hz, 0.0 MB, licence unknown\n"
             f"{self.folder}/.var/app/com.mikeasoft.pied/data/pied/models:\n  en_GB-ann-low: English"), out)
 
+    def test_the_folder_that_the_program_has_been_given_comes_first(self):
+        self.environment["VOXMATE_HOME"] = os.path.join(self.folder, "home")
+        self.voice("home/voices")
+        self.assertTrue(self.run_voices()[0].startswith(f"{self.folder}/home/voices:\n  {NAME}: English"))
+
     def test_says_what_is_damaged_and_why(self):
         self.voice("data/piper", "cut", network()[:-1])
         self.voice("data/piper", "empty", b"")
