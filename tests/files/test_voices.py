@@ -618,6 +618,16 @@ class RuntimeTest(VoicesTest):
                 called = file.read()
         return code, called
 
+    def test_says_which_library_is_there(self):
+        # Any library will do: whether it can be loaded by that name is all that is asked.
+        with open("/proc/self/maps", encoding="utf-8") as maps:
+            library = next(line.split()[-1] for line in maps if "/libm.so" in line or "/libc.so" in line)
+        os.makedirs(os.path.join(self.folder, "lib"))
+        shutil.copy(library, os.path.join(self.folder, "lib", "libonnxruntime.so.1.21"))
+        self.environment["LD_LIBRARY_PATH"] = os.path.join(self.folder, "lib")
+        self.assertEqual(self.run_voices("runtime"), ("ONNX Runtime is installed: libonnxruntime.so.1.21\n", "", 0))
+        self.assertTrue(self.run_voices()[0].endswith("ONNX Runtime, on which they run: libonnxruntime.so.1.21\n"))
+
     def test_debian_12_has_none(self):
         self.assertEqual(self.ask('ID=debian\nVERSION_ID="12"\n', False),
                          ("Debian 12 has no package of ONNX Runtime. Natural voices need Debian 13.", None))
