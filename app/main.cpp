@@ -127,9 +127,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
     engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
-    engines.push_back(speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices", [](const std::string& why) {
-        std::cerr << "voxmate: " << why << '\n';
-    }));
+    engines.push_back(
+        speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices",
+                                  [](const std::string& why) { std::cerr << "voxmate: " << why << '\n'; }));
     // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
     // Portuguese.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), Voice::EngineLimit,

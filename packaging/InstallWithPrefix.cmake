@@ -7,7 +7,7 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     set(etc /etc)
 endif()
 
-foreach(program voxmate acsbuild acsinfo)
+foreach(program voxmate voxmate-voices acsbuild acsinfo)
     set(ETC "${etc}")
     set(READER "${CMAKE_INSTALL_PREFIX}/libexec/voxmate/voxmate-reader")
     set(DECODER "${CMAKE_INSTALL_PREFIX}/libexec/voxmate/voxmate-decoder")

@@ -221,8 +221,8 @@ std::vector<Clause> ClausesOf(const std::string& voice, std::u32string_view text
             const std::u32string_view own = text.substr(begin, end - begin);
             mark = LastMark(own);
             // A paragraph ends a sentence, too.
-            clause.endsSentence = mark == U'.' || mark == U'?' || mark == U'!' || !rest ||
-                                  own.find(U"\n\n") != std::u32string_view::npos;
+            clause.endsSentence =
+                mark == U'.' || mark == U'?' || mark == U'!' || !rest || own.find(U"\n\n") != std::u32string_view::npos;
         }
         if (mark)
             clause.phonemes += mark;

@@ -9,8 +9,8 @@
 namespace voxmate::speech
 {
 
-/// The name of what the only node of this kind in the network works on; nothing when there is none or more than one such
-/// node, or the bytes are no such file. A name of more than 200 bytes is none.
+/// The name of what the only node of this kind in the network works on; nothing when there is none or more than one
+/// such node, or the bytes are no such file. A name of more than 200 bytes is none.
 std::optional<std::string> InputOfOnly(std::span<const char> model, const std::string& kind);
 
 /// The bytes that make the value called `name` an output of the network when they are put behind its file: a second

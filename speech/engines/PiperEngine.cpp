@@ -263,10 +263,12 @@ private:
     {
         std::vector<std::int16_t> samples;
         loaded_->steps.clear();
-        const std::vector<Chunk> chunks = ChunksOf(ClausesOf(loaded_->file.espeakVoice, MeasuredProse), loaded_->file, false);
+        const std::vector<Chunk> chunks =
+            ChunksOf(ClausesOf(loaded_->file.espeakVoice, MeasuredProse), loaded_->file, false);
         for (const Chunk& chunk : chunks) {
-            const auto sound = loaded_->model->Speak(
-                chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_, [&sink] { return sink.Wanted(); });
+            const auto sound =
+                loaded_->model->Speak(chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_,
+                                      [&sink] { return sink.Wanted(); });
             if (!sound)
                 return false;
             const std::vector<std::int16_t> piece = Levelled(sound->samples);

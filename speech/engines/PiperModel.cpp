@@ -117,8 +117,8 @@ class OnnxPiperModel final : public PiperModel
 {
 public:
     explicit OnnxPiperModel(const Runtime& runtime)
-        : runtime_(runtime), api_(*runtime_.api), options_(api_.ReleaseSessionOptions),
-          session_(api_.ReleaseSession), memory_(api_.ReleaseMemoryInfo)
+        : runtime_(runtime), api_(*runtime_.api), options_(api_.ReleaseSessionOptions), session_(api_.ReleaseSession),
+          memory_(api_.ReleaseMemoryInfo)
     {
     }
 
@@ -133,8 +133,8 @@ public:
             // An arena keeps the most memory that any clause has taken.
             !runtime_.Done(api_.DisableCpuMemArena(options_.Get()), &why) ||
             !runtime_.Done(api_.CreateCpuMemoryInfo(OrtArenaAllocator, OrtMemTypeDefault, &memory_), &why) ||
-            !runtime_.Done(api_.CreateSessionFromArray(runtime_.environment, bytes.data(), bytes.size(),
-                                                       options_.Get(), &session_),
+            !runtime_.Done(api_.CreateSessionFromArray(runtime_.environment, bytes.data(), bytes.size(), options_.Get(),
+                                                       &session_),
                            &why))
             return false;
         std::vector<std::string> inputs = Names(true);
@@ -174,8 +174,7 @@ public:
             !Tensor(&speaker, sizeof speaker, one, ONNX_TENSOR_ELEMENT_DATA_TYPE_INT64, values[3]))
             return std::nullopt;
         const std::array<const char*, 4> inputNames{"input", "input_lengths", "scales", "sid"};
-        const std::array<const OrtValue*, 4> inputs{values[0].Get(), values[1].Get(), values[2].Get(),
-                                                    values[3].Get()};
+        const std::array<const OrtValue*, 4> inputs{values[0].Get(), values[1].Get(), values[2].Get(), values[3].Get()};
         const std::array<const char*, 2> outputNames{output_.c_str(), lengths_.c_str()};
         std::array<OrtValue*, 2> outputs{};
         const bool ran = Run(inputNames.data(), inputs.data(), several_ ? 4U : 3U, outputNames.data(), outputs.data(),
@@ -213,8 +212,8 @@ private:
     bool Tensor(void* data, std::size_t bytes, std::span<const std::int64_t> shape, ONNXTensorElementDataType type,
                 Handle<OrtValue>& value) const
     {
-        return runtime_.Done(api_.CreateTensorWithDataAsOrtValue(memory_.Get(), data, bytes, shape.data(), shape.size(),
-                                                                 type, &value));
+        return runtime_.Done(
+            api_.CreateTensorWithDataAsOrtValue(memory_.Get(), data, bytes, shape.data(), shape.size(), type, &value));
     }
 
     // Runs the network while another thread asks whether its sound is still wanted.
@@ -234,8 +233,8 @@ private:
             if (!end.stop_requested())
                 runtime_.Done(api_.RunOptionsSetTerminate(run.Get()));
         });
-        return runtime_.Done(api_.Run(session_.Get(), run.Get(), inputNames, inputs, inputCount, outputNames,
-                                      outputCount, outputs));
+        return runtime_.Done(
+            api_.Run(session_.Get(), run.Get(), inputNames, inputs, inputCount, outputNames, outputCount, outputs));
     }
 
     // The numbers of an output; empty when they are of another kind.

@@ -202,11 +202,20 @@ std::vector<std::int64_t> NumbersOf(const PiperVoiceFile& voice, std::u32string_
 std::vector<fs::path> PiperFolders(const fs::path& own)
 {
     std::vector<fs::path> folders{own};
-    // Where voice managers and Piper's users put them.
-    if (own.parent_path().filename() == "voxmate")
-        for (const char* const name : {"piper", "piper-voices", "piper-tts"})
-            folders.push_back(own.parent_path().parent_path() / name);
-    for (const char* const shared : {"/usr/local/share/piper-voices", "/usr/share/piper-voices", "/usr/share/piper"})
+    // Where Piper's users put them, and the voice manager Pied: as a program of its own, as a Flatpak, as a Snap. The
+    // command voxmate-voices has the same list.
+    if (own.parent_path().filename() == "voxmate") {
+        const fs::path data = own.parent_path().parent_path();
+        for (const char* const name : {"piper", "piper-voices", "pied/models"})
+            folders.push_back(data / name);
+        if (data.filename() == "share" && data.parent_path().filename() == ".local") {
+            const fs::path home = data.parent_path().parent_path();
+            folders.push_back(home / ".var/app/com.mikeasoft.pied/data/pied/models");
+            folders.push_back(home / "snap/pied/common/models");
+        }
+    }
+    for (const char* const shared :
+         {"/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"})
         folders.emplace_back(shared);
     return folders;
 }

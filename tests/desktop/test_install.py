@@ -56,7 +56,7 @@ class Install(unittest.TestCase):
                 self.assertEqual([int.from_bytes(head[at:at + 4], "big") for at in (16, 20)], [size, size])
         for name in ("voxmate-reader", "voxmate-decoder", "voxmate-recorder"):
             self.assertTrue(os.access(self.path("libexec", "voxmate", name), os.X_OK), name)
-        for program in ("voxmate", "acsbuild", "acsinfo"):
+        for program in ("voxmate", "voxmate-voices", "acsbuild", "acsinfo"):
             self.assertTrue(os.access(self.path("bin", program), os.X_OK))
             with open(self.path("share", "man", "man1", program + ".1"), encoding="utf-8") as page:
                 self.assertNotRegex(page.read(), r"@[A-Z]+@")

@@ -152,21 +152,25 @@ TEST(PiperNumbersTest, MarksStandAroundAndBetweenPhonemes)
 
 TEST_F(PiperTest, VoicesAreFoundWhereOthersPutThem)
 {
-    const fs::path own = folder / "voxmate/voices";
-    const std::vector<fs::path> folders = PiperFolders(own);
-    EXPECT_THAT(folders, ElementsAre(own, folder / "piper", folder / "piper-voices", folder / "piper-tts",
-                                     "/usr/local/share/piper-voices", "/usr/share/piper-voices", "/usr/share/piper"));
-    EXPECT_THAT(PiperFolders(folder / "elsewhere"),
-                ElementsAre(folder / "elsewhere", "/usr/local/share/piper-voices", "/usr/share/piper-voices",
-                            "/usr/share/piper"));
+    const fs::path data = folder / "share";
+    EXPECT_THAT(PiperFolders(data / "voxmate/voices"),
+                ElementsAre(data / "voxmate/voices", data / "piper", data / "piper-voices", data / "pied/models",
+                            "/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
+    EXPECT_THAT(PiperFolders("/home/a/.local/share/voxmate/voices"),
+                ElementsAre("/home/a/.local/share/voxmate/voices", "/home/a/.local/share/piper",
+                            "/home/a/.local/share/piper-voices", "/home/a/.local/share/pied/models",
+                            "/home/a/.var/app/com.mikeasoft.pied/data/pied/models", "/home/a/snap/pied/common/models",
+                            "/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
+    EXPECT_THAT(PiperFolders("/elsewhere"), ElementsAre("/elsewhere", "/usr/share/piper-voices",
+                                                        "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
 }
 
 TEST_F(PiperTest, AVoiceIsFoundOnceAndOnlyWithBothFiles)
 {
-    for (const char* name : {"own/b.onnx", "own/b.onnx.json", "own/a.onnx", "own/a.onnx.json", "own/half.onnx",
-                             "own/other.txt", "piper/en/en_US/joe/medium/c.onnx", "piper/en/en_US/joe/medium/c.onnx.json",
-                             "piper/b.onnx", "piper/b.onnx.json", "piper/1/2/3/4/5/deep.onnx",
-                             "piper/1/2/3/4/5/deep.onnx.json"})
+    for (const char* name :
+         {"own/b.onnx", "own/b.onnx.json", "own/a.onnx", "own/a.onnx.json", "own/half.onnx", "own/other.txt",
+          "piper/en/en_US/joe/medium/c.onnx", "piper/en/en_US/joe/medium/c.onnx.json", "piper/b.onnx",
+          "piper/b.onnx.json", "piper/1/2/3/4/5/deep.onnx", "piper/1/2/3/4/5/deep.onnx.json"})
         Write(folder / name, "x");
     fs::create_directory_symlink(folder, folder / "piper/loop");
     EXPECT_THAT(FindPiperModels({folder / "own", folder / "piper", folder / "missing"}),
