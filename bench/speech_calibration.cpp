@@ -5,9 +5,9 @@
 //
 // The tables in the engines (CalibrationPoint) list what is heard at each setting. To measure them anew, ask for the
 // `heard` values of the table (they select exactly its settings) and replace them by what is heard now.
-#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/Engine.h"
+#include "speech/sound/SpeechMeasure.h"
 
 #include <cstdio>
 #include <cstdlib>

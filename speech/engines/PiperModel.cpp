@@ -33,8 +33,8 @@ constexpr int NewestMinor = 40;
 constexpr int OldestMinor = 16;
 constexpr std::uintmax_t LargestModel = 1U << 30U;
 constexpr int Threads = 2;
-// A minute at 48 kHz for one clause would be a network of another kind, or gone wild.
-constexpr std::size_t MostSamples = 48000 * 120;
+// Two minutes at 48 kHz for one clause would be a network of another kind, or gone wild.
+constexpr std::size_t MostSamples = 5760000;
 constexpr float MostSteps = 10000;
 constexpr auto Watch = std::chrono::milliseconds(20);
 
@@ -46,10 +46,9 @@ fs::path FindLibrary(const fs::path& own)
         if (folder.empty())
             continue;
         for (int minor = NewestMinor; minor >= OldestMinor; --minor)
-            if (const fs::path file = folder / ("libonnxruntime.so.1." + std::to_string(minor));
-                fs::exists(file, error))
+            if (fs::path file = folder / ("libonnxruntime.so.1." + std::to_string(minor)); fs::exists(file, error))
                 return file;
-        if (const fs::path file = folder / "libonnxruntime.so.1"; fs::exists(file, error))
+        if (fs::path file = folder / "libonnxruntime.so.1"; fs::exists(file, error))
             return file;
     }
     return {};

@@ -1,7 +1,7 @@
 // The real engines: what they deliver, and how it sounds.
-#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/player/Shaper.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "speech/text/MarkedText.h"
 #include "tests/fakes/RecordingSink.h"
 #include "tests/unit/speech/HeapInUse.h"

@@ -1,7 +1,7 @@
 // A text in more than one script: who says what, in which order, and what is heard.
 #include "speech/text/Relay.h"
-#include "speech/sound/SpeechMeasure.h"
 #include "speech/sound/Resampler.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "tests/fakes/RecordingSink.h"
 #include "tests/unit/speech/Segments.h"
 

@@ -1,8 +1,8 @@
 // Voices in the user's own files. The test files are made from the installed voices.
-#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/engines/FliteLibrary.h"
 #include "speech/player/SpeechJob.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "tests/fakes/Eventually.h"
 #include "tests/fakes/RecordingSink.h"
 #include "tests/unit/speech/Segments.h"

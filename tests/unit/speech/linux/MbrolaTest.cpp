@@ -1,8 +1,8 @@
 // MBROLA voices, with our own data where eSpeak NG looks for it. The library looks only once per process, so tests that
 // need the data run in a separate process.
-#include "speech/sound/SpeechMeasure.h"
 #include "bench/speech_prose.h"
 #include "speech/VoiceCatalog.h"
+#include "speech/sound/SpeechMeasure.h"
 #include "tests/fakes/RecordingSink.h"
 #include "tests/unit/speech/Segments.h"
 
