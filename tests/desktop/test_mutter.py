@@ -18,7 +18,7 @@ class Companions(Cases):
     def neighbour(self, *options):
         # A window that nobody has called for opens behind the one in use.
         child, window = super().neighbour(*options)
-        self.desk.run("xdotool", "windowactivate", window)
+        self.activate(window)
         return child, window
 
 
