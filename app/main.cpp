@@ -127,9 +127,16 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
     engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
-    engines.push_back(
-        speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices",
-                                  [](const std::string& why) { std::cerr << "voxmate: " << why << '\n'; }));
+    Extras* told = nullptr; // when it is there
+    const auto leaveOut = [](const std::string& why) { std::cerr << "voxmate: " << why << '\n'; };
+    const auto voiceFailed = [&application, &told, leaveOut](const std::string& why) {
+        leaveOut(why);
+        application.Post([&told, why] {
+            if (told)
+                told->VoiceFailed(why);
+        });
+    };
+    engines.push_back(speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices", leaveOut, voiceFailed));
     // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
     // Portuguese.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), Voice::EngineLimit,
@@ -187,6 +194,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                    user,
                    notifications,
                    quiet});
+    told = &extras;
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 

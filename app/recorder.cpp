@@ -27,8 +27,8 @@ int main()
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
     engines.push_back(speech::CreateFlitevoxEngine(job->addedVoices));
-    engines.push_back(speech::CreatePiperEngine(
-        job->addedVoices, [](const std::string& why) { std::cerr << "voxmate-recorder: " << why << '\n'; }));
+    const auto tell = [](const std::string& why) { std::cerr << "voxmate-recorder: " << why << '\n'; };
+    engines.push_back(speech::CreatePiperEngine(job->addedVoices, tell, tell));
     speech::VoiceCatalog voices(std::move(engines), job->language, 1000, [&job] { return job->voiceName; });
     try {
         recording::Record(

@@ -106,6 +106,14 @@ void Extras::SettingsNotSaved(const std::string& file)
     tmrWaiting_.Enabled = true;
 }
 
+void Extras::VoiceFailed(const std::string& why)
+{
+    if (!toldVoices_.insert(why).second)
+        return;
+    failedVoice_ = why;
+    tmrWaiting_.Enabled = true;
+}
+
 // A window that was called for while the program started is shown only when that has ended.
 void Extras::GoOn()
 {
@@ -122,6 +130,10 @@ void Extras::GoOn()
         program_.Messages.Announce("Settings cannot be saved in the following file:" + std::string(CrLf) + file + CrLf +
                                        "What you change holds until Voxmate ends.",
                                    vbExclamation, "Voxmate - File Error", "Decline");
+    if (const std::string why = std::exchange(failedVoice_, ""); !why.empty())
+        program_.Messages.Announce("The voice that is chosen cannot speak, and another speaks in its place." +
+                                       std::string(CrLf) + why,
+                                   vbExclamation, "Voxmate - Voice Error", "Decline");
     if (opening_.GoOn())
         tmrWaiting_.Enabled = false;
 }

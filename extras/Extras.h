@@ -31,6 +31,7 @@
 #include "platform/WindowPlaces.h"
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,9 @@ public:
     /// Tells the user, the first time, that settings cannot be saved in that file; while the program starts, when that
     /// has ended.
     void SettingsNotSaved(const std::string& file);
+    /// Tells the user, once for each reason, that a voice could not speak and another has taken its place; while the
+    /// program starts, when that has ended. `why` is a sentence that names the voice.
+    void VoiceFailed(const std::string& why);
     /// See Speaking::Escape.
     bool Escape() { return speaking_.Escape(); }
     ReadingWindow& TextWindow() { return reading_.Window(); }
@@ -111,6 +115,8 @@ private:
     std::map<std::string, Event> actions_;
     std::string unsaved_; ///< the file in which settings cannot be saved, until the user knows
     bool toldUnsaved_ = false;
+    std::string failedVoice_; ///< why a voice could not speak, until the user knows
+    std::set<std::string> toldVoices_;
 
     void Called(const Call& call);
     void Open(const std::vector<std::string>& files);

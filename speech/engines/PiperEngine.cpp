@@ -134,8 +134,11 @@ struct Stretch {
 class PiperEngine final : public Engine
 {
 public:
-    PiperEngine(std::vector<fs::path> folders, fs::path runtime, std::function<void(const std::string&)> report)
-        : folders_(std::move(folders)), runtime_(std::move(runtime)), report_(std::move(report))
+    using Told = std::function<void(const std::string&)>;
+
+    PiperEngine(std::vector<fs::path> folders, fs::path runtime, Told leftOut, Told failed)
+        : folders_(std::move(folders)), runtime_(std::move(runtime)), leftOut_(std::move(leftOut)),
+          failed_(std::move(failed))
     {
     }
 
@@ -198,7 +201,7 @@ private:
             std::string why;
             const std::optional<PiperVoiceFile> file = ReadPiperVoice(model, why);
             if (!file) {
-                Tell(why);
+                leftOut_(why);
                 continue;
             }
             const std::size_t speakers = std::max<std::size_t>(1, file->speakers.size());
@@ -225,12 +228,6 @@ private:
         voices_.push_back(std::move(voice));
     }
 
-    void Tell(const std::string& what) const
-    {
-        if (report_)
-            report_(what);
-    }
-
     // Makes the voice the loaded one; only one is kept, because each takes as much memory as the whole program.
     bool Load(const File& file, const SampleSink& sink)
     {
@@ -244,7 +241,7 @@ private:
             loaded.file = file.file;
             loaded.model = PiperModel::Load(file.file.model, runtime_, why);
             if (!loaded.model) {
-                Tell(why);
+                failed_(why);
                 return false;
             }
             loaded_ = std::move(loaded);
@@ -253,7 +250,7 @@ private:
         if (Measure(sink))
             return true;
         if (sink.Wanted())
-            Tell(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
+            failed_(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
         loaded_.reset();
         return false;
     }
@@ -338,7 +335,7 @@ private:
             if (!sound) {
                 failed = sink.Wanted();
                 if (failed)
-                    Tell(file.model.string() + ": it failed in the middle of a text.");
+                    failed_(file.model.string() + ": it failed in the middle of a text.");
                 return false;
             }
             if (!Deliver(part, chunk, *sound, stretch, nextMark, std::exchange(first, false), shaper))
@@ -421,7 +418,8 @@ private:
 
     const std::vector<fs::path> folders_;
     const fs::path runtime_;
-    const std::function<void(const std::string&)> report_;
+    const Told leftOut_;
+    const Told failed_;
     bool listed_ = false;
     std::vector<Voice> voices_;
     std::map<std::string, File> files_;
@@ -432,9 +430,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<Engine> CreatePiperEngine(const fs::path& own, std::function<void(const std::string&)> report)
+std::unique_ptr<Engine> CreatePiperEngine(const fs::path& own, std::function<void(const std::string&)> leftOut,
+                                          std::function<void(const std::string&)> failed)
 {
-    return std::make_unique<PiperEngine>(PiperFolders(own), own / "runtime", std::move(report));
+    return std::make_unique<PiperEngine>(PiperFolders(own), own / "runtime", std::move(leftOut), std::move(failed));
 }
 
 } // namespace voxmate::speech

@@ -131,6 +131,8 @@ class Neural(ProgramCase):
             shutil.copyfileobj(whole, half, 1 << 20)
             half.truncate(os.path.getsize(MODEL) // 2)
         begin = self.begin()
+        self.assertIn(f"{model}: it cannot be used", self.box_text("Voxmate - Voice Error"))
+        self.answer_box("Voxmate - Voice Error")
         self.settle(timeout=120)
         self.assertGreater(self.sound_since(begin), WORDS * 60 / 156 * 0.6)
 
