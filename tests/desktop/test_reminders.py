@@ -53,14 +53,21 @@ class ReminderCase(ProgramCase):
             file.write(b"".join(records))
 
     def slots(self):
-        with open(self.path, "rb") as file:
-            data = file.read()
+        """The file's slots. While the program replaces the file, there is none for a moment."""
+        def content():
+            try:
+                with open(self.path, "rb") as file:
+                    return (file.read(),)
+            except FileNotFoundError:
+                return None
+
+        data, = desktop.wait_for(content, what="the reminder file")
         return [data[at:at + SLOT] for at in range(0, len(data), SLOT)]
 
     def done(self):
         try:
             return [fields(slot)[7] for slot in self.slots()]
-        except (OSError, struct.error):
+        except struct.error:
             return None
 
     def minute(self, room=20):
