@@ -45,7 +45,8 @@ constexpr std::size_t MostNumbers = 400;
 constexpr double KeptSilence = 0.03;
 // A stressed word is amplified by this factor (5 dB).
 constexpr double StressGain = 1.78;
-// The voices are trained at a peak of full scale; this brings their loudness near that of the other engines' voices.
+// How loud the loudest sample of the measured prose becomes, of full scale. This brings the voices' loudness near that
+// of the other engines' and leaves 3 dB for louder words.
 constexpr double Level = 0.7;
 
 constexpr std::u32string_view Modifiers = U"ːˑʲʰʷˤ˞";
@@ -97,6 +98,7 @@ struct LoadedVoice {
     std::unique_ptr<PiperModel> model;
     double wordsPerMinute = 0; ///< at its own speed
     double hertz = 0;          ///< the median of its pitch; 0 when none was found
+    double gain = 0;           ///< of its samples, so that it is as loud as the other engines' voices
     std::vector<float> steps;  ///< of the measured prose, at its own speed; empty when the network does not tell
 
     /// How much longer the prose is at `length` than at 1. Because each number is heard for whole steps, that is not in
@@ -258,20 +260,30 @@ private:
     // Listens to the voice once, for its own speed and pitch.
     bool Measure(const SampleSink& sink)
     {
-        std::vector<std::int16_t> samples;
+        std::vector<float> sound;
         loaded_->steps.clear();
         const std::vector<Chunk> chunks =
             ChunksOf(ClausesOf(loaded_->file.espeakVoice, MeasuredProse), loaded_->file, false);
         for (const Chunk& chunk : chunks) {
-            const auto sound =
-                loaded_->model->Speak(chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_,
-                                      [&sink] { return sink.Wanted(); });
-            if (!sound)
+            std::vector<float> steps;
+            if (!loaded_->model->Speak(
+                    chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_,
+                    [&sink] { return sink.Wanted(); },
+                    [&](const PiperModel::Piece& piece) {
+                        sound.insert(sound.end(), piece.samples.begin(), piece.samples.end());
+                        steps.assign(piece.steps.begin(), piece.steps.end());
+                        return true;
+                    }))
                 return false;
-            const std::vector<std::int16_t> piece = Levelled(sound->samples);
-            samples.insert(samples.end(), piece.begin(), piece.end());
-            loaded_->steps.insert(loaded_->steps.end(), sound->steps.begin(), sound->steps.end());
+            loaded_->steps.insert(loaded_->steps.end(), steps.begin(), steps.end());
         }
+        float loudest = 0;
+        for (const float sample : sound)
+            if (std::isfinite(sample))
+                loudest = std::max(loudest, std::abs(sample));
+        // Below that there is nothing but noise to be made louder.
+        loaded_->gain = loudest < 1e-8F ? 0 : Level * 32767 / static_cast<double>(loudest);
+        const std::vector<std::int16_t> samples = Levelled(sound, loaded_->gain);
         const double seconds = measure::SpeakingSeconds(samples, loaded_->file.sampleRate);
         if (seconds <= 0)
             return false;
@@ -280,20 +292,13 @@ private:
         return true;
     }
 
-    static std::vector<std::int16_t> Levelled(std::span<const float> sound)
+    static std::vector<std::int16_t> Levelled(std::span<const float> sound, double gain)
     {
-        float loudest = 0;
-        for (const float sample : sound)
-            if (std::isfinite(sample))
-                loudest = std::max(loudest, std::abs(sample));
         std::vector<std::int16_t> samples(sound.size());
-        // Below that there is nothing but noise to be made louder.
-        if (loudest < 1e-8F)
-            return samples;
-        const double gain = Level * 32767 / static_cast<double>(loudest);
         for (std::size_t i = 0; i < sound.size(); ++i)
             if (std::isfinite(sound[i]))
-                samples[i] = static_cast<std::int16_t>(std::lround(static_cast<double>(sound[i]) * gain));
+                samples[i] = static_cast<std::int16_t>(
+                    std::lround(std::clamp(static_cast<double>(sound[i]) * gain, -32767.0, 32767.0)));
         return samples;
     }
 
@@ -330,16 +335,17 @@ private:
             const PiperVoiceFile& file = loaded_->file;
             const PiperModel::Scales scales{file.noiseScale, static_cast<float>(file.lengthScale * length_),
                                             file.noiseWidth};
-            const auto sound =
-                loaded_->model->Speak(chunk.numbers, scales, speaker_, [&sink] { return sink.Wanted(); });
-            if (!sound) {
-                failed = sink.Wanted();
+            Delivery delivery(part, chunk, stretch, nextMark, std::exchange(first, false));
+            bool listening = true;
+            if (!loaded_->model->Speak(
+                    chunk.numbers, scales, speaker_, [&sink] { return sink.Wanted(); },
+                    [&](const PiperModel::Piece& piece) { return listening = Deliver(delivery, piece, shaper); })) {
+                failed = listening && sink.Wanted();
                 if (failed)
                     failed_(file.model.string() + ": it failed in the middle of a text.");
                 return false;
             }
-            if (!Deliver(part, chunk, *sound, stretch, nextMark, std::exchange(first, false), shaper))
-                return false;
+            stretch.length += delivery.Length();
         }
         const bool isLast = part.end == MarkedText::End::Stretch;
         const bool listening = !isLast || shaper.End();
@@ -353,52 +359,81 @@ private:
         return listening;
     }
 
-    // The first sample of each phoneme, and the number of all samples behind the last.
-    static std::vector<std::int64_t> Places(const Chunk& chunk, const PiperModel::Sound& sound)
+    /// What is known of a chunk while its pieces are given to the shaper.
+    struct Delivery {
+        Delivery(const MarkedText& part_, const Chunk& chunk_, Stretch& stretch_, std::size_t& nextMark_, bool first_)
+            : part(part_), chunk(chunk_), stretch(stretch_), nextMark(nextMark_), first(first_)
+        {
+        }
+        std::int64_t Length() const { return given - from; }
+
+        const MarkedText& part;
+        const Chunk& chunk;
+        Stretch& stretch;
+        std::size_t& nextMark;
+        const bool first;                 ///< whether it is the first of its text
+        std::vector<std::int64_t> places; ///< the first sample of each phoneme, and the number of all behind the last
+        std::int64_t from = 0;            ///< the first sample that is heard
+        std::int64_t given = 0;           ///< samples of the pieces so far
+    };
+
+    static std::vector<std::int64_t> Places(const Chunk& chunk, const PiperModel::Piece& piece)
     {
         std::vector<double> starts(chunk.numbers.size() + 1);
         for (std::size_t i = 0; i < chunk.numbers.size(); ++i)
-            starts[i + 1] = starts[i] + (sound.steps.empty() ? 1 : std::ceil(static_cast<double>(sound.steps[i])));
-        const double samplesPerStep = static_cast<double>(sound.samples.size()) / starts.back();
+            starts[i + 1] = starts[i] + (piece.steps.empty() ? 1 : std::ceil(static_cast<double>(piece.steps[i])));
+        const double samplesPerStep = static_cast<double>(piece.all) / starts.back();
         std::vector<std::int64_t> places;
         for (const std::size_t place : chunk.place)
             places.push_back(std::lround(starts[std::min(place, starts.size() - 1)] * samplesPerStep));
-        places.push_back(static_cast<std::int64_t>(sound.samples.size()));
+        places.push_back(static_cast<std::int64_t>(piece.all));
         return places;
     }
 
-    bool Deliver(const MarkedText& part, const Chunk& chunk, const PiperModel::Sound& sound, Stretch& stretch,
-                 std::size_t& nextMark, bool first, Shaper& shaper)
+    bool Deliver(Delivery& to, const PiperModel::Piece& piece, Shaper& shaper) const
     {
-        std::vector<std::int16_t> samples = Levelled(sound.samples);
-        const std::vector<std::int64_t> places = Places(chunk, sound);
-        // What the network makes before the first phoneme of a text is silence that would be waited for.
-        std::int64_t from = 0;
-        if (first && !chunk.place.empty())
-            from = std::max<std::int64_t>(0, places.front() - std::lround(KeptSilence * loaded_->file.sampleRate));
-        int mouth = -1;
-        for (std::size_t i = 0; i < chunk.phonemes.size(); ++i) {
-            const std::int64_t at = stretch.length + std::max<std::int64_t>(0, places[i] - from);
-            const std::size_t source = chunk.source[i];
-            for (; nextMark < part.marks.size() && part.marks[nextMark].at <= source; ++nextMark)
-                shaper.Event(SpeechEvent::Kind::Bookmark, at, part.marks[nextMark].number);
-            if (source < part.shownWord.size()) {
-                if (const int shown = part.shownWord[source]; shown >= 0 && stretch.words.Advances(shown))
-                    shaper.Event(SpeechEvent::Kind::Word, at, shown);
-                if (part.emphasised[source])
-                    for (auto s = places[i]; s < std::min<std::int64_t>(places[i + 1], std::ssize(samples)); ++s) {
-                        std::int16_t& sample = samples[static_cast<std::size_t>(s)];
-                        sample = static_cast<std::int16_t>(std::clamp(sample * StressGain, -32767.0, 32767.0));
-                    }
+        if (to.given == 0) {
+            to.places = Places(to.chunk, piece);
+            // What the network makes before the first phoneme of a text is silence that would be waited for.
+            if (to.first && !to.chunk.place.empty())
+                to.from =
+                    std::max<std::int64_t>(0, to.places.front() - std::lround(KeptSilence * loaded_->file.sampleRate));
+            Announce(to, shaper);
+        }
+        std::vector<std::int16_t> samples = Levelled(piece.samples, loaded_->gain);
+        const std::int64_t end = to.given + std::ssize(samples);
+        for (std::size_t i = 0; i < to.chunk.phonemes.size(); ++i) {
+            const std::size_t source = to.chunk.source[i];
+            if (source >= to.part.emphasised.size() || !to.part.emphasised[source])
+                continue;
+            for (auto at = std::max(to.places[i], to.given); at < std::min(to.places[i + 1], end); ++at) {
+                std::int16_t& sample = samples[static_cast<std::size_t>(at - to.given)];
+                sample = static_cast<std::int16_t>(std::clamp(sample * StressGain, -32767.0, 32767.0));
             }
-            if (const int next = MouthAt(chunk.phonemes, i); next >= 0 && next != mouth) {
+        }
+        const std::int64_t begin = std::clamp<std::int64_t>(to.from - to.given, 0, std::ssize(samples));
+        to.given = end;
+        return shaper.Samples(std::span(samples).subspan(static_cast<std::size_t>(begin)));
+    }
+
+    // Tells the shaper when the chunk's words, mouths and bookmarks are heard.
+    static void Announce(Delivery& of, Shaper& shaper)
+    {
+        const MarkedText& part = of.part;
+        int mouth = -1;
+        for (std::size_t i = 0; i < of.chunk.phonemes.size(); ++i) {
+            const std::int64_t at = of.stretch.length + std::max<std::int64_t>(0, of.places[i] - of.from);
+            const std::size_t source = of.chunk.source[i];
+            for (; of.nextMark < part.marks.size() && part.marks[of.nextMark].at <= source; ++of.nextMark)
+                shaper.Event(SpeechEvent::Kind::Bookmark, at, part.marks[of.nextMark].number);
+            if (source < part.shownWord.size())
+                if (const int shown = part.shownWord[source]; shown >= 0 && of.stretch.words.Advances(shown))
+                    shaper.Event(SpeechEvent::Kind::Word, at, shown);
+            if (const int next = MouthAt(of.chunk.phonemes, i); next >= 0 && next != mouth) {
                 shaper.Event(SpeechEvent::Kind::Mouth, at, next);
                 mouth = next;
             }
         }
-        const auto begin = std::min<std::int64_t>(from, std::ssize(samples));
-        stretch.length += std::ssize(samples) - begin;
-        return shaper.Samples(std::span(samples).subspan(static_cast<std::size_t>(begin)));
     }
 
     // The mouth that begins with this character; -1 when it goes on as before.
