@@ -93,13 +93,12 @@ std::vector<Chunk> ChunksOf(const std::vector<Clause>& clauses, const PiperVoice
     return chunks;
 }
 
-struct LoadedVoice {
-    PiperVoiceFile file;
-    std::unique_ptr<PiperModel> model;
-    double wordsPerMinute = 0; ///< at its own speed
-    double hertz = 0;          ///< the median of its pitch; 0 when none was found
-    double gain = 0;           ///< of its samples, so that it is as loud as the other engines' voices
-    std::vector<float> steps;  ///< of the measured prose, at its own speed; empty when the network does not tell
+/// What has been heard and counted of a voice once, at its own speed.
+struct Manner {
+    double wordsPerMinute = 0;
+    double hertz = 0;         ///< the median of its pitch; 0 when none was found
+    double gain = 0;          ///< of its samples, so that it is as loud as the other engines' voices
+    std::vector<float> steps; ///< of the measured prose; empty when the network does not tell
 
     /// How much longer the prose is at `length` than at 1. Because each number is heard for whole steps, that is not in
     /// proportion.
@@ -125,6 +124,13 @@ struct LoadedVoice {
         }
         return (below + above) / 2;
     }
+};
+
+struct LoadedVoice {
+    PiperVoiceFile file;
+    std::int64_t speaker = 0;
+    std::unique_ptr<PiperModel> model;
+    Manner manner;
 };
 
 /// A stretch on its way to the shaper.
@@ -160,7 +166,7 @@ public:
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
     {
         const auto found = files_.find(voice.key);
-        if (found == files_.end() || !Load(found->second, sink))
+        if (found == files_.end() || !Load(voice.key, found->second, sink))
             return !sink.Wanted();
         Shaper shaper(loaded_->file.sampleRate, sink);
         Arranger arranger(segments);
@@ -231,12 +237,9 @@ private:
     }
 
     // Makes the voice the loaded one; only one is kept, because each takes as much memory as the whole program.
-    bool Load(const File& file, const SampleSink& sink)
+    bool Load(const std::string& key, const File& file, const SampleSink& sink)
     {
-        const bool sameModel = loaded_ && loaded_->file.model == file.file.model;
-        if (sameModel && std::exchange(speaker_, file.speaker) == file.speaker)
-            return true;
-        if (!sameModel) {
+        if (!loaded_ || loaded_->file.model != file.file.model) {
             loaded_.reset();
             std::string why;
             LoadedVoice loaded;
@@ -247,49 +250,66 @@ private:
                 return false;
             }
             loaded_ = std::move(loaded);
-            speaker_ = file.speaker;
         }
-        if (Measure(sink))
-            return true;
-        if (sink.Wanted())
-            failed_(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
-        loaded_.reset();
-        return false;
+        loaded_->speaker = file.speaker;
+        auto known = manners_.find(key);
+        if (known == manners_.end()) {
+            std::optional<Manner> manner = Listen(sink);
+            if (!manner) {
+                if (sink.Wanted())
+                    failed_(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
+                loaded_.reset();
+                return false;
+            }
+            known = manners_.emplace(key, std::move(*manner)).first;
+        }
+        loaded_->manner = known->second;
+        return true;
     }
 
-    // Listens to the voice once, for its own speed and pitch.
-    bool Measure(const SampleSink& sink)
+    // Lets the voice say the prose, for its own speed, pitch and loudness. The first sentence is heard; of the others
+    // the network only tells how long they are, if it does. Nothing when it was stopped or the voice cannot be used.
+    std::optional<Manner> Listen(const SampleSink& sink) const
     {
+        const PiperVoiceFile& file = loaded_->file;
+        const std::vector<Chunk> chunks = ChunksOf(ClausesOf(file.espeakVoice, MeasuredProse), file, false);
+        Manner manner;
         std::vector<float> sound;
-        loaded_->steps.clear();
-        const std::vector<Chunk> chunks =
-            ChunksOf(ClausesOf(loaded_->file.espeakVoice, MeasuredProse), loaded_->file, false);
+        double samples = 0;
         for (const Chunk& chunk : chunks) {
-            std::vector<float> steps;
+            const bool isFirst = &chunk == &chunks.front();
+            bool enough = false;
+            bool told = false;
+            const auto take = [&](const PiperModel::Piece& piece) {
+                if (!std::exchange(told, true)) {
+                    manner.steps.insert(manner.steps.end(), piece.steps.begin(), piece.steps.end());
+                    const std::vector<std::int64_t> places = Places(chunk, piece);
+                    // Without the silence before the first phoneme and that of the full stop.
+                    const std::int64_t end = &chunk == &chunks.back() ? *(places.end() - 2) : places.back();
+                    samples += static_cast<double>(end - (isFirst ? places.front() : 0));
+                }
+                if (isFirst)
+                    sound.insert(sound.end(), piece.samples.begin(), piece.samples.end());
+                enough = !isFirst && !piece.steps.empty();
+                return !enough;
+            };
             if (!loaded_->model->Speak(
-                    chunk.numbers, {loaded_->file.noiseScale, loaded_->file.lengthScale, 0}, speaker_,
-                    [&sink] { return sink.Wanted(); },
-                    [&](const PiperModel::Piece& piece) {
-                        sound.insert(sound.end(), piece.samples.begin(), piece.samples.end());
-                        steps.assign(piece.steps.begin(), piece.steps.end());
-                        return true;
-                    }))
-                return false;
-            loaded_->steps.insert(loaded_->steps.end(), steps.begin(), steps.end());
+                    chunk.numbers, {file.noiseScale, file.lengthScale, 0}, loaded_->speaker,
+                    [&sink] { return sink.Wanted(); }, take) &&
+                !enough)
+                return std::nullopt;
         }
         float loudest = 0;
         for (const float sample : sound)
             if (std::isfinite(sample))
                 loudest = std::max(loudest, std::abs(sample));
         // Below that there is nothing but noise to be made louder.
-        loaded_->gain = loudest < 1e-8F ? 0 : Level * 32767 / static_cast<double>(loudest);
-        const std::vector<std::int16_t> samples = Levelled(sound, loaded_->gain);
-        const double seconds = measure::SpeakingSeconds(samples, loaded_->file.sampleRate);
-        if (seconds <= 0)
-            return false;
-        loaded_->wordsPerMinute = MeasuredWords * 60 / seconds / MeasuredShare;
-        loaded_->hertz = measure::TrackPitch(samples, loaded_->file.sampleRate).Median();
-        return true;
+        if (loudest < 1e-8F || samples <= 0)
+            return std::nullopt;
+        manner.gain = Level * 32767 / static_cast<double>(loudest);
+        manner.wordsPerMinute = MeasuredWords * 60 * file.sampleRate / samples / MeasuredShare;
+        manner.hertz = measure::TrackPitch(Levelled(sound, manner.gain), file.sampleRate).Median();
+        return manner;
     }
 
     static std::vector<std::int16_t> Levelled(std::span<const float> sound, double gain)
@@ -308,15 +328,15 @@ private:
         Shape shape;
         shape.whisper = prosody.whisper;
         shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
-        if (prosody.pitchHz > 0 && !prosody.whisper && loaded_->hertz > 0)
-            shape.rate = std::clamp(prosody.pitchHz / (loaded_->hertz * HeardPitch), 0.25, 4.0);
+        if (prosody.pitchHz > 0 && !prosody.whisper && loaded_->manner.hertz > 0)
+            shape.rate = std::clamp(prosody.pitchHz / (loaded_->manner.hertz * HeardPitch), 0.25, 4.0);
         double wanted = 1;
         if (prosody.wordsPerMinute > 0)
-            wanted = loaded_->wordsPerMinute / prosody.wordsPerMinute;
+            wanted = loaded_->manner.wordsPerMinute / prosody.wordsPerMinute;
         // What is played faster for a higher pitch would be too quick.
         wanted *= shape.rate;
-        length_ = loaded_->LengthFor(wanted);
-        shape.speed = loaded_->Longer(length_) / wanted;
+        length_ = loaded_->manner.LengthFor(wanted);
+        shape.speed = loaded_->manner.Longer(length_) / wanted;
         return shape;
     }
 
@@ -338,7 +358,7 @@ private:
             Delivery delivery(part, chunk, stretch, nextMark, std::exchange(first, false));
             bool listening = true;
             if (!loaded_->model->Speak(
-                    chunk.numbers, scales, speaker_, [&sink] { return sink.Wanted(); },
+                    chunk.numbers, scales, loaded_->speaker, [&sink] { return sink.Wanted(); },
                     [&](const PiperModel::Piece& piece) { return listening = Deliver(delivery, piece, shaper); })) {
                 failed = listening && sink.Wanted();
                 if (failed)
@@ -400,7 +420,7 @@ private:
                     std::max<std::int64_t>(0, to.places.front() - std::lround(KeptSilence * loaded_->file.sampleRate));
             Announce(to, shaper);
         }
-        std::vector<std::int16_t> samples = Levelled(piece.samples, loaded_->gain);
+        std::vector<std::int16_t> samples = Levelled(piece.samples, loaded_->manner.gain);
         const std::int64_t end = to.given + std::ssize(samples);
         for (std::size_t i = 0; i < to.chunk.phonemes.size(); ++i) {
             const std::size_t source = to.chunk.source[i];
@@ -459,8 +479,8 @@ private:
     std::vector<Voice> voices_;
     std::map<std::string, File> files_;
     std::optional<LoadedVoice> loaded_;
-    std::int64_t speaker_ = 0;
-    double length_ = 1; ///< how long the current stretch is spoken, beside the voice's own length
+    std::map<std::string, Manner> manners_; ///< of the voices that have been used, by their keys
+    double length_ = 1;                     ///< how long the current stretch is spoken, beside the voice's own length
 };
 
 } // namespace
