@@ -355,7 +355,7 @@ private:
             const PiperVoiceFile& file = loaded_->file;
             const PiperModel::Scales scales{file.noiseScale, static_cast<float>(file.lengthScale * length_),
                                             file.noiseWidth};
-            Delivery delivery(part, chunk, stretch, nextMark, std::exchange(first, false));
+            Delivery delivery{part, chunk, stretch, nextMark, std::exchange(first, false)};
             bool listening = true;
             if (!loaded_->model->Speak(
                     chunk.numbers, scales, loaded_->speaker, [&sink] { return sink.Wanted(); },
@@ -381,20 +381,16 @@ private:
 
     /// What is known of a chunk while its pieces are given to the shaper.
     struct Delivery {
-        Delivery(const MarkedText& part_, const Chunk& chunk_, Stretch& stretch_, std::size_t& nextMark_, bool first_)
-            : part(part_), chunk(chunk_), stretch(stretch_), nextMark(nextMark_), first(first_)
-        {
-        }
-        std::int64_t Length() const { return given - from; }
-
         const MarkedText& part;
         const Chunk& chunk;
         Stretch& stretch;
         std::size_t& nextMark;
-        const bool first;                 ///< whether it is the first of its text
-        std::vector<std::int64_t> places; ///< the first sample of each phoneme, and the number of all behind the last
-        std::int64_t from = 0;            ///< the first sample that is heard
-        std::int64_t given = 0;           ///< samples of the pieces so far
+        const bool first;                   ///< whether it is the first of its text
+        std::vector<std::int64_t> places{}; ///< the first sample of each phoneme, and the number of all behind the last
+        std::int64_t from = 0;              ///< the first sample that is heard
+        std::int64_t given = 0;             ///< samples of the pieces so far
+
+        std::int64_t Length() const { return given - from; }
     };
 
     static std::vector<std::int64_t> Places(const Chunk& chunk, const PiperModel::Piece& piece)

@@ -208,11 +208,9 @@ public:
         // The only rounding up in such a network is that of the phonemes' lengths.
         const std::optional<std::string> lengths = InputOfOnly(bytes, "Ceil");
         std::vector<std::string> outputs;
-        if (std::optional<DividedNetwork> divided =
-                DivideNetwork(bytes, LastPart, LastPartsEntry, lengths.value_or(""))) {
+        std::optional<DividedNetwork> divided = DivideNetwork(bytes, LastPart, LastPartsEntry, lengths.value_or(""));
+        if (divided && second_.Open(divided->second, why)) {
             bytes = std::move(divided->first);
-            if (!second_.Open(divided->second, why))
-                return false;
             between_ = std::move(divided->between);
             samples_ = second_.Names(false);
             outputs = between_;

@@ -1,4 +1,5 @@
 // Neural voices as far as they need no runtime: what a voice's files tell, where they are found, phonemes and numbers.
+#include "PiperNetwork.h"
 #include "base/Text.h"
 #include "speech/engines/EspeakPhonemes.h"
 #include "speech/engines/OnnxGraph.h"
@@ -177,32 +178,27 @@ TEST_F(PiperTest, AVoiceIsFoundOnceAndOnlyWithBothFiles)
                 ElementsAre(folder / "own/a.onnx", folder / "own/b.onnx", folder / "piper/en/en_US/joe/medium/c.onnx"));
 }
 
-// A field of bytes: its number, its length (below 128) and the bytes.
-std::string Field(int number, const std::string& bytes)
-{
-    return std::string{static_cast<char>(number << 3 | 2), static_cast<char>(bytes.size())} + bytes;
-}
-
 std::string Node(const std::string& kind, const std::string& input)
 {
-    return Field(1, Field(1, input) + Field(2, "out") + Field(4, kind));
+    return network::Node(kind, "", {input}, {"out"});
 }
 
 TEST(OnnxGraphTest, TheValueThatIsRoundedUpIsFound)
 {
     const std::string version{0x08, 0x07}; // a number before the graph
-    const std::string model = version + Field(7, Node("Add", "x") + Node("Ceil", "lengths") + Node("Mul", "y"));
+    const std::string model =
+        version + network::Field(7, Node("Add", "x") + Node("Ceil", "lengths") + Node("Mul", "y"));
     EXPECT_EQ(InputOfOnly(model, "Ceil"), "lengths");
     EXPECT_EQ(InputOfOnly(model, "Floor"), std::nullopt);
-    EXPECT_EQ(InputOfOnly(Field(7, Node("Ceil", "a") + Node("Ceil", "b")), "Ceil"), std::nullopt);
-    EXPECT_EQ(InputOfOnly(Field(7, Node("Ceil", "")), "Ceil"), std::nullopt);
+    EXPECT_EQ(InputOfOnly(network::Field(7, Node("Ceil", "a") + Node("Ceil", "b")), "Ceil"), std::nullopt);
+    EXPECT_EQ(InputOfOnly(network::Field(7, Node("Ceil", "")), "Ceil"), std::nullopt);
     EXPECT_EQ(InputOfOnly("", "Ceil"), std::nullopt);
     EXPECT_EQ(InputOfOnly("This is no network.", "Ceil"), std::nullopt);
 }
 
 TEST(OnnxGraphTest, AFileThatBreaksOffIsRefused)
 {
-    const std::string model = Field(7, Node("Add", "x") + Node("Ceil", "lengths"));
+    const std::string model = network::Field(7, Node("Add", "x") + Node("Ceil", "lengths"));
     for (std::size_t size = 1; size < model.size(); ++size)
         EXPECT_EQ(InputOfOnly(std::string_view(model).substr(0, size), "Ceil"), std::nullopt) << size;
     // Lengths of more bytes than there are, and numbers without an end.
@@ -212,8 +208,8 @@ TEST(OnnxGraphTest, AFileThatBreaksOffIsRefused)
 
 TEST(OnnxGraphTest, AnOutputIsAddedBehindTheFile)
 {
-    EXPECT_EQ(AsOutput("lengths"), Field(7, Field(12, Field(1, "lengths"))));
-    const std::string model = Field(7, Node("Ceil", "lengths"));
+    EXPECT_EQ(AsOutput("lengths"), network::Field(7, network::Field(12, network::Field(1, "lengths"))));
+    const std::string model = network::Field(7, Node("Ceil", "lengths"));
     EXPECT_EQ(InputOfOnly(model + AsOutput("lengths"), "Ceil"), "lengths");
     EXPECT_EQ(AsOutput(std::string(200, 'n')).size(), 200 + 3 * 3U);
 }
