@@ -433,8 +433,11 @@ class Desk:
         """Shows a window of another program (see neighbour.py) and waits until it is visible; returns the program and
         the window's id."""
         here = os.path.dirname(os.path.abspath(__file__))
-        child = self.spawn("/usr/bin/python3", os.path.join(here, "neighbour.py"), title, *options)
-        window = wait_for(lambda: self.windows(f"^{title}$"), what=f"the window {title!r}")[0]
+        child = self.spawn("/usr/bin/python3", os.path.join(here, "neighbour.py"), title, *options, stdout=subprocess.PIPE)
+        # A window manager's frame may have the window's title, too.
+        with child.stdout:
+            window = child.stdout.readline().decode().strip()
+        wait_for(lambda: window in self.windows(f"^{title}$"), what=f"the window {title!r}")
         return child, window
 
     def tray(self, align):

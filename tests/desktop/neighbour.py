@@ -1,6 +1,6 @@
 """Shows a window of another program: neighbour.py TITLE [--at X,Y,WIDTH,HEIGHT] [--state NAME]... [--type NAME]
-[--strut 12 NUMBERS] [--called]. NAME is the end of the property's value, as FULLSCREEN of _NET_WM_STATE_FULLSCREEN. With
---called the window tells that the user has just asked for it. It stays until this program is ended."""
+[--strut 12 NUMBERS]. NAME is the end of the property's value, as FULLSCREEN of _NET_WM_STATE_FULLSCREEN. The window's
+number is told on standard output. It stays until this program is ended."""
 
 import argparse
 import ctypes
@@ -14,7 +14,6 @@ options.add_argument("--at", default="300,200,400,300")
 options.add_argument("--state", action="append", default=[])
 options.add_argument("--type", default="NORMAL")
 options.add_argument("--strut", nargs=12, type=int)
-options.add_argument("--called", action="store_true")
 asked = options.parse_args()
 
 xlib = ctypes.CDLL("libX11.so.6")
@@ -35,17 +34,6 @@ def put(name, kind, values):
     xlib.XChangeProperty(display, window, ctypes.c_ulong(atom(name)), ctypes.c_ulong(kind), 32, 0, data, len(values))
 
 
-def server_time():
-    """The X server's time: that of a change of a property of the window."""
-    property_change, property_notify = 1 << 22, 28
-    event = (ctypes.c_long * 24)()
-    xlib.XSelectInput(display, window, ctypes.c_long(property_change))
-    put("_NET_WM_USER_TIME", XA_CARDINAL, [0])
-    while ctypes.cast(event, ctypes.POINTER(ctypes.c_int))[0] != property_notify:
-        xlib.XNextEvent(display, event)
-    return event[6]
-
-
 class SizeHints(ctypes.Structure):
     """XSizeHints: USPosition and USSize mean that the user chose the position and size."""
     _fields_ = [("flags", ctypes.c_long)] + [(name, ctypes.c_int) for name in ("x", "y", "width", "height")] + [
@@ -60,9 +48,8 @@ if asked.state:
     put("_NET_WM_STATE", XA_ATOM, [atom("_NET_WM_STATE_" + state) for state in asked.state])
 if asked.strut:
     put("_NET_WM_STRUT_PARTIAL", XA_CARDINAL, asked.strut)
-if asked.called:
-    put("_NET_WM_USER_TIME", XA_CARDINAL, [server_time()])
 xlib.XMapWindow(display, window)
 xlib.XSync(display, 0)
+print(window.value, flush=True)
 while True:
     time.sleep(1)

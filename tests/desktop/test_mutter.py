@@ -17,7 +17,7 @@ class Companions(Cases):
 
     def neighbour(self, *options):
         # A window that nobody has called for opens behind the one in use.
-        child, window = super().neighbour(*options, "--called")
+        child, window = super().neighbour(*options)
         self.activate(window)
         return child, window
 
