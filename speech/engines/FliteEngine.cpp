@@ -166,6 +166,7 @@ struct Delivery {
     std::int64_t from = 0;    ///< samples of the sentence before this one are left out
     std::int64_t to = 0;      ///< samples from this one on are left out
     std::int64_t offset = 0;  ///< position of sample `from` in the stretch
+    std::int64_t given = 0;   ///< samples for the shaper so far; kal ends a sentence before its last pause does
     std::vector<std::pair<std::int64_t, std::int64_t>> stressed;
     std::vector<std::int16_t> block;
 
@@ -234,6 +235,7 @@ bool Delivery::Take(const cst_wave* wave, int start, int count)
     if (begin >= end)
         return true;
     block.assign(wave->samples + begin, wave->samples + end);
+    given += end - begin;
     for (const auto& [loudFrom, loudTo] : stressed)
         for (std::int64_t i = std::max(begin, loudFrom); i < std::min(end, loudTo); ++i) {
             std::int16_t& sample = block[static_cast<std::size_t>(i - begin)];
@@ -491,7 +493,7 @@ private:
             }
             if (delivery.stopped)
                 return false;
-            stretch.length += delivery.to - delivery.from;
+            stretch.length += delivery.given;
         }
         // When the cut is inside a sentence, Flite takes its halves for two sentences; the silence it puts between them
         // is left out.

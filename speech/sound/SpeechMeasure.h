@@ -67,6 +67,34 @@ inline double SpeakingSeconds(std::span<const std::int16_t> samples, int samples
     return static_cast<double>(last.base() - first) / samplesPerSecond;
 }
 
+/// The samples at which sound begins after at least 100 ms of quiet (34 dB below the loudest 5 ms), to 5 ms.
+inline std::vector<std::int64_t> Onsets(std::span<const std::int16_t> samples, int samplesPerSecond)
+{
+    const std::size_t block = static_cast<std::size_t>(samplesPerSecond) / 200;
+    std::vector<double> energies;
+    for (std::size_t at = 0; at + block <= samples.size(); at += block) {
+        double energy = 0;
+        for (const std::int16_t sample : samples.subspan(at, block))
+            energy += static_cast<double>(sample) * sample;
+        energies.push_back(energy);
+    }
+    std::vector<std::int64_t> onsets;
+    if (energies.empty())
+        return onsets;
+    const double quiet = *std::max_element(energies.begin(), energies.end()) * 4e-4;
+    std::size_t quietBlocks = 20;
+    for (std::size_t i = 0; i < energies.size(); ++i) {
+        if (energies[i] <= quiet) {
+            ++quietBlocks;
+            continue;
+        }
+        if (quietBlocks >= 20)
+            onsets.push_back(static_cast<std::int64_t>(i * block));
+        quietBlocks = 0;
+    }
+    return onsets;
+}
+
 /// The YIN pitch tracker (de Cheveigné and Kawahara, 2002) from 30 to 600 Hz, threshold 0.2. Silent frames (40 dB below
 /// the loudest) are left out.
 inline PitchTrack TrackPitch(std::span<const std::int16_t> samples, int samplesPerSecond)

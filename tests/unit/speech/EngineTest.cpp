@@ -221,6 +221,24 @@ TEST_P(EngineTest, EveryWordIsReportedInItsTurnWhileItIsSpoken)
     EXPECT_LE(sink.latestEventBehind, rate / 10);
 }
 
+TEST_P(EngineTest, EachWordIsToldWhereItsSoundBegins)
+{
+    const fakes::RecordingSink sink = Speak("Moon. Lion. Mellow. Nine. Wall. Yellow. Room. Lemon.");
+    const std::vector<std::int64_t> onsets = measure::Onsets(sink.samples, rate);
+    ASSERT_GE(onsets.size(), 8U);
+    int words = 0;
+    for (const SpeechEvent& event : sink.events) {
+        if (event.kind != SpeechEvent::Kind::Word)
+            continue;
+        std::int64_t nearest = rate;
+        for (const std::int64_t onset : onsets)
+            nearest = std::min(nearest, std::abs(event.sample - onset));
+        EXPECT_LT(nearest * 1000 / rate, 60) << "word " << words;
+        ++words;
+    }
+    EXPECT_EQ(words, 8);
+}
+
 TEST_P(EngineTest, TheMouthMovesWithTheSoundsAndEndsClosed)
 {
     const std::vector<int> mouths = Speak("Mama saw you.").Values(SpeechEvent::Kind::Mouth);
