@@ -1,9 +1,10 @@
 // Measures how soon speech is heard after it was requested, how soon it is quiet after a stop, and how exactly the
 // clock that moves the mouth follows what is heard. Needs a sound server that can be recorded (bench/Monitor.h).
 //
-//   speech_latency [monitor=rec.monitor] [runs=20]
+//   speech_latency [monitor=rec.monitor] [runs=20] [folder with neural voices; the program's own without]
 #include "bench/Monitor.h"
 #include "platform/linux/desktop/QtAudioOutput.h"
+#include "platform/linux/files/Folders.h"
 #include "speech/player/VoicePlayer.h"
 
 #include <algorithm>
@@ -41,6 +42,9 @@ int main(int count, char** arguments)
     std::vector<std::unique_ptr<Engine>> engines;
     engines.push_back(CreateEspeakEngine());
     engines.push_back(CreateFliteEngine());
+    const auto tell = [](const std::string& what) { std::fprintf(stderr, "%s\n", what.c_str()); };
+    engines.push_back(
+        CreatePiperEngine(count > 3 ? arguments[3] : voxmate::linux_platform::ProgramFolder() + "/voices", tell, tell));
     VoiceCatalog catalog(std::move(engines), "en-GB");
     voxmate::qt::QtAudioOutput output;
     VoicePlayer player(catalog, output);
@@ -61,11 +65,16 @@ int main(int count, char** arguments)
         return 1;
     }
 
-    for (const char* name : {"eSpeak English (Great Britain)", "Flite SLT (American English)"}) {
+    // And the first neural voice, where there is one.
+    for (const char* name : {"eSpeak English (Great Britain)", "Flite SLT (American English)", "Piper "}) {
         std::string id;
-        for (int i = 1; i <= voices; ++i)
-            if (catalog.ModeName(i) == name)
+        for (int i = 1; i <= voices && id.empty(); ++i)
+            if (catalog.ModeName(i).starts_with(name))
                 id = catalog.ModeID(i);
+        if (id.empty()) {
+            std::printf("%s is not installed\n", name);
+            continue;
+        }
         Utterance utterance;
         utterance.modeId = id;
         Segment segment;
@@ -73,6 +82,13 @@ int main(int count, char** arguments)
             "A quick answer is what everybody likes to hear, and the rest of this long sentence only keeps the "
             "voice busy until it is told to be quiet again.";
         utterance.segments.push_back(segment);
+
+        // Its first use, when it is loaded.
+        monitor.Reset();
+        player.Start(utterance, {});
+        Wait([&] { return monitor.heard; }, 20000);
+        player.Stop();
+        Wait([] { return false; }, 400);
 
         std::vector<double> starts;
         std::vector<double> stops;

@@ -129,9 +129,9 @@ int Measure(int number, const std::string& part, const std::string& folder)
     const double before = Memory("VmRSS");
     const std::string sentence = "The rain had stopped at last, and every leaf in the garden was shining.";
     const double firstUse = Speak(*entry, sentence).first.value_or(0);
-    std::vector<double> soon;
-    for (int i = 0; i < 5; ++i)
-        soon.push_back(Speak(*entry, sentence).first.value_or(0));
+    std::vector<double> soon(5);
+    for (double& milliseconds : soon)
+        milliseconds = Speak(*entry, sentence).first.value_or(0);
     std::sort(soon.begin(), soon.end());
     double milliseconds = 0;
     double sound = 0;
