@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -166,8 +167,29 @@ public:
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
     {
         const auto found = files_.find(voice.key);
-        if (found == files_.end() || !Load(voice.key, found->second, sink))
+        if (found == files_.end())
             return !sink.Wanted();
+        try {
+            return Load(voice.key, found->second, sink) ? SpeakAll(segments, sink) : !sink.Wanted();
+        } catch (const std::bad_alloc&) {
+            // With a network loaded the rest of the program might get none either.
+            loaded_.reset();
+            failed_(found->second.file.model.string() + ": there is not enough memory for it.");
+            return !sink.Wanted();
+        }
+    }
+
+    void Rest() override { loaded_.reset(); }
+
+private:
+    struct File {
+        PiperVoiceFile file;
+        std::int64_t speaker = 0;
+    };
+
+    // Says all segments with the loaded voice; false when that fails.
+    bool SpeakAll(std::span<const Segment> segments, SampleSink& sink)
+    {
         Shaper shaper(loaded_->file.sampleRate, sink);
         Arranger arranger(segments);
         std::optional<Stretch> stretch;
@@ -191,14 +213,6 @@ public:
         shaper.EventHere(SpeechEvent::Kind::Mouth, 0);
         return true;
     }
-
-    void Rest() override { loaded_.reset(); }
-
-private:
-    struct File {
-        PiperVoiceFile file;
-        std::int64_t speaker = 0;
-    };
 
     void List()
     {

@@ -2,7 +2,9 @@
 .onnx with its .json beside it, and VOXMATE_TEST_RUNTIME, the library of ONNX Runtime where the system has none."""
 
 import os
+import resource
 import shutil
+import subprocess
 import sys
 import unittest
 
@@ -64,12 +66,16 @@ class Neural(ProgramCase):
             os.makedirs(os.path.join(self.folder, "runtime"))
             os.symlink(RUNTIME, os.path.join(self.folder, "runtime", "libonnxruntime.so.1"))
 
-    def begin(self, **settings):
-        """Starts the program with these settings and has it speak. Returns the number of the sample then recorded."""
+    def prepare(self, **settings):
+        """Starts the program with these settings, and with the text to be spoken."""
         self.desk.remove_settings()
         self.desk.install_defaults(**{**self.defaults, **settings})
         self.start_and_settle()
         self.type_text(TEXT)
+
+    def begin(self, **settings):
+        """Starts the program with these settings and has it speak. Returns the number of the sample then recorded."""
+        self.prepare(**settings)
         begin = self.now()
         self.press("Speak the textbox text")
         self.wait_for_sound(begin)
@@ -124,17 +130,51 @@ class Neural(ProgramCase):
         self.settle(timeout=120)
         self.assertGreater(self.sound_since(begin), WORDS * 60 / 156 * 0.6)
 
+    def quick_voice_speaks(self, begin, reason):
+        """The box tells why, once, and a quick voice speaks all of the text, then and the next time."""
+        self.assertIn(reason, self.box_text("Voxmate - Voice Error"))
+        self.answer_box("Voxmate - Voice Error")
+        self.settle(timeout=120)
+        self.assertGreater(self.sound_since(begin), WORDS * 60 / 156 * 0.6)
+        again = self.now()
+        self.press("Speak the textbox text")
+        self.wait_for_sound(again)
+        self.settle(timeout=120)
+        self.assertGreater(self.sound_since(again), WORDS * 60 / 156 * 0.6)
+        self.assertEqual(self.desk.windows("^Voxmate - Voice Error$"), [])
+
+    def test_with_a_runtime_of_another_version_a_quick_voice_speaks(self):
+        runtime = os.path.join(self.folder, "runtime")
+        shutil.rmtree(runtime, ignore_errors=True)
+        os.makedirs(runtime)
+        source = os.path.join(runtime, "other.c")
+        with open(source, "w", encoding="ascii") as file:
+            file.write("struct Base { const void* (*api)(unsigned); const char* (*version)(void); };\n"
+                       "static const void* no_api(unsigned version) { return 0; }\n"
+                       "static const char* old_version(void) { return \"1.0.0\"; }\n"
+                       "const struct Base* OrtGetApiBase(void) {\n"
+                       "  static const struct Base base = {no_api, old_version};\n  return &base;\n}\n")
+        subprocess.run(["gcc", "-shared", "-fPIC", "-o", os.path.join(runtime, "libonnxruntime.so.1"), source], check=True)
+        self.quick_voice_speaks(self.begin(), "ONNX Runtime, which speaks it, cannot be loaded.")
+
+    def test_where_memory_is_refused_a_quick_voice_speaks(self):
+        self.prepare()
+        with open(f"/proc/{self.program.pid}/status", encoding="ascii") as status:
+            taken = next(int(line.split()[1]) for line in status if line.startswith("VmSize:")) * 1024
+        most = taken + (200 << 20)  # more than other voices take, and less than a network does
+        resource.prlimit(self.program.pid, resource.RLIMIT_AS, (most, most))
+        begin = self.now()
+        self.press("Speak the textbox text")
+        self.wait_for_sound(begin)
+        self.quick_voice_speaks(begin, f"{os.path.basename(MODEL)}: there is not enough memory for it.")
+
     def test_for_a_damaged_voice_a_quick_one_speaks(self):
         model = os.path.join(self.folder, os.path.basename(MODEL))
         os.remove(model)
         with open(MODEL, "rb") as whole, open(model, "wb") as half:
             shutil.copyfileobj(whole, half, 1 << 20)
             half.truncate(os.path.getsize(MODEL) // 2)
-        begin = self.begin()
-        self.assertIn(f"{model}: it cannot be used", self.box_text("Voxmate - Voice Error"))
-        self.answer_box("Voxmate - Voice Error")
-        self.settle(timeout=120)
-        self.assertGreater(self.sound_since(begin), WORDS * 60 / 156 * 0.6)
+        self.quick_voice_speaks(self.begin(), f"{model}: it cannot be used")
 
 
 if __name__ == "__main__":
