@@ -50,8 +50,7 @@ def pitch(samples, rate=sound.RATE):
     return float(numpy.median(heard)) if heard else 0.0
 
 
-@unittest.skipUnless(MODEL, "no neural voice is given")
-class Neural(ProgramCase):
+class NeuralCase(ProgramCase):
     defaults = {**CALM, "LastSpeechEngine": "Piper joe (English, United States, medium)", "Pitch": 100, "Speed": 156}
 
     def setUp(self):
@@ -81,6 +80,9 @@ class Neural(ProgramCase):
         self.wait_for_sound(begin)
         return begin
 
+
+@unittest.skipUnless(MODEL, "no neural voice is given")
+class Neural(NeuralCase):
     def speak(self, **settings):
         """What is heard of the text with these settings, from its first to its last loud sample."""
         begin = self.begin(**settings)
