@@ -11,6 +11,14 @@
 namespace voxmate
 {
 
+namespace
+{
+
+// Whether paths are as on Windows: with drives and backslashes.
+constexpr bool HasDrives = std::filesystem::path::preferred_separator == '\\';
+
+} // namespace
+
 std::string InAnyExtensionCase(const std::string& path)
 {
     namespace fs = std::filesystem;
@@ -50,9 +58,13 @@ std::string_view NameOfPath(std::string_view path)
     return path.substr(path.find_last_of("/\\") + 1);
 }
 
-std::string AddressOfPath(const std::string& path)
+std::string AddressOfPath(const std::string& fullPath)
 {
-    std::string address = path.starts_with('/') ? "file://" : "file:///";
+    std::string path = fullPath;
+    if (HasDrives)
+        std::replace(path.begin(), path.end(), '\\', '/');
+    const bool ofNetwork = HasDrives && path.starts_with("//");
+    std::string address = ofNetwork ? "file:" : path.starts_with('/') ? "file://" : "file:///";
     for (const char c : path) {
         if (IsLetter(c) || IsDigit(c) || std::string_view("-._~/:").find(c) != std::string_view::npos) {
             address += c;
@@ -99,16 +111,24 @@ std::string PathOfAddress(const std::string& address)
     if (!EqualNoCase(std::string_view(address).substr(0, file.size()), file))
         return address;
     std::string_view rest = std::string_view(address).substr(file.size());
+    std::string_view host;
     if (rest.starts_with("//")) {
         rest.remove_prefix(2);
-        const std::string_view host = rest.substr(0, rest.find('/'));
-        if (!host.empty() && !EqualNoCase(host, "localhost"))
-            return address;
+        host = rest.substr(0, rest.find('/'));
         rest.remove_prefix(host.size());
+        if (EqualNoCase(host, "localhost"))
+            host = {};
     }
-    if (!rest.starts_with('/'))
+    if (!rest.starts_with('/') || (!host.empty() && !HasDrives))
         return address;
-    const std::string path = PercentDecoded(rest.substr(0, rest.find_first_of("?#")));
+    std::string path = PercentDecoded(rest.substr(0, rest.find_first_of("?#")));
+    if (HasDrives) {
+        if (!host.empty())
+            path.insert(0, "//" + std::string(host));
+        else if (path.size() > 2 && IsLetter(path[1]) && path[2] == ':')
+            path.erase(0, 1);
+        std::replace(path.begin(), path.end(), '/', '\\');
+    }
     // A path that ends early would be another file's.
     return path.find('\0') == std::string::npos ? path : address;
 }
