@@ -164,8 +164,11 @@ void Character::Rest()
     // The queue may hold a request that waits for another character's voice.
     if (body_.Moving() || !queue_.empty())
         return;
-    const int delay = idling_.Delay(aloneSince_);
     idleTimer_.reset();
+    Breathe();
+    if (life_ == IdleLife::None)
+        return;
+    const int delay = idling_.Delay(aloneSince_);
     if (delay >= 0)
         idleTimer_ = shared_.stage.After(delay, [this] { Idle(); });
 }
@@ -188,8 +191,42 @@ void Character::Idle()
         Rest();
         return;
     }
+    PlayIdle(*animation);
+}
+
+void Character::PlayIdle(const Animation& animation)
+{
     playsIdle_ = true;
-    body_.Leave(animation, [this, animation] { body_.Play(*animation, [this] { GoHome(); }); });
+    body_.Leave(&animation, [this, &animation] { body_.Play(animation, [this] { GoHome(); }); });
+}
+
+void Character::SetIdleLife(IdleLife life)
+{
+    const IdleLife before = std::exchange(life_, life);
+    if (before == life || !body_.Visible() || current_ || !queue_.empty() || walks_)
+        return;
+    if (life == IdleLife::None && playsIdle_)
+        StopIdling();
+    if (playsIdle_)
+        return;
+    const Animation* waking =
+        before == IdleLife::None ? PickAnimation(shared_.stage, StateAnimations(*file_, "Waking")) : nullptr;
+    if (waking && !body_.Moving() && !unsettled_) {
+        idleTimer_.reset();
+        PlayIdle(*waking);
+    } else if (before == IdleLife::None || life == IdleLife::None) {
+        Rest();
+    } else {
+        Breathe();
+    }
+}
+
+void Character::Breathe()
+{
+    if (life_ == IdleLife::Full || life_ == IdleLife::Slow)
+        body_.Breathe(life_ == IdleLife::Slow);
+    else
+        body_.HoldBreath();
 }
 
 bool Character::MayGo() const
@@ -245,6 +282,7 @@ void Character::Arrived()
 void Character::StopIdling()
 {
     idleTimer_.reset();
+    body_.HoldBreath();
     walks_ = false;
     if (!std::exchange(playsIdle_, false))
         return;

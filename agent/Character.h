@@ -85,6 +85,7 @@ public:
     /// To be called when screens or work areas have changed.
     void ScreensChanged() { body_.ScreensChanged(); }
     void SetSoundEffectsOn(bool on) { body_.SetSoundEffectsOn(on); }
+    void SetIdleLife(IdleLife life);
     /// Schedules a look at the queue from the event loop.
     void Wake();
 
@@ -123,6 +124,8 @@ private:
     void Rest();
     void GoHome();
     void Idle();
+    void PlayIdle(const Animation& animation);
+    void Breathe();
     void StopIdling();
     void ConnectGestures();
     bool MayGo() const;
@@ -147,8 +150,9 @@ private:
     const Animation* talk_ = nullptr; ///< the last animation in which it spoke, if its mouth moved throughout
     bool running_ = false;            ///< RunQueue is running
     bool playsIdle_ = false;          ///< plays an idle animation, or is on the way to one
-    bool walks_ = false;              ///< the animation that it plays is one of walking
-    bool unsettled_ = false;          ///< stands in a pose that nobody asked it to hold
+    IdleLife life_ = IdleLife::Full;
+    bool walks_ = false;     ///< the animation that it plays is one of walking
+    bool unsettled_ = false; ///< stands in a pose that nobody asked it to hold
     std::int64_t aloneSince_ = 0;
     std::unique_ptr<StageWork> check_; ///< looks through the file's pictures
     std::unique_ptr<StageTimer> wakeTimer_;

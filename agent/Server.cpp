@@ -55,6 +55,7 @@ void Server::Load(const std::string& name, const std::string& path)
     auto character =
         std::make_unique<Character>(Shared{stage_, voice_, turn_, order_, events_, *this}, name, std::move(file));
     character->SetSoundEffectsOn(soundEffectsOn_);
+    character->SetIdleLife(life_);
     if (feet_)
         character->StandAt(*std::exchange(feet_, std::nullopt));
     if (aside_)
@@ -93,6 +94,13 @@ void Server::SetSoundEffectsOn(bool on)
     soundEffectsOn_ = on;
     for (const auto& [name, character] : characters_)
         character->SetSoundEffectsOn(on);
+}
+
+void Server::SetIdleLife(IdleLife life)
+{
+    life_ = life;
+    for (const auto& [name, character] : characters_)
+        character->SetIdleLife(life);
 }
 
 } // namespace voxmate::agent

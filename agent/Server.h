@@ -42,6 +42,7 @@ public:
     AudioStatus AudioOutputStatus() override;
     /// On at first. Concerns the sounds of animation frames, not the voice.
     void SetSoundEffectsOn(bool on) override;
+    void SetIdleLife(IdleLife life) override;
 
 private:
     Stage& stage_;
@@ -53,6 +54,7 @@ private:
     std::optional<Point> feet_;  ///< where the user had put the character unloaded last
     std::optional<Point> aside_; ///< where it had been sent aside
     bool soundEffectsOn_ = true;
+    IdleLife life_ = IdleLife::Full;
     struct WithoutCase {
         bool operator()(const std::string& a, const std::string& b) const { return UCase(a) < UCase(b); }
     };

@@ -114,6 +114,7 @@ private:
     void ReadSways();
     void ReadBlink();
     void ReadAnimations();
+    void AddLidded(const JsonPlace& at, const SourceAnimation& animation);
     SourceAnimation ReadAnimation(const JsonPlace& at, const QString& name);
     Key ReadKey(const JsonPlace& at, SourceAnimation& animation);
     void AddPose(const JsonPlace& at, Ease ease, std::vector<Setting>& settings);
@@ -454,8 +455,8 @@ Key Reader::ReadKey(const JsonPlace& at, SourceAnimation& animation)
 
 SourceAnimation Reader::ReadAnimation(const JsonPlace& at, const QString& name)
 {
-    at.OnlyKeys(
-        {"start", "keys", "length", "step", "hold", "speaks", "return", "branches", "closedMouth", "sway", "blinks"});
+    at.OnlyKeys({"start", "keys", "length", "step", "hold", "speaks", "return", "branches", "closedMouth", "sway",
+                 "blinks", "lids"});
     SourceAnimation animation;
     animation.name = name;
     animation.step = at["step"].Whole(2, 100, json_["step"].Whole(2, 100, 6));
@@ -534,12 +535,39 @@ void Reader::ReadLiveliness(const JsonPlace& at, SourceAnimation& animation) con
     }
 }
 
+/// Adds the same animation with lids half and wholly shut. They open in the last frame, so that it too ends at rest.
+void Reader::AddLidded(const JsonPlace& at, const SourceAnimation& animation)
+{
+    if (lids_.empty())
+        at.Fail("\"blink\", beside \"poses\", must say what a blink looks like");
+    SourceAnimation half = animation;
+    SourceAnimation shut = animation;
+    half.name += "HalfShut";
+    shut.name += "Shut";
+    Key open;
+    open.at = animation.length;
+    for (const Lid& lid : lids_) {
+        Setting& setting = open.settings.emplace_back();
+        setting.part = lid.part;
+        setting.variant = lid.open;
+        half.start[static_cast<std::size_t>(lid.part)].variant = lid.half;
+        shut.start[static_cast<std::size_t>(lid.part)].variant = lid.shut;
+    }
+    half.keys.push_back(open);
+    shut.keys.push_back(open);
+    source_.animations.push_back(std::move(half));
+    source_.animations.push_back(std::move(shut));
+}
+
 void Reader::ReadAnimations()
 {
     const JsonPlace animations = json_["animations"];
     for (const QString& name : animations.Keys())
-        if (name != "comment")
+        if (name != "comment") {
             source_.animations.push_back(ReadAnimation(animations[name], name));
+            if (animations[name]["lids"].YesNo(false))
+                AddLidded(animations[name]["lids"], SourceAnimation(source_.animations.back()));
+        }
     CheckReturns();
 }
 

@@ -112,6 +112,10 @@ public:
     virtual std::optional<Rect> BalloonAt(Point window) = 0;
 };
 
+/// How much a character moves while it has nothing to do: it plays and breathes; it plays and breathes slowly; it
+/// plays now and then and stands still between; nothing moves at all.
+enum class IdleLife { Full, Slow, PlaysOnly, None };
+
 /// The answers of AudioOutput.Status.
 enum class AudioStatus {
     Available = 0,
@@ -138,6 +142,9 @@ public:
     virtual AgentCharacter& Characters(const std::string& name) = 0;
     virtual AudioStatus AudioOutputStatus() = 0;
     virtual void SetSoundEffectsOn(bool on) = 0;
+    /// Full at first. Concerns all characters, those loaded later too. A character that moves again after None first
+    /// plays an animation of the state Waking, if it has any.
+    virtual void SetIdleLife(IdleLife life) = 0;
 
     // Events. Buttons: 1 left, 2 right; shift: 1 shift, 2 control, 4 alt; x and y in pixels within the character.
     std::function<void(const std::string& character, int button, int shift, int x, int y)> Click;

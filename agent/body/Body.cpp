@@ -55,6 +55,12 @@ Body::Body(Stage& stage, const AcsFile& file)
       animator_(
           stage, file, [this](const Frame& frame) { ShowFrame(frame); },
           [this](const Frame& frame) { PlaySound(frame); }),
+      breathing_(stage, file,
+                 [this](const Frame&) {
+                     // A loop of some 60 pictures is longer than what is remembered: none would be found again.
+                     painter_.Forget();
+                     Redraw();
+                 }),
       neutral_(NeutralFrame(file)), size_{std::max<int>(1, file.width), std::max<int>(1, file.height)},
       glide_(stage, [this](Point place) {
           place_ = place;
@@ -102,6 +108,7 @@ void Body::Vanish()
 {
     if (glide_.Going())
         Settle();
+    breathing_.Stop();
     animator_.Clear();
     StopSound();
     visible_ = false;
@@ -294,8 +301,25 @@ void Body::Forget()
     StopSound();
 }
 
+void Body::Breathe(bool slowly)
+{
+    breathing_.SetSlow(slowly);
+    if (visible_ && !animator_.Moving() && neutral_ && animator_.Shown() &&
+        animator_.Shown()->images == neutral_->images)
+        breathing_.Begin();
+}
+
+void Body::HoldBreath()
+{
+    if (!breathing_.Shown())
+        return;
+    breathing_.Stop();
+    Redraw();
+}
+
 void Body::StandNeutral()
 {
+    breathing_.Stop();
     if (neutral_)
         animator_.Stand(*neutral_);
     painter_.Forget();
@@ -363,8 +387,8 @@ void Body::PlaySound(const Frame& frame)
 
 void Body::Redraw()
 {
-    if (animator_.Shown())
-        painter_.Show(*animator_.Shown(), mouth_, size_);
+    if (const Frame* const frame = breathing_.Shown() ? breathing_.Shown() : animator_.Shown())
+        painter_.Show(*frame, mouth_, size_);
 }
 
 void Body::StopSound()

@@ -4,6 +4,7 @@
 
 #include "agent/Stage.h"
 #include "agent/body/Animator.h"
+#include "agent/body/Breathing.h"
 #include "agent/body/Glide.h"
 #include "agent/body/Painter.h"
 #include "platform/Agent.h"
@@ -74,13 +75,27 @@ public:
     void TakeOutline();
 
     /// Plays, leaves and forgets animations as Animator does.
-    void Play(const Animation& animation, std::function<void()> done) { animator_.Play(animation, std::move(done)); }
+    void Play(const Animation& animation, std::function<void()> done)
+    {
+        breathing_.Stop();
+        animator_.Play(animation, std::move(done));
+    }
     void PlayToEnd(const Animation& animation, std::function<void(bool givenUp)> done)
     {
+        breathing_.Stop();
         animator_.PlayToEnd(animation, std::move(done));
     }
     void Hurry() { animator_.Hurry(); }
-    void Leave(const Animation* next, std::function<void()> done) { animator_.Leave(next, std::move(done)); }
+    void Leave(const Animation* next, std::function<void()> done)
+    {
+        breathing_.Stop();
+        animator_.Leave(next, std::move(done));
+    }
+    /// Breathes, at full or half speed, while it stands in the picture of its neutral pose, until it is to do something
+    /// else. For animations it counts as standing still.
+    void Breathe(bool slowly);
+    /// Stands still in its pose at once.
+    void HoldBreath();
     void Forget();
     /// Stands in the neutral pose, and forgets the pictures of what was played before. Without such a pose the
     /// character stays as it is.
@@ -127,6 +142,7 @@ private:
     std::unique_ptr<CharacterWindow> window_;
     Painter painter_;
     Animator animator_;
+    Breathing breathing_;
     const Frame* neutral_ = nullptr;
     int mouth_ = -1;
     bool soundsOn_ = true;

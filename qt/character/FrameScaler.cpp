@@ -10,6 +10,24 @@
 namespace voxmate::qt
 {
 
+namespace
+{
+
+/// A picture in its own size. It stays in its own memory: a copy for each frame would cost more than all else that
+/// happens to it. Its pixels are drawn or not, so that premultiplied they are the same.
+QImage InItsOwnSize(const std::shared_ptr<const Bitmap>& bitmap)
+{
+    return {reinterpret_cast<const uchar*>(bitmap->pixels.data()),
+            bitmap->width,
+            bitmap->height,
+            qsizetype{bitmap->width} * qsizetype{sizeof(std::uint32_t)},
+            QImage::Format_ARGB32_Premultiplied,
+            [](void* kept) { delete static_cast<std::shared_ptr<const Bitmap>*>(kept); },
+            new std::shared_ptr<const Bitmap>(bitmap)};
+}
+
+} // namespace
+
 FrameScaler::FrameScaler(std::function<void()> ready) : FrameScaler(std::move(ready), Scaled) {}
 
 FrameScaler::FrameScaler(std::function<void()> ready, Scale scale) : ready_(std::move(ready)), scale_(std::move(scale))
@@ -30,6 +48,12 @@ const ShapedImage* FrameScaler::Get(const agent::Picture& picture, QSize size, b
     const bool scaled = size != QSize(picture.bitmap->width, picture.bitmap->height);
     const auto entry = std::make_shared<Entry>(Entry{picture.key, size, cutOut, scaled, {}});
     const auto make = [entry, scale = scale_, bitmap = picture.bitmap](const std::stop_token& stop) {
+        if (!entry->scaled) {
+            QImage image = InItsOwnSize(bitmap);
+            QRegion shape = ShapeOf(image);
+            entry->image = {std::move(image), std::move(shape)};
+            return;
+        }
         entry->image = Shaped(scale(*bitmap, entry->size, stop), entry->cutOut);
     };
     if (std::int64_t{size.width()} * size.height() <= LargestAtOnce) {

@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,37 @@ namespace
 
 /// Pixels of at least this alpha (half opaque) take the mouse and, without a compositor, are drawn.
 constexpr int AlphaThreshold = 128;
+
+/// The part of a window in which two of its pictures differ, in device-independent pixels; empty when they are the
+/// same, and all of it when they cannot be compared.
+QRect Changed(const QImage& before, const QImage& after)
+{
+    if (before.size() != after.size() || before.depth() != 32 || after.depth() != 32 ||
+        before.devicePixelRatio() != after.devicePixelRatio())
+        return {QPoint(0, 0), (QSizeF(after.size()) / after.devicePixelRatio()).toSize() + QSize(1, 1)};
+    const int width = after.width();
+    int left = width;
+    int right = 0;
+    int top = after.height();
+    int bottom = 0;
+    for (int y = 0; y < after.height(); ++y) {
+        const auto* old = reinterpret_cast<const QRgb*>(before.constScanLine(y));
+        const auto* now = reinterpret_cast<const QRgb*>(after.constScanLine(y));
+        if (std::equal(old, old + width, now))
+            continue;
+        top = std::min(top, y);
+        bottom = y + 1;
+        left = static_cast<int>(std::mismatch(old, old + left, now).first - old);
+        int last = width;
+        while (last > right && old[last - 1] == now[last - 1])
+            --last;
+        right = last;
+    }
+    if (top >= bottom)
+        return {};
+    const qreal ratio = after.devicePixelRatio();
+    return QRectF(left / ratio, top / ratio, (right - left) / ratio, (bottom - top) / ratio).toAlignedRect();
+}
 
 /// Makes every drawn pixel of the cut-out fully opaque; otherwise the smooth edges would be black.
 void MakeOpaque(QImage& image)
@@ -242,12 +274,13 @@ void ShapedWindow::Refresh()
     const qreal ratio = devicePixelRatioF();
     const bool cutOut = !Compositor::Instance().Running();
     ShapedImage drawn = Draw(ratio, cutOut);
-    image_ = std::move(drawn.image);
+    const QImage before = std::exchange(image_, std::move(drawn.image));
     image_.setDevicePixelRatio(ratio);
+    const QRect changed = Changed(before, image_);
     if (auto* stage = StageWindow::Instance()) {
         shape_ = std::move(drawn.shape);
         stage->Settle();
-        update();
+        update(changed);
         return;
     }
     if (drawn.shape != shape_ || cutOut != cutOut_) {
@@ -259,7 +292,7 @@ void ShapedWindow::Refresh()
             ClearBoundingShape(*windowHandle());
         cutOut_ = cutOut;
     }
-    update();
+    update(changed);
 }
 
 void ShapedWindow::paintEvent(QPaintEvent* event)

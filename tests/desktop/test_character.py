@@ -1,6 +1,7 @@
 """The character on the desktop: its menu and commands, its size, the cast, and what its events do to the program."""
 
 import datetime
+import glob
 import os
 import time
 import unittest
@@ -8,7 +9,7 @@ import unittest
 import desk as desktop
 import sound
 from disc import DISC, write_disc
-from program import CALM, IDLE, ProgramCase, ordinal, spoken_time
+from program import CALM, IDLE, ProgramCase, Watch, ordinal, spoken_time
 
 CHARACTER_BUTTON = "Choose Character by Right Click. Show Character on Left Click"
 SENTENCE = "This is a sentence of some length, so that there is time to interrupt it before it comes to its end."
@@ -89,6 +90,28 @@ class Character(ProgramCase):
         self.desk.key("Escape")
         self.press(CHARACTER_BUTTON)
         self.comes_back()
+
+    def test_it_breathes_while_it_waits_and_stands_still_when_that_is_switched_off(self):
+        if any(open(status, encoding="utf-8").read().strip() == "Discharging" for status in glob.glob("/sys/class/power_supply/*/status")):
+            self.skipTest("on battery it stands still")
+        still = 2.5  # seconds; between two idle plays are three and more, and a breath pauses for less than one
+
+        def longest_rest(watch):
+            moments = [moment for moment, _ in watch.seen]
+            return max((after - before for before, after in zip(moments, moments[1:] + [time.monotonic()])), default=0)
+        _, (x, y, width, height) = self.character_window()
+        for breathes in (True, False):
+            with self.subTest(breathes=breathes):
+                watch = Watch(self.desk, (x, y, x + width, y + height))
+                try:
+                    if breathes:
+                        desktop.wait_for(lambda: watch.seen and watch.seen[-1][0] - watch.seen[0][0] > 6, what="six seconds of breath")  # pylint: disable=cell-var-from-loop
+                        self.assertLess(longest_rest(watch), still)
+                    else:
+                        desktop.wait_for(lambda: longest_rest(watch) > still, what="stillness between two plays")  # pylint: disable=cell-var-from-loop
+                finally:
+                    watch.stop()
+            self.choose_by_keys("alt+x", "Character Breathes", "b")
 
     def test_stop_from_the_menu_silences_the_voice(self):
         self.silences("stop")

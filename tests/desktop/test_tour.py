@@ -225,7 +225,7 @@ class Menus(MainTour):
         self.choose("Extras", "Document", "Forget Where Documents Were Left")
         desktop.wait_for(lambda: IDLE in self.desk.texts(), what="the idle status")
         for name in ("Read the Selection of Any Program", "Read the Clipboard from Any Program", "Open It with Each Document",
-                     "Say Links and Codes in Short", "Wait during Full Screen and Do Not Disturb"):
+                     "Say Links and Codes in Short", "Voice for Each Language", "Wait during Full Screen and Do Not Disturb"):
             path = next(leaf for leaf in leaves if leaf[0] == "Extras" and leaf[-1].startswith(name))
             for checked in (True, False):
                 self.choose(*path)
@@ -236,10 +236,11 @@ class Menus(MainTour):
             self.choose("Extras", "Alerts", name)
             item = self.menu_item(("Extras", "Alerts", name))
             desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what="the check mark of notifications")  # pylint: disable=cell-var-from-loop
-        for checked in (False, True):
-            self.choose("Extras", "Character Stands Aside")
-            item = self.menu_item(("Extras", "Character Stands Aside"))
-            desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what="the check mark of standing aside")  # pylint: disable=cell-var-from-loop
+        for name in ("Character Stands Aside", "Character Breathes"):
+            for checked in (False, True):
+                self.choose("Extras", name)
+                item = self.menu_item(("Extras", name))
+                desktop.wait_for(lambda: self.has(item, "CHECKED") == checked, what=f"the check mark of {name}")  # pylint: disable=cell-var-from-loop
         self.choose("Extras", "Save as Calendar File...")
         self.opened("Save as Calendar File")
         self.look("Save as Calendar File", "save-calendar")

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace voxmate::fakes
 {
@@ -25,6 +26,7 @@ public:
     std::optional<RuntimeError> loadError;
     std::function<void(FakeCharacter&)> prepare; ///< shapes a character when it is loaded
     std::optional<bool> soundEffects;
+    std::vector<IdleLife> lives; ///< what idle characters were told, in order
 
     void Load(const std::string& name, const std::string& path) override
     {
@@ -48,6 +50,7 @@ public:
     }
     AudioStatus AudioOutputStatus() override { return status; }
     void SetSoundEffectsOn(bool on) override { soundEffects = on; }
+    void SetIdleLife(IdleLife life) override { lives.push_back(life); }
 
 private:
     Log& log_;

@@ -10,8 +10,10 @@ class FakePresence : public Presence
 {
 public:
     std::optional<std::chrono::milliseconds> idle;
+    std::chrono::milliseconds here{0};
 
     std::optional<std::chrono::milliseconds> Idle() override { return idle; }
+    std::chrono::milliseconds IdleHere() override { return here; }
 };
 
 } // namespace voxmate::fakes

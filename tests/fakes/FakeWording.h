@@ -1,4 +1,4 @@
-// The rules for words that were handed over last.
+// What was handed over last: the rules for words, and whether each language has a voice of its own.
 #pragma once
 
 #include "platform/WordingControl.h"
@@ -14,12 +14,16 @@ class FakeWording : public WordingControl
 public:
     std::vector<WordingRule> rules;
     bool shortens = false;
+    bool byLanguage = false;
+    bool knowsLanguages = true;
 
     void UseWording(std::vector<WordingRule> newRules, bool newShortens) override
     {
         rules = std::move(newRules);
         shortens = newShortens;
     }
+    void UseVoicesByLanguage(bool on) override { byLanguage = on; }
+    bool KnowsLanguages() const override { return knowsLanguages; }
 };
 
 } // namespace voxmate::fakes

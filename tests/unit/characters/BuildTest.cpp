@@ -348,6 +348,30 @@ TEST(CharacterMotionTest, DoesNotBlinkWithLidsThatAKeyHasSet)
         EXPECT_EQ(PoseAt(talk, blink + 20)[3].variant, 1) << blink;
 }
 
+TEST(CharacterBuildTest, MakesAnAnimationWithLidsTwiceMoreAndOpensThemAtItsEnd)
+{
+    SourceFolder folder;
+    folder.Replace("\"animations\": {",
+                   "\"blink\": {\"shut\": \"gape\"}, \"animations\": {\"Breathe\": {\"step\": 10,"
+                   " \"length\": 60, \"lids\": true, \"keys\": [{\"at\": 30, \"all\": {\"move\": [0, -4]}},"
+                   " {\"at\": 60, \"all\": {\"move\": [0, 0]}}]}, ");
+    folder.Replace("\"poses\": {", "\"poses\": {\"gape\": {\"mouth\": {\"show\": \"open\"}}, ");
+    folder.Replace("\"Speaking\": [\"RestPose\"]", "\"Speaking\": [\"RestPose\"], \"BreathingShut\": [\"BreatheShut\"],"
+                                                   " \"BreathingHalfShut\": [\"BreatheHalfShut\"]");
+    const auto file = Built(folder);
+    const auto picture = [&file](const char* name, std::size_t frame) {
+        return agent::ComposeFrame(*file, file->FindAnimation(name)->frames.at(frame), -1);
+    };
+    const std::size_t last = file->FindAnimation("Breathe")->frames.size() - 1;
+    for (const char* name : {"BreatheHalfShut", "BreatheShut"}) {
+        ASSERT_EQ(file->FindAnimation(name)->frames.size(), last + 1) << name;
+        for (std::size_t i = 0; i < last; ++i) {
+            EXPECT_FALSE(picture(name, i) == picture("Breathe", i)) << name << " " << i;
+        }
+        EXPECT_TRUE(picture(name, last) == picture("Breathe", last)) << name;
+    }
+}
+
 TEST(CharacterFilmTest, IsAnAnimatedPictureOfTheAnimationsTimes)
 {
     const auto file = Built(SourceFolder());

@@ -249,6 +249,23 @@ TEST_P(ShippedCharacterTest, TalksFromItsRestPoseOnWithAMouthInEveryFrame)
     }
 }
 
+TEST_P(ShippedCharacterTest, BreathesBetweenEightAndTwelvePicturesASecondAndStaysNearItsRestPose)
+{
+    const auto& breaths = *file->FindState("Breathing");
+    EXPECT_EQ(file->FindState("BreathingHalfShut")->size(), breaths.size());
+    EXPECT_EQ(file->FindState("BreathingShut")->size(), breaths.size());
+    for (const std::string& name : breaths) {
+        const Animation& breath = Named(name);
+        EXPECT_TRUE(breath.frames.front().images == Named("RestPose").frames.front().images) << name;
+        EXPECT_TRUE(Last(breath).images == breath.frames.front().images) << name;
+        const double aSecond = 100.0 * static_cast<double>(breath.frames.size()) / Duration(breath);
+        EXPECT_GE(aSecond, 8) << name;
+        EXPECT_LE(aSecond, 12) << name;
+        for (std::size_t i = 0; i < breath.frames.size(); ++i)
+            EXPECT_LT(Difference(ComposeFrame(*file, breath.frames[i], -1), rest), 0.12) << name << " " << i;
+    }
+}
+
 TEST_P(ShippedCharacterTest, SpeaksInThePoseOfItsMood)
 {
     for (const char* name : {"Sad", "Surprised", "Pleased", "Alert", "Wave", "Explain", "Think", "Confused"}) {
