@@ -22,11 +22,13 @@
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "platform/linux/process/EndSignals.h"
 #include "platform/linux/process/LinuxProcess.h"
+#include "platform/linux/process/QuietErrors.h"
 #include "platform/linux/process/SessionBus.h"
 #include "platform/linux/process/XdgAutostart.h"
 #include "platform/linux/settings/FileSettingsStore.h"
 #include "platform/linux/settings/FileStateStore.h"
 #include "platform/linux/system/FontsAhead.h"
+#include "platform/linux/system/LinuxPower.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
@@ -136,7 +138,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                 told->VoiceFailed(why);
         });
     };
-    engines.push_back(speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices", leaveOut, voiceFailed));
+    engines.push_back(speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices",
+                                                linux_platform::DataFolder(), linux_platform::HomeFolder(), leaveOut,
+                                                voiceFailed));
     // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
     // Portuguese.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), Voice::EngineLimit,
@@ -168,6 +172,8 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     qt::QtWindowPlaces places;
     linux_platform::X11Presence user;
     linux_platform::DesktopQuiet quiet;
+    linux_platform::DesktopQuiet characterQuiet;
+    linux_platform::LinuxPower power;
     Extras extras(program, mainForm,
                   {*state,
                    login,
@@ -184,6 +190,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                     [&wordedVoice](recording::Job job) {
                         job.rules = wordedVoice.Rules();
                         job.shortens = wordedVoice.Shortens();
+                        job.byLanguage = wordedVoice.ByLanguage();
                         return StartRecorder(std::move(job));
                     },
                     [](const std::string& path) {
@@ -193,7 +200,9 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                     [&windows](const CommonDialog& dialog) { return windows.ShowSave(dialog); }},
                    user,
                    notifications,
-                   quiet});
+                   quiet,
+                   characterQuiet,
+                   power});
     told = &extras;
     settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
@@ -220,6 +229,8 @@ int main(int argc, char** argv)
         std::cout << (line.Help ? CommandLineHelp() : "Voxmate " + VersionText() + "\n");
         return EXIT_SUCCESS;
     }
+    // Debian's ONNX Runtime tells of its own parts twice, in more than a thousand lines.
+    const linux_platform::QuietErrors quiet(std::cerr, "Schema error: ");
     KeepHeapSmall();
     linux_platform::AvoidHangingBus(BusPatience);
     std::optional<qt::PlatformChoice> platform(std::in_place);

@@ -43,8 +43,9 @@ int main(int count, char** arguments)
     engines.push_back(CreateEspeakEngine());
     engines.push_back(CreateFliteEngine());
     const auto tell = [](const std::string& what) { std::fprintf(stderr, "%s\n", what.c_str()); };
-    engines.push_back(
-        CreatePiperEngine(count > 3 ? arguments[3] : voxmate::linux_platform::ProgramFolder() + "/voices", tell, tell));
+    engines.push_back(CreatePiperEngine(count > 3 ? arguments[3] : voxmate::linux_platform::ProgramFolder() + "/voices",
+                                        voxmate::linux_platform::DataFolder(), voxmate::linux_platform::HomeFolder(),
+                                        tell, tell));
     VoiceCatalog catalog(std::move(engines), "en-GB");
     voxmate::qt::QtAudioOutput output;
     VoicePlayer player(catalog, output);

@@ -1,7 +1,7 @@
 // Renders a text with a voice into a wave file, without a sound device, and prints its word and mouth events: kind,
 // sample, value.
 //
-// Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav
+// Usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav [FOLDER_OF_NEURAL_VOICES]
 #include "speech/text/Relay.h"
 
 #include <cstdint>
@@ -65,13 +65,16 @@ void WriteWave(const char* path, const std::vector<std::int16_t>& samples, std::
 
 int main(int argc, char** argv)
 {
-    if (argc != 7) {
-        std::cerr << "usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav\n";
+    if (argc != 7 && argc != 8) {
+        std::cerr << "usage: speech_render VOICE PITCH SPEED WHISPER TEXT OUT.wav [FOLDER_OF_NEURAL_VOICES]\n";
         return 2;
     }
     std::vector<std::unique_ptr<Engine>> engines;
     engines.push_back(CreateEspeakEngine());
     engines.push_back(CreateFliteEngine());
+    const auto tell = [](const std::string& why) { std::cerr << why << "\n"; };
+    if (argc == 8)
+        engines.push_back(CreatePiperEngine(argv[7], argv[7], argv[7], tell, tell));
     VoiceCatalog catalog(std::move(engines), "en");
     for (int i = 1; i <= catalog.CountEngines(); ++i) {
         if (catalog.ModeName(i) != argv[1])

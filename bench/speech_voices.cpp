@@ -113,7 +113,8 @@ int Measure(int number, const std::string& part, const std::string& folder)
     std::vector<std::unique_ptr<Engine>> engines;
     engines.push_back(CreateEspeakEngine());
     engines.push_back(CreateFliteEngine());
-    engines.push_back(CreatePiperEngine(folder, ignore, ignore));
+    engines.push_back(CreatePiperEngine(folder, voxmate::linux_platform::DataFolder(),
+                                        voxmate::linux_platform::HomeFolder(), ignore, ignore));
     VoiceCatalog catalog(std::move(engines), "en-US");
     int seen = 0;
     const VoiceCatalog::Entry* entry = nullptr;

@@ -27,14 +27,16 @@ Extras::Extras(Program& program, frmMain& main, const ExtrasHost& host)
       mediaKeys_(
           main, documents_, host.Media, [&main] { main.cmdStop.UserClick(); }, [this] { Called({}); }),
       trayTip_(program, main, documents_), pronunciations_(menu_, program, host.Wording, host.SaveText, host.State),
-      aside_(menu_, program, main, host.Windows, host.State), login_(menu_, program, host.Login, host.State),
-      quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }), install_(program, host.LookAtCharacter),
+      aside_(menu_, program, main, host.Windows, host.State),
+      lively_(menu_, program, main, host.User, host.LeftAloneByCharacter, host.Supply, host.State),
+      login_(menu_, program, host.Login, host.State), quiet_(program, main, [&main] { main.mnuSysTray.UserClick(); }),
+      install_(program, host.LookAtCharacter),
       opening_(program, [this](const std::string& file) { documents_.Put(file); }),
       entry_(program, dynamic_cast<frmReminder&>(main.Editor())),
       calendars_(menu_, program, main, host.ReadDocument, host.Sounds.AskForFile, host.SaveText),
       missed_(menu_, program, main, host.User, host.State), alertsMenu_(menu_, "mnuAlerts", "&Alerts"),
       notifications_(alertsMenu_, program, main, host.Notifications, host.Windows, host.State),
-      waitingAlerts_(alertsMenu_, program, main, host.LeftAlone, host.State),
+      waitingAlerts_(alertsMenu_, program, main, host.LeftAlone, host.State), keptVoice_(program, main, host.State),
       tmrWaiting_(&main, "tmrWaiting", WaitingInterval, false)
 {
     main_.FirstFocus = &main_.txtText;
@@ -119,6 +121,7 @@ void Extras::GoOn()
 {
     if (!program_.StartedUp)
         return;
+    keptVoice_.Remember();
     if (std::exchange(wanted_, false)) {
         quiet_.Cancel();
         main_.Show();

@@ -7,6 +7,8 @@
 #include "extras/Documents.h"
 #include "extras/ExtrasMenu.h"
 #include "extras/InstallCharacter.h"
+#include "extras/KeptVoice.h"
+#include "extras/LivelyCharacter.h"
 #include "extras/MediaKeys.h"
 #include "extras/MissedReminders.h"
 #include "extras/Opening.h"
@@ -25,6 +27,7 @@
 #include "platform/DesktopNotifications.h"
 #include "platform/GlobalKeys.h"
 #include "platform/MediaControls.h"
+#include "platform/Power.h"
 #include "platform/Presence.h"
 #include "platform/Quiet.h"
 #include "platform/StateStore.h"
@@ -55,6 +58,8 @@ struct ExtrasHost {
     Presence& User;
     DesktopNotifications& Notifications;
     Quiet& LeftAlone;
+    Quiet& LeftAloneByCharacter; ///< another one, because each question is asked alone
+    Power& Supply;
 };
 
 class Extras
@@ -98,6 +103,7 @@ private:
     TrayTip trayTip_;
     Pronunciations pronunciations_;
     StandAside aside_;
+    LivelyCharacter lively_;
     StartAtLogin login_;
     QuietStart quiet_;
     InstallCharacter install_;
@@ -108,6 +114,7 @@ private:
     ExtrasMenu alertsMenu_;
     AlertNotifications notifications_;
     WaitingAlerts waitingAlerts_;
+    KeptVoice keptVoice_;
     Timer tmrWaiting_; ///< runs while a call waits for the end of the start-up
     bool startsQuietly_ = false;
     bool wanted_ = false; ///< the window is to be shown as soon as the program has started up

@@ -15,6 +15,7 @@ namespace
 {
 
 constexpr const char* ShortensName = "wording.shortens";
+constexpr const char* ByLanguageName = "voice.bylanguage";
 constexpr const char* Title = "Voxmate - Pronunciation";
 constexpr std::size_t LongestText = 200; // characters
 
@@ -134,6 +135,17 @@ Pronunciations::Pronunciations(ExtrasMenu& menu, Program& program, WordingContro
             state_.Set(ShortensName, on ? "1" : "");
             Use();
         });
+    Menu& byLanguage = menu.AddSwitch(
+        "mnuByLanguage", "Voice &for Each Language", [this] { return ByLanguage(); },
+        [this](bool on) {
+            state_.Set(ByLanguageName, on ? "1" : "");
+            Use();
+        });
+    menu.WhenOpened([this, &byLanguage] {
+        byLanguage.Enabled = wording_.KnowsLanguages();
+        if (!byLanguage.Enabled)
+            byLanguage.Caption = "Voice &for Each Language (not in this build)";
+    });
 }
 
 void Pronunciations::Begin()
@@ -150,6 +162,11 @@ std::string Pronunciations::Path() const
 bool Pronunciations::Shortens() const
 {
     return state_.Get(ShortensName) == "1";
+}
+
+bool Pronunciations::ByLanguage() const
+{
+    return wording_.KnowsLanguages() && state_.Get(ByLanguageName) == "1";
 }
 
 // A list that cannot be read now stays as it was, and so does its file.
@@ -173,6 +190,7 @@ void Pronunciations::Read()
 void Pronunciations::Use()
 {
     wording_.UseWording(list_.Rules(), Shortens());
+    wording_.UseVoicesByLanguage(ByLanguage());
 }
 
 void Pronunciations::Save()

@@ -1,4 +1,5 @@
-// How words are said: the user's own list with its window, and whether links and codes are said in short.
+// How words are said: the user's own list with its window, whether links and codes are said in short, and whether each
+// language has a voice of its own.
 #pragma once
 
 #include "controls/Form.h"
@@ -72,6 +73,7 @@ private:
 
     std::string Path() const;
     bool Shortens() const;
+    bool ByLanguage() const;
     void Read();
     void Use();
     void Save();

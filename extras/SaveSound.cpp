@@ -330,6 +330,10 @@ void SaveSoundWindow::End(const News& news)
     Tell("Saved " + (job.chapters ? files + " in the folder " : "") + NameOf(job.path) + ": " +
          Length(news.milliseconds));
     Look();
+    if (news.otherVoice)
+        program_.Messages.Announce("The voice that is chosen could not speak, and another has spoken in its place:" +
+                                       std::string(CrLf) + NameOf(job.path),
+                                   vbExclamation, BoxTitle, "Decline");
     if (news.refusal != Refusal::None)
         program_.Messages.Announce(readers::Sentence(news.refusal, job.document, true), vbExclamation, BoxTitle,
                                    "Decline");

@@ -51,13 +51,16 @@ void QuietStart::Begin(bool greets)
     program_.Host.Windows.DoEvents();
     // The user's setting decides between character and greeting, or neither. It counts again once all is loaded.
     std::int16_t usersOwn = 0;
-    program_.SettingsLoaded = [this, &usersOwn, greets] {
+    const auto others = program_.SettingsLoaded;
+    program_.SettingsLoaded = [this, &usersOwn, greets, others] {
+        if (others)
+            others();
         usersOwn = program_.Settings.ShowCharacterAtStart;
         if (!greets)
             program_.Settings.ShowCharacterAtStart = 0;
     };
     program_.RunStartUp();
-    program_.SettingsLoaded = nullptr;
+    program_.SettingsLoaded = others;
     program_.Settings.ShowCharacterAtStart = usersOwn;
     if (main_.IsShown())
         return;

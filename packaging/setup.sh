@@ -10,7 +10,7 @@ build_packages=(
   libxcb-xfixes0-dev
   libespeak-ng-dev flite1-dev libsonic-dev libsndfile1-dev libpulse-dev libexpat1-dev libmd-dev zlib1g-dev
   libpoppler-cpp-dev libzip-dev libxml2-dev libicu-dev libcmark-gfm-dev libcmark-gfm-extensions-dev libseccomp-dev
-  libical-dev nlohmann-json3-dev
+  libical-dev nlohmann-json3-dev libcld2-dev
   librsvg2-bin
   liblayershellqtinterface6? liblayershellqtinterface-dev? libwayland-dev? libonnxruntime-dev?
 )
@@ -38,7 +38,7 @@ package_packages=(
 )
 # What ./windows needs: the compiler for Windows, the sources of GoogleTest, and Wine, which runs what it makes.
 windows_packages=(
-  cmake ninja-build pkg-config g++-mingw-w64-x86-64-posix googletest wine wine64
+  cmake ninja-build pkg-config g++-mingw-w64-x86-64-posix googletest icu-devtools wine wine64
 )
 
 say() { printf '== %s\n' "$*"; }

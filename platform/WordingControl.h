@@ -29,6 +29,10 @@ public:
     /// or number of more than 20 characters by its first and last four, a row of the same sign three times or more
     /// ("=====") not at all, and a row of the same pictograph once.
     virtual void UseWording(std::vector<WordingRule> rules, bool shortens) = 0;
+    /// Whether from now on each paragraph is spoken by a voice of its language, where that can be told.
+    virtual void UseVoicesByLanguage(bool on) = 0;
+    /// Whether languages can be told apart here at all.
+    virtual bool KnowsLanguages() const = 0;
 };
 
 } // namespace voxmate

@@ -47,6 +47,7 @@ std::string EncodeJob(const Job& job)
         Put(bytes, job.*field);
     Put(bytes, job.chapters ? "1" : "");
     Put(bytes, job.shortens ? "1" : "");
+    Put(bytes, job.byLanguage ? "1" : "");
     Put(bytes, std::to_string(job.rules.size()));
     for (const WordingRule& rule : job.rules) {
         Put(bytes, rule.Written);
@@ -68,11 +69,13 @@ std::optional<Job> DecodeJob(std::string_view bytes)
     }
     const auto chapters = Take(bytes);
     const auto shortens = Take(bytes);
+    const auto byLanguage = Take(bytes);
     const auto rules = Take(bytes);
-    if (!chapters || !shortens || !rules)
+    if (!chapters || !shortens || !byLanguage || !rules)
         return std::nullopt;
     job.chapters = !chapters->empty();
     job.shortens = !shortens->empty();
+    job.byLanguage = !byLanguage->empty();
     std::size_t left = 0;
     std::from_chars(rules->data(), rules->data() + rules->size(), left);
     for (; left > 0; --left) {

@@ -21,6 +21,7 @@ struct Job {
     std::string prefix;             ///< the tags of pitch, speed and whisper in front of each part
     std::vector<WordingRule> rules; ///< see WordingControl::UseWording
     bool shortens = false;          ///< the same
+    bool byLanguage = false;        ///< see WordingControl::UseVoicesByLanguage
 
     // What is spoken: the first of these that is not empty.
     std::string document; ///< path of a file that is read as documents are

@@ -27,6 +27,7 @@ struct News {
     int files = 0;                  ///< Done
     /// Refused: why. Done: why the text behind what was saved could not be read; None when all was.
     readers::Refusal refusal = readers::Refusal::None;
+    bool otherVoice = false; ///< Done: whether another voice has spoken in place of the one chosen
 
     bool operator==(const News&) const = default;
 };

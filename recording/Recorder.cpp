@@ -270,7 +270,8 @@ private:
     {
         const agent::ParsedText marked = agent::ParseMarkup(markup);
         files.BeginText(bytes, marked.words);
-        const bool spoken = speech::SpeakInTurns(voices_, entry, wording_.Apply(marked.segments), files);
+        const bool spoken =
+            speech::SpeakInTurns(voices_, entry, wording_.Apply(marked.segments), files, job_.byLanguage);
         files.EndText();
         if (!spoken)
             throw Ended{Told(News::Kind::NoVoice)};

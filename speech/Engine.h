@@ -65,10 +65,11 @@ std::unique_ptr<Engine> CreateEspeakEngine();
 std::unique_ptr<Engine> CreateFliteEngine();
 /// The English voices in a folder's .flitevox files. The folder need not exist.
 std::unique_ptr<Engine> CreateFlitevoxEngine(std::filesystem::path folder);
-/// Piper's neural voices in `own` and where others put them, if ONNX Runtime is in own/runtime or installed. With one
-/// sentence each, `leftOut` is told of voices that are not listed, and `failed` of a listed one that could not be
-/// loaded or failed while it spoke; both on the thread that asks the engine.
-std::unique_ptr<Engine> CreatePiperEngine(const std::filesystem::path& own,
+/// Piper's neural voices in `own` and where others put them (below `data`, ~/.local/share, and `home`), if ONNX Runtime
+/// is in own/runtime or installed. With one sentence each, `leftOut` is told of voices that are not listed, and
+/// `failed` of a listed one that could not be loaded or failed while it spoke; both on the thread that asks the engine.
+std::unique_ptr<Engine> CreatePiperEngine(const std::filesystem::path& own, const std::filesystem::path& data,
+                                          const std::filesystem::path& home,
                                           std::function<void(const std::string&)> leftOut,
                                           std::function<void(const std::string&)> failed);
 

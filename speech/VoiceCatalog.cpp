@@ -151,6 +151,21 @@ void VoiceCatalog::ChooseReaders(const std::vector<Entry>& installed)
     }
 }
 
+void VoiceCatalog::SortByLanguage(const std::vector<Entry>& installed)
+{
+    for (const Entry& entry : installed)
+        if (entry.voice.origin != Voice::Origin::Variant)
+            speakers_[LanguageFamily(entry.voice.language)].push_back(entry);
+    const auto key = [this](const Entry& entry) {
+        const Voice& voice = entry.voice;
+        return std::make_tuple(Strangeness(voice), PrimaryLanguage(voice.language) == "en" && !IsMainEnglish(voice),
+                               -MillionsOfSpeakers(voice.language));
+    };
+    for (auto& [language, entries] : speakers_)
+        std::stable_sort(entries.begin(), entries.end(),
+                         [&key](const Entry& a, const Entry& b) { return key(a) < key(b); });
+}
+
 const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
 {
     if (listed_)
@@ -158,6 +173,7 @@ const std::vector<VoiceCatalog::Entry>& VoiceCatalog::Entries()
     listed_ = true;
     const std::vector<Entry> installed = Installed();
     ChooseReaders(installed);
+    SortByLanguage(installed);
     entries_ = KeepWhatFits(installed);
     const auto key = [this](const Entry& entry) {
         const bool own = IsOwn(entry.voice);
@@ -208,6 +224,20 @@ const VoiceCatalog::Entry* VoiceCatalog::ReaderOf(Script script) const
 {
     const auto found = readers_.find(script);
     return found == readers_.end() ? nullptr : &found->second;
+}
+
+const VoiceCatalog::Entry* VoiceCatalog::SpeakerOf(const std::string& language, const Entry& like) const
+{
+    const auto found = speakers_.find(language);
+    if (found == speakers_.end())
+        return nullptr;
+    const std::vector<Entry>& entries = found->second;
+    auto best = std::find_if(entries.begin(), entries.end(),
+                             [&like](const Entry& entry) { return entry.engine == like.engine; });
+    if (best == entries.end())
+        best = std::find_if(entries.begin(), entries.end(),
+                            [](const Entry& entry) { return entry.voice.origin == Voice::Origin::Added; });
+    return best == entries.end() ? &entries.front() : &*best;
 }
 
 } // namespace voxmate::speech

@@ -44,12 +44,18 @@ public:
     /// but only after Find has been called once.
     const Entry* ReaderOf(Script script) const;
 
+    /// The installed voice that speaks a language (as LanguageFamily names it), whether it is listed or not: preferably
+    /// one of `like`'s kind, then one that the user has added, then the language's main one. Null when there is none.
+    /// Callable like ReaderOf.
+    const Entry* SpeakerOf(const std::string& language, const Entry& like) const;
+
     /// Has the engines give back the memory that they can have again. On the thread that speaks.
     void Rest() const;
 
 private:
     const std::vector<Entry>& Entries();
     std::vector<Entry> Installed();
+    void SortByLanguage(const std::vector<Entry>& installed);
     void ChooseReaders(const std::vector<Entry>& installed);
     std::vector<Entry> KeepWhatFits(const std::vector<Entry>& installed) const;
     void AddVariants(std::vector<Entry>& installed) const;
@@ -64,6 +70,7 @@ private:
     bool listed_ = false;
     std::vector<Entry> entries_;
     std::map<Script, Entry> readers_;
+    std::map<std::string, std::vector<Entry>> speakers_; ///< by their languages, the main ones first
 };
 
 } // namespace voxmate::speech

@@ -44,7 +44,8 @@ struct Utterance {
     /// When not empty, this file is played instead, with mouths by its loudness. The shown words are reported evenly
     /// over its length, and each bookmark of `segments` at its place among them.
     std::string waveFile;
-    int shownWords = 0; ///< how many words the listener sees in all
+    int shownWords = 0;      ///< how many words the listener sees in all
+    bool byLanguage = false; ///< each paragraph is spoken by a voice of its language, see SpeakInTurns
 };
 
 /// Callbacks on the user-interface thread, each made when its moment is heard. After Stop only Ended is called.

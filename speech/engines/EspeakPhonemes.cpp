@@ -91,7 +91,31 @@ std::u32string PhonemesOfWord(std::u32string_view word)
     return PlainPhonemes(ipa);
 }
 
+// Appends the clause in parts that are not too long. The library ends a clause without a mark only after some 800
+// characters, which a network would take a second and a half to begin with.
+void AppendDivided(std::vector<Clause>& clauses, Clause clause)
+{
+    while (clause.phonemes.size() > LongestClause) {
+        const std::size_t blank = clause.phonemes.rfind(U' ', LongestClause - 1);
+        std::size_t size = blank == std::u32string::npos ? LongestClause : blank + 1;
+        // A mark belongs to the sound before it.
+        while (blank == std::u32string::npos && size > LongestClause / 2 && IsMark(clause.phonemes[size]))
+            --size;
+        const auto end = static_cast<std::ptrdiff_t>(size);
+        clauses.push_back(
+            {clause.phonemes.substr(0, size), {clause.source.begin(), clause.source.begin() + end}, false});
+        clause.phonemes.erase(0, size);
+        clause.source.erase(clause.source.begin(), clause.source.begin() + end);
+    }
+    clauses.push_back(std::move(clause));
+}
+
 } // namespace
+
+bool IsMark(char32_t c)
+{
+    return (c >= 0x300 && c <= 0x36F) || std::u32string_view(U"ːˑʲʰʷˤ˞").find(c) != std::u32string_view::npos;
+}
 
 std::u32string PlainPhonemes(std::string_view ipa)
 {
@@ -233,9 +257,12 @@ std::vector<Clause> ClausesOf(const std::string& voice, std::u32string_view text
         begin = end;
     }
     // Only now, because the library keeps the character it has read ahead from one call to the next.
-    for (std::size_t i = 0; i < clauses.size(); ++i)
+    std::vector<Clause> divided;
+    for (std::size_t i = 0; i < clauses.size(); ++i) {
         clauses[i].source = SourcesOf(clauses[i].phonemes, text, ranges[i].begin, ranges[i].end, PhonemesOfWord);
-    return clauses;
+        AppendDivided(divided, std::move(clauses[i]));
+    }
+    return divided;
 }
 
 } // namespace voxmate::speech

@@ -18,9 +18,16 @@ struct Clause {
     bool endsSentence = false;
 };
 
-/// The clauses of a text in the voice that eSpeak NG has under this name ("en-us"). Empty when the library or the voice
-/// is missing, and for a text in which nothing is said.
+/// The most phonemes of a clause: ten seconds of speech.
+constexpr std::size_t LongestClause = 200;
+
+/// The clauses of a text in the voice that eSpeak NG has under this name ("en-us"). A longer one than
+/// LongestClause is divided between two words. Empty when the library or the voice is missing, and for a text in which
+/// nothing is said.
 std::vector<Clause> ClausesOf(const std::string& voice, std::u32string_view text);
+
+/// Whether a character of a phoneme changes the one before it, as that of a long vowel does.
+bool IsMark(char32_t c);
 
 /// What the library writes for phonemes: without its notes of other languages ("(en)"), and decomposed.
 std::u32string PlainPhonemes(std::string_view ipa);

@@ -4,6 +4,7 @@
 #include "speech/engines/EspeakPhonemes.h"
 #include "speech/engines/PiperModel.h"
 #include "speech/engines/PiperVoiceFile.h"
+#include "speech/player/Flattener.h"
 #include "speech/player/Shaper.h"
 #include "speech/sound/Mouths.h"
 #include "speech/sound/SpeechMeasure.h"
@@ -15,6 +16,8 @@
 #include <map>
 #include <new>
 #include <optional>
+#include <set>
+#include <system_error>
 #include <utility>
 
 namespace voxmate::speech
@@ -39,9 +42,9 @@ constexpr double HeardPitch = 0.935;
 // The range of lengths within which a voice still sounds like itself; beyond it sonic does the rest.
 constexpr double ShortestLength = 0.6;
 constexpr double LongestLength = 1.8;
-// The most numbers that go through the network at once: about ten seconds of speech. A longer sentence is divided
+// The most phonemes that go through the network at once: about ten seconds of speech. A longer sentence is divided
 // between clauses.
-constexpr std::size_t MostNumbers = 400;
+constexpr std::size_t MostPhonemes = LongestClause;
 // Seconds of silence kept before the first word of a text.
 constexpr double KeptSilence = 0.03;
 // A stressed word is amplified by this factor (5 dB).
@@ -50,12 +53,6 @@ constexpr double StressGain = 1.78;
 // of the other engines' and leaves 3 dB for louder words.
 constexpr double Level = 0.7;
 
-constexpr std::u32string_view Modifiers = U"ːˑʲʰʷˤ˞";
-
-bool IsMark(char32_t c)
-{
-    return (c >= 0x300 && c <= 0x36F) || Modifiers.find(c) != std::u32string_view::npos;
-}
 bool IsPause(char32_t c)
 {
     return std::u32string_view(U".?!,:;").find(c) != std::u32string_view::npos;
@@ -81,7 +78,7 @@ std::vector<Chunk> ChunksOf(const std::vector<Clause>& clauses, const PiperVoice
     std::vector<Chunk> chunks;
     bool open = false;
     for (const Clause& clause : clauses) {
-        if (!open || chunks.back().phonemes.size() + clause.phonemes.size() > MostNumbers / 2)
+        if (!open || chunks.back().phonemes.size() + clause.phonemes.size() > MostPhonemes)
             chunks.emplace_back();
         AppendClause(chunks.back(), clause);
         open = !clause.endsSentence && !std::exchange(first, false);
@@ -128,7 +125,7 @@ struct Manner {
 };
 
 struct LoadedVoice {
-    PiperVoiceFile file;
+    std::shared_ptr<const PiperVoiceFile> file;
     std::int64_t speaker = 0;
     std::unique_ptr<PiperModel> model;
     Manner manner;
@@ -161,7 +158,7 @@ public:
     int SampleRate(const Voice& voice) override
     {
         const auto found = files_.find(voice.key);
-        return found == files_.end() ? 22050 : found->second.file.sampleRate;
+        return found == files_.end() ? 22050 : found->second.file->sampleRate;
     }
 
     bool Synthesize(const Voice& voice, std::span<const Segment> segments, SampleSink& sink) override
@@ -173,9 +170,9 @@ public:
             return Load(voice.key, found->second, sink) ? SpeakAll(segments, sink) : !sink.Wanted();
         } catch (const std::bad_alloc&) {
             // With a network loaded the rest of the program might get none either.
-            loaded_.reset();
-            failed_(found->second.file.model.string() + ": there is not enough memory for it.");
-            return !sink.Wanted();
+            return GiveUp(found->second, "there is not enough memory for it.", sink);
+        } catch (const std::system_error&) {
+            return GiveUp(found->second, "the system allows no more threads, and it takes one.", sink);
         }
     }
 
@@ -183,14 +180,21 @@ public:
 
 private:
     struct File {
-        PiperVoiceFile file;
+        std::shared_ptr<const PiperVoiceFile> file; ///< the same for all speakers of a network
         std::int64_t speaker = 0;
     };
+
+    bool GiveUp(const File& file, const std::string& why, const SampleSink& sink)
+    {
+        loaded_.reset();
+        failed_(OneLine(file.file->model.string()) + ": " + why);
+        return !sink.Wanted();
+    }
 
     // Says all segments with the loaded voice; false when that fails.
     bool SpeakAll(std::span<const Segment> segments, SampleSink& sink)
     {
-        Shaper shaper(loaded_->file.sampleRate, sink);
+        Shaper shaper(loaded_->file->sampleRate, sink);
         Arranger arranger(segments);
         std::optional<Stretch> stretch;
         bool first = true;
@@ -219,21 +223,27 @@ private:
         const std::vector<fs::path> models = FindPiperModels(folders_);
         if (models.empty() || !PiperModel::Available(runtime_))
             return;
+        std::set<fs::path> names;
         for (const fs::path& model : models) {
+            if (names.contains(model.filename()))
+                continue;
             std::string why;
-            const std::optional<PiperVoiceFile> file = ReadPiperVoice(model, why);
-            if (!file) {
+            std::optional<PiperVoiceFile> read = ReadPiperVoice(model, why);
+            if (!read) {
                 leftOut_(why);
                 continue;
             }
+            names.insert(model.filename());
+            const auto file = std::make_shared<const PiperVoiceFile>(std::move(*read));
             const std::size_t speakers = std::max<std::size_t>(1, file->speakers.size());
             for (std::size_t speaker = 0; speaker < speakers; ++speaker)
-                Add(*file, speaker);
+                Add(file, speaker);
         }
     }
 
-    void Add(const PiperVoiceFile& file, std::size_t speaker)
+    void Add(const std::shared_ptr<const PiperVoiceFile>& shared, std::size_t speaker)
     {
+        const PiperVoiceFile& file = *shared;
         Voice voice;
         voice.name = "Piper " + file.name;
         if (!file.speakers.empty())
@@ -246,19 +256,19 @@ private:
         voice.modeId = ModeIdOf("piper", file.model.filename().string() + "#" + std::to_string(speaker));
         voice.language = file.language;
         voice.origin = Voice::Origin::Added;
-        files_[voice.key] = {file, static_cast<std::int64_t>(speaker)};
+        files_[voice.key] = {shared, static_cast<std::int64_t>(speaker)};
         voices_.push_back(std::move(voice));
     }
 
     // Makes the voice the loaded one; only one is kept, because each takes as much memory as the whole program.
     bool Load(const std::string& key, const File& file, const SampleSink& sink)
     {
-        if (!loaded_ || loaded_->file.model != file.file.model) {
+        if (!loaded_ || loaded_->file->model != file.file->model) {
             loaded_.reset();
             std::string why;
             LoadedVoice loaded;
             loaded.file = file.file;
-            loaded.model = PiperModel::Load(file.file.model, runtime_, why);
+            loaded.model = PiperModel::Load(file.file->model, runtime_, why);
             if (!loaded.model) {
                 failed_(why);
                 return false;
@@ -271,7 +281,7 @@ private:
             std::optional<Manner> manner = Listen(sink);
             if (!manner) {
                 if (sink.Wanted())
-                    failed_(file.file.model.string() + ": it cannot be used: nothing was heard of it.");
+                    failed_(OneLine(file.file->model.string()) + ": it cannot be used: nothing was heard of it.");
                 loaded_.reset();
                 return false;
             }
@@ -285,7 +295,7 @@ private:
     // the network only tells how long they are, if it does. Nothing when it was stopped or the voice cannot be used.
     std::optional<Manner> Listen(const SampleSink& sink) const
     {
-        const PiperVoiceFile& file = loaded_->file;
+        const PiperVoiceFile& file = *loaded_->file;
         const std::vector<Chunk> chunks = ChunksOf(ClausesOf(file.espeakVoice, MeasuredProse), file, false);
         Manner manner;
         std::vector<float> sound;
@@ -344,6 +354,11 @@ private:
         shape.gain = std::clamp(prosody.volume, 0, 65535) / 65535.0;
         if (prosody.pitchHz > 0 && !prosody.whisper && loaded_->manner.hertz > 0)
             shape.rate = std::clamp(prosody.pitchHz / (loaded_->manner.hertz * HeardPitch), 0.25, 4.0);
+        flattener_.reset();
+        if (prosody.monotone && !prosody.whisper && loaded_->manner.hertz > 0) {
+            shape.bends = true;
+            flattener_.emplace(loaded_->file->sampleRate, loaded_->manner.hertz * HeardPitch);
+        }
         double wanted = 1;
         if (prosody.wordsPerMinute > 0)
             wanted = loaded_->manner.wordsPerMinute / prosody.wordsPerMinute;
@@ -361,12 +376,12 @@ private:
         std::size_t nextMark = 0;
         const bool hasText = part.text.find_first_not_of(U" \n") != std::u32string::npos;
         const std::vector<Chunk> chunks =
-            hasText ? ChunksOf(ClausesOf(loaded_->file.espeakVoice, part.text), loaded_->file, first)
+            hasText ? ChunksOf(ClausesOf(loaded_->file->espeakVoice, part.text), *loaded_->file, first)
                     : std::vector<Chunk>();
         for (const Chunk& chunk : chunks) {
             if (!sink.Wanted())
                 return false;
-            const PiperVoiceFile& file = loaded_->file;
+            const PiperVoiceFile& file = *loaded_->file;
             const PiperModel::Scales scales{file.noiseScale, static_cast<float>(file.lengthScale * length_),
                                             file.noiseWidth};
             Delivery delivery{part, chunk, stretch, nextMark, std::exchange(first, false)};
@@ -376,7 +391,7 @@ private:
                     [&](const PiperModel::Piece& piece) { return listening = Deliver(delivery, piece, shaper); })) {
                 failed = listening && sink.Wanted();
                 if (failed)
-                    failed_(file.model.string() + ": it failed in the middle of a text.");
+                    failed_(OneLine(file.model.string()) + ": it failed in the middle of a text.");
                 return false;
             }
             stretch.length += delivery.Length();
@@ -420,14 +435,14 @@ private:
         return places;
     }
 
-    bool Deliver(Delivery& to, const PiperModel::Piece& piece, Shaper& shaper) const
+    bool Deliver(Delivery& to, const PiperModel::Piece& piece, Shaper& shaper)
     {
         if (to.given == 0) {
             to.places = Places(to.chunk, piece);
             // What the network makes before the first phoneme of a text is silence that would be waited for.
             if (to.first && !to.chunk.place.empty())
                 to.from =
-                    std::max<std::int64_t>(0, to.places.front() - std::lround(KeptSilence * loaded_->file.sampleRate));
+                    std::max<std::int64_t>(0, to.places.front() - std::lround(KeptSilence * loaded_->file->sampleRate));
             Announce(to, shaper);
         }
         std::vector<std::int16_t> samples = Levelled(piece.samples, loaded_->manner.gain);
@@ -443,7 +458,8 @@ private:
         }
         const std::int64_t begin = std::clamp<std::int64_t>(to.from - to.given, 0, std::ssize(samples));
         to.given = end;
-        return shaper.Samples(std::span(samples).subspan(static_cast<std::size_t>(begin)));
+        const auto heard = std::span<const std::int16_t>(samples).subspan(static_cast<std::size_t>(begin));
+        return flattener_ ? flattener_->Samples(heard, shaper) : shaper.Samples(heard);
     }
 
     // Tells the shaper when the chunk's words, mouths and bookmarks are heard.
@@ -466,13 +482,17 @@ private:
         }
     }
 
-    // The mouth that begins with this character; -1 when it goes on as before.
+    // The mouth that begins with this character; -1 when it goes on as before. The sound behind a mark of stress begins
+    // with the mark, up to a tenth of a second before its own character.
     static int MouthAt(std::u32string_view phonemes, std::size_t at)
     {
+        at = phonemes.find_first_not_of(U"ˈˌ", at);
+        if (at == std::u32string_view::npos)
+            return -1;
         const char32_t c = phonemes[at];
         if (IsPause(c))
             return 0;
-        if (c == U' ' || c == U'ˈ' || c == U'ˌ' || c == U'-' || IsMark(c))
+        if (c == U' ' || c == U'-' || IsMark(c))
             return -1;
         std::string name;
         AppendUtf8(name, c);
@@ -490,15 +510,18 @@ private:
     std::map<std::string, File> files_;
     std::optional<LoadedVoice> loaded_;
     std::map<std::string, Manner> manners_; ///< of the voices that have been used, by their keys
+    std::optional<Flattener> flattener_;    ///< of the current stretch, when it is monotone
     double length_ = 1;                     ///< how long the current stretch is spoken, beside the voice's own length
 };
 
 } // namespace
 
-std::unique_ptr<Engine> CreatePiperEngine(const fs::path& own, std::function<void(const std::string&)> leftOut,
+std::unique_ptr<Engine> CreatePiperEngine(const fs::path& own, const fs::path& data, const fs::path& home,
+                                          std::function<void(const std::string&)> leftOut,
                                           std::function<void(const std::string&)> failed)
 {
-    return std::make_unique<PiperEngine>(PiperFolders(own), own / "runtime", std::move(leftOut), std::move(failed));
+    return std::make_unique<PiperEngine>(PiperFolders(own, data, home), own / "runtime", std::move(leftOut),
+                                         std::move(failed));
 }
 
 } // namespace voxmate::speech

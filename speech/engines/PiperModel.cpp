@@ -1,8 +1,10 @@
 #include "speech/engines/PiperModel.h"
 
+#include "base/Text.h"
 #include "platform/SharedLibrary.h"
 #include "speech/engines/EspeakLibrary.h"
 #include "speech/engines/OnnxGraph.h"
+#include "speech/engines/PiperVoiceFile.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +13,7 @@
 #include <cstddef>
 #include <fstream>
 #include <mutex>
+#include <new>
 #include <numeric>
 #include <stop_token>
 #include <thread>
@@ -44,6 +47,8 @@ constexpr std::array<std::size_t, 3> PieceSteps{48, 96, 192};
 // How many steps before and behind a piece change its samples: 14 for the largest of these voices (the reach of its
 // convolutions), rounded up.
 constexpr std::size_t Reach = 16;
+// In characters: the runtime's reasons name all that is around a fault.
+constexpr std::size_t LongestReason = 200;
 constexpr auto Watch = std::chrono::milliseconds(20);
 
 // Where the library lies, or an empty path. The system's folder is the one that eSpeak NG's library was loaded from.
@@ -85,6 +90,16 @@ struct Runtime {
             *error = api->GetErrorMessage(status);
         api->ReleaseStatus(status);
         return false;
+    }
+
+    // The same for calls that take much memory. Where there is none, that is thrown as everywhere else: the library
+    // only says so within a longer message.
+    bool DoneIfThereIsMemory(OrtStatus* status, std::string& error) const
+    {
+        const bool done = Done(status, &error);
+        if (!done && error.find("bad_alloc") != std::string::npos)
+            throw std::bad_alloc();
+        return done;
     }
 
     const OrtApi* api = nullptr;
@@ -140,9 +155,9 @@ public:
                              &why) &&
                // An arena keeps the most memory that any clause has taken.
                runtime_.Done(api_.DisableCpuMemArena(options_.Get()), &why) &&
-               runtime_.Done(api_.CreateSessionFromArray(runtime_.environment, bytes.data(), bytes.size(),
-                                                         options_.Get(), &session_),
-                             &why);
+               runtime_.DoneIfThereIsMemory(api_.CreateSessionFromArray(runtime_.environment, bytes.data(),
+                                                                        bytes.size(), options_.Get(), &session_),
+                                            why);
     }
 
     std::vector<std::string> Names(bool inputs) const
@@ -176,9 +191,11 @@ public:
             return result;
         };
         std::vector<OrtValue*> values(outputNames.size());
-        const bool ran =
-            runtime_.Done(api_.Run(session_.Get(), run, pointers(inputNames).data(), inputs.data(), inputs.size(),
-                                   pointers(outputNames).data(), outputNames.size(), values.data()));
+        std::string why;
+        const bool ran = runtime_.DoneIfThereIsMemory(
+            api_.Run(session_.Get(), run, pointers(inputNames).data(), inputs.data(), inputs.size(),
+                     pointers(outputNames).data(), outputNames.size(), values.data()),
+            why);
         outputs.clear();
         for (OrtValue* const value : values)
             outputs.emplace_back(api_.ReleaseValue, value);
@@ -409,7 +426,7 @@ bool PiperModel::Available(const fs::path& folder)
 std::unique_ptr<PiperModel> PiperModel::Load(const fs::path& file, const fs::path& folder, std::string& why)
 {
     const auto refuse = [&](const std::string& reason) {
-        why = file.string() + ": " + reason;
+        why = OneLine(file.string()) + ": " + reason;
         return nullptr;
     };
     const Runtime& runtime = TheRuntime(folder);
@@ -424,7 +441,7 @@ std::unique_ptr<PiperModel> PiperModel::Load(const fs::path& file, const fs::pat
         return refuse("it cannot be read.");
     auto model = std::make_unique<OnnxPiperModel>(runtime);
     if (std::string reason; !model->Open(std::move(bytes), reason))
-        return refuse("it cannot be used: " + reason);
+        return refuse("it cannot be used: " + std::string(Left(OneLine(reason), LongestReason)));
     return model;
 }
 

@@ -1,11 +1,11 @@
 #include "speech/engines/PiperVoiceFile.h"
 
 #include "base/Text.h"
+#include "speech/text/Languages.h"
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <set>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -38,7 +38,7 @@ const Json& Member(const Json& object, const char* name)
 
 std::string TextOf(const Json& value)
 {
-    return value.is_string() && value.get_ref<const std::string&>().size() <= 100 ? value.get<std::string>()
+    return value.is_string() && value.get_ref<const std::string&>().size() <= 100 ? OneLine(value.get<std::string>())
                                                                                   : std::string();
 }
 
@@ -81,32 +81,42 @@ void ReadSpeakers(const Json& description, PiperVoiceFile& voice)
         return;
     for (const auto& [name, number] : names.items())
         if (number.is_number_unsigned() && number.get<std::size_t>() < voice.speakers.size() && name.size() <= 60)
-            voice.speakers[number.get<std::size_t>()] = name;
+            if (std::string shown = OneLine(name); !shown.empty())
+                voice.speakers[number.get<std::size_t>()] = std::move(shown);
 }
 
-// The parts of a file's name: language, name and quality ("en_US-joe-medium").
+// Language, name and quality: what the description tells, and else the parts of the file's name ("en_US-joe-medium").
 void ReadName(const Json& description, PiperVoiceFile& voice)
 {
-    const std::string file = voice.model.stem().string();
-    const std::size_t first = file.find('-');
-    const std::size_t last = file.rfind('-');
     const Json& language = Member(description, "language");
-    std::string code = TextOf(Member(language, "code"));
-    if (code.empty())
-        code = first == std::string::npos ? voice.espeakVoice : file.substr(0, first);
-    std::replace(code.begin(), code.end(), '_', '-');
-    voice.language = LowerAscii(code);
+    const auto tag = [](std::string code) {
+        std::replace(code.begin(), code.end(), '_', '-');
+        return LowerAscii(code);
+    };
+    voice.language = tag(TextOf(Member(language, "code")));
+    if (voice.language.empty())
+        voice.language = tag(voice.espeakVoice);
     voice.place = TextOf(Member(language, "name_english"));
     if (const std::string country = TextOf(Member(language, "country_english")); !country.empty())
         voice.place += ", " + country;
+    std::string name = OneLine(voice.model.stem().string());
+    const std::size_t first = name.find('-');
+    if (voice.language.find('-') != std::string::npos && tag(name).starts_with(voice.language + "-"))
+        name.erase(0, voice.language.size() + 1);
+    else if (first != std::string::npos && LanguageFamily(tag(name.substr(0, first))) == LanguageFamily(voice.language))
+        name.erase(0, first + 1);
     voice.quality = TextOf(Member(Member(description, "audio"), "quality"));
-    if (voice.quality.empty() && last != first)
-        voice.quality = file.substr(last + 1);
-    voice.name = TextOf(Member(description, "dataset"));
-    if (first != std::string::npos)
-        voice.name = file.substr(first + 1, last == first ? std::string::npos : last - first - 1);
-    else if (voice.name.empty())
-        voice.name = file;
+    const std::size_t last = name.rfind('-');
+    const std::string end = last == std::string::npos ? name : name.substr(last + 1);
+    if (end == voice.quality || end == "x_low" || end == "low" || end == "medium" || end == "high") {
+        name.resize(last == std::string::npos ? 0 : last);
+        if (voice.quality.empty())
+            voice.quality = end;
+    }
+    for (const std::string& other : {TextOf(Member(description, "dataset")), OneLine(voice.model.stem().string())})
+        if (name.empty())
+            name = other;
+    voice.name = name;
 }
 
 void FindIn(const fs::path& folder, int depth, std::vector<fs::path>& found)
@@ -118,7 +128,7 @@ void FindIn(const fs::path& folder, int depth, std::vector<fs::path>& found)
         std::error_code other;
         if (entry->is_directory(other) && !entry->is_symlink(other))
             folders.push_back(entry->path());
-        else if (entry->path().extension() == ".onnx" && entry->is_regular_file(other))
+        else if (entry->path().extension() == ".onnx")
             files.push_back(entry->path());
         if (files.size() + folders.size() > MostModels)
             break;
@@ -127,7 +137,7 @@ void FindIn(const fs::path& folder, int depth, std::vector<fs::path>& found)
     std::sort(files.begin(), files.end());
     std::sort(folders.begin(), folders.end());
     for (const fs::path& file : files)
-        if (found.size() < MostModels && fs::is_regular_file(file.string() + ".json", error))
+        if (found.size() < MostModels)
             found.push_back(file);
     if (depth < DeepestFolder)
         for (const fs::path& inner : folders)
@@ -136,21 +146,43 @@ void FindIn(const fs::path& folder, int depth, std::vector<fs::path>& found)
 
 } // namespace
 
+std::string OneLine(const std::string& text)
+{
+    std::string shown;
+    for (const char32_t c : DecodeUtf8(text)) {
+        const bool blank = c <= U' ' || (c >= 0x7F && c <= 0xA0) || c == 0x2028 || c == 0x2029;
+        if (!blank)
+            AppendUtf8(shown, c);
+        else if (!shown.empty() && shown.back() != ' ')
+            shown += ' ';
+    }
+    return Trim(std::move(shown));
+}
+
 std::optional<PiperVoiceFile> ReadPiperVoice(const fs::path& model, std::string& why)
 {
     const fs::path file = model.string() + ".json";
     const auto refuse = [&](const char* reason) {
-        why = file.string() + ": " + reason;
+        why = OneLine(file.string()) + ": " + reason;
         return std::nullopt;
     };
     std::error_code error;
+    // Reading a pipe or a device could take for ever.
+    if (!fs::is_regular_file(model, error)) {
+        why = OneLine(model.string()) + ": it cannot be read.";
+        return std::nullopt;
+    }
+    if (!fs::is_regular_file(file, error))
+        return refuse("it cannot be read.");
     const std::uintmax_t size = fs::file_size(file, error);
     if (error)
         return refuse("it cannot be read.");
     if (size > LargestDescription)
         return refuse("it is too large for a voice's description.");
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    // Not more than that: some of the system's files are told to have no size, and have no end.
+    std::string text(static_cast<std::size_t>(size), '\0');
+    if (!std::ifstream(file, std::ios::binary).read(text.data(), std::ssize(text)))
+        return refuse("it cannot be read.");
     const Json description = Json::parse(text, nullptr, false);
     if (!description.is_object())
         return refuse("it is not a voice's description.");
@@ -199,25 +231,19 @@ std::vector<std::int64_t> NumbersOf(const PiperVoiceFile& voice, std::u32string_
     return numbers;
 }
 
-std::vector<fs::path> PiperFolders(const fs::path& own)
+std::vector<fs::path> PiperFolders(const fs::path& own, const fs::path& data, const fs::path& home)
 {
-    std::vector<fs::path> folders{own};
     // Where Piper's users put them, and the voice manager Pied: as a program of its own, as a Flatpak, as a Snap. The
     // command voxmate-voices has the same list.
-    if (own.parent_path().filename() == "voxmate") {
-        const fs::path data = own.parent_path().parent_path();
-        for (const char* const name : {"piper", "piper-voices", "pied/models"})
-            folders.push_back(data / name);
-        if (data.filename() == "share" && data.parent_path().filename() == ".local") {
-            const fs::path home = data.parent_path().parent_path();
-            folders.push_back(home / ".var/app/com.mikeasoft.pied/data/pied/models");
-            folders.push_back(home / "snap/pied/common/models");
-        }
-    }
-    for (const char* const shared :
-         {"/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"})
-        folders.emplace_back(shared);
-    return folders;
+    return {own,
+            data / "piper",
+            data / "piper-voices",
+            data / "pied/models",
+            home / ".var/app/com.mikeasoft.pied/data/pied/models",
+            home / "snap/pied/common/models",
+            "/usr/share/piper-voices",
+            "/usr/share/piper/voices",
+            "/usr/local/share/piper-voices"};
 }
 
 std::vector<fs::path> FindPiperModels(const std::vector<fs::path>& folders)
@@ -225,8 +251,6 @@ std::vector<fs::path> FindPiperModels(const std::vector<fs::path>& folders)
     std::vector<fs::path> found;
     for (const fs::path& folder : folders)
         FindIn(folder, 1, found);
-    std::set<std::string> names;
-    std::erase_if(found, [&](const fs::path& model) { return !names.insert(model.filename().string()).second; });
     return found;
 }
 

@@ -30,8 +30,11 @@ struct PiperVoiceFile {
     std::map<char32_t, std::vector<std::int64_t>> numbers;
 };
 
-/// Reads what a .json file tells of a voice. Nothing when it is no such file, is larger than 1 MB, or describes a kind
-/// of voice that is not spoken here; `why` then says so in one sentence.
+/// A text that is shown: in one line and in whole letters, without blanks at its ends.
+std::string OneLine(const std::string& text);
+
+/// Reads what the .json file beside a network tells of its voice. Nothing when one of them is no file, or the .json is
+/// larger than 1 MB, no description, or one of a kind of voice that is not spoken here; `why` then says so in one line.
 std::optional<PiperVoiceFile> ReadPiperVoice(const std::filesystem::path& model, std::string& why);
 
 /// The numbers of the phonemes between the marks of begin and end, with the mark "_" behind each; a phoneme that the
@@ -39,12 +42,13 @@ std::optional<PiperVoiceFile> ReadPiperVoice(const std::filesystem::path& model,
 std::vector<std::int64_t> NumbersOf(const PiperVoiceFile& voice, std::u32string_view phonemes,
                                     std::vector<std::size_t>& places);
 
-/// The folders in which voices are looked for, in this order: the program's own and those of others, in the user's data
-/// folder (~/.local/share, where `own` has its usual place, voxmate/voices) and the system's.
-std::vector<std::filesystem::path> PiperFolders(const std::filesystem::path& own);
+/// The folders in which voices are looked for, in this order: the program's own; those of others below `data`, where
+/// programs keep the user's data (~/.local/share), and below `home`; and the system's.
+std::vector<std::filesystem::path> PiperFolders(const std::filesystem::path& own, const std::filesystem::path& data,
+                                                const std::filesystem::path& home);
 
-/// The networks (.onnx) in the folders that have a .json beside them, without those of a name that was found before. At
-/// most five levels deep and 1000 files; links to folders are not followed.
+/// The networks (.onnx) in the folders, whether or not they are files. At most five levels deep and 1000 of them; links
+/// to folders are not followed.
 std::vector<std::filesystem::path> FindPiperModels(const std::vector<std::filesystem::path>& folders);
 
 } // namespace voxmate::speech

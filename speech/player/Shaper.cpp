@@ -8,6 +8,18 @@
 namespace voxmate::speech
 {
 
+namespace
+{
+
+// How much of the sound sonic holds on average: one period of 65 Hz.
+constexpr double HeldSeconds = 1.0 / 65;
+// A smaller change of the speed is made so seldom that the next one would have to wait for it.
+constexpr double LeastChange = 0.06;
+// In what time a difference is made up for.
+constexpr double CatchUpSeconds = 0.3;
+
+} // namespace
+
 void Shaper::SonicDeleter::operator()(sonicStreamStruct* stream) const
 {
     sonicDestroyStream(stream);
@@ -19,9 +31,10 @@ void Shaper::Begin(const Shape& shape)
 {
     shape_ = shape;
     stretchStart_ = delivered_;
+    given_ = 0;
     sonic_.reset();
     whisperer_.reset();
-    if (shape.speed != 1 || shape.rate != 1) {
+    if (shape.speed != 1 || shape.rate != 1 || shape.bends) {
         sonic_.reset(sonicCreateStream(rate_, 1));
         if (sonic_) {
             sonicSetSpeed(sonic_.get(), static_cast<float>(shape.speed));
@@ -35,10 +48,25 @@ void Shaper::Begin(const Shape& shape)
         whisperer_.emplace(rate_);
 }
 
+void Shaper::Bend(double factor)
+{
+    if (!sonic_)
+        return;
+    // With a speed that changes the library makes a little more or less than it should, and what is shown with the
+    // sound would drift from it. It always holds a part of what it has been given.
+    const double due = static_cast<double>(given_) / (shape_.speed * shape_.rate);
+    const double late = (due - static_cast<double>(delivered_ - stretchStart_)) / rate_ - HeldSeconds;
+    const double catchUp = std::clamp(1 + late / CatchUpSeconds, 0.8, 1.25);
+    const double speed = shape_.speed / factor / catchUp;
+    sonicSetSpeed(sonic_.get(), static_cast<float>(std::abs(speed - 1) < LeastChange ? 1 : speed));
+    sonicSetRate(sonic_.get(), static_cast<float>(shape_.rate * factor));
+}
+
 bool Shaper::Samples(std::span<const std::int16_t> samples)
 {
     if (!sonic_)
         return Deliver(samples);
+    given_ += std::ssize(samples);
     // The library takes a pointer to non-const samples but only reads them.
     sonicWriteShortToStream(sonic_.get(), const_cast<short*>(samples.data()), static_cast<int>(samples.size()));
     return DrainSonic();

@@ -22,6 +22,7 @@ struct Shape {
     double rate = 1;  ///< 2: twice as fast and an octave higher, like a tape played faster
     bool whisper = false;
     double gain = 1;
+    bool bends = false; ///< whether Bend will be called
 };
 
 /// Between Begin and End an engine delivers one stretch of sound. Stretches and silences are written to the sink one
@@ -34,6 +35,8 @@ public:
     Shaper& operator=(const Shaper&) = delete;
 
     void Begin(const Shape& shape);
+    /// Raises the pitch of the samples that follow by this factor, beside the shape's own; they last as long.
+    void Bend(double factor);
     /// The engine's samples; false when the sink wants no more.
     bool Samples(std::span<const std::int16_t> samples);
     /// Passes on an event at sample `position` of the stretch, counted in the engine's own samples.
@@ -61,6 +64,7 @@ private:
     std::optional<Whisperer> whisperer_;
     std::int64_t stretchStart_ = 0;
     std::int64_t delivered_ = 0;
+    std::int64_t given_ = 0; ///< samples of the stretch that were given to sonic
     std::vector<std::int16_t> whispered_;
     std::vector<std::int16_t> loud_;
     std::vector<std::int16_t> scaled_;

@@ -102,9 +102,8 @@ void VoicePlayer::Start(Utterance utterance, VoiceEvents events)
     }
     const int rate = entry->engine->SampleRate(entry->voice);
     speaking->job->SetRate(rate);
-    Enqueue(speaking->job, [this, entry, segments = std::move(utterance.segments)](SpeechJob& job) {
-        return SpeakInTurns(catalog_, *entry, segments, job);
-    });
+    Enqueue(speaking->job, [this, entry, segments = std::move(utterance.segments), byLanguage = utterance.byLanguage](
+                               SpeechJob& job) { return SpeakInTurns(catalog_, *entry, segments, job, byLanguage); });
     OpenStream(speaking, rate);
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/WordingControl.h"
 #include "speech/VoiceOutput.h"
+#include "speech/text/LanguageGuess.h"
 #include "speech/text/Wording.h"
 
 #include <utility>
@@ -23,9 +24,12 @@ public:
         rules_ = std::move(rules);
         shortens_ = shortens;
     }
+    void UseVoicesByLanguage(bool on) override { byLanguage_ = on; }
+    bool KnowsLanguages() const override { return GuessesLanguages(); }
     /// As they were handed over last.
     const std::vector<WordingRule>& Rules() const { return rules_; }
     bool Shortens() const { return shortens_; }
+    bool ByLanguage() const { return byLanguage_; }
 
     AudioStatus Status() override { return voice_.Status(); }
     void Start(Utterance utterance, VoiceEvents events) override
@@ -33,6 +37,7 @@ public:
         // Of a wave file only its length and the words that are shown count.
         if (utterance.waveFile.empty())
             utterance.segments = wording_.Apply(std::move(utterance.segments));
+        utterance.byLanguage = byLanguage_;
         voice_.Start(std::move(utterance), std::move(events));
     }
     void Stop() override { voice_.Stop(); }
@@ -42,6 +47,7 @@ private:
     Wording wording_{{}, false};
     std::vector<WordingRule> rules_;
     bool shortens_ = false;
+    bool byLanguage_ = false;
 };
 
 } // namespace voxmate::speech

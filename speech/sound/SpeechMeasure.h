@@ -14,8 +14,9 @@ namespace voxmate::speech::measure
 
 /// The voiced frames of a piece of speech, one every 10 ms of sound.
 struct PitchTrack {
-    std::vector<double> hertz;   ///< fundamental frequency of each voiced frame
-    std::size_t soundFrames = 0; ///< frames that are not silent, voiced or not
+    std::vector<double> hertz;       ///< fundamental frequency of each voiced frame
+    std::vector<std::size_t> frames; ///< and its number, from 0
+    std::size_t soundFrames = 0;     ///< frames that are not silent, voiced or not
 
     /// Median fundamental; 0 when nothing is voiced.
     double Median() const { return Quantile(0.5); }
@@ -169,6 +170,7 @@ inline PitchTrack TrackPitch(std::span<const std::int16_t> samples, int samplesP
         const double bend = before - 2 * here + after;
         const double exact = static_cast<double>(lag) + (bend > 0 ? (before - after) / (2 * bend) : 0);
         track.hertz.push_back(rate / exact);
+        track.frames.push_back(frame);
     }
     return track;
 }

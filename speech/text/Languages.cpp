@@ -55,6 +55,7 @@ constexpr std::array Families = std::to_array<std::pair<std::string_view, std::s
     {"hyw", "hy"},
     {"iw", "he"},
     {"in", "id"},
+    {"jw", "jv"},
     {"mo", "ro"},
 });
 

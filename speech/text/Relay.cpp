@@ -2,9 +2,11 @@
 
 #include "base/Text.h"
 #include "speech/sound/Resampler.h"
+#include "speech/text/LanguageGuess.h"
 #include "speech/text/MarkedText.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,13 +30,28 @@ class Casting
 public:
     Casting(const VoiceCatalog& catalog, const Entry& chosen) : catalog_(catalog), chosen_(chosen) {}
 
+    /// Casts the speaker of a paragraph by its language; it stays the last one where that cannot be told. Whether it is
+    /// another.
+    bool Begin(std::string_view paragraph)
+    {
+        const std::string own = LanguageFamily(chosen_.voice.language);
+        const std::string language = LanguageOf(paragraph, own);
+        if (language.empty())
+            return false;
+        const Entry* const speaker = language == own ? nullptr : catalog_.SpeakerOf(language, chosen_);
+        const Entry* const last = std::exchange(current_, speaker ? speaker : &chosen_);
+        cast_.insert(current_);
+        return current_ != last;
+    }
+
     const Entry* SpeakerOf(char32_t c) const
     {
         const Script script = ScriptOf(c);
         if (script == Script::Common)
             return nullptr;
-        if (CanSay(chosen_.voice.language, script))
-            return &chosen_;
+        for (const Entry* const entry : {current_, &chosen_})
+            if (CanSay(entry->voice.language, script))
+                return entry;
         const Entry* const reader = catalog_.ReaderOf(script);
         return reader ? reader : &chosen_;
     }
@@ -54,11 +71,24 @@ public:
     }
 
     const Entry& Chosen() const { return chosen_; }
-    const Entry* StandIn() const { return catalog_.ReaderOf(Script::Latin); }
+
+    /// Who takes the place of a voice that could not speak, in this order. A reader of another script has nobody.
+    std::vector<const Entry*> StandIns(const Entry& failed) const
+    {
+        std::vector<const Entry*> others;
+        if (&failed != &chosen_ && !cast_.contains(&failed))
+            return others;
+        for (const Entry* const entry : {&chosen_, catalog_.ReaderOf(Script::Latin)})
+            if (entry && entry->voice.modeId != failed.voice.modeId)
+                others.push_back(entry);
+        return others;
+    }
 
 private:
     const VoiceCatalog& catalog_;
     const Entry& chosen_;
+    const Entry* current_ = &chosen_; ///< the speaker of the paragraph
+    std::set<const Entry*> cast_;     ///< all who were that
 };
 
 /// Adds one speaker's output to the utterance, behind that of the earlier ones.
@@ -83,6 +113,8 @@ public:
             return;
         last_ = std::max(last_, begin_ + resampler_.Place(event.sample));
         sink_.Event({event.kind, last_, event.value});
+        if (event.kind == SpeechEvent::Kind::Word)
+            told_.emplace_back(last_ - begin_, event.value);
     }
 
     bool End()
@@ -94,6 +126,20 @@ public:
 
     bool Wanted() const override { return wanted_ && sink_.Wanted(); }
     std::int64_t Delivered() const { return delivered_; }
+
+    /// The first word whose sound is not all there. A word that was begun counts as said when no other follows it: an
+    /// engine that fails does so between its pieces. -1 before the first word.
+    int NextWord() const
+    {
+        int next = -1;
+        for (std::size_t i = 0; i < told_.size(); ++i) {
+            const std::int64_t end = i + 1 < told_.size() ? told_[i + 1].first : told_[i].first + 1;
+            if (delivered_ < end)
+                return told_[i].second;
+            next = told_[i].second + 1;
+        }
+        return next;
+    }
 
 private:
     bool Deliver()
@@ -111,22 +157,71 @@ private:
     std::vector<std::int16_t> made_;
     std::int64_t delivered_ = 0;
     std::int64_t last_ = 0;
+    std::vector<std::pair<std::int64_t, int>> told_; ///< where in this turn each word begins
     bool wanted_ = true;
 };
+
+/// What is left of a turn from a shown word on. Pauses and bookmarks in front of it have had their time.
+std::vector<Segment> From(std::span<const Segment> turn, int word)
+{
+    for (std::size_t i = 0; i < turn.size(); ++i) {
+        const Segment& segment = turn[i];
+        if (segment.kind != Segment::Kind::Text)
+            continue;
+        const int words = segment.shownWords < 0 ? CountWords(segment.text) : segment.shownWords;
+        if (segment.firstWord + words <= word)
+            continue;
+        std::vector<Segment> rest(turn.begin() + static_cast<std::ptrdiff_t>(i), turn.end());
+        if (segment.shownWords < 0 && segment.firstWord < word) {
+            rest.front().text.clear();
+            rest.front().firstWord = word;
+            int at = segment.firstWord - 1;
+            bool blank = true;
+            for (std::size_t byte = 0; byte < segment.text.size();)
+                for (const char32_t c : NextCharacters(segment.text, byte)) {
+                    at += blank && !IsBlank(c) ? 1 : 0;
+                    blank = IsBlank(c);
+                    if (at >= word)
+                        AppendUtf8(rest.front().text, c);
+                }
+        }
+        return rest;
+    }
+    return {};
+}
+
+/// The paragraph that begins at byte `at` of the first segment, or as much of it as tells its language.
+std::string Paragraph(std::span<const Segment> segments, std::size_t at)
+{
+    constexpr std::size_t Enough = 4096; // bytes
+    std::string text;
+    for (const Segment& segment : segments) {
+        if (segment.kind != Segment::Kind::Text)
+            continue;
+        const std::size_t end = std::min(segment.text.find('\n', at), segment.text.size());
+        text.append(segment.text, at, end - at);
+        if (end < segment.text.size() || text.size() > Enough)
+            break;
+        at = 0;
+    }
+    return text;
+}
 
 /// Divides an utterance among its speakers, and has each turn spoken as soon as it is complete.
 class Relay
 {
 public:
-    Relay(const Casting& casting, SampleSink& sink) : casting_(casting), sink_(sink) {}
+    Relay(Casting& casting, SampleSink& sink, bool byLanguage) : casting_(casting), sink_(sink), byLanguage_(byLanguage)
+    {
+    }
 
     bool Speak(std::span<const Segment> segments)
     {
-        for (const Segment& segment : segments) {
-            if (segment.kind == Segment::Kind::Text)
-                Deal(segment);
+        for (; !segments.empty(); segments = segments.subspan(1)) {
+            if (segments.front().kind == Segment::Kind::Text)
+                Deal(segments);
             else
-                turn_.push_back(segment);
+                turn_.push_back(segments.front());
             if (ended_)
                 return ok_;
         }
@@ -135,24 +230,34 @@ public:
     }
 
 private:
-    // Divides a text where its speaker changes: behind the last word of the first speaker, or inside a word that has
-    // letters of both.
-    void Deal(const Segment& whole)
+    // Divides the first segment where its speaker changes: behind the last word of the first speaker, or inside a word
+    // that has letters of both.
+    void Deal(std::span<const Segment> segments)
     {
+        const Segment& whole = segments.front();
         const int words = whole.shownWords > 0 ? CountWords(whole.text) : 0;
         piece_ = whole;
         piece_.text.clear();
         int word = -1; // the current word
         int begin = 0; // the piece's first word
         bool blank = true;
-        std::size_t cut = 0; // end of the last word with a speaker; None while still inside it
-        int next = 0;        // the first word behind the cut
+        std::size_t cut = 0;       // end of the last word with a speaker; None while still inside it
+        int next = 0;              // the first word behind the cut
+        std::size_t paragraph = 0; // where the current one begins
         const auto finish = [&](int end) {
             AddPiece(whole, begin, end, words);
             begin = end;
         };
-        for (std::size_t at = 0; at < whole.text.size() && !ended_;)
+        for (std::size_t at = 0; at < whole.text.size() && !ended_;) {
             for (const char32_t c : NextCharacters(whole.text, at)) {
+                if (byLanguage_ && newParagraph_ && casting_.Begin(Paragraph(segments, paragraph))) {
+                    // Numbers at the end of the last paragraph stay with its speaker.
+                    cut = piece_.text.size();
+                    next = word + 1;
+                }
+                newParagraph_ = c == U'\n';
+                if (newParagraph_)
+                    paragraph = whole.text.find('\n', paragraph) + 1;
                 if (blank && !IsBlank(c))
                     ++word;
                 blank = IsBlank(c);
@@ -183,6 +288,7 @@ private:
                     next = word + 1;
                 }
             }
+        }
         finish(word + 1);
     }
 
@@ -211,12 +317,17 @@ private:
             return;
         const Entry& chosen = casting_.Chosen();
         const Entry& speaker = speaker_ ? *speaker_ : chosen;
-        const std::int64_t before = delivered_;
-        ok_ = Say(speaker) || &speaker != &chosen;
-        // A voice the user added may be damaged or incomplete; the text is to be spoken all the same.
-        const Entry* const standIn = casting_.StandIn();
-        if (!ok_ && delivered_ == before && standIn && standIn->voice.modeId != chosen.voice.modeId)
-            ok_ = Say(*standIn);
+        bool said = Say(speaker);
+        // A voice the user added may be damaged or incomplete, or the memory too small for it; the text is to be spoken
+        // all the same.
+        for (const Entry* const standIn : casting_.StandIns(speaker)) {
+            if (said || ended_)
+                break;
+            if (next_ >= 0)
+                turn_ = From(turn_, next_);
+            said = turn_.empty() || Say(*standIn);
+        }
+        ok_ = said || &speaker != &chosen;
         turn_.clear();
         ended_ = ended_ || !ok_;
     }
@@ -229,17 +340,21 @@ private:
         const bool spoken = speaker.engine->Synthesize(speaker.voice, turn_, sink);
         sink.End();
         delivered_ += sink.Delivered();
+        next_ = sink.NextWord();
         ended_ = !sink.Wanted();
         return spoken;
     }
 
-    const Casting& casting_;
+    Casting& casting_;
     SampleSink& sink_;
+    const bool byLanguage_;
     const Entry* speaker_ = nullptr; ///< null: before the first letter
     std::vector<Segment> turn_;      ///< the segments of the current turn
     Segment piece_;                  ///< the piece of text being gathered
     WordFollower words_;
     std::int64_t delivered_ = 0;
+    int next_ = -1;            ///< the first word that the last speaker has not said
+    bool newParagraph_ = true; ///< the next character begins one
     bool ended_ = false;
     bool ok_ = true;
 };
@@ -247,12 +362,12 @@ private:
 } // namespace
 
 bool SpeakInTurns(const VoiceCatalog& catalog, const VoiceCatalog::Entry& chosen, std::span<const Segment> segments,
-                  SampleSink& sink)
+                  SampleSink& sink, bool byLanguage)
 {
-    const Casting casting(catalog, chosen);
-    if (chosen.voice.origin != Voice::Origin::Added && !casting.NeedsReader(segments))
+    Casting casting(catalog, chosen);
+    if (!byLanguage && chosen.voice.origin != Voice::Origin::Added && !casting.NeedsReader(segments))
         return chosen.engine->Synthesize(chosen.voice, segments, sink);
-    return Relay(casting, sink).Speak(segments);
+    return Relay(casting, sink, byLanguage).Speak(segments);
 }
 
 } // namespace voxmate::speech

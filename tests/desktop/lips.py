@@ -40,16 +40,16 @@ def lips_character():
     return bytes(made.data)
 
 
-def install_lips(desk):
+def install_lips(desk, **settings):
     """Makes the program use that character, with a balloon whose words appear as they are spoken, and without any other
-    sounds."""
+    sounds; `settings` replace further ones."""
     folder = os.path.join(desk.home, "lips", "")
     os.makedirs(folder, exist_ok=True)
     with open(os.path.join(folder, "Lips.acs"), "wb") as file:
         file.write(lips_character())
     desk.install_defaults(GreetingEnabled=0, SpeakTimeInterval=0, EnableSoundEffects=0, CharacterPath=folder,
                           LastCharacter="Lips", ShowBalloon=1, BalloonAutoPace=1, SizeBallonToText=1,
-                          BalloonCharactersPerLine=40)
+                          BalloonCharactersPerLine=40, **settings)
 
 
 def mouth_in(picture):

@@ -102,6 +102,7 @@ class Watch:
 
 class ProgramCase(unittest.TestCase):
     defaults = {}  # settings that differ from the defaults file
+    voices = ()  # the folder of neural voices, where one is rendered
     shared = False  # whether one program serves all cases of the class, which then do not mind their order
 
     def setUp(self):
@@ -314,7 +315,7 @@ class ProgramCase(unittest.TestCase):
         voice = voice or settings["LastSpeechEngine"].strip('"')
         numbers = {name: int(settings[name].removeprefix("dword:"), 16) for name in ("Pitch", "Speed", "Whisper")}
         result = subprocess.run([os.path.join(BUILD, "speech_render"), voice, str(numbers["Pitch"]),
-                                 str(numbers["Speed"]), str(numbers["Whisper"]), text, path],
+                                 str(numbers["Speed"]), str(numbers["Whisper"]), text, path, *self.voices],
                                 check=True, stdout=subprocess.PIPE)
         self.render_events = result.stdout.decode()
         return path

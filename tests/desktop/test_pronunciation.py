@@ -1,11 +1,14 @@
-"""Words that are said otherwise than they are written: entered in their window, heard, and kept in their file."""
+"""Words that are said otherwise than they are written: entered in their window, heard, and kept in their file. A text in
+another language, spoken by a voice of that language."""
 
 import os
 import unittest
 
 import desk as desktop
+import sound
 from test_extras import ExtrasCase
 
+GERMAN = "Guten Morgen, wie geht es dir heute?"
 SPOKEN = "one two three four five six seven eight"
 WINDOW = "Voxmate - Pronunciation"
 
@@ -53,6 +56,26 @@ class Pronunciation(ExtrasCase):
         desktop.wait_for(lambda: self.entered("Said:") == SPOKEN, what="the word's fields")
         self.press("Remove")
         desktop.wait_for(lambda: self.file() == "", what="an empty file")
+
+    def test_a_paragraph_is_spoken_by_a_voice_of_its_language(self):
+        german = sound.resampled(*sound.read_wave(self.render(GERMAN, "eSpeak German")))
+        first, last = sound.loud_span(german)
+        german = german[first:last]
+        self.type_text(GERMAN)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        self.hear(begin, GERMAN)
+        self.settle()
+        self.assertLess(sound.likeness(self.recorded(begin), german), 0.8)
+        self.choose_by_keys("alt+x", "Voice for Each Language", "f")
+        begin = self.now()
+        self.press("Speak the textbox text")
+        desktop.wait_for(lambda: sound.likeness(self.recorded(begin), german) > 0.8, step=0.1, what="the German voice")
+        self.settle()
+        self.type_text(SPOKEN)
+        begin = self.now()
+        self.press("Speak the textbox text")
+        self.hear(begin, SPOKEN)
 
 
 if __name__ == "__main__":

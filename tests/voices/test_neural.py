@@ -1,6 +1,7 @@
 """A neural voice heard from the running program. What it takes is given by tests/voices/run: VOXMATE_TEST_VOICE, a voice's
 .onnx with its .json beside it, and VOXMATE_TEST_RUNTIME, the library of ONNX Runtime where the system has none."""
 
+import json
 import os
 import resource
 import shutil
@@ -13,7 +14,9 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 import numpy
 
 import desk as desktop  # noqa: E402
+import lips  # noqa: E402
 import sound  # noqa: E402
+import test_lips  # noqa: E402
 from program import CALM, ProgramCase  # noqa: E402
 
 MODEL = os.environ.get("VOXMATE_TEST_VOICE", "")
@@ -50,12 +53,25 @@ def pitch(samples, rate=sound.RATE):
     return float(numpy.median(heard)) if heard else 0.0
 
 
+def silences(samples, least=0.1):
+    """How long each silence of at least so many seconds is."""
+    edges = numpy.flatnonzero(numpy.diff(sound.loud_windows(samples).astype(int), prepend=1, append=1))
+    lengths = (edges[1::2] - edges[::2]) * sound.WINDOW
+    return [float(length) for length in lengths if length >= least]
+
+
+VOICE = "Piper joe (English, United States, medium)"
+
+
 class NeuralCase(ProgramCase):
-    defaults = {**CALM, "LastSpeechEngine": "Piper joe (English, United States, medium)", "Pitch": 100, "Speed": 156}
+    defaults = {**CALM, "LastSpeechEngine": VOICE, "Pitch": 100, "Speed": 156}
 
     def setUp(self):
         super().setUp()
         self.listen()
+        self.install_voice()
+
+    def install_voice(self):
         self.folder = os.path.join(self.desk.env["XDG_DATA_HOME"], "voxmate", "voices")
         os.makedirs(self.folder)
         self.addCleanup(shutil.rmtree, self.folder)
@@ -64,6 +80,17 @@ class NeuralCase(ProgramCase):
         if RUNTIME:
             os.makedirs(os.path.join(self.folder, "runtime"))
             os.symlink(RUNTIME, os.path.join(self.folder, "runtime", "libonnxruntime.so.1"))
+
+    def remove_chance(self):
+        """Has the voice say a text the same way each time, so that what is heard can be compared with a rendering."""
+        path = os.path.join(self.folder, os.path.basename(MODEL) + ".json")
+        with open(path, encoding="utf-8") as file:
+            description = json.load(file)
+        description["inference"].update(noise_scale=0, noise_w=0)
+        os.remove(path)
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(description, file)
+        self.voices = [self.folder]
 
     def prepare(self, **settings):
         """Starts the program with these settings, and with the text to be spoken."""
@@ -112,6 +139,30 @@ class Neural(NeuralCase):
         self.assertLess(pitch(whispered[:sound.RATE * 5]), 1)
         self.assertGreater(pitch(spoken[:sound.RATE * 5]), 1)
         self.assertAlmostEqual(len(whispered) / len(spoken), 1, delta=0.15)
+
+    def test_between_sentences_is_no_silence_but_the_voices_own(self):
+        self.remove_chance()
+        heard = self.speak()
+        made = sound.resampled(*sound.read_wave(self.render(TEXT)))
+        first, last = sound.loud_span(made)
+        longer = [there - here for here, there in zip(silences(made[first:last]), silences(heard), strict=True)]
+        print("silences longer than the voice's own by " + ", ".join(f"{1000 * gap:.0f} ms" for gap in longer))
+        self.assertGreater(len(longer), 1)
+        self.assertLess(max(longer), 0.03)
+
+    def test_a_voice_that_was_missing_for_a_while_is_the_chosen_one_again(self):
+        self.desk.remove_settings()
+        self.desk.install_defaults(**self.defaults)
+        away = self.folder + ".away"
+        os.rename(self.folder, away)
+        self.start()
+        self.assertIn("Voice Type Last Used", self.answer_box("Voxmate - Options in Error"))
+        self.settle()
+        self.assertNotEqual(self.desk.read_settings()["LastSpeechEngine"], f'"{VOICE}"')
+        self.desk.end(self.program)
+        os.rename(away, self.folder)
+        self.start_and_settle()
+        self.saved("LastSpeechEngine", f'"{VOICE}"')
 
     def test_stop_in_the_middle_of_a_sentence_is_silent(self):
         begin = self.begin()
@@ -178,6 +229,19 @@ class Neural(NeuralCase):
             half.truncate(os.path.getsize(MODEL) // 2)
         self.quick_voice_speaks(self.begin(), f"{model}: it cannot be used")
 
+
+@unittest.skipUnless(MODEL, "no neural voice is given")
+class Lips(test_lips.HeldSound):
+    """What is seen while a neural voice is heard, as with the others (test_lips)."""
+
+    def setUp(self):
+        super().setUp()
+        NeuralCase.install_voice(self)
+        NeuralCase.remove_chance(self)
+        lips.install_lips(self.desk, LastSpeechEngine=VOICE)
+
+
+del test_lips  # whose own cases are not to be run here
 
 if __name__ == "__main__":
     unittest.main()

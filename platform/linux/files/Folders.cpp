@@ -20,6 +20,14 @@ std::string AbsoluteFromEnvironment(const char* variable)
     return value && value[0] == '/' ? value : std::string{};
 }
 
+std::string Below(const char* variable, const char* fallback)
+{
+    const std::string folder = AbsoluteFromEnvironment(variable);
+    return folder.empty() ? HomeFolder() + fallback : folder;
+}
+
+} // namespace
+
 std::string HomeFolder()
 {
     if (std::string home = AbsoluteFromEnvironment("HOME"); !home.empty())
@@ -28,13 +36,10 @@ std::string HomeFolder()
     return user && user->pw_dir ? user->pw_dir : "/";
 }
 
-std::string Below(const char* variable, const char* fallback)
+std::string DataFolder()
 {
-    const std::string folder = AbsoluteFromEnvironment(variable);
-    return folder.empty() ? HomeFolder() + fallback : folder;
+    return Below("XDG_DATA_HOME", "/.local/share");
 }
-
-} // namespace
 
 std::string ConfigFolder()
 {
@@ -71,7 +76,7 @@ std::string ProgramFolder()
 {
     std::string folder = AbsoluteFromEnvironment("VOXMATE_HOME");
     if (folder.empty())
-        folder = Below("XDG_DATA_HOME", "/.local/share") + "/voxmate";
+        folder = DataFolder() + "/voxmate";
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     return folder;

@@ -7,6 +7,10 @@
 namespace voxmate::linux_platform
 {
 
+/// $HOME, or what the system's list of users says.
+std::string HomeFolder();
+/// $XDG_DATA_HOME, or ~/.local/share.
+std::string DataFolder();
 /// $XDG_CONFIG_HOME, or ~/.config. Relative paths in a variable are ignored, as that standard requires.
 std::string ConfigFolder();
 /// $XDG_STATE_HOME, or ~/.local/state.

@@ -8,6 +8,7 @@
 #include "tests/fakes/FakeGlobalKeys.h"
 #include "tests/fakes/FakeMediaControls.h"
 #include "tests/fakes/FakeNotifications.h"
+#include "tests/fakes/FakePower.h"
 #include "tests/fakes/FakePresence.h"
 #include "tests/fakes/FakeQuiet.h"
 #include "tests/fakes/FakeSounds.h"
@@ -45,6 +46,8 @@ protected:
     fakes::FakePresence presence;
     fakes::FakeNotifications notifications{fake.log};
     fakes::FakeQuiet quiet;
+    fakes::FakeQuiet characterQuiet;
+    fakes::FakePower power;
     frmMain form{program};
     Extras extras{program,
                   form,
@@ -63,7 +66,7 @@ protected:
                            fake.files.texts[path] = text;
                        return savesText;
                    },
-                   sounds.Host(), presence, notifications, quiet}};
+                   sounds.Host(), presence, notifications, quiet, characterQuiet, power}};
 
     ExtrasTest()
     {

@@ -147,6 +147,31 @@ TEST_F(PronunciationsTest, LinksAndCodesAreSaidInShortWhereTheUserSwitchesThatOn
     EXPECT_FALSE(wording.shortens);
 }
 
+TEST_F(PronunciationsTest, EachLanguageHasAVoiceOfItsOwnWhereTheUserSwitchesThatOn)
+{
+    Begin();
+    OpenMenu();
+    EXPECT_EQ(Item("mnuByLanguage").Caption.get(), "Voice &for Each Language");
+    EXPECT_FALSE(Item("mnuByLanguage").Checked);
+    EXPECT_FALSE(wording.byLanguage);
+    Item("mnuByLanguage").UserClick();
+    EXPECT_TRUE(wording.byLanguage);
+    EXPECT_EQ(state.Get("voice.bylanguage"), "1");
+    Item("mnuByLanguage").UserClick();
+    EXPECT_FALSE(wording.byLanguage);
+}
+
+TEST_F(PronunciationsTest, WhereLanguagesCannotBeToldApartTheMenuSaysSo)
+{
+    wording.knowsLanguages = false;
+    state.Set("voice.bylanguage", "1");
+    Begin();
+    OpenMenu();
+    EXPECT_EQ(Item("mnuByLanguage").Caption.get(), "Voice &for Each Language (not in this build)");
+    EXPECT_FALSE(Item("mnuByLanguage").Enabled);
+    EXPECT_FALSE(wording.byLanguage);
+}
+
 } // namespace
 
 } // namespace voxmate

@@ -219,6 +219,20 @@ TEST_F(SaveSoundTest, TellsHowFarItIs)
     EXPECT_FALSE(Window().IsLoaded());
 }
 
+TEST_F(SaveSoundTest, TellsWhenAnotherVoiceHasSpoken)
+{
+    SaveText();
+    News news = Of(Kind::Done);
+    news.files = 1;
+    news.milliseconds = 122'000;
+    news.otherVoice = true;
+    Hear(news, true);
+    EXPECT_EQ(Progress(), "Saved a.ogg: 2 minutes of sound");
+    EXPECT_EQ(Boxes(),
+              Lines{"Voxmate - Save as Sound: The voice that is chosen could not speak, and another has spoken "
+                    "in its place:\r\na.ogg"});
+}
+
 TEST_F(SaveSoundTest, CancelLeavesNothing)
 {
     SaveText();

@@ -30,8 +30,10 @@ TEST_F(SpeakingTest, TheMenusItemsStandInTheirOrderWithTheirKeys)
                                            "-",
                                            "Pron&unciation...",
                                            "Say Lin&ks and Codes in Short",
+                                           "Voice &for Each Language",
                                            "-",
                                            "&Character Stands Aside",
+                                           "Character &Breathes",
                                            "-",
                                            "Start at &Log-in",
                                            "&Greet Me at Log-in",
@@ -146,7 +148,7 @@ TEST_F(SpeakingTest, SizeAndPlaceAreKept)
     frmMain next(program);
     Extras more(program, next,
                 {state, login, desktop, media, keys, nullptr, nullptr, nullptr, places, wording, nullptr, sounds.Host(),
-                 presence, notifications, quiet});
+                 presence, notifications, quiet, characterQuiet, power});
     EXPECT_EQ(next.Geometry, "elsewhere");
 }
 

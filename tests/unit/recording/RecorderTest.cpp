@@ -382,6 +382,7 @@ TEST(JobTest, AJobIsTheSameAfterItsWay)
     job.path = "/tmp/12\nfiles";
     job.chapters = true;
     job.shortens = true;
+    job.byLanguage = true;
     job.rules = {{"a", "b"}, {"c = d", ""}};
     job.blocks = {{BlockKind::Heading, 1, "1.", "A title", "en"}, {BlockKind::Paragraph, 0, "", "\u00e4", ""}};
     const std::string bytes = EncodeJob(job);
@@ -392,10 +393,11 @@ TEST(JobTest, AJobIsTheSameAfterItsWay)
 
 TEST(NewsTest, NewsIsTheSameAfterItsWay)
 {
-    const News news{Kind::Done, 1, 2, 3, 4, Refusal::Damaged};
-    EXPECT_EQ(EncodeNews(news), "1 1 2 3 4 4\n");
-    EXPECT_EQ(DecodeNews("1 1 2 3 4 4"), news);
-    for (const char* line : {"", "1", "1 2 3 4 5", "9 0 0 0 0 0", "1 0 0 0 0 99", "1 0 0 0 0 0 0", "a 0 0 0 0 0"})
+    const News news{Kind::Done, 1, 2, 3, 4, Refusal::Damaged, true};
+    EXPECT_EQ(EncodeNews(news), "1 1 2 3 4 4 1\n");
+    EXPECT_EQ(DecodeNews("1 1 2 3 4 4 1"), news);
+    for (const char* line : {"", "1", "1 2 3 4 5 0", "9 0 0 0 0 0 0", "1 0 0 0 0 99 0", "1 0 0 0 0 0 2",
+                             "1 0 0 0 0 0 0 0", "a 0 0 0 0 0 0"})
         EXPECT_EQ(DecodeNews(line), std::nullopt) << line;
 }
 

@@ -2,6 +2,7 @@
 #include "speech/text/Relay.h"
 #include "speech/sound/Resampler.h"
 #include "speech/sound/SpeechMeasure.h"
+#include "speech/text/LanguageGuess.h"
 #include "tests/fakes/RecordingSink.h"
 #include "tests/unit/speech/Segments.h"
 
@@ -30,6 +31,8 @@ struct ScriptEngine final : Engine {
         std::int64_t at = 0;
         if (voice.key == "mute")
             return false;
+        if (voice.key == "weak")
+            segments = segments.first(1);
         for (const Segment& segment : segments) {
             std::string line = voice.key + ": ";
             if (segment.kind == Segment::Kind::Bookmark) {
@@ -50,7 +53,7 @@ struct ScriptEngine final : Engine {
             }
             log->push_back(line);
         }
-        return voice.key != "broken";
+        return voice.key != "broken" && voice.key != "weak";
     }
 
     std::vector<Voice> voices;
@@ -175,6 +178,23 @@ TEST_F(RelayTest, AnAddedVoiceThatFailsIsStoodInFor)
     EXPECT_EQ(sink.samples.size(), 3 * 20U);
 }
 
+TEST_F(RelayTest, AnAddedVoiceThatFailsInTheMiddleIsStoodInForFromThere)
+{
+    auto added =
+        std::make_unique<ScriptEngine>(std::vector<Voice>{{"Weak", "6", "en-us", "weak", Voice::Origin::Added}}, 1000);
+    added->log = &log;
+    engines.push_back(std::move(added));
+    Segment mark;
+    mark.kind = Segment::Kind::Bookmark;
+    mark.bookmark = 7;
+    Segment rest = Text("three four. five");
+    rest.firstWord = 2;
+    EXPECT_TRUE(Speak({Text("one two"), mark, rest}, "6"));
+    EXPECT_EQ(log, (Lines{"weak: [one two] 0", "flat: [two] 1", "flat: mark 7", "flat: [three four. five] 2"}));
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(sink.samples.size(), 7 * 20U + 3 * 20U + 16 * 20U);
+}
+
 TEST_F(RelayTest, AListenerWhoHasHadEnoughGetsNoMore)
 {
     sink.stopAfter = 1;
@@ -202,6 +222,78 @@ TEST_F(RelayTest, ALongTextIsNotDealtOutBeforeItIsHeard)
         words += static_cast<int>(std::count(line.begin(), line.end(), '\n')) * 8;
     }
     EXPECT_EQ(bytes, russian.size());
+}
+
+// Each paragraph by a voice of its language, with voices of one engine more.
+class RelayByLanguageTest : public RelayTest
+{
+protected:
+    RelayByLanguageTest()
+    {
+        auto spoken = std::make_unique<ScriptEngine>(
+            std::vector<Voice>{{"German", "7", "de", "de"}, {"Mute Dane", "8", "da", "mute"}}, 1000);
+        spoken->log = &log;
+        engines.push_back(std::move(spoken));
+    }
+    void SetUp() override
+    {
+        if (!GuessesLanguages())
+            GTEST_SKIP() << "built without the library that tells languages apart";
+    }
+    bool SpeakByLanguage(const std::vector<Segment>& segments, const char* mode = "1")
+    {
+        catalog = std::make_unique<VoiceCatalog>(std::move(engines), desktop);
+        return SpeakInTurns(*catalog, *catalog->Find(mode), segments, sink, true);
+    }
+};
+
+TEST_F(RelayByLanguageTest, AParagraphGoesToTheVoiceOfItsLanguage)
+{
+    EXPECT_TRUE(
+        SpeakByLanguage({Text("This is written in English.\nHeute ist das Wetter sehr schön.\n\nIt was fine.")}));
+    EXPECT_EQ(log, (Lines{"flat: [This is written in English.\n] 0", "de: [Heute ist das Wetter sehr schön.\n\n] 5",
+                          "flat: [It was fine.] 11"}));
+    EXPECT_EQ(sink.Values(SpeechEvent::Kind::Word), (std::vector<int>{0, 5, 11}));
+}
+
+TEST_F(RelayByLanguageTest, OtherwiseTheChosenVoiceSaysAll)
+{
+    EXPECT_TRUE(Speak({Text("Heute ist das Wetter sehr schön.")}));
+    EXPECT_EQ(log, Lines{"flat: [Heute ist das Wetter sehr schön.] 0"});
+}
+
+TEST_F(RelayByLanguageTest, WhatCannotBeToldStaysWithTheVoiceBefore)
+{
+    EXPECT_TRUE(SpeakByLanguage({Text("Xyz 12.\n5. Heute ist das Wetter sehr schön.\nNein. 42")}));
+    EXPECT_EQ(log, (Lines{"flat: [Xyz 12.\n] 0", "de: [5. Heute ist das Wetter sehr schön.\nNein. 42] 2"}));
+}
+
+TEST_F(RelayByLanguageTest, AParagraphOfSeveralPiecesIsToldByAllOfThem)
+{
+    Segment mark;
+    mark.kind = Segment::Kind::Bookmark;
+    mark.bookmark = 3;
+    EXPECT_TRUE(
+        SpeakByLanguage({Text("Heute "), mark, Text("ist "), Text("das Wetter "), Text("schön.\nIt was fine.")}));
+    EXPECT_EQ(log, (Lines{"de: [Heute ] 0", "de: mark 3", "de: [ist ] 0", "de: [das Wetter ] 0", "de: [schön.\n] 0",
+                          "flat: [It was fine.] 1"}));
+}
+
+TEST_F(RelayByLanguageTest, AnotherWritingInsideAParagraphStillGoesToItsReader)
+{
+    EXPECT_TRUE(SpeakByLanguage({Text(
+        "Heute ist das Wetter in Москва und auch hier sehr schön, und alle gehen mit ihren Kindern spazieren.")}));
+    EXPECT_EQ(log, (Lines{"de: [Heute ist das Wetter in] 0", "ru: [ Москва] 5",
+                          "de: [ und auch hier sehr schön, und alle gehen mit ihren Kindern spazieren.] 6"}));
+}
+
+TEST_F(RelayByLanguageTest, ALanguageWithoutAVoiceAndOneWhoseVoiceFailsAreSaidByTheChosenVoice)
+{
+    EXPECT_TRUE(SpeakByLanguage({Text("Vandaag is het weer bijzonder mooi.\n"
+                                      "Jeg ved ikke, hvad der skete i går, men det var sjovt.\nIt was fine.")}));
+    EXPECT_EQ(log,
+              (Lines{"flat: [Vandaag is het weer bijzonder mooi.\n] 0",
+                     "flat: [Jeg ved ikke, hvad der skete i går, men det var sjovt.\n] 6", "flat: [It was fine.] 18"}));
 }
 
 TEST(ResamplerTest, KeepsATonesPitchLevelAndLength)

@@ -252,6 +252,31 @@ INSTANTIATE_TEST_SUITE_P(
                       std::pair("pt_BR", "eSpeak Portuguese (Brazil)"), std::pair("tlh", "eSpeak English (America)")),
     [](const auto& info) { return std::string(info.param.first); });
 
+TEST(VoiceCatalogTest, FindsForEachLanguageTheVoiceThatIsMostLikeTheChosenOne)
+{
+    std::vector<std::unique_ptr<Engine>> engines;
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"e Belgian", "1", "fr-be", ""},
+                                                                             {"e French", "2", "fr", ""},
+                                                                             {"e German", "3", "de", ""},
+                                                                             {"e Bokmål", "4", "nb", ""},
+                                                                             {"e English", "5", "en-us", ""}}));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(
+        std::vector<Voice>{{"p German", "6", "de-DE", "", Voice::Origin::Added}, {"p Welsh", "7", "cy", ""}}));
+    engines.push_back(std::make_unique<fakes::FakeEngine>(std::vector<Voice>{{"f Anna", "8", "en-us", ""}}));
+    VoiceCatalog catalog(std::move(engines), "en");
+    const auto speaker = [&catalog](const char* language, const char* mode) -> std::string {
+        const VoiceCatalog::Entry* const entry = catalog.SpeakerOf(language, *catalog.Find(mode));
+        return entry ? entry->voice.name : "nobody";
+    };
+    EXPECT_EQ(speaker("de", "5"), "e German");
+    EXPECT_EQ(speaker("de", "7"), "p German");
+    EXPECT_EQ(speaker("de", "8"), "p German"); // an added one, since its own kind has none
+    EXPECT_EQ(speaker("fr", "8"), "e French");
+    EXPECT_EQ(speaker("cy", "5"), "p Welsh");
+    EXPECT_EQ(speaker("no", "5"), "e Bokmål");
+    EXPECT_EQ(speaker("tlh", "5"), "nobody");
+}
+
 TEST(VoiceCatalogTest, HasNothingOutsideItsBounds)
 {
     VoiceCatalog empty({}, "en");

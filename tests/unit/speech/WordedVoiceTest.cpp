@@ -25,6 +25,19 @@ TEST(WordedVoiceTest, SaysWordsByTheRulesThatWereSetLast)
     EXPECT_EQ(voice.started.back().shownWords, 2);
 }
 
+TEST(WordedVoiceTest, HandsOnWhetherEachLanguageHasAVoice)
+{
+    fakes::FakeVoiceOutput voice;
+    WordedVoice worded(voice);
+    worded.UseVoicesByLanguage(true);
+    worded.Start({"", {Text("a")}, "", 1}, {});
+    EXPECT_TRUE(voice.started.back().byLanguage);
+    EXPECT_TRUE(worded.ByLanguage());
+    worded.UseVoicesByLanguage(false);
+    worded.Start({"", {Text("a")}, "", 1}, {});
+    EXPECT_FALSE(voice.started.back().byLanguage);
+}
+
 TEST(WordedVoiceTest, LeavesTheWordsBesideAWaveFileAlone)
 {
     fakes::FakeVoiceOutput voice;

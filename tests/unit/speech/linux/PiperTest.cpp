@@ -1,8 +1,10 @@
 // Neural voices as far as they need no runtime: what a voice's files tell, where they are found, phonemes and numbers.
 #include "PiperNetwork.h"
 #include "base/Text.h"
+#include "speech/Engine.h"
 #include "speech/engines/EspeakPhonemes.h"
 #include "speech/engines/OnnxGraph.h"
+#include "speech/engines/PiperModel.h"
 #include "speech/engines/PiperVoiceFile.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +15,7 @@
 #include <map>
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 namespace voxmate::speech
 {
@@ -43,6 +46,7 @@ protected:
     std::string WhyNot(const std::string& description) const
     {
         const fs::path model = folder / "xx_YY-test-low.onnx";
+        Write(model, "x");
         Write(model.string() + ".json", description);
         std::string why;
         const bool read = ReadPiperVoice(model, why).has_value();
@@ -70,6 +74,7 @@ std::string Description(const std::string& changed = "", const std::string& with
 TEST_F(PiperTest, AVoicesDescriptionIsRead)
 {
     const fs::path model = folder / "de_DE-otto-medium.onnx";
+    Write(model, "x");
     Write(model.string() + ".json", Description());
     std::string why;
     const auto voice = ReadPiperVoice(model, why);
@@ -91,6 +96,7 @@ TEST_F(PiperTest, AVoicesDescriptionIsRead)
 TEST_F(PiperTest, SpeakersHaveTheirNamesOrNumbers)
 {
     const fs::path model = folder / "en_GB-many-low.onnx";
+    Write(model, "x");
     Write(model.string() + ".json",
           Description(R"("num_speakers": 1, "speaker_id_map": {})",
                       R"("num_speakers": 3, "speaker_id_map": {"p225": 0, "p226": 2, "p227": 7, "p228": -1})"));
@@ -124,12 +130,13 @@ TEST_F(PiperTest, WhatIsNoVoicesDescriptionIsRefused)
     EXPECT_EQ(WhyNot(Description("phoneme_id_map", "phonemes")), damaged);
     std::string why;
     EXPECT_FALSE(ReadPiperVoice(folder / "none.onnx", why));
-    EXPECT_EQ(why, (folder / "none.onnx.json").string() + ": it cannot be read.");
+    EXPECT_EQ(why, (folder / "none.onnx").string() + ": it cannot be read.");
 }
 
 TEST_F(PiperTest, ScalesThatNoVoiceHasAreReplaced)
 {
     const fs::path model = folder / "de_DE-otto-medium.onnx";
+    Write(model, "x");
     Write(model.string() + ".json", Description(R"("noise_scale": 0.5, "length_scale": 1.25, "noise_w": 0.75)",
                                                 R"("noise_scale": -3, "length_scale": 0, "noise_w": "much")"));
     std::string why;
@@ -151,31 +158,158 @@ TEST(PiperNumbersTest, MarksStandAroundAndBetweenPhonemes)
     EXPECT_TRUE(places.empty());
 }
 
-TEST_F(PiperTest, VoicesAreFoundWhereOthersPutThem)
+TEST_F(PiperTest, WhatStandsForADescriptionButIsNoneIsRefusedUnread)
 {
-    const fs::path data = folder / "share";
-    EXPECT_THAT(PiperFolders(data / "voxmate/voices"),
-                ElementsAre(data / "voxmate/voices", data / "piper", data / "piper-voices", data / "pied/models",
-                            "/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
-    EXPECT_THAT(PiperFolders("/home/a/.local/share/voxmate/voices"),
-                ElementsAre("/home/a/.local/share/voxmate/voices", "/home/a/.local/share/piper",
-                            "/home/a/.local/share/piper-voices", "/home/a/.local/share/pied/models",
-                            "/home/a/.var/app/com.mikeasoft.pied/data/pied/models", "/home/a/snap/pied/common/models",
-                            "/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
-    EXPECT_THAT(PiperFolders("/elsewhere"), ElementsAre("/elsewhere", "/usr/share/piper-voices",
-                                                        "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
+    const fs::path model = folder / "xx_YY-test-low.onnx";
+    const fs::path description = model.string() + ".json";
+    const auto why = [&] {
+        std::string told;
+        EXPECT_FALSE(ReadPiperVoice(model, told));
+        return told;
+    };
+    EXPECT_EQ(why(), model.string() + ": it cannot be read.");
+    Write(model, "x");
+    EXPECT_EQ(why(), description.string() + ": it cannot be read.");
+    // Nobody writes into this pipe, and nothing ends the other: reading them would take for ever.
+    ASSERT_EQ(mkfifo(description.c_str(), 0600), 0);
+    EXPECT_EQ(why(), description.string() + ": it cannot be read.");
+    fs::remove(description);
+    fs::create_symlink("/dev/zero", description);
+    EXPECT_EQ(why(), description.string() + ": it cannot be read.");
+    fs::remove(description);
+    // A file of the system's, whose size is told as 0 and which may have no end.
+    fs::create_symlink("/proc/self/maps", description);
+    EXPECT_EQ(why(), description.string() + ": it is not a voice's description.");
+    fs::remove(description);
+    fs::create_symlink(description, description);
+    EXPECT_EQ(why(), description.string() + ": it cannot be read.");
+    fs::remove(description);
+    Write(description, "");
+    fs::resize_file(description, std::uintmax_t{1} << 30U);
+    EXPECT_EQ(why(), description.string() + ": it is too large for a voice's description.");
 }
 
-TEST_F(PiperTest, AVoiceIsFoundOnceAndOnlyWithBothFiles)
+TEST_F(PiperTest, ANameHasOneLineAndNoPartsOfLetters)
 {
-    for (const char* name :
-         {"own/b.onnx", "own/b.onnx.json", "own/a.onnx", "own/a.onnx.json", "own/half.onnx", "own/other.txt",
-          "piper/en/en_US/joe/medium/c.onnx", "piper/en/en_US/joe/medium/c.onnx.json", "piper/b.onnx",
-          "piper/b.onnx.json", "piper/1/2/3/4/5/deep.onnx", "piper/1/2/3/4/5/deep.onnx.json"})
+    const auto read = [&](const std::string& stem, const std::string& changed = "", const std::string& with = "") {
+        const fs::path model = folder / (stem + ".onnx");
+        Write(model, "x");
+        Write(model.string() + ".json", Description(changed, with));
+        std::string why;
+        std::optional<PiperVoiceFile> voice = ReadPiperVoice(model, why);
+        EXPECT_TRUE(voice) << why;
+        return voice.value_or(PiperVoiceFile());
+    };
+    EXPECT_EQ(read("de_DE-ot\nto-medium").name, "ot to");
+    EXPECT_EQ(read("de_DE-ott\xff-medium").name, "ott\ufffd");
+    EXPECT_EQ(read("de_DE-otto-medium", R"("quality": "medium")", R"("quality": "me\ndium")").quality, "me dium");
+    EXPECT_EQ(read("de_DE-otto-medium", "\"Germany\"", R"("Ger\tmany\u0000")").place, "German, Ger many");
+    const PiperVoiceFile many = read("de_DE-otto-medium", R"("num_speakers": 1, "speaker_id_map": {})",
+                                     R"("num_speakers": 2, "speaker_id_map": {"first\r\nspeaker": 0, " \n ": 1})");
+    EXPECT_THAT(many.speakers, ElementsAre("first speaker", "1"));
+    // What refuses a voice is told in one line, too.
+    const fs::path model = folder / "a\nb.onnx";
+    Write(model, "x");
+    std::string why;
+    EXPECT_FALSE(ReadPiperVoice(model, why));
+    EXPECT_EQ(why, (folder / "a b.onnx.json").string() + ": it cannot be read.");
+}
+
+TEST_F(PiperTest, AFilesNameIsThatOfTheVoiceWithoutLanguageAndQuality)
+{
+    const auto read = [&](const std::string& stem, bool language) {
+        const fs::path model = folder / (stem + ".onnx");
+        Write(model, "x");
+        Write(model.string() + ".json", language ? Description() : Description("\"language\":", "\"languages\":"));
+        std::string why;
+        const std::optional<PiperVoiceFile> voice = ReadPiperVoice(model, why);
+        EXPECT_TRUE(voice) << why;
+        return voice ? voice->name + " " + voice->language : why;
+    };
+    EXPECT_EQ(read("de_DE-otto-medium", true), "otto de-de");
+    EXPECT_EQ(read("de-de-otto-medium", true), "otto de-de");
+    EXPECT_EQ(read("de-otto", true), "otto de-de");
+    EXPECT_EQ(read("de_AT-otto-medium", true), "otto de-de");
+    EXPECT_EQ(read("joe-medium", true), "joe de-de");
+    EXPECT_EQ(read("my-own-voice", true), "my-own-voice de-de");
+    EXPECT_EQ(read("de_DE-a-b-c-medium", true), "a-b-c de-de");
+    EXPECT_EQ(read("medium", true), "otto de-de");
+    EXPECT_EQ(read("de-medium", true), "otto de-de");
+    // Older descriptions tell no language but that of the phonemes.
+    EXPECT_EQ(read("de_DE-otto-medium", false), "otto de");
+    EXPECT_EQ(read("joe-medium", false), "joe de");
+}
+
+TEST_F(PiperTest, VoicesAreFoundWhereOthersPutThem)
+{
+    EXPECT_THAT(PiperFolders("/own", "/data", "/home/a"),
+                ElementsAre("/own", "/data/piper", "/data/piper-voices", "/data/pied/models",
+                            "/home/a/.var/app/com.mikeasoft.pied/data/pied/models", "/home/a/snap/pied/common/models",
+                            "/usr/share/piper-voices", "/usr/share/piper/voices", "/usr/local/share/piper-voices"));
+}
+
+TEST_F(PiperTest, NetworksAreFoundInTheOrderOfFoldersAndNames)
+{
+    for (const char* name : {"own/b.onnx", "own/a.onnx", "own/other.txt", "own/c.onnx.json",
+                             "piper/en/en_US/joe/medium/c.onnx", "piper/b.onnx", "piper/1/2/3/4/5/deep.onnx"})
         Write(folder / name, "x");
     fs::create_directory_symlink(folder, folder / "piper/loop");
+    fs::create_symlink("itself.onnx", folder / "piper/itself.onnx");
     EXPECT_THAT(FindPiperModels({folder / "own", folder / "piper", folder / "missing"}),
-                ElementsAre(folder / "own/a.onnx", folder / "own/b.onnx", folder / "piper/en/en_US/joe/medium/c.onnx"));
+                ElementsAre(folder / "own/a.onnx", folder / "own/b.onnx", folder / "piper/b.onnx",
+                            folder / "piper/itself.onnx", folder / "piper/en/en_US/joe/medium/c.onnx"));
+}
+
+/// The list of voices. For that, a runtime only has to be there.
+class PiperListTest : public PiperTest
+{
+protected:
+    void SetUp() override
+    {
+        PiperTest::SetUp();
+        Write(folder / "own/runtime/libonnxruntime.so.1", "");
+        if (!PiperModel::Available(folder / "own/runtime"))
+            GTEST_SKIP() << "Built without neural voices.";
+    }
+    void Put(const std::string& place, const std::string& description)
+    {
+        Write(folder / (place + ".onnx"), "x");
+        Write(folder / (place + ".onnx.json"), description);
+    }
+    std::vector<std::string> Names()
+    {
+        const auto engine = CreatePiperEngine(
+            folder / "own", folder / "data", folder, [&](const std::string& why) { told.push_back(why); },
+            [&](const std::string& why) { ADD_FAILURE() << why; });
+        std::vector<std::string> names;
+        for (const Voice& voice : engine->Voices())
+            names.push_back(voice.name);
+        return names;
+    }
+
+    std::vector<std::string> told;
+};
+
+TEST_F(PiperListTest, AVoiceIsListedOnceAndADamagedOneHidesNone)
+{
+    Put("own/de_DE-otto-medium", Description());
+    Put("own/de_DE-emma-medium", "damaged");
+    Put("data/piper/de_DE-otto-medium", "damaged, but never looked at");
+    Put("data/piper/de_DE-emma-medium", Description());
+    Put("data/piper-voices/de_DE-emma-medium", Description());
+    EXPECT_THAT(Names(), ElementsAre("Piper otto (German, Germany, medium)", "Piper emma (German, Germany, medium)"));
+    EXPECT_THAT(told, ElementsAre((folder / "own/de_DE-emma-medium.onnx.json").string() +
+                                  ": it is not a voice's description."));
+}
+
+TEST_F(PiperListTest, TwentySpeakersOfANetworkAreListed)
+{
+    Put("own/de_DE-many-low", Description(R"("num_speakers": 1, "speaker_id_map": {})",
+                                          R"("num_speakers": 904, "speaker_id_map": {"p1": 0, "p904": 903})"));
+    const std::vector<std::string> names = Names();
+    ASSERT_EQ(names.size(), 20U);
+    EXPECT_EQ(names.front(), "Piper many p1 (German, Germany, medium)");
+    EXPECT_EQ(names.back(), "Piper many 19 (German, Germany, medium)");
 }
 
 std::string Node(const std::string& kind, const std::string& input)
@@ -264,6 +398,35 @@ TEST(EspeakPhonemesTest, ATextIsDividedIntoClausesWithTheirMarks)
     EXPECT_EQ(ends, (std::vector<bool>{false, true, true, true}));
     EXPECT_THAT(words, ElementsAre(0, 6, 13, 16, 24, 28, 32, 37));
     EXPECT_TRUE(ClausesOf("no-such-voice", text).empty());
+}
+
+TEST(EspeakPhonemesTest, ALongTextWithoutAMarkIsDividedBetweenWords)
+{
+    const std::u32string words = U"the council keeps our library open until nine ";
+    std::u32string text;
+    for (int i = 0; i < 20; ++i)
+        text += words;
+    const std::vector<Clause> clauses = ClausesOf("en-us", text);
+    EXPECT_GT(clauses.size(), 3U);
+    std::size_t before = 0;
+    for (const Clause& clause : clauses) {
+        EXPECT_LE(clause.phonemes.size(), LongestClause);
+        EXPECT_EQ(clause.source.size(), clause.phonemes.size());
+        // None begins within a word.
+        if (&clause != &clauses.front()) {
+            EXPECT_NE(clause.source.front(), before);
+            EXPECT_NE(clause.phonemes.front(), U' ');
+        }
+        before = clause.source.back();
+    }
+    // A word without an end is cut somewhere, but not before a mark of a sound.
+    std::size_t phonemes = 0;
+    for (const Clause& clause : ClausesOf("en-us", std::u32string(1000, U'7'))) {
+        EXPECT_LE(clause.phonemes.size(), LongestClause);
+        EXPECT_NE(clause.phonemes.front(), U'ː');
+        phonemes += clause.phonemes.size();
+    }
+    EXPECT_GT(phonemes, 1000U);
 }
 
 TEST(EspeakPhonemesTest, VeryManyPhonemesAreSharedEvenly)
