@@ -1,4 +1,5 @@
 // The only place that knows which implementations are used: it fills one Platform and shows the splash form.
+#include "SystemParts.h"
 #include "agent/Server.h"
 #include "agent/file/AcsFile.h"
 #include "base/FileName.h"
@@ -10,28 +11,9 @@
 #include "platform/Fingerprint.h"
 #include "platform/FreeMemory.h"
 #include "platform/MemoryFile.h"
-#include "platform/linux/desktop/DBusActivation.h"
-#include "platform/linux/desktop/DesktopKeys.h"
-#include "platform/linux/desktop/DesktopQuiet.h"
-#include "platform/linux/desktop/LinuxNotifications.h"
-#include "platform/linux/desktop/MprisPlayer.h"
-#include "platform/linux/desktop/QtAudioOutput.h"
-#include "platform/linux/desktop/X11Presence.h"
-#include "platform/linux/files/FileSaver.h"
-#include "platform/linux/files/Folders.h"
-#include "platform/linux/files/LinuxFileSystem.h"
-#include "platform/linux/process/EndSignals.h"
-#include "platform/linux/process/LinuxProcess.h"
-#include "platform/linux/process/QuietErrors.h"
-#include "platform/linux/process/SessionBus.h"
-#include "platform/linux/process/XdgAutostart.h"
-#include "platform/linux/settings/FileSettingsStore.h"
-#include "platform/linux/settings/FileStateStore.h"
-#include "platform/linux/system/FontsAhead.h"
-#include "platform/linux/system/LinuxPower.h"
-#include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
+#include "qt/system/QtAudioOutput.h"
 #include "qt/system/QtWindowPlaces.h"
 #include "qt/system/QtWindowSystem.h"
 #include "readers/Reading.h"
@@ -58,14 +40,6 @@ using namespace voxmate;
 namespace
 {
 
-/// How long a signal that asks the program to end waits for the event loop; after that the program ends whatever the
-/// loop does. Session managers wait for some ten seconds before they kill.
-constexpr std::chrono::seconds EndPatience{4};
-/// How long the settings may then take to be saved. Short, because the event loop may hang on the very disk they go to.
-constexpr std::chrono::seconds LastSavePatience{1};
-/// How long the session's bus may take to answer the first word; it is milliseconds even at a busy log-in. Without the
-/// bus there is no accessibility, so it is not given up lightly.
-constexpr std::chrono::seconds BusPatience{5};
 /// How long a save may take that the session manager asks for; both it and the user wait for the answer.
 constexpr std::chrono::seconds SessionSavePatience{4};
 
@@ -97,7 +71,7 @@ CommandLine Arguments(int argc, char** argv)
 std::unique_ptr<Helper> StartRecorder(recording::Job job)
 {
     job.language = QLocale::system().name().toStdString();
-    job.addedVoices = linux_platform::ProgramFolder() + "/voices";
+    job.addedVoices = parts::ProgramFolder() + "/voices";
     const MemoryFile input(recording::EncodeJob(job));
     return StartHelper("voxmate-recorder", input.Path());
 }
@@ -105,21 +79,19 @@ std::unique_ptr<Helper> StartRecorder(recording::Job job)
 // Makes the parts of the program and runs it until it ends.
 int Run(qt::QtApplication& application, const CommandLine& line)
 {
-    linux_platform::LinuxProcess process;
-    linux_platform::DBusActivation desktop;
-    linux_platform::MprisPlayer media;
-    linux_platform::DesktopKeys keys;
-    linux_platform::LinuxNotifications notifications;
+    parts::Process process;
+    parts::Activation desktop;
+    parts::MediaControls media;
+    parts::Keys keys;
+    parts::Notifications notifications;
     if (HandedOver(line, process, desktop))
         process.EndProgram();
-    const std::unique_ptr<linux_platform::FileSettingsStore> settings = linux_platform::MakeSettingsStore();
-    const std::unique_ptr<linux_platform::FileStateStore> state = linux_platform::MakeStateStore();
-    linux_platform::LinuxFileSystem files;
-    linux_platform::LinuxClock clock;
+    const std::unique_ptr<parts::SettingsStore> settings = parts::MakeSettingsStore();
+    const std::unique_ptr<parts::StateStore> state = parts::MakeStateStore();
+    parts::FileSystem files;
+    parts::Clock clock;
     process.BeforeEnd = [&settings, &state, &notifications](std::chrono::milliseconds patience) {
-        const auto last = std::chrono::steady_clock::now() + patience;
-        settings->Flush(patience);
-        state->Flush(std::chrono::duration_cast<std::chrono::milliseconds>(last - std::chrono::steady_clock::now()));
+        parts::Save(*settings, *state, patience);
         notifications.CloseAll();
     };
     application.EndProgram = [&process] { process.EndProgram(); };
@@ -128,7 +100,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     std::vector<std::unique_ptr<speech::Engine>> engines;
     engines.push_back(speech::CreateEspeakEngine());
     engines.push_back(speech::CreateFliteEngine());
-    engines.push_back(speech::CreateFlitevoxEngine(linux_platform::ProgramFolder() + "/voices"));
+    engines.push_back(speech::CreateFlitevoxEngine(parts::ProgramFolder() + "/voices"));
     Extras* told = nullptr; // when it is there
     const auto leaveOut = [](const std::string& why) { std::cerr << "voxmate: " << why << '\n'; };
     const auto voiceFailed = [&application, &told, leaveOut](const std::string& why) {
@@ -138,19 +110,17 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                 told->VoiceFailed(why);
         });
     };
-    engines.push_back(speech::CreatePiperEngine(linux_platform::ProgramFolder() + "/voices",
-                                                linux_platform::DataFolder(), linux_platform::HomeFolder(), leaveOut,
-                                                voiceFailed));
+    for (std::unique_ptr<speech::Engine>& own : parts::MakeOwnEngines(leaveOut, voiceFailed))
+        engines.push_back(std::move(own));
     // name(), because bcp47Name() leaves out a language's default region: Brazil's Portuguese would match any
     // Portuguese.
     speech::VoiceCatalog voices(std::move(engines), QLocale::system().name().toStdString(), Voice::EngineLimit,
                                 [&running] { return running ? running->Settings.LastSpeechEngine : std::string(); });
 
-    qt::QtWindowSystem windows(linux_platform::SharedDataFolder());
+    qt::QtWindowSystem windows(parts::SharedDataFolder());
     application.Icons = &windows.Icons();
     windows.Recent.KeepIn(state.get());
-    process.WhileWaiting = [&windows] { windows.DoEvents(); };
-    qt::QtAudioOutput sound;
+    qt::QtAudioOutput<parts::SoundDevice> sound;
     speech::VoicePlayer voice(voices, sound);
     qt::QtStage stage(sound);
     // The characters that ship are on the program's own disk, and only an installer writes there. A folder of the
@@ -158,22 +128,22 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     speech::WordedVoice wordedVoice(voice);
     agent::Server server(stage, wordedVoice, [&files](const std::string& path) {
         const std::string file = files.LinkTarget(InAnyExtensionCase(path));
-        const bool ships = file.starts_with(linux_platform::SharedDataFolder() + "/");
+        const bool ships = file.starts_with(parts::SharedDataFolder() + files.PathSeparator());
         return agent::AcsFile::Open(InAnyExtensionCase(path), ships ? agent::Keep::InFile : agent::Keep::InMemory);
     });
 
-    linux_platform::LibreOfficeWord word;
+    parts::Word word;
     Platform platform{*settings, server, voices, windows, files, process, clock, word};
     Program program(platform);
     running = &program;
     frmMain mainForm(program);
     frmSplash splash(program);
-    linux_platform::XdgAutostart login = linux_platform::MakeAutostart();
+    auto login = parts::MakeAutostart();
     qt::QtWindowPlaces places;
-    linux_platform::X11Presence user;
-    linux_platform::DesktopQuiet quiet;
-    linux_platform::DesktopQuiet characterQuiet;
-    linux_platform::LinuxPower power;
+    parts::Presence user;
+    parts::Quiet quiet;
+    parts::Quiet characterQuiet;
+    parts::Power power;
     Extras extras(program, mainForm,
                   {*state,
                    login,
@@ -185,7 +155,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                    Fingerprint,
                    places,
                    wordedVoice,
-                   linux_platform::SaveFile,
+                   parts::SaveFile,
                    {speech::WritableSounds,
                     [&wordedVoice](recording::Job job) {
                         job.rules = wordedVoice.Rules();
@@ -204,17 +174,14 @@ int Run(qt::QtApplication& application, const CommandLine& line)
                    characterQuiet,
                    power});
     told = &extras;
-    settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(settings->UserFile()); }); };
+    settings->NotSaved = [&] { application.Post([&] { extras.SettingsNotSaved(parts::PlaceOf(*settings)); }); };
     application.EscapePressed = [&extras] { return extras.Escape(); };
 
-    const auto end = [&process] { process.EndRequested(); };
-    application.EndRequested = end;
-    application.SaveRequested = [&settings] { settings->Flush(SessionSavePatience); };
+    application.EndRequested = [&process] { process.EndRequested(); };
+    application.SaveRequested = [&settings, &state] { parts::Save(*settings, *state, SessionSavePatience); };
     // Dialogs, pictures and sentences leave their memory in pieces between what stays.
     application.AtRest = ReturnFreeMemory;
-    const linux_platform::EndSignals endSignals([&] { application.Post(end); },
-                                                [&process] { process.EndWithin(LastSavePatience); }, EndPatience);
-    process.EndAtExit();
+    const parts::Ending ending(application, process, [&windows] { windows.DoEvents(); });
     extras.Begin(line, [&splash] { splash.Show(); });
     sound.Look();
     return application.exec();
@@ -224,17 +191,16 @@ int Run(qt::QtApplication& application, const CommandLine& line)
 
 int main(int argc, char** argv)
 {
+    parts::PrepareOutput();
     // These need no display.
     if (const CommandLine line = Arguments(argc, argv); line.Help || line.Version) {
         std::cout << (line.Help ? CommandLineHelp() : "Voxmate " + VersionText() + "\n");
         return EXIT_SUCCESS;
     }
-    // Debian's ONNX Runtime tells of its own parts twice, in more than a thousand lines.
-    const linux_platform::QuietErrors quiet(std::cerr, "Schema error: ");
+    const parts::Beginning beginning;
     KeepHeapSmall();
-    linux_platform::AvoidHangingBus(BusPatience);
     std::optional<qt::PlatformChoice> platform(std::in_place);
-    std::optional<linux_platform::FontsAhead> fonts(std::in_place);
+    std::optional<parts::FontsAhead> fonts(std::in_place);
     qt::QtApplication application(argc, argv);
     fonts.reset();
     platform.reset();

@@ -7,14 +7,15 @@
 #include "bench/Statistics.h"
 #include "forms/frmMain.h"
 #include "modules/Program.h"
-#include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
 #include "platform/linux/files/LinuxFileSystem.h"
 #include "platform/linux/process/LinuxProcess.h"
 #include "platform/linux/settings/FileSettingsStore.h"
+#include "platform/linux/sound/PulseDevice.h"
 #include "platform/linux/word/LibreOfficeWord.h"
 #include "qt/character/QtStage.h"
 #include "qt/system/QtApplication.h"
+#include "qt/system/QtAudioOutput.h"
 #include "qt/system/QtWindowSystem.h"
 #include "speech/VoiceCatalog.h"
 #include "speech/player/VoicePlayer.h"
@@ -85,7 +86,7 @@ struct WholeProgram {
     linux_platform::LinuxClock clock;
     speech::VoiceCatalog voices{Engines(), "en"};
     qt::QtWindowSystem windows{linux_platform::SharedDataFolder()};
-    qt::QtAudioOutput sound;
+    qt::QtAudioOutput<voxmate::speech::PulseDevice> sound;
     Watched watched{sound};
     speech::VoicePlayer voice{voices, watched};
     qt::QtStage stage{watched};

@@ -6,7 +6,8 @@
 //                                                 when it was opened, failed, and tried again
 #include "bench/Monitor.h"
 #include "bench/Statistics.h"
-#include "platform/linux/desktop/QtAudioOutput.h"
+#include "platform/linux/sound/PulseDevice.h"
+#include "qt/system/QtAudioOutput.h"
 #ifdef VOXMATE_CUBEB
 #include "bench/CubebOutput.h"
 #endif
@@ -43,7 +44,7 @@ private:
 std::unique_ptr<speech::AudioOutput> OutputNamed(const std::string& name)
 {
     if (name == "pulse")
-        return std::make_unique<qt::QtAudioOutput>();
+        return std::make_unique<qt::QtAudioOutput<voxmate::speech::PulseDevice>>();
 #ifdef VOXMATE_CUBEB
     if (name == "cubeb")
         return std::make_unique<CubebOutput>();

@@ -3,8 +3,9 @@
 //
 //   speech_latency [monitor=rec.monitor] [runs=20] [folder with neural voices; the program's own without]
 #include "bench/Monitor.h"
-#include "platform/linux/desktop/QtAudioOutput.h"
 #include "platform/linux/files/Folders.h"
+#include "platform/linux/sound/PulseDevice.h"
+#include "qt/system/QtAudioOutput.h"
 #include "speech/player/VoicePlayer.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ int main(int count, char** arguments)
                                         voxmate::linux_platform::DataFolder(), voxmate::linux_platform::HomeFolder(),
                                         tell, tell));
     VoiceCatalog catalog(std::move(engines), "en-GB");
-    voxmate::qt::QtAudioOutput output;
+    voxmate::qt::QtAudioOutput<voxmate::speech::PulseDevice> output;
     VoicePlayer player(catalog, output);
 
     const Clock::time_point checking = Clock::now();

@@ -107,7 +107,7 @@ bool QtTray::Notify(std::uint32_t message, const TrayIconData& data, QWidget* wi
                          QTimer::singleShot(0, icon_.get(), [=, this] { Activated(reason, *receiver); });
                      });
     icon_->show();
-    viaNotifier_ = !IsEmbedded();
+    viaNotifier_ = !IsEmbedded() && TrayIsOfItems();
     // For a status notifier without a menu some areas show one of their own, or none. An embedded icon reports the
     // right click as a message, and with a menu set the toolkit would open it a second time.
     if (viaNotifier_)

@@ -1,9 +1,8 @@
 #include "qt/widgets/IconSet.h"
 
-#include <QFile>
-#include <QPainter>
+#include "qt/widgets/IconDrawing.h"
+
 #include <QPixmapCache>
-#include <QSvgRenderer>
 
 namespace voxmate::qt
 {
@@ -14,17 +13,10 @@ QPixmap IconSet::Pixmap(const QString& name, int size, qreal ratio, const QColor
     const QString key = QStringLiteral("voxmate/%1/%2/%3/%4").arg(name).arg(pixels).arg(ratio).arg(ink.rgba());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        QFile file(folder_ + u'/' + name + QStringLiteral(".svg"));
-        if (!file.open(QIODevice::ReadOnly))
+        const QImage image = DrawIcon(folder_ + u'/' + name, pixels, ink);
+        if (image.isNull())
             return {};
-        QSvgRenderer renderer(file.readAll().replace("currentColor", ink.name().toLatin1()));
-        if (!renderer.isValid())
-            return {};
-        pixmap = QPixmap(pixels, pixels);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        renderer.render(&painter);
-        painter.end();
+        pixmap = QPixmap::fromImage(image);
         // Before it is kept: setting it later would make another picture of it each time.
         pixmap.setDevicePixelRatio(ratio);
         QPixmapCache::insert(key, pixmap);

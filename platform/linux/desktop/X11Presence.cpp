@@ -2,57 +2,12 @@
 
 #include "platform/linux/desktop/X11Connection.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <QtGlobal>
 
 #include <xcb/screensaver.h>
 
 namespace voxmate::linux_platform
 {
-
-namespace
-{
-
-/// Sees all events of the program on their way.
-class InputWatch : public QObject
-{
-public:
-    explicit InputWatch(std::chrono::steady_clock::time_point& last) : last_(last)
-    {
-        QCoreApplication::instance()->installEventFilter(this);
-    }
-
-    bool eventFilter(QObject* /*receiver*/, QEvent* event) override
-    {
-        switch (event->type()) {
-        case QEvent::KeyPress:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseMove:
-        case QEvent::Wheel:
-        case QEvent::TouchBegin:
-            last_ = std::chrono::steady_clock::now();
-            break;
-        default:
-            break;
-        }
-        return false;
-    }
-
-private:
-    std::chrono::steady_clock::time_point& last_;
-};
-
-} // namespace
-
-X11Presence::X11Presence() : watch_(std::make_unique<InputWatch>(last_)) {}
-
-X11Presence::~X11Presence() = default;
-
-std::chrono::milliseconds X11Presence::IdleHere()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - last_);
-}
 
 std::optional<std::chrono::milliseconds> X11Presence::Idle()
 {

@@ -2,10 +2,7 @@
 #pragma once
 
 #include "platform/Presence.h"
-
-#include <memory>
-
-class QObject;
+#include "qt/system/InputWatch.h"
 
 namespace voxmate::linux_platform
 {
@@ -13,20 +10,13 @@ namespace voxmate::linux_platform
 class X11Presence : public Presence
 {
 public:
-    /// The application object must exist, and outlive this object.
-    X11Presence();
-    ~X11Presence() override;
-    X11Presence(const X11Presence&) = delete;
-    X11Presence& operator=(const X11Presence&) = delete;
-
     /// Nothing without an X11 server or its screen saver extension, and in Wayland sessions, whose X server sees only
     /// part of the input.
     std::optional<std::chrono::milliseconds> Idle() override;
-    std::chrono::milliseconds IdleHere() override;
+    std::chrono::milliseconds IdleHere() override { return watch_.SinceInput(); }
 
 private:
-    std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now(); ///< when the last input here came
-    std::unique_ptr<QObject> watch_;
+    qt::InputWatch watch_;
 };
 
 } // namespace voxmate::linux_platform

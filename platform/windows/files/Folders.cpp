@@ -1,10 +1,12 @@
 #include "platform/windows/files/Folders.h"
 
 #include "base/RuntimeError.h"
+#include "base/Text.h"
 #include "platform/windows/files/WindowsFileSystem.h"
 #include "platform/windows/system/Wide.h"
 #include "platform/windows/system/WindowsApi.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -39,6 +41,16 @@ std::string ProgramFolder()
         // What needs the folder says so.
     }
     return folder;
+}
+
+// Paths differ at their ends.
+std::wstring NameOfFolder(const std::string& folder)
+{
+    constexpr std::size_t longest = 200;
+    std::wstring name = Wide(UCase(folder));
+    std::replace(name.begin(), name.end(), L'\\', L'/');
+    name.erase(0, name.size() - std::min(name.size(), longest));
+    return name;
 }
 
 std::string RunningProgram()

@@ -8,6 +8,9 @@ namespace voxmate::windows_platform
 
 /// %VOXMATE_HOME% where that is a full path, or Voxmate in the user's local application data; created if it is missing.
 std::string ProgramFolder();
+/// What stands for the program's folder in the names of the system's objects: 200 characters at most, without
+/// backslashes.
+std::wstring NameOfFolder(const std::string& folder);
 /// The path of the running program.
 std::string RunningProgram();
 /// The shared data, share\voxmate beside the program. It stands in for the Windows directory, into which only an

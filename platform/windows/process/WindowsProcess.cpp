@@ -6,29 +6,12 @@
 #include "platform/windows/system/Wide.h"
 #include "platform/windows/system/WindowsApi.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include <shellapi.h>
 
 namespace voxmate::windows_platform
 {
-
-namespace
-{
-
-// A name holds at most 260 characters and no backslash but the one behind "Global", which is for all of the user's
-// sessions. Paths differ at their ends.
-std::wstring MutexName(const std::string& folder)
-{
-    constexpr std::size_t longest = 200;
-    std::wstring name = Wide(UCase(folder));
-    std::replace(name.begin(), name.end(), L'\\', L'/');
-    name.erase(0, name.size() - std::min(name.size(), longest));
-    return L"Global\\Voxmate " + name;
-}
-
-} // namespace
 
 WindowsProcess::WindowsProcess() : programFolder_(ProgramFolder())
 {
@@ -58,7 +41,8 @@ bool WindowsProcess::PreviousInstance()
 {
     if (instance_)
         return false;
-    void* const mutex = ::CreateMutexW(nullptr, FALSE, MutexName(programFolder_).c_str());
+    // For all of the user's sessions; a name holds at most 260 characters.
+    void* const mutex = ::CreateMutexW(nullptr, FALSE, (L"Global\\Voxmate " + NameOfFolder(programFolder_)).c_str());
     const DWORD outcome = ::GetLastError();
     if (mutex && outcome != ERROR_ALREADY_EXISTS) {
         instance_ = mutex;
