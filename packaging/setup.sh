@@ -41,6 +41,10 @@ windows_packages=(
   cmake ninja-build pkg-config g++-mingw-w64-x86-64-posix googletest icu-devtools wine wine64
 )
 
+# What ./windows needs besides for the program itself and its set-up: what builds Qt, the
+# characters and the icon, and NSIS.
+windows_program_packages=("${windows_packages[@]}" "${build_packages[@]}" qt6-base-dev-tools icoutils nsis zip)
+
 say() { printf '== %s\n' "$*"; }
 
 # The names of packages without their "?"; the optional ones only if apt knows all of them.

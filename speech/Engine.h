@@ -12,6 +12,11 @@
 #include <string>
 #include <vector>
 
+namespace voxmate
+{
+class SystemVoices;
+}
+
 namespace voxmate::speech
 {
 
@@ -72,5 +77,7 @@ std::unique_ptr<Engine> CreatePiperEngine(const std::filesystem::path& own, cons
                                           const std::filesystem::path& home,
                                           std::function<void(const std::string&)> leftOut,
                                           std::function<void(const std::string&)> failed);
+/// The voices that the system has for all programs.
+std::unique_ptr<Engine> CreateSystemEngine(std::unique_ptr<SystemVoices> voices);
 
 } // namespace voxmate::speech

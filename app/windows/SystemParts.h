@@ -16,6 +16,8 @@
 #include "platform/windows/settings/RegistryStateStore.h"
 #include "platform/windows/sound/WasapiDevice.h"
 #include "platform/windows/system/WindowsPower.h"
+#include "platform/windows/voices/SapiVoices.h"
+#include "platform/windows/word/AutomatedWord.h"
 #include "qt/system/QtApplication.h"
 #include "speech/Engine.h"
 
@@ -41,9 +43,8 @@ using Quiet = windows_platform::WindowsQuiet;
 using SettingsStore = windows_platform::RegistrySettingsStore;
 using SoundDevice = speech::WasapiDevice;
 using StateStore = windows_platform::RegistryStateStore;
-using Word = windows_platform::NoWord;
+using Word = windows_platform::AutomatedWord;
 
-using windows_platform::MakeSettingsStore;
 using windows_platform::ProgramFolder;
 using windows_platform::SaveFile;
 using windows_platform::SharedDataFolder;
@@ -72,12 +73,19 @@ public:
     Ending(qt::QtApplication& /*application*/, Process& /*process*/, const std::function<void()>& /*whileWaiting*/) {}
 };
 
-/// The voices that only this system has.
+/// The voices that only this system has: those of its speech interface.
 inline std::vector<std::unique_ptr<speech::Engine>>
 MakeOwnEngines(const std::function<void(const std::string&)>& /*leftOut*/,
                const std::function<void(const std::string&)>& /*failed*/)
 {
-    return {};
+    std::vector<std::unique_ptr<speech::Engine>> engines;
+    engines.push_back(speech::CreateSystemEngine(std::make_unique<windows_platform::SapiVoices>()));
+    return engines;
+}
+
+inline std::unique_ptr<SettingsStore> MakeSettingsStore()
+{
+    return windows_platform::MakeSettingsStore(SharedDataFolder());
 }
 
 inline std::unique_ptr<StateStore> MakeStateStore()

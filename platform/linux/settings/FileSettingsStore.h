@@ -5,9 +5,9 @@
 // disk. Values set during a save are saved together by the next one.
 #pragma once
 
+#include "base/RegistryFile.h"
 #include "platform/SettingsStore.h"
 #include "platform/linux/files/FileSaver.h"
-#include "platform/linux/settings/RegistryFile.h"
 
 #include <chrono>
 #include <functional>

@@ -1,7 +1,7 @@
 // The desktop's own tool that describes the computer, which elsewhere a registry names.
 #pragma once
 
-#include "platform/linux/settings/RegistryFile.h"
+#include "base/RegistryFile.h"
 
 #include <optional>
 #include <string>

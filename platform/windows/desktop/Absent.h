@@ -1,10 +1,8 @@
 // What there is none of on Windows yet. The program does without, as on a desktop that offers none.
 #pragma once
 
-#include "base/RuntimeError.h"
 #include "platform/DesktopNotifications.h"
 #include "platform/MediaControls.h"
-#include "platform/Word.h"
 
 namespace voxmate::windows_platform
 {
@@ -24,12 +22,6 @@ public:
     void Show(int /*number*/, const Notification& /*notification*/) override {}
     void Close(int /*number*/) override {}
     void CloseAll() {}
-};
-
-class NoWord : public WordAutomation
-{
-public:
-    std::unique_ptr<WordApplication> CreateWord() override { throw CannotCreateObject(); }
 };
 
 } // namespace voxmate::windows_platform

@@ -1,6 +1,7 @@
 // The system's own dialogs for files and folders (IFileDialog).
 #include "qt/dialogs/DesktopFileDialog.h"
 
+#include "platform/windows/system/ComObject.h"
 #include "platform/windows/system/WindowsApi.h"
 
 #include <QCoreApplication>
@@ -22,18 +23,12 @@ namespace voxmate::windows_platform
 namespace
 {
 
-struct Release {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
 template <class T>
-using Object = std::unique_ptr<T, Release>;
-
-template <class T>
-Object<T> Create(const CLSID& type)
+ComObject<T> Create(const CLSID& type)
 {
-    void* made = nullptr;
-    ::CoCreateInstance(type, nullptr, CLSCTX_INPROC_SERVER, __uuidof(T), &made);
-    return Object<T>(static_cast<T*>(made));
+    ComObject<T> object;
+    ::CoCreateInstance(type, nullptr, CLSCTX_INPROC_SERVER, __uuidof(T), Out(object));
+    return object;
 }
 
 /// The question as the dialog takes it. The texts live as long as this.
@@ -76,11 +71,9 @@ std::optional<QString> Show(IFileDialog& dialog, const Wording& wording, HWND ov
         dialog.SetFileName(wording.name.c_str());
         dialog.SetDefaultExtension(wording.extension.c_str());
     }
-    void* folder = nullptr;
-    if (::SHCreateItemFromParsingName(wording.folder.c_str(), nullptr, __uuidof(IShellItem), &folder) == S_OK) {
-        const Object<IShellItem> item(static_cast<IShellItem*>(folder));
-        dialog.SetFolder(item.get());
-    }
+    ComObject<IShellItem> folder;
+    if (::SHCreateItemFromParsingName(wording.folder.c_str(), nullptr, __uuidof(IShellItem), Out(folder)) == S_OK)
+        dialog.SetFolder(folder.get());
     FILEOPENDIALOGOPTIONS options = 0;
     dialog.GetOptions(&options);
     dialog.SetOptions(options | FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR | (wording.wantsFolder ? FOS_PICKFOLDERS : 0) |
@@ -88,10 +81,9 @@ std::optional<QString> Show(IFileDialog& dialog, const Wording& wording, HWND ov
     const HRESULT shown = dialog.Show(over);
     if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED))
         return QString();
-    IShellItem* chosen = nullptr;
-    if (shown != S_OK || dialog.GetResult(&chosen) != S_OK)
+    ComObject<IShellItem> item;
+    if (shown != S_OK || dialog.GetResult(Out(item)) != S_OK)
         return std::nullopt;
-    const Object<IShellItem> item(chosen);
     wchar_t* path = nullptr;
     if (item->GetDisplayName(SIGDN_FILESYSPATH, &path) != S_OK)
         return std::nullopt;
@@ -105,12 +97,11 @@ std::optional<QString> Run(const Wording& wording, HWND over)
     if (FAILED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)))
         return std::nullopt;
     std::optional<QString> path;
-    {
-        const Object<IFileDialog> dialog = wording.saves
-                                               ? Object<IFileDialog>(Create<IFileSaveDialog>(CLSID_FileSaveDialog))
-                                               : Object<IFileDialog>(Create<IFileOpenDialog>(CLSID_FileOpenDialog));
-        if (dialog)
+    if (wording.saves) {
+        if (const auto dialog = Create<IFileSaveDialog>(CLSID_FileSaveDialog))
             path = Show(*dialog, wording, over);
+    } else if (const auto dialog = Create<IFileOpenDialog>(CLSID_FileOpenDialog)) {
+        path = Show(*dialog, wording, over);
     }
     ::CoUninitialize();
     return path;

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "platform/FindProgram.h"
+#include "platform/windows/files/File.h"
 #include "platform/windows/system/Wide.h"
 #include "platform/windows/system/WindowsApi.h"
 
@@ -16,6 +17,9 @@ namespace voxmate::windows_platform
 
 namespace
 {
+
+/// More is no file of defaults.
+constexpr std::int64_t LongestDefaults = 1 << 20;
 
 constexpr std::uint32_t Machine = FirstRootKey + 2;
 
@@ -75,14 +79,8 @@ private:
     HKEY key_ = nullptr;
 };
 
-/// A value's type and bytes, texts in UTF-8.
-struct Value {
-    std::uint32_t type = 0;
-    std::vector<std::uint8_t> data;
-    bool operator==(const Value&) const = default;
-};
-
-std::int32_t Read(HKEY key, const std::string& name, Value& value)
+// Texts in UTF-8.
+std::int32_t Read(HKEY key, const std::string& name, RawValue& value)
 {
     DWORD type = 0;
     DWORD size = 0;
@@ -118,6 +116,7 @@ struct RegistrySettingsStore::OpenKey {
     std::uint32_t access = 0;
     Handle own;
     Handle machine;
+    bool lacksOwn = false; ///< the user had no such key when it was opened, and may have one by now
 };
 
 RegistrySettingsStore::RegistrySettingsStore() = default;
@@ -136,7 +135,7 @@ bool RegistrySettingsStore::Again(const std::string& path, std::uint32_t access,
     const auto same = std::find_if(open_.begin(), open_.end(), [&](const auto& each) {
         return each.second->path == path && each.second->access == access;
     });
-    if (same == open_.end())
+    if (same == open_.end() || same->second->lacksOwn)
         return false;
     for (const HKEY handle : {same->second->own.Key(), same->second->machine.Key()})
         if (handle && ::RegQueryInfoKeyW(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -158,7 +157,7 @@ std::int32_t RegistrySettingsStore::RegCreateKeyA(std::uint32_t root, const std:
     if (!IsRoot(root))
         return ERROR_INVALID_HANDLE;
     constexpr std::uint32_t access = KEY_READ | KEY_WRITE;
-    OpenKey opened{PathOf(root, subKey), access, {}, {}};
+    OpenKey opened{PathOf(root, subKey), access, {}, {}, false};
     std::int32_t code = opened.own.Create(root, subKey, access);
     if (code == ERROR_ACCESS_DENIED && root == Machine) {
         opened.machine.Open(root, subKey, 0, KEY_READ);
@@ -172,7 +171,7 @@ std::int32_t RegistrySettingsStore::RegOpenKeyExA(std::uint32_t root, const std:
 {
     if (!IsRoot(root))
         return ERROR_INVALID_HANDLE;
-    OpenKey opened{PathOf(root, subKey), access, {}, {}};
+    OpenKey opened{PathOf(root, subKey), access, {}, {}, false};
     if (Again(opened.path, access, key))
         return ERROR_SUCCESS;
     if (root != Machine) {
@@ -190,6 +189,7 @@ std::int32_t RegistrySettingsStore::RegOpenKeyExA(std::uint32_t root, const std:
                                              : opened.own.Open(FirstRootKey + 1, subKey, options, access);
     if (own != ERROR_SUCCESS && !opened.machine && !(Lookup && !writes))
         return there ? code : own;
+    opened.lacksOwn = own != ERROR_SUCCESS;
     return GiveHandle(std::move(opened), key);
 }
 
@@ -201,14 +201,14 @@ std::int32_t RegistrySettingsStore::RegQueryValueExA(std::uint32_t key, const st
         return ERROR_INVALID_HANDLE;
     if ((opened->access & KEY_QUERY_VALUE) == 0)
         return ERROR_ACCESS_DENIED;
-    Value value;
+    RawValue value;
     std::int32_t code = ERROR_FILE_NOT_FOUND;
     for (const Handle* handle : {&opened->own, &opened->machine})
         if (code == ERROR_FILE_NOT_FOUND && *handle)
             code = Read(handle->Key(), name, value);
     if (code == ERROR_FILE_NOT_FOUND && Lookup) {
-        if (const std::optional<std::string> text = Lookup(opened->path, name)) {
-            value = {REG_SZ, {text->begin(), text->end()}};
+        if (std::optional<RawValue> found = Lookup(opened->path, name)) {
+            value = *std::move(found);
             code = ERROR_SUCCESS;
         }
     }
@@ -243,8 +243,8 @@ std::int32_t RegistrySettingsStore::RegSetValueExA(std::uint32_t key, const std:
         code = ::RegSetValueExW(handle, Wide(name).c_str(), 0, type, data.data(), static_cast<DWORD>(data.size()));
     }
     if (code != ERROR_SUCCESS && NotSaved) {
-        Value holds;
-        if (Read(handle, name, holds) != ERROR_SUCCESS || holds != Value{type, {data.begin(), data.end()}})
+        RawValue holds;
+        if (Read(handle, name, holds) != ERROR_SUCCESS || holds != RawValue{type, {data.begin(), data.end()}})
             NotSaved();
     }
     return code;
@@ -255,15 +255,26 @@ std::int32_t RegistrySettingsStore::RegCloseKey(std::uint32_t key)
     return open_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
-std::unique_ptr<RegistrySettingsStore> MakeSettingsStore()
+std::unique_ptr<RegistrySettingsStore> MakeSettingsStore(const std::string& sharedFolder)
 {
+    std::string bytes;
+    if (const File file(sharedFolder + "\\registry.reg", Opening::Read); file.Opens() && file.IsRegular()) {
+        bytes.resize(static_cast<std::size_t>(std::min(file.Size(), LongestDefaults)));
+        bytes.resize(file.Read(0, bytes));
+    }
     auto store = std::make_unique<RegistrySettingsStore>();
-    store->Lookup = [](const std::string& key, const std::string& name) -> std::optional<std::string> {
+    store->Lookup = [defaults = RegistryFile::Parse(bytes), characters = sharedFolder + "\\msagent\\chars\\"](
+                        const std::string& key, const std::string& name) -> std::optional<RawValue> {
+        const auto text = [](const std::string& value) { return RawValue{REG_SZ, {value.begin(), value.end()}}; };
+        if (std::optional<RawValue> value = defaults.Value(key, name))
+            return value;
+        if (EqualNoCase(key, R"(HKEY_LOCAL_MACHINE\SOFTWARE\Voxmate)") && EqualNoCase(name, "CharacterPath"))
+            return text(characters);
         if (!EqualNoCase(key, R"(HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Shared Tools\MSINFO)") ||
             !EqualNoCase(name, "PATH"))
             return std::nullopt;
         const std::string tool = FindProgram("msinfo32.exe");
-        return tool.empty() ? std::nullopt : std::optional(tool);
+        return tool.empty() ? std::nullopt : std::optional(text(tool));
     };
     return store;
 }

@@ -1,6 +1,7 @@
 // The settings store: the registry itself, so that what other programs change there is seen at once.
 #pragma once
 
+#include "base/RegistryFile.h"
 #include "platform/SettingsStore.h"
 
 #include <functional>
@@ -23,9 +24,9 @@ public:
     RegistrySettingsStore(const RegistrySettingsStore&) = delete;
     RegistrySettingsStore& operator=(const RegistrySettingsStore&) = delete;
 
-    /// Supplies texts that the registry lacks; `key` is its path with the root's name. With it every key below a root
-    /// can be opened for reading.
-    std::function<std::optional<std::string>(const std::string& key, const std::string& name)> Lookup;
+    /// Supplies values that the registry lacks, texts in UTF-8; `key` is its path with the root's name. With it every
+    /// key below a root can be opened for reading.
+    std::function<std::optional<RawValue>(const std::string& key, const std::string& name)> Lookup;
     /// Called each time that a value could not be set, unless it is the one that holds anyway.
     std::function<void()> NotSaved;
 
@@ -50,7 +51,9 @@ private:
     std::int32_t GiveHandle(OpenKey opened, std::uint32_t& key);
 };
 
-/// Makes the store with the tool that describes the computer for about boxes, if the registry names none.
-std::unique_ptr<RegistrySettingsStore> MakeSettingsStore();
+/// Makes the store for a program whose shared data are in `sharedFolder`. What the registry lacks comes from there: the
+/// values of registry.reg, where that exists, and the folder of the characters that ship. The tool that describes the
+/// computer for about boxes is looked for if the registry names none.
+std::unique_ptr<RegistrySettingsStore> MakeSettingsStore(const std::string& sharedFolder);
 
 } // namespace voxmate::windows_platform

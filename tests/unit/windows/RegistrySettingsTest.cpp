@@ -6,7 +6,11 @@
 
 #include <sddl.h>
 
+#include <array>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -193,9 +197,9 @@ TEST_F(RegistrySettingsTest, AValueThatCannotBeSetIsToldOfUnlessItHolds)
 
 TEST_F(RegistrySettingsTest, WhatTheRegistryLacksMayBeSuppliedForReading)
 {
-    store.Lookup = [](const std::string& path, const std::string& name) -> std::optional<std::string> {
+    store.Lookup = [](const std::string& path, const std::string& name) -> std::optional<RawValue> {
         return path == "HKEY_LOCAL_MACHINE\\SOFTWARE\\VoxmateTest" && name == "PATH"
-                   ? std::optional<std::string>("tool")
+                   ? std::optional(RawValue{REG_SZ, {'t', 'o', 'o', 'l'}})
                    : std::nullopt;
     };
     EXPECT_EQ(Get("PATH").data, "tool");
@@ -203,6 +207,29 @@ TEST_F(RegistrySettingsTest, WhatTheRegistryLacksMayBeSuppliedForReading)
     EXPECT_EQ(Get("Other").code, ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(Set("PATH", REG_SZ, "own"), 0);
     EXPECT_EQ(Get("PATH").data, "own");
+}
+
+TEST_F(RegistrySettingsTest, WhatShipsWithTheProgramStandsInForWhatTheRegistryLacks)
+{
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "VoxmateTestShare";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "registry.reg") << "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\VoxmateTest]\n"
+                                              "\"Pitch\"=dword:000000be\n";
+    const std::unique_ptr<RegistrySettingsStore> made = MakeSettingsStore(folder.string());
+    std::filesystem::remove_all(folder);
+    const auto get = [&made](const std::string& path, const std::string& name) {
+        std::uint32_t handle = 0;
+        std::uint32_t type = 0;
+        std::array<std::uint8_t, 300> data{};
+        auto size = static_cast<std::uint32_t>(data.size());
+        EXPECT_EQ(made->RegOpenKeyExA(machineRoot, path, 0, KEY_READ, handle), 0);
+        EXPECT_EQ(made->RegQueryValueExA(handle, name, type, data, size), 0);
+        return std::string(data.begin(), data.begin() + size);
+    };
+    EXPECT_EQ(get(key, "Pitch"), std::string("\xBE\0\0\0", 4));
+    ASSERT_EQ(Set("Pitch", REG_DWORD, std::string("\x50\0\0\0", 4)), 0);
+    EXPECT_EQ(get(key, "Pitch"), std::string("\x50\0\0\0", 4));
+    EXPECT_EQ(get("SOFTWARE\\Voxmate", "CharacterPath"), folder.string() + "\\msagent\\chars\\");
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace voxmate::linux_platform
+namespace voxmate
 {
 
 struct RawValue {
@@ -49,4 +49,4 @@ private:
     std::optional<std::size_t> FindValue(const std::string& key, const std::string& name) const;
 };
 
-} // namespace voxmate::linux_platform
+} // namespace voxmate

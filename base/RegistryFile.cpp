@@ -1,19 +1,22 @@
-#include "platform/linux/settings/RegistryFile.h"
+#include "base/RegistryFile.h"
 
 #include "base/Text.h"
 #include "base/TextEncoding.h"
-#include "platform/SettingsStore.h"
-#include "platform/linux/files/CodePage.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 
-namespace voxmate::linux_platform
+namespace voxmate
 {
 
 namespace
 {
+
+// Types of values (winnt.h).
+constexpr std::uint32_t Text = 1;
+constexpr std::uint32_t Binary = 3;
+constexpr std::uint32_t Integer = 4;
 
 constexpr std::string_view FileHeader = "REGEDIT4";
 
@@ -88,7 +91,7 @@ bool ParseValue(std::string_view text, RawValue& value)
         std::uint32_t number = 0;
         if (!ParseHex(text.substr(dword.size()), number))
             return false;
-        value.type = REG_DWORD;
+        value.type = Integer;
         value.data.clear();
         for (unsigned shift = 0; shift < 32; shift += 8)
             value.data.push_back(static_cast<std::uint8_t>(number >> shift));
@@ -101,13 +104,13 @@ bool ParseValue(std::string_view text, RawValue& value)
         // "" is how a person writes an empty text that is present: a lone NUL.
         if (quoted.empty())
             quoted.push_back('\0');
-        value.type = REG_SZ;
+        value.type = Text;
         value.data.assign(quoted.begin(), quoted.end());
         return true;
     }
     if (text.starts_with(hex)) {
         text.remove_prefix(hex.size());
-        value.type = REG_BINARY;
+        value.type = Binary;
         if (text.starts_with('(')) {
             const std::size_t close = text.find(')');
             if (close == std::string_view::npos || !ParseHex(text.substr(1, close - 1), value.type))
@@ -141,13 +144,13 @@ bool QuotesCanSay(std::string_view text)
 
 std::string FormatValue(const RawValue& value)
 {
-    if (value.type == REG_DWORD && value.data.size() == 4) {
+    if (value.type == Integer && value.data.size() == 4) {
         std::uint32_t number = 0;
         for (std::size_t i = 4; i > 0; --i)
             number = number << 8 | value.data[i - 1];
         return "dword:" + Hex(number, 8);
     }
-    if (value.type == REG_SZ) {
+    if (value.type == Text) {
         const std::string_view text(reinterpret_cast<const char*>(value.data.data()), value.data.size());
         if (text == std::string_view("\0", 1))
             return "\"\"";
@@ -309,4 +312,4 @@ void RegistryFile::SetValue(const std::string& key, const std::string& name, con
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(end), std::move(line));
 }
 
-} // namespace voxmate::linux_platform
+} // namespace voxmate
