@@ -186,7 +186,7 @@ void Character::GoHome()
 void Character::Idle()
 {
     idleTimer_.reset();
-    const Animation* animation = idling_.Choose(aloneSince_);
+    const Animation* animation = idling_.Choose(aloneSince_, body_.Blinks());
     if (!animation) {
         Rest();
         return;

@@ -181,7 +181,7 @@ int Run(qt::QtApplication& application, const CommandLine& line)
     application.SaveRequested = [&settings, &state] { parts::Save(*settings, *state, SessionSavePatience); };
     // Dialogs, pictures and sentences leave their memory in pieces between what stays.
     application.AtRest = ReturnFreeMemory;
-    const parts::Ending ending(application, process, [&windows] { windows.DoEvents(); });
+    [[maybe_unused]] const parts::Ending ending(application, process, [&windows] { windows.DoEvents(); });
     extras.Begin(line, [&splash] { splash.Show(); });
     sound.Look();
     return application.exec();
@@ -197,7 +197,7 @@ int main(int argc, char** argv)
         std::cout << (line.Help ? CommandLineHelp() : "Voxmate " + VersionText() + "\n");
         return EXIT_SUCCESS;
     }
-    const parts::Beginning beginning;
+    [[maybe_unused]] const parts::Beginning beginning;
     KeepHeapSmall();
     std::optional<qt::PlatformChoice> platform(std::in_place);
     std::optional<parts::FontsAhead> fonts(std::in_place);

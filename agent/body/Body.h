@@ -94,6 +94,8 @@ public:
     /// Breathes, at full or half speed, while it stands in the picture of its neutral pose, until it is to do something
     /// else. For animations it counts as standing still.
     void Breathe(bool slowly);
+    /// Whether it breathes and blinks meanwhile.
+    bool Blinks() const { return breathing_.Blinks(); }
     /// Stands still in its pose at once.
     void HoldBreath();
     void Forget();

@@ -155,8 +155,7 @@ void Breathing::Draw()
 
 void Breathing::Wait()
 {
-    const bool blinks = breaths_[breath_].half && breaths_[breath_].shut;
-    const std::int64_t next = blinks ? std::min(due_, lidsDue_) : due_;
+    const std::int64_t next = Blinks() ? std::min(due_, lidsDue_) : due_;
     timer_ = stage_.After(static_cast<int>(std::max<std::int64_t>(0, next - stage_.Now())), [this] { Tick(); });
 }
 

@@ -27,6 +27,8 @@ public:
     void SetSlow(bool slow) { slow_ = slow; }
     /// The frame on show; null while it does not go on.
     const Frame* Shown() const { return shown_; }
+    /// Whether it goes on, with blinks.
+    bool Blinks() const { return shown_ && breaths_[breath_].half && breaths_[breath_].shut; }
 
     /// People at rest blink some 17 times a minute, at irregular intervals whose logarithms spread by a half.
     static constexpr int BlinksAMinute = 17;

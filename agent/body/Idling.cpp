@@ -28,7 +28,8 @@ const Animation* PickAnimation(Stage& stage, const std::vector<const Animation*>
 
 Idling::Idling(Stage& stage, const AcsFile& file)
     : stage_(stage), levels_{StateAnimations(file, "IdlingLevel1"), StateAnimations(file, "IdlingLevel2"),
-                             StateAnimations(file, "IdlingLevel3")}
+                             StateAnimations(file, "IdlingLevel3")},
+      breathes_(!StateAnimations(file, "Breathing").empty())
 {
 }
 
@@ -54,10 +55,26 @@ int Idling::Delay(std::int64_t since)
     return -1;
 }
 
-const Animation* Idling::Choose(std::int64_t since)
+const Animation* Idling::Choose(std::int64_t since, bool blinks)
 {
     const auto* level = LevelNow(since);
-    return level ? PickAnimation(stage_, *level) : nullptr;
+    if (!level || !breathes_)
+        return level ? PickAnimation(stage_, *level) : nullptr;
+    std::vector<const Animation*> choice = *level;
+    if (blinks)
+        std::erase_if(choice, [](const Animation* animation) { return animation->name == "Blink"; });
+    const std::size_t shut = std::min({OthersBetween, lately_.size(), choice.empty() ? 0 : choice.size() - 1});
+    std::erase_if(choice, [&](const Animation* animation) {
+        return std::find(lately_.begin(), lately_.begin() + static_cast<std::ptrdiff_t>(shut), animation) !=
+               lately_.begin() + static_cast<std::ptrdiff_t>(shut);
+    });
+    const Animation* chosen = PickAnimation(stage_, choice);
+    if (chosen) {
+        std::erase(lately_, chosen);
+        lately_.insert(lately_.begin(), chosen);
+        lately_.resize(std::min(lately_.size(), OthersBetween));
+    }
+    return chosen;
 }
 
 } // namespace voxmate::agent

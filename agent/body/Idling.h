@@ -27,14 +27,19 @@ public:
     /// when there will be none.
     int Delay(std::int64_t since);
     /// One of the animations of the level reached, or of the next lower level that has any, at random; null when there
-    /// is none.
-    const Animation* Choose(std::int64_t since);
+    /// is none. In a file with a state Breathing none comes again before three others have, as far as there are so
+    /// many, and with `blinks`, as one who blinks anyway, the animation Blink is not chosen.
+    const Animation* Choose(std::int64_t since, bool blinks);
 
 private:
+    static constexpr std::size_t OthersBetween = 3;
+
     const std::vector<const Animation*>* LevelNow(std::int64_t since) const;
 
     Stage& stage_;
     std::array<std::vector<const Animation*>, 3> levels_;
+    const bool breathes_;                  ///< the file has the state Breathing
+    std::vector<const Animation*> lately_; ///< those chosen last, the last one first
 };
 
 /// The animations of a state that exist and have frames, in the file's order. Only the state's first 100 names count.

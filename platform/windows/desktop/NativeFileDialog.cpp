@@ -76,8 +76,12 @@ std::optional<QString> Show(IFileDialog& dialog, const Wording& wording, HWND ov
         dialog.SetFolder(folder.get());
     FILEOPENDIALOGOPTIONS options = 0;
     dialog.GetOptions(&options);
-    dialog.SetOptions(options | FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR | (wording.wantsFolder ? FOS_PICKFOLDERS : 0) |
-                      (wording.saves ? FOS_OVERWRITEPROMPT : 0));
+    options |= FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR;
+    if (wording.wantsFolder)
+        options |= FOS_PICKFOLDERS;
+    if (wording.saves)
+        options |= FOS_OVERWRITEPROMPT;
+    dialog.SetOptions(options);
     const HRESULT shown = dialog.Show(over);
     if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED))
         return QString();

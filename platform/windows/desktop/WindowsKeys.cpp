@@ -66,11 +66,11 @@ std::optional<std::string> SelectedIn(HWND box)
     return first < last ? Narrow(std::wstring_view(text).substr(first, last - first)) : std::string();
 }
 
-INPUT Stroke(WORD key, bool up)
+INPUT Stroke(int key, bool up)
 {
     INPUT input{};
     input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
+    input.ki.wVk = static_cast<WORD>(key);
     input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
     return input;
 }
@@ -80,12 +80,12 @@ INPUT Stroke(WORD key, bool up)
 void PressCopy()
 {
     std::vector<INPUT> strokes;
-    for (const WORD key : {VK_MENU, VK_SHIFT, VK_LWIN, VK_RWIN, VK_CONTROL}) {
+    for (const int key : {VK_MENU, VK_SHIFT, VK_LWIN, VK_RWIN, VK_CONTROL}) {
         if (::GetAsyncKeyState(key) < 0)
             strokes.push_back(Stroke(key, true));
     }
     for (const auto& [key, up] :
-         {std::pair<WORD, bool>{VK_CONTROL, false}, {'C', false}, {'C', true}, {VK_CONTROL, true}})
+         {std::pair<int, bool>{VK_CONTROL, false}, {'C', false}, {'C', true}, {VK_CONTROL, true}})
         strokes.push_back(Stroke(key, up));
     ::SendInput(static_cast<UINT>(strokes.size()), strokes.data(), sizeof(INPUT));
 }

@@ -277,5 +277,56 @@ TEST_F(ServerBreathingTest, FramesOfNoTimeAndStatesThatDoNotMatchAreNoHarm)
     EXPECT_TRUE(std::ranges::all_of(seen, [](int picture) { return picture == 1 || picture == 30 || picture == 31; }));
 }
 
+TEST_F(ServerBreathingTest, APlayComesAgainOnlyAfterThreeOthers)
+{
+    std::mt19937 random(1);
+    stage.random = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
+    description.states.push_back({"IdlingLevel1", {}});
+    for (std::uint32_t picture = 40; picture < 45; ++picture) {
+        const std::string name = "Play" + std::to_string(picture);
+        description.animations.push_back({name, Transition::None, "", {Picture(picture, 12)}});
+        description.states.back().second.push_back(name);
+    }
+    LoadShown();
+    Pictures();
+    stage.Run(110'000);
+    Numbers plays = Pictures();
+    std::erase_if(plays, [](int picture) { return picture < 40; });
+    ASSERT_GT(plays.size(), 14u);
+    for (std::size_t i = 0; i < plays.size(); ++i)
+        EXPECT_EQ(std::count(plays.begin() + static_cast<std::ptrdiff_t>(i > 3 ? i - 3 : 0),
+                             plays.begin() + static_cast<std::ptrdiff_t>(i), plays[i]),
+                  0)
+            << i;
+}
+
+TEST_F(ServerBreathingTest, OneWithoutLidsOfItsOwnPlaysABlink)
+{
+    description.animations.push_back({"Blink", Transition::None, "", {Picture(42, 12)}});
+    State("IdlingLevel1", "Blink");
+    description.states.back().second.push_back("Idle1_1");
+    stage.random = [](int) { return 0; };
+    LoadShown();
+    Pictures();
+    stage.Run(Idling::GapMinimum);
+    EXPECT_EQ(Pictures().back(), 42);
+}
+
+TEST_F(ServerBreathingTest, OneWhoBlinksAnywayPlaysABlinkOnlyWhileItDoesNotBreathe)
+{
+    description.animations.push_back({"Blink", Transition::None, "", {Picture(42, 12)}});
+    State("IdlingLevel1", "Blink");
+    description.states.back().second.push_back("Idle1_1");
+    WithLids();
+    stage.random = [](int) { return 0; };
+    LoadShown();
+    Pictures();
+    stage.Run(Idling::GapMinimum);
+    EXPECT_EQ(Pictures().back(), 41);
+    server.SetIdleLife(IdleLife::PlaysOnly);
+    stage.Run(Idling::GapMinimum + 200);
+    EXPECT_EQ(std::ranges::count(Pictures(), 42), 1);
+}
+
 } // namespace
 } // namespace voxmate::agent::test
