@@ -15,6 +15,7 @@
 #include "platform/windows/settings/RegistrySettingsStore.h"
 #include "platform/windows/settings/RegistryStateStore.h"
 #include "platform/windows/sound/WasapiDevice.h"
+#include "platform/windows/system/DarkMode.h"
 #include "platform/windows/system/WindowsPower.h"
 #include "platform/windows/voices/SapiVoices.h"
 #include "platform/windows/word/AutomatedWord.h"
@@ -56,9 +57,19 @@ inline void PrepareOutput()
     windows_platform::UseParentsConsole();
 }
 
-/// Nothing has to come before the application object here.
+/// What comes before the application object: the look. Windows' own style has no dark colours in this toolkit, so where
+/// the user has chosen them, the toolkit's own style takes its place.
 class Beginning
 {
+public:
+    Beginning()
+    {
+        if (!windows_platform::PrefersDark() || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+            return;
+        qputenv("QT_QPA_PLATFORM", "windows:darkmode=2");
+        if (!qEnvironmentVariableIsSet("QT_STYLE_OVERRIDE"))
+            qputenv("QT_STYLE_OVERRIDE", "fusion");
+    }
 };
 
 /// Windows' own fonts need no preparation.

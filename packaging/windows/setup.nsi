@@ -1,5 +1,7 @@
 ; The set-up program for one user, without administrator's rights. `makensis` is given VERSION, FOLDER (what is
 ; installed), ICON and OUTPUT.
+; For 64-bit Windows, as the program is.
+Target amd64-unicode
 Unicode true
 SetCompressor /SOLID lzma
 RequestExecutionLevel user

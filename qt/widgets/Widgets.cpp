@@ -183,6 +183,8 @@ void Button::contextMenuEvent(QContextMenuEvent* event)
 
 ValueBar::ValueBar(QWidget* parent) : QScrollBar(Qt::Horizontal, parent)
 {
+    // It does not draw all of its rectangle, as a scroll bar is taken to do unless the style says otherwise.
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
     setFocusPolicy(Qt::StrongFocus);
     setContextMenuPolicy(Qt::NoContextMenu);
     // An ordinary scroll bar's keys and wheel scroll a document; here up and right mean a higher value.
