@@ -130,7 +130,8 @@ class Program(WineCase):
             time.sleep(0.2)
         with open(os.path.join(self.folder, "VoxmateReminders.txt"), "wb") as file:
             file.write(reminder("Tea", datetime.datetime.now(), "Milk"))
-        self.start_calmly(**values)
+        self.set(**{**CALM, **values})
+        self.start()
 
     def alert(self):
         """The place of the program's window that has none of the usual names; None where there is none."""
