@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -37,7 +38,8 @@ struct Collect final : SampleSink {
         std::vector<std::pair<int, int>> found;
         for (const SpeechEvent& event : events)
             if (event.kind == kind)
-                found.emplace_back(event.value, static_cast<int>(event.sample * 100 / fakes::FakeSystemVoices::Rate));
+                found.emplace_back(event.value, static_cast<int>(std::lround(static_cast<double>(event.sample) * 100 /
+                                                                             fakes::FakeSystemVoices::Rate)));
         return found;
     }
 };
